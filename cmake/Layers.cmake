@@ -1,0 +1,30 @@
+# Keeps the layers apart. The build breaks when
+#  - tarnwick_core is linked against anything but the standard library and the JSON parser,
+#  - tarnwick_core needs a symbol that the standard library does not have,
+#  - a file includes a layer above its own, or a core file an operating-system or toolkit header.
+
+function(tarnwick_check_layers)
+  get_target_property(linked tarnwick_core LINK_LIBRARIES)
+  foreach(library IN LISTS linked)
+    if(NOT library MATCHES "^(tarnwick_warnings|nlohmann_json::nlohmann_json)$")
+      message(FATAL_ERROR "tarnwick_core must stay portable, but it links ${library}")
+    endif()
+  endforeach()
+
+  # The whole core linked with nothing else: an undefined symbol is a dependency it must not have.
+  file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/core_alone.cpp" "int main() { return 0; }\n")
+  add_executable(tarnwick_core_alone "${CMAKE_CURRENT_BINARY_DIR}/core_alone.cpp")
+  target_link_libraries(tarnwick_core_alone PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,tarnwick_core>")
+
+  file(GLOB_RECURSE sources CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}"
+    app/*.h app/*.cpp core/*.h core/*.cpp evaluation/*.h evaluation/*.cpp platform/*.h
+    platform/*.cpp services/*.h services/*.cpp settings/*.h settings/*.cpp ui/*.h ui/*.cpp)
+  set(stamp "${CMAKE_CURRENT_BINARY_DIR}/layers.stamp")
+  list(TRANSFORM sources PREPEND "${PROJECT_SOURCE_DIR}/" OUTPUT_VARIABLE absolute)
+  add_custom_command(OUTPUT "${stamp}"
+    COMMAND "${CMAKE_COMMAND}" "-DROOT=${PROJECT_SOURCE_DIR}" "-DSTAMP=${stamp}"
+            -P "${PROJECT_SOURCE_DIR}/cmake/check_layers.cmake"
+    DEPENDS ${absolute} "${PROJECT_SOURCE_DIR}/cmake/check_layers.cmake"
+    COMMENT "Checking that includes point down only" VERBATIM)
+  add_custom_target(tarnwick_layers ALL DEPENDS "${stamp}")
+endfunction()

@@ -1,0 +1,80 @@
+# cmake -DROOT=<tree> [-DSTAMP=<file>] -P check_layers.cmake
+# Reads the #include lines of the tree and fails on the first set of arrows that point up.
+cmake_minimum_required(VERSION 3.25)
+
+# Lower number: lower layer. A file may include its own layer and those below.
+set(layer_platform 0)
+set(layer_services 1)
+set(layer_settings 2)
+set(layer_core 3)
+set(layer_evaluation 4)
+set(layer_ui/panel 5)
+set(layer_ui/settings 5)
+set(layer_ui/qt 6)
+set(layer_ui/appkit 6)
+set(layer_app 7)
+
+# Words that every layer shares; they include nothing of the project but each other.
+set(vocabulary core/metric_records.h core/checked_math.h core/published.h core/text.h
+    core/tint.h)
+
+# What the portable folders may include in angle brackets: the C++ standard library and JSON.
+set(portable services settings core evaluation ui/panel ui/settings)
+set(standard algorithm any array atomic bit bitset charconv chrono cmath compare concepts
+    condition_variable cstddef cstdint cstdio cstdlib cstring ctime deque exception forward_list
+    functional future initializer_list iomanip ios iosfwd istream iterator limits list locale map
+    memory mutex numbers numeric optional ostream queue random ranges ratio regex set shared_mutex
+    source_location span sstream stack stdexcept streambuf string string_view system_error thread
+    tuple type_traits typeindex typeinfo unordered_map unordered_set utility variant vector version
+    nlohmann/json.hpp)
+
+function(folder_of path result)
+  set(folder "")
+  if(path MATCHES "^(ui/[a-z]+)/")
+    set(folder "${CMAKE_MATCH_1}")
+  elseif(path MATCHES "^([a-z]+)/")
+    set(folder "${CMAKE_MATCH_1}")
+  endif()
+  set(${result} "${folder}" PARENT_SCOPE)
+endfunction()
+
+file(GLOB_RECURSE files RELATIVE "${ROOT}"
+  "${ROOT}/app/*" "${ROOT}/core/*" "${ROOT}/evaluation/*" "${ROOT}/platform/*"
+  "${ROOT}/services/*" "${ROOT}/settings/*" "${ROOT}/ui/*")
+list(FILTER files INCLUDE REGEX "\\.(h|cpp|mm)$")
+set(faults "")
+set(arrows 0)
+foreach(path IN LISTS files)
+  folder_of("${path}" own)
+  file(STRINGS "${ROOT}/${path}" lines REGEX "^[ \t]*#[ \t]*include")
+  foreach(line IN LISTS lines)
+    if(line MATCHES "include[ \t]*\"([^\"]+)\"")
+      set(target "${CMAKE_MATCH_1}")
+      math(EXPR arrows "${arrows} + 1")
+      folder_of("${target}" other)
+      if(NOT DEFINED "layer_${other}")
+        string(APPEND faults "  ${path}: \"${target}\" is not named from the root of the tree\n")
+      elseif(path IN_LIST vocabulary AND NOT target IN_LIST vocabulary)
+        string(APPEND faults "  ${path}: shared words must not include \"${target}\"\n")
+      elseif(NOT target IN_LIST vocabulary AND layer_${other} GREATER layer_${own})
+        string(APPEND faults "  ${path}: \"${target}\" lies above\n")
+      elseif(own IN_LIST portable AND target MATCHES "^platform/(linux|macos|testing|posix)/")
+        string(APPEND faults "  ${path}: \"${target}\" belongs to one platform\n")
+      endif()
+    elseif(line MATCHES "include[ \t]*<([^>]+)>")
+      set(target "${CMAKE_MATCH_1}")
+      if((own IN_LIST portable OR path MATCHES "^platform/[^/]+$") AND NOT target IN_LIST standard)
+        string(APPEND faults "  ${path}: <${target}> is not portable\n")
+      endif()
+    endif()
+  endforeach()
+endforeach()
+if(faults)
+  message(FATAL_ERROR "Includes that break the layers:\n${faults}")
+endif()
+if(arrows EQUAL 0)
+  message(FATAL_ERROR "No include was found below ${ROOT}")
+endif()
+if(STAMP)
+  file(WRITE "${STAMP}" "${arrows}\n")
+endif()

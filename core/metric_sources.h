@@ -1,0 +1,34 @@
+// The samplers that the stats manager calls, one function each.
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "core/metric_records.h"
+
+namespace tarnwick {
+
+/// The two top-process lists of one pass.
+struct TopProcesses {
+    std::vector<AppProcessInfo> byCPU;
+    std::vector<AppProcessInfo> byMemory;
+};
+
+/// Called in the background; none fails.
+struct MetricSources {
+    std::function<CPUInfo()> readCPUInfo;
+    std::function<GPUInfo()> readGPUInfo;
+    std::function<MemoryInfo()> readMemoryInfo;
+    std::function<NetworkInfo()> readNetworkInfo;
+    /// Takes the greatest number of rows a list may have.
+    std::function<TopProcesses(int)> readTopProcesses;
+    std::function<void()> pruneStaleProcesses;
+    std::function<StorageInfo()> readStorageInfo;
+    /// Seconds since boot.
+    std::function<double()> readUptime;
+
+    /// The process-wide samplers on the current platform.
+    static MetricSources shared();
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,117 @@
+// The one object that owns the current picture of the machine.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "core/metric_records.h"
+#include "core/metric_sources.h"
+#include "core/published.h"
+#include "platform/dispatch.h"
+#include "platform/log.h"
+#include "services/battery_service.h"
+#include "settings/user_settings.h"
+
+namespace tarnwick {
+
+struct MetricDisplaySummary;
+
+/// What a stats manager runs on; the defaults are the process-wide ones.
+struct StatsManagerEnvironment {
+    platform::Dispatch& dispatch;
+    MetricSources sources;
+    /// Wall-clock seconds since 1970, for the time stamps of history samples.
+    std::function<double()> wallClock;
+    platform::Logger logger;
+
+    static StatsManagerEnvironment shared();
+};
+
+/// Runs two repeating timers, measures in the background, applies the results on the main thread
+/// and publishes every field. At most one fast and one slow refresh run at a time; requests made
+/// meanwhile collapse into one follow-up. Main thread only.
+class StatsManager final : public ObservableObject {
+ public:
+    /// Starts polling at once: a fast refresh, a slow refresh, then the timers. `settings` null
+    /// means the shared settings. The intervals of the slow timer are seconds.
+    StatsManager(UserSettings* settings, std::shared_ptr<BatteryService> batteryService,
+                 double slowVisibleInterval, double slowIdleInterval,
+                 StatsManagerEnvironment environment = StatsManagerEnvironment::shared());
+    ~StatsManager();
+
+    Published<BatteryInfo> batteryInfo{*this};
+    /// True once the first battery reading was applied.
+    Published<bool> batteryDetectionComplete{*this, false};
+    Published<std::vector<StorageInfo>> storageInfo{*this};
+    Published<MemoryInfo> memoryInfo{*this};
+    Published<CPUInfo> cpuInfo{*this};
+    Published<GPUInfo> gpuInfo{*this};
+    Published<SystemInfo> systemInfo{*this};
+    Published<std::vector<AppProcessInfo>> topCPUProcesses{*this};
+    Published<std::vector<AppProcessInfo>> topMemoryProcesses{*this};
+    // Histories in percent, oldest first, at most kHistoryLimit samples each.
+    Published<std::vector<UsageSample>> cpuUsageHistory{*this};
+    Published<std::vector<UsageSample>> gpuUsageHistory{*this};
+    Published<std::vector<UsageSample>> memoryUsageHistory{*this};
+    Published<std::vector<UsageSample>> storageUsageHistory{*this};
+    Published<NetworkInfo> networkInfo{*this};
+
+    static constexpr int kHistoryLimit = 60;
+    static constexpr double kFastVisibleInterval = 2;
+    static constexpr double kFastIdleInterval = 10;
+
+    /// Starts a fast refresh (CPU, GPU, memory, network and, while the panel is visible,
+    /// processes), or queues one.
+    void refreshFast();
+    /// Starts a slow refresh (battery, storage, uptime), or queues one. `exactBattery` asks for a
+    /// fresh battery reading instead of a cached one.
+    void refreshSlow(bool exactBattery);
+    /// A fast refresh and an exact slow one: what a person means by refresh.
+    void refreshNow();
+    /// Replaces both timers according to the panel's visibility.
+    void scheduleTimers();
+    /// The panel is on screen now: faster pace, one fast refresh at once.
+    void popoverDidAppear();
+    /// The panel has gone: slower pace.
+    void popoverDidDisappear();
+    bool isPopoverVisible() const { return isPopoverVisible_; }
+
+    /// Anything has been measured yet.
+    bool hasCollectedData() const;
+    /// The volume with the largest total; the earlier one of equals; absent without volumes.
+    std::optional<StorageInfo> primaryStorage() const;
+    /// What the panel's header says.
+    MetricDisplaySummary displaySummary() const;
+    /// What the status item says at `time` (seconds since 1970): as displaySummary() while a metric
+    /// is above a threshold, else one metric a clock minute in turn.
+    MetricDisplaySummary menuBarSummary(double time) const;
+
+    const UserSettings& settings() const { return settings_; }
+
+ private:
+    void applyFast(FastRefreshSnapshot snapshot);
+    void appendSample(Published<std::vector<UsageSample>>& history, double value);
+
+    UserSettings& settings_;
+    std::shared_ptr<BatteryService> batteryService_;
+    StatsManagerEnvironment environment_;
+    double slowVisibleInterval_;
+    double slowIdleInterval_;
+    bool isFastRefreshInFlight_ = false;
+    bool isSlowRefreshInFlight_ = false;
+    bool queuedFastRefresh_ = false;
+    bool queuedSlowRefresh_ = false;
+    bool queuedSlowExactBatteryRefresh_ = false;
+    /// Fast refreshes applied that were started while the panel was visible; never reset.
+    int fastRefreshCount_ = 0;
+    bool isPopoverVisible_ = false;
+    std::unique_ptr<platform::Timer> fastTimer_;
+    std::unique_ptr<platform::Timer> slowTimer_;
+    /// Expires with the manager; what runs later holds it weakly and looks at it on the main
+    /// thread only.
+    std::shared_ptr<StatsManager*> self_ = std::make_shared<StatsManager*>(this);
+};
+
+}  // namespace tarnwick

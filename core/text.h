@@ -1,0 +1,16 @@
+// Small text helpers that do not depend on the process's locale.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tarnwick {
+
+/// The text without white space and line breaks at both ends (Unicode white space in UTF-8).
+std::string_view trimmed(std::string_view text);
+
+/// A percentage with a fixed number of decimals and a percent sign, rounded as "%.*f%%" rounds,
+/// always with a point: 99.6 with 0 decimals is "100%".
+std::string percentText(double value, int decimals);
+
+}  // namespace tarnwick

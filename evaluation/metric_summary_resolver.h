@@ -1,0 +1,46 @@
+// Judges the four metrics and chooses the one summary that is shown.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "evaluation/metric_severity.h"
+#include "settings/metric_thresholds.h"
+
+namespace tarnwick {
+
+/// The verdict on one metric.
+struct Candidate {
+    MetricSeverity severity = MetricSeverity::ok;
+    /// Short name and value: "CPU 93%".
+    std::string menuBarText;
+    /// A sentence that names the metric, its value and the threshold it crossed.
+    std::string popoverText;
+    /// Points above the crossed threshold, never below 0.
+    double tieBreakScore = 0;
+};
+
+/// What the status item and the panel's header say.
+struct MetricDisplaySummary {
+    MetricSeverity severity = MetricSeverity::ok;
+    std::string menuBarText;
+    std::string popoverText;
+
+    bool operator==(const MetricDisplaySummary&) const = default;
+};
+
+namespace MetricSummaryResolver {
+
+/// The metrics that reach a threshold, in the order CPU, GPU, memory, storage; the GPU only with
+/// `includeGPU`. Values are percent and are not clamped; equality counts as reaching. A value that
+/// is not a number reaches nothing.
+std::vector<Candidate> candidates(bool includeGPU, const MetricThresholds& thresholds, double cpu,
+                                  double gpu, double memory, double storage);
+
+/// The one to show: the highest severity, then the greatest tie-break score, then the earliest.
+/// `candidates` must not be empty.
+const Candidate& best(const std::vector<Candidate>& candidates);
+
+}  // namespace MetricSummaryResolver
+
+}  // namespace tarnwick

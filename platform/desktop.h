@@ -1,0 +1,47 @@
+// The program's place on the desktop: the status item, and what the desktop does for it.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "core/tint.h"
+
+namespace tarnwick::platform {
+
+/// What the status item shows.
+struct StatusItemContent {
+    /// Name of the icon's symbol.
+    std::string symbol;
+    Tint tint = Tint::green;
+    /// The live text beside the icon; absent when only the icon is shown.
+    std::optional<std::string> text;
+    /// Read out by screen readers for icon and text as a whole.
+    std::string accessibilityLabel;
+
+    bool operator==(const StatusItemContent&) const = default;
+};
+
+/// Presses that a status item reports. Called on the main thread.
+struct StatusItemActions {
+    /// Primary click: opens or closes the panel.
+    std::function<void()> click;
+    /// Middle click: refreshes.
+    std::function<void()> refresh;
+    /// Menu entry: ends the program.
+    std::function<void()> quit;
+};
+
+/// The one status item. Main thread.
+class StatusItem {
+ public:
+    virtual ~StatusItem() = default;
+
+    /// Shows `content`; costs nothing when it is shown already.
+    virtual void setContent(const StatusItemContent& content) = 0;
+    virtual void setActions(StatusItemActions actions) = 0;
+    /// Clicks the item's button for the user. False when the item is in no tray.
+    virtual bool performClick() = 0;
+};
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,46 @@
+// The main queue, timers on it, and work in the background.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+namespace tarnwick::platform {
+
+/// A repeating timer on the main thread. Its fire times lie one interval apart, counted from the
+/// first one whatever the delay of a single firing; fire times that passed unnoticed (the machine
+/// slept, the thread was busy) are made up for by one firing. Never fires early. Destroying it
+/// invalidates it.
+class Timer {
+ public:
+    virtual ~Timer() = default;
+
+    /// When it fires next, in seconds of Dispatch::now().
+    virtual double fireTime() const = 0;
+    /// Moves the next firing; later ones follow one interval apart from there.
+    virtual void setFireTime(double seconds) = 0;
+    /// How late it may fire, in seconds, so that it can share a wake-up with others; 0 at first.
+    virtual double tolerance() const = 0;
+    virtual void setTolerance(double seconds) = 0;
+    /// Never fires again.
+    virtual void invalidate() = 0;
+};
+
+class Dispatch {
+ public:
+    virtual ~Dispatch() = default;
+
+    /// Seconds of the clock that timers follow.
+    virtual double now() const = 0;
+    /// Runs `work` on a later turn of the main queue, in the order of the calls. Any thread.
+    virtual void async(std::function<void()> work) = 0;
+    /// Runs `work` on the main queue, `seconds` from now or later. Main thread.
+    virtual void asyncAfter(double seconds, std::function<void()> work) = 0;
+    /// Runs `work` off the main thread at utility priority. Work that blocks does not hold up
+    /// other work. Any thread.
+    virtual void detached(std::function<void()> work) = 0;
+    /// A timer that first fires one interval (seconds, above 0) from now. Main thread.
+    virtual std::unique_ptr<Timer> scheduleRepeating(double interval,
+                                                     std::function<void()> handler) = 0;
+};
+
+}  // namespace tarnwick::platform

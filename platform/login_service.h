@@ -1,0 +1,45 @@
+// Whether the system starts the program when the user logs in.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace tarnwick::platform {
+
+enum class LoginServiceStatus {
+    notRegistered = 0,
+    enabled = 1,
+    requiresApproval = 2,
+    notFound = 3,
+};
+
+struct LoginServiceError {
+    std::string localizedDescription;
+};
+
+/// Main thread; synchronous.
+class LoginService {
+ public:
+    virtual ~LoginService() = default;
+
+    virtual LoginServiceStatus status() = 0;
+    /// Absent on success.
+    virtual std::optional<LoginServiceError> registerService() = 0;
+    /// Absent on success.
+    virtual std::optional<LoginServiceError> unregisterService() = 0;
+};
+
+/// For a system that cannot start programs at login: never registered, and says so.
+class NullLoginService final : public LoginService {
+ public:
+    LoginServiceStatus status() override { return LoginServiceStatus::notRegistered; }
+    std::optional<LoginServiceError> registerService() override { return unavailable(); }
+    std::optional<LoginServiceError> unregisterService() override { return unavailable(); }
+
+ private:
+    static LoginServiceError unavailable() {
+        return {"Start at login is not available on this system"};
+    }
+};
+
+}  // namespace tarnwick::platform

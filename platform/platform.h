@@ -1,0 +1,33 @@
+// The machine that the program runs on: one object for each family of operations.
+#pragma once
+
+#include "platform/byte_count_formatter.h"
+#include "platform/dispatch.h"
+#include "platform/kernel.h"
+#include "platform/login_service.h"
+#include "platform/process_info.h"
+#include "platform/user_defaults.h"
+#include "platform/volumes.h"
+
+namespace tarnwick::platform {
+
+/// Everything pointed to lives as long as the process.
+struct Platform {
+    Kernel* kernel = nullptr;
+    Volumes* volumes = nullptr;
+    ProcessInfo* processInfo = nullptr;
+    UserDefaults* userDefaults = nullptr;
+    LoginService* loginService = nullptr;
+    ByteCountFormatter* byteCountFormatter = nullptr;
+    Dispatch* dispatch = nullptr;
+};
+
+/// The process's platform, as `main` installed it. Read only by the defaults of process-wide
+/// instances and by the application shell; everything else is given what it needs. A fatal error
+/// before anything was installed.
+const Platform& current();
+
+/// Called once by `main`, before anything reads current().
+void install(const Platform& platform);
+
+}  // namespace tarnwick::platform

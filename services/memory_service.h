@@ -1,0 +1,30 @@
+// Memory and swap from the kernel's page counts.
+#pragma once
+
+#include <cstdint>
+
+#include "core/metric_records.h"
+#include "platform/kernel.h"
+#include "platform/log.h"
+
+namespace tarnwick {
+
+/// Keeps nothing between calls. Any thread.
+class MemoryService {
+ public:
+    explicit MemoryService(platform::Kernel& kernel, platform::Logger logger = platform::Logger());
+
+    /// The process-wide instance on the current platform, made on first use.
+    static MemoryService& shared();
+
+    /// Never fails: without page counts only `total` is filled; without swap figures these are 0.
+    MemoryInfo readMemoryInfo();
+
+ private:
+    platform::Kernel& kernel_;
+    platform::Logger logger_;
+    /// Bytes; asked for once.
+    std::uint64_t pageSize;
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,24 @@
+// Capacity of the volume that holds the user's home directory.
+#pragma once
+
+#include "core/metric_records.h"
+#include "platform/log.h"
+#include "platform/volumes.h"
+
+namespace tarnwick {
+
+/// Keeps nothing between calls. Any thread.
+class StorageService {
+ public:
+    explicit StorageService(platform::Volumes& volumes,
+                            platform::Logger logger = platform::Logger());
+
+    /// Never fails: without any source the record has its default name and all sizes 0.
+    StorageInfo readStorageInfo();
+
+ private:
+    platform::Volumes& volumes_;
+    platform::Logger logger_;
+};
+
+}  // namespace tarnwick
