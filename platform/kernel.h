@@ -16,7 +16,7 @@ struct HostProcessorInfo {
     std::uint32_t processorCount = 0;
     /// Four cumulative tick counters a processor: user, system, idle, nice. They may wrap past
     /// 2^32. Absent where the call gave no array.
-    std::optional<std::vector<std::uint32_t>> words;
+    std::optional<std::vector<std::uint32_t>> words{};
 };
 
 /// The fields of `vm_statistics64` that the program reads; all are counts of pages.
@@ -39,7 +39,7 @@ struct HostStatistics {
     /// 0 on success, else the system's error code.
     std::int32_t result = 0;
     /// Meaningful only when the result is 0.
-    VMStatistics statistics;
+    VMStatistics statistics{};
 };
 
 /// `vm.swapusage`; all are bytes.

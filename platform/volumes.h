@@ -10,13 +10,13 @@ namespace tarnwick::platform {
 
 /// The four URL resource values asked for together; each may be missing.
 struct VolumeResourceValues {
-    std::optional<std::string> name;
+    std::optional<std::string> name{};
     /// Bytes.
-    std::optional<std::int64_t> totalCapacity;
+    std::optional<std::int64_t> totalCapacity{};
     /// Bytes; counts what the system would free at need. Only some systems have it.
-    std::optional<std::int64_t> availableCapacityForImportantUsage;
+    std::optional<std::int64_t> availableCapacityForImportantUsage{};
     /// Bytes.
-    std::optional<std::int64_t> availableCapacity;
+    std::optional<std::int64_t> availableCapacity{};
 };
 
 /// Why the resource values could not be had.
@@ -28,9 +28,9 @@ struct VolumeError {
 /// `attributesOfFileSystemForPath`; a member is missing when the system gives none of that type.
 struct FileSystemAttributes {
     /// Bytes.
-    std::optional<std::int64_t> size;
+    std::optional<std::int64_t> size{};
     /// Bytes.
-    std::optional<std::int64_t> freeSize;
+    std::optional<std::int64_t> freeSize{};
 };
 
 /// Any thread.

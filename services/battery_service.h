@@ -13,7 +13,7 @@ class BatteryService {
  public:
     virtual ~BatteryService() = default;
 
-    /// The process-wide instance on the current platform, made on first use.
+    /// The process-wide instance on the current platform, made on first use, never destroyed.
     static std::shared_ptr<BatteryService> shared();
 
     /// The quick path. `force` asks for a fresh reading.

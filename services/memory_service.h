@@ -14,17 +14,18 @@ class MemoryService {
  public:
     explicit MemoryService(platform::Kernel& kernel, platform::Logger logger = platform::Logger());
 
-    /// The process-wide instance on the current platform, made on first use.
+    /// The process-wide instance on the current platform, made on first use, never destroyed.
     static MemoryService& shared();
 
-    /// Never fails: without page counts only `total` is filled; without swap figures these are 0.
+    /// Never fails: without page counts only `total` is filled; without swap figures these are 0;
+    /// without the size of the memory `total` and `used` are 0.
     MemoryInfo readMemoryInfo();
 
  private:
     platform::Kernel& kernel_;
     platform::Logger logger_;
-    /// Bytes; asked for once.
-    std::uint64_t pageSize;
+    /// Bytes; asked for once, when the service is made.
+    const std::uint64_t pageSize;
 };
 
 }  // namespace tarnwick

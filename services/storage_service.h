@@ -13,7 +13,9 @@ class StorageService {
     explicit StorageService(platform::Volumes& volumes,
                             platform::Logger logger = platform::Logger());
 
-    /// Never fails: without any source the record has its default name and all sizes 0.
+    /// Never fails: without any source the record is named "Macintosh HD" with all sizes 0. Every
+    /// record has an identity of its own. Available space never exceeds the total, and no size is
+    /// negative, whatever the system reports.
     StorageInfo readStorageInfo();
 
  private:

@@ -11,8 +11,8 @@ namespace tarnwick {
 /// so the value may be up to one second too large. Any thread.
 double readUptime(platform::Kernel& kernel);
 
-/// "2d 5h 17m", "5h 17m" or "17m". A value that is not finite or does not fit a signed 64-bit
-/// integer is a fatal error.
+/// "2d 5h 17m", "5h 17m" or "17m"; seconds are never shown. A value that is not finite or does not
+/// fit a signed 64-bit integer is a fatal error.
 std::string uptimeText(double seconds);
 
 }  // namespace tarnwick

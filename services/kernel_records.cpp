@@ -1,0 +1,69 @@
+#include "services/kernel_records.h"
+
+#include <cstring>
+
+namespace tarnwick {
+namespace {
+
+/// The number at `offset`; the caller has made sure that it lies within the bytes.
+template <class T>
+T numberAt(std::span<const std::byte> bytes, std::size_t offset) {
+    T number{};
+    std::memcpy(&number, bytes.subspan(offset, sizeof number).data(), sizeof number);
+    return number;
+}
+
+}  // namespace
+
+std::optional<std::vector<processor_cpu_load_info>> decodeProcessorLoads(
+    std::uint32_t processorCount, std::span<const std::uint32_t> words) {
+    if (std::uint64_t{processorCount} * kProcessorLoadSize > std::uint64_t{words.size_bytes()}) {
+        return std::nullopt;
+    }
+    std::vector<processor_cpu_load_info> loads(processorCount);
+    auto next = words.begin();
+    for (processor_cpu_load_info& load : loads) {
+        for (std::uint32_t& ticks : load.cpu_ticks) {
+            ticks = *next++;
+        }
+    }
+    return loads;
+}
+
+std::optional<platform::VMStatistics> decodeVMStatistics(std::span<const std::byte> bytes) {
+    if (bytes.size() < kVMStatisticsSize) {
+        return std::nullopt;
+    }
+    return platform::VMStatistics{
+        .free_count = numberAt<std::uint32_t>(bytes, kFreeCountOffset),
+        .wire_count = numberAt<std::uint32_t>(bytes, kWireCountOffset),
+        .purgeable_count = numberAt<std::uint32_t>(bytes, kPurgeableCountOffset),
+        .speculative_count = numberAt<std::uint32_t>(bytes, kSpeculativeCountOffset),
+        .compressor_page_count = numberAt<std::uint32_t>(bytes, kCompressorPageCountOffset),
+        .external_page_count = numberAt<std::uint32_t>(bytes, kExternalPageCountOffset),
+        .internal_page_count = numberAt<std::uint32_t>(bytes, kInternalPageCountOffset),
+    };
+}
+
+std::optional<platform::SwapUsage> decodeSwapUsage(std::span<const std::byte> bytes) {
+    if (bytes.size() < kSwapUsageSize) {
+        return std::nullopt;
+    }
+    return platform::SwapUsage{
+        .total = numberAt<std::uint64_t>(bytes, kSwapTotalOffset),
+        .available = numberAt<std::uint64_t>(bytes, kSwapAvailableOffset),
+        .used = numberAt<std::uint64_t>(bytes, kSwapUsedOffset),
+    };
+}
+
+std::optional<platform::TimeValue> decodeTimeValue(std::span<const std::byte> bytes) {
+    if (bytes.size() < kTimeValueSize) {
+        return std::nullopt;
+    }
+    return platform::TimeValue{
+        .seconds = numberAt<std::int64_t>(bytes, kTimeSecondsOffset),
+        .microseconds = numberAt<std::int32_t>(bytes, kTimeMicrosecondsOffset),
+    };
+}
+
+}  // namespace tarnwick

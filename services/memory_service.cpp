@@ -1,0 +1,58 @@
+#include "services/memory_service.h"
+
+#include <algorithm>
+#include <string>
+
+#include "core/checked_math.h"
+#include "platform/platform.h"
+
+namespace tarnwick {
+
+MemoryService::MemoryService(platform::Kernel& kernel, platform::Logger logger)
+    : kernel_(kernel), logger_(logger), pageSize(kernel.pageSize()) {}
+
+MemoryService& MemoryService::shared() {
+    // Never destroyed: background work may still use it while the process ends.
+    static MemoryService& service = *new MemoryService(*platform::current().kernel);
+    return service;
+}
+
+MemoryInfo MemoryService::readMemoryInfo() {
+    MemoryInfo info;
+    info.total = kernel_.memorySize().value_or(0);
+
+    const platform::HostStatistics answer = kernel_.hostStatistics64();
+    if (answer.result != 0) {
+        logger_.error("host_statistics64 failed with result: " + std::to_string(answer.result));
+        return info;
+    }
+    if (const auto swap = kernel_.swapUsage()) {
+        info.swapUsed = swap->used;
+        info.swapTotal = swap->total;
+    }
+
+    const platform::VMStatistics& pages = answer.statistics;
+    const auto bytes = [this](std::uint32_t count) {
+        return checkedMultiply<std::uint64_t>(count, pageSize);
+    };
+    // Speculative pages are part of the free ones, but the system has plans for them.
+    info.free = bytes(pages.free_count - std::min(pages.speculative_count, pages.free_count));
+    // Purgeable pages belong to applications, yet can be dropped at any time like a cache.
+    const std::uint64_t internal = bytes(pages.internal_page_count);
+    const std::uint64_t purgeable = bytes(pages.purgeable_count);
+    info.app = internal > purgeable ? checkedSubtract(internal, purgeable) : 0;
+    info.wired = bytes(pages.wire_count);
+    info.compressed = bytes(pages.compressor_page_count);
+    info.cached = checkedAdd(bytes(pages.external_page_count), purgeable);
+
+    info.used = checkedAdd(checkedAdd(info.app, info.wired), info.compressed);
+    if (info.total < info.used) {
+        // The counts were not taken at one moment, or count pages twice: what is neither free nor
+        // cached must be in use, and no more than there is.
+        const std::uint64_t rest = checkedAdd(info.free, info.cached);
+        info.used = rest < info.total ? checkedSubtract(info.total, rest) : info.total;
+    }
+    return info;
+}
+
+}  // namespace tarnwick
