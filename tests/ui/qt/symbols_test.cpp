@@ -1,0 +1,103 @@
+#include "ui/qt/symbols.h"
+
+#include <QPainter>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace tarnwick::qt {
+namespace {
+
+constexpr QRgb kRed = qRgb(255, 0, 0);
+
+int pixelsOf(const QImage& image, QRgb colour) {
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            count += image.pixel(x, y) == colour ? 1 : 0;
+        }
+    }
+    return count;
+}
+
+class Symbols : public testing::TestWithParam<const char*> {};
+
+TEST_P(Symbols, IsDrawnInTheColourInsideItsSquare) {
+    ASSERT_TRUE(hasSymbol(GetParam()));
+    const QImage image = symbolImage(GetParam(), Qt::red, 32);
+    ASSERT_EQ(image.size(), QSize(32, 32));
+    EXPECT_GT(pixelsOf(image, kRed), 40);
+    // A drawing that reached the edge would be cut off there.
+    for (int i = 0; i < 32; ++i) {
+        EXPECT_EQ(qAlpha(image.pixel(i, 0)), 0);
+        EXPECT_EQ(qAlpha(image.pixel(i, 31)), 0);
+        EXPECT_EQ(qAlpha(image.pixel(0, i)), 0);
+        EXPECT_EQ(qAlpha(image.pixel(31, i)), 0);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, Symbols,
+                         testing::Values("gearshape", "arrow.clockwise", "clock", "thermometer",
+                                         "arrow.clockwise.circle.fill", "cpu", "display.2",
+                                         "memorychip", "internaldrive",
+                                         "exclamationmark.triangle.fill", "battery.100",
+                                         "chevron.right", "checkmark.circle.fill",
+                                         "info.circle.fill"),
+                         [](const auto& row) {
+                             std::string name = row.param;
+                             std::replace(name.begin(), name.end(), '.', '_');
+                             return name;
+                         });
+
+TEST(SymbolImage, SeverityMarksAreCutOutInWhite) {
+    for (const char* name :
+         {"checkmark.circle.fill", "info.circle.fill", "exclamationmark.triangle.fill"}) {
+        EXPECT_GT(pixelsOf(symbolImage(name, Qt::red, 32), qRgb(255, 255, 255)), 20) << name;
+    }
+}
+
+TEST(SymbolImage, ScalesByTheDevicePixelRatio) {
+    const QImage image = symbolImage("cpu", Qt::red, 16, 1.5);
+    EXPECT_EQ(image.size(), QSize(24, 24));
+    EXPECT_EQ(image.devicePixelRatio(), 1.5);
+}
+
+TEST(SymbolImage, TakesTheOpacityOfTheColour) {
+    const QImage image = symbolImage("checkmark.circle.fill", QColor(255, 0, 0, 128), 32);
+    EXPECT_NEAR(qAlpha(image.pixel(16, 4)), 128, 1);
+}
+
+TEST(SymbolImage, IsDrawnOnceForTheSameLook) {
+    const QImage first = symbolImage("clock", Qt::blue, 16);
+    EXPECT_EQ(symbolImage("clock", Qt::blue, 16).constBits(), first.constBits());
+    EXPECT_NE(symbolImage("clock", Qt::green, 16).constBits(), first.constBits());
+    EXPECT_NE(symbolImage("clock", Qt::blue, 17).constBits(), first.constBits());
+}
+
+TEST(SymbolImage, KeepsOnlySoManyBytes) {
+    const QImage first = symbolImage("clock", Qt::blue, 16);
+    symbolImage("clock", Qt::blue, 150);
+    symbolImage("clock", Qt::red, 150);
+    EXPECT_NE(symbolImage("clock", Qt::blue, 16).constBits(), first.constBits());
+}
+
+TEST(SymbolImage, IsNullForAnUnknownName) {
+    EXPECT_FALSE(hasSymbol("no.such.symbol"));
+    EXPECT_FALSE(hasSymbol(""));
+    EXPECT_TRUE(symbolImage("no.such.symbol", Qt::red, 16).isNull());
+    EXPECT_TRUE(symbolImage("cpu", Qt::red, 0).isNull());
+}
+
+TEST(PaintSymbol, PaintsAtTheScaleOfThePainter) {
+    QImage canvas(40, 40, QImage::Format_ARGB32_Premultiplied);
+    canvas.fill(Qt::transparent);
+    canvas.setDevicePixelRatio(2);
+    QPainter painter(&canvas);
+    paintSymbol(painter, "checkmark.circle.fill", Qt::red, QPointF(2, 2), 16);
+    painter.end();
+    canvas.setDevicePixelRatio(1);
+    const QImage expected = symbolImage("checkmark.circle.fill", Qt::red, 32);
+    EXPECT_EQ(canvas.copy(4, 4, 32, 32), expected);
+}
+
+}  // namespace
+}  // namespace tarnwick::qt

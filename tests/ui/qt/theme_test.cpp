@@ -1,0 +1,161 @@
+#include "ui/qt/theme.h"
+
+#include <QApplication>
+#include <QPaintEvent>
+#include <QWidget>
+#include <cmath>
+#include <gtest/gtest.h>
+
+#include "tests/ui/qt/settle.h"
+
+namespace tarnwick::qt {
+namespace {
+
+double linear(double channel) {
+    return channel <= 0.04045 ? channel / 12.92 : std::pow((channel + 0.055) / 1.055, 2.4);
+}
+
+double luminance(const QColor& color) {
+    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+           0.0722 * linear(color.blueF());
+}
+
+/// Between a text and an opaque ground with a translucent tint over it.
+double contrast(const QColor& text, const QColor& ground, const QColor& tint) {
+    const double a = tint.alphaF();
+    const auto mixed = [a](double above, double below) { return above * a + below * (1 - a); };
+    const double below = 0.2126 * linear(mixed(tint.redF(), ground.redF())) +
+                         0.7152 * linear(mixed(tint.greenF(), ground.greenF())) +
+                         0.0722 * linear(mixed(tint.blueF(), ground.blueF()));
+    const double above = luminance(text);
+    return (std::max(above, below) + 0.05) / (std::min(above, below) + 0.05);
+}
+
+class ThemeColours : public testing::TestWithParam<bool> {};
+
+TEST_P(ThemeColours, TextsCanBeReadOnEveryGround) {
+    const Theme theme(GetParam());
+    for (const ColorRole text : {ColorRole::text, ColorRole::secondaryText}) {
+        for (const ColorRole ground : {ColorRole::panel, ColorRole::window, ColorRole::card}) {
+            EXPECT_GE(contrast(theme.color(text), theme.color(ground), QColor(0, 0, 0, 0)), 4.5);
+        }
+    }
+    for (const ColorRole tint :
+         {ColorRole::control, ColorRole::controlHovered, ColorRole::controlPressed}) {
+        EXPECT_GE(contrast(theme.color(ColorRole::text), theme.color(ColorRole::panel),
+                           theme.color(tint)),
+                  4.5);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, ThemeColours, testing::Bool(),
+                         [](const auto& row) { return row.param ? "Dark" : "Light"; });
+
+TEST(Theme, TintsHaveTheirOwnShadeInTheDark) {
+    Theme theme(false);
+    EXPECT_EQ(theme.color(Tint::green), QColor(0x2FB457));
+    EXPECT_EQ(theme.color(Tint::yellow), QColor(0xE0A100));
+    EXPECT_EQ(theme.color(Tint::red), QColor(0xE5352B));
+    EXPECT_EQ(theme.color(Tint::orange), QColor(0xE97B00));
+    theme.setDark(true);
+    EXPECT_EQ(theme.color(Tint::green), QColor(0x35CF63));
+    EXPECT_EQ(theme.color(Tint::yellow), QColor(0xFFCF26));
+    EXPECT_EQ(theme.color(Tint::red), QColor(0xFF5147));
+    EXPECT_EQ(theme.color(Tint::orange), QColor(0xFF9F1C));
+    EXPECT_EQ(theme.color(Tint::gray), theme.color(ColorRole::secondaryText));
+}
+
+class PaintCounter final : public QWidget {
+ public:
+    int paints = 0;
+
+ protected:
+    void paintEvent(QPaintEvent*) override { ++paints; }
+};
+
+TEST(Theme, GoingDarkPaintsWidgetsAgainAndChangesThePalette) {
+    Theme theme(false);
+    EXPECT_EQ(QApplication::palette().color(QPalette::Window), QColor(0xF3F3F5));
+    PaintCounter widget;
+    widget.show();
+    settle();
+    const int before = widget.paints;
+    theme.setDark(true);
+    settle();
+    EXPECT_GT(widget.paints, before);
+    EXPECT_EQ(QApplication::palette().color(QPalette::Window), QColor(0x1E1E20));
+
+    const int dark = widget.paints;
+    theme.setDark(true);
+    settle();
+    EXPECT_EQ(widget.paints, dark);
+}
+
+/// Sets the application's font and puts the old one back.
+class DesktopFont {
+ public:
+    explicit DesktopFont(const QFont& font) : old_(QApplication::font()) {
+        QApplication::setFont(font);
+    }
+    ~DesktopFont() { QApplication::setFont(old_); }
+
+ private:
+    QFont old_;
+};
+
+TEST(Theme, FontSizesFollowTheDesktopFont) {
+    const Theme theme;
+    QFont desktop = QApplication::font();
+    desktop.setPointSizeF(11);
+    {
+        const DesktopFont font(desktop);
+        EXPECT_DOUBLE_EQ(theme.style(FontRole::headline).font().pointSizeF(), 11.25);
+        EXPECT_DOUBLE_EQ(theme.style(FontRole::caption).font().pointSizeF(), 8.625);
+        EXPECT_EQ(theme.style(FontRole::headline).font().weight(), QFont::DemiBold);
+        EXPECT_EQ(theme.style(FontRole::subheadline).font().weight(), QFont::Normal);
+        EXPECT_EQ(theme.style(FontRole::subheadlineMedium).font().weight(), QFont::Medium);
+        EXPECT_EQ(theme.style(FontRole::captionMedium).font().weight(), QFont::Medium);
+    }
+    desktop.setPointSizeF(22);
+    const DesktopFont font(desktop);
+    EXPECT_DOUBLE_EQ(theme.style(FontRole::headline).font().pointSizeF(), 22.5);
+}
+
+TEST(Theme, FontsWorkWhenTheDesktopCountsInPixels) {
+    const Theme theme;
+    QFont desktop = QApplication::font();
+    desktop.setPixelSize(20);
+    const DesktopFont font(desktop);
+    EXPECT_GT(theme.style(FontRole::caption).font().pointSizeF(), 0);
+}
+
+class Digits : public testing::TestWithParam<const char*> {};
+
+TEST_P(Digits, AllTakeTheSameRoom) {
+    QFont font;
+    font.setFamily(GetParam());
+    font.setPointSizeF(11);
+    const TextStyle style(font);
+    EXPECT_DOUBLE_EQ(style.width("11:11 1%"), style.width("88:80 8%"));
+    EXPECT_GT(style.width("111"), style.width("11"));
+}
+
+INSTANTIATE_TEST_SUITE_P(, Digits, testing::Values("Inter", "DejaVu Sans", "DejaVu Serif"),
+                         [](const auto& row) {
+                             std::string name = row.param;
+                             std::erase(name, ' ');
+                             return name;
+                         });
+
+TEST(TextStyle, CutsAtTheEndAndNeverWiderThanAsked) {
+    const TextStyle style(QApplication::font());
+    const QString text = "A very long name 1111111111 with digits";
+    for (int width = 20; width < 300; width += 7) {
+        EXPECT_LE(style.width(style.elided(text, width)), width);
+    }
+    EXPECT_EQ(style.elided(text, style.width(text)), text);
+    EXPECT_TRUE(style.elided(text, style.width(text) - 1).endsWith(QChar(0x2026)));
+}
+
+}  // namespace
+}  // namespace tarnwick::qt

@@ -1,0 +1,29 @@
+// The program's own drawings: one SVG a symbol, on a grid of 16, drawn in one colour at any scale.
+#pragma once
+
+#include <QColor>
+#include <QImage>
+#include <QPointF>
+#include <string_view>
+
+class QPainter;
+
+namespace tarnwick::qt {
+
+/// There is a drawing of that name ("cpu", "checkmark.circle.fill", ...).
+bool hasSymbol(std::string_view name);
+
+/// The symbol in `colour` on a transparent square, `size` logical pixels wide, at a device pixel
+/// ratio. Marks cut out of filled symbols are white. Null for a name without a drawing. The latest
+/// images are kept, at most kSymbolCacheBytes of them in all. Main thread.
+QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
+                   qreal devicePixelRatio = 1);
+
+/// Paints symbolImage() with its upper left corner at `position`, at the painter's own scale.
+void paintSymbol(QPainter& painter, std::string_view name, const QColor& colour,
+                 const QPointF& position, qreal size);
+
+/// Bytes of pixels.
+inline constexpr int kSymbolCacheBytes = 128 * 1024;
+
+}  // namespace tarnwick::qt

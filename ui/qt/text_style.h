@@ -1,0 +1,47 @@
+// One way to set text: a font, its measures, and digits that all take the same room.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QFontMetricsF>
+#include <QPointF>
+#include <QString>
+
+class QPainter;
+
+namespace tarnwick::qt {
+
+/// Numbers that change must not make a text dance: where the font's digits differ in width, each
+/// is centred in a cell as wide as the widest. All measures are logical pixels.
+class TextStyle {
+ public:
+    explicit TextStyle(const QFont& font);
+
+    const QFont& font() const { return font_; }
+    /// Height of a line, whole pixels.
+    int lineHeight() const { return ascent_ + descent_; }
+    /// From the top of a line to its baseline, whole pixels.
+    int ascent() const { return ascent_; }
+    int descent() const { return descent_; }
+
+    qreal width(const QString& text) const;
+    /// The text cut at the end with an ellipsis where it is wider than `width`.
+    QString elided(const QString& text, qreal width) const;
+    /// `baseline` is the left end of the text's baseline.
+    void draw(QPainter& painter, const QPointF& baseline, const QString& text,
+              const QColor& colour) const;
+
+ private:
+    bool usesCells(const QString& text) const;
+    template <class Visit>
+    void forEachRun(const QString& text, Visit visit) const;
+
+    QFont font_;
+    QFontMetricsF metrics_;
+    int ascent_;
+    int descent_;
+    qreal digitCell_ = 0;
+    bool digitsDiffer_ = false;
+};
+
+}  // namespace tarnwick::qt

@@ -1,0 +1,133 @@
+#include "ui/qt/theme.h"
+
+#include <QApplication>
+#include <QFontInfo>
+#include <QPalette>
+#include <array>
+
+namespace tarnwick::qt {
+
+namespace {
+
+struct RoleFont {
+    FontRole role;
+    /// Logical pixels at 96 dots an inch beside an interface font of kReferencePointSize.
+    qreal size;
+    QFont::Weight weight;
+};
+
+constexpr qreal kReferencePointSize = 11;
+/// Points in a logical pixel at 96 dots an inch.
+constexpr qreal kPointsPerPixel = 0.75;
+constexpr std::array kRoleFonts = {
+    RoleFont{FontRole::headline, 15, QFont::DemiBold},
+    RoleFont{FontRole::subheadline, 13, QFont::Normal},
+    RoleFont{FontRole::subheadlineMedium, 13, QFont::Medium},
+    RoleFont{FontRole::caption, 11.5, QFont::Normal},
+    RoleFont{FontRole::captionMedium, 11.5, QFont::Medium},
+};
+
+QColor withOpacity(QColor color, float opacity) {
+    color.setAlphaF(opacity);
+    return color;
+}
+
+}  // namespace
+
+Theme::Theme(bool isDark) : isDark_(isDark) {
+    applyPalette();
+}
+
+void Theme::setDark(bool isDark) {
+    if (isDark == isDark_) {
+        return;
+    }
+    isDark_ = isDark;
+    applyPalette();
+}
+
+QColor Theme::color(ColorRole role) const {
+    const QColor text = isDark_ ? QColor(0xF4F4F6) : QColor(0x1D1D1F);
+    switch (role) {
+        case ColorRole::panel:
+            return isDark_ ? QColor(0x232326) : QColor(0xFBFBFC);
+        case ColorRole::window:
+            return isDark_ ? QColor(0x1E1E20) : QColor(0xF3F3F5);
+        case ColorRole::card:
+            return isDark_ ? QColor(0x2A2A2D) : QColor(0xFFFFFF);
+        case ColorRole::text:
+            return text;
+        case ColorRole::secondaryText:
+            return isDark_ ? QColor(0xA3A3AA) : QColor(0x6B6B70);
+        case ColorRole::track:
+            return withOpacity(text, isDark_ ? 0.14F : 0.13F);
+        case ColorRole::control:
+            return withOpacity(text, isDark_ ? 0.06F : 0.055F);
+        case ColorRole::controlHovered:
+            return withOpacity(text, isDark_ ? 0.11F : 0.095F);
+        case ColorRole::controlPressed:
+            return withOpacity(text, isDark_ ? 0.16F : 0.145F);
+        case ColorRole::hairline:
+            return withOpacity(text, isDark_ ? 0.12F : 0.14F);
+        case ColorRole::accent:
+            return isDark_ ? QColor(0x4C9BFF) : QColor(0x0A6AE6);
+    }
+    return text;
+}
+
+QColor Theme::color(Tint tint) const {
+    switch (tint) {
+        case Tint::green:
+            return isDark_ ? QColor(0x35CF63) : QColor(0x2FB457);
+        case Tint::yellow:
+            return isDark_ ? QColor(0xFFCF26) : QColor(0xE0A100);
+        case Tint::red:
+            return isDark_ ? QColor(0xFF5147) : QColor(0xE5352B);
+        case Tint::orange:
+            return isDark_ ? QColor(0xFF9F1C) : QColor(0xE97B00);
+        case Tint::gray:
+            break;
+    }
+    return color(ColorRole::secondaryText);
+}
+
+const TextStyle& Theme::style(FontRole role) const {
+    const QFont desktop = QApplication::font();
+    if (base_ != desktop) {
+        base_ = desktop;
+        const qreal points =
+            desktop.pointSizeF() > 0 ? desktop.pointSizeF() : QFontInfo(desktop).pointSizeF();
+        styles_.clear();
+        for (const RoleFont& each : kRoleFonts) {
+            QFont font = desktop;
+            font.setPointSizeF(each.size * kPointsPerPixel * points / kReferencePointSize);
+            font.setWeight(each.weight);
+            styles_.emplace_back(font);
+        }
+    }
+    return styles_[static_cast<std::size_t>(role)];
+}
+
+void Theme::applyPalette() const {
+    const QColor text = color(ColorRole::text);
+    const QColor secondary = color(ColorRole::secondaryText);
+    QPalette palette(text, color(ColorRole::window));
+    palette.setColor(QPalette::Window, color(ColorRole::window));
+    palette.setColor(QPalette::WindowText, text);
+    palette.setColor(QPalette::Base, color(ColorRole::card));
+    palette.setColor(QPalette::AlternateBase, color(ColorRole::window));
+    palette.setColor(QPalette::Text, text);
+    palette.setColor(QPalette::Button, color(ColorRole::card));
+    palette.setColor(QPalette::ButtonText, text);
+    palette.setColor(QPalette::ToolTipBase, color(ColorRole::card));
+    palette.setColor(QPalette::ToolTipText, text);
+    palette.setColor(QPalette::PlaceholderText, secondary);
+    palette.setColor(QPalette::Highlight, color(ColorRole::accent));
+    palette.setColor(QPalette::HighlightedText, Qt::white);
+    for (const auto role : {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
+        palette.setColor(QPalette::Disabled, role, secondary);
+    }
+    QApplication::setPalette(palette);
+}
+
+}  // namespace tarnwick::qt
