@@ -30,7 +30,9 @@ class UserDefaults {
     virtual std::optional<DefaultsValue> object(std::string_view key) = 0;
     virtual void set(std::string_view key, const DefaultsValue& value) = 0;
 
-    bool contains(std::string_view key) { return object(key).has_value(); }
+    /// Whether anything is stored under `key`, also where object() cannot make sense of it. Who
+    /// fills in a value only where none is asks this, so that nothing unknown is overwritten.
+    virtual bool contains(std::string_view key) { return object(key).has_value(); }
     /// Each is absent when there is no value or it has another type.
     std::optional<bool> boolean(std::string_view key);
     std::optional<std::int64_t> integer(std::string_view key);

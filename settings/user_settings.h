@@ -43,8 +43,9 @@ enum class RegistrationState {
 };
 
 /// Every property but the registration state reads through to the store and writes straight to
-/// it; each write announces the change first. A missing or ill-typed value reads as its default,
-/// which a read never writes. Main thread only.
+/// it; each write, also one of an equal value, announces the change while the store still holds the
+/// old one. A missing or ill-typed value reads as its default, which a read never writes. Main
+/// thread only.
 class UserSettings final : public ObservableObject {
  public:
     /// Migrates a legacy shortcut, then brings the start-at-login preference in step with the

@@ -1,0 +1,38 @@
+#include "platform/testing/memory_user_defaults.h"
+
+namespace tarnwick::platform::testing {
+
+std::optional<DefaultsValue> MemoryUserDefaults::object(std::string_view key) {
+    const std::lock_guard guard(lock_);
+    const auto found = values_.find(key);
+    if (found == values_.end()) {
+        return std::nullopt;
+    }
+    return found->second;
+}
+
+void MemoryUserDefaults::set(std::string_view key, const DefaultsValue& value) {
+    const std::lock_guard guard(lock_);
+    values_.insert_or_assign(std::string(key), value);
+    writes_.emplace_back(key, value);
+}
+
+MemoryUserDefaults::Values MemoryUserDefaults::values() const {
+    const std::lock_guard guard(lock_);
+    return values_;
+}
+
+std::vector<MemoryUserDefaults::Write> MemoryUserDefaults::writes() const {
+    const std::lock_guard guard(lock_);
+    return writes_;
+}
+
+void MemoryUserDefaults::remove(std::string_view key) {
+    const std::lock_guard guard(lock_);
+    const auto found = values_.find(key);
+    if (found != values_.end()) {
+        values_.erase(found);
+    }
+}
+
+}  // namespace tarnwick::platform::testing

@@ -1,0 +1,45 @@
+// A login service that answers as a test tells it to.
+#pragma once
+
+#include <optional>
+#include <utility>
+#include <vector>
+
+#include "platform/login_service.h"
+
+namespace tarnwick::platform::testing {
+
+/// A change that succeeds moves the status to enabled or notRegistered; one that fails leaves it.
+class ScriptedLoginService final : public LoginService {
+ public:
+    enum class Call { status, registerService, unregisterService };
+
+    explicit ScriptedLoginService(LoginServiceStatus status = LoginServiceStatus::notRegistered)
+        : status_(status) {}
+
+    void setStatus(LoginServiceStatus status) { status_ = status; }
+    /// What each registration answers from now on; absent for success.
+    void setRegisterError(std::optional<LoginServiceError> error) {
+        registerError_ = std::move(error);
+    }
+    /// What each removal answers from now on; absent for success.
+    void setUnregisterError(std::optional<LoginServiceError> error) {
+        unregisterError_ = std::move(error);
+    }
+
+    LoginServiceStatus status() override;
+    std::optional<LoginServiceError> registerService() override;
+    std::optional<LoginServiceError> unregisterService() override;
+
+    /// Every call so far, in order.
+    const std::vector<Call>& calls() const { return calls_; }
+    void clearCalls() { calls_.clear(); }
+
+ private:
+    LoginServiceStatus status_;
+    std::optional<LoginServiceError> registerError_;
+    std::optional<LoginServiceError> unregisterError_;
+    std::vector<Call> calls_;
+};
+
+}  // namespace tarnwick::platform::testing
