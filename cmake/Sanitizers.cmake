@@ -4,7 +4,4 @@ if(TARNWICK_SANITIZE)
   add_compile_options("-fsanitize=${TARNWICK_SANITIZE}" -fno-omit-frame-pointer
                       -fno-sanitize-recover=all)
   add_link_options("-fsanitize=${TARNWICK_SANITIZE}")
-  # GCC's flow analysis does not see through the sanitizers' instrumentation and reports
-  # variables as perhaps uninitialised that are not; the other presets keep this warning.
-  target_compile_options(tarnwick_warnings INTERFACE -Wno-maybe-uninitialized)
 endif()
