@@ -1,0 +1,72 @@
+#include "evaluation/metric_summary_resolver.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "core/text.h"
+
+namespace tarnwick::MetricSummaryResolver {
+namespace {
+
+struct Metric {
+    std::string_view shortName;
+    std::string_view longName;
+};
+
+constexpr Metric kCPU{"CPU", "CPU usage"};
+constexpr Metric kGPU{"GPU", "GPU usage"};
+constexpr Metric kMemory{"RAM", "Memory usage"};
+constexpr Metric kStorage{"Disk", "Storage usage"};
+
+Candidate judge(const Metric& metric, double value, ThresholdPair stored) {
+    // Whoever calls need not have normalised the pair; doing it twice changes nothing.
+    const ThresholdPair pair = normalizedThresholds(stored.normal, stored.high);
+    Candidate candidate;
+    double crossed = pair.normal;
+    std::string_view word = "normal";
+    if (value >= pair.high) {
+        candidate.severity = MetricSeverity::warning;
+        crossed = pair.high;
+        word = "high";
+    } else if (value >= pair.normal) {
+        candidate.severity = MetricSeverity::info;
+    }
+    const std::string valueText = percentText(value, 0);
+    candidate.menuBarText = std::string(metric.shortName) + ' ' + valueText;
+    candidate.popoverText = std::string(metric.longName) + " is at " + valueText + ", above the " +
+                            std::string(word) + " threshold.";
+    candidate.tieBreakScore = std::max(0.0, value - crossed);
+    return candidate;
+}
+
+}  // namespace
+
+std::vector<Candidate> candidates(bool includeGPU, const MetricThresholds& thresholds, double cpu,
+                                  double gpu, double memory, double storage) {
+    std::vector<Candidate> result;
+    const auto add = [&result](const Metric& metric, double value, ThresholdPair pair) {
+        Candidate candidate = judge(metric, value, pair);
+        if (candidate.severity != MetricSeverity::ok) {
+            result.push_back(std::move(candidate));
+        }
+    };
+    add(kCPU, cpu, {thresholds.cpuNormal, thresholds.cpuHigh});
+    if (includeGPU) {
+        add(kGPU, gpu, {thresholds.gpuNormal, thresholds.gpuHigh});
+    }
+    add(kMemory, memory, {thresholds.memoryNormal, thresholds.memoryHigh});
+    add(kStorage, storage, {thresholds.storageNormal, thresholds.storageHigh});
+    return result;
+}
+
+const Candidate& best(const std::vector<Candidate>& candidates) {
+    // max_element keeps the first of equals.
+    return *std::max_element(
+        candidates.begin(), candidates.end(), [](const Candidate& a, const Candidate& b) {
+            return a.severity != b.severity ? a.severity < b.severity
+                                            : a.tieBreakScore < b.tieBreakScore;
+        });
+}
+
+}  // namespace tarnwick::MetricSummaryResolver
