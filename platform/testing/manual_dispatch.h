@@ -1,0 +1,88 @@
+// A dispatch in virtual time: a test turns the clock and runs the queues by hand.
+#pragma once
+
+#include <cstddef>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+#include "platform/dispatch.h"
+#include "platform/timer_queue.h"
+
+namespace tarnwick::platform::testing {
+
+/// Nothing sleeps and no thread is made: the test's thread is the main thread and, while it runs
+/// detached work, the background. Timers wake it as an event loop would, as late as their
+/// tolerances allow. async() and detached() may be called from any thread.
+class ManualDispatch final : public Dispatch {
+ public:
+    /// What happens to detached work.
+    enum class Background {
+        /// It waits for runDetached() or runNextDetached().
+        byHand,
+        /// runMain() and advance() run it, after the main queue.
+        automatic,
+    };
+
+    explicit ManualDispatch(Background background = Background::automatic, double startTime = 0);
+
+    double now() const override { return now_; }
+    void async(std::function<void()> work) override;
+    void asyncAfter(double seconds, std::function<void()> work) override;
+    void detached(std::function<void()> work) override;
+    std::unique_ptr<Timer> scheduleRepeating(double interval,
+                                             std::function<void()> handler) override;
+
+    void setBackground(Background background) { background_ = background; }
+
+    /// Runs the main queue until it is empty, work added meanwhile included; with an automatic
+    /// background also the detached work, in turns, until both are empty.
+    void runMain();
+    /// Runs what is in the main queue now and nothing that is added meanwhile: one turn.
+    void runMainTurn();
+    /// Runs the oldest detached work that waits. False when there was none.
+    bool runNextDetached();
+    /// Runs the detached work that waits now.
+    void runDetached();
+
+    /// Turns the clock, stopping wherever a timer can wait no longer to fire what is due and to
+    /// run what follows from it. Runs the main queue first, so that nothing requested before is
+    /// still pending.
+    void advance(double seconds);
+    /// Turns the clock while the machine is asleep: no timer fires before the next advance().
+    void sleep(double seconds) { now_ += seconds; }
+
+    /// Work waiting in the main queue.
+    std::size_t mainPending() const;
+    /// Detached work waiting.
+    std::size_t detachedPending() const;
+    /// How many times async() was called.
+    std::size_t asyncCount() const;
+    /// How many times detached() was called.
+    std::size_t detachedCount() const;
+    /// How many times timers woke the main thread.
+    std::size_t wakeUps() const { return wakeUps_; }
+    /// Detached work is being run: the caller stands where the background would.
+    bool isInBackground() const { return inBackground_; }
+
+ private:
+    using Queue = std::deque<std::function<void()>>;
+
+    /// The oldest work of `queue`; empty when there is none.
+    std::function<void()> take(Queue& queue);
+
+    double now_;
+    Background background_;
+    bool inBackground_ = false;
+    std::size_t wakeUps_ = 0;
+    TimerQueue timers_;
+    mutable std::mutex lock_;
+    // Guarded by lock_.
+    Queue main_;
+    Queue detached_;
+    std::size_t asyncCount_ = 0;
+    std::size_t detachedCount_ = 0;
+};
+
+}  // namespace tarnwick::platform::testing
