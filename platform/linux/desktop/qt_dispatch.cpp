@@ -1,0 +1,135 @@
+#include "platform/linux/desktop/qt_dispatch.h"
+
+#include <QCoreApplication>
+#include <QEvent>
+#include <QObject>
+#include <QTimer>
+#include <algorithm>
+#include <cmath>
+#include <ctime>
+#include <deque>
+#include <mutex>
+#include <optional>
+#include <utility>
+
+namespace tarnwick::platform {
+namespace {
+
+/// The longest time that the event loop's timer is armed for, seconds; its milliseconds would not
+/// fit an int for much longer. It is armed again on the way to what lies further off.
+constexpr double kLongestAlarm = 86400;
+
+double monotonicSeconds() {
+    timespec time{};
+    clock_gettime(CLOCK_MONOTONIC, &time);
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
+}
+
+}  // namespace
+
+/// Receives one posted event for all the work that came since the last one.
+class QtDispatch::MainQueue final : public QObject {
+ public:
+    void add(std::function<void()> work) {
+        const std::lock_guard guard(lock_);
+        queue_.push_back(std::move(work));
+        if (queue_.size() == 1) {
+            post();
+        }
+    }
+
+ protected:
+    bool event(QEvent* event) override {
+        if (event->type() != kind()) {
+            return QObject::event(event);
+        }
+        runOne();
+        return true;
+    }
+
+ private:
+    static QEvent::Type kind() {
+        static const int type = QEvent::registerEventType();
+        return static_cast<QEvent::Type>(type);
+    }
+
+    /// The lock must be held, so that events and work keep in step.
+    void post() { QCoreApplication::postEvent(this, new QEvent(kind())); }
+
+    void runOne() {
+        std::function<void()> work;
+        {
+            const std::lock_guard guard(lock_);
+            work = std::move(queue_.front());
+            queue_.pop_front();
+            // Before the work runs, which may turn the event loop by itself.
+            if (!queue_.empty()) {
+                post();
+            }
+        }
+        work();
+    }
+
+    std::mutex lock_;
+    /// Guarded by lock_. While it holds anything, exactly one event is on its way.
+    std::deque<std::function<void()>> queue_;
+};
+
+/// The one timer of the event loop.
+class QtDispatch::Alarm final {
+ public:
+    explicit Alarm(std::function<void()> handler) {
+        timer_.setSingleShot(true);
+        timer_.setTimerType(Qt::PreciseTimer);
+        QObject::connect(&timer_, &QTimer::timeout, &timer_, std::move(handler));
+    }
+
+    /// Arms it for `time`, or not at all.
+    void set(std::optional<double> time) {
+        if (!time) {
+            timer_.stop();
+            return;
+        }
+        // Rounded up: the timer counts whole milliseconds and must not go off early.
+        const double seconds = std::clamp(*time - monotonicSeconds(), 0.0, kLongestAlarm);
+        timer_.start(static_cast<int>(std::ceil(seconds * 1000)));
+    }
+
+ private:
+    QTimer timer_;
+};
+
+QtDispatch::QtDispatch(std::chrono::milliseconds patience)
+    : mainQueue_(std::make_unique<MainQueue>()),
+      alarm_(std::make_unique<Alarm>([this] {
+          // Should the alarm have gone off early, nothing is due and it is only armed again.
+          timers_.runDue(now());
+          alarm_->set(timers_.nextWake());
+      })),
+      timers_([this] { alarm_->set(timers_.nextWake()); }),
+      background_(patience) {}
+
+QtDispatch::~QtDispatch() = default;
+
+double QtDispatch::now() const {
+    return monotonicSeconds();
+}
+
+void QtDispatch::async(std::function<void()> work) {
+    mainQueue_->add(std::move(work));
+}
+
+void QtDispatch::asyncAfter(double seconds, std::function<void()> work) {
+    timers_.scheduleOnce(now() + std::max(0.0, seconds), std::move(work));
+}
+
+void QtDispatch::detached(std::function<void()> work) {
+    background_.run(std::move(work));
+}
+
+std::unique_ptr<Timer> QtDispatch::scheduleRepeating(double interval,
+                                                     std::function<void()> handler) {
+    return timers_.scheduleRepeating(now(), interval, std::move(handler));
+}
+
+}  // namespace tarnwick::platform
