@@ -1,6 +1,8 @@
 // The one object that owns the current picture of the machine.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -58,9 +60,19 @@ class StatsManager final : public ObservableObject {
     Published<std::vector<UsageSample>> storageUsageHistory{*this};
     Published<NetworkInfo> networkInfo{*this};
 
-    static constexpr int kHistoryLimit = 60;
+    static constexpr std::size_t kHistoryLimit = 60;
+    /// Rows that each list of top processes is asked for.
+    static constexpr int kTopProcessLimit = 3;
+    /// Each so many visible fast refreshes the process sampler forgets processes that are gone.
+    static constexpr int kVisibleRefreshesPerPrune = 15;
+    // Pace of the fast timer, seconds.
     static constexpr double kFastVisibleInterval = 2;
     static constexpr double kFastIdleInterval = 10;
+    /// How late a timer may fire, as a share of its interval, but at least as many seconds as
+    /// follow, so that wake-ups can be shared.
+    static constexpr double kToleranceShare = 0.15;
+    static constexpr double kFastMinimumTolerance = 0.25;
+    static constexpr double kSlowMinimumTolerance = 1;
 
     /// Starts a fast refresh (CPU, GPU, memory, network and, while the panel is visible,
     /// processes), or queues one.
@@ -91,12 +103,30 @@ class StatsManager final : public ObservableObject {
     const UserSettings& settings() const { return settings_; }
 
  private:
+    /// Expires with the manager. What runs later holds it and looks at it on the main thread only.
+    using Weak = std::weak_ptr<StatsManager*>;
+
+    /// The manager, or null when it is gone.
+    static StatsManager* alive(const Weak& manager);
+    /// Takes what a fast body measured; prunes in the background before it is applied when it is
+    /// time to.
+    void receiveFast(FastRefreshSnapshot snapshot, bool includesProcesses);
     void applyFast(FastRefreshSnapshot snapshot);
+    // The stages of a slow refresh, each started when the one before was applied.
+    void startBatteryStage(bool exactBattery);
+    void startStorageStage(bool exactBattery);
+    void startHealthStage(bool exactBattery);
+    void applyStorage(StorageInfo storage, double uptime);
+    void finishSlow(BatteryInfo battery);
     void appendSample(Published<std::vector<UsageSample>>& history, double value);
 
     UserSettings& settings_;
     std::shared_ptr<BatteryService> batteryService_;
-    StatsManagerEnvironment environment_;
+    platform::Dispatch& dispatch_;
+    /// Shared with the refreshes in flight.
+    std::shared_ptr<const MetricSources> sources_;
+    std::function<double()> wallClock_;
+    platform::Logger logger_;
     double slowVisibleInterval_;
     double slowIdleInterval_;
     bool isFastRefreshInFlight_ = false;
@@ -105,12 +135,10 @@ class StatsManager final : public ObservableObject {
     bool queuedSlowRefresh_ = false;
     bool queuedSlowExactBatteryRefresh_ = false;
     /// Fast refreshes applied that were started while the panel was visible; never reset.
-    int fastRefreshCount_ = 0;
+    std::int64_t fastRefreshCount_ = 0;
     bool isPopoverVisible_ = false;
     std::unique_ptr<platform::Timer> fastTimer_;
     std::unique_ptr<platform::Timer> slowTimer_;
-    /// Expires with the manager; what runs later holds it weakly and looks at it on the main
-    /// thread only.
     std::shared_ptr<StatsManager*> self_ = std::make_shared<StatsManager*>(this);
 };
 

@@ -1,0 +1,26 @@
+#include "core/metric_sources.h"
+
+#include "platform/platform.h"
+#include "services/cpu_service.h"
+#include "services/memory_service.h"
+#include "services/storage_service.h"
+#include "services/system_uptime.h"
+
+namespace tarnwick {
+
+MetricSources MetricSources::shared() {
+    platform::Kernel& kernel = *platform::current().kernel;
+    platform::Volumes& volumes = *platform::current().volumes;
+    return {
+        .readCPUInfo = [] { return CPUService::shared().readCPUInfo(); },
+        .readGPUInfo = [] { return GPUInfo{}; },
+        .readMemoryInfo = [] { return MemoryService::shared().readMemoryInfo(); },
+        .readNetworkInfo = [] { return NetworkInfo{}; },
+        .readTopProcesses = [](int) { return TopProcesses{}; },
+        .pruneStaleProcesses = [] {},
+        .readStorageInfo = [&volumes] { return StorageService(volumes).readStorageInfo(); },
+        .readUptime = [&kernel] { return tarnwick::readUptime(kernel); },
+    };
+}
+
+}  // namespace tarnwick
