@@ -1,0 +1,34 @@
+#include "app/app_delegate.h"
+
+#include <utility>
+
+namespace tarnwick {
+
+AppDelegate::AppDelegate(UserSettings& settings, platform::Dispatch& dispatch,
+                         std::function<void()> showSettingsWindow,
+                         std::function<bool()> toggleMenuBarPanel)
+    : presentation_(std::make_shared<Presentation>(Presentation{
+          settings, dispatch, std::move(showSettingsWindow), std::move(toggleMenuBarPanel)})) {}
+
+void AppDelegate::applicationDidFinishLaunching() {
+    presentation_->dispatch.async([presentation = presentation_] { present(presentation); });
+}
+
+void AppDelegate::present(const std::shared_ptr<Presentation>& presentation) {
+    if (!presentation->settings.presentInitialSettingsIfNeeded()) {
+        return;
+    }
+    if (presentation->showSettingsWindow) {
+        presentation->showSettingsWindow();
+    }
+    openPanel(presentation, 0);
+}
+
+void AppDelegate::openPanel(const std::shared_ptr<Presentation>& presentation, int attempt) {
+    if (!presentation->toggleMenuBarPanel() && attempt + 1 < kMaximumAttempts) {
+        presentation->dispatch.asyncAfter(
+            kRetryDelay, [presentation, attempt] { openPanel(presentation, attempt + 1); });
+    }
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,15 @@
+#include "app/menu_bar_panel.h"
+
+namespace tarnwick {
+
+bool toggleMenuBarPanel(platform::StatusItem& statusItem, const platform::Logger& logger) {
+    logger.info("toggleMenuBarPanel() called");
+    if (!statusItem.performClick()) {
+        logger.error("Could not find NSStatusBarButton in any window");
+        return false;
+    }
+    logger.info("Found NSStatusBarButton, performing click");
+    return true;
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,32 @@
+// A status item that records what it is shown.
+#pragma once
+
+#include <utility>
+#include <vector>
+
+#include "platform/desktop.h"
+
+namespace tarnwick::platform::testing {
+
+class ScriptedStatusItem final : public StatusItem {
+ public:
+    /// Every content that was set, in order.
+    std::vector<StatusItemContent> contents;
+    StatusItemActions actions;
+    /// What performClick answers.
+    bool isInTray = true;
+    /// Clicks asked for, answered or not.
+    int clicks = 0;
+
+    void setContent(const StatusItemContent& content) override { contents.push_back(content); }
+    void setActions(StatusItemActions newActions) override { actions = std::move(newActions); }
+    bool performClick() override {
+        ++clicks;
+        if (isInTray && actions.click) {
+            actions.click();
+        }
+        return isInTray;
+    }
+};
+
+}  // namespace tarnwick::platform::testing

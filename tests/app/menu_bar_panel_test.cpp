@@ -1,0 +1,39 @@
+#include "app/menu_bar_panel.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/testing/recording_log.h"
+#include "platform/testing/scripted_status_item.h"
+
+namespace tarnwick {
+namespace {
+
+using platform::LogLevel;
+using platform::testing::RecordingLog;
+using platform::testing::ScriptedStatusItem;
+using testing::ElementsAre;
+using testing::Pair;
+
+TEST(ToggleMenuBarPanel, ClicksTheItemOnce) {
+    ScriptedStatusItem item;
+    RecordingLog log;
+    EXPECT_TRUE(toggleMenuBarPanel(item, platform::Logger(log)));
+    EXPECT_EQ(item.clicks, 1);
+    EXPECT_THAT(log.lines(),
+                ElementsAre(Pair(LogLevel::info, "toggleMenuBarPanel() called"),
+                            Pair(LogLevel::info, "Found NSStatusBarButton, performing click")));
+}
+
+TEST(ToggleMenuBarPanel, SaysWhenThereIsNothingToClick) {
+    ScriptedStatusItem item;
+    item.isInTray = false;
+    RecordingLog log;
+    EXPECT_FALSE(toggleMenuBarPanel(item, platform::Logger(log)));
+    EXPECT_THAT(log.lines(), ElementsAre(Pair(LogLevel::info, "toggleMenuBarPanel() called"),
+                                         Pair(LogLevel::error,
+                                              "Could not find NSStatusBarButton in any window")));
+}
+
+}  // namespace
+}  // namespace tarnwick
