@@ -1,0 +1,61 @@
+// Reading the small files of /proc and /sys.
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarnwick::platform {
+
+/// Owns a file descriptor; closed on exec.
+class FileDescriptor {
+ public:
+    FileDescriptor() = default;
+    /// Opens for reading; errno says why when the result is not open.
+    explicit FileDescriptor(const std::string& path);
+    FileDescriptor(FileDescriptor&& other) noexcept;
+    FileDescriptor& operator=(FileDescriptor&& other) noexcept;
+    ~FileDescriptor();
+
+    bool isOpen() const { return descriptor_ >= 0; }
+    int get() const { return descriptor_; }
+    void close();
+
+ private:
+    int descriptor_ = -1;
+};
+
+/// A file that is read at every tick: opened once and read again from its start. It may be missing
+/// and appear later, and a device that went away and came back is found again. One thread at a
+/// time.
+class KeptFile {
+ public:
+    /// `expectedSize` is the first size of the buffer, bytes; it grows when the file is larger.
+    explicit KeptFile(std::string path, std::size_t expectedSize = 4096);
+
+    /// What the file holds now, in one system call as a rule; valid until the next call. Absent
+    /// when it cannot be read.
+    std::optional<std::string_view> read();
+
+    /// The system's error code of the last read that failed; 0 before any.
+    int error() const { return error_; }
+
+ private:
+    /// Bytes read, or -1 with `error_` set.
+    std::ptrdiff_t readFromStart();
+
+    std::string path_;
+    FileDescriptor file_;
+    std::vector<char> buffer_;
+    int error_ = 0;
+};
+
+/// A whole file read once, however many calls that takes. Absent when it cannot be read.
+std::optional<std::string> readWholeFile(const std::string& path);
+
+/// `relative` below the root of the tree that a reader reads.
+std::string belowRoot(const std::string& root, std::string_view relative);
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,154 @@
+#include "platform/linux/linux_volumes.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+#include <filesystem>
+#include <limits>
+#include <pwd.h>
+#include <sys/statvfs.h>
+#include <system_error>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/kept_file.h"
+#include "platform/linux/mountinfo.h"
+#include "platform/linux/volume_label.h"
+
+namespace tarnwick::platform {
+
+namespace {
+
+constexpr double longestAgeOfName = 60;
+
+std::string homeFromPasswordDatabase() {
+    std::vector<char> buffer(1024);
+    passwd entry{};
+    passwd* found = nullptr;
+    int error = 0;
+    while ((error = ::getpwuid_r(::getuid(), &entry, buffer.data(), buffer.size(), &found)) ==
+               ERANGE &&
+           buffer.size() < std::size_t{1} << 20) {
+        buffer.resize(buffer.size() * 2);
+    }
+    if (error != 0 || found == nullptr || entry.pw_dir == nullptr || entry.pw_dir[0] != '/') {
+        return "/";
+    }
+    return entry.pw_dir;
+}
+
+std::string homeDirectory(const std::optional<std::string>& choice) {
+    if (choice) {
+        return choice->starts_with('/') ? *choice : homeFromPasswordDatabase();
+    }
+    const char* const variable = std::getenv("HOME");
+    return variable != nullptr && variable[0] == '/' ? variable : homeFromPasswordDatabase();
+}
+
+struct Capacity {
+    std::int64_t total = 0;
+    std::int64_t available = 0;
+    unsigned long fileSystem = 0;
+};
+
+std::int64_t bytesOf(std::uint64_t blocks, std::uint64_t blockSize) {
+    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
+    if (blockSize != 0 && blocks > largest / blockSize) {
+        return static_cast<std::int64_t>(largest);
+    }
+    return static_cast<std::int64_t>(blocks * blockSize);
+}
+
+// Absent with the system's error code in `error`.
+std::optional<Capacity> capacityOf(const std::string& path, int& error) {
+    struct statvfs figures {};
+    int result = 0;
+    do {
+        result = ::statvfs(path.c_str(), &figures);
+    } while (result != 0 && errno == EINTR);
+    error = result != 0 ? errno : 0;
+    if (error != 0) {
+        return std::nullopt;
+    }
+    // Where the blocks kept for the system are in use, some file systems give a negative count.
+    const bool negative = static_cast<std::int64_t>(figures.f_bavail) < 0;
+    return Capacity{.total = bytesOf(figures.f_blocks, figures.f_frsize),
+                    .available = negative ? 0 : bytesOf(figures.f_bavail, figures.f_frsize),
+                    .fileSystem = figures.f_fsid};
+}
+
+}  // namespace
+
+LinuxVolumes::LinuxVolumes(std::string root, std::optional<std::string> home,
+                           std::function<double()> sinceBoot)
+    : root_(std::move(root)), home_(homeDirectory(home)), sinceBoot_(std::move(sinceBoot)) {}
+
+std::string LinuxVolumes::homeDirectoryForCurrentUser() {
+    return home_;
+}
+
+std::variant<VolumeResourceValues, VolumeError> LinuxVolumes::resourceValues(
+    const std::string& path) {
+    int error = 0;
+    const std::optional<Capacity> capacity = capacityOf(belowRoot(root_, path), error);
+    if (!capacity) {
+        return VolumeError{.localizedDescription = std::generic_category().message(error)};
+    }
+    return VolumeResourceValues{.name = nameOfVolume(path, capacity->fileSystem),
+                                .totalCapacity = capacity->total,
+                                .availableCapacityForImportantUsage = std::nullopt,
+                                .availableCapacity = capacity->available};
+}
+
+std::optional<FileSystemAttributes> LinuxVolumes::attributesOfFileSystemForPath(
+    const std::string& path) {
+    int error = 0;
+    const std::optional<Capacity> capacity = capacityOf(belowRoot(root_, path), error);
+    if (!capacity) {
+        return std::nullopt;
+    }
+    return FileSystemAttributes{.size = capacity->total, .freeSize = capacity->available};
+}
+
+std::optional<std::string> LinuxVolumes::nameOfVolume(const std::string& path,
+                                                      unsigned long fileSystem) {
+    const std::lock_guard guard(lock_);
+    const double now = sinceBoot_();
+    if (!known_ || known_->path != path || known_->fileSystem != fileSystem ||
+        now < known_->foundAt || now - known_->foundAt >= longestAgeOfName) {
+        known_ = KnownName{
+            .path = path, .fileSystem = fileSystem, .foundAt = now, .name = findName(path)};
+    }
+    return known_->name;
+}
+
+std::optional<std::string> LinuxVolumes::findName(const std::string& path) const {
+    const std::optional<std::string> mountInfo =
+        readWholeFile(belowRoot(root_, "proc/self/mountinfo"));
+    if (!mountInfo) {
+        return std::nullopt;
+    }
+    // Mount points are given without symbolic links. The tree's own root is taken off again.
+    std::error_code error;
+    const std::filesystem::path root = std::filesystem::canonical(root_, error);
+    const std::filesystem::path real =
+        std::filesystem::canonical(belowRoot(root_, path), error).lexically_relative(root);
+    if (error || real.empty()) {
+        return std::nullopt;
+    }
+    const std::optional<Mount> mount = mountOf(*mountInfo, real == "." ? "/" : "/" + real.native());
+    if (!mount) {
+        return std::nullopt;
+    }
+    if (mount->source.starts_with('/')) {
+        if (std::optional<std::string> label = labelOfDevice(root_, mount->source);
+            label && !label->empty()) {
+            return label;
+        }
+    }
+    return mount->mountPoint;
+}
+
+}  // namespace tarnwick::platform

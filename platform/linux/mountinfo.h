@@ -1,0 +1,28 @@
+// Reading the text of /proc/self/mountinfo.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace tarnwick::platform {
+
+/// One mounted file system.
+struct Mount {
+    /// Absolute path.
+    std::string mountPoint;
+    /// A device's path for a file system on a device; any text for others.
+    std::string source;
+
+    bool operator==(const Mount&) const = default;
+};
+
+/// The mount that holds `path` (absolute, without symbolic links): the one with the longest mount
+/// point, and of several at the same point the last, which covers the others. Lines that are
+/// damaged or cut short are passed over.
+std::optional<Mount> mountOf(std::string_view mountInfo, std::string_view path);
+
+/// Text with its octal escapes (\040 for a space) decoded; what is not such an escape stays.
+std::string decodedOctalEscapes(std::string_view text);
+
+}  // namespace tarnwick::platform

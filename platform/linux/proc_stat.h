@@ -1,0 +1,32 @@
+// Reading the text of /proc/stat.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace tarnwick::platform {
+
+/// Cumulative ticks of one processor that is online.
+struct ProcessorTicks {
+    /// The kernel's number of it; offline processors leave gaps.
+    std::uint32_t processor = 0;
+    /// user, system (with interrupts and stolen time), idle (with waiting for input and output),
+    /// nice; each modulo 2^32. Time given to guests is already inside user and nice.
+    std::array<std::uint32_t, 4> words{};
+
+    bool operator==(const ProcessorTicks&) const = default;
+};
+
+/// Fills `processors` from the "cpuN" lines, in the kernel's order. False, with `processors` empty,
+/// when there is none or one of them is damaged or cut short: with a processor left out, the
+/// others would be compared with the wrong earlier counters.
+bool parseProcessorTicks(std::string_view text, std::vector<ProcessorTicks>& processors);
+
+/// "btime": when the machine booted, seconds since 1970. Absent when it is missing, damaged or cut
+/// short.
+std::optional<std::int64_t> parseBootTime(std::string_view text);
+
+}  // namespace tarnwick::platform
