@@ -1,0 +1,183 @@
+#include "platform/linux/linux_volumes.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <optional>
+#include <pwd.h>
+#include <stdlib.h>
+#include <string>
+#include <string_view>
+#include <sys/statvfs.h>
+#include <unistd.h>
+#include <variant>
+
+#include "services/storage_service.h"
+#include "tests/platform/linux/machine_tree.h"
+
+namespace tarnwick::platform {
+namespace {
+
+using testing::MachineTree;
+using testing::recordedMachine;
+
+std::optional<std::string> nameOf(LinuxVolumes& volumes, const std::string& path) {
+    const auto values = volumes.resourceValues(path);
+    const auto* found = std::get_if<VolumeResourceValues>(&values);
+    EXPECT_NE(found, nullptr) << path;
+    return found != nullptr ? found->name : std::nullopt;
+}
+
+std::string homeOfPasswordDatabase() {
+    const passwd* const entry = ::getpwuid(::getuid());
+    return entry != nullptr && entry->pw_dir[0] == '/' ? entry->pw_dir : "/";
+}
+
+// Sets $HOME for one test.
+class HomeVariable {
+ public:
+    explicit HomeVariable(const char* value) {
+        if (const char* const before = ::getenv("HOME")) {
+            before_ = before;
+        }
+        if (value != nullptr) {
+            ::setenv("HOME", value, 1);
+        } else {
+            ::unsetenv("HOME");
+        }
+    }
+    HomeVariable(const HomeVariable&) = delete;
+    HomeVariable& operator=(const HomeVariable&) = delete;
+    ~HomeVariable() {
+        if (before_) {
+            ::setenv("HOME", before_->c_str(), 1);
+        } else {
+            ::unsetenv("HOME");
+        }
+    }
+
+ private:
+    std::optional<std::string> before_;
+};
+
+TEST(LinuxVolumes, HomeIsTheVariable) {
+    const HomeVariable home("/somewhere/else");
+    EXPECT_EQ(LinuxVolumes().homeDirectoryForCurrentUser(), "/somewhere/else");
+}
+
+TEST(LinuxVolumes, WithoutTheVariableHomeIsInThePasswordDatabase) {
+    const HomeVariable home(nullptr);
+    EXPECT_EQ(LinuxVolumes().homeDirectoryForCurrentUser(), homeOfPasswordDatabase());
+}
+
+TEST(LinuxVolumes, AnEmptyOrRelativeVariableDoesNotCount) {
+    for (const char* const value : {"", "home", "./home", "~"}) {
+        const HomeVariable home(value);
+        EXPECT_EQ(LinuxVolumes().homeDirectoryForCurrentUser(), homeOfPasswordDatabase()) << value;
+    }
+}
+
+TEST(LinuxVolumes, AGivenHomeFollowsTheSameRules) {
+    EXPECT_EQ(LinuxVolumes("/", "/home/ada").homeDirectoryForCurrentUser(), "/home/ada");
+    EXPECT_EQ(LinuxVolumes("/", "").homeDirectoryForCurrentUser(), homeOfPasswordDatabase());
+    EXPECT_EQ(LinuxVolumes("/", "ada").homeDirectoryForCurrentUser(), homeOfPasswordDatabase());
+}
+
+TEST(LinuxVolumes, CapacityIsThatOfTheFileSystem) {
+    const MachineTree tree;
+    struct statvfs figures {};
+    ASSERT_EQ(::statvfs(tree.root().c_str(), &figures), 0);
+    LinuxVolumes volumes;
+    const auto values = std::get<VolumeResourceValues>(volumes.resourceValues(tree.root()));
+    EXPECT_EQ(values.totalCapacity, static_cast<std::int64_t>(figures.f_blocks * figures.f_frsize));
+    ASSERT_TRUE(values.availableCapacity);
+    EXPECT_GE(*values.availableCapacity, 0);
+    EXPECT_LE(*values.availableCapacity, *values.totalCapacity);
+    EXPECT_EQ(values.availableCapacityForImportantUsage, std::nullopt);
+
+    const auto attributes = volumes.attributesOfFileSystemForPath(tree.root());
+    ASSERT_TRUE(attributes);
+    EXPECT_EQ(attributes->size, values.totalCapacity);
+    ASSERT_TRUE(attributes->freeSize);
+    EXPECT_LE(*attributes->freeSize, *attributes->size);
+}
+
+TEST(LinuxVolumes, AMissingHomeIsAnErrorInWords) {
+    LinuxVolumes volumes(recordedMachine("laptop"), "/home/nobody");
+    const auto values = volumes.resourceValues(volumes.homeDirectoryForCurrentUser());
+    const auto* error = std::get_if<VolumeError>(&values);
+    ASSERT_NE(error, nullptr);
+    EXPECT_EQ(error->localizedDescription, std::strerror(ENOENT));
+    EXPECT_FALSE(volumes.attributesOfFileSystemForPath("/home/nobody"));
+
+    const StorageInfo info = StorageService(volumes).readStorageInfo();
+    EXPECT_EQ(info.totalSpace, 0);
+    EXPECT_EQ(info.availableSpace, 0);
+    EXPECT_EQ(info.usedSpace, 0);
+}
+
+TEST(LinuxVolumes, ANameThatIsAFileOnTheWayIsAnErrorInWords) {
+    LinuxVolumes volumes(recordedMachine("laptop"));
+    const auto values = volumes.resourceValues("/dev/sda1/home");
+    ASSERT_TRUE(std::holds_alternative<VolumeError>(values));
+    EXPECT_EQ(std::get<VolumeError>(values).localizedDescription, std::strerror(ENOTDIR));
+}
+
+TEST(LinuxVolumes, TheNameIsTheLabel) {
+    LinuxVolumes volumes(recordedMachine("laptop"));
+    EXPECT_EQ(nameOf(volumes, "/home/ada"), "Ada's Disk");
+    EXPECT_EQ(nameOf(volumes, "/home/ada/"), "Ada's Disk");
+    EXPECT_EQ(nameOf(volumes, "/"), "Ada's Disk");
+}
+
+TEST(LinuxVolumes, WithoutALabelTheNameIsTheMountPoint) {
+    LinuxVolumes laptop(recordedMachine("laptop"));
+    EXPECT_EQ(nameOf(laptop, "/mnt/Holiday Pictures"), "/mnt/Holiday Pictures");
+    EXPECT_EQ(nameOf(laptop, "/mnt/shelf"), "/mnt/shelf");
+    LinuxVolumes server(recordedMachine("server"));
+    EXPECT_EQ(nameOf(server, "/home/ops"), "/home");
+}
+
+TEST(LinuxVolumes, WithoutMountsThereIsNoName) {
+    LinuxVolumes old(recordedMachine("old-kernel"));
+    EXPECT_EQ(nameOf(old, "/home/bob"), std::nullopt);
+    LinuxVolumes damaged(recordedMachine("damaged"));
+    EXPECT_EQ(nameOf(damaged, "/home"), std::nullopt);
+}
+
+TEST(LinuxVolumes, SymbolicLinksOnTheWayHomeAreFollowed) {
+    const MachineTree tree("laptop");
+    tree.link("home/grace", "../mnt/shelf");
+    LinuxVolumes volumes(tree.root());
+    EXPECT_EQ(nameOf(volumes, "/home/grace"), "/mnt/shelf");
+}
+
+TEST(LinuxVolumes, TheNameIsLookedUpAgainAfterAMinute) {
+    const MachineTree tree("laptop");
+    double now = 500;
+    LinuxVolumes volumes(tree.root(), "/home/ada", [&now] { return now; });
+    EXPECT_EQ(nameOf(volumes, "/home/ada"), "Ada's Disk");
+    tree.remove("dev/disk/by-label");
+    now += 59.9;
+    EXPECT_EQ(nameOf(volumes, "/home/ada"), "Ada's Disk");
+    now += 0.2;
+    EXPECT_EQ(nameOf(volumes, "/home/ada"), "/home");
+    EXPECT_EQ(nameOf(volumes, "/mnt/shelf"), "/mnt/shelf");
+    EXPECT_EQ(nameOf(volumes, "/home/ada"), "/home");
+}
+
+TEST(LinuxVolumes, TruncatedMountsNeverGiveAForeignName) {
+    const MachineTree tree("laptop");
+    const std::string text = testing::recordedFile("laptop", "proc/self/mountinfo");
+    double now = 0;
+    LinuxVolumes volumes(tree.root(), "/home/ada", [&now] { return now += 100; });
+    for (std::size_t size = 0; size <= text.size(); size += 13) {
+        tree.write("proc/self/mountinfo", std::string_view(text).substr(0, size));
+        const std::optional<std::string> name = nameOf(volumes, "/home/ada");
+        ASSERT_TRUE(!name || name == "Ada's Disk") << size << *name;
+    }
+}
+
+}  // namespace
+}  // namespace tarnwick::platform

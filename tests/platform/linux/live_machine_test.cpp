@@ -1,0 +1,212 @@
+// The readers on the machine that runs the tests, beside the tools that people trust.
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstdlib>
+#include <fstream>
+#include <gtest/gtest.h>
+#include <sched.h>
+#include <sstream>
+#include <stdio.h>
+#include <string>
+#include <time.h>
+#include <variant>
+#include <vector>
+
+#include "platform/linux/linux_kernel.h"
+#include "platform/linux/linux_process_info.h"
+#include "platform/linux/linux_volumes.h"
+#include "services/cpu_service.h"
+#include "services/memory_service.h"
+#include "services/storage_service.h"
+#include "services/system_uptime.h"
+
+namespace tarnwick::platform {
+namespace {
+
+std::string outputOf(const std::string& command) {
+    FILE* const pipe = ::popen(("LC_ALL=C " + command + " 2>/dev/null").c_str(), "r");
+    if (pipe == nullptr) {
+        return "";
+    }
+    std::string output;
+    std::array<char, 4096> part;
+    std::size_t size = 0;
+    while ((size = ::fread(part.data(), 1, part.size(), pipe)) > 0) {
+        output.append(part.data(), size);
+    }
+    return ::pclose(pipe) == 0 ? output : "";
+}
+
+// The numbers of a line that begins with this word.
+std::vector<std::int64_t> numbersAfter(const std::string& text, const std::string& word) {
+    std::istringstream lines(text);
+    std::string line;
+    while (std::getline(lines, line)) {
+        if (line.rfind(word, 0) == 0) {
+            std::istringstream fields(line.substr(word.size()));
+            std::vector<std::int64_t> numbers;
+            std::int64_t number = 0;
+            while (fields >> number) {
+                numbers.push_back(number);
+            }
+            return numbers;
+        }
+    }
+    return {};
+}
+
+struct Free {
+    std::vector<std::int64_t> memory;  // total used free shared buff/cache available
+    std::vector<std::int64_t> swap;    // total used free
+};
+
+Free freeTool() {
+    const std::string text = outputOf("free -b");
+    return {numbersAfter(text, "Mem:"), numbersAfter(text, "Swap:")};
+}
+
+bool between(std::uint64_t value, std::int64_t one, std::int64_t other) {
+    // What other programs take or give back between the readings.
+    constexpr std::int64_t slack = std::int64_t{8} << 20;
+    const auto figure = static_cast<std::int64_t>(value);
+    return figure >= std::min(one, other) - slack && figure <= std::max(one, other) + slack;
+}
+
+TEST(LiveMachine, MemoryAgreesWithFree) {
+    if (freeTool().memory.size() < 6) {
+        GTEST_SKIP() << "free is not installed";
+    }
+    LinuxKernel kernel;
+    MemoryService service(kernel);
+    bool agreed = false;
+    std::string last;
+    // On a busy machine some readings lie too far apart.
+    for (int turn = 0; turn < 100 && !agreed; ++turn) {
+        const Free before = freeTool();
+        const MemoryInfo info = service.readMemoryInfo();
+        const Free after = freeTool();
+        const auto& a = before.memory;
+        const auto& b = after.memory;
+        EXPECT_EQ(static_cast<std::int64_t>(info.total), a[0]);
+        EXPECT_EQ(static_cast<std::int64_t>(info.swapTotal), before.swap[0]);
+        // Of "buff/cache" the shared memory belongs to programs.
+        agreed = between(info.free, a[2], b[2]) && between(info.cached, a[4] - a[3], b[4] - b[3]) &&
+                 between(info.used, a[0] - a[2] - a[4] + a[3], b[0] - b[2] - b[4] + b[3]) &&
+                 between(info.swapUsed, before.swap[1], after.swap[1]);
+        std::ostringstream text;
+        text << "free " << info.free << " cached " << info.cached << " used " << info.used
+             << " swap " << info.swapUsed << "; free(1): " << b[2] << ' ' << b[4] - b[3] << ' '
+             << b[0] - b[2] - b[4] + b[3] << ' ' << after.swap[1];
+        last = text.str();
+    }
+    EXPECT_TRUE(agreed) << last;
+}
+
+TEST(LiveMachine, MemoryIsDividedUpWithoutRemainder) {
+    LinuxKernel kernel;
+    const MemoryInfo info = MemoryService(kernel).readMemoryInfo();
+    EXPECT_GT(info.app, 0U);
+    EXPECT_GT(info.wired, 0U);
+    EXPECT_EQ(info.used, info.app + info.wired + info.compressed);
+    EXPECT_LE(info.used + info.free + info.cached, info.total + 4 * kernel.pageSize());
+    EXPECT_GE(info.used + info.free + info.cached + 4 * kernel.pageSize(), info.total);
+}
+
+TEST(LiveMachine, CapacityAgreesWithDf) {
+    LinuxVolumes volumes;
+    const std::string home = volumes.homeDirectoryForCurrentUser();
+    const std::string command = "df -B1 --output=size,avail,target '" + home + "'";
+    if (outputOf(command).empty()) {
+        GTEST_SKIP() << "df does not know the home directory";
+    }
+    bool agreed = false;
+    for (int turn = 0; turn < 100 && !agreed; ++turn) {
+        const auto df = [&command] {
+            std::istringstream text(outputOf(command + " | tail -n 1"));
+            std::int64_t size = 0;
+            std::int64_t available = 0;
+            text >> size >> available;
+            return std::array{size, available};
+        };
+        const auto before = df();
+        const StorageInfo info = StorageService(volumes).readStorageInfo();
+        const auto after = df();
+        EXPECT_EQ(info.totalSpace, before[0]);
+        agreed = between(static_cast<std::uint64_t>(info.availableSpace), before[1], after[1]);
+    }
+    EXPECT_TRUE(agreed);
+}
+
+TEST(LiveMachine, TheVolumeHasAName) {
+    LinuxVolumes volumes;
+    const auto values = volumes.resourceValues("/");
+    ASSERT_TRUE(std::holds_alternative<VolumeResourceValues>(values));
+    const auto& name = std::get<VolumeResourceValues>(values).name;
+    ASSERT_TRUE(name);
+    EXPECT_FALSE(name->empty());
+}
+
+TEST(LiveMachine, ProcessorsAgreeWithTheTools) {
+    LinuxKernel kernel;
+    const std::int32_t count = kernel.logicalCPUCount().value_or(0);
+    EXPECT_EQ(count, std::atoi(outputOf("getconf _NPROCESSORS_ONLN").c_str()));
+    EXPECT_EQ(LinuxProcessInfo().activeProcessorCount(), count);
+    cpu_set_t allowed;
+    ASSERT_EQ(::sched_getaffinity(0, sizeof allowed, &allowed), 0);
+    if (CPU_COUNT(&allowed) == count) {
+        EXPECT_EQ(count,
+                  std::atoi(outputOf("env -u OMP_NUM_THREADS -u OMP_THREAD_LIMIT nproc").c_str()));
+    }
+    EXPECT_EQ(kernel.hostProcessorInfo().processorCount, static_cast<std::uint32_t>(count));
+}
+
+TEST(LiveMachine, TicksGrowAndSharesAddUp) {
+    LinuxKernel kernel;
+    CPUService service(kernel);
+    service.readCPUInfo();
+    const auto ticks = [&kernel] {
+        std::uint64_t sum = 0;
+        for (const std::uint32_t word : kernel.hostProcessorInfo().words.value()) {
+            sum += word;
+        }
+        return sum;
+    };
+    // Busy until the kernel has counted some ticks; each takes a few milliseconds.
+    const std::uint64_t start = ticks();
+    while (ticks() < start + 20) {
+    }
+    const CPUInfo info = service.readCPUInfo();
+    EXPECT_GT(info.usagePercentage, 0.0);
+    EXPECT_LE(info.usagePercentage, 100.0);
+    EXPECT_LE(info.userPercentage + info.systemPercentage + info.idlePercentage, 100.001);
+    EXPECT_EQ(info.coreUsages.size(), static_cast<std::size_t>(info.coreCount));
+}
+
+TEST(LiveMachine, UptimeAgreesWithTheKernels) {
+    LinuxKernel kernel;
+    double uptime = 0;
+    std::ifstream("/proc/uptime") >> uptime;
+    ASSERT_GT(uptime, 0);
+    EXPECT_NEAR(readUptime(kernel), uptime, 3.0);
+}
+
+TEST(LiveMachine, ClocksRunInSeconds) {
+    LinuxKernel kernel;
+    const double start = kernel.monotonicSeconds();
+    EXPECT_GT(start, 0);
+    EXPECT_GE(kernel.monotonicSeconds(), start);
+    EXPECT_NEAR(kernel.wallClockSeconds(), static_cast<double>(::time(nullptr)), 2.0);
+    double uptime = 0;
+    std::ifstream("/proc/uptime") >> uptime;
+    EXPECT_NEAR(sinceBootSeconds(), uptime, 2.0);
+}
+
+TEST(LiveMachine, HeatIsOneOfFourStates) {
+    const std::int64_t state = LinuxProcessInfo().thermalState();
+    EXPECT_GE(state, 0);
+    EXPECT_LE(state, 3);
+}
+
+}  // namespace
+}  // namespace tarnwick::platform

@@ -1,0 +1,36 @@
+// File trees that stand for a machine: recorded ones and ones that a test writes.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace tarnwick::platform::testing {
+
+/// Root of the recorded machine of this name.
+std::string recordedMachine(std::string_view name);
+
+/// A file of a recorded machine; the test fails when it is not there.
+std::string recordedFile(std::string_view machine, std::string_view path);
+
+/// An empty private folder that goes away at the end.
+class MachineTree {
+ public:
+    MachineTree();
+    /// Filled with a copy of the recorded machine of this name.
+    explicit MachineTree(std::string_view machine);
+    MachineTree(const MachineTree&) = delete;
+    MachineTree& operator=(const MachineTree&) = delete;
+    ~MachineTree();
+
+    const std::string& root() const { return root_; }
+    /// Writes a file in place, with its folders.
+    void write(std::string_view path, std::string_view content) const;
+    void remove(std::string_view path) const;
+    void makeFolder(std::string_view path) const;
+    void link(std::string_view path, std::string_view target) const;
+
+ private:
+    std::string root_;
+};
+
+}  // namespace tarnwick::platform::testing
