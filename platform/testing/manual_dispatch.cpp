@@ -39,11 +39,13 @@ void ManualDispatch::runMain() {
 }
 
 void ManualDispatch::runMainTurn() {
+    const bool before = std::exchange(inBackground_, false);
     for (std::size_t left = mainPending(); left > 0; --left) {
         if (const auto work = take(main_)) {
             work();
         }
     }
+    inBackground_ = before;
 }
 
 bool ManualDispatch::runNextDetached() {
@@ -51,11 +53,11 @@ bool ManualDispatch::runNextDetached() {
     if (!work) {
         return false;
     }
-    inBackground_ = true;
+    const bool before = std::exchange(inBackground_, true);
     work();
     // What the work holds is let go in the background, too.
     work = nullptr;
-    inBackground_ = false;
+    inBackground_ = before;
     return true;
 }
 

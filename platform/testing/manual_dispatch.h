@@ -14,7 +14,8 @@ namespace tarnwick::platform::testing {
 
 /// Nothing sleeps and no thread is made: the test's thread is the main thread and, while it runs
 /// detached work, the background. Timers wake it as an event loop would, as late as their
-/// tolerances allow. async() and detached() may be called from any thread.
+/// tolerances allow. Work that is being run may run other work, as if it took that long itself.
+/// async() and detached() may be called from any thread.
 class ManualDispatch final : public Dispatch {
  public:
     /// What happens to detached work.

@@ -65,6 +65,22 @@ TEST(ManualDispatch, AnAutomaticBackgroundRunsWithTheMainQueue) {
     EXPECT_EQ(order, "bm");
 }
 
+TEST(ManualDispatch, WorkThatHangsInTheBackgroundMayLetOthersRunMeanwhile) {
+    ManualDispatch dispatch(Background::byHand);
+    std::string order;
+    const auto note = [&] { order += dispatch.isInBackground() ? 'b' : 'm'; };
+    dispatch.detached([&] {
+        dispatch.async(note);
+        dispatch.detached(note);
+        dispatch.runMainTurn();
+        dispatch.runNextDetached();
+        note();
+    });
+    dispatch.runNextDetached();
+    note();
+    EXPECT_EQ(order, "mbbm");
+}
+
 TEST(ManualDispatch, AdvanceStopsAtEveryWakeUp) {
     ManualDispatch dispatch(Background::automatic, 1000);
     std::vector<double> times;
