@@ -1,8 +1,7 @@
 // Runs the widget tests in one application without a display, in a home of its own.
-#include <gtest/gtest.h>
-
 #include <QApplication>
 #include <QTemporaryDir>
+#include <gtest/gtest.h>
 
 int main(int argc, char** argv) {
     const QTemporaryDir home;

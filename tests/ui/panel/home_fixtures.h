@@ -1,0 +1,43 @@
+// Machines in states worth looking at, as what the home page is made of.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/byte_count_formatter.h"
+#include "ui/panel/home_page.h"
+
+namespace tarnwick::testing {
+
+inline constexpr std::uint64_t kGiB = std::uint64_t{1} << 30;
+inline constexpr std::int64_t kGB = 1'000'000'000;
+
+/// Bytes as the panel shows them, near enough for a picture, with at most two decimals.
+class PlainByteCountFormatter final : public platform::ByteCountFormatter {
+ public:
+    std::string stringFromByteCount(std::int64_t byteCount,
+                                    platform::CountStyle style) const override;
+};
+
+/// Says the count and the style, so that a test sees which was asked for: "12 B memory".
+class SpellingByteCountFormatter final : public platform::ByteCountFormatter {
+ public:
+    std::string stringFromByteCount(std::int64_t byteCount,
+                                    platform::CountStyle style) const override;
+};
+
+/// A machine where all is calm: everything measured, a GPU, a healthy battery, no warning.
+HomePageInputs calmMachine();
+
+struct HomeState {
+    /// As in the names of the golden files.
+    std::string_view name;
+    HomePageInputs inputs;
+};
+
+/// calmMachine() and what else a machine may look like.
+std::vector<HomeState> homeStates();
+
+}  // namespace tarnwick::testing

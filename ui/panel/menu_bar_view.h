@@ -1,0 +1,90 @@
+// The panel's root: which page is shown, what is on it, and what a press does.
+#pragma once
+
+#include <functional>
+#include <memory>
+
+#include "core/published.h"
+#include "core/stats_manager.h"
+#include "platform/byte_count_formatter.h"
+#include "platform/dispatch.h"
+#include "platform/process_info.h"
+#include "ui/panel/page.h"
+#include "ui/panel/panel_button.h"
+
+namespace tarnwick {
+
+/// The raw values are 0, 1 and 2.
+enum class MenuTab {
+    home = 0,
+    memoryDetail = 1,
+    performanceDetail = 2,
+};
+
+/// What lies outside the panel. The button of a missing function is disabled.
+struct PanelTargets {
+    std::function<void()> showSettings;
+    std::function<void()> openActivityMonitor;
+    std::function<void()> quit;
+    std::function<void()> showMemoryDetail;
+    std::function<void()> showPerformanceDetail;
+};
+
+/// What a view runs on; all outlive it.
+struct MenuBarViewEnvironment {
+    platform::Dispatch& dispatch;
+    platform::ProcessInfo& processInfo;
+    const platform::ByteCountFormatter& byteCountFormatter;
+
+    static MenuBarViewEnvironment shared();
+};
+
+/// Everything on the page comes from the manager's fields when it is built; the view keeps no
+/// figures of its own. Main thread only.
+class MenuBarView {
+ public:
+    /// `statsManager` must outlive the view.
+    MenuBarView(StatsManager& statsManager, PanelTargets targets,
+                MenuBarViewEnvironment environment = MenuBarViewEnvironment::shared());
+    MenuBarView(const MenuBarView&) = delete;
+    MenuBarView& operator=(const MenuBarView&) = delete;
+
+    StatsManager& statsManager() const { return statsManager_; }
+    MenuTab activeTab() const { return activeTab_; }
+
+    /// The panel is on screen from now on: tells the manager and follows its fields.
+    void appear();
+    /// The panel has gone: tells the manager and costs nothing until it appears again.
+    void disappear();
+    bool isVisible() const { return isVisible_; }
+
+    /// What to show now.
+    Page page() const;
+    /// While visible: calls `observer` with the page when it differs from the last one, on a turn
+    /// of the main queue after the change, once however many fields changed.
+    void setPageObserver(std::function<void(const Page&)> observer);
+
+    bool canPerform(PanelAction action) const;
+    /// Does nothing for an action that cannot be performed.
+    void perform(PanelAction action);
+
+ private:
+    void scheduleRebuild();
+    void rebuild();
+    std::function<void()> target(PanelAction action) const;
+
+    StatsManager& statsManager_;
+    PanelTargets targets_;
+    MenuBarViewEnvironment environment_;
+    MenuTab activeTab_ = MenuTab::home;
+    bool isVisible_ = false;
+    bool isRebuildScheduled_ = false;
+    /// The page announced last while visible.
+    Page lastPage_;
+    std::function<void(const Page&)> observer_;
+    Subscription statsSubscription_;
+    /// Expires with the view; what runs later holds it weakly.
+    std::shared_ptr<MenuBarView*> self_ = std::make_shared<MenuBarView*>(this);
+};
+
+}  // namespace tarnwick

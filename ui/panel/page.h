@@ -1,0 +1,49 @@
+// A page of the panel as a value: its building blocks from top to bottom.
+#pragma once
+
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "ui/panel/caption_text.h"
+#include "ui/panel/footer_row.h"
+#include "ui/panel/info_row.h"
+#include "ui/panel/navigation_button.h"
+#include "ui/panel/notice_row.h"
+#include "ui/panel/panel_divider.h"
+#include "ui/panel/panel_header.h"
+#include "ui/panel/section_header.h"
+#include "ui/panel/status_row.h"
+#include "ui/panel/top_apps_section.h"
+#include "ui/panel/usage_bar.h"
+
+namespace tarnwick {
+
+using PanelBlock =
+    std::variant<PanelHeader, StatusRow, NoticeRow, UsageBar, SectionHeader, CaptionText, InfoRow,
+                 NavigationButton, TopAppsSection, PanelDivider, FooterRow>;
+
+/// The panel's content is exactly this wide, in points.
+inline constexpr int kPanelWidth = 320;
+
+// Points between two neighbours of a page.
+inline constexpr int kBlockSpacing = 12;
+/// Between the rows of one block.
+inline constexpr int kRowSpacing = 6;
+inline constexpr int kBarSpacing = 11;
+/// Between the bars and the battery.
+inline constexpr int kBatterySpacing = 10;
+
+struct PageItem {
+    /// Tells the items of a page apart and stays the same from one page to the next.
+    std::string id;
+    /// Points between this item and the one above it; the first one has none.
+    int spaceAbove = kBlockSpacing;
+    PanelBlock block;
+
+    bool operator==(const PageItem&) const = default;
+};
+
+using Page = std::vector<PageItem>;
+
+}  // namespace tarnwick

@@ -1,0 +1,66 @@
+#include "ui/panel/spoken_text.h"
+
+#include <string_view>
+
+namespace tarnwick {
+
+namespace {
+
+std::string joined(std::string_view first, std::string_view second) {
+    std::string text(first);
+    if (!second.empty()) {
+        text += ", ";
+        text += second;
+    }
+    return text;
+}
+
+/// The colour in words; empty for a colour that is no level.
+std::string_view levelWord(Tint tint) {
+    switch (tint) {
+        case Tint::green:
+            return "normal";
+        case Tint::yellow:
+            return "elevated";
+        case Tint::red:
+            return "high";
+        case Tint::orange:
+        case Tint::gray:
+            break;
+    }
+    return {};
+}
+
+struct Speaker {
+    std::string operator()(const PanelHeader& header) const {
+        return joined(header.title, header.summary);
+    }
+    std::string operator()(const StatusRow& row) const { return joined(row.title, row.value); }
+    std::string operator()(const NoticeRow& row) const { return row.text; }
+    std::string operator()(const UsageBar& bar) const {
+        return joined(joined(bar.title, bar.detail), levelWord(bar.tint));
+    }
+    std::string operator()(const SectionHeader& header) const { return header.title; }
+    std::string operator()(const CaptionText& caption) const { return caption.text; }
+    std::string operator()(const InfoRow& row) const { return joined(row.label, row.value); }
+    std::string operator()(const NavigationButton& navigation) const {
+        return navigation.button.title;
+    }
+    std::string operator()(const TopAppsSection& section) const {
+        std::string text = section.title;
+        for (const ProcessRow& row : section.rows()) {
+            text = joined(text, row.process.name + " " + row.valueText(row.process));
+        }
+        return section.processes.empty() ? joined(text, TopAppsSection::kEmptyText) : text;
+    }
+    std::string operator()(const PanelDivider&) const { return {}; }
+    std::string operator()(const FooterRow&) const { return {}; }
+};
+
+}  // namespace
+
+std::string spokenText(const PanelBlock& block) {
+    return std::visit(Speaker{}, block);
+}
+
+}  // namespace tarnwick

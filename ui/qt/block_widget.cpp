@@ -1,0 +1,29 @@
+#include "ui/qt/block_widget.h"
+
+#include <QHelpEvent>
+#include <QToolTip>
+
+namespace tarnwick::qt {
+
+QString BlockWidget::cutTextAt(const QPoint&) const {
+    return {};
+}
+
+bool BlockWidget::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QWidget::event(event);
+    }
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const QString text = cutTextAt(help->pos());
+    if (text.isEmpty()) {
+        QToolTip::hideText();
+        event->ignore();
+    } else {
+        // Names may hold anything; none of it is markup.
+        QToolTip::showText(help->globalPos(),
+                           "<span>" + text.toHtmlEscaped().replace('\n', "<br>") + "</span>", this);
+    }
+    return true;
+}
+
+}  // namespace tarnwick::qt

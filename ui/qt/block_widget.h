@@ -1,0 +1,67 @@
+// A widget that draws one building block of a page from its value alone.
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <optional>
+#include <variant>
+
+#include "ui/panel/page.h"
+#include "ui/qt/theme.h"
+
+namespace tarnwick::qt {
+
+/// What a press asks for.
+using PressHandler = std::function<void(PanelAction)>;
+
+/// Keeps its height: whoever places it asks heightFor() after each change.
+class BlockWidget : public QWidget {
+    Q_OBJECT
+
+ public:
+    BlockWidget(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {}
+
+    /// Shows the block, painting again only when it differs from the one shown. False, changing
+    /// nothing, when it is of another kind.
+    virtual bool setBlock(const PanelBlock& block) = 0;
+    virtual int heightFor(int width) const = 0;
+
+ protected:
+    const Theme& theme() const { return theme_; }
+    /// The full text of what is cut at this point, for a tool tip.
+    virtual QString cutTextAt(const QPoint& position) const;
+    bool event(QEvent* event) override;
+
+ private:
+    const Theme& theme_;
+};
+
+/// Holds the value.
+template <class Value>
+class ValueBlockWidget : public BlockWidget {
+ public:
+    ValueBlockWidget(const Theme& theme, QWidget* parent) : BlockWidget(theme, parent) {}
+
+    bool setBlock(const PanelBlock& block) final {
+        const Value* value = std::get_if<Value>(&block);
+        if (value == nullptr) {
+            return false;
+        }
+        if (value_ != *value) {
+            value_ = *value;
+            valueChanged();
+            update();
+        }
+        return true;
+    }
+
+ protected:
+    /// Set from the first setBlock() on.
+    const Value& value() const { return *value_; }
+    virtual void valueChanged() {}
+
+ private:
+    std::optional<Value> value_;
+};
+
+}  // namespace tarnwick::qt

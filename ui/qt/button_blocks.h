@@ -1,0 +1,67 @@
+// The building blocks that hold buttons.
+#pragma once
+
+#include <vector>
+
+#include "ui/qt/block_widget.h"
+#include "ui/qt/button_widget.h"
+
+namespace tarnwick::qt {
+
+/// The title and icon buttons of the home page, and the summary, which takes a second line where
+/// one is too short.
+class PanelHeaderWidget final : public ValueBlockWidget<PanelHeader> {
+ public:
+    PanelHeaderWidget(const Theme& theme, PressHandler press, QWidget* parent);
+
+    int heightFor(int width) const override;
+
+ protected:
+    void valueChanged() override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    QString cutTextAt(const QPoint& position) const override;
+
+ private:
+    void placeButtons();
+    int titleRowHeight() const;
+    QStringList summaryLines(int width) const;
+
+    PressHandler press_;
+    std::vector<ButtonWidget*> buttons_;
+};
+
+class NavigationButtonWidget final : public ValueBlockWidget<NavigationButton> {
+ public:
+    NavigationButtonWidget(const Theme& theme, PressHandler press, QWidget* parent);
+
+    int heightFor(int width) const override;
+
+ protected:
+    void valueChanged() override;
+    void resizeEvent(QResizeEvent* event) override;
+
+ private:
+    PressHandler press_;
+    /// One.
+    std::vector<ButtonWidget*> buttons_;
+};
+
+class FooterRowWidget final : public ValueBlockWidget<FooterRow> {
+ public:
+    FooterRowWidget(const Theme& theme, PressHandler press, QWidget* parent);
+
+    int heightFor(int width) const override;
+
+ protected:
+    void valueChanged() override;
+    void resizeEvent(QResizeEvent* event) override;
+
+ private:
+    void placeButtons();
+
+    PressHandler press_;
+    std::vector<ButtonWidget*> buttons_;
+};
+
+}  // namespace tarnwick::qt

@@ -1,0 +1,157 @@
+#include "ui/qt/button_widget.h"
+
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QToolTip>
+#include <QtMath>
+#include <utility>
+
+#include "ui/panel/navigation_button.h"
+#include "ui/qt/grid.h"
+#include "ui/qt/symbols.h"
+
+namespace tarnwick::qt {
+
+namespace {
+
+/// A disabled button is drawn this opaque.
+constexpr qreal kDisabledOpacity = 0.45;
+
+const char* nameOf(PanelAction action) {
+    switch (action) {
+        case PanelAction::refresh:
+            return "button.refresh";
+        case PanelAction::showSettings:
+            return "button.showSettings";
+        case PanelAction::openActivityMonitor:
+            return "button.openActivityMonitor";
+        case PanelAction::quit:
+            return "button.quit";
+        case PanelAction::showMemoryDetail:
+            return "button.showMemoryDetail";
+        case PanelAction::showPerformanceDetail:
+            return "button.showPerformanceDetail";
+    }
+    return "";
+}
+
+}  // namespace
+
+ButtonWidget::ButtonWidget(ButtonKind kind, const PanelButton& button, const Theme& theme,
+                           PressHandler press, QWidget* parent)
+    : QAbstractButton(parent),
+      kind_(kind),
+      theme_(theme),
+      press_(std::move(press)),
+      button_(button) {
+    setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::TabFocus);
+    connect(this, &QAbstractButton::clicked, this, [this] { press_(button_.action); });
+    applyButton();
+}
+
+void ButtonWidget::setButton(const PanelButton& button) {
+    if (button_ != button) {
+        button_ = button;
+        applyButton();
+        update();
+    }
+}
+
+void ButtonWidget::applyButton() {
+    setObjectName(nameOf(button_.action));
+    setAccessibleName(QString::fromStdString(button_.title));
+    setEnabled(button_.isEnabled);
+}
+
+QSize ButtonWidget::sizeHint() const {
+    const int line = style().lineHeight();
+    const int width =
+        qCeil(style().width(QString::fromStdString(button_.title))) + 2 * grid::kButtonPaddingX;
+    switch (kind_) {
+        case ButtonKind::icon:
+            return {grid::kIconButtonSize, grid::kIconButtonSize};
+        case ButtonKind::title:
+            return {width, line + 2 * grid::kButtonPaddingY};
+        case ButtonKind::navigation:
+            break;
+    }
+    return {width + grid::kSymbolSize + grid::kSymbolGap, line + 2 * grid::kNavigationPaddingY};
+}
+
+int ButtonWidget::corner() const {
+    return kind_ == ButtonKind::navigation ? grid::kNavigationCorner : grid::kButtonCorner;
+}
+
+QColor ButtonWidget::ground() const {
+    if (isDown()) {
+        return theme_.color(ColorRole::controlPressed);
+    }
+    if (isEnabled() && underMouse()) {
+        return theme_.color(ColorRole::controlHovered);
+    }
+    return kind_ == ButtonKind::icon ? QColor(Qt::transparent) : theme_.color(ColorRole::control);
+}
+
+QColor ButtonWidget::foreground() const {
+    const bool isQuiet = kind_ == ButtonKind::icon && !(isEnabled() && underMouse());
+    return theme_.color(isQuiet ? ColorRole::secondaryText : ColorRole::text);
+}
+
+qreal ButtonWidget::titleRoom() const {
+    const int trailing = kind_ == ButtonKind::navigation ? grid::kSymbolSize + grid::kSymbolGap : 0;
+    return width() - 2 * grid::kButtonPaddingX - trailing;
+}
+
+void ButtonWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(ground());
+    painter.drawRoundedRect(rect(), corner(), corner());
+    painter.setOpacity(isEnabled() ? 1 : kDisabledOpacity);
+    const int symbolY = (height() - grid::kSymbolSize) / 2;
+    if (kind_ == ButtonKind::icon) {
+        paintSymbol(painter, button_.icon, foreground(),
+                    QPointF((width() - grid::kSymbolSize) / 2, symbolY), grid::kSymbolSize);
+        return;
+    }
+    const int baseline = (height() - style().lineHeight()) / 2 + style().ascent();
+    style().draw(painter, QPointF(grid::kButtonPaddingX, baseline),
+                 style().elided(QString::fromStdString(button_.title), titleRoom()), foreground());
+    if (kind_ == ButtonKind::navigation) {
+        paintSymbol(painter, NavigationButton::kTrailingIcon,
+                    theme_.color(ColorRole::secondaryText),
+                    QPointF(width() - grid::kButtonPaddingX - grid::kSymbolSize, symbolY),
+                    grid::kSymbolSize);
+    }
+}
+
+bool ButtonWidget::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) {
+        return QAbstractButton::event(event);
+    }
+    const QString title = QString::fromStdString(button_.title);
+    if (kind_ == ButtonKind::icon || style().width(title) > titleRoom()) {
+        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), title, this);
+    }
+    return true;
+}
+
+void ButtonWidget::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        click();
+        return;
+    }
+    QAbstractButton::keyPressEvent(event);
+}
+
+void ButtonWidget::focusInEvent(QFocusEvent* event) {
+    focusCameByKey_ = event->reason() == Qt::TabFocusReason ||
+                      event->reason() == Qt::BacktabFocusReason ||
+                      event->reason() == Qt::ShortcutFocusReason;
+    QAbstractButton::focusInEvent(event);
+}
+
+}  // namespace tarnwick::qt

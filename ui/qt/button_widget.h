@@ -1,0 +1,61 @@
+// Everything in the panel that can be pressed.
+#pragma once
+
+#include <QAbstractButton>
+
+#include "ui/panel/panel_button.h"
+#include "ui/qt/block_widget.h"
+#include "ui/qt/theme.h"
+
+namespace tarnwick::qt {
+
+/// How a button looks.
+enum class ButtonKind {
+    /// A symbol alone, with a ground only under the pointer.
+    icon,
+    /// Its title on a ground.
+    title,
+    /// As wide as the page, with the title at its leading and a symbol at its trailing end.
+    navigation,
+};
+
+/// Pressed by the pointer, the space bar or Return. Its object name is "button." and the action's
+/// name.
+class ButtonWidget final : public QAbstractButton {
+    Q_OBJECT
+
+ public:
+    ButtonWidget(ButtonKind kind, const PanelButton& button, const Theme& theme, PressHandler press,
+                 QWidget* parent);
+
+    /// Paints again only when the button differs from the one shown.
+    void setButton(const PanelButton& button);
+    /// The size that shows the whole title; of a navigation button the least width.
+    QSize sizeHint() const override;
+    /// Radius of its corners.
+    int corner() const;
+    /// It has the focus because of a key, so that the focus is to be seen.
+    bool showsFocus() const { return hasFocus() && focusCameByKey_; }
+
+ protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+
+ private:
+    void applyButton();
+    QColor ground() const;
+    QColor foreground() const;
+    const TextStyle& style() const { return theme_.style(FontRole::subheadline); }
+    /// Room for the title, logical pixels.
+    qreal titleRoom() const;
+
+    ButtonKind kind_;
+    const Theme& theme_;
+    PressHandler press_;
+    PanelButton button_;
+    bool focusCameByKey_ = false;
+};
+
+}  // namespace tarnwick::qt

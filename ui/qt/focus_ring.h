@@ -1,0 +1,34 @@
+// Marks the button that has the keyboard's focus.
+#pragma once
+
+#include <QWidget>
+
+#include "ui/qt/theme.h"
+
+namespace tarnwick::qt {
+
+class ButtonWidget;
+
+/// A ring around the focused button, outside of it, above its siblings. There only while the focus
+/// came by a key.
+class FocusRing final : public QWidget {
+    Q_OBJECT
+
+ public:
+    FocusRing(const Theme& theme, QWidget* parent);
+
+    /// Moves to where the focused button is now.
+    void follow();
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+
+ private:
+    /// The button of the parent that shows its focus; null without one.
+    const ButtonWidget* focusedButton() const;
+
+    const Theme& theme_;
+    int corner_ = 0;
+};
+
+}  // namespace tarnwick::qt

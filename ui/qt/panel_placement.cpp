@@ -1,0 +1,20 @@
+#include "ui/qt/panel_placement.h"
+
+#include <algorithm>
+
+namespace tarnwick::qt {
+
+QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& screen,
+                     const QRect& available) {
+    const bool opensUpwards = anchor.center().y() > screen.center().y();
+    const int x = anchor.center().x() - panel.width() / 2;
+    const int y = opensUpwards ? anchor.top() - kPanelGap - panel.height()
+                               : anchor.top() + anchor.height() + kPanelGap;
+    const int lastX = available.left() + available.width() - panel.width();
+    const int lastY = available.top() + available.height() - panel.height();
+    return {QPoint(std::max(available.left(), std::min(x, lastX)),
+                   std::max(available.top(), std::min(y, lastY))),
+            panel};
+}
+
+}  // namespace tarnwick::qt

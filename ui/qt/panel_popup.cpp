@@ -1,0 +1,127 @@
+#include "ui/qt/panel_popup.h"
+
+#include <QBitmap>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QScreen>
+#include <utility>
+
+#include "ui/qt/grid.h"
+#include "ui/qt/panel_placement.h"
+#include "ui/qt/shadow.h"
+
+namespace tarnwick::qt {
+
+namespace {
+
+/// A Wayland pop-up needs a window of the program to belong to; the panel has none there and is a
+/// small window that goes when another one becomes active.
+Qt::WindowFlags windowKind() {
+    return (QGuiApplication::platformName().startsWith("wayland") ? Qt::Window : Qt::Popup) |
+           Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+}
+
+const QScreen* screenOf(const QRect& anchor) {
+    const QScreen* screen = QGuiApplication::screenAt(anchor.center());
+    return screen != nullptr ? screen : QGuiApplication::primaryScreen();
+}
+
+/// The shape of the panel for a window that cannot be translucent.
+QBitmap roundedMask(const QSize& size) {
+    QBitmap mask(size);
+    mask.clear();
+    QPainter painter(&mask);
+    painter.setBrush(Qt::color1);
+    painter.setPen(Qt::NoPen);
+    painter.drawRoundedRect(QRect(QPoint(), size), grid::kPanelCorner, grid::kPanelCorner);
+    return mask;
+}
+
+}  // namespace
+
+PanelPopup::PanelPopup(const Theme& theme, const Page& page, PressHandler press, bool isTranslucent)
+    : QWidget(nullptr, windowKind()),
+      theme_(theme),
+      isTranslucent_(isTranslucent),
+      view_(new PanelView(theme, std::move(press), this)) {
+    setObjectName("panel");
+    setWindowTitle("Tarnwick");
+    setAccessibleName("Tarnwick");
+    setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
+    setFocusPolicy(Qt::NoFocus);
+    const int margin = isTranslucent ? kShadowMargin : 0;
+    view_->move(margin, margin);
+    view_->setPage(page);
+    connect(view_, &PanelView::heightChanged, this, &PanelPopup::place);
+}
+
+void PanelPopup::popUp(const QRect& anchor) {
+    anchor_ = anchor;
+    place();
+    show();
+    activateWindow();
+}
+
+void PanelPopup::place() {
+    const int margin = view_->x();
+    const QScreen* screen = screenOf(anchor_);
+    const QRect panel =
+        panelPlacement(view_->size(), anchor_, screen->geometry(), screen->availableGeometry());
+    const QRect window = panel.adjusted(-margin, -margin, margin, margin);
+    setFixedSize(window.size());
+    move(window.topLeft());
+    if (!isTranslucent_) {
+        setMask(roundedMask(window.size()));
+    }
+    update();
+}
+
+void PanelPopup::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isTranslucent_) {
+        paintShadow(painter, panelRect(), grid::kPanelCorner, theme_.isDark());
+    }
+    constexpr qreal half = grid::kHairline / 2.0;
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(theme_.color(ColorRole::panel));
+    painter.drawRoundedRect(panelRect(), grid::kPanelCorner, grid::kPanelCorner);
+    painter.setPen(QPen(theme_.color(ColorRole::hairline), grid::kHairline));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(panelRect()).adjusted(half, half, -half, -half),
+                            grid::kPanelCorner - half, grid::kPanelCorner - half);
+}
+
+void PanelPopup::keyPressEvent(QKeyEvent* event) {
+    if (event->matches(QKeySequence::Cancel)) {
+        hide();
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}
+
+void PanelPopup::mousePressEvent(QMouseEvent* event) {
+    if (!panelRect().contains(event->position().toPoint())) {
+        wasDismissedByPress_ = true;
+        hide();
+    }
+}
+
+bool PanelPopup::event(QEvent* event) {
+    if (event->type() == QEvent::WindowDeactivate && windowType() != Qt::Popup) {
+        wasDismissedByPress_ = true;
+        hide();
+    }
+    return QWidget::event(event);
+}
+
+void PanelPopup::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    if (!event->spontaneous()) {
+        emit hidden();
+    }
+}
+
+}  // namespace tarnwick::qt

@@ -1,0 +1,50 @@
+// The panel while it is on screen.
+#pragma once
+
+#include <QWidget>
+#include <functional>
+
+#include "ui/panel/page.h"
+#include "ui/qt/panel_view.h"
+#include "ui/qt/theme.h"
+
+namespace tarnwick::qt {
+
+/// A borderless window around a page. Where windows can be translucent it has smooth corners and a
+/// shadow, else it is cut to shape. Escape and a press outside hide it.
+class PanelPopup final : public QWidget {
+    Q_OBJECT
+
+ public:
+    PanelPopup(const Theme& theme, const Page& page, PressHandler press, bool isTranslucent);
+
+    void setPage(const Page& page) { view_->setPage(page); }
+    /// Shows the panel beside `anchor` (screen coordinates), where it stays also when its height
+    /// changes.
+    void popUp(const QRect& anchor);
+    /// A press outside is what hid it.
+    bool wasDismissedByPress() const { return wasDismissedByPress_; }
+
+ signals:
+    void hidden();
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+    bool event(QEvent* event) override;
+
+ private:
+    /// The panel's ground in the window's coordinates.
+    QRect panelRect() const { return view_->geometry(); }
+    void place();
+
+    const Theme& theme_;
+    bool isTranslucent_;
+    PanelView* view_;
+    QRect anchor_;
+    bool wasDismissedByPress_ = false;
+};
+
+}  // namespace tarnwick::qt

@@ -1,0 +1,66 @@
+#include "ui/qt/panel_window.h"
+
+#include <utility>
+
+#include "ui/qt/compositor.h"
+#include "ui/qt/panel_popup.h"
+
+namespace tarnwick::qt {
+
+PanelWindow::PanelWindow(MenuBarView& view, const Theme& theme, const platform::Dispatch& dispatch)
+    : view_(view), theme_(theme), dispatch_(dispatch) {
+    view_.setPageObserver([this](const Page& page) {
+        if (popup_ != nullptr) {
+            popup_->setPage(page);
+        }
+    });
+}
+
+PanelWindow::~PanelWindow() {
+    view_.setPageObserver(nullptr);
+    if (popup_ != nullptr) {
+        popup_->disconnect(this);
+        view_.disappear();
+        delete popup_;
+    }
+}
+
+void PanelWindow::open(const QRect& anchor) {
+    if (isOpen()) {
+        return;
+    }
+    view_.appear();
+    popup_ = new PanelPopup(
+        theme_, view_.page(), [this](PanelAction action) { view_.perform(action); },
+        hasCompositor());
+    connect(popup_, &PanelPopup::hidden, this, &PanelWindow::popupHidden);
+    popup_->popUp(anchor);
+}
+
+void PanelWindow::close() {
+    if (popup_ != nullptr) {
+        popup_->hide();
+    }
+}
+
+void PanelWindow::toggle(const QRect& anchor) {
+    const bool isSameClick =
+        dismissedAt_ >= 0 && dispatch_.now() - dismissedAt_ < kSameClickInterval;
+    dismissedAt_ = -1;
+    if (isOpen()) {
+        close();
+    } else if (!isSameClick) {
+        open(anchor);
+    }
+}
+
+// The pop-up is still running one of its own events.
+void PanelWindow::popupHidden() {
+    PanelPopup* popup = popup_;
+    popup_ = nullptr;
+    dismissedAt_ = popup->wasDismissedByPress() ? dispatch_.now() : -1;
+    popup->deleteLater();
+    view_.disappear();
+}
+
+}  // namespace tarnwick::qt

@@ -1,0 +1,50 @@
+// Opens and closes the panel.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QRect>
+
+#include "platform/dispatch.h"
+#include "ui/panel/menu_bar_view.h"
+#include "ui/qt/theme.h"
+
+namespace tarnwick::qt {
+
+class PanelPopup;
+
+/// The widgets are built when the panel opens and freed when it closes; in between the view knows
+/// that it is visible. Main thread.
+class PanelWindow final : public QObject {
+    Q_OBJECT
+
+ public:
+    /// All outlive the window.
+    PanelWindow(MenuBarView& view, const Theme& theme, const platform::Dispatch& dispatch);
+    ~PanelWindow() override;
+
+    bool isOpen() const { return popup_ != nullptr; }
+    /// Opens beside `anchor`, the status item's place on the screen; a rectangle of one pixel where
+    /// only a point is known. Does nothing while open.
+    void open(const QRect& anchor);
+    void close();
+    /// What a click on the status item does. Where that same click has just dismissed the panel
+    /// because it lay outside, the panel stays closed.
+    void toggle(const QRect& anchor);
+
+    /// Seconds within which a click and the dismissal that it caused belong together.
+    static constexpr double kSameClickInterval = 0.3;
+
+ private:
+    void popupHidden();
+
+    MenuBarView& view_;
+    const Theme& theme_;
+    const platform::Dispatch& dispatch_;
+    QPointer<PanelPopup> popup_;
+    /// When a press outside closed the panel last, in seconds of the dispatch's clock; negative
+    /// when something else did.
+    double dismissedAt_ = -1;
+};
+
+}  // namespace tarnwick::qt

@@ -1,0 +1,51 @@
+// Rows of the panel: a symbol, a text at the left and a text at the right, on one baseline.
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <optional>
+#include <string>
+
+#include "ui/panel/page.h"
+#include "ui/qt/theme.h"
+
+class QPainter;
+
+namespace tarnwick::qt {
+
+struct RowText {
+    QString text;
+    FontRole font = FontRole::caption;
+    ColorRole colour = ColorRole::secondaryText;
+};
+
+struct RowContent {
+    struct Symbol {
+        std::string name;
+        QColor colour;
+        /// Logical pixels; a smaller symbol stands in the middle of the same room.
+        int size;
+    };
+
+    std::optional<Symbol> symbol;
+    RowText leading;
+    /// Empty text: the leading text has the whole row.
+    RowText trailing;
+};
+
+RowContent rowContent(const StatusRow& row, const Theme& theme);
+RowContent rowContent(const NoticeRow& row, const Theme& theme);
+RowContent rowContent(const UsageBar& bar, const Theme& theme);
+RowContent rowContent(const SectionHeader& header, const Theme& theme);
+RowContent rowContent(const CaptionText& caption, const Theme& theme);
+RowContent rowContent(const InfoRow& row, const Theme& theme);
+RowContent rowContent(const ProcessRow& row, const Theme& theme);
+
+int rowHeight(const RowContent& row, const Theme& theme);
+/// Texts that do not fit are cut at the end: the trailing one only when it alone would take most of
+/// the row.
+void paintRow(QPainter& painter, const RowContent& row, const Theme& theme, const QRect& rect);
+/// The full text of what a row of that width cuts, for a tool tip; empty when it cuts nothing.
+QString cutText(const RowContent& row, const Theme& theme, int width);
+
+}  // namespace tarnwick::qt

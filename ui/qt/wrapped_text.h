@@ -1,0 +1,14 @@
+// Sentences on a few lines.
+#pragma once
+
+#include <QStringList>
+
+#include "ui/qt/text_style.h"
+
+namespace tarnwick::qt {
+
+/// The text broken at spaces into at most `lines` lines of that width in logical pixels; what does
+/// not fit is cut at the end of the last one. Always at least one line.
+QStringList wrapped(const QString& text, const TextStyle& style, qreal width, int lines);
+
+}  // namespace tarnwick::qt
