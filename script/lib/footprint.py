@@ -1,0 +1,126 @@
+"""Measures what the program costs beside a bare tray program: started by script/footprint."""
+
+import argparse
+import dataclasses
+import sys
+import time
+
+from private_desktop import PrivateDesktop, Program, Timeout
+from private_desktop import usage
+from private_desktop.processes import end_on_signals
+
+_RESIDENT_LIMIT = 1.15
+_HIDDEN_SWITCHES_LIMIT = 0.5
+_HIDDEN_PERCENT_LIMIT = 0.02
+_OPEN_PERCENT_LIMIT = 0.5
+# What a start leaves behind has died down by then.
+_SETTLE = 5.0
+
+
+@dataclasses.dataclass
+class Costs:
+    before: usage.Memory = None
+    open: usage.Memory = None
+    after: usage.Memory = None
+    hidden_rates: usage.Rates = None
+    open_rates: usage.Rates = None
+
+
+def started(program):
+    """The program, running and hidden, with its first start already behind it."""
+    program.start()
+    program.wait_for_item()
+    time.sleep(_SETTLE)
+    program.end()
+    program.start()
+    program.wait_for_item()
+    time.sleep(_SETTLE)
+    if program.panel() is not None:
+        raise Timeout("the panel is open without a click")
+    return program
+
+
+def measure(program, costs, seconds):
+    """The costs of one program with its panel open, and after that."""
+    program.open_panel()
+    program.desktop.screen.move_pointer(program.desktop.nowhere)
+    before = usage.activity(program.pid)
+    time.sleep(seconds)
+    costs.open_rates = usage.rates(before, usage.activity(program.pid), seconds)
+    if program.panel_picture() is None:
+        raise Timeout("the panel did not stay open")
+    costs.open = usage.memory(program.pid)
+    program.close_panel()
+    time.sleep(_SETTLE)
+    costs.after = usage.memory(program.pid)
+
+
+def line(name, floor, value, unit, limit, ratio_limit):
+    """One row of the table; a limit holds for the value itself or for its ratio to the floor."""
+    ratio = f"{value / floor:.2f}" if floor else "-"
+    if ratio_limit is not None:
+        verdict = "within" if value <= ratio_limit * floor else "OVER"
+        budget = f"<= {ratio_limit:g} x"
+    elif limit is not None:
+        verdict = "within" if value <= limit else "OVER"
+        budget = f"<= {limit:g} {unit}"
+    else:
+        verdict = budget = ""
+    return f"{name:<34}{floor:>10.4g}{value:>10.4g} {unit:<4}{ratio:>7}   {budget:<11} {verdict}"
+
+
+def report(floor, own):
+    def megabytes(name, state, kind, ratio_limit=None):
+        values = [getattr(getattr(each, state), kind) / 1024 for each in (floor, own)]
+        return line(name, *values, "MB", None, ratio_limit)
+
+    def rate(name, state, kind, unit, limit=None):
+        values = [getattr(getattr(each, state), kind) for each in (floor, own)]
+        return line(name, *values, unit, limit, None)
+
+    print(f"{'':<34}{'bare tray':>10}{'Tarnwick':>10} {'':<4}{'ratio':>7}   budget")
+    print(megabytes("resident, panel never opened", "before", "resident", _RESIDENT_LIMIT))
+    print(megabytes("resident, panel open", "open", "resident"))
+    print(megabytes("resident, after closing", "after", "resident", _RESIDENT_LIMIT))
+    print(megabytes("anonymous, panel never opened", "before", "anonymous"))
+    print(megabytes("anonymous, panel open", "open", "anonymous"))
+    print(megabytes("anonymous, after closing", "after", "anonymous"))
+    print(rate("context switches, hidden", "hidden_rates", "switches_per_second", "/s",
+               _HIDDEN_SWITCHES_LIMIT))
+    print(rate("context switches, panel open", "open_rates", "switches_per_second", "/s"))
+    print(rate("processor time, hidden", "hidden_rates", "processor_percent", "%",
+               _HIDDEN_PERCENT_LIMIT))
+    print(rate("processor time, panel open", "open_rates", "processor_percent", "%",
+               _OPEN_PERCENT_LIMIT))
+    for name, each in (("bare tray", floor), ("Tarnwick", own)):
+        if not (each.hidden_rates.whole and each.open_rates.whole):
+            print(f"A thread of {name} ended meanwhile: its switches and times are too low.")
+
+
+def main():
+    parser = argparse.ArgumentParser(prog="script/footprint", description=__doc__)
+    parser.add_argument("--program", required=True, help=argparse.SUPPRESS)
+    parser.add_argument("--floor", required=True, help=argparse.SUPPRESS)
+    parser.add_argument("--seconds", type=float, default=60,
+                        help="how long to look at each state (60)")
+    arguments = parser.parse_args()
+    end_on_signals()
+    try:
+        with PrivateDesktop() as desktop:
+            programs = [started(Program(desktop, [path], name)) for path, name in
+                        ((arguments.floor, "bare_tray"), (arguments.program, "tarnwick"))]
+            costs = [Costs(before=usage.memory(program.pid)) for program in programs]
+            before = [usage.activity(program.pid) for program in programs]
+            time.sleep(arguments.seconds)
+            for each, program, start in zip(costs, programs, before):
+                each.hidden_rates = usage.rates(
+                    start, usage.activity(program.pid), arguments.seconds)
+                each.before = usage.memory(program.pid)
+            for each, program in zip(costs, programs):
+                measure(program, each, arguments.seconds)
+    except (OSError, RuntimeError, Timeout) as problem:
+        sys.exit(f"footprint: {problem}")
+    report(*costs)
+
+
+main()

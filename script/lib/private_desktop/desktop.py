@@ -1,0 +1,208 @@
+"""The private desktop as a whole."""
+
+import os
+import shutil
+import tempfile
+
+from . import hosts
+from .processes import Processes
+from .screen import Screen
+from .session_bus import SessionBus, Settings
+from .wait import until
+
+_SIZE = (1280, 800)
+_LIGHT_BACKGROUND = ((0x8F, 0xA5, 0xBE), (0x5F, 0x72, 0x8C))
+_DARK_BACKGROUND = ((0x2E, 0x38, 0x46), (0x1C, 0x22, 0x2C))
+
+_FONT = "Inter 11"
+# Inter stands for whatever the desktop calls its own font, at the usual size.
+_FONTS = """\
+<?xml version="1.0"?>
+<!DOCTYPE fontconfig SYSTEM "urn:fontconfig:fonts.dtd">
+<fontconfig>
+  <dir>/usr/share/fonts</dir>
+  <cachedir>{cache}</cachedir>
+  <include ignore_missing="yes">/etc/fonts/conf.d</include>
+  <match target="pattern">
+    <test qual="any" name="family" compare="contains"><string>Sans</string></test>
+    <edit name="family" mode="prepend" binding="strong"><string>Inter</string></edit>
+  </match>
+  <match target="pattern">
+    <test qual="any" name="family"><string>sans-serif</string></test>
+    <edit name="family" mode="prepend" binding="strong"><string>Inter</string></edit>
+  </match>
+</fontconfig>
+"""
+_GTK = """\
+[Settings]
+gtk-font-name=Sans 11
+gtk-application-prefer-dark-theme={dark}
+"""
+# Only what the hosts cannot do without is started on demand: nothing else of the machine's
+# services may wake up on this bus.
+_BUS = """\
+<!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
+ "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
+<busconfig>
+  <type>session</type>
+  <listen>unix:path={socket}</listen>
+  <auth>EXTERNAL</auth>
+  <servicedir>{services}</servicedir>
+  <policy context="default">
+    <allow send_destination="*" eavesdrop="true"/>
+    <allow eavesdrop="true"/>
+    <allow own="*"/>
+  </policy>
+</busconfig>
+"""
+_SERVICES = ("/usr/share/dbus-1/services/org.xfce.Xfconf.service",)
+
+
+class PrivateDesktop:
+    """Display, session bus, window manager, tray host and home folder; a context manager.
+
+    `host` names a tray host or is None, `bus` tells whether there is a session bus at all.
+    Everything is twice as large with a `scale` of 2.
+    """
+
+    def __init__(self, host="xfce4-panel", scale=1, dark=False, bus=True):
+        self.scale = scale
+        self.dark = dark
+        self._host_name = host
+        self._has_bus = bus
+        self._host = None
+        self._host_process = None
+        self.screen = None
+        self.bus = None
+        self.settings = None
+
+    def __enter__(self):
+        self.folder = tempfile.mkdtemp(prefix="tarnwick-desktop-")
+        try:
+            self._open()
+        except BaseException:
+            self.__exit__()
+            raise
+        return self
+
+    def __exit__(self, *_):
+        for each in (self.settings, self.bus, self.screen):
+            if each is not None:
+                try:
+                    each.close()
+                except Exception:  # The other end may be gone already.
+                    pass
+        processes = getattr(self, "processes", None)
+        if processes is not None:
+            processes.end_all()
+        shutil.rmtree(self.folder, ignore_errors=True)
+
+    def path(self, name):
+        """A file or folder of this desktop's own temporary folder."""
+        return os.path.join(self.folder, name)
+
+    def log(self, name):
+        """What a process has printed so far."""
+        with open(self.path("log/" + name), encoding="utf-8", errors="replace") as file:
+            return file.read()
+
+    @property
+    def nowhere(self):
+        """A place of the screen where no window is."""
+        width, height = self.screen.size
+        return width // 2, height - 2
+
+    def _open(self):
+        for name in ("home", "runtime", "log", "tmp", "services"):
+            os.mkdir(self.path(name), 0o700)
+        self.processes = Processes(self.path("log"))
+        self.env = {
+            "PATH": "/usr/local/bin:/usr/bin:/bin",
+            "LANG": "C.UTF-8",
+            "HOME": self.path("home"),
+            "XDG_RUNTIME_DIR": self.path("runtime"),
+            "TMPDIR": self.path("tmp"),
+            "FONTCONFIG_FILE": self.path("fonts.conf"),
+            # No accessibility bus, settings daemon or virtual file system comes along.
+            "NO_AT_BRIDGE": "1",
+            "GSETTINGS_BACKEND": "memory",
+            "GIO_USE_VFS": "local",
+        }
+        if "TZ" in os.environ:
+            self.env["TZ"] = os.environ["TZ"]
+        self._write("fonts.conf", _FONTS.format(cache=self.path("tmp/fontconfig")))
+        config = self.path("home/.config")
+        os.makedirs(config + "/gtk-3.0")
+        self._write("home/.config/gtk-3.0/settings.ini", _GTK.format(dark=int(self.dark)))
+        self._start_display()
+        if self._has_bus:
+            self._start_bus()
+        if self.scale != 1:
+            self.env["QT_SCALE_FACTOR"] = str(self.scale)
+        self._start_window_manager()
+        if self._host_name is not None:
+            self.start_host(self._host_name)
+
+    def _write(self, name, text):
+        with open(self.path(name), "w", encoding="utf-8") as file:
+            file.write(text)
+
+    def _start_display(self):
+        width, height = (side * self.scale for side in _SIZE)
+        reader, writer = os.pipe()
+        self.processes.start(
+            ["Xvfb", "-displayfd", str(writer), "-screen", "0", f"{width}x{height}x24",
+             "-nolisten", "tcp", "-noreset", "-dpi", "96"],
+            {"PATH": self.env["PATH"]}, "xvfb", pass_fds=[writer])
+        os.close(writer)
+        with open(reader, encoding="ascii") as file:
+            number = file.readline().strip()
+        if not number:
+            raise RuntimeError("Xvfb did not start: " + self.log("xvfb").strip())
+        self.env["DISPLAY"] = ":" + number
+        self.screen = Screen(self.env["DISPLAY"])
+        self.screen.paint_background(*(_DARK_BACKGROUND if self.dark else _LIGHT_BACKGROUND))
+        self.screen.move_pointer(self.nowhere)
+
+    def _start_bus(self):
+        for service in _SERVICES:
+            if os.path.exists(service):
+                os.symlink(service, self.path("services/" + os.path.basename(service)))
+        socket = self.path("runtime/bus")
+        self._write("bus.conf", _BUS.format(socket=socket, services=self.path("services")))
+        address = "unix:path=" + socket
+        self.env["DBUS_SESSION_BUS_ADDRESS"] = address
+        self.processes.start(
+            ["dbus-daemon", "--nofork", "--nopidfile", "--nosyslog",
+             "--config-file=" + self.path("bus.conf")], self.env, "bus")
+        until(lambda: os.path.exists(socket), "the session bus listens")
+        self.bus = SessionBus(address)
+        self.settings = Settings(address, self.dark, _FONT)
+
+    def _start_window_manager(self):
+        self.processes.start(["xfwm4", "--compositor=on", "--vblank=off"], self.env, "xfwm4")
+        until(self.screen.window_manager_runs, "the window manager runs")
+
+    def start_host(self, name):
+        """Starts a tray host and waits until it takes items."""
+        self._host = hosts.configure(name, self.path("home/.config"), self.scale, self.dark)
+        env = dict(self.env)
+        if self.scale != 1:
+            env["GDK_SCALE"] = str(self.scale)
+        self._host_process = self.processes.start(self._host.argv, env, name)
+        until(self._host_is_ready, f"{name} shows a tray")
+
+    def _host_is_ready(self):
+        if self._host_process.poll() is not None:
+            raise RuntimeError("the tray host ended: " + self.log(self._host.argv[0]).strip())
+        if self._host.watches:
+            return self.bus.has_watcher() and self.host_windows()
+        return self.screen.tray_owner()
+
+    def kill_host(self):
+        """Ends the tray host without a chance to say good-bye."""
+        self._host_process.kill()
+        self._host_process.wait()
+
+    def host_windows(self):
+        return self.screen.windows(self._host_process.pid)

@@ -1,0 +1,128 @@
+"""Programs that show a tray, each with the configuration that makes it show nothing else much."""
+
+import dataclasses
+import os
+
+
+@dataclasses.dataclass(frozen=True)
+class Host:
+    """One tray host, ready to start."""
+
+    argv: tuple
+    # It watches for StatusNotifierItems; otherwise it is an XEmbed tray.
+    watches: bool
+
+
+def _write(path, text):
+    os.makedirs(os.path.dirname(path), exist_ok=True)
+    with open(path, "w", encoding="utf-8") as file:
+        file.write(text)
+
+
+def _xfce4_panel(config, scale, dark):
+    del scale
+    _write(os.path.join(config, "xfce4/xfconf/xfce-perchannel-xml/xfce4-panel.xml"), f"""\
+<?xml version="1.0" encoding="UTF-8"?>
+<channel name="xfce4-panel" version="1.0">
+  <property name="configver" type="int" value="2"/>
+  <property name="panels" type="array">
+    <value type="int" value="1"/>
+    <property name="dark-mode" type="bool" value="{str(dark).lower()}"/>
+    <property name="panel-1" type="empty">
+      <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="position-locked" type="bool" value="true"/>
+      <property name="length" type="double" value="100"/>
+      <property name="size" type="uint" value="30"/>
+      <property name="icon-size" type="uint" value="0"/>
+      <property name="plugin-ids" type="array">
+        <value type="int" value="1"/>
+        <value type="int" value="2"/>
+        <value type="int" value="3"/>
+        <value type="int" value="4"/>
+      </property>
+    </property>
+  </property>
+  <property name="plugins" type="empty">
+    <property name="plugin-1" type="string" value="separator">
+      <property name="expand" type="bool" value="true"/>
+      <property name="style" type="uint" value="0"/>
+    </property>
+    <property name="plugin-2" type="string" value="systray">
+      <property name="square-icons" type="bool" value="true"/>
+    </property>
+    <property name="plugin-3" type="string" value="clock">
+      <property name="mode" type="uint" value="2"/>
+      <property name="digital-layout" type="uint" value="3"/>
+    </property>
+    <property name="plugin-4" type="string" value="separator">
+      <property name="style" type="uint" value="0"/>
+    </property>
+  </property>
+</channel>
+""")
+    return Host(("xfce4-panel", "--disable-wm-check"), True)
+
+
+def _lxqt_panel(config, scale, dark):
+    del dark
+    _write(os.path.join(config, "lxqt/panel.conf"), f"""\
+panels=panel1
+
+[panel1]
+alignment=-1
+iconSize={22 * scale}
+panelSize={32 * scale}
+plugins=spacer, statusnotifier, tray
+position=Top
+width=100
+width-percent=true
+
+[spacer]
+expandable=true
+type=spacer
+
+[statusnotifier]
+type=statusnotifier
+
+[tray]
+type=tray
+""")
+    return Host(("lxqt-panel",), True)
+
+
+def _tint2(config, scale, dark):
+    del dark
+    path = os.path.join(config, "tint2/tint2rc")
+    _write(path, f"""\
+rounded = 0
+border_width = 0
+background_color = #3a3a3e 100
+panel_items = S
+panel_position = top right horizontal
+panel_size = 20% {32 * scale}
+panel_background_id = 1
+systray_padding = 8 4 4
+systray_icon_size = {22 * scale}
+""")
+    return Host(("tint2", "-c", path), False)
+
+
+def _trayer(config, scale, dark):
+    del config, dark
+    height = str(32 * scale)
+    return Host(("trayer", "--edge", "top", "--align", "right", "--widthtype", "request",
+                 "--heighttype", "pixel", "--height", height), False)
+
+
+_HOSTS = {
+    "xfce4-panel": _xfce4_panel,
+    "lxqt-panel": _lxqt_panel,
+    "tint2": _tint2,
+    "trayer": _trayer,
+}
+WATCHING = ("xfce4-panel", "lxqt-panel")
+
+
+def configure(name, config, scale, dark):
+    """Writes the configuration of a host below `config` and tells how to start it."""
+    return _HOSTS[name](config, scale, dark)

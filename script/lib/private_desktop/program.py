@@ -1,0 +1,137 @@
+"""One program with a status item and a panel, on a private desktop."""
+
+import signal
+
+from .wait import Timeout, stays, until
+
+# Width of the panel at a scale of 1.
+PANEL_WIDTH = 320
+# A colour counts as the icon's own from this distance between its strongest and weakest part.
+_SATURATED = 70
+# Pixels of the icon that must be seen: an icon of 16 pixels has some hundred.
+_FEWEST_PIXELS = 20
+
+
+class Program:
+    def __init__(self, desktop, argv, log="program"):
+        self.desktop = desktop
+        self._argv = list(argv)
+        self._log = log
+        self.process = None
+
+    @property
+    def pid(self):
+        return self.process.pid
+
+    def start(self, **changes):
+        """Starts the program; `changes` to its environment, None takes a variable out."""
+        env = {name: value for name, value in {**self.desktop.env, **changes}.items()
+               if value is not None}
+        self.process = self.desktop.processes.start(self._argv, env, self._log)
+        return self
+
+    def runs(self):
+        return self.process.poll() is None
+
+    def output(self):
+        """What the program has printed since its first start."""
+        return self.desktop.log(self._log)
+
+    def end(self, number=signal.SIGTERM):
+        """Ends the program with a signal; its exit status."""
+        return self.desktop.processes.end(self.process, number, patience=20)
+
+    def wait_for_item(self):
+        """The registered item, once the host lists it."""
+
+        def registered():
+            if not self.runs():
+                raise Timeout(f"the program ended with status {self.process.returncode}: "
+                              + self.output().strip())
+            return self.desktop.bus.item_of(self.pid)
+
+        return until(registered, "the item is registered")
+
+    def _windows(self):
+        return self.desktop.screen.windows(self.pid)
+
+    def panel(self):
+        """The open panel, or None."""
+        width = PANEL_WIDTH * self.desktop.scale
+        return next((window for window in self._windows()
+                     if window.top_level and window.width == width), None)
+
+    def docked_window(self):
+        """The item's window within an XEmbed tray, or None."""
+        return next((window for window in self._windows() if not window.top_level), None)
+
+    def item_place(self):
+        """Where the item can be clicked, or None while it is not on the screen."""
+        docked = self.docked_window()
+        if docked is not None:
+            return docked.centre
+        item = self.desktop.bus.item_of(self.pid) if self.desktop.bus else None
+        colour = item and self._icon_colour(item)
+        if not colour:
+            return None
+        for window in self.desktop.host_windows():
+            place = _middle_of(self.desktop.screen.picture(window.box), colour)
+            if place is not None:
+                return max(window.x, 0) + place[0], max(window.y, 0) + place[1]
+        return None
+
+    def _icon_colour(self, item):
+        """The colour that the item's picture has most of, greys aside."""
+        pictures = self.desktop.bus.item_property(item, "IconPixmap")
+        counts = {}
+        for _width, _height, pixels in pictures or []:
+            data = bytes(pixels)
+            for at in range(0, len(data), 4):
+                alpha, *colour = data[at:at + 4]
+                if alpha == 0xFF and max(colour) - min(colour) >= _SATURATED:
+                    counts[tuple(colour)] = counts.get(tuple(colour), 0) + 1
+        return max(counts, key=counts.get) if counts else None
+
+    def open_panel(self):
+        """Opens the panel by a click on the item; the panel. An open one is closed first."""
+        if not stays(lambda: self.panel() is None, 0.3):
+            self.close_panel()
+        self.click_item()
+        return until(self.panel, "the panel opens after a click on the item")
+
+    def close_panel(self):
+        """Closes the panel by a click where nothing is."""
+        self.desktop.screen.click(self.desktop.nowhere)
+        until(lambda: self.panel() is None, "the panel closes after a click outside")
+
+    def click_item(self, button=1):
+        place = until(self.item_place, "the item is on the screen")
+        self.desktop.screen.click(place, button)
+
+    def panel_picture(self):
+        """What the screen shows of the panel, or None when it is closed or empty."""
+        panel = self.panel()
+        if panel is None:
+            return None
+        picture = self.desktop.screen.picture(panel.box)
+        return picture if is_drawn(picture) else None
+
+
+def is_drawn(picture):
+    """Whether something is on a picture: one even colour or a few are nothing."""
+    colours = picture.getcolors(picture.width * picture.height)
+    ground = max(count for count, _ in colours)
+    return len(colours) >= 32 and ground < 0.99 * picture.width * picture.height
+
+
+def _middle_of(picture, colour):
+    """The middle of what has about this colour, or None when too little of it is there."""
+    near = 48
+    pixels = picture.load()
+    places = [(x, y) for y in range(picture.height) for x in range(picture.width)
+              if max(abs(a - b) for a, b in zip(pixels[x, y], colour)) <= near]
+    if len(places) < _FEWEST_PIXELS:
+        return None
+    columns = sorted(x for x, _ in places)
+    rows = sorted(y for _, y in places)
+    return columns[len(columns) // 2], rows[len(rows) // 2]

@@ -1,0 +1,161 @@
+"""The X display: its windows, a pointer and a keyboard, pictures of what is on it."""
+
+import dataclasses
+
+from PIL import Image
+from Xlib import X, XK, Xatom, display, error
+from Xlib.ext import res, xtest
+
+_GONE = (error.BadWindow, error.BadDrawable, error.BadMatch, error.BadAccess)
+
+
+@dataclasses.dataclass(frozen=True)
+class Window:
+    """A window that can be seen, in pixels of the whole screen."""
+
+    id: int
+    x: int
+    y: int
+    width: int
+    height: int
+    pid: int
+    # Directly below the root or the window manager's frame: not a part of another program.
+    top_level: bool
+
+    @property
+    def centre(self):
+        return self.x + self.width // 2, self.y + self.height // 2
+
+    @property
+    def box(self):
+        return self.x, self.y, self.x + self.width, self.y + self.height
+
+
+class Screen:
+    def __init__(self, name):
+        self._display = display.Display(name)
+        self._root = self._display.screen().root
+        self._background = None
+
+    def close(self):
+        self._display.close()
+
+    @property
+    def size(self):
+        geometry = self._root.get_geometry()
+        return geometry.width, geometry.height
+
+    def paint_background(self, top, bottom):
+        """A calm gradient from the colour `top` to `bottom`, as (red, green, blue)."""
+        width, height = self.size
+        column = Image.new("RGB", (1, height))
+        for y in range(height):
+            share = y / height
+            column.putpixel((0, y), tuple(
+                round(a + (b - a) * share) for a, b in zip(top, bottom)))
+        pixmap = self._root.create_pixmap(width, height, self._display.screen().root_depth)
+        pixmap.put_pil_image(pixmap.create_gc(), 0, 0, column.resize((width, height)))
+        self._root.change_attributes(background_pixmap=pixmap)
+        # Compositors look for the picture here.
+        for name in ("_XROOTPMAP_ID", "ESETROOT_PMAP_ID"):
+            self._root.change_property(
+                self._display.intern_atom(name), Xatom.PIXMAP, 32, [pixmap.id])
+        self._root.clear_area()
+        self._display.sync()
+        self._background = pixmap
+
+    def _pid(self, window):
+        answer = self._display.res_query_client_ids(
+            [{"client": window.id, "mask": res.LocalClientPIDMask}])
+        for each in answer.ids:
+            if each.value:
+                return each.value[0]
+        return 0
+
+    def windows(self, pid):
+        """The visible windows of one process, each place of the tree down to the first of them."""
+        found = []
+        strangers = [(self._root, 0)]
+        while strangers:
+            parent, depth = strangers.pop()
+            try:
+                children = parent.query_tree().children
+            except _GONE:
+                continue
+            for child in children:
+                try:
+                    attributes = child.get_attributes()
+                    if attributes.map_state != X.IsViewable or attributes.win_class != X.InputOutput:
+                        continue
+                    owner = self._pid(child)
+                    if owner != pid:
+                        strangers.append((child, depth + 1))
+                        continue
+                    geometry = child.get_geometry()
+                    corner = child.translate_coords(self._root, 0, 0)
+                    framed = depth == 1 and self._is_frame(parent)
+                    found.append(Window(child.id, -corner.x, -corner.y, geometry.width,
+                                        geometry.height, pid, depth == 0 or framed))
+                except _GONE:
+                    continue
+        return found
+
+    def _is_frame(self, window):
+        """Whether a window is the frame of the window manager around a client."""
+        manager = self._root.get_full_property(
+            self._display.intern_atom("_NET_SUPPORTING_WM_CHECK"), Xatom.WINDOW)
+        if manager is None:
+            return False
+        return self._pid(window) == self._pid(
+            self._display.create_resource_object("window", manager.value[0]))
+
+    def window_manager_runs(self):
+        return self._root.get_full_property(
+            self._display.intern_atom("_NET_SUPPORTING_WM_CHECK"), Xatom.WINDOW) is not None
+
+    def tray_owner(self):
+        """Whether somebody owns the XEmbed tray."""
+        return self._display.get_selection_owner(
+            self._display.intern_atom("_NET_SYSTEM_TRAY_S0")) != X.NONE
+
+    def window_name(self, window):
+        """The title of a window."""
+        handle = self._display.create_resource_object("window", window.id)
+        for atom in ("_NET_WM_NAME", "WM_NAME"):
+            try:
+                value = handle.get_full_property(
+                    self._display.intern_atom(atom), X.AnyPropertyType)
+            except _GONE:
+                return ""
+            if value is not None:
+                text = value.value
+                return text.decode("utf-8", "replace") if isinstance(text, bytes) else text
+        return ""
+
+    def move_pointer(self, place):
+        xtest.fake_input(self._display, X.MotionNotify, x=int(place[0]), y=int(place[1]))
+        self._display.sync()
+
+    def click(self, place, button=1):
+        """A press and a release of a button of the pointer at a place of the screen."""
+        self.move_pointer(place)
+        xtest.fake_input(self._display, X.ButtonPress, button)
+        xtest.fake_input(self._display, X.ButtonRelease, button)
+        self._display.sync()
+
+    def press_key(self, name):
+        """A press and a release of a key, by its X name."""
+        code = self._display.keysym_to_keycode(XK.string_to_keysym(name))
+        xtest.fake_input(self._display, X.KeyPress, code)
+        xtest.fake_input(self._display, X.KeyRelease, code)
+        self._display.sync()
+
+    def picture(self, box=None):
+        """What is on the screen, whole or within (left, top, right, bottom)."""
+        width, height = self.size
+        raw = self._root.get_image(0, 0, width, height, X.ZPixmap, 0xFFFFFFFF)
+        whole = Image.frombytes("RGB", (width, height), raw.data, "raw", "BGRX")
+        if box is None:
+            return whole
+        left, top, right, bottom = box
+        return whole.crop((max(left, 0), max(top, 0), min(right, width), min(bottom, height)))
