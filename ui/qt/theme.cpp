@@ -27,6 +27,10 @@ constexpr std::array kRoleFonts = {
     RoleFont{FontRole::captionMedium, 11.5, QFont::Medium},
 };
 
+QColor secondaryText(bool isDark) {
+    return isDark ? QColor(0xA3A3AA) : QColor(0x6B6B70);
+}
+
 QColor withOpacity(QColor color, float opacity) {
     color.setAlphaF(opacity);
     return color;
@@ -58,7 +62,7 @@ QColor Theme::color(ColorRole role) const {
         case ColorRole::text:
             return text;
         case ColorRole::secondaryText:
-            return isDark_ ? QColor(0xA3A3AA) : QColor(0x6B6B70);
+            return secondaryText(isDark_);
         case ColorRole::track:
             return withOpacity(text, isDark_ ? 0.14F : 0.13F);
         case ColorRole::control:
@@ -75,20 +79,20 @@ QColor Theme::color(ColorRole role) const {
     return text;
 }
 
-QColor Theme::color(Tint tint) const {
+QColor Theme::color(Tint tint, bool isDark) {
     switch (tint) {
         case Tint::green:
-            return isDark_ ? QColor(0x35CF63) : QColor(0x2FB457);
+            return isDark ? QColor(0x35CF63) : QColor(0x2FB457);
         case Tint::yellow:
-            return isDark_ ? QColor(0xFFCF26) : QColor(0xE0A100);
+            return isDark ? QColor(0xFFCF26) : QColor(0xE0A100);
         case Tint::red:
-            return isDark_ ? QColor(0xFF5147) : QColor(0xE5352B);
+            return isDark ? QColor(0xFF5147) : QColor(0xE5352B);
         case Tint::orange:
-            return isDark_ ? QColor(0xFF9F1C) : QColor(0xE97B00);
+            return isDark ? QColor(0xFF9F1C) : QColor(0xE97B00);
         case Tint::gray:
             break;
     }
-    return color(ColorRole::secondaryText);
+    return secondaryText(isDark);
 }
 
 const TextStyle& Theme::style(FontRole role) const {

@@ -50,7 +50,9 @@ class Theme {
     void setDark(bool isDark);
 
     QColor color(ColorRole role) const;
-    QColor color(Tint tint) const;
+    QColor color(Tint tint) const { return color(tint, isDark_); }
+    /// The shade of `tint` for light or dark, whatever the theme is.
+    static QColor color(Tint tint, bool isDark);
     /// Derived from the desktop's interface font, whose size the sizes scale with. Valid until the
     /// desktop's font changes.
     const TextStyle& style(FontRole role) const;
