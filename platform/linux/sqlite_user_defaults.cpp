@@ -120,8 +120,7 @@ SqliteUserDefaults::Finding SqliteUserDefaults::find(std::string_view key) {
         return {true, row->value};
     } catch (const Error& error) {
         if (!isBad(error)) {
-            tell(file_.native() + " cannot be read (" + error.what() +
-                 "); the values last known or the defaults are used");
+            tellTrouble("read", error, "the values last known or the defaults are used");
         }
         const auto last = known_.find(key);
         return {last != known_.end() || !isSurelyAbsent(file_),
@@ -153,8 +152,8 @@ void SqliteUserDefaults::flush() {
         pending_.clear();
     } catch (const Error& error) {
         if (!isBad(error)) {
-            tell(file_.native() + " cannot be written (" + error.what() +
-                 "); changes are kept in memory and written as soon as they can be");
+            tellTrouble("written", error,
+                        "changes are kept in memory and written as soon as they can be");
         }
     }
 }
@@ -202,6 +201,15 @@ void SqliteUserDefaults::setAsideDamaged(const std::filesystem::path& file,
 
 std::chrono::milliseconds SqliteUserDefaults::patience() const {
     return patient_ ? patience_ : std::chrono::milliseconds(0);
+}
+
+void SqliteUserDefaults::tellTrouble(const char* undone, const Error& error,
+                                     const char* consequence) {
+    if (file_.empty()) {
+        tell("there is no home directory to keep them in; changes are lost when the program ends");
+    } else {
+        tell(file_.native() + " cannot be " + undone + " (" + error.what() + "); " + consequence);
+    }
 }
 
 void SqliteUserDefaults::tell(const std::string& line) {

@@ -75,6 +75,8 @@ class SqliteUserDefaults final : public UserDefaults {
                          const std::optional<FileIdentity>& judged,
                          const SqliteUserDefaultsError& error);
     std::chrono::milliseconds patience() const;
+    void tellTrouble(const char* undone, const SqliteUserDefaultsError& error,
+                     const char* consequence);
     void tell(const std::string& line);
 
     std::mutex lock_;

@@ -17,6 +17,9 @@ using Kind = Error::Kind;
 constexpr std::int64_t kApplicationId = 0x54524E57;
 constexpr std::int64_t kSchemaVersion = 1;
 
+/// Bytes of a database with one page of the smallest size there is.
+constexpr off_t kSmallestDatabase = 512;
+
 constexpr const char* kSelect = "SELECT type, value FROM defaults WHERE key = ?1";
 // An equal value is not written again, which spares the disk.
 constexpr const char* kUpsert =
@@ -158,14 +161,35 @@ SqliteUserDefaultsConnection::SqliteUserDefaultsConnection(const std::filesystem
         // SQLite would throw away the log, which may hold everything there was.
         throw Error(Kind::damaged, "only its log is left");
     }
-    readOnly_ = obstacleToWriting(file);
-    if (readOnly_ && !identity_) {
-        throw Error(Kind::unavailable, readOnly_.message());
+    if (identity_ && identity_->size > 0 && identity_->size < kSmallestDatabase) {
+        // SQLite takes a file of one byte for an empty one.
+        throw Error(Kind::damaged, "too short");
     }
-    open();
+    if (const std::error_code obstacle = obstacleToWriting(file)) {
+        if (!identity_) {
+            throw Error(Kind::unavailable, obstacle.message());
+        }
+        readOnly_ = obstacle.message();
+    }
+    try {
+        open(patience);
+    } catch (const Error& error) {
+        const bool isFileGood = error.kind() == Kind::refused || error.kind() == Kind::unavailable;
+        if (!isFileGood || readOnly_ || !identity_ || hasWriteAheadLog(file)) {
+            throw;
+        }
+        // Without space for the companions, the file alone can still be read.
+        readOnly_ = error.what();
+        open(patience);
+    }
+}
+
+void SqliteUserDefaultsConnection::open(std::chrono::milliseconds patience) {
+    connect();
     setPatience(patience);
     // What is found damaged is to be left as it is, its log included.
-    sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
+    const int keepLog = hasWriteAheadLog(file_) ? 1 : 0;
+    sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, keepLog, nullptr);
     execute("PRAGMA cache_size = 8");
     execute("PRAGMA mmap_size = 0");
     examine();
@@ -173,7 +197,7 @@ SqliteUserDefaultsConnection::SqliteUserDefaultsConnection(const std::filesystem
     sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 0, nullptr);
 }
 
-void SqliteUserDefaultsConnection::open() {
+void SqliteUserDefaultsConnection::connect() {
     std::string name = file_.native();
     int flags = SQLITE_OPEN_NOMUTEX;
     if (!readOnly_) {
@@ -184,6 +208,7 @@ void SqliteUserDefaultsConnection::open() {
         flags |= SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
         name = immutableURI(file_);
     }
+    select_.reset();
     sqlite3* database = nullptr;
     const int opened = sqlite3_open_v2(name.c_str(), &database, flags, nullptr);
     database_.reset(database);
@@ -249,10 +274,10 @@ void SqliteUserDefaultsConnection::write(const Values& values) {
         throw Error(Kind::refused, "a newer version wrote it");
     }
     if (readOnly_) {
-        throw Error(Kind::refused, readOnly_.message());
+        throw Error(Kind::refused, *readOnly_);
     }
-    execute("BEGIN IMMEDIATE");
     try {
+        execute("BEGIN IMMEDIATE");
         for (const auto& [key, value] : values) {
             const Use use(upsert_.get());
             int code = bindText(upsert_.get(), 1, key);
@@ -267,8 +292,12 @@ void SqliteUserDefaultsConnection::write(const Values& values) {
             }
         }
         execute("COMMIT");
-    } catch (...) {
+    } catch (const Error& error) {
         sqlite3_exec(database_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
+        if (error.kind() == Kind::unavailable) {
+            // Nothing is wrong with reading.
+            throw Error(Kind::refused, error.what());
+        }
         throw;
     }
 }
@@ -293,7 +322,7 @@ void SqliteUserDefaultsConnection::examine() {
 
 void SqliteUserDefaultsConnection::begin() {
     if (readOnly_) {
-        throw Error(Kind::refused, readOnly_.message());
+        throw Error(Kind::refused, *readOnly_);
     }
     // SQLite lets several processes that begin one file fail instead of wait.
     const FolderLock alone(file_.parent_path());
@@ -368,6 +397,9 @@ void SqliteUserDefaultsConnection::fail(int code) const {
             break;
     }
     const int system = database_ ? sqlite3_system_errno(database_.get()) : 0;
+    if (system == ENOSPC || system == EDQUOT) {
+        throw Error(Kind::unavailable, "the disk is full");
+    }
     throw Error(Kind::unavailable,
                 system != 0 ? std::generic_category().message(system) : sqlite3_errstr(code));
 }

@@ -10,7 +10,6 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <system_error>
 
 #include "platform/linux/sqlite_user_defaults_file.h"
 #include "platform/user_defaults.h"
@@ -79,7 +78,8 @@ class SqliteUserDefaultsConnection {
     };
     using Statement = std::unique_ptr<sqlite3_stmt, Closer>;
 
-    void open();
+    void open(std::chrono::milliseconds patience);
+    void connect();
     void examine();
     void begin();
     void prepareStatements();
@@ -90,8 +90,8 @@ class SqliteUserDefaultsConnection {
     [[noreturn]] void fail(int code) const;
 
     std::filesystem::path file_;
-    /// Why nothing can be written; no error where it can.
-    std::error_code readOnly_;
+    /// Why nothing can be written; absent where it can.
+    std::optional<std::string> readOnly_;
     bool newer_ = false;
     std::optional<FileIdentity> identity_;
     std::unique_ptr<sqlite3, Closer> database_;
