@@ -6,6 +6,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <ctime>
 #include <deque>
 #include <mutex>
@@ -27,15 +28,13 @@ double monotonicSeconds() {
 
 }  // namespace
 
-/// Receives one posted event for all the work that came since the last one.
+/// Runs the work that has come by one posted event.
 class QtDispatch::MainQueue final : public QObject {
  public:
     void add(std::function<void()> work) {
         const std::lock_guard guard(lock_);
         queue_.push_back(std::move(work));
-        if (queue_.size() == 1) {
-            post();
-        }
+        post();
     }
 
  protected:
@@ -43,7 +42,7 @@ class QtDispatch::MainQueue final : public QObject {
         if (event->type() != kind()) {
             return QObject::event(event);
         }
-        runOne();
+        runTurn();
         return true;
     }
 
@@ -53,26 +52,52 @@ class QtDispatch::MainQueue final : public QObject {
         return static_cast<QEvent::Type>(type);
     }
 
-    /// The lock must be held, so that events and work keep in step.
-    void post() { QCoreApplication::postEvent(this, new QEvent(kind())); }
+    /// The lock must be held.
+    void post() {
+        if (!std::exchange(posted_, true)) {
+            QCoreApplication::postEvent(this, new QEvent(kind()));
+        }
+    }
 
-    void runOne() {
-        std::function<void()> work;
+    /// The next work of this turn; empty when there is none.
+    std::function<void()> take() {
+        const std::lock_guard guard(lock_);
+        if (queue_.empty()) {
+            return nullptr;
+        }
+        auto work = std::move(queue_.front());
+        queue_.pop_front();
+        // Should the work turn the event loop by itself, what is left runs in there.
+        if (!queue_.empty()) {
+            post();
+        }
+        return work;
+    }
+
+    /// Runs what is queued now; what is added meanwhile waits for the next turn.
+    void runTurn() {
+        std::size_t left = 0;
         {
             const std::lock_guard guard(lock_);
-            work = std::move(queue_.front());
-            queue_.pop_front();
-            // Before the work runs, which may turn the event loop by itself.
-            if (!queue_.empty()) {
-                post();
+            posted_ = false;
+            left = queue_.size();
+        }
+        for (; left > 0; --left) {
+            if (const auto work = take()) {
+                work();
             }
         }
-        work();
+        const std::lock_guard guard(lock_);
+        if (queue_.empty() && std::exchange(posted_, false)) {
+            QCoreApplication::removePostedEvents(this, kind());
+        }
     }
 
     std::mutex lock_;
-    /// Guarded by lock_. While it holds anything, exactly one event is on its way.
+    // Guarded by lock_.
     std::deque<std::function<void()>> queue_;
+    /// An event is on its way.
+    bool posted_ = false;
 };
 
 /// The one timer of the event loop.
