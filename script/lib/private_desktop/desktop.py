@@ -14,7 +14,6 @@ _SIZE = (1280, 800)
 _LIGHT_BACKGROUND = ((0x8F, 0xA5, 0xBE), (0x5F, 0x72, 0x8C))
 _DARK_BACKGROUND = ((0x2E, 0x38, 0x46), (0x1C, 0x22, 0x2C))
 
-_FONT = "Inter 11"
 # Inter stands for whatever the desktop calls its own font, at the usual size.
 _FONTS = """\
 <?xml version="1.0"?>
@@ -61,15 +60,13 @@ _SERVICES = ("/usr/share/dbus-1/services/org.xfce.Xfconf.service",)
 class PrivateDesktop:
     """Display, session bus, window manager, tray host and home folder; a context manager.
 
-    `host` names a tray host or is None, `bus` tells whether there is a session bus at all.
-    Everything is twice as large with a `scale` of 2.
+    `host` names a tray host or is None. Everything is twice as large with a `scale` of 2.
     """
 
-    def __init__(self, host="xfce4-panel", scale=1, dark=False, bus=True):
+    def __init__(self, host="xfce4-panel", scale=1, dark=False):
         self.scale = scale
         self.dark = dark
         self._host_name = host
-        self._has_bus = bus
         self._host = None
         self._host_process = None
         self.screen = None
@@ -135,8 +132,7 @@ class PrivateDesktop:
         os.makedirs(config + "/gtk-3.0")
         self._write("home/.config/gtk-3.0/settings.ini", _GTK.format(dark=int(self.dark)))
         self._start_display()
-        if self._has_bus:
-            self._start_bus()
+        self._start_bus()
         if self.scale != 1:
             self.env["QT_SCALE_FACTOR"] = str(self.scale)
         self._start_window_manager()
@@ -177,7 +173,7 @@ class PrivateDesktop:
              "--config-file=" + self.path("bus.conf")], self.env, "bus")
         until(lambda: os.path.exists(socket), "the session bus listens")
         self.bus = SessionBus(address)
-        self.settings = Settings(address, self.dark, _FONT)
+        self.settings = Settings(address, self.dark)
 
     def _start_window_manager(self):
         self.processes.start(["xfwm4", "--compositor=on", "--vblank=off"], self.env, "xfwm4")

@@ -21,8 +21,8 @@ def end_on_signals():
         signal.signal(number, leave)
 
 
-def _descendants():
-    """Ids of all living processes below this one."""
+def descendants(ancestor):
+    """Ids of all living processes below one."""
     parents = {}
     for entry in os.listdir("/proc"):
         if not entry.isdigit():
@@ -37,7 +37,7 @@ def _descendants():
     found = []
     for pid in parents:
         above = parents.get(pid)
-        while above is not None and above != os.getpid():
+        while above is not None and above != ancestor:
             above = parents.get(above)
         if above is not None:
             found.append(pid)
@@ -92,7 +92,7 @@ class Processes:
             self.end(process)
         for number in (signal.SIGTERM, signal.SIGKILL):
             end = time.monotonic() + _GRACE
-            left = _descendants()
+            left = descendants(os.getpid())
             for pid in left:
                 try:
                     os.kill(pid, number)
@@ -100,7 +100,7 @@ class Processes:
                     pass
             while left and time.monotonic() < end:
                 _reap()
-                left = _descendants()
+                left = descendants(os.getpid())
                 time.sleep(0.01)
         _reap()
         for number, handler in before.items():

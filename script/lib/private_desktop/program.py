@@ -4,8 +4,9 @@ import signal
 
 from .wait import Timeout, stays, until
 
-# Width of the panel at a scale of 1.
-PANEL_WIDTH = 320
+# Width of the panel at a scale of 1, and of its shadow where its window holds that, too.
+_PANEL_WIDTH = 320
+_SHADOW = 28
 # A colour counts as the icon's own from this distance between its strongest and weakest part.
 _SATURATED = 70
 # Pixels of the icon that must be seen: an icon of 16 pixels has some hundred.
@@ -56,10 +57,13 @@ class Program:
         return self.desktop.screen.windows(self.pid)
 
     def panel(self):
-        """The open panel, or None."""
-        width = PANEL_WIDTH * self.desktop.scale
-        return next((window for window in self._windows()
-                     if window.top_level and window.width == width), None)
+        """The open panel without its shadow, or None."""
+        width = _PANEL_WIDTH * self.desktop.scale
+        for margin in (0, _SHADOW * self.desktop.scale):
+            for window in self._windows():
+                if window.top_level and window.width == width + 2 * margin:
+                    return window.without(margin)
+        return None
 
     def docked_window(self):
         """The item's window within an XEmbed tray, or None."""

@@ -30,6 +30,12 @@ class Window:
     def box(self):
         return self.x, self.y, self.x + self.width, self.y + self.height
 
+    def without(self, margin):
+        """The same window less a margin on each side."""
+        return dataclasses.replace(self, x=self.x + margin, y=self.y + margin,
+                                   width=self.width - 2 * margin,
+                                   height=self.height - 2 * margin)
+
 
 class Screen:
     def __init__(self, name):

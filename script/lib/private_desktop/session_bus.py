@@ -12,7 +12,7 @@ _PROPERTIES = "org.freedesktop.DBus.Properties"
 _BUS = ("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus")
 _CALL_MS = 5000
 
-# What a private desktop answers programs that ask for its settings.
+# What a private desktop answers programs that ask for light or dark.
 _PORTAL = Gio.DBusNodeInfo.new_for_xml("""
 <node><interface name="org.freedesktop.portal.Settings">
   <method name="Read"><arg type="s" direction="in"/><arg type="s" direction="in"/>
@@ -26,7 +26,6 @@ _PORTAL = Gio.DBusNodeInfo.new_for_xml("""
 </interface></node>""").interfaces[0]
 _PORTAL_PATH = "/org/freedesktop/portal/desktop"
 _SCHEME = ("org.freedesktop.appearance", "color-scheme")
-_FONT = ("org.gnome.desktop.interface", "font-name")
 
 
 def connect(address):
@@ -99,11 +98,10 @@ class SessionBus:
 
 
 class Settings:
-    """Answers for the desktop's settings, light or dark among them, as a portal does."""
+    """Answers for the desktop's light or dark, as a portal does."""
 
-    def __init__(self, address, dark, font):
+    def __init__(self, address, dark):
         self._dark = dark
-        self._font = font
         self._loop = None
         self._connection = None
         self._ready = threading.Event()
@@ -116,15 +114,14 @@ class Settings:
         self._dark = dark
         self._connection.emit_signal(
             None, _PORTAL_PATH, _PORTAL.name, "SettingChanged",
-            GLib.Variant("(ssv)", (*_SCHEME, self._values()[_SCHEME])))
+            GLib.Variant("(ssv)", (*_SCHEME, self._value())))
 
     def close(self):
         self._loop.quit()
         self._thread.join()
 
-    def _values(self):
-        return {_SCHEME: GLib.Variant("u", 1 if self._dark else 2),
-                _FONT: GLib.Variant("s", self._font)}
+    def _value(self):
+        return GLib.Variant("u", 1 if self._dark else 2)
 
     def _serve(self, address):
         context = GLib.MainContext()
@@ -146,19 +143,14 @@ class Settings:
         return GLib.Variant("u", 2)
 
     def _answer(self, _connection, _sender, _path, _interface, method, arguments, call):
-        values = self._values()
         if method == "ReadAll":
-            answer = {}
-            for (space, key), value in values.items():
-                answer.setdefault(space, {})[key] = value
-            call.return_value(GLib.Variant("(a{sa{sv}})", (answer,)))
-            return
-        value = values.get(arguments.unpack())
-        if value is None:
+            space, key = _SCHEME
+            call.return_value(GLib.Variant("(a{sa{sv}})", ({space: {key: self._value()}},)))
+        elif arguments.unpack() != _SCHEME:
             call.return_dbus_error(
                 "org.freedesktop.portal.Error.NotFound", "Requested setting not found")
         elif method == "Read":
             # The older call wraps its value twice.
-            call.return_value(GLib.Variant("(v)", (GLib.Variant("v", value),)))
+            call.return_value(GLib.Variant("(v)", (GLib.Variant("v", self._value()),)))
         else:
-            call.return_value(GLib.Variant("(v)", (value,)))
+            call.return_value(GLib.Variant("(v)", (self._value(),)))

@@ -1,0 +1,82 @@
+"""What the desktop tests share."""
+
+import os
+import sqlite3
+import unittest
+
+from private_desktop import PrivateDesktop, Program, Timeout, until
+from private_desktop.processes import end_on_signals
+
+# The ground of the panel.
+LIGHT = (0xFB, 0xFB, 0xFC)
+DARK = (0x23, 0x23, 0x26)
+
+
+class DesktopTestCase(unittest.TestCase):
+    """A test with a private desktop, which ends with the test. A picture of its end is kept."""
+
+    def open_desktop(self, **options):
+        self.desktop = self.enterContext(PrivateDesktop(**options))
+        self.addCleanup(self._keep_picture)
+        return self.desktop
+
+    def program(self, log="program"):
+        return Program(self.desktop, [os.environ["TARNWICK"]], log)
+
+    def start_known_to_user(self, **changes):
+        """Starts the program as on any day but the first, when it greets its user."""
+        first = self.program("first").start(**changes)
+        first.wait_for_item()
+        self.until(first.panel, "the panel greets")
+        self.assertEqual(first.end(), 0, first.output())
+        program = self.program().start(**changes)
+        program.wait_for_item()
+        return program
+
+    def until(self, condition, what):
+        try:
+            return until(condition, what)
+        except Timeout as timeout:
+            self.fail(str(timeout))
+
+    def assert_open(self, program):
+        self.until(program.panel_picture, "the panel is open and drawn")
+
+    def assert_closed(self, program):
+        self.until(lambda: program.panel() is None, "the panel is closed")
+
+    def assert_one_line(self, program, word):
+        """The program has said one line, which has `word` in it."""
+        self.until(lambda: program.output().endswith("\n"), "the program says something")
+        lines = program.output().splitlines()
+        self.assertEqual(len(lines), 1, lines)
+        self.assertTrue(lines[0].startswith("tarnwick: "), lines)
+        self.assertIn(word, lines[0])
+
+    def store(self):
+        return self.desktop.path("home/.local/share/tarnwick/settings.sqlite")
+
+    def assert_store_is_whole(self):
+        with sqlite3.connect(f"file:{self.store()}?mode=ro", uri=True) as store:
+            self.assertEqual(store.execute("PRAGMA integrity_check").fetchall(), [("ok",)])
+            tables = store.execute("SELECT name FROM sqlite_master WHERE type = 'table'").fetchall()
+            self.assertTrue(tables)
+            rows = sum(store.execute(f'SELECT count(*) FROM "{name}"').fetchone()[0]
+                       for name, in tables)
+            self.assertGreater(rows, 0)
+
+    def _keep_picture(self):
+        folder = os.environ["TARNWICK_SCREENS"]
+        os.makedirs(folder, exist_ok=True)
+        self.desktop.screen.picture().save(
+            os.path.join(folder, self.id().rpartition(".")[2] + ".png"))
+
+
+def ground(picture):
+    """The colour that a picture has most of."""
+    return max(picture.getcolors(picture.width * picture.height))[1]
+
+
+def main():
+    end_on_signals()
+    unittest.main(verbosity=2)

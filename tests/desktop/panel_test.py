@@ -1,0 +1,130 @@
+"""The panel: what opens it, what closes it, how it looks."""
+
+import time
+
+from desktop_test_case import DARK, LIGHT, DesktopTestCase, ground, main
+
+
+def bytes_read(program):
+    with open(f"/proc/{program.pid}/io", encoding="ascii") as file:
+        return int(file.readline().split()[1])
+
+
+# More than waking up reads, less than a refresh.
+REFRESH_BYTES = 1000
+
+
+class PanelTest(DesktopTestCase):
+    def setUp(self):
+        self.open_desktop()
+
+    def test_greets_a_new_user_with_the_panel_once(self):
+        program = self.start_known_to_user()
+        self.assert_closed(program)
+
+    def test_click_opens_and_a_second_click_closes(self):
+        program = self.start_known_to_user()
+        for _ in range(3):
+            program.click_item()
+            self.assert_open(program)
+            # A hand takes its time, too: what a click shortly after a press means is the panel's.
+            time.sleep(0.5)
+            program.click_item()
+            self.assert_closed(program)
+            time.sleep(0.5)
+            self.assertIsNone(program.panel())
+        self.assertEqual(program.output(), "")
+
+    def test_escape_closes(self):
+        program = self.start_known_to_user()
+        program.open_panel()
+        self.assert_open(program)
+        self.desktop.screen.press_key("Escape")
+        self.assert_closed(program)
+
+    def test_click_outside_closes(self):
+        program = self.start_known_to_user()
+        program.open_panel()
+        self.assert_open(program)
+        self.desktop.screen.click(self.desktop.nowhere)
+        self.assert_closed(program)
+
+    def test_click_inside_keeps_it_open(self):
+        program = self.start_known_to_user()
+        panel = program.open_panel()
+        self.assert_open(program)
+        self.desktop.screen.click((panel.x + 4, panel.y + panel.height // 2))
+        time.sleep(0.5)
+        self.assertIsNotNone(program.panel())
+
+    def test_opens_again_after_each_way_of_closing(self):
+        program = self.start_known_to_user()
+        for close in (lambda: self.desktop.screen.press_key("Escape"),
+                      lambda: self.desktop.screen.click(self.desktop.nowhere)):
+            program.open_panel()
+            close()
+            self.assert_closed(program)
+        program.open_panel()
+        self.assert_open(program)
+
+    def test_lies_within_the_screen_under_the_item(self):
+        program = self.start_known_to_user()
+        panel = program.open_panel()
+        width, height = self.desktop.screen.size
+        item = program.item_place()
+        self.assertGreaterEqual(panel.x, 0)
+        self.assertLessEqual(panel.x + panel.width, width)
+        self.assertGreater(panel.y, item[1])
+        self.assertLessEqual(panel.y + panel.height, height)
+        self.assertLessEqual(panel.x, item[0])
+        self.assertGreaterEqual(panel.x + panel.width, item[0])
+
+    def test_shows_new_figures_while_open(self):
+        program = self.start_known_to_user()
+        program.open_panel()
+        self.desktop.screen.move_pointer(self.desktop.nowhere)
+        self.assert_open(program)
+        before = program.panel_picture().tobytes()
+        self.until(lambda: program.panel_picture().tobytes() != before, "the figures change")
+
+    def test_middle_click_refreshes(self):
+        program = self.start_known_to_user()
+        place = self.until(program.item_place, "the item is on the screen")
+        # Right after a refresh of its own the next one is seconds away.
+        start = bytes_read(program)
+        self.until(lambda: bytes_read(program) >= start + REFRESH_BYTES, "a refresh by itself")
+        time.sleep(0.5)
+        start = bytes_read(program)
+        self.desktop.screen.click(place, button=2)
+        begin = time.monotonic()
+        self.until(lambda: bytes_read(program) >= start + REFRESH_BYTES,
+                   "a refresh after a middle click")
+        self.assertLess(time.monotonic() - begin, 5, "that was the next refresh by itself")
+        self.assertIsNone(program.panel())
+
+    def test_follows_the_desktop_from_light_to_dark(self):
+        program = self.start_known_to_user()
+        program.open_panel()
+        self.assert_open(program)
+        self.until(lambda: ground(program.panel_picture()) == LIGHT, "the panel is light")
+        self.desktop.settings.set_dark(True)
+        self.until(lambda: ground(program.panel_picture()) == DARK, "the panel is dark")
+
+
+class LookTest(DesktopTestCase):
+    def test_opens_in_dark(self):
+        self.open_desktop(dark=True)
+        program = self.start_known_to_user()
+        program.open_panel()
+        self.assert_open(program)
+        self.assertEqual(ground(program.panel_picture()), DARK)
+
+    def test_opens_at_twice_the_scale(self):
+        self.open_desktop(scale=2)
+        program = self.start_known_to_user()
+        panel = program.open_panel()
+        self.assert_open(program)
+        self.assertEqual(panel.width, 640)
+
+
+main()

@@ -1,0 +1,109 @@
+"""Starting and ending: in a whole session, in a broken one, a second time."""
+
+import os
+import sqlite3
+
+from desktop_test_case import DesktopTestCase, main
+
+
+class StartTest(DesktopTestCase):
+    def test_second_start_opens_the_panel_of_the_first(self):
+        self.open_desktop()
+        first = self.start_known_to_user()
+        second = self.program("second").start()
+        self.until(lambda: not second.runs(), "the second start ends")
+        self.assertEqual(second.process.returncode, 0, second.output())
+        self.assertEqual(second.output(), "")
+        self.assert_open(first)
+        self.assertEqual(len(self.desktop.bus.items()), 1)
+
+    def test_second_start_opens_the_panel_where_there_is_no_tray(self):
+        self.open_desktop(host=None)
+        first = self.program().start()
+        self.until(first.panel, "the first start greets")
+        first.close_panel()
+        second = self.program("second").start()
+        self.until(lambda: not second.runs(), "the second start ends")
+        self.assertEqual(second.process.returncode, 0, second.output())
+        self.assert_open(first)
+
+    def test_terminating_ends_with_success_and_a_whole_store(self):
+        self.open_desktop()
+        program = self.program().start()
+        program.wait_for_item()
+        self.until(program.panel, "the panel greets")
+        self.assertEqual(program.end(), 0, program.output())
+        self.assertEqual(program.output(), "")
+        self.assert_store_is_whole()
+
+    def test_starts_without_a_session_bus(self):
+        self.open_desktop(host=None)
+        os.mkdir(self.desktop.path("elsewhere"), 0o700)
+        program = self.program().start(DBUS_SESSION_BUS_ADDRESS=None,
+                                       XDG_RUNTIME_DIR=self.desktop.path("elsewhere"))
+        self.assert_one_line(program, "no tray")
+        self.assertTrue(program.runs())
+        self.assertEqual(program.end(), 0)
+
+    def test_uses_an_embedding_tray_without_a_session_bus(self):
+        self.open_desktop(host="tint2")
+        os.mkdir(self.desktop.path("elsewhere"), 0o700)
+        program = self.program().start(DBUS_SESSION_BUS_ADDRESS=None,
+                                       XDG_RUNTIME_DIR=self.desktop.path("elsewhere"))
+        self.until(program.docked_window, "the tray holds the icon")
+        self.assert_open(program)
+
+    def test_damaged_store_is_set_aside_with_one_line(self):
+        self.open_desktop()
+        os.makedirs(os.path.dirname(self.store()))
+        damaged = b"SQLite format 3\0" + bytes(range(256)) * 64
+        with open(self.store(), "wb") as file:
+            file.write(damaged)
+        program = self.program().start()
+        program.wait_for_item()
+        self.assert_one_line(program, "settings")
+        self.assertEqual(program.end(), 0)
+        self.assert_store_is_whole()
+        folder = os.path.dirname(self.store())
+        kept = []
+        for name in os.listdir(folder):
+            with open(os.path.join(folder, name), "rb") as file:
+                kept.append(file.read())
+        self.assertIn(damaged, kept)
+
+    def test_store_locked_by_somebody_else_keeps_nobody_out(self):
+        self.open_desktop()
+        self.start_known_to_user().end()
+        store = sqlite3.connect(self.store(), isolation_level=None)
+        self.addCleanup(store.close)
+        store.execute("BEGIN EXCLUSIVE")
+        program = self.program("locked").start()
+        program.wait_for_item()
+        self.assertTrue(program.runs())
+        self.assertEqual(program.end(), 0)
+        store.execute("ROLLBACK")
+        self.assert_store_is_whole()
+
+    def test_runs_where_the_home_folder_is_missing(self):
+        self.open_desktop()
+        program = self.program().start(HOME=self.desktop.path("missing"))
+        program.wait_for_item()
+        program.open_panel()
+        self.assert_open(program)
+        self.assertLessEqual(len(program.output().splitlines()), 1, program.output())
+        self.assertEqual(program.end(), 0)
+
+    def test_runs_where_the_home_folder_cannot_be(self):
+        self.open_desktop()
+        # Below a file there can be no folder, not even for root.
+        with open(self.desktop.path("file"), "w", encoding="ascii"):
+            pass
+        program = self.program().start(HOME=self.desktop.path("file/home"))
+        program.wait_for_item()
+        self.assert_one_line(program, "settings")
+        program.open_panel()
+        self.assert_open(program)
+        self.assertEqual(program.end(), 0)
+
+
+main()

@@ -1,0 +1,87 @@
+"""The status item in the trays of real hosts, which come and go."""
+
+import time
+
+from desktop_test_case import DesktopTestCase, main
+
+
+class StatusItemTest(DesktopTestCase):
+    def test_appears_in_a_notifier_host(self):
+        self.open_desktop()
+        program = self.program().start()
+        item = program.wait_for_item()
+        self.until(program.item_place, "the host shows the icon")
+        bus = self.desktop.bus
+        self.assertEqual(bus.item_property(item, "Category"), "Hardware")
+        self.assertEqual(bus.item_property(item, "Status"), "Active")
+        self.assertIn("Tarnwick", bus.item_property(item, "Title"))
+        self.assertEqual(program.output(), "")
+
+    def test_goes_when_the_program_ends(self):
+        self.open_desktop()
+        program = self.program().start()
+        program.wait_for_item()
+        self.assertEqual(program.end(), 0)
+        self.until(lambda: not self.desktop.bus.items(), "the host has forgotten the item")
+
+    def test_appears_in_an_embedding_tray(self):
+        self.open_desktop(host="tint2")
+        program = self.program().start()
+        self.until(program.docked_window, "the tray holds the icon")
+        self.assert_open(program)
+        program.close_panel()
+        program.click_item()
+        self.assert_open(program)
+        time.sleep(0.5)
+        program.click_item()
+        self.assert_closed(program)
+        self.assertEqual(program.output(), "")
+
+    def test_comes_back_when_the_host_is_killed_and_started_again(self):
+        self.open_desktop()
+        program = self.start_known_to_user()
+        for _ in range(2):
+            self.desktop.kill_host()
+            self.until(lambda: not self.desktop.bus.has_watcher(), "the watcher is gone")
+            self.desktop.start_host("xfce4-panel")
+            program.wait_for_item()
+            program.open_panel()
+            self.assert_open(program)
+            program.close_panel()
+
+    def test_comes_back_within_about_a_second(self):
+        self.open_desktop()
+        program = self.start_known_to_user()
+        self.desktop.kill_host()
+        self.desktop.start_host("xfce4-panel")
+        ready = time.monotonic()
+        program.wait_for_item()
+        # Many times what it takes: a program that only looks now and then would be later.
+        self.assertLess(time.monotonic() - ready, 5)
+
+    def test_appears_when_the_host_starts_after_the_program(self):
+        self.open_desktop(host=None)
+        program = self.program().start()
+        self.until(program.panel, "the program is up")
+        self.desktop.start_host("xfce4-panel")
+        program.wait_for_item()
+        self.until(program.item_place, "the host shows the icon")
+
+    def test_moves_from_an_embedding_tray_to_a_notifier_host(self):
+        self.open_desktop(host="tint2")
+        program = self.program().start()
+        self.until(program.docked_window, "the tray holds the icon")
+        self.desktop.kill_host()
+        self.desktop.start_host("xfce4-panel")
+        program.wait_for_item()
+        self.until(program.item_place, "the host shows the icon")
+
+    def test_says_one_line_where_there_is_no_tray_and_lives(self):
+        self.open_desktop(host=None)
+        program = self.program().start()
+        self.assert_one_line(program, "no tray")
+        self.assertTrue(program.runs())
+        self.assertEqual(program.end(), 0)
+
+
+main()
