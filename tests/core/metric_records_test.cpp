@@ -1,8 +1,11 @@
 #include "core/metric_records.h"
 
 #include <gtest/gtest.h>
+#include <limits>
+#include <thread>
 #include <type_traits>
 #include <unordered_set>
+#include <vector>
 
 namespace tarnwick {
 namespace {
@@ -74,6 +77,109 @@ TEST(MetricRecords, EmptySnapshotCarriesNoProcessLists) {
     EXPECT_EQ(snapshot.cpu.idlePercentage, 100);
 }
 
+// Each field gets a value that no other field of its record has: an exchange of two would show.
+TEST(MetricRecords, FieldsAreBuiltInTheirOrder) {
+    const UUID identity = UUID::random();
+    const UsageSample sample{identity, 1.5, 2.5};
+    EXPECT_EQ(sample.id, identity);
+    EXPECT_EQ(sample.timestamp, 1.5);
+    EXPECT_EQ(sample.value, 2.5);
+
+    EXPECT_EQ(SystemInfo{7}.uptime, 7);
+
+    const CPUInfo cpu{1, 2, 3, 4, 5, {6, 7}};
+    EXPECT_EQ(cpu.usagePercentage, 1);
+    EXPECT_EQ(cpu.userPercentage, 2);
+    EXPECT_EQ(cpu.systemPercentage, 3);
+    EXPECT_EQ(cpu.idlePercentage, 4);
+    EXPECT_EQ(cpu.coreCount, 5);
+    EXPECT_EQ(cpu.coreUsages, (std::vector<double>{6, 7}));
+
+    const GPUInfo gpu{1, 2, 3, "model", 4, true};
+    EXPECT_EQ(gpu.usagePercentage, 1);
+    EXPECT_EQ(gpu.rendererUtilizationPercentage, 2);
+    EXPECT_EQ(gpu.tilerUtilizationPercentage, 3);
+    EXPECT_EQ(gpu.modelName, "model");
+    EXPECT_EQ(gpu.coreCount, 4);
+    EXPECT_TRUE(gpu.isAvailable);
+
+    const MemoryInfo memory{1, 2, 3, 4, 5, 6, 7, 8, 9};
+    EXPECT_EQ(memory.total, 1U);
+    EXPECT_EQ(memory.used, 2U);
+    EXPECT_EQ(memory.free, 3U);
+    EXPECT_EQ(memory.app, 4U);
+    EXPECT_EQ(memory.wired, 5U);
+    EXPECT_EQ(memory.compressed, 6U);
+    EXPECT_EQ(memory.cached, 7U);
+    EXPECT_EQ(memory.swapUsed, 8U);
+    EXPECT_EQ(memory.swapTotal, 9U);
+
+    const StorageInfo storage{identity, "Data", 1, 2, 3};
+    EXPECT_EQ(storage.id, identity);
+    EXPECT_EQ(storage.name, "Data");
+    EXPECT_EQ(storage.totalSpace, 1);
+    EXPECT_EQ(storage.usedSpace, 2);
+    EXPECT_EQ(storage.availableSpace, 3);
+
+    const BatteryInfo battery{1,        true, false, 2,   BatteryHealthSource::ioRegistry,
+                              "Normal", 3,    4,     true};
+    EXPECT_EQ(battery.percentage, 1);
+    EXPECT_TRUE(battery.isCharging);
+    EXPECT_FALSE(battery.isPluggedIn);
+    EXPECT_EQ(battery.health, 2);
+    EXPECT_EQ(battery.healthSource, BatteryHealthSource::ioRegistry);
+    EXPECT_EQ(battery.healthCondition, "Normal");
+    EXPECT_EQ(battery.cycleCount, 3);
+    EXPECT_EQ(battery.timeRemaining, 4);
+    EXPECT_TRUE(battery.hasBattery);
+
+    const NetworkInfo network{1, 2, 3, 4, true};
+    EXPECT_EQ(network.downloadBytesPerSecond, 1);
+    EXPECT_EQ(network.uploadBytesPerSecond, 2);
+    EXPECT_EQ(network.totalReceivedBytes, 3U);
+    EXPECT_EQ(network.totalSentBytes, 4U);
+    EXPECT_TRUE(network.hasSample);
+
+    const AppProcessInfo process{1, "name", 2, 3};
+    EXPECT_EQ(process.id, 1);
+    EXPECT_EQ(process.name, "name");
+    EXPECT_EQ(process.cpuUsage, 2);
+    EXPECT_EQ(process.memoryUsage, 3U);
+
+    const FastRefreshSnapshot snapshot{
+        cpu, gpu, memory, network, std::vector{process}, std::vector<AppProcessInfo>{}};
+    EXPECT_EQ(snapshot.cpu.usagePercentage, 1);
+    EXPECT_EQ(snapshot.gpu.modelName, "model");
+    EXPECT_EQ(snapshot.memory.swapTotal, 9U);
+    EXPECT_TRUE(snapshot.network.hasSample);
+    EXPECT_EQ(snapshot.topCPUProcesses.value().size(), 1U);
+    EXPECT_TRUE(snapshot.topMemoryProcesses.value().empty());
+}
+
+template <class T, class... Fields>
+constexpr bool kAllAre = (std::is_same_v<T, Fields> && ...);
+
+TEST(MetricRecords, MemoryAndNetworkCountsAreUnsignedAndStorageCountsSigned) {
+    EXPECT_TRUE(
+        (kAllAre<std::uint64_t, decltype(MemoryInfo::total), decltype(MemoryInfo::used),
+                 decltype(MemoryInfo::free), decltype(MemoryInfo::app), decltype(MemoryInfo::wired),
+                 decltype(MemoryInfo::compressed), decltype(MemoryInfo::cached),
+                 decltype(MemoryInfo::swapUsed), decltype(MemoryInfo::swapTotal),
+                 decltype(NetworkInfo::totalReceivedBytes), decltype(NetworkInfo::totalSentBytes),
+                 decltype(AppProcessInfo::memoryUsage)>));
+    EXPECT_TRUE((kAllAre<std::int64_t, decltype(StorageInfo::totalSpace),
+                         decltype(StorageInfo::usedSpace), decltype(StorageInfo::availableSpace)>));
+}
+
+TEST(MetricRecords, CountsAreSignedAndProcessIdentifiersHaveThirtyTwoBits) {
+    EXPECT_TRUE((kAllAre<std::int64_t, decltype(CPUInfo::coreCount), decltype(GPUInfo::coreCount),
+                         decltype(BatteryInfo::percentage), decltype(BatteryInfo::timeRemaining)>));
+    EXPECT_TRUE((kAllAre<std::optional<std::int64_t>, decltype(BatteryInfo::health),
+                         decltype(BatteryInfo::cycleCount)>));
+    EXPECT_TRUE((kAllAre<std::int32_t, decltype(AppProcessInfo::id)>));
+    EXPECT_EQ(sizeof(UUID), 16U);
+}
+
 TEST(MetricRecords, MemoryUsageIsZeroWithoutATotal) {
     EXPECT_EQ((MemoryInfo{.total = 0, .used = 5}.usagePercentage()), 0);
     EXPECT_DOUBLE_EQ((MemoryInfo{.total = 16, .used = 12}.usagePercentage()), 75);
@@ -85,8 +191,17 @@ TEST(MetricRecords, StorageUsageIsZeroBelowATotalOfOne) {
     EXPECT_EQ(storage.usagePercentage(), 0);
     storage.totalSpace = -10;
     EXPECT_EQ(storage.usagePercentage(), 0);
+    storage.totalSpace = std::numeric_limits<std::int64_t>::min();
+    EXPECT_EQ(storage.usagePercentage(), 0);
+}
+
+TEST(MetricRecords, StorageUsageIsTheUsedShareOfTheTotal) {
+    StorageInfo storage;
+    storage.usedSpace = 5;
     storage.totalSpace = 10;
     EXPECT_DOUBLE_EQ(storage.usagePercentage(), 50);
+    storage.usedSpace = storage.totalSpace = 1;
+    EXPECT_DOUBLE_EQ(storage.usagePercentage(), 100);
 }
 
 TEST(MetricRecords, ProcessesAreEqualOnlyInAllFields) {
@@ -150,6 +265,25 @@ TEST(MetricRecords, FreshIdentitiesAreRandomVersionFour) {
         EXPECT_EQ(id.bytes[6] >> 4, 4);
         EXPECT_EQ(id.bytes[8] >> 6, 2);
         seen.insert(id);
+    }
+    EXPECT_EQ(seen.size(), 1000U);
+}
+
+TEST(MetricRecords, IdentitiesOfSeveralThreadsAreAllDistinct) {
+    std::vector<std::vector<UUID>> made(4);
+    {
+        std::vector<std::jthread> threads;
+        for (std::vector<UUID>& own : made) {
+            threads.emplace_back([&own] {
+                for (int i = 0; i < 250; ++i) {
+                    own.push_back(UUID::random());
+                }
+            });
+        }
+    }
+    std::unordered_set<UUID> seen;
+    for (const std::vector<UUID>& own : made) {
+        seen.insert(own.begin(), own.end());
     }
     EXPECT_EQ(seen.size(), 1000U);
 }
