@@ -1,0 +1,82 @@
+// The compound values that tray hosts exchange over the bus, and their marshalling.
+#pragma once
+
+#include <QByteArray>
+#include <QDBusArgument>
+#include <QDBusVariant>
+#include <QImage>
+#include <QList>
+#include <QMetaType>
+#include <QString>
+#include <QVariantMap>
+
+namespace tarnwick::platform {
+
+/// One picture of an icon: 32-bit ARGB, not premultiplied, most significant byte first, rows
+/// without padding. On the bus: (iiay).
+struct IconPixmap {
+    int width = 0;
+    int height = 0;
+    QByteArray bytes;
+
+    bool operator==(const IconPixmap&) const = default;
+};
+using IconPixmaps = QList<IconPixmap>;
+
+/// A tool tip: (sa(iiay)ss).
+struct ToolTip {
+    QString iconName;
+    IconPixmaps icon;
+    QString title;
+    QString description;
+
+    bool operator==(const ToolTip&) const = default;
+};
+
+/// A menu entry with its descendants: (ia{sv}av).
+struct MenuNode {
+    int id = 0;
+    QVariantMap properties;
+    QList<QDBusVariant> children;
+};
+
+/// The properties of one menu entry: (ia{sv}).
+struct MenuProperties {
+    int id = 0;
+    QVariantMap properties;
+};
+using MenuPropertiesList = QList<MenuProperties>;
+
+/// Something that happened to a menu entry: (isvu).
+struct MenuEvent {
+    int id = 0;
+    QString type;
+    QDBusVariant data;
+    uint timestamp = 0;
+};
+using MenuEvents = QList<MenuEvent>;
+
+/// The picture in the bus's format; any QImage format is taken.
+IconPixmap toPixmap(const QImage& image);
+
+QDBusArgument& operator<<(QDBusArgument& argument, const IconPixmap& value);
+const QDBusArgument& operator>>(const QDBusArgument& argument, IconPixmap& value);
+QDBusArgument& operator<<(QDBusArgument& argument, const ToolTip& value);
+const QDBusArgument& operator>>(const QDBusArgument& argument, ToolTip& value);
+QDBusArgument& operator<<(QDBusArgument& argument, const MenuNode& value);
+const QDBusArgument& operator>>(const QDBusArgument& argument, MenuNode& value);
+QDBusArgument& operator<<(QDBusArgument& argument, const MenuProperties& value);
+const QDBusArgument& operator>>(const QDBusArgument& argument, MenuProperties& value);
+QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvent& value);
+const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& value);
+
+/// Makes the types known to the bus library; needed once, more often does no harm.
+void registerBusTypes();
+
+}  // namespace tarnwick::platform
+
+Q_DECLARE_METATYPE(tarnwick::platform::IconPixmap)
+Q_DECLARE_METATYPE(tarnwick::platform::ToolTip)
+Q_DECLARE_METATYPE(tarnwick::platform::MenuNode)
+Q_DECLARE_METATYPE(tarnwick::platform::MenuProperties)
+Q_DECLARE_METATYPE(tarnwick::platform::MenuEvent)

@@ -1,0 +1,33 @@
+// The item in the older kind of tray, where the program docks a small window of its own (X11).
+#pragma once
+
+#include <QMenu>
+#include <QSystemTrayIcon>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "platform/linux/desktop/dbus_menu.h"
+#include "platform/linux/desktop/item_picture.h"
+
+namespace tarnwick::platform {
+
+/// Made only while the session has no StatusNotifier host. It follows trays coming and going by
+/// itself. Main thread.
+class EmbeddedTray final {
+ public:
+    EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<void()> click,
+                 std::function<void()> middleClick);
+
+    /// There is a tray that shows it.
+    bool inTray() const;
+    void setIcon(const IconPainter& painter, const ItemIcon& icon);
+    /// The tool tip.
+    void setText(const QString& text);
+
+ private:
+    QMenu menu_;
+    QSystemTrayIcon tray_;
+};
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,172 @@
+#include "platform/linux/desktop/linux_status_item.h"
+
+#include <QCursor>
+#include <QGuiApplication>
+#include <QTimer>
+#include <utility>
+
+#include "platform/linux/desktop/tray_presentation.h"
+#include "platform/linux/standard_error.h"
+
+namespace tarnwick::platform {
+namespace {
+
+constexpr auto kMenuPath = "/StatusNotifierMenu";
+
+bool onX11() {
+    return QGuiApplication::platformName() == "xcb";
+}
+
+void run(const std::function<void()>& action) {
+    if (action) {
+        action();
+    }
+}
+
+}  // namespace
+
+LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bool dark) {
+    Options options;
+    options.painter = std::move(painter);
+    options.dark = dark;
+    options.notice = platform::notice;
+    options.runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
+    return options;
+}
+
+LinuxStatusItem::LinuxStatusItem(QDBusConnection bus, Options options)
+    : bus_(std::move(bus)), options_(std::move(options)), pictureFile_(options_.runtimeFolder) {
+    entries_ = {
+        {.label = "Open Panel", .chosen = [this] { clicked(); }},
+        {.label = "Settings", .chosen = nullptr},
+        {.label = {}, .chosen = nullptr},
+        {.label = "Quit", .chosen = [this] { run(actions_.quit); }},
+    };
+}
+
+LinuxStatusItem::~LinuxStatusItem() = default;
+
+void LinuxStatusItem::setActions(StatusItemActions actions) {
+    actions_ = std::move(actions);
+}
+
+void LinuxStatusItem::setContent(const StatusItemContent& content) {
+    if (content_ == content) {
+        return;
+    }
+    content_ = content;
+    if (!started_) {
+        started_ = true;
+        start();
+    }
+    update();
+}
+
+void LinuxStatusItem::setDark(bool dark) {
+    if (options_.dark != dark) {
+        options_.dark = dark;
+        update();
+    }
+}
+
+bool LinuxStatusItem::performClick() {
+    if (!inTray()) {
+        return false;
+    }
+    run(actions_.click);
+    return true;
+}
+
+bool LinuxStatusItem::inTray() const {
+    if (registration_ && registration_->state() == NotifierRegistration::State::present) {
+        return true;
+    }
+    return embedded_ && embedded_->inTray();
+}
+
+void LinuxStatusItem::start() {
+    if (bus_.isConnected()) {
+        menu_ = std::make_unique<DBusMenu>(bus_, kMenuPath, entries_);
+        notifier_ = std::make_unique<StatusNotifierItem>(
+            bus_, kMenuPath,
+            NotifierActions{.activate = [this] { clicked(); },
+                            .secondaryActivate = [this] { run(actions_.refresh); }});
+    }
+    registration_ = std::make_unique<NotifierRegistration>(bus_, options_.programOf);
+    registration_->start([this] { hostChanged(); });
+    QTimer::singleShot(options_.noTrayMilliseconds, this, [this] { tellIfNoTray(); });
+}
+
+void LinuxStatusItem::hostChanged() {
+    anchor_.reset();
+    if (registration_->state() != NotifierRegistration::State::absent) {
+        embedded_.reset();
+    } else if (!embedded_ && onX11()) {
+        embedded_ = std::make_unique<EmbeddedTray>(
+            entries_, [this] { clicked(); }, [this] { run(actions_.refresh); });
+    }
+    update();
+}
+
+void LinuxStatusItem::update() {
+    if (!content_) {
+        return;
+    }
+    if (embedded_) {
+        embedded_->setIcon(options_.painter, icon());
+        embedded_->setText(QString::fromStdString(content_->accessibilityLabel));
+    }
+    // Nobody looks while there is no host; the latest content is set when one comes.
+    if (registration_->state() == NotifierRegistration::State::present) {
+        notifier_->setContent(notifierContent());
+    }
+}
+
+void LinuxStatusItem::clicked() {
+    if (onX11()) {
+        // Hosts do not agree on what the position in their message is relative to.
+        anchor_ = QCursor::pos();
+    }
+    run(actions_.click);
+}
+
+ItemIcon LinuxStatusItem::icon() const {
+    return {.symbol = content_->symbol, .tint = content_->tint, .dark = options_.dark};
+}
+
+const IconPixmaps& LinuxStatusItem::squares(const ItemIcon& icon) {
+    if (squaresOf_ != icon) {
+        squares_ = squarePixmaps(options_.painter, icon);
+        squaresOf_ = icon;
+    }
+    return squares_;
+}
+
+NotifierContent LinuxStatusItem::notifierContent() {
+    const TrayPresentation presentation = trayPresentation(registration_->program());
+    const bool hasText = content_->text && !content_->text->empty();
+    const QString text = QString::fromStdString(content_->text.value_or(std::string()));
+    NotifierContent content;
+    content.text = QString::fromStdString(content_->accessibilityLabel);
+    if (hasText && presentation.text == TextPlace::picture) {
+        content.icon = {
+            toPixmap(widePicture(options_.painter, icon(), text, presentation.pictureHeight))};
+    } else {
+        content.icon = squares(icon());
+    }
+    if (presentation.iconFromFile) {
+        content.iconName = pictureFile_.path(options_.painter, icon());
+    }
+    if (hasText && presentation.text == TextPlace::label) {
+        content.label = text;
+    }
+    return content;
+}
+
+void LinuxStatusItem::tellIfNoTray() {
+    if (!inTray() && options_.notice) {
+        options_.notice("no tray was found; start Tarnwick again to open its panel");
+    }
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,93 @@
+// The status item on Linux: on the bus where a StatusNotifier host draws it, else in the tray of
+// the older kind.
+#pragma once
+
+#include <QDBusConnection>
+#include <QObject>
+#include <QPoint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/desktop.h"
+#include "platform/linux/desktop/dbus_menu.h"
+#include "platform/linux/desktop/embedded_tray.h"
+#include "platform/linux/desktop/item_picture.h"
+#include "platform/linux/desktop/notifier_registration.h"
+#include "platform/linux/desktop/picture_file.h"
+#include "platform/linux/desktop/status_notifier_item.h"
+
+namespace tarnwick::platform {
+
+/// Follows hosts and trays as they come and go. Main thread; never waits for the bus.
+class LinuxStatusItem final : public QObject, public StatusItem {
+    Q_OBJECT
+
+ public:
+    struct Options {
+        /// Draws the icon; required.
+        IconPainter painter;
+        /// The desktop prefers dark.
+        bool dark = false;
+        /// Tells the user one line.
+        std::function<void(std::string_view)> notice;
+        /// Milliseconds without any tray after which the user is told, once.
+        int noTrayMilliseconds = 5000;
+        /// Names the program of a process.
+        NotifierRegistration::ProgramOf programOf = programOfProcess;
+        /// Folder for the picture file that some hosts want in place of pixmaps.
+        std::string runtimeFolder;
+    };
+
+    /// Fills in what a session has: the notice on standard error, the runtime folder.
+    static Options sessionOptions(IconPainter painter, bool dark);
+
+    /// `bus` may be unconnected: then only a tray of the older kind is looked for.
+    LinuxStatusItem(QDBusConnection bus, Options options);
+    ~LinuxStatusItem() override;
+
+    void setContent(const StatusItemContent& content) override;
+    void setActions(StatusItemActions actions) override;
+    bool performClick() override;
+
+    /// The desktop's preference changed: draws the icon in the other shade.
+    void setDark(bool dark);
+
+    /// A host or a tray shows the item now.
+    bool inTray() const;
+
+    /// Where the item was last clicked, in the screen's coordinates; none before the first click
+    /// and on desktops that do not let a program see the pointer (Wayland).
+    std::optional<QPoint> anchor() const { return anchor_; }
+
+ private:
+    void start();
+    void hostChanged();
+    void update();
+    void clicked();
+    ItemIcon icon() const;
+    NotifierContent notifierContent();
+    const IconPixmaps& squares(const ItemIcon& icon);
+    void tellIfNoTray();
+
+    QDBusConnection bus_;
+    Options options_;
+    StatusItemActions actions_;
+    std::optional<StatusItemContent> content_;
+    std::vector<MenuEntry> entries_;
+    std::optional<QPoint> anchor_;
+    /// The squares drawn last, and of what: most changes are of the text alone.
+    std::optional<ItemIcon> squaresOf_;
+    IconPixmaps squares_;
+    PictureFile pictureFile_;
+    std::unique_ptr<DBusMenu> menu_;
+    std::unique_ptr<StatusNotifierItem> notifier_;
+    std::unique_ptr<NotifierRegistration> registration_;
+    std::unique_ptr<EmbeddedTray> embedded_;
+    bool started_ = false;
+};
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,72 @@
+// Keeps the status item registered with whatever StatusNotifier watcher the session has.
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QObject>
+#include <QString>
+#include <functional>
+#include <optional>
+#include <string>
+
+namespace tarnwick::platform {
+
+/// File name of the executable of a process; empty when it cannot be read.
+std::string programOfProcess(unsigned processId);
+
+/// Registers again whenever a watcher appears or is replaced. Everything is asynchronous; main
+/// thread.
+class NotifierRegistration final : public QObject {
+    Q_OBJECT
+
+ public:
+    enum class State {
+        /// The bus has not answered yet.
+        unknown,
+        /// There is no watcher, it has no host that would draw the item, or there is no bus.
+        absent,
+        /// A host draws the item.
+        present,
+    };
+    using ProgramOf = std::function<std::string(unsigned processId)>;
+
+    explicit NotifierRegistration(QDBusConnection bus, ProgramOf programOf = programOfProcess);
+    /// Gives the item's name back, at which hosts drop the item.
+    ~NotifierRegistration() override;
+
+    State state() const { return state_; }
+    /// The executable's file name of the program that owns the watcher; empty when not known.
+    const std::string& program() const { return program_; }
+
+    /// Begins to follow. `changed` is called for every change of state or program, before the
+    /// item is registered, so that the host's first look finds the right content.
+    void start(std::function<void()> changed);
+
+ private slots:
+    void hostRegistered();
+    void hostUnregistered();
+    void disconnected();
+
+ private:
+    void ownerChanged(const QString& owner);
+    void ask(const QString& owner);
+    void registerItem(int attempt);
+    void publish();
+
+    QDBusConnection bus_;
+    ProgramOf programOf_;
+    std::function<void()> changed_;
+    QDBusServiceWatcher ownerWatcher_;
+    /// The name hosts know the item by; empty until the bus has granted one.
+    QString service_;
+    QString owner_;
+    /// Counts owners, so that answers about an earlier one are told apart.
+    int generation_ = 0;
+    std::optional<std::string> askedProgram_;
+    std::optional<bool> hasHost_;
+    bool registered_ = false;
+    State state_ = State::unknown;
+    std::string program_;
+};
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,31 @@
+// Where the live text goes, by the program that shows the tray.
+#pragma once
+
+#include <string_view>
+
+namespace tarnwick::platform {
+
+enum class TextPlace {
+    /// The host draws every picture as a square icon: the text is in title and tool tip only.
+    toolTip,
+    /// The host draws a wide picture whole: icon and text in one picture.
+    picture,
+    /// The host shows a label beside the icon.
+    label,
+};
+
+struct TrayPresentation {
+    TextPlace text = TextPlace::toolTip;
+    /// The host draws no pixmaps: the icon must be a file, its path in the icon's name.
+    bool iconFromFile = false;
+    /// The host wants one wide picture of this height in pixels; 0 when `text` is no picture.
+    int pictureHeight = 0;
+
+    bool operator==(const TrayPresentation&) const = default;
+};
+
+/// How to present the item to the program that owns the StatusNotifier watcher. `program` is the
+/// file name of its executable; an unknown one gets what every host draws: a square icon.
+TrayPresentation trayPresentation(std::string_view program);
+
+}  // namespace tarnwick::platform

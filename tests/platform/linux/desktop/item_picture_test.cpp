@@ -1,0 +1,151 @@
+#include "platform/linux/desktop/item_picture.h"
+
+#include <QColor>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <vector>
+
+namespace tarnwick::platform {
+namespace {
+
+using ::testing::ElementsAre;
+
+QImage filled(int pixels, const QColor& color) {
+    QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
+    image.fill(color);
+    return image;
+}
+
+/// A full square: green, yellow or red, brighter on dark.
+QImage paintSquare(const std::string& symbol, Tint tint, bool dark, int pixels) {
+    if (symbol != "square") {
+        return {};
+    }
+    const int level = dark ? 255 : 200;
+    switch (tint) {
+        case Tint::yellow:
+            return filled(pixels, QColor(level, level, 0));
+        case Tint::red:
+            return filled(pixels, QColor(level, 0, 0));
+        default:
+            return filled(pixels, QColor(0, level, 0));
+    }
+}
+
+/// Pixels with an alpha above nothing, from column `begin` on.
+int inkFrom(const QImage& image, int begin, int end) {
+    int ink = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = begin; x < end; ++x) {
+            ink += qAlpha(image.pixel(x, y)) > 0 ? 1 : 0;
+        }
+    }
+    return ink;
+}
+
+const ItemIcon kGreen{.symbol = "square", .tint = Tint::green, .dark = false};
+
+TEST(Pixmap, HoldsUnmultipliedColoursMostSignificantByteFirst) {
+    QImage image(2, 1, QImage::Format_ARGB32);
+    image.setPixel(0, 0, qRgba(0x11, 0x22, 0x33, 0x80));
+    image.setPixel(1, 0, qRgba(0xAA, 0xBB, 0xCC, 0xFF));
+    const IconPixmap pixmap = toPixmap(image);
+    EXPECT_EQ(pixmap.width, 2);
+    EXPECT_EQ(pixmap.height, 1);
+    EXPECT_EQ(pixmap.bytes, QByteArray::fromHex("80112233ffaabbcc"));
+}
+
+TEST(Pixmap, HasRowsWithoutPaddingWhateverTheImagesFormat) {
+    QImage image(3, 2, QImage::Format_RGB888);
+    image.fill(QColor(1, 2, 3));
+    const IconPixmap pixmap = toPixmap(image);
+    EXPECT_EQ(pixmap.bytes, QByteArray::fromHex("ff010203").repeated(6));
+}
+
+TEST(SquarePixmaps, ComeInEverySizeThatHostsAskFor) {
+    std::vector<int> sizes;
+    for (const IconPixmap& each : squarePixmaps(paintSquare, kGreen)) {
+        EXPECT_EQ(each.width, each.height);
+        EXPECT_EQ(each.bytes.size(), 4 * each.width * each.height);
+        sizes.push_back(each.width);
+    }
+    EXPECT_THAT(sizes, ElementsAre(16, 22, 24, 32, 48, 64));
+}
+
+TEST(SquarePixmaps, CarryTheTintInTheShadeOfTheDesktop) {
+    const auto first = [](Tint tint, bool dark) {
+        const IconPixmaps all = squarePixmaps(paintSquare, {"square", tint, dark});
+        return all.first().bytes.first(4).toHex();
+    };
+    EXPECT_EQ(first(Tint::green, false), "ff00c800");
+    EXPECT_EQ(first(Tint::yellow, false), "ffc8c800");
+    EXPECT_EQ(first(Tint::red, false), "ffc80000");
+    EXPECT_EQ(first(Tint::green, true), "ff00ff00");
+}
+
+TEST(SquarePicture, IsTransparentForASymbolWithoutADrawing) {
+    const QImage picture = squarePicture(paintSquare, {.symbol = "unknown"}, 22);
+    EXPECT_EQ(picture.size(), QSize(22, 22));
+    EXPECT_EQ(inkFrom(picture, 0, 22), 0);
+}
+
+TEST(SquarePicture, HasTheAskedSizeWhateverThePainterReturns) {
+    const auto small = [](const std::string&, Tint, bool, int) {
+        QImage image = filled(10, Qt::red);
+        image.setDevicePixelRatio(2);
+        return image;
+    };
+    const QImage picture = squarePicture(small, kGreen, 32);
+    EXPECT_EQ(picture.size(), QSize(32, 32));
+    EXPECT_EQ(picture.devicePixelRatio(), 1);
+    EXPECT_EQ(inkFrom(picture, 0, 32), 32 * 32);
+}
+
+TEST(WidePicture, KeepsItsWidthForEveryText) {
+    for (const char* text : {"RAM 5%", "Disk 100%", "A text that is far too long for its place"}) {
+        const QImage picture = widePicture(paintSquare, kGreen, text, 36);
+        EXPECT_EQ(picture.size(), QSize(widePictureWidth(36), 36)) << text;
+    }
+    EXPECT_EQ(widePictureWidth(18), 92);
+    EXPECT_EQ(widePictureWidth(36), 184);
+}
+
+TEST(WidePicture, ShowsTheIconAtTheLeftAndTheTextBesideIt) {
+    const QImage picture = widePicture(paintSquare, kGreen, "CPU 12%", 36);
+    EXPECT_EQ(picture.pixelColor(4, 18), QColor(0, 200, 0));
+    EXPECT_EQ(inkFrom(picture, 0, 32), 32 * 32);
+    EXPECT_GT(inkFrom(picture, 40, 184), 200);
+    EXPECT_EQ(inkFrom(widePicture(paintSquare, kGreen, "", 36), 36, 184), 0);
+}
+
+TEST(WidePicture, CutsALongTextInsideItsPlace) {
+    const QString letters(40, 'W');
+    const QImage picture = widePicture(paintSquare, kGreen, letters, 36);
+    EXPECT_EQ(picture.width(), 184);
+    // The edge of the last letter may touch the last columns; a letter that was clipped would
+    // fill them.
+    EXPECT_LT(inkFrom(picture, 182, 184), 24);
+    EXPECT_NE(picture, widePicture(paintSquare, kGreen, "W", 36));
+}
+
+TEST(WidePicture, WritesDarkLettersOnALightDesktopAndLightOnADarkOne) {
+    const auto darkest = [](bool dark) {
+        const QImage picture =
+            widePicture(paintSquare, {"square", Tint::green, dark}, "CPU 12%", 36);
+        int least = 255;
+        for (int y = 0; y < 36; ++y) {
+            for (int x = 40; x < 184; ++x) {
+                const QColor color = picture.pixelColor(x, y);
+                if (color.alpha() == 255) {
+                    least = std::min(least, color.lightness());
+                }
+            }
+        }
+        return least;
+    };
+    EXPECT_LT(darkest(false), 20);
+    EXPECT_GT(darkest(true), 200);
+}
+
+}  // namespace
+}  // namespace tarnwick::platform
