@@ -40,6 +40,11 @@ SqliteUserDefaults::SqliteUserDefaults(std::filesystem::path file, Notice notice
     : file_(std::move(file)), notice_(std::move(notice)), patience_(patience) {}
 
 SqliteUserDefaults::~SqliteUserDefaults() {
+    synchronize();
+}
+
+void SqliteUserDefaults::synchronize() {
+    const std::lock_guard guard(lock_);
     if (!pending_.empty()) {
         patient_ = true;
         flush();

@@ -47,13 +47,15 @@ class SqliteUserDefaults final : public UserDefaults {
     /// once one has waited in vain, none waits until one got through.
     explicit SqliteUserDefaults(std::filesystem::path file, Notice notice = &platform::notice,
                                 std::chrono::milliseconds patience = kPatience);
-    /// Tries once more to write what is only in memory.
+    /// synchronize()
     ~SqliteUserDefaults() override;
 
     std::optional<DefaultsValue> object(std::string_view key) override;
     void set(std::string_view key, const DefaultsValue& value) override;
     /// Says yes, too, where the file cannot be read and may hold the key.
     bool contains(std::string_view key) override;
+    /// Tries once more, patiently, to write what is only in memory: for the end of the program.
+    void synchronize();
 
     static constexpr std::chrono::milliseconds kPatience{250};
 

@@ -23,11 +23,11 @@ enum class MenuTab {
 
 /// What lies outside the panel. The button of a missing function is disabled.
 struct PanelTargets {
-    std::function<void()> showSettings;
-    std::function<void()> openActivityMonitor;
-    std::function<void()> quit;
-    std::function<void()> showMemoryDetail;
-    std::function<void()> showPerformanceDetail;
+    std::function<void()> showSettings{};
+    std::function<void()> openActivityMonitor{};
+    std::function<void()> quit{};
+    std::function<void()> showMemoryDetail{};
+    std::function<void()> showPerformanceDetail{};
 };
 
 /// What a view runs on; all outlive it.

@@ -25,6 +25,10 @@ PanelWindow::~PanelWindow() {
     }
 }
 
+bool PanelWindow::isOpen() const {
+    return popup_ != nullptr;
+}
+
 void PanelWindow::open(const QRect& anchor) {
     if (isOpen()) {
         return;

@@ -23,7 +23,7 @@ class PanelWindow final : public QObject {
     PanelWindow(MenuBarView& view, const Theme& theme, const platform::Dispatch& dispatch);
     ~PanelWindow() override;
 
-    bool isOpen() const { return popup_ != nullptr; }
+    bool isOpen() const;
     /// Opens beside `anchor`, the status item's place on the screen; a rectangle of one pixel where
     /// only a point is known. Does nothing while open.
     void open(const QRect& anchor);

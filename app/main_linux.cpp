@@ -1,0 +1,135 @@
+// The program on a Linux desktop: puts the machine, the toolkit and the shell together.
+#include <QApplication>
+#include <QScreen>
+#include <cstdlib>
+#include <string>
+
+#include "app/tarnwick_app.h"
+#include "platform/linux/byte_count_text.h"
+#include "platform/linux/desktop/color_scheme.h"
+#include "platform/linux/desktop/interface_font.h"
+#include "platform/linux/desktop/linux_status_item.h"
+#include "platform/linux/desktop/qt_dispatch.h"
+#include "platform/linux/desktop/quit_signals.h"
+#include "platform/linux/desktop/session_bus.h"
+#include "platform/linux/desktop/single_instance.h"
+#include "platform/linux/desktop/toolkit_environment.h"
+#include "platform/linux/linux_kernel.h"
+#include "platform/linux/linux_process_info.h"
+#include "platform/linux/linux_volumes.h"
+#include "platform/linux/sqlite_user_defaults.h"
+#include "platform/linux/standard_error.h"
+#include "platform/login_service.h"
+#include "platform/platform.h"
+#include "ui/panel/menu_bar_view.h"
+#include "ui/qt/panel_window.h"
+#include "ui/qt/symbols.h"
+#include "ui/qt/theme.h"
+
+namespace tarnwick {
+namespace {
+
+bool hasDisplay() {
+    for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
+        const char* value = std::getenv(name);
+        if (value && *value) {
+            return true;
+        }
+    }
+    return false;
+}
+
+/// The machine. Nothing of it is ever destroyed: background work that is stuck when the program
+/// ends may still use it.
+void installPlatform(platform::UserDefaults& userDefaults) {
+    platform::install({
+        .kernel = new platform::LinuxKernel(),
+        .volumes = new platform::LinuxVolumes(),
+        .processInfo = new platform::LinuxProcessInfo(),
+        .userDefaults = &userDefaults,
+        .loginService = new platform::NullLoginService(),
+        .byteCountFormatter = new platform::PlainByteCountFormatter(),
+        .dispatch = new platform::QtDispatch(),
+    });
+}
+
+QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
+    return qt::symbolImage(symbol, qt::Theme::color(tint, dark), pixels);
+}
+
+/// Where the panel opens: at the item or, where its place is not known, in the upper right corner.
+QRect panelAnchor(const platform::LinuxStatusItem& item) {
+    if (const auto point = item.anchor()) {
+        return {*point, QSize(1, 1)};
+    }
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    return {screen.topRight(), QSize(1, 1)};
+}
+
+int run(QApplication& application) {
+    const QDBusConnection bus = platform::sessionBus();
+    if (!bus.isConnected()) {
+        platform::notice("there is no session bus: only a tray of the older kind can be used");
+    }
+    platform::SingleInstance instance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString());
+    switch (instance.claim()) {
+        case platform::SingleInstance::Claim::first:
+            break;
+        case platform::SingleInstance::Claim::handedOver:
+            return EXIT_SUCCESS;
+        case platform::SingleInstance::Claim::unanswered:
+            platform::notice("another Tarnwick is running and does not answer");
+            return EXIT_FAILURE;
+    }
+
+    const auto environment = [](const char* name) { return std::getenv(name); };
+    auto& userDefaults =
+        *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
+    installPlatform(userDefaults);
+    platform::applyInterfaceFont();
+
+    qt::Theme theme;
+    platform::LinuxStatusItem item(
+        bus, platform::LinuxStatusItem::sessionOptions(paintIcon, theme.isDark()));
+    const platform::ColorScheme colorScheme(bus, [&theme, &item](bool dark) {
+        theme.setDark(dark);
+        item.setDark(dark);
+    });
+
+    TarnwickApp app(item);
+    const auto quit = [&application] { application.quit(); };
+    MenuBarView view(app.statsManager(), {.quit = quit});
+    qt::PanelWindow panel(view, theme, *platform::current().dispatch);
+    item.setActions({.click = [&panel, &item] { panel.toggle(panelAnchor(item)); },
+                     .refresh = [&app] { app.statsManager().refreshNow(); },
+                     .quit = quit});
+    instance.setOpenPanel([&panel, &item] { panel.open(panelAnchor(item)); });
+    const platform::QuitSignals quitSignals(quit);
+
+    app.appDelegate().applicationDidFinishLaunching();
+    const int status = application.exec();
+    panel.close();
+    // The last chance for what could not be written yet.
+    userDefaults.synchronize();
+    return status;
+}
+
+}  // namespace
+}  // namespace tarnwick
+
+int main(int argc, char* argv[]) {
+    using namespace tarnwick;
+    if (!hasDisplay()) {
+        platform::notice("there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
+        return EXIT_FAILURE;
+    }
+    auto environment = std::make_optional<platform::ToolkitEnvironment>();
+    QApplication application(argc, argv);
+    environment.reset();
+    QApplication::setApplicationName("tarnwick");
+    QApplication::setApplicationDisplayName("Tarnwick");
+    QApplication::setApplicationVersion(TARNWICK_VERSION);
+    QApplication::setDesktopFileName("tarnwick");
+    QApplication::setQuitOnLastWindowClosed(false);
+    return run(application);
+}
