@@ -10,6 +10,9 @@ std::string PlainByteCountFormatter::stringFromByteCount(std::int64_t byteCount,
                                                          platform::CountStyle style) const {
     constexpr std::array units = {"bytes", "KB", "MB", "GB", "TB", "PB", "EB"};
     const double base = style == platform::CountStyle::file ? 1000 : 1024;
+    if (byteCount == 0) {
+        return "Zero KB";
+    }
     double value = static_cast<double>(byteCount);
     std::size_t unit = 0;
     while (value >= base) {

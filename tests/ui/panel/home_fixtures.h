@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -35,6 +36,10 @@ struct HomeState {
     /// As in the names of the golden files.
     std::string_view name;
     HomePageInputs inputs;
+
+    friend std::ostream& operator<<(std::ostream& out, const HomeState& state) {
+        return out << state.name;
+    }
 };
 
 /// calmMachine() and what else a machine may look like.

@@ -1,0 +1,228 @@
+#include "ui/panel/menu_bar_view.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/core/stats_manager_fixture.h"
+#include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/panel/page_queries.h"
+
+namespace tarnwick {
+namespace {
+
+using testing::block;
+using testing::contains;
+using ::testing::ElementsAre;
+
+class ScriptedProcessInfo final : public platform::ProcessInfo {
+ public:
+    std::int64_t activeProcessorCount() override { return 1; }
+    std::int64_t thermalState() override { return state; }
+
+    std::int64_t state = 0;
+};
+
+class MenuBarViewTest : public testing::StatsManagerTest {
+ protected:
+    MenuBarViewTest() : manager(makeSettled()) {
+        view = std::make_unique<MenuBarView>(
+            *manager, targets(), MenuBarViewEnvironment{manual, processInfo, formatter});
+        view->setPageObserver([this](const Page& page) { pages.push_back(page); });
+    }
+
+    PanelTargets targets() {
+        return {.showSettings = {},
+                .openActivityMonitor = {},
+                .quit = [this] { performed.push_back("quit"); },
+                .showMemoryDetail = {},
+                .showPerformanceDetail = {}};
+    }
+
+    std::unique_ptr<StatsManager> manager;
+    ScriptedProcessInfo processInfo;
+    testing::SpellingByteCountFormatter formatter;
+    std::unique_ptr<MenuBarView> view;
+    /// What the observer was told.
+    std::vector<Page> pages;
+    std::vector<std::string> performed;
+};
+
+TEST_F(MenuBarViewTest, StartsOnTheHomePage) {
+    EXPECT_EQ(view->activeTab(), MenuTab::home);
+    EXPECT_EQ(&view->statsManager(), manager.get());
+    EXPECT_EQ(static_cast<int>(MenuTab::home), 0);
+    EXPECT_EQ(static_cast<int>(MenuTab::memoryDetail), 1);
+    EXPECT_EQ(static_cast<int>(MenuTab::performanceDetail), 2);
+}
+
+TEST_F(MenuBarViewTest, PageShowsWhatTheManagerPublishes) {
+    processInfo.state = 2;
+    const Page page = view->page();
+    EXPECT_EQ(block<PanelHeader>(page, "header").summary, manager->displaySummary().popoverText);
+    EXPECT_EQ(block<UsageBar>(page, "bar.cpu").detail, "11.0%");
+    EXPECT_EQ(block<UsageBar>(page, "bar.gpu").detail, "12.0%");
+    EXPECT_EQ(block<UsageBar>(page, "bar.memory").detail, "26 B memory / 200 B memory (13%)");
+    EXPECT_EQ(block<UsageBar>(page, "bar.storage").title, "Storage (Disk)");
+    EXPECT_EQ(block<UsageBar>(page, "bar.storage").detail, "140 B file / 1000 B file");
+    EXPECT_EQ(block<StatusRow>(page, "uptime").value, "1m");
+    EXPECT_EQ(block<StatusRow>(page, "thermals").value, "Serious");
+    EXPECT_TRUE(contains(page, "battery.capacity"));
+}
+
+TEST_F(MenuBarViewTest, PageIsLoadingBeforeAnythingWasMeasured) {
+    const auto fresh = make();
+    const MenuBarView early(*fresh, {}, {manual, processInfo, formatter});
+    const Page page = early.page();
+    EXPECT_EQ(block<PanelHeader>(page, "header").summary, "Collecting system data...");
+    EXPECT_EQ(block<UsageBar>(page, "bar.storage").detail, "Loading...");
+    EXPECT_EQ(block<CaptionText>(page, "battery.state").text, "Checking battery\u2026");
+}
+
+TEST_F(MenuBarViewTest, ThresholdsAndReminderAreReadForEachPage) {
+    manager->systemInfo.set({604800});
+    EXPECT_EQ(block<UsageBar>(view->page(), "bar.cpu").tint, Tint::green);
+    settings.setCPUNormal(5);
+    settings.setCPUHigh(11);
+    settings.setRemindRestartAfterWeek(false);
+    EXPECT_FALSE(contains(view->page(), "restart"));
+    settings.setRemindRestartAfterWeek(true);
+    const Page page = view->page();
+    EXPECT_EQ(block<UsageBar>(page, "bar.cpu").tint, Tint::red);
+    EXPECT_TRUE(contains(page, "restart"));
+    EXPECT_TRUE(contains(page, "topCPU"));
+}
+
+TEST_F(MenuBarViewTest, AppearingAndDisappearingReachTheManagerOnce) {
+    view->appear();
+    EXPECT_TRUE(manager->isPopoverVisible());
+    settle();
+    takeCalls();
+    view->appear();
+    settle();
+    EXPECT_TRUE(calls.empty());
+
+    view->disappear();
+    EXPECT_FALSE(manager->isPopoverVisible());
+    view->disappear();
+    EXPECT_FALSE(view->isVisible());
+}
+
+TEST_F(MenuBarViewTest, ManyChangesAreOneNewPage) {
+    view->appear();
+    settle();
+    pages.clear();
+    const std::size_t before = manual.asyncCount();
+    manager->cpuInfo.set(testing::makeCPU(50, 4));
+    manager->memoryInfo.set({.total = 200, .used = 100});
+    manager->systemInfo.set({120});
+    EXPECT_EQ(manual.asyncCount(), before + 1);
+    EXPECT_TRUE(pages.empty());
+    manual.runMain();
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_EQ(block<UsageBar>(pages[0], "bar.cpu").detail, "50.0%");
+    EXPECT_EQ(block<UsageBar>(pages[0], "bar.memory").value, 50);
+    EXPECT_EQ(block<StatusRow>(pages[0], "uptime").value, "2m");
+}
+
+TEST_F(MenuBarViewTest, LaterChangesAreAnnouncedAgain) {
+    view->appear();
+    settle();
+    pages.clear();
+    for (const double usage : {20.0, 30.0}) {
+        manager->cpuInfo.set(testing::makeCPU(usage, 4));
+        manual.runMain();
+    }
+    EXPECT_EQ(pages.size(), 2U);
+}
+
+TEST_F(MenuBarViewTest, AChangeThatDoesNotShowIsNotAnnounced) {
+    view->appear();
+    settle();
+    pages.clear();
+    manager->cpuInfo.set(*manager->cpuInfo);
+    manager->networkInfo.set({.downloadBytesPerSecond = 12, .hasSample = true});
+    manual.runMain();
+    EXPECT_TRUE(pages.empty());
+}
+
+TEST_F(MenuBarViewTest, CostsNothingWhileHidden) {
+    const std::size_t before = manual.asyncCount();
+    manager->cpuInfo.set(testing::makeCPU(50, 4));
+    EXPECT_EQ(manual.asyncCount(), before);
+    view->appear();
+    view->disappear();
+    settle();
+    const std::size_t after = manual.asyncCount();
+    manager->cpuInfo.set(testing::makeCPU(60, 4));
+    EXPECT_EQ(manual.asyncCount(), after);
+    EXPECT_TRUE(pages.empty());
+}
+
+TEST_F(MenuBarViewTest, AnnouncesNothingAfterItDisappeared) {
+    view->appear();
+    settle();
+    pages.clear();
+    manager->cpuInfo.set(testing::makeCPU(50, 4));
+    view->disappear();
+    settle();
+    EXPECT_TRUE(pages.empty());
+}
+
+TEST_F(MenuBarViewTest, MayGoWhileAChangeWaits) {
+    view->appear();
+    settle();
+    pages.clear();
+    manager->cpuInfo.set(testing::makeCPU(50, 4));
+    view.reset();
+    manual.runMain();
+    manager->cpuInfo.set(testing::makeCPU(60, 4));
+    EXPECT_TRUE(pages.empty());
+}
+
+TEST_F(MenuBarViewTest, RefreshMeasuresEverythingAnew) {
+    takeCalls();
+    view->perform(PanelAction::refresh);
+    settle();
+    EXPECT_EQ(count("health forced"), 1U);
+    EXPECT_GE(count("cpu"), 1U);
+}
+
+TEST_F(MenuBarViewTest, ActionsRunTheirTargets) {
+    std::vector<std::string> ran;
+    const auto target = [&ran](const char* name) { return [&ran, name] { ran.push_back(name); }; };
+    MenuBarView full(*manager,
+                     {.showSettings = target("settings"),
+                      .openActivityMonitor = target("monitor"),
+                      .quit = target("quit"),
+                      .showMemoryDetail = target("memory"),
+                      .showPerformanceDetail = target("performance")},
+                     {manual, processInfo, formatter});
+    for (const PanelAction action :
+         {PanelAction::showSettings, PanelAction::openActivityMonitor, PanelAction::quit,
+          PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail}) {
+        EXPECT_TRUE(full.canPerform(action));
+        full.perform(action);
+    }
+    EXPECT_THAT(ran, ElementsAre("settings", "monitor", "quit", "memory", "performance"));
+    const Page page = full.page();
+    EXPECT_TRUE(block<PanelHeader>(page, "header").buttons[0].isEnabled);
+    EXPECT_TRUE(block<NavigationButton>(page, "navigation.memory").button.isEnabled);
+}
+
+TEST_F(MenuBarViewTest, AMissingTargetDisablesItsButtonAndDoesNothing) {
+    const Page page = view->page();
+    EXPECT_FALSE(block<PanelHeader>(page, "header").buttons[0].isEnabled);
+    EXPECT_TRUE(block<PanelHeader>(page, "header").buttons[1].isEnabled);
+    EXPECT_FALSE(block<NavigationButton>(page, "navigation.memory").button.isEnabled);
+    EXPECT_FALSE(block<NavigationButton>(page, "navigation.performance").button.isEnabled);
+    EXPECT_FALSE(block<FooterRow>(page, "footer").buttons[0].isEnabled);
+    EXPECT_TRUE(block<FooterRow>(page, "footer").buttons[1].isEnabled);
+    EXPECT_FALSE(view->canPerform(PanelAction::showSettings));
+    view->perform(PanelAction::showSettings);
+    EXPECT_TRUE(performed.empty());
+    view->perform(PanelAction::quit);
+    EXPECT_THAT(performed, ElementsAre("quit"));
+}
+
+}  // namespace
+}  // namespace tarnwick
