@@ -15,7 +15,6 @@ struct Line {
     std::optional<std::uint64_t> MemInfo::*field;
 };
 
-// In the kernel's order.
 constexpr std::array<Line, 10> lines = {{
     {"MemTotal:", &MemInfo::memTotal},
     {"MemFree:", &MemInfo::memFree},
@@ -50,24 +49,24 @@ std::optional<std::uint64_t> bytesOf(std::string_view value) {
 
 MemInfo parseMemInfo(std::string_view text) {
     MemInfo info;
-    // The lines come in the order above, so the search goes on where the last one was found.
-    std::size_t next = 0;
-    while (true) {
+    std::size_t found = 0;
+    while (found < lines.size()) {
         const std::size_t end = text.find('\n');
         if (end == std::string_view::npos) {
-            return info;
+            break;
         }
         const std::string_view line = text.substr(0, end);
         text.remove_prefix(end + 1);
-        for (std::size_t step = 0; step < lines.size(); ++step) {
-            const Line& wanted = lines[(next + step) % lines.size()];
-            if (line.starts_with(wanted.key)) {
+        for (const Line& wanted : lines) {
+            // Most lines are not wanted; their first letter tells it soonest.
+            if (line.starts_with(wanted.key.front()) && line.starts_with(wanted.key)) {
                 info.*wanted.field = bytesOf(line.substr(wanted.key.size()));
-                next = (next + step + 1) % lines.size();
+                ++found;
                 break;
             }
         }
     }
+    return info;
 }
 
 std::optional<std::uint64_t> parseZramMemoryUsed(std::string_view mmStat) {
