@@ -52,6 +52,10 @@ void MachineTree::write(std::string_view path, std::string_view content) const {
     ASSERT_TRUE(stream.flush().good()) << file;
 }
 
+void MachineTree::truncate(std::string_view path, std::size_t size) const {
+    std::filesystem::resize_file(below(root_, path), size);
+}
+
 void MachineTree::remove(std::string_view path) const {
     ASSERT_GT(std::filesystem::remove_all(below(root_, path)), 0U) << path;
 }

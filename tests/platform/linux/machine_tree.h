@@ -1,6 +1,7 @@
 // File trees that stand for a machine: recorded ones and ones that a test writes.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -25,6 +26,8 @@ class MachineTree {
     const std::string& root() const { return root_; }
     /// Writes a file in place, with its folders.
     void write(std::string_view path, std::string_view content) const;
+    /// Cuts a file off in place.
+    void truncate(std::string_view path, std::size_t size) const;
     void remove(std::string_view path) const;
     void makeFolder(std::string_view path) const;
     void link(std::string_view path, std::string_view target) const;
