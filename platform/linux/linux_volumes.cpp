@@ -1,11 +1,8 @@
 #include "platform/linux/linux_volumes.h"
 
-#include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
-#include <limits>
 #include <pwd.h>
 #include <sys/statvfs.h>
 #include <system_error>
@@ -15,6 +12,7 @@
 
 #include "platform/linux/kept_file.h"
 #include "platform/linux/mountinfo.h"
+#include "platform/linux/volume_capacity.h"
 #include "platform/linux/volume_label.h"
 
 namespace tarnwick::platform {
@@ -47,36 +45,15 @@ std::string homeDirectory(const std::optional<std::string>& choice) {
     return variable != nullptr && variable[0] == '/' ? variable : homeFromPasswordDatabase();
 }
 
-struct Capacity {
-    std::int64_t total = 0;
-    std::int64_t available = 0;
-    unsigned long fileSystem = 0;
-};
-
-std::int64_t bytesOf(std::uint64_t blocks, std::uint64_t blockSize) {
-    constexpr std::uint64_t largest = std::numeric_limits<std::int64_t>::max();
-    if (blockSize != 0 && blocks > largest / blockSize) {
-        return static_cast<std::int64_t>(largest);
-    }
-    return static_cast<std::int64_t>(blocks * blockSize);
-}
-
 // Absent with the system's error code in `error`.
-std::optional<Capacity> capacityOf(const std::string& path, int& error) {
+std::optional<VolumeCapacity> capacityOf(const std::string& path, int& error) {
     struct statvfs figures {};
     int result = 0;
     do {
         result = ::statvfs(path.c_str(), &figures);
     } while (result != 0 && errno == EINTR);
     error = result != 0 ? errno : 0;
-    if (error != 0) {
-        return std::nullopt;
-    }
-    // Where the blocks kept for the system are in use, some file systems give a negative count.
-    const bool negative = static_cast<std::int64_t>(figures.f_bavail) < 0;
-    return Capacity{.total = bytesOf(figures.f_blocks, figures.f_frsize),
-                    .available = negative ? 0 : bytesOf(figures.f_bavail, figures.f_frsize),
-                    .fileSystem = figures.f_fsid};
+    return error != 0 ? std::nullopt : std::optional(volumeCapacity(figures));
 }
 
 }  // namespace
@@ -92,7 +69,7 @@ std::string LinuxVolumes::homeDirectoryForCurrentUser() {
 std::variant<VolumeResourceValues, VolumeError> LinuxVolumes::resourceValues(
     const std::string& path) {
     int error = 0;
-    const std::optional<Capacity> capacity = capacityOf(belowRoot(root_, path), error);
+    const std::optional<VolumeCapacity> capacity = capacityOf(belowRoot(root_, path), error);
     if (!capacity) {
         return VolumeError{.localizedDescription = std::generic_category().message(error)};
     }
@@ -105,7 +82,7 @@ std::variant<VolumeResourceValues, VolumeError> LinuxVolumes::resourceValues(
 std::optional<FileSystemAttributes> LinuxVolumes::attributesOfFileSystemForPath(
     const std::string& path) {
     int error = 0;
-    const std::optional<Capacity> capacity = capacityOf(belowRoot(root_, path), error);
+    const std::optional<VolumeCapacity> capacity = capacityOf(belowRoot(root_, path), error);
     if (!capacity) {
         return std::nullopt;
     }

@@ -2,7 +2,6 @@
 
 #include <filesystem>
 #include <limits>
-#include <optional>
 #include <system_error>
 
 #include "platform/linux/proc_meminfo.h"
@@ -27,12 +26,7 @@ std::uint64_t ZramDevices::memoryUsed(double now, std::uint64_t swapTotal) {
     }
     std::uint64_t sum = 0;
     for (KeptFile& statistics : statistics_) {
-        const std::optional<std::string_view> text = statistics.read();
-        if (!text) {
-            searched_ = false;
-            continue;
-        }
-        const std::uint64_t used = parseZramMemoryUsed(*text).value_or(0);
+        const std::uint64_t used = parseZramMemoryUsed(statistics.read().value_or("")).value_or(0);
         if (used <= std::numeric_limits<std::uint64_t>::max() - sum) {
             sum += used;
         }

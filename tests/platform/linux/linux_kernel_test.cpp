@@ -319,7 +319,7 @@ TEST_F(CompressedMemory, DevicesAreLookedForAgainEveryMinute) {
     EXPECT_EQ(compressed(), 6553600U);
 }
 
-TEST_F(CompressedMemory, ADeviceWithoutStatisticsIsLookedForAgain) {
+TEST_F(CompressedMemory, ADeviceWithoutStatisticsIsTriedAgain) {
     tree.makeFolder("sys/block/zram0");
     EXPECT_EQ(compressed(), 0U);
     tree.write("sys/block/zram0/mm_stat", "9 9 6553600 0 0 0 0 0 0\n");

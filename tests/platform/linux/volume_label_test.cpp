@@ -1,6 +1,7 @@
 #include "platform/linux/volume_label.h"
 
 #include <gtest/gtest.h>
+#include <string>
 #include <string_view>
 
 #include "tests/platform/linux/machine_tree.h"
@@ -39,10 +40,12 @@ TEST(LabelOfDevice, FollowsTheNamesOfLogicalVolumes) {
 TEST(LabelOfDevice, TheFirstOfSeveralCounts) {
     const MachineTree tree;
     tree.write("dev/sda1", "");
-    tree.link("dev/disk/by-label/two", "../../sda1");
-    tree.link("dev/disk/by-label/one", "../../sda1");
-    tree.link("dev/disk/by-label/three", "../../sda1");
-    EXPECT_EQ(labelOfDevice(tree.root(), "/dev/sda1"), "one");
+    // In whatever order the folder lists them.
+    for (const std::string_view label :
+         {"two", "three", "four", "five", "six", "seven", "eight", "nine", "ten", "eleven"}) {
+        tree.link("dev/disk/by-label/" + std::string(label), "../../sda1");
+    }
+    EXPECT_EQ(labelOfDevice(tree.root(), "/dev/sda1"), "eight");
 }
 
 TEST(LabelOfDevice, BrokenLinksAndMissingDevicesGiveNone) {

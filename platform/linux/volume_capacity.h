@@ -1,0 +1,20 @@
+// What the figures of a file system mean in bytes.
+#pragma once
+
+#include <cstdint>
+#include <sys/statvfs.h>
+
+namespace tarnwick::platform {
+
+/// Bytes; from 0 to the largest number that fits.
+struct VolumeCapacity {
+    std::int64_t total = 0;
+    /// For a user without privileges; 0 where only the system's reserve is left.
+    std::int64_t available = 0;
+    /// Tells one file system from another.
+    unsigned long fileSystem = 0;
+};
+
+VolumeCapacity volumeCapacity(const struct statvfs& figures);
+
+}  // namespace tarnwick::platform
