@@ -105,6 +105,14 @@ class Published {
         value_ = std::move(value);
     }
 
+    /// As set(), but `change` alters the value where it is: for one that is long to copy.
+    template <class Change>
+    void update(Change change) {
+        willChange_.announce();
+        owner_.announceChange();
+        change(value_);
+    }
+
     /// Calls `observer` before each write of this field.
     [[nodiscard]] Subscription willChange(Announcer::Observer observer) {
         return willChange_.observe(std::move(observer));

@@ -262,12 +262,13 @@ std::optional<StorageInfo> StatsManager::primaryStorage() const {
 }
 
 void StatsManager::appendSample(Published<std::vector<UsageSample>>& history, double value) {
-    std::vector<UsageSample> samples = *history;
-    samples.push_back({.id = UUID::random(), .timestamp = wallClock_(), .value = value});
-    if (samples.size() > kHistoryLimit) {
-        samples.erase(samples.begin(), samples.end() - kHistoryLimit);
-    }
-    history.set(std::move(samples));
+    const UsageSample sample{.id = UUID::random(), .timestamp = wallClock_(), .value = value};
+    history.update([&sample](std::vector<UsageSample>& samples) {
+        samples.push_back(sample);
+        if (samples.size() > kHistoryLimit) {
+            samples.erase(samples.begin(), samples.end() - kHistoryLimit);
+        }
+    });
 }
 
 }  // namespace tarnwick

@@ -47,6 +47,19 @@ TEST(Published, AnEqualValueIsAnnouncedToo) {
     EXPECT_EQ(count, 1);
 }
 
+TEST(Published, AChangeInPlaceIsAnnouncedBeforeItHappens) {
+    Model model;
+    model.second.set("a");
+    std::string seenByField;
+    std::string seenByObject;
+    const auto field = model.second.willChange([&] { seenByField = *model.second; });
+    const auto object = model.objectWillChange([&] { seenByObject = *model.second; });
+    model.second.update([](std::string& text) { text += 'b'; });
+    EXPECT_EQ(seenByField, "a");
+    EXPECT_EQ(seenByObject, "a");
+    EXPECT_EQ(*model.second, "ab");
+}
+
 TEST(Published, ACancelledObserverIsNotCalled) {
     Model model;
     int count = 0;

@@ -24,15 +24,23 @@ struct alignas(std::max_align_t) Header {
     std::size_t size;
 };
 
-void* allocate(std::size_t size) {
+void* allocateOrNull(std::size_t size) noexcept {
     auto* header = static_cast<Header*>(std::malloc(sizeof(Header) + size));
     if (!header) {
-        throw std::bad_alloc();
+        return nullptr;
     }
     header->size = size;
     ++liveBlocks;
     liveBytes += static_cast<std::int64_t>(size);
     return header + 1;
+}
+
+void* allocate(std::size_t size) {
+    void* block = allocateOrNull(size);
+    if (!block) {
+        throw std::bad_alloc();
+    }
+    return block;
 }
 
 void release(void* block) noexcept {
@@ -52,6 +60,12 @@ void* operator new(std::size_t size) {
 void* operator new[](std::size_t size) {
     return allocate(size);
 }
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    return allocateOrNull(size);
+}
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
+    return allocateOrNull(size);
+}
 void operator delete(void* block) noexcept {
     release(block);
 }
@@ -62,6 +76,12 @@ void operator delete(void* block, std::size_t) noexcept {
     release(block);
 }
 void operator delete[](void* block, std::size_t) noexcept {
+    release(block);
+}
+void operator delete(void* block, const std::nothrow_t&) noexcept {
+    release(block);
+}
+void operator delete[](void* block, const std::nothrow_t&) noexcept {
     release(block);
 }
 
