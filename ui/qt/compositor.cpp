@@ -32,7 +32,9 @@ bool selectionHasOwner(xcb_connection_t* connection, const std::string& name) {
 
 bool hasCompositor() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (x11 == nullptr) {
+    // Without a display the interface may be there and have no connection.
+    xcb_connection_t* connection = x11 == nullptr ? nullptr : x11->connection();
+    if (connection == nullptr) {
         return true;
     }
     // The number in "host:display.number"; without one the server's first screen is meant.
@@ -42,7 +44,7 @@ bool hasCompositor() {
     if (xcb_parse_display(nullptr, &host, &display, &screen) != 0) {
         std::free(host);
     }
-    return selectionHasOwner(x11->connection(), "_NET_WM_CM_S" + std::to_string(screen));
+    return selectionHasOwner(connection, "_NET_WM_CM_S" + std::to_string(screen));
 }
 
 }  // namespace tarnwick::qt

@@ -7,7 +7,7 @@ namespace tarnwick::qt {
 QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& screen,
                      const QRect& available) {
     const bool opensUpwards = anchor.center().y() > screen.center().y();
-    const int x = anchor.center().x() - panel.width() / 2;
+    const int x = anchor.left() + (anchor.width() - panel.width()) / 2;
     const int y = opensUpwards ? anchor.top() - kPanelGap - panel.height()
                                : anchor.top() + anchor.height() + kPanelGap;
     const int lastX = available.left() + available.width() - panel.width();

@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <algorithm>
 #include <utility>
 
 #include "ui/qt/grid.h"
@@ -45,15 +46,21 @@ PanelPopup::PanelPopup(const Theme& theme, const Page& page, PressHandler press,
     : QWidget(nullptr, windowKind()),
       theme_(theme),
       isTranslucent_(isTranslucent),
-      view_(new PanelView(theme, std::move(press), this)) {
+      scroller_(new QScrollArea(this)),
+      view_(new PanelView(theme, std::move(press), scroller_)) {
     setObjectName("panel");
     setWindowTitle("Tarnwick");
     setAccessibleName("Tarnwick");
     setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
     setFocusPolicy(Qt::NoFocus);
-    const int margin = isTranslucent ? kShadowMargin : 0;
-    view_->move(margin, margin);
     view_->setPage(page);
+    scroller_->setFrameShape(QFrame::NoFrame);
+    scroller_->setFocusPolicy(Qt::NoFocus);
+    scroller_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroller_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    scroller_->setWidget(view_);
+    scroller_->viewport()->setAutoFillBackground(false);
+    view_->setAutoFillBackground(false);
     connect(view_, &PanelView::heightChanged, this, &PanelPopup::place);
 }
 
@@ -65,11 +72,14 @@ void PanelPopup::popUp(const QRect& anchor) {
 }
 
 void PanelPopup::place() {
-    const int margin = view_->x();
     const QScreen* screen = screenOf(anchor_);
+    const QRect available = screen->availableGeometry();
     const QRect panel =
-        panelPlacement(view_->size(), anchor_, screen->geometry(), screen->availableGeometry());
+        panelPlacement(QSize(view_->width(), std::min(view_->height(), available.height())),
+                       anchor_, screen->geometry(), available);
+    const int margin = isTranslucent_ ? kShadowMargin : 0;
     const QRect window = panel.adjusted(-margin, -margin, margin, margin);
+    scroller_->setGeometry(QRect(QPoint(margin, margin), panel.size()));
     setFixedSize(window.size());
     move(window.topLeft());
     if (!isTranslucent_) {

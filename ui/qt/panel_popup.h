@@ -1,6 +1,7 @@
 // The panel while it is on screen.
 #pragma once
 
+#include <QScrollArea>
 #include <QWidget>
 #include <functional>
 
@@ -11,7 +12,8 @@
 namespace tarnwick::qt {
 
 /// A borderless window around a page. Where windows can be translucent it has smooth corners and a
-/// shadow, else it is cut to shape. Escape and a press outside hide it.
+/// shadow, else it is cut to shape. A page that is higher than the screen scrolls. Escape and a
+/// press outside hide it.
 class PanelPopup final : public QWidget {
     Q_OBJECT
 
@@ -37,11 +39,12 @@ class PanelPopup final : public QWidget {
 
  private:
     /// The panel's ground in the window's coordinates.
-    QRect panelRect() const { return view_->geometry(); }
+    QRect panelRect() const { return scroller_->geometry(); }
     void place();
 
     const Theme& theme_;
     bool isTranslucent_;
+    QScrollArea* scroller_;
     PanelView* view_;
     QRect anchor_;
     bool wasDismissedByPress_ = false;

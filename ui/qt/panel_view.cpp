@@ -6,6 +6,7 @@
 
 #include "ui/panel/spoken_text.h"
 #include "ui/qt/block_factory.h"
+#include "ui/qt/button_widget.h"
 #include "ui/qt/focus_ring.h"
 #include "ui/qt/grid.h"
 
@@ -28,7 +29,6 @@ BlockWidget* PanelView::takeWidget(const std::string& id) {
 
 void PanelView::setPage(const Page& page) {
     std::vector<Row> rows;
-    const QWidget* previous = nullptr;
     for (const PageItem& item : page) {
         BlockWidget* widget = takeWidget(item.id);
         if (widget != nullptr && !widget->setBlock(item.block)) {
@@ -45,11 +45,6 @@ void PanelView::setPage(const Page& page) {
         if (widget->accessibleName() != spoken) {
             widget->setAccessibleName(spoken);
         }
-        // Siblings in page order, so that the keyboard and screen readers follow the page.
-        if (previous != nullptr) {
-            QWidget::setTabOrder(const_cast<QWidget*>(previous), widget);
-        }
-        previous = widget;
         rows.push_back({item, widget});
     }
     for (const Row& gone : rows_) {
@@ -59,7 +54,21 @@ void PanelView::setPage(const Page& page) {
         }
     }
     rows_ = std::move(rows);
+    chainButtons();
     placeWidgets();
+}
+
+/// Lets the keyboard walk through the buttons in the order of the page.
+void PanelView::chainButtons() {
+    ButtonWidget* previous = nullptr;
+    for (const Row& row : rows_) {
+        for (ButtonWidget* button : row.widget->findChildren<ButtonWidget*>()) {
+            if (previous != nullptr) {
+                setTabOrder(previous, button);
+            }
+            previous = button;
+        }
+    }
 }
 
 void PanelView::placeWidgets() {

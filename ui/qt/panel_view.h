@@ -39,6 +39,7 @@ class PanelView final : public QWidget {
     };
 
     BlockWidget* takeWidget(const std::string& id);
+    void chainButtons();
     void placeWidgets();
 
     const Theme& theme_;

@@ -15,7 +15,7 @@ namespace {
 /// The shadow falls this far down, logical pixels.
 constexpr qreal kDrop = 5;
 /// Its darkness falls to a third over this distance, logical pixels.
-constexpr qreal kSoftness = 10;
+constexpr qreal kSoftness = 11;
 
 /// Distance from a point to a rounded rectangle; 0 inside.
 qreal distance(qreal x, qreal y, const QRectF& rect, qreal corner) {
@@ -48,7 +48,7 @@ QPixmap tile(int margin, int corner, qreal opacity, qreal ratio) {
 }  // namespace
 
 void paintShadow(QPainter& painter, const QRect& rect, int corner, bool isDark) {
-    const qreal opacity = isDark ? 0.45 : 0.24;
+    const qreal opacity = isDark ? 0.42 : 0.2;
     const int border = kShadowMargin + corner + qCeil(kDrop);
     const QMargins margins(border, border, border, border);
     const qreal ratio = painter.device()->devicePixelRatioF();

@@ -2,7 +2,10 @@
 
 namespace tarnwick::qt {
 
-QStringList wrapped(const QString& text, const TextStyle& style, qreal width, int lines) {
+namespace {
+
+/// As many words on each line as fit.
+QStringList filled(const QString& text, const TextStyle& style, qreal width, int lines) {
     QStringList result;
     QString rest = text;
     while (result.size() + 1 < lines && style.width(rest) > width) {
@@ -19,6 +22,24 @@ QStringList wrapped(const QString& text, const TextStyle& style, qreal width, in
         rest = rest.mid(end + 1);
     }
     result << style.elided(rest, width);
+    return result;
+}
+
+}  // namespace
+
+QStringList wrapped(const QString& text, const TextStyle& style, qreal width, int lines) {
+    QStringList result = filled(text, style, width, lines);
+    if (result.size() == 1 || result.join(' ') != text) {
+        return result;
+    }
+    // The narrowest block with the same number of lines leaves no word alone on the last one.
+    for (qreal narrower = width - 1; narrower > 0; --narrower) {
+        QStringList next = filled(text, style, narrower, lines);
+        if (next.size() != result.size() || next.join(' ') != text) {
+            break;
+        }
+        result = next;
+    }
     return result;
 }
 

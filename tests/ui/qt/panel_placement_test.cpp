@@ -1,0 +1,56 @@
+#include "ui/qt/panel_placement.h"
+
+#include <gtest/gtest.h>
+
+namespace tarnwick::qt {
+namespace {
+
+constexpr QSize kPanel(320, 500);
+constexpr QRect kScreen(0, 0, 1920, 1080);
+/// A bar of 30 at the top.
+constexpr QRect kBelowTheBar(0, 30, 1920, 1050);
+
+TEST(PanelPlacement, OpensCentredUnderTheItem) {
+    EXPECT_EQ(panelPlacement(kPanel, QRect(1000, 4, 22, 22), kScreen, kBelowTheBar),
+              QRect(851, 32, 320, 500));
+}
+
+TEST(PanelPlacement, StaysBelowATallBar) {
+    EXPECT_EQ(panelPlacement(kPanel, QRect(1000, 4, 1, 1), kScreen, kBelowTheBar).top(), 30);
+}
+
+TEST(PanelPlacement, OpensAboveABarAtTheBottom) {
+    const QRect aboveTheBar(0, 0, 1920, 1050);
+    const QRect panel = panelPlacement(kPanel, QRect(1000, 1052, 22, 22), kScreen, aboveTheBar);
+    EXPECT_EQ(panel.top() + panel.height(), 1046);
+    EXPECT_EQ(panel.left(), 851);
+}
+
+TEST(PanelPlacement, StaysInsideAtTheEdges) {
+    EXPECT_EQ(panelPlacement(kPanel, QRect(1900, 4, 20, 22), kScreen, kBelowTheBar).left(), 1600);
+    EXPECT_EQ(panelPlacement(kPanel, QRect(0, 4, 20, 22), kScreen, kBelowTheBar).left(), 0);
+}
+
+TEST(PanelPlacement, StaysInsideBesideAVerticalBar) {
+    const QRect rightOfTheBar(48, 0, 1872, 1080);
+    const QRect panel = panelPlacement(kPanel, QRect(10, 1000, 22, 22), kScreen, rightOfTheBar);
+    EXPECT_EQ(panel.left(), 48);
+    EXPECT_TRUE(rightOfTheBar.contains(panel));
+}
+
+TEST(PanelPlacement, StaysOnTheScreenOfTheItem) {
+    const QRect right(1920, 0, 1280, 1024);
+    const QRect panel = panelPlacement(kPanel, QRect(1925, 2, 22, 22), right, right);
+    EXPECT_TRUE(right.contains(panel));
+}
+
+TEST(PanelPlacement, APanelTooLargeKeepsItsUpperLeftCorner) {
+    EXPECT_EQ(
+        panelPlacement(QSize(320, 2000), QRect(1000, 1060, 22, 22), kScreen, kBelowTheBar).top(),
+        30);
+    EXPECT_EQ(panelPlacement(kPanel, QRect(5, 5, 1, 1), kScreen, QRect(10, 30, 200, 400)).topLeft(),
+              QPoint(10, 30));
+}
+
+}  // namespace
+}  // namespace tarnwick::qt

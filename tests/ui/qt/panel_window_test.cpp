@@ -1,0 +1,301 @@
+#include "ui/qt/panel_window.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QScreen>
+#include <gtest/gtest.h>
+
+#include "tests/core/stats_manager_fixture.h"
+#include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/qt/settle.h"
+#include "ui/qt/panel_placement.h"
+#include "ui/qt/panel_popup.h"
+
+namespace tarnwick::qt {
+namespace {
+
+class FixedProcessInfo final : public platform::ProcessInfo {
+ public:
+    std::int64_t activeProcessorCount() override { return 1; }
+    std::int64_t thermalState() override { return 0; }
+};
+
+class PanelWindowTest : public testing::StatsManagerTest {
+ protected:
+    PanelWindowTest()
+        : manager(makeSettled()),
+          view(*manager,
+               {.showSettings = {},
+                .openActivityMonitor = {},
+                .quit = [this] { ++quits; },
+                .showMemoryDetail = {},
+                .showPerformanceDetail = {}},
+               {manual, processInfo, formatter}),
+          window(std::make_unique<PanelWindow>(view, theme, manual)) {}
+
+    ~PanelWindowTest() override {
+        window.reset();
+        qt::settle();
+    }
+
+    static QWidget* popup() {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (widget->objectName() == "panel") {
+                return widget;
+            }
+        }
+        return nullptr;
+    }
+    void open() {
+        window->open(anchor);
+        qt::settle();
+    }
+    /// A press at a point of the pop-up's own coordinates.
+    static void pressAt(const QPoint& position) {
+        QMouseEvent event(QEvent::MouseButtonPress, position, popup()->mapToGlobal(position),
+                          Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+        QApplication::sendEvent(popup(), &event);
+        qt::settle();
+    }
+
+    Theme theme;
+    FixedProcessInfo processInfo;
+    testing::PlainByteCountFormatter formatter;
+    std::unique_ptr<StatsManager> manager;
+    int quits = 0;
+    MenuBarView view;
+    std::unique_ptr<PanelWindow> window;
+    const QRect anchor{300, 2, 22, 22};
+};
+
+TEST_F(PanelWindowTest, HasNoWidgetsUntilItOpens) {
+    EXPECT_FALSE(window->isOpen());
+    EXPECT_EQ(popup(), nullptr);
+    EXPECT_FALSE(view.isVisible());
+}
+
+TEST_F(PanelWindowTest, OpensUnderTheItemInsideTheScreen) {
+    open();
+    ASSERT_NE(popup(), nullptr);
+    EXPECT_TRUE(popup()->isVisible());
+    const auto* panel = popup()->findChild<QScrollArea*>();
+    const QRect place(panel->mapToGlobal(QPoint()), panel->size());
+    const QRect screen = QGuiApplication::primaryScreen()->geometry();
+    const QRect available = QGuiApplication::primaryScreen()->availableGeometry();
+    EXPECT_EQ(place.width(), 320);
+    EXPECT_EQ(place, panelPlacement(place.size(), anchor, screen, available));
+    EXPECT_TRUE(available.contains(place));
+}
+
+TEST_F(PanelWindowTest, TellsTheManagerWhenItIsVisible) {
+    open();
+    EXPECT_TRUE(manager->isPopoverVisible());
+    window->close();
+    EXPECT_FALSE(manager->isPopoverVisible());
+}
+
+TEST_F(PanelWindowTest, FreesItsWidgetsWhenItCloses) {
+    open();
+    const QPointer<QWidget> widget = popup();
+    const QPointer<QWidget> bar = popup()->findChild<QWidget*>("bar.cpu");
+    ASSERT_NE(bar, nullptr);
+    window->close();
+    qt::settle();
+    EXPECT_FALSE(window->isOpen());
+    EXPECT_EQ(widget, nullptr);
+    EXPECT_EQ(bar, nullptr);
+}
+
+TEST_F(PanelWindowTest, ClosingTwiceOrOpeningTwiceIsHarmless) {
+    window->close();
+    open();
+    const QWidget* first = popup();
+    open();
+    EXPECT_EQ(popup(), first);
+    window->close();
+    window->close();
+    EXPECT_FALSE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, OpensAnewAfterItClosed) {
+    for (int round = 0; round < 3; ++round) {
+        open();
+        EXPECT_TRUE(window->isOpen());
+        window->close();
+        qt::settle();
+        EXPECT_EQ(popup(), nullptr);
+    }
+}
+
+TEST_F(PanelWindowTest, EscapeCloses) {
+    open();
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(popup(), &escape);
+    qt::settle();
+    EXPECT_FALSE(window->isOpen());
+    EXPECT_FALSE(manager->isPopoverVisible());
+}
+
+TEST_F(PanelWindowTest, EscapeClosesWhileAButtonHasTheFocus) {
+    open();
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(popup()->findChild<QWidget*>("button.quit"), &escape);
+    qt::settle();
+    EXPECT_FALSE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, APressOutsideCloses) {
+    open();
+    pressAt(QPoint(-10, -10));
+    EXPECT_FALSE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, APressOnTheShadowIsOutside) {
+    open();
+    pressAt(QPoint(3, 3));
+    EXPECT_FALSE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, APressInsideDoesNotClose) {
+    open();
+    pressAt(popup()->rect().center());
+    EXPECT_TRUE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, ToggleOpensAndCloses) {
+    window->toggle(anchor);
+    EXPECT_TRUE(window->isOpen());
+    window->toggle(anchor);
+    EXPECT_FALSE(window->isOpen());
+    window->toggle(anchor);
+    EXPECT_TRUE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, TheClickThatDismissedThePanelDoesNotOpenItAgain) {
+    open();
+    pressAt(QPoint(-10, -10));
+    window->toggle(anchor);
+    EXPECT_FALSE(window->isOpen());
+    window->toggle(anchor);
+    EXPECT_TRUE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, ALaterClickOpensItAgain) {
+    open();
+    pressAt(QPoint(-10, -10));
+    manual.advance(2 * PanelWindow::kSameClickInterval);
+    window->toggle(anchor);
+    EXPECT_TRUE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, AfterEscapeAClickOpensItAtOnce) {
+    open();
+    QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
+    QApplication::sendEvent(popup(), &escape);
+    window->toggle(anchor);
+    EXPECT_TRUE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, ShowsNewFiguresWhileOpen) {
+    open();
+    settle();
+    manager->cpuInfo.set(testing::makeCPU(63, 4));
+    manual.runMain();
+    EXPECT_EQ(popup()->findChild<QWidget*>("bar.cpu")->accessibleName(), "CPU, 63.0%, normal");
+}
+
+TEST_F(PanelWindowTest, KeepsItsPlaceWhenThePageGrows) {
+    open();
+    settle();
+    const QWidget* panel = popup()->findChild<PanelView*>();
+    const QPoint place = panel->mapToGlobal(QPoint());
+    const int height = panel->height();
+    manager->cpuInfo.set(testing::makeCPU(99, 4));
+    manual.runMain();
+    qt::settle();
+    EXPECT_GT(panel->height(), height);
+    EXPECT_EQ(panel->mapToGlobal(QPoint()), place);
+}
+
+TEST_F(PanelWindowTest, RefreshAndQuitRun) {
+    open();
+    settle();
+    takeCalls();
+    popup()->findChild<QAbstractButton*>("button.refresh")->click();
+    settle();
+    EXPECT_EQ(count("health forced"), 1U);
+    popup()->findChild<QAbstractButton*>("button.quit")->click();
+    EXPECT_EQ(quits, 1);
+}
+
+TEST_F(PanelWindowTest, MayGoWhileOpen) {
+    open();
+    window.reset();
+    EXPECT_EQ(popup(), nullptr);
+    EXPECT_FALSE(manager->isPopoverVisible());
+    manager->cpuInfo.set(testing::makeCPU(63, 4));
+    manual.runMain();
+}
+
+TEST_F(PanelWindowTest, StaysInsideAScreenThatIsTooLowAndScrolls) {
+    const QFont old = QApplication::font();
+    QFont huge = old;
+    huge.setPointSizeF(40);
+    QApplication::setFont(huge);
+    open();
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    auto* scroller = popup()->findChild<QScrollArea*>();
+    const QRect place(scroller->mapToGlobal(QPoint()), scroller->size());
+    EXPECT_TRUE(screen.contains(place));
+    QWidget* quit = popup()->findChild<QWidget*>("button.quit");
+    EXPECT_GT(quit->mapToGlobal(QPoint()).y(), screen.bottom());
+    scroller->ensureWidgetVisible(quit);
+    EXPECT_TRUE(screen.contains(quit->mapToGlobal(quit->rect().center())));
+    QApplication::setFont(old);
+}
+
+TEST(PanelPopup, IsCutToShapeWhereNothingIsTranslucent) {
+    const Theme theme;
+    const testing::PlainByteCountFormatter formatter;
+    PanelPopup popup(
+        theme, homePage(testing::calmMachine(), formatter), [](PanelAction) {}, false);
+    popup.popUp(QRect(400, 0, 1, 1));
+    settle();
+    EXPECT_EQ(popup.width(), 320);
+    EXPECT_FALSE(popup.testAttribute(Qt::WA_TranslucentBackground));
+    EXPECT_FALSE(popup.mask().contains(QPoint(0, 0)));
+    EXPECT_FALSE(popup.mask().contains(QPoint(319, 0)));
+    EXPECT_TRUE(popup.mask().contains(QPoint(160, 0)));
+    EXPECT_TRUE(popup.mask().contains(QPoint(0, 100)));
+}
+
+TEST(PanelPopup, HasAShadowThatEndsInsideItsWindow) {
+    const Theme theme;
+    const testing::PlainByteCountFormatter formatter;
+    PanelPopup popup(
+        theme, homePage(testing::calmMachine(), formatter), [](PanelAction) {}, true);
+    popup.popUp(QRect(400, 0, 1, 1));
+    settle();
+    for (const int ratio : {1, 2}) {
+        QImage image(popup.size() * ratio, QImage::Format_ARGB32_Premultiplied);
+        image.setDevicePixelRatio(ratio);
+        image.fill(Qt::transparent);
+        popup.render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        const int middle = image.width() / 2;
+        const int bottom = image.height() - 1;
+        EXPECT_LE(qAlpha(image.pixel(0, image.height() / 2)), 1);
+        EXPECT_LE(qAlpha(image.pixel(middle, 0)), 1);
+        EXPECT_LE(qAlpha(image.pixel(middle, bottom)), 1);
+        EXPECT_GT(qAlpha(image.pixel(middle, bottom - 24 * ratio)), 10);
+        EXPECT_EQ(qAlpha(image.pixel(middle, image.height() / 2)), 255);
+        // A smooth corner: neither all there nor all gone.
+        const int corner = qAlpha(image.pixel(28 * ratio, 28 * ratio));
+        EXPECT_GT(corner, 0);
+        EXPECT_LT(corner, 200);
+    }
+}
+
+}  // namespace
+}  // namespace tarnwick::qt
