@@ -13,6 +13,9 @@ using Connection = SqliteUserDefaultsConnection;
 using Error = SqliteUserDefaultsError;
 using Kind = Error::Kind;
 
+/// How often a bad file is moved, or found moved by others, before an access gives up.
+constexpr int kAttempts = 3;
+
 /// The file itself is to blame, and a fresh one would help.
 bool isBad(const Error& error) {
     return error.kind() == Kind::damaged || error.kind() == Kind::foreign;
@@ -170,13 +173,13 @@ void SqliteUserDefaults::connect() {
     std::error_code ignored;
     const auto resolved = std::filesystem::weakly_canonical(file_, ignored);
     const std::filesystem::path& file = ignored ? file_ : resolved;
-    for (bool last = false;; last = true) {
+    for (int attempt = 1;; ++attempt) {
         const auto judged = identityOf(file);
         try {
             connection_ = std::make_unique<Connection>(file, patience());
             return;
         } catch (const Error& error) {
-            if (!isBad(error) || last) {
+            if (!isBad(error) || attempt == kAttempts) {
                 throw;
             }
             setAsideDamaged(file, judged, error);

@@ -1,7 +1,6 @@
 #include "platform/linux/sqlite_user_defaults_connection.h"
 
 #include <cerrno>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <sqlite3.h>
@@ -21,11 +20,9 @@ constexpr std::int64_t kSchemaVersion = 1;
 constexpr off_t kSmallestDatabase = 512;
 
 constexpr const char* kSelect = "SELECT type, value FROM defaults WHERE key = ?1";
-// An equal value is not written again, which spares the disk.
 constexpr const char* kUpsert =
     "INSERT INTO defaults (key, type, value) VALUES (?1, ?2, ?3) "
-    "ON CONFLICT (key) DO UPDATE SET type = excluded.type, value = excluded.value "
-    "WHERE type IS NOT excluded.type OR value IS NOT excluded.value";
+    "ON CONFLICT (key) DO UPDATE SET type = excluded.type, value = excluded.value";
 
 /// Ends a statement's transaction and forgets its parameters on the way out.
 class Use {
@@ -48,12 +45,7 @@ int bindText(sqlite3_stmt* statement, int index, std::string_view text) {
     return sqlite3_bind_text64(statement, index, bytes, text.size(), SQLITE_STATIC, SQLITE_UTF8);
 }
 
-/// SQLite has no not-a-number; NULL stands for it.
-int bindNumber(sqlite3_stmt* statement, int index, double value) {
-    return std::isnan(value) ? sqlite3_bind_null(statement, index)
-                             : sqlite3_bind_double(statement, index, value);
-}
-
+/// Binds parameters 2 and 3. SQLite itself keeps what is not a number as NULL.
 struct Binder {
     sqlite3_stmt* statement;
 
@@ -63,12 +55,14 @@ struct Binder {
     int operator()(std::int64_t value) const {
         return typed("integer", sqlite3_bind_int64(statement, 3, value));
     }
-    int operator()(double value) const { return typed("double", bindNumber(statement, 3, value)); }
+    int operator()(double value) const {
+        return typed("double", sqlite3_bind_double(statement, 3, value));
+    }
     int operator()(const std::string& value) const {
         return typed("text", bindText(statement, 3, value));
     }
     int operator()(const Date& value) const {
-        return typed("date", bindNumber(statement, 3, value.secondsSince1970));
+        return typed("date", sqlite3_bind_double(statement, 3, value.secondsSince1970));
     }
 
  private:
@@ -149,22 +143,11 @@ void SqliteUserDefaultsConnection::Closer::operator()(sqlite3_stmt* statement) c
 
 SqliteUserDefaultsConnection::SqliteUserDefaultsConnection(const std::filesystem::path& file,
                                                            std::chrono::milliseconds patience)
-    : file_(file), identity_(identityOf(file)) {
-    if (!identity_) {
-        if (const std::error_code error = makeFolder(file.parent_path())) {
-            throw Error(Kind::unavailable, error.message());
-        }
-    } else if (std::error_code error; !std::filesystem::is_regular_file(file, error)) {
-        throw Error(Kind::unavailable, "not a file");
+    : file_(file) {
+    if (const std::error_code error = makeFolder(file.parent_path())) {
+        throw Error(Kind::unavailable, error.message());
     }
-    if ((!identity_ || identity_->size == 0) && hasWriteAheadLog(file)) {
-        // SQLite would throw away the log, which may hold everything there was.
-        throw Error(Kind::damaged, "only its log is left");
-    }
-    if (identity_ && identity_->size > 0 && identity_->size < kSmallestDatabase) {
-        // SQLite takes a file of one byte for an empty one.
-        throw Error(Kind::damaged, "too short");
-    }
+    identify();
     if (const std::error_code obstacle = obstacleToWriting(file)) {
         if (!identity_) {
             throw Error(Kind::unavailable, obstacle.message());
@@ -181,6 +164,24 @@ SqliteUserDefaultsConnection::SqliteUserDefaultsConnection(const std::filesystem
         // Without space for the companions, the file alone can still be read.
         readOnly_ = error.what();
         open(patience);
+    }
+}
+
+/// What must be known before SQLite has a look.
+void SqliteUserDefaultsConnection::identify() {
+    // Nobody begins the file meanwhile, so that its length and its log belong together.
+    const FolderLock alone(file_.parent_path());
+    identity_ = identityOf(file_);
+    if (std::error_code error; identity_ && !std::filesystem::is_regular_file(file_, error)) {
+        throw Error(Kind::unavailable, "not a file");
+    }
+    if ((!identity_ || identity_->size == 0) && hasWriteAheadLog(file_)) {
+        // SQLite would throw away the log, which may hold everything there was.
+        throw Error(Kind::damaged, "only its log is left");
+    }
+    if (identity_ && identity_->size > 0 && identity_->size < kSmallestDatabase) {
+        // SQLite takes a file of one byte for an empty one.
+        throw Error(Kind::damaged, "too short");
     }
 }
 
@@ -230,14 +231,6 @@ void SqliteUserDefaultsConnection::prepareStatements() {
         execute("PRAGMA synchronous = FULL");
         execute("PRAGMA wal_autocheckpoint = 64");
         upsert_ = prepare(kUpsert);
-    }
-}
-
-SqliteUserDefaultsConnection::~SqliteUserDefaultsConnection() {
-    const auto present = identityOf(file_);
-    if (database_ && !(present && identity_ && present->isSameFile(*identity_))) {
-        // The companions' names belong to another database now: SQLite must not tidy them away.
-        sqlite3_db_config(database_.get(), SQLITE_DBCONFIG_NO_CKPT_ON_CLOSE, 1, nullptr);
     }
 }
 
@@ -304,9 +297,13 @@ void SqliteUserDefaultsConnection::write(const Values& values) {
 
 /// Finds out whose file this is, and begins a store in an empty one.
 void SqliteUserDefaultsConnection::examine() {
+    // One transaction: another process may begin the file at this moment. Where a question fails,
+    // the connection is given up and the transaction with it.
+    execute("BEGIN");
     const std::int64_t application = number("PRAGMA application_id");
     const std::int64_t version = number("PRAGMA user_version");
     const bool empty = number("SELECT count(*) FROM sqlite_master") == 0;
+    execute("COMMIT");
     if (application == 0 && version == 0 && empty) {
         begin();
         return;

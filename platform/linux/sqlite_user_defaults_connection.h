@@ -58,7 +58,6 @@ class SqliteUserDefaultsConnection {
                                  std::chrono::milliseconds patience);
     SqliteUserDefaultsConnection(const SqliteUserDefaultsConnection&) = delete;
     SqliteUserDefaultsConnection& operator=(const SqliteUserDefaultsConnection&) = delete;
-    ~SqliteUserDefaultsConnection();
 
     /// False once the file has been moved, removed or replaced, or a read-only one has changed or
     /// can be written now: then only a new connection tells the truth.
@@ -78,6 +77,7 @@ class SqliteUserDefaultsConnection {
     };
     using Statement = std::unique_ptr<sqlite3_stmt, Closer>;
 
+    void identify();
     void open(std::chrono::milliseconds patience);
     void connect();
     void examine();

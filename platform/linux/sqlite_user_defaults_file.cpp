@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cerrno>
+#include <ctime>
 #include <fcntl.h>
 #include <string>
 #include <sys/file.h>
@@ -49,7 +50,14 @@ std::filesystem::path freeNameFor(const std::filesystem::path& file) {
 
 FolderLock::FolderLock(const std::filesystem::path& folder)
     : descriptor_(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC)) {
-    while (descriptor_ >= 0 && ::flock(descriptor_, LOCK_EX) != 0 && errno == EINTR) {
+    constexpr int kAttempts = 500;
+    constexpr timespec kPause{0, 2'000'000};
+    for (int i = 0; descriptor_ >= 0 && i < kAttempts; ++i) {
+        if (::flock(descriptor_, LOCK_EX | LOCK_NB) == 0 ||
+            (errno != EWOULDBLOCK && errno != EINTR)) {
+            return;
+        }
+        ::nanosleep(&kPause, nullptr);
     }
 }
 
@@ -120,7 +128,7 @@ std::error_code makeFolder(const std::filesystem::path& folder) {
 SetAside setAside(const std::filesystem::path& file, const std::optional<FileIdentity>& judged) {
     const FolderLock lock(file.parent_path());
     const auto present = identityOf(file);
-    if (present.has_value() != judged.has_value() || (present && !present->isSameFile(*judged))) {
+    if (present.has_value() != judged.has_value() || (present && !present->isUnchanged(*judged))) {
         return {};
     }
     const auto target = freeNameFor(file);

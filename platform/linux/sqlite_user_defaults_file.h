@@ -40,8 +40,9 @@ bool isSurelyAbsent(const std::filesystem::path& file);
 /// nothing does. A file not yet there counts by its folder.
 std::error_code obstacleToWriting(const std::filesystem::path& file);
 
-/// Makes the holder the only one of the processes that ask for it inside a folder. A file system
-/// without such locks is used without.
+/// Makes the holder the only one of the processes that ask for it inside a folder; they hold it for
+/// moments. Where a folder cannot be locked, or another holds it for a second (it has been
+/// stopped), work goes on without.
 class FolderLock {
  public:
     explicit FolderLock(const std::filesystem::path& folder);
@@ -57,15 +58,15 @@ class FolderLock {
 std::error_code makeFolder(const std::filesystem::path& folder);
 
 struct SetAside {
-    /// The file's new name; absent when it had been moved by somebody else meanwhile.
+    /// The file's new name; absent when somebody else has moved or written it meanwhile.
     std::optional<std::filesystem::path> movedTo;
     /// Why the file is still where it was.
     std::error_code error;
 };
 
-/// Renames `file`, judged bad while it was `judged` (absent: only companions were there), with its
-/// companions to the first free "….damaged-N". Overwrites nothing; when several processes find
-/// the same bad file, one of them moves it.
+/// Renames `file`, judged bad while it was `judged` (absent: only companions were there) and not
+/// written since, with its companions to the first free "….damaged-N". Overwrites nothing; when
+/// several processes find the same bad file, one of them moves it.
 SetAside setAside(const std::filesystem::path& file, const std::optional<FileIdentity>& judged);
 
 }  // namespace tarnwick::platform

@@ -1,4 +1,5 @@
 // Files that are not what they should be: set aside or left alone, never overwritten.
+#include <chrono>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
@@ -232,29 +233,53 @@ TEST_F(SqliteUserDefaultsDamage, ALogWithoutItsDatabaseIsSetAside) {
     }
 }
 
-TEST_F(SqliteUserDefaultsDamage, OneProcessOfSeveralSetsTheFileAside) {
-    patience = SqliteUserDefaults::kPatience;
-    putContents(file, randomBytes(9'000));
+/// Runs `body(0)`, `body(1)`, … in processes of their own that start together.
+template <class Body>
+void inSeveralProcesses(int count, const Body& body) {
     Pipe go;
     std::vector<std::unique_ptr<ChildProcess>> children;
-    for (int i = 0; i < 4; ++i) {
+    for (int i = 0; i < count; ++i) {
         children.push_back(std::make_unique<ChildProcess>([&] {
+            go.closeWriting();
             go.receive();
-            open()->set("key" + std::to_string(i), true);
+            body(i);
         }));
     }
-    for (int i = 0; i < 4; ++i) {
-        go.send();
-    }
+    go.closeWriting();
     for (const auto& child : children) {
         EXPECT_EQ(child->wait(), 0);
     }
-    const auto store = open();
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(store->boolean("key" + std::to_string(i)), true) << i;
+}
+
+TEST_F(SqliteUserDefaultsDamage, OneProcessOfSeveralSetsTheFileAside) {
+    patience = std::chrono::seconds(10);
+    for (int round = 0; round < 10; ++round) {
+        std::filesystem::remove(damaged1);
+        putContents(file, randomBytes(9'000));
+        inSeveralProcesses(6, [&](int i) { open()->set("key" + std::to_string(i), true); });
+        const auto store = open();
+        for (int i = 0; i < 6; ++i) {
+            EXPECT_EQ(store->boolean("key" + std::to_string(i)), true) << i;
+        }
+        EXPECT_EQ(contentsOf(damaged1), randomBytes(9'000));
+        EXPECT_FALSE(std::filesystem::exists(damaged2));
     }
-    EXPECT_EQ(contentsOf(damaged1), randomBytes(9'000));
-    EXPECT_FALSE(std::filesystem::exists(damaged2));
+}
+
+TEST_F(SqliteUserDefaultsDamage, SeveralProcessesMayBeginOneFile) {
+    patience = std::chrono::seconds(10);
+    for (int round = 0; round < 10; ++round) {
+        std::filesystem::remove(file);
+        inSeveralProcesses(6, [&](int i) {
+            open()->set("key" + std::to_string(i), true);
+            EXPECT_THAT(lines, IsEmpty());
+        });
+        const auto store = open();
+        for (int i = 0; i < 6; ++i) {
+            EXPECT_EQ(store->boolean("key" + std::to_string(i)), true) << i;
+        }
+    }
+    EXPECT_THAT(names(), Not(Contains("settings.sqlite.damaged-1")));
 }
 
 TEST_F(SqliteUserDefaultsDamage, ALinkKeepsPointingWhereTheFreshFileIsBegun) {
@@ -343,6 +368,19 @@ TEST_F(SqliteUserDefaultsDamage, AFileRemovedWhileInUseIsAFreshStore) {
     store->set("other", true);
     EXPECT_EQ(open()->boolean("other"), true);
     EXPECT_THAT(lines, IsEmpty());
+}
+
+TEST_F(SqliteUserDefaultsDamage, WhatARemovedFileHeldDoesNotComeBack) {
+    const auto store = open();
+    store->set("gone", true);
+    std::filesystem::remove(file);
+    std::filesystem::remove(folder / "settings.sqlite-wal");
+    std::filesystem::remove(folder / "settings.sqlite-shm");
+    store->set("key", true);
+    RawDatabase(file).run("ALTER TABLE defaults RENAME TO something");
+    EXPECT_EQ(store->boolean("key"), true);
+    EXPECT_EQ(store->object("gone"), std::nullopt);
+    EXPECT_FALSE(open()->contains("gone"));
 }
 
 TEST_F(SqliteUserDefaultsDamage, AFileReplacedWhileInUseIsReadAndItsLogIsKept) {

@@ -14,6 +14,7 @@
 #include <unistd.h>
 
 #include "platform/linux/sqlite_user_defaults.h"
+#include "platform/linux/sqlite_user_defaults_file.h"
 #include "tests/platform/linux/child_process.h"
 #include "tests/platform/linux/raw_database.h"
 #include "tests/platform/linux/sqlite_user_defaults_fixture.h"
@@ -162,6 +163,17 @@ TEST_F(SqliteUserDefaultsTrouble, AFileInAReadOnlyFolderIsReadAndWritesStayInMem
         allow(folder.path(), 0700);
         EXPECT_EQ(store->text("other"), "x");
         EXPECT_EQ(open()->integer("old"), 2);
+    });
+}
+
+TEST_F(SqliteUserDefaultsTrouble, AReadOnlyFileUnderAnOddNameIsRead) {
+    file = folder / "a?b#c%20d";
+    makeStore();
+    asUser([&] {
+        allow(folder.path(), 0500);
+        EXPECT_EQ(open()->integer("old"), 1);
+        EXPECT_THAT(lines, IsEmpty());
+        allow(folder.path(), 0700);
     });
 }
 
@@ -401,6 +413,28 @@ TEST_F(SqliteUserDefaultsTrouble, AnAccessWaitsForAnotherOnce) {
     other.run("BEGIN IMMEDIATE");
     store->set("key", false);
     EXPECT_GT(waits, 0);
+    countWaits = false;
+}
+
+TEST_F(SqliteUserDefaultsTrouble, TheLastAttemptIsAPatientOne) {
+    patience = std::chrono::milliseconds(200);
+    makeStore();
+    auto store = open();
+    RawDatabase other(file);
+    other.run("BEGIN IMMEDIATE");
+    countWaits = true;
+    store->set("key", true);
+    waits = 0;
+    store.reset();
+    EXPECT_GT(waits, 0);
+    countWaits = false;
+}
+
+TEST_F(SqliteUserDefaultsTrouble, AFolderThatAnotherKeepsLockedIsUsedAllTheSame) {
+    const FolderLock other(folder.path());
+    countWaits = true;
+    open()->set("key", true);
+    EXPECT_EQ(open()->boolean("key"), true);
     countWaits = false;
 }
 
