@@ -165,16 +165,17 @@ TEST(LiveMachine, TicksGrowAndSharesAddUp) {
     LinuxKernel kernel;
     CPUService service(kernel);
     service.readCPUInfo();
-    const auto ticks = [&kernel] {
-        std::uint64_t sum = 0;
-        for (const std::uint32_t word : kernel.hostProcessorInfo().words.value()) {
-            sum += word;
+    const auto busyTicks = [&kernel] {
+        const HostProcessorInfo info = kernel.hostProcessorInfo();
+        std::uint32_t sum = 0;
+        for (std::size_t index = 0; index < info.words->size(); ++index) {
+            sum += index % 4 == 2 ? 0 : (*info.words)[index];
         }
         return sum;
     };
-    // Busy until the kernel has counted some ticks; each takes a few milliseconds.
-    const std::uint64_t start = ticks();
-    while (ticks() < start + 20) {
+    // Busy until the kernel has counted a few ticks of it; each takes some milliseconds.
+    const std::uint32_t start = busyTicks();
+    while (busyTicks() - start < 5) {
     }
     const CPUInfo info = service.readCPUInfo();
     EXPECT_GT(info.usagePercentage, 0.0);
