@@ -64,6 +64,8 @@ def show(arguments):
         pictures = Pictures(desktop, program, arguments.folder)
         pictures.remove_old()
         program.wait_for_item()
+        if program.wait_for_greeting():
+            program.close_panel()
         program.open_panel()
         desktop.screen.move_pointer(desktop.nowhere)
         until(program.panel_picture, "the panel is drawn")

@@ -1,5 +1,6 @@
 """What the desktop tests share."""
 
+import contextlib
 import os
 import sqlite3
 import unittest
@@ -27,7 +28,8 @@ class DesktopTestCase(unittest.TestCase):
         """Starts the program as on any day but the first, when it greets its user."""
         first = self.program("first").start(**changes)
         first.wait_for_item()
-        self.until(first.panel, "the panel greets")
+        self.until(lambda: self.is_in_store("settings.hasPresentedInitialSettings"),
+                   "the greeting is over")
         self.assertEqual(first.end(), 0, first.output())
         program = self.program().start(**changes)
         program.wait_for_item()
@@ -56,14 +58,32 @@ class DesktopTestCase(unittest.TestCase):
     def store(self):
         return self.desktop.path("home/.local/share/tarnwick/settings.sqlite")
 
+    def is_in_store(self, key):
+        """Whether the program has stored a value under a key."""
+        try:
+            with contextlib.closing(self._open_store()) as store:
+                return any(key in row for table in self._tables(store)
+                           for row in store.execute(f'SELECT * FROM "{table}"'))
+        except sqlite3.OperationalError:
+            return False
+
+    def wait_until_up(self, program):
+        """Waits until the program has started, tray or no tray."""
+        self.until(lambda: self.desktop.bus.owner("org.tarnwick.Tarnwick") == program.pid,
+                   "the program is up")
+
     def assert_store_is_whole(self):
-        with sqlite3.connect(f"file:{self.store()}?mode=ro", uri=True) as store:
+        with contextlib.closing(self._open_store()) as store:
             self.assertEqual(store.execute("PRAGMA integrity_check").fetchall(), [("ok",)])
-            tables = store.execute("SELECT name FROM sqlite_master WHERE type = 'table'").fetchall()
-            self.assertTrue(tables)
-            rows = sum(store.execute(f'SELECT count(*) FROM "{name}"').fetchone()[0]
-                       for name, in tables)
-            self.assertGreater(rows, 0)
+        self.assertTrue(self.is_in_store("settings.hasPresentedInitialSettings"))
+
+    def _open_store(self):
+        return sqlite3.connect(f"file:{self.store()}?mode=ro", uri=True)
+
+    @staticmethod
+    def _tables(store):
+        return [name for name, in
+                store.execute("SELECT name FROM sqlite_master WHERE type = 'table'")]
 
     def _keep_picture(self):
         folder = os.environ["TARNWICK_SCREENS"]

@@ -31,6 +31,8 @@ ColorScheme::ColorScheme(QDBusConnection bus, std::function<void(bool dark)> cha
     if (!bus_.isConnected()) {
         return;
     }
+    // The library looks the slot's types up by name, and knows this one only once it is in use.
+    qRegisterMetaType<QDBusVariant>();
     // No sender is named: the library would ask the bus for its owner and wait for the answer.
     bus_.connect("", kPath, kInterface, "SettingChanged", this,
                  SLOT(settingChanged(QString, QString, QDBusVariant)));

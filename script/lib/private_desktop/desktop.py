@@ -7,7 +7,7 @@ import tempfile
 from . import hosts
 from .processes import Processes
 from .screen import Screen
-from .session_bus import SessionBus, Settings
+from .session_bus import SessionBus, Settings, answers
 from .wait import until
 
 _SIZE = (1280, 800)
@@ -171,7 +171,7 @@ class PrivateDesktop:
         self.processes.start(
             ["dbus-daemon", "--nofork", "--nopidfile", "--nosyslog",
              "--config-file=" + self.path("bus.conf")], self.env, "bus")
-        until(lambda: os.path.exists(socket), "the session bus listens")
+        until(lambda: answers(address), "the session bus listens")
         self.bus = SessionBus(address)
         self.settings = Settings(address, self.dark)
 

@@ -1,12 +1,15 @@
 """One program with a status item and a panel, on a private desktop."""
 
 import signal
+import time
 
-from .wait import Timeout, stays, until
+from .wait import Timeout, until
 
 # Width of the panel at a scale of 1, and of its shadow where its window holds that, too.
 _PANEL_WIDTH = 320
 _SHADOW = 28
+# A click so soon after a press that closed the panel belongs to that press.
+_SAME_CLICK = 0.5
 # A colour counts as the icon's own from this distance between its strongest and weakest part.
 _SATURATED = 70
 # Pixels of the icon that must be seen: an icon of 16 pixels has some hundred.
@@ -96,10 +99,15 @@ class Program:
                     counts[tuple(colour)] = counts.get(tuple(colour), 0) + 1
         return max(counts, key=counts.get) if counts else None
 
+    def wait_for_greeting(self, patience=3.0):
+        """Whether a first start opens the panel by itself, which it does soon or not at all."""
+        try:
+            return bool(until(self.panel, "the panel greets", patience))
+        except Timeout:
+            return False
+
     def open_panel(self):
-        """Opens the panel by a click on the item; the panel. An open one is closed first."""
-        if not stays(lambda: self.panel() is None, 0.3):
-            self.close_panel()
+        """Opens the closed panel by a click on the item; the panel."""
         self.click_item()
         return until(self.panel, "the panel opens after a click on the item")
 
@@ -107,6 +115,7 @@ class Program:
         """Closes the panel by a click where nothing is."""
         self.desktop.screen.click(self.desktop.nowhere)
         until(lambda: self.panel() is None, "the panel closes after a click outside")
+        time.sleep(_SAME_CLICK)
 
     def click_item(self, button=1):
         place = until(self.item_place, "the item is on the screen")

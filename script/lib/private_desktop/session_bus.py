@@ -28,6 +28,15 @@ _PORTAL_PATH = "/org/freedesktop/portal/desktop"
 _SCHEME = ("org.freedesktop.appearance", "color-scheme")
 
 
+def answers(address):
+    """Whether the bus takes connections already."""
+    try:
+        connect(address).close_sync(None)
+        return True
+    except GLib.Error:
+        return False
+
+
 def connect(address):
     return Gio.DBusConnection.new_for_address_sync(
         address,

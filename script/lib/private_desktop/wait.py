@@ -21,13 +21,3 @@ def until(condition, what, patience=PATIENCE):
         if time.monotonic() > end:
             raise Timeout(f"{what}: not within {patience:g} s")
         time.sleep(_STEP)
-
-
-def stays(condition, seconds):
-    """Whether `condition` holds all through `seconds`."""
-    end = time.monotonic() + seconds
-    while condition():
-        if time.monotonic() > end:
-            return True
-        time.sleep(_STEP)
-    return False
