@@ -321,8 +321,7 @@ TEST_F(HomePage, NegativeStorageCountsNeverReachTheFormatter) {
 }
 
 TEST_F(HomePage, StorageIsLowAtExactlyTwentyGibibytes) {
-    volume().totalSpace = 100 * k20GiB;
-    volume().usedSpace = 99 * k20GiB;
+    volume().totalSpace = 5 * k20GiB;
     volume().availableSpace = k20GiB;
     EXPECT_EQ(block<NoticeRow>(build(), "lowStorage"),
               (NoticeRow{"exclamationmark.triangle.fill", Tint::orange,

@@ -6,6 +6,7 @@
 #include <QMouseEvent>
 #include <QPixmap>
 #include <QToolTip>
+#include <QtMath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
@@ -318,6 +319,25 @@ TEST_F(PanelViewTest, TabWalksThroughTheEnabledButtonsInPageOrder) {
                                     "button.refresh"));
 }
 
+TEST_F(PanelViewTest, TabFollowsThePageWhenAButtonComesBetween) {
+    const auto item = [](const char* id, PanelAction action) {
+        return PageItem{id, 0, NavigationButton{{id, "", action, true}}};
+    };
+    const PageItem first = item("first", PanelAction::showMemoryDetail);
+    const PageItem second = item("second", PanelAction::showPerformanceDetail);
+    const PageItem third = item("third", PanelAction::quit);
+    view.setPage({first, third});
+    view.show();
+    settle();
+    view.setPage({first, second, third});
+    settle();
+    view.activateWindow();
+    find("button.showMemoryDetail")->setFocus();
+    settle();
+    press(find("button.showMemoryDetail"), Qt::Key_Tab);
+    EXPECT_EQ(QApplication::focusWidget(), find("button.showPerformanceDetail"));
+}
+
 TEST_F(PanelViewTest, TheFocusRingSurroundsAButtonFocusedByKey) {
     show(testing::calmMachine());
     view.activateWindow();
@@ -410,6 +430,22 @@ TEST_P(PanelViewScales, ValuesAtTheRightShareOneEdge) {
                            "battery.cycles", "battery.condition"}) {
         EXPECT_GE(lastInk(id), 1) << id;
         EXPECT_LE(lastInk(id), 3 * ratio) << id;
+    }
+}
+
+TEST_P(PanelViewScales, ALongNameLeavesRoomBeforeTheValue) {
+    const int ratio = GetParam();
+    HomePageInputs inputs = testing::calmMachine();
+    inputs.storageInfo.front().name = std::string(200, 'W');
+    show(inputs);
+    const QImage image = pixels(*find("bar.storage"), theme, ratio);
+    const qreal valueWidth = theme.style(FontRole::caption).width("267.12 GB / 494.38 GB");
+    const int valueStart = qFloor((288 - valueWidth) * ratio);
+    // Without the points where the two texts' own anti-aliasing may reach.
+    for (int x = valueStart - 11 * ratio; x < valueStart - ratio; ++x) {
+        for (int y = 0; y < image.height() - 12 * ratio; ++y) {
+            ASSERT_EQ(image.pixel(x, y), theme.color(ColorRole::panel).rgb()) << x << ' ' << y;
+        }
     }
 }
 
