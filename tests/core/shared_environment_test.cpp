@@ -1,0 +1,80 @@
+// The process-wide samplers and the manager that runs on them.
+#include <gtest/gtest.h>
+#include <memory>
+
+#include "core/metric_sources.h"
+#include "core/stats_manager.h"
+#include "platform/platform.h"
+#include "platform/testing/manual_dispatch.h"
+#include "platform/testing/memory_user_defaults.h"
+#include "platform/testing/scripted_kernel.h"
+#include "platform/testing/scripted_login_service.h"
+#include "platform/testing/scripted_volumes.h"
+
+namespace tarnwick {
+namespace {
+
+/// The machine under the process-wide instances, which keep it for good.
+struct Machine {
+    platform::testing::ScriptedKernel kernel;
+    platform::testing::ScriptedVolumes volumes;
+    platform::testing::MemoryUserDefaults store;
+    platform::testing::ScriptedLoginService loginService;
+    platform::testing::ManualDispatch dispatch;
+
+    static Machine& installed() {
+        static Machine& machine = *[] {
+            auto* made = new Machine;
+            platform::Platform platform;
+            platform.kernel = &made->kernel;
+            platform.volumes = &made->volumes;
+            platform.userDefaults = &made->store;
+            platform.loginService = &made->loginService;
+            platform.dispatch = &made->dispatch;
+            platform::install(platform);
+            made->kernel.answers.logicalCPUCount.set(8);
+            made->kernel.answers.memorySize.set(4096);
+            made->kernel.answers.bootTime.set(platform::TimeValue{.seconds = 400});
+            made->kernel.setWallClockSeconds(1000);
+            made->volumes.answers.attributesOfFileSystemForPath.set(
+                platform::FileSystemAttributes{.size = 500, .freeSize = 200});
+            return made;
+        }();
+        return machine;
+    }
+};
+
+TEST(MetricSources, ReadTheCurrentPlatform) {
+    Machine::installed();
+    const MetricSources sources = MetricSources::shared();
+    EXPECT_EQ(sources.readCPUInfo().coreCount, 8);
+    EXPECT_EQ(sources.readMemoryInfo().total, 4096u);
+    EXPECT_EQ(sources.readStorageInfo().totalSpace, 500);
+    EXPECT_EQ(sources.readUptime(), 600);
+}
+
+TEST(MetricSources, WithoutASamplerGiveTheEmptyRecords) {
+    Machine::installed();
+    const MetricSources sources = MetricSources::shared();
+    EXPECT_FALSE(sources.readGPUInfo().isAvailable);
+    EXPECT_FALSE(sources.readNetworkInfo().hasSample);
+    EXPECT_TRUE(sources.readTopProcesses(3).byCPU.empty());
+    EXPECT_TRUE(sources.readTopProcesses(3).byMemory.empty());
+    sources.pruneStaleProcesses();
+}
+
+TEST(SharedStatsManager, RunsOnTheCurrentPlatformWithTheSharedSettings) {
+    Machine& machine = Machine::installed();
+    const StatsManager manager(nullptr, BatteryService::shared(), 30, 120);
+    EXPECT_EQ(&manager.settings(), &UserSettings::shared());
+    machine.dispatch.runMain();
+    EXPECT_EQ(manager.cpuInfo->coreCount, 8);
+    EXPECT_EQ(manager.memoryInfo->total, 4096u);
+    EXPECT_EQ(manager.storageInfo->at(0).usedSpace, 300);
+    EXPECT_EQ(manager.systemInfo->uptime, 600);
+    EXPECT_EQ(manager.cpuUsageHistory->at(0).timestamp, 1000);
+    EXPECT_TRUE(*manager.batteryDetectionComplete);
+}
+
+}  // namespace
+}  // namespace tarnwick
