@@ -10,10 +10,12 @@ QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& scree
     const int x = anchor.left() + (anchor.width() - panel.width()) / 2;
     const int y = opensUpwards ? anchor.top() - kPanelGap - panel.height()
                                : anchor.top() + anchor.height() + kPanelGap;
-    const int lastX = available.left() + available.width() - panel.width();
-    const int lastY = available.top() + available.height() - panel.height();
-    return {QPoint(std::max(available.left(), std::min(x, lastX)),
-                   std::max(available.top(), std::min(y, lastY))),
+    const QRect inside =
+        available.adjusted(kScreenMargin, kScreenMargin, -kScreenMargin, -kScreenMargin);
+    const int lastX = inside.left() + inside.width() - panel.width();
+    const int lastY = inside.top() + inside.height() - panel.height();
+    return {QPoint(std::max(inside.left(), std::min(x, lastX)),
+                   std::max(inside.top(), std::min(y, lastY))),
             panel};
 }
 

@@ -8,10 +8,12 @@ namespace tarnwick::qt {
 
 /// Points between the panel and the item that it belongs to.
 inline constexpr int kPanelGap = 6;
+/// Points that the panel keeps from the edges of the screen's available area.
+inline constexpr int kScreenMargin = 6;
 
 /// The panel's rectangle: centred under `anchor`, or above it where that is in the lower half of
-/// the screen, and moved as far as it must to lie inside `available`. A panel too large for that
-/// keeps its upper left corner inside.
+/// the screen, and moved as far as it must to lie inside `available` less its margin. A panel too
+/// large for that keeps its upper left corner inside.
 QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& screen,
                      const QRect& available);
 

@@ -74,9 +74,9 @@ void PanelPopup::popUp(const QRect& anchor) {
 void PanelPopup::place() {
     const QScreen* screen = screenOf(anchor_);
     const QRect available = screen->availableGeometry();
-    const QRect panel =
-        panelPlacement(QSize(view_->width(), std::min(view_->height(), available.height())),
-                       anchor_, screen->geometry(), available);
+    const QRect panel = panelPlacement(
+        QSize(view_->width(), std::min(view_->height(), available.height() - 2 * kScreenMargin)),
+        anchor_, screen->geometry(), available);
     const int margin = isTranslucent_ ? kShadowMargin : 0;
     const QRect window = panel.adjusted(-margin, -margin, margin, margin);
     scroller_->setGeometry(QRect(QPoint(margin, margin), panel.size()));

@@ -12,29 +12,29 @@ constexpr QRect kBelowTheBar(0, 30, 1920, 1050);
 
 TEST(PanelPlacement, OpensCentredUnderTheItem) {
     EXPECT_EQ(panelPlacement(kPanel, QRect(1000, 4, 22, 22), kScreen, kBelowTheBar),
-              QRect(851, 32, 320, 500));
+              QRect(851, 36, 320, 500));
 }
 
 TEST(PanelPlacement, StaysBelowATallBar) {
-    EXPECT_EQ(panelPlacement(kPanel, QRect(1000, 4, 1, 1), kScreen, kBelowTheBar).top(), 30);
+    EXPECT_EQ(panelPlacement(kPanel, QRect(1000, 4, 1, 1), kScreen, kBelowTheBar).top(), 36);
 }
 
 TEST(PanelPlacement, OpensAboveABarAtTheBottom) {
     const QRect aboveTheBar(0, 0, 1920, 1050);
     const QRect panel = panelPlacement(kPanel, QRect(1000, 1052, 22, 22), kScreen, aboveTheBar);
-    EXPECT_EQ(panel.top() + panel.height(), 1046);
+    EXPECT_EQ(panel.top() + panel.height(), 1044);
     EXPECT_EQ(panel.left(), 851);
 }
 
 TEST(PanelPlacement, StaysInsideAtTheEdges) {
-    EXPECT_EQ(panelPlacement(kPanel, QRect(1900, 4, 20, 22), kScreen, kBelowTheBar).left(), 1600);
-    EXPECT_EQ(panelPlacement(kPanel, QRect(0, 4, 20, 22), kScreen, kBelowTheBar).left(), 0);
+    EXPECT_EQ(panelPlacement(kPanel, QRect(1900, 4, 20, 22), kScreen, kBelowTheBar).left(), 1594);
+    EXPECT_EQ(panelPlacement(kPanel, QRect(0, 4, 20, 22), kScreen, kBelowTheBar).left(), 6);
 }
 
 TEST(PanelPlacement, StaysInsideBesideAVerticalBar) {
     const QRect rightOfTheBar(48, 0, 1872, 1080);
     const QRect panel = panelPlacement(kPanel, QRect(10, 1000, 22, 22), kScreen, rightOfTheBar);
-    EXPECT_EQ(panel.left(), 48);
+    EXPECT_EQ(panel.left(), 54);
     EXPECT_TRUE(rightOfTheBar.contains(panel));
 }
 
@@ -47,9 +47,9 @@ TEST(PanelPlacement, StaysOnTheScreenOfTheItem) {
 TEST(PanelPlacement, APanelTooLargeKeepsItsUpperLeftCorner) {
     EXPECT_EQ(
         panelPlacement(QSize(320, 2000), QRect(1000, 1060, 22, 22), kScreen, kBelowTheBar).top(),
-        30);
+        36);
     EXPECT_EQ(panelPlacement(kPanel, QRect(5, 5, 1, 1), kScreen, QRect(10, 30, 200, 400)).topLeft(),
-              QPoint(10, 30));
+              QPoint(16, 36));
 }
 
 }  // namespace
