@@ -7,11 +7,14 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
+#include <QImage>
 #include <QLabel>
+#include <QPainter>
 #include <QPointer>
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <QtEndian>
 #include <chrono>
 
 namespace {
@@ -41,10 +44,20 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, Pixmap& pixmap) {
     return argument;
 }
 
-/// An even blue square.
+/// A blue disc.
 QList<Pixmap> icon() {
-    const QByteArray pixel("\xFF\x20\x60\xE0", 4);
-    return {{kIconSize, kIconSize, pixel.repeated(kIconSize * kIconSize)}};
+    QImage image(kIconSize, kIconSize, QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(QColor(0x2060E0));
+    painter.drawEllipse(image.rect());
+    painter.end();
+    QByteArray pixels(image.sizeInBytes(), Qt::Uninitialized);
+    const auto* source = reinterpret_cast<const quint32*>(image.constBits());
+    qToBigEndian<quint32>(source, image.width() * image.height(), pixels.data());
+    return {{image.width(), image.height(), pixels}};
 }
 
 class Item : public QObject {

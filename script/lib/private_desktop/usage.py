@@ -14,12 +14,14 @@ class Memory:
 
 @dataclasses.dataclass(frozen=True)
 class Activity:
-    """All threads together, since the start of the process."""
+    """What one thread has done since its start."""
 
     context_switches: int
     # Time on a processor in nanoseconds.
     processor_time: int
-    threads: frozenset
+
+
+_NONE = Activity(0, 0)
 
 
 def _fields(path, names):
@@ -38,29 +40,35 @@ def memory(pid):
 
 
 def activity(pid):
-    switches = 0
-    time = 0
-    threads = os.listdir(f"/proc/{pid}/task")
-    for thread in threads:
+    """What each thread of a process has done, by its id."""
+    found = {}
+    for thread in os.listdir(f"/proc/{pid}/task"):
         folder = f"/proc/{pid}/task/{thread}"
-        found = _fields(folder + "/status",
-                        ("voluntary_ctxt_switches", "nonvoluntary_ctxt_switches"))
-        switches += sum(found.values())
-        with open(folder + "/schedstat", encoding="ascii") as file:
-            time += int(file.read().split()[0])
-    return Activity(switches, time, frozenset(threads))
+        try:
+            counts = _fields(folder + "/status",
+                             ("voluntary_ctxt_switches", "nonvoluntary_ctxt_switches"))
+            with open(folder + "/schedstat", encoding="ascii") as file:
+                found[thread] = Activity(sum(counts.values()), int(file.read().split()[0]))
+        except FileNotFoundError:
+            continue
+    return found
 
 
 @dataclasses.dataclass(frozen=True)
 class Rates:
+    """All threads together."""
+
     switches_per_second: float
     # Of one processor.
     processor_percent: float
-    # No thread ended in between and took its counts with it.
-    whole: bool
+    # Threads that ended in between and took their counts with them.
+    lost_threads: int
 
 
 def rates(before, after, seconds):
-    return Rates((after.context_switches - before.context_switches) / seconds,
-                 (after.processor_time - before.processor_time) / (seconds * 1e9) * 100,
-                 before.threads <= after.threads)
+    switches = time = 0
+    for thread, end in after.items():
+        start = before.get(thread, _NONE)
+        switches += end.context_switches - start.context_switches
+        time += end.processor_time - start.processor_time
+    return Rates(switches / seconds, time / (seconds * 1e9) * 100, len(before.keys() - after))
