@@ -134,15 +134,20 @@ BackgroundWork::~BackgroundWork() {
 
 void BackgroundWork::run(std::function<void()> work) {
     std::list<std::thread> ended;
+    bool isWaitedFor = false;
     {
         const std::lock_guard guard(state_->lock);
         state_->queue.push_back(std::move(work));
         if (state_->waiting >= state_->queue.size()) {
-            state_->workAdded.notify_one();
+            isWaitedFor = true;
         } else if (state_->threads.size() < kThreadLimit) {
             state_->addThread();
         }
         ended.swap(state_->ended);
+    }
+    // With the lock let go: the woken thread would only go back to sleep for it.
+    if (isWaitedFor) {
+        state_->workAdded.notify_one();
     }
     for (std::thread& thread : ended) {
         thread.join();
