@@ -165,7 +165,11 @@ int main(int argc, char** argv) {
     bool within = true;
     for (const Pair& pair : pairs) {
         const double ratio = reporter.ratio(pair.name);
-        std::printf("%s: %.2f x the floor, budget %.2f x\n", pair.name, ratio, pair.budget);
+        if (ratio > 0) {
+            std::printf("%s: %.2f x the floor, budget %.2f x\n", pair.name, ratio, pair.budget);
+        } else {
+            std::printf("%s: not measured\n", pair.name);
+        }
         within = within && ratio > 0 && ratio <= pair.budget;
     }
     return check && !within ? 1 : 0;
