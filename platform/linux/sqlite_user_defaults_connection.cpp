@@ -147,6 +147,11 @@ SqliteUserDefaultsConnection::SqliteUserDefaultsConnection(const std::filesystem
     if (const std::error_code error = makeFolder(file.parent_path())) {
         throw Error(Kind::unavailable, error.message());
     }
+    // Nobody moves or begins the file meanwhile. SQLite finds a file's log and journal by its name:
+    // a bad file that is being opened under a name that passes to a fresh one would be taken for
+    // the fresh one's, and truncated. And of several that begin one file, SQLite lets some fail
+    // instead of wait.
+    const FolderLock alone(file.parent_path());
     identify();
     if (const std::error_code obstacle = obstacleToWriting(file)) {
         if (!identity_) {
@@ -157,6 +162,10 @@ SqliteUserDefaultsConnection::SqliteUserDefaultsConnection(const std::filesystem
     try {
         open(patience);
     } catch (const Error& error) {
+        // Closed while nobody else can take the file's name.
+        select_.reset();
+        upsert_.reset();
+        database_.reset();
         const bool isFileGood = error.kind() == Kind::refused || error.kind() == Kind::unavailable;
         if (!isFileGood || readOnly_ || !identity_ || hasWriteAheadLog(file)) {
             throw;
@@ -169,8 +178,6 @@ SqliteUserDefaultsConnection::SqliteUserDefaultsConnection(const std::filesystem
 
 /// What must be known before SQLite has a look.
 void SqliteUserDefaultsConnection::identify() {
-    // Nobody begins the file meanwhile, so that its length and its log belong together.
-    const FolderLock alone(file_.parent_path());
     identity_ = identityOf(file_);
     if (std::error_code error; identity_ && !std::filesystem::is_regular_file(file_, error)) {
         throw Error(Kind::unavailable, "not a file");
@@ -209,7 +216,6 @@ void SqliteUserDefaultsConnection::connect() {
         flags |= SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
         name = immutableURI(file_);
     }
-    select_.reset();
     sqlite3* database = nullptr;
     const int opened = sqlite3_open_v2(name.c_str(), &database, flags, nullptr);
     database_.reset(database);
@@ -297,8 +303,8 @@ void SqliteUserDefaultsConnection::write(const Values& values) {
 
 /// Finds out whose file this is, and begins a store in an empty one.
 void SqliteUserDefaultsConnection::examine() {
-    // One transaction: another process may begin the file at this moment. Where a question fails,
-    // the connection is given up and the transaction with it.
+    // One transaction, should another process begin the file at this moment. Where a question
+    // fails, the connection is given up and the transaction with it.
     execute("BEGIN");
     const std::int64_t application = number("PRAGMA application_id");
     const std::int64_t version = number("PRAGMA user_version");
@@ -321,13 +327,11 @@ void SqliteUserDefaultsConnection::begin() {
     if (readOnly_) {
         throw Error(Kind::refused, *readOnly_);
     }
-    // SQLite lets several processes that begin one file fail instead of wait.
-    const FolderLock alone(file_.parent_path());
     execute("PRAGMA journal_mode = WAL");
     execute("PRAGMA synchronous = FULL");
     execute("BEGIN IMMEDIATE");
     try {
-        // Where another process has been faster, these change nothing.
+        // Should another process have been faster, these change nothing.
         execute(
             "CREATE TABLE IF NOT EXISTS defaults "
             "(key TEXT PRIMARY KEY NOT NULL, type TEXT NOT NULL, value) WITHOUT ROWID");
