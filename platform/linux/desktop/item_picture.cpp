@@ -4,7 +4,6 @@
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
-#include <QPainterPath>
 #include <QtMath>
 #include <array>
 
@@ -18,16 +17,17 @@ constexpr qreal kRowHeight = 18;
 constexpr qreal kIconSize = 16;
 constexpr qreal kSpacing = 4;
 constexpr qreal kTextWidth = 72;
-constexpr int kFontSize = 11;
-constexpr qreal kEdgeWidth = 2;
-constexpr float kEdgeOpacity = 0.35F;
+constexpr qreal kFontSize = 11;
+// The faint edge is the letters once more, moved by this much to each side.
+constexpr qreal kEdgeWidth = 1;
+constexpr float kEdgeOpacity = 0.15F;
 
-QFont textFont() {
+QFont textFont(qreal scale) {
     QFont font = QGuiApplication::font();
-    font.setPixelSize(kFontSize);
+    font.setPixelSize(qRound(kFontSize * scale));
     font.setWeight(QFont::Medium);
-    // Shapes that fall between pixels must scale with the row.
-    font.setHintingPreference(QFont::PreferNoHinting);
+    // The ground is transparent, so coloured edges would have nothing to blend with.
+    font.setStyleStrategy(QFont::NoSubpixelAntialias);
     return font;
 }
 
@@ -57,27 +57,35 @@ int widePictureWidth(int height) {
     return qCeil((kIconSize + kSpacing + kTextWidth) * height / kRowHeight);
 }
 
-QImage widePicture(const IconPainter& painter, const ItemIcon& icon, const QString& text,
-                   int height) {
+int wideIconSize(int height) {
+    return qRound(kIconSize * height / kRowHeight);
+}
+
+QImage widePicture(const QImage& icon, const QString& text, bool dark, int height) {
     QImage picture(widePictureWidth(height), height, QImage::Format_ARGB32_Premultiplied);
     picture.fill(Qt::transparent);
     QPainter canvas(&picture);
-    canvas.setRenderHint(QPainter::Antialiasing);
-    const qreal scale = height / kRowHeight;
-    const int iconPixels = qRound(kIconSize * scale);
-    canvas.drawImage(0, (height - iconPixels) / 2, squarePicture(painter, icon, iconPixels));
+    canvas.drawImage(0, (height - icon.height()) / 2, icon);
 
-    canvas.scale(scale, scale);
-    const QFont font = textFont();
+    // Letters are drawn from the glyph cache, never as outlines: filling outlines would wake the
+    // toolkit's painting threads at every tick.
+    const qreal scale = height / kRowHeight;
+    const QFont font = textFont(scale);
     const QFontMetricsF metrics(font);
-    const qreal baseline = (kRowHeight + metrics.capHeight()) / 2;
-    QPainterPath letters;
-    letters.addText(kIconSize + kSpacing, baseline, font,
-                    metrics.elidedText(text, Qt::ElideRight, kTextWidth));
-    QColor edge = icon.dark ? Qt::black : Qt::white;
+    canvas.setFont(font);
+    const QString shown = metrics.elidedText(text, Qt::ElideRight, kTextWidth * scale);
+    const QPointF start(qRound((kIconSize + kSpacing) * scale),
+                        qRound((height + metrics.capHeight()) / 2));
+    QColor edge = dark ? Qt::black : Qt::white;
     edge.setAlphaF(kEdgeOpacity);
-    canvas.strokePath(letters, QPen(edge, kEdgeWidth, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
-    canvas.fillPath(letters, icon.dark ? Qt::white : Qt::black);
+    canvas.setPen(edge);
+    const qreal width = kEdgeWidth * scale;
+    for (const QPointF& side :
+         {QPointF(-width, 0), QPointF(width, 0), QPointF(0, -width), QPointF(0, width)}) {
+        canvas.drawText(start + side, shown);
+    }
+    canvas.setPen(dark ? Qt::white : Qt::black);
+    canvas.drawText(start, shown);
     return picture;
 }
 

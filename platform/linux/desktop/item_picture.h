@@ -37,10 +37,12 @@ IconPixmaps squarePixmaps(const IconPainter& painter, const ItemIcon& icon);
 /// beside the item moves when the text changes.
 int widePictureWidth(int height);
 
-/// Icon and text in one row, `height` pixels high. The text is cut with an ellipsis where it does
-/// not fit. The ground of the bar is not known, so the letters carry a faint edge of the opposite
-/// shade.
-QImage widePicture(const IconPainter& painter, const ItemIcon& icon, const QString& text,
-                   int height);
+/// Edge of the icon in a widePicture() of a height, both in pixels.
+int wideIconSize(int height);
+
+/// `icon`, wideIconSize() pixels wide, and text in one row, `height` pixels high. The text is cut
+/// with an ellipsis where it does not fit. It is dark, or light for a dark desktop; the ground of
+/// the bar is not known, so the letters carry a faint edge of the opposite shade.
+QImage widePicture(const QImage& icon, const QString& text, bool dark, int height);
 
 }  // namespace tarnwick::platform

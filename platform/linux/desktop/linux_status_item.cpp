@@ -5,7 +5,6 @@
 #include <QTimer>
 #include <utility>
 
-#include "platform/linux/desktop/tray_presentation.h"
 #include "platform/linux/standard_error.h"
 
 namespace tarnwick::platform {
@@ -118,7 +117,8 @@ void LinuxStatusItem::update() {
     }
     // Nobody looks while there is no host; the latest content is set when one comes.
     if (registration_->state() == NotifierRegistration::State::present) {
-        notifier_->setContent(notifierContent());
+        const TrayPresentation presentation = trayPresentation(registration_->program());
+        notifier_->setContent(notifierContent(presentation), presentation.fetches);
     }
 }
 
@@ -134,25 +134,31 @@ ItemIcon LinuxStatusItem::icon() const {
     return {.symbol = content_->symbol, .tint = content_->tint, .dark = options_.dark};
 }
 
-const IconPixmaps& LinuxStatusItem::squares(const ItemIcon& icon) {
-    if (squaresOf_ != icon) {
-        squares_ = squarePixmaps(options_.painter, icon);
-        squaresOf_ = icon;
+const IconPixmaps& LinuxStatusItem::squares() {
+    if (squaresOf_ != icon()) {
+        squaresOf_ = icon();
+        squares_ = squarePixmaps(options_.painter, *squaresOf_);
     }
     return squares_;
 }
 
-NotifierContent LinuxStatusItem::notifierContent() {
-    const TrayPresentation presentation = trayPresentation(registration_->program());
+IconPixmap LinuxStatusItem::rowWithText(const QString& text, int height) {
+    if (rowIconOf_ != icon() || rowIcon_.height() != wideIconSize(height)) {
+        rowIconOf_ = icon();
+        rowIcon_ = squarePicture(options_.painter, *rowIconOf_, wideIconSize(height));
+    }
+    return toPixmap(widePicture(rowIcon_, text, options_.dark, height));
+}
+
+NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& presentation) {
     const bool hasText = content_->text && !content_->text->empty();
     const QString text = QString::fromStdString(content_->text.value_or(std::string()));
     NotifierContent content;
     content.text = QString::fromStdString(content_->accessibilityLabel);
     if (hasText && presentation.text == TextPlace::picture) {
-        content.icon = {
-            toPixmap(widePicture(options_.painter, icon(), text, presentation.pictureHeight))};
+        content.icon = {rowWithText(text, presentation.pictureHeight)};
     } else {
-        content.icon = squares(icon());
+        content.icon = squares();
     }
     if (presentation.iconFromFile) {
         content.iconName = pictureFile_.path(options_.painter, icon());

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <QDBusConnection>
+#include <QImage>
 #include <QObject>
 #include <QPoint>
 #include <functional>
@@ -19,6 +20,7 @@
 #include "platform/linux/desktop/notifier_registration.h"
 #include "platform/linux/desktop/picture_file.h"
 #include "platform/linux/desktop/status_notifier_item.h"
+#include "platform/linux/desktop/tray_presentation.h"
 
 namespace tarnwick::platform {
 
@@ -69,8 +71,9 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     void update();
     void clicked();
     ItemIcon icon() const;
-    NotifierContent notifierContent();
-    const IconPixmaps& squares(const ItemIcon& icon);
+    NotifierContent notifierContent(const TrayPresentation& presentation);
+    const IconPixmaps& squares();
+    IconPixmap rowWithText(const QString& text, int height);
     void tellIfNoTray();
 
     QDBusConnection bus_;
@@ -79,9 +82,11 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     std::optional<StatusItemContent> content_;
     std::vector<MenuEntry> entries_;
     std::optional<QPoint> anchor_;
-    /// The squares drawn last, and of what: most changes are of the text alone.
+    // The icons drawn last, and of what: most changes are of the text alone.
     std::optional<ItemIcon> squaresOf_;
     IconPixmaps squares_;
+    std::optional<ItemIcon> rowIconOf_;
+    QImage rowIcon_;
     PictureFile pictureFile_;
     std::unique_ptr<DBusMenu> menu_;
     std::unique_ptr<StatusNotifierItem> notifier_;

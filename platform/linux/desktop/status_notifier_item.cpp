@@ -71,18 +71,29 @@ StatusNotifierItem::~StatusNotifierItem() {
     bus_.unregisterObject(kPath);
 }
 
-void StatusNotifierItem::setContent(NotifierContent content) {
+void StatusNotifierItem::setContent(NotifierContent content, HostFetches fetches) {
     const NotifierContent old = std::exchange(content_, std::move(content));
-    if (content_.icon != old.icon || content_.iconName != old.iconName) {
-        emitSignal("NewIcon");
-    }
-    if (content_.text != old.text) {
-        emitSignal("NewTitle");
-        emitSignal("NewToolTip");
-    }
-    if (content_.label != old.label) {
-        emitSignal("XAyatanaNewLabel", {content_.label.value_or(QString()),
-                                        QString(content_.label ? kLabelGuide : "")});
+    struct Signal {
+        bool due;
+        const char* name;
+        QVariantList arguments;
+    };
+    const bool newText = content_.text != old.text;
+    const Signal candidates[] = {
+        {content_.icon != old.icon || content_.iconName != old.iconName, "NewIcon", {}},
+        {content_.label != old.label,
+         "XAyatanaNewLabel",
+         {content_.label.value_or(QString()), QString(content_.label ? kLabelGuide : "")}},
+        {newText, "NewToolTip", {}},
+        {newText && fetches == HostFetches::named, "NewTitle", {}},
+    };
+    for (const Signal& each : candidates) {
+        if (each.due) {
+            emitSignal(each.name, each.arguments);
+            if (fetches == HostFetches::everything) {
+                return;
+            }
+        }
     }
 }
 

@@ -11,6 +11,7 @@
 #include <optional>
 
 #include "platform/linux/desktop/dbus_types.h"
+#include "platform/linux/desktop/tray_presentation.h"
 
 namespace tarnwick::platform {
 
@@ -34,7 +35,7 @@ struct NotifierActions {
     std::function<void()> secondaryActivate;
 };
 
-/// Main thread. A host that hears a signal fetches everything again, which wakes both processes,
+/// Main thread. A host that hears a signal fetches the content again, which wakes both programs,
 /// so a signal goes out only for what changed.
 class StatusNotifierItem final : public QDBusVirtualObject {
     Q_OBJECT
@@ -47,7 +48,8 @@ class StatusNotifierItem final : public QDBusVirtualObject {
     StatusNotifierItem(QDBusConnection bus, QString menuPath, NotifierActions actions);
     ~StatusNotifierItem() override;
 
-    void setContent(NotifierContent content);
+    /// Announces what changed, in as few signals as a host that `fetches` like that needs.
+    void setContent(NotifierContent content, HostFetches fetches = HostFetches::named);
 
     QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;

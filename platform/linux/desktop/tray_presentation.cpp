@@ -10,15 +10,22 @@ struct KnownHost {
     TrayPresentation presentation;
 };
 
-// xfce4-panel, lxqt-panel, plasmashell (kded) and swaybar shrink a wide picture to a square or
-// refuse it, so they are as good as unknown. MATE's applet has labels too, but drops the icon for
-// one.
+// plasmashell (kded), swaybar and whatever is not listed shrink a wide picture to a square or
+// refuse it. MATE's applet has labels too, but drops the icon for one.
 constexpr std::array kKnownHosts = {
-    KnownHost{"waybar", {.text = TextPlace::picture, .pictureHeight = 44}},
-    KnownHost{"notification-area-applet", {.text = TextPlace::picture, .pictureHeight = 22}},
     KnownHost{"ayatana-indicator-application-service",
               {.text = TextPlace::label, .iconFromFile = true}},
     KnownHost{"gnome-shell", {.text = TextPlace::label}},
+    KnownHost{"lxqt-panel", {.fetches = HostFetches::namedButTitle}},
+    KnownHost{
+        "notification-area-applet",
+        {.text = TextPlace::picture, .pictureHeight = 22, .fetches = HostFetches::namedButTitle}},
+    KnownHost{
+        "waybar",
+        {.text = TextPlace::picture, .pictureHeight = 44, .fetches = HostFetches::everything}},
+    // What runs the plug-ins of xfce4-panel.
+    KnownHost{"wrapper-2.0", {.fetches = HostFetches::everything}},
+    KnownHost{"xfce4-panel", {.fetches = HostFetches::everything}},
 };
 
 }  // namespace

@@ -14,12 +14,24 @@ enum class TextPlace {
     label,
 };
 
+/// What the host fetches after a signal. Each fetch wakes both programs, so nothing is announced
+/// that the host would not look at.
+enum class HostFetches {
+    /// What the signal names.
+    named,
+    /// What the signal names; the title is of no use to it once it has the tool tip.
+    namedButTitle,
+    /// Everything after any signal.
+    everything,
+};
+
 struct TrayPresentation {
     TextPlace text = TextPlace::toolTip;
     /// The host draws no pixmaps: the icon must be a file, its path in the icon's name.
     bool iconFromFile = false;
     /// The host wants one wide picture of this height in pixels; 0 when `text` is no picture.
     int pictureHeight = 0;
+    HostFetches fetches = HostFetches::named;
 
     bool operator==(const TrayPresentation&) const = default;
 };

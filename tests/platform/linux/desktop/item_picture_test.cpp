@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/item_picture.h"
 
 #include <QColor>
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <vector>
@@ -101,37 +102,41 @@ TEST(SquarePicture, HasTheAskedSizeWhateverThePainterReturns) {
     EXPECT_EQ(inkFrom(picture, 0, 32), 32 * 32);
 }
 
+/// A row of the full square and a text, twice the size of points.
+QImage row(const QString& text, bool dark = false) {
+    const ItemIcon icon{.symbol = "square", .tint = Tint::green, .dark = dark};
+    return widePicture(squarePicture(paintSquare, icon, wideIconSize(36)), text, dark, 36);
+}
+
 TEST(WidePicture, KeepsItsWidthForEveryText) {
     for (const char* text : {"RAM 5%", "Disk 100%", "A text that is far too long for its place"}) {
-        const QImage picture = widePicture(paintSquare, kGreen, text, 36);
-        EXPECT_EQ(picture.size(), QSize(widePictureWidth(36), 36)) << text;
+        EXPECT_EQ(row(text).size(), QSize(widePictureWidth(36), 36)) << text;
     }
     EXPECT_EQ(widePictureWidth(18), 92);
     EXPECT_EQ(widePictureWidth(36), 184);
+    EXPECT_EQ(wideIconSize(36), 32);
 }
 
 TEST(WidePicture, ShowsTheIconAtTheLeftAndTheTextBesideIt) {
-    const QImage picture = widePicture(paintSquare, kGreen, "CPU 12%", 36);
+    const QImage picture = row("CPU 12%");
     EXPECT_EQ(picture.pixelColor(4, 18), QColor(0, 200, 0));
     EXPECT_EQ(inkFrom(picture, 0, 32), 32 * 32);
     EXPECT_GT(inkFrom(picture, 40, 184), 200);
-    EXPECT_EQ(inkFrom(widePicture(paintSquare, kGreen, "", 36), 36, 184), 0);
+    EXPECT_EQ(inkFrom(row(""), 36, 184), 0);
 }
 
 TEST(WidePicture, CutsALongTextInsideItsPlace) {
-    const QString letters(40, 'W');
-    const QImage picture = widePicture(paintSquare, kGreen, letters, 36);
+    const QImage picture = row(QString(40, 'W'));
     EXPECT_EQ(picture.width(), 184);
     // The edge of the last letter may touch the last columns; a letter that was clipped would
     // fill them.
     EXPECT_LT(inkFrom(picture, 182, 184), 24);
-    EXPECT_NE(picture, widePicture(paintSquare, kGreen, "W", 36));
+    EXPECT_NE(picture, row("W"));
 }
 
 TEST(WidePicture, WritesDarkLettersOnALightDesktopAndLightOnADarkOne) {
-    const auto darkest = [](bool dark) {
-        const QImage picture =
-            widePicture(paintSquare, {"square", Tint::green, dark}, "CPU 12%", 36);
+    const auto darkestInk = [](bool dark) {
+        const QImage picture = row("CPU 12%", dark);
         int least = 255;
         for (int y = 0; y < 36; ++y) {
             for (int x = 40; x < 184; ++x) {
@@ -143,8 +148,8 @@ TEST(WidePicture, WritesDarkLettersOnALightDesktopAndLightOnADarkOne) {
         }
         return least;
     };
-    EXPECT_LT(darkest(false), 20);
-    EXPECT_GT(darkest(true), 200);
+    EXPECT_LT(darkestInk(false), 20);
+    EXPECT_GT(darkestInk(true), 200);
 }
 
 }  // namespace

@@ -77,7 +77,7 @@ class Item : public ::testing::Test {
     QTemporaryDir runtime_;
     QDBusConnection itemBus_ = bus_.connect();
     ScriptedHost host_{bus_.connect()};
-    std::string program_ = "xfce4-panel";
+    std::string program_ = "a host that nobody knows";
     std::vector<std::string> notices_;
     int clicks_ = 0;
     int refreshes_ = 0;
@@ -190,9 +190,21 @@ TEST_F(Item, SendsOnlyWhatChangedWhereTheTextIsInTheToolTip) {
     content_.text = std::nullopt;
     EXPECT_THAT(heardAfterShowing(), IsEmpty());
     content_.accessibilityLabel = "Tarnwick status: CPU 13%";
-    EXPECT_THAT(heardAfterShowing(), ElementsAre("NewTitle", "NewToolTip"));
+    EXPECT_THAT(heardAfterShowing(), ElementsAre("NewToolTip", "NewTitle"));
     content_.tint = Tint::red;
     EXPECT_THAT(heardAfterShowing(), ElementsAre("NewIcon"));
+}
+
+TEST_F(Item, SendsOneSignalWhereOneMakesTheHostFetchEverything) {
+    program_ = "wrapper-2.0";
+    show();
+    beginHost();
+    content_.accessibilityLabel = "Tarnwick status: CPU 13%";
+    EXPECT_THAT(heardAfterShowing(), ElementsAre("NewToolTip"));
+    content_.accessibilityLabel = "Tarnwick status: CPU 99%";
+    content_.tint = Tint::red;
+    EXPECT_THAT(heardAfterShowing(), ElementsAre("NewIcon"));
+    EXPECT_EQ(host_.properties().value("Title"), QVariant("Tarnwick status: CPU 99%"));
 }
 
 TEST_F(Item, DrawsTheIconInTheOtherShadeWhenTheDesktopTurnsDark) {

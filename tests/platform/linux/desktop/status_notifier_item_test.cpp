@@ -31,10 +31,11 @@ class NotifierItem : public ::testing::Test {
     }
 
     /// What the host hears when the item changes to `content`.
-    QStringList heardAfter(const NotifierContent& content) {
+    QStringList heardAfter(const NotifierContent& content,
+                           HostFetches fetches = HostFetches::named) {
         host_.signalNames.clear();
         host_.signalArguments.clear();
-        item_.setContent(content);
+        item_.setContent(content, fetches);
         // The bus keeps the order, so with the answer every earlier signal is there.
         host_.properties();
         return host_.signalNames;
@@ -120,7 +121,7 @@ TEST_F(NotifierItem, SaysNothingWhenTheContentIsTheSame) {
 
 TEST_F(NotifierItem, SignalsOnlyTheTextWhenOnlyTheTextChanged) {
     content_.text = "Tarnwick status: CPU 13%";
-    EXPECT_THAT(heardAfter(content_), ElementsAre("NewTitle", "NewToolTip"));
+    EXPECT_THAT(heardAfter(content_), ElementsAre("NewToolTip", "NewTitle"));
     EXPECT_EQ(host_.properties().value("Title"), QVariant("Tarnwick status: CPU 13%"));
 }
 
@@ -138,6 +139,23 @@ TEST_F(NotifierItem, SignalsTheLabelWithItsTextWhenTheLabelChanged) {
     EXPECT_EQ(host_.signalArguments.last().value(0), QVariant("CPU 12%"));
     EXPECT_EQ(host_.properties().value("XAyatanaLabel"), QVariant("CPU 12%"));
     EXPECT_NE(host_.properties().value("XAyatanaLabelGuide").toString(), "");
+}
+
+TEST_F(NotifierItem, DoesNotAnnounceATitleThatTheHostHasNoUseFor) {
+    content_.text = "Tarnwick status: CPU 13%";
+    content_.icon = pixel('\x7f');
+    EXPECT_THAT(heardAfter(content_, HostFetches::namedButTitle),
+                ElementsAre("NewIcon", "NewToolTip"));
+    EXPECT_EQ(host_.properties().value("Title"), QVariant("Tarnwick status: CPU 13%"));
+}
+
+TEST_F(NotifierItem, SendsOneSignalToAHostThatThenFetchesEverything) {
+    content_.text = "Tarnwick status: CPU 13%";
+    EXPECT_THAT(heardAfter(content_, HostFetches::everything), ElementsAre("NewToolTip"));
+    content_.text = "Tarnwick status: CPU 14%";
+    content_.icon = pixel('\x7f');
+    EXPECT_THAT(heardAfter(content_, HostFetches::everything), ElementsAre("NewIcon"));
+    EXPECT_THAT(heardAfter(content_, HostFetches::everything), IsEmpty());
 }
 
 TEST_F(NotifierItem, HasNoLabelPropertyAtAllWithoutALabel) {

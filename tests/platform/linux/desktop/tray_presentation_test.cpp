@@ -24,13 +24,25 @@ TEST(TrayPresentation, IsALabelWhereLabelsShowBesideTheIcon) {
 class SquareHost : public ::testing::TestWithParam<std::string> {};
 
 TEST_P(SquareHost, GetsASquareIconAndTheTextInTheToolTip) {
-    EXPECT_EQ(trayPresentation(GetParam()), TrayPresentation());
     EXPECT_EQ(trayPresentation(GetParam()).text, TextPlace::toolTip);
+    EXPECT_EQ(trayPresentation(GetParam()).pictureHeight, 0);
+    EXPECT_FALSE(trayPresentation(GetParam()).iconFromFile);
 }
 
 INSTANTIATE_TEST_SUITE_P(Programs, SquareHost,
-                         ::testing::Values("xfce4-panel", "lxqt-panel", "plasmashell", "kded5",
-                                           "swaybar", "python3", "Waybar", ""));
+                         ::testing::Values("xfce4-panel", "wrapper-2.0", "lxqt-panel",
+                                           "plasmashell", "kded5", "swaybar", "python3", "Waybar",
+                                           ""));
+
+TEST(TrayPresentation, SavesSignalsOnlyOnHostsKnownToFetchTheRest) {
+    EXPECT_EQ(trayPresentation("wrapper-2.0").fetches, HostFetches::everything);
+    EXPECT_EQ(trayPresentation("xfce4-panel").fetches, HostFetches::everything);
+    EXPECT_EQ(trayPresentation("waybar").fetches, HostFetches::everything);
+    EXPECT_EQ(trayPresentation("lxqt-panel").fetches, HostFetches::namedButTitle);
+    EXPECT_EQ(trayPresentation("notification-area-applet").fetches, HostFetches::namedButTitle);
+    EXPECT_EQ(trayPresentation("plasmashell").fetches, HostFetches::named);
+    EXPECT_EQ(trayPresentation("anything else").fetches, HostFetches::named);
+}
 
 }  // namespace
 }  // namespace tarnwick::platform
