@@ -83,8 +83,7 @@ int run(QApplication& application) {
     }
 
     const auto environment = [](const char* name) { return std::getenv(name); };
-    auto& userDefaults =
-        *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
+    auto& userDefaults = *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
     installPlatform(userDefaults);
     platform::applyInterfaceFont();
 

@@ -12,7 +12,7 @@ function(tarnwick_check_layers)
   endforeach()
 
   # The whole core linked with nothing else: an undefined symbol is a dependency it must not have.
-  file(WRITE "${CMAKE_CURRENT_BINARY_DIR}/core_alone.cpp" "int main() { return 0; }\n")
+  file(CONFIGURE OUTPUT core_alone.cpp CONTENT "int main() { return 0; }\n" @ONLY)
   add_executable(tarnwick_core_alone "${CMAKE_CURRENT_BINARY_DIR}/core_alone.cpp")
   target_link_libraries(tarnwick_core_alone PRIVATE "$<LINK_LIBRARY:WHOLE_ARCHIVE,tarnwick_core>")
 
