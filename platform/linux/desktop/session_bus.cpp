@@ -6,13 +6,17 @@
 namespace tarnwick::platform {
 namespace {
 
+constexpr auto kAddress = "DBUS_SESSION_BUS_ADDRESS";
+// No transport has that name; it is what others write there for the same purpose.
+constexpr auto kNoBus = "disabled:";
+
 bool isSocket(const QByteArray& path) {
     struct stat status {};
     return stat(path.constData(), &status) == 0 && S_ISSOCK(status.st_mode);
 }
 
 bool sessionHasBus() {
-    if (!qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS")) {
+    if (!qEnvironmentVariableIsEmpty(kAddress)) {
         return true;
     }
     const QByteArray runtime = qgetenv("XDG_RUNTIME_DIR");
@@ -21,8 +25,16 @@ bool sessionHasBus() {
 
 }  // namespace
 
+void keepBusFromBeingStarted() {
+    if (!sessionHasBus()) {
+        qputenv(kAddress, kNoBus);
+    }
+}
+
 QDBusConnection sessionBus() {
-    return sessionHasBus() ? QDBusConnection::sessionBus() : QDBusConnection("no session bus");
+    keepBusFromBeingStarted();
+    return qgetenv(kAddress) == kNoBus ? QDBusConnection("no session bus")
+                                       : QDBusConnection::sessionBus();
 }
 
 }  // namespace tarnwick::platform

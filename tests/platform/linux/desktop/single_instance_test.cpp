@@ -10,7 +10,6 @@
 #include <thread>
 #include <unistd.h>
 
-#include "platform/linux/desktop/session_bus.h"
 #include "tests/platform/linux/desktop/private_bus.h"
 
 namespace tarnwick::platform {
@@ -150,12 +149,6 @@ TEST_F(WithoutBus, StartsUnguardedWhereTheFolderCannotBeUsed) {
     ASSERT_EQ(mkdir(deep.c_str(), 0700), 0);
     SingleInstance longPath(noBus(), deep);
     EXPECT_EQ(longPath.claim(), Claim::first);
-}
-
-TEST(SessionBus, IsNotConnectedWhereTheSessionHasNoneAndStartsNone) {
-    ASSERT_TRUE(qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"));
-    EXPECT_FALSE(sessionBus().isConnected());
-    EXPECT_TRUE(qEnvironmentVariableIsEmpty("DBUS_SESSION_BUS_ADDRESS"));
 }
 
 }  // namespace
