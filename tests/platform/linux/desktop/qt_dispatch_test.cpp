@@ -264,12 +264,13 @@ TEST_F(QtDispatchTest, DetachedWorkRunsElsewhereAndHopsBack) {
 }
 
 TEST_F(QtDispatchTest, StuckDetachedWorkDoesNotHoldUpOtherWork) {
-    std::latch open(1);
-    dispatch.detached([&] { open.wait(); });
+    // The stuck work may leave its wait after this test has ended.
+    const auto open = std::make_shared<std::latch>(1);
+    dispatch.detached([open] { open->wait(); });
     bool done = false;
     dispatch.detached([&] { dispatch.async([&] { done = true; }); });
     turnUntil([&] { return done; });
-    open.count_down();
+    open->count_down();
 }
 
 TEST_F(QtDispatchTest, WhatWaitsAtTheEndIsDropped) {
