@@ -1,54 +1,89 @@
 #include "ui/qt/symbols.h"
 
 #include <QCache>
-#include <QFile>
 #include <QPaintDevice>
 #include <QPainter>
+#include <QPainterPath>
 #include <QString>
-#include <QSvgRenderer>
 #include <QtMath>
+#include <algorithm>
 
-// The drawings are compiled into a static library; without this the linker would leave them out.
-// The macro must stand outside every namespace.
-static void loadDrawings() {
-    Q_INIT_RESOURCE(symbols);
-}
+#include "ui/symbols/symbol_drawing.h"
 
 namespace tarnwick::qt {
 
 namespace {
 
-QString fromUtf8(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+constexpr qreal kGrid = 16;
+
+/// Null when there is none of that name.
+const SymbolDrawing* drawing(std::string_view name) {
+    const auto drawings = symbolDrawings();
+    const auto found = std::find_if(drawings.begin(), drawings.end(),
+                                    [name](const auto& each) { return each.name == name; });
+    return found == drawings.end() ? nullptr : &*found;
 }
 
-/// The drawing's text, empty when there is none.
-QByteArray drawing(std::string_view name) {
-    static const bool loaded = (loadDrawings(), true);
-    Q_UNUSED(loaded)
-    QFile file(":/symbols/" + fromUtf8(name) + ".svg");
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+QPainterPath painterPath(const SymbolPart& part) {
+    QPainterPath path;
+    path.setFillRule(part.oddEven ? Qt::OddEvenFill : Qt::WindingFill);
+    const auto at = [&part](std::size_t i) {
+        return QPointF(static_cast<qreal>(part.points[i].x), static_cast<qreal>(part.points[i].y));
+    };
+    for (std::size_t i = 0; i < part.points.size(); ++i) {
+        switch (part.points[i].kind) {
+            case SymbolPoint::Kind::move:
+                path.moveTo(at(i));
+                break;
+            case SymbolPoint::Kind::line:
+                path.lineTo(at(i));
+                break;
+            case SymbolPoint::Kind::curve:
+                path.cubicTo(at(i), at(i + 1), at(i + 2));
+                i += 2;
+                break;
+            case SymbolPoint::Kind::curveData:
+                break;
+        }
+    }
+    return path;
 }
 
 QImage rendered(std::string_view name, const QColor& colour, int pixels) {
-    QByteArray svg = drawing(name);
-    if (svg.isEmpty() || pixels < 1) {
+    const SymbolDrawing* found = drawing(name);
+    if (!found || pixels < 1) {
         return {};
     }
-    svg.replace("currentColor", colour.name(QColor::HexRgb).toLatin1());
     QImage image(pixels, pixels, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
-    painter.setOpacity(colour.alphaF());
-    QSvgRenderer(svg).render(&painter, QRectF(0, 0, pixels, pixels));
+    painter.scale(pixels / kGrid, pixels / kGrid);
+    QColor opaque = colour;
+    opaque.setAlpha(255);
+    for (const SymbolPart& part : found->parts) {
+        const QColor ink = part.ink == SymbolPart::Ink::white ? QColor(Qt::white) : opaque;
+        if (part.strokeWidth > 0) {
+            painter.strokePath(painterPath(part), QPen(ink, static_cast<qreal>(part.strokeWidth),
+                                                       Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        } else {
+            painter.fillPath(painterPath(part), ink);
+        }
+    }
+    // All at once, because parts may lie on each other.
+    painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
+    painter.fillRect(QRectF(0, 0, kGrid, kGrid), QColor(0, 0, 0, colour.alpha()));
     return image;
+}
+
+QString fromUtf8(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
 
 }  // namespace
 
 bool hasSymbol(std::string_view name) {
-    return !drawing(name).isEmpty();
+    return drawing(name) != nullptr;
 }
 
 QImage symbolImage(std::string_view name, const QColor& colour, qreal size,

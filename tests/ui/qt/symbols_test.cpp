@@ -1,6 +1,10 @@
 #include "ui/qt/symbols.h"
 
+#include <QFile>
 #include <QPainter>
+#include <QSvgRenderer>
+#include <algorithm>
+#include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -35,6 +39,35 @@ TEST_P(Symbols, IsDrawnInTheColourInsideItsSquare) {
     }
 }
 
+/// The largest difference of any channel of any pixel.
+int difference(const QImage& one, const QImage& other) {
+    int largest = 0;
+    for (int y = 0; y < one.height(); ++y) {
+        for (int x = 0; x < one.width(); ++x) {
+            const QRgb a = one.pixel(x, y);
+            const QRgb b = other.pixel(x, y);
+            largest =
+                std::max({largest, std::abs(qAlpha(a) - qAlpha(b)), std::abs(qRed(a) - qRed(b)),
+                          std::abs(qGreen(a) - qGreen(b)), std::abs(qBlue(a) - qBlue(b))});
+        }
+    }
+    return largest;
+}
+
+TEST_P(Symbols, LooksLikeItsFile) {
+    QFile file(QString(SYMBOLS_FOLDER) + GetParam() + ".svg");
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    QSvgRenderer renderer(file.readAll().replace("currentColor", "#ff0000"));
+    ASSERT_TRUE(renderer.isValid());
+    QImage expected(48, 48, QImage::Format_ARGB32_Premultiplied);
+    expected.fill(Qt::transparent);
+    QPainter painter(&expected);
+    painter.setRenderHint(QPainter::Antialiasing);
+    renderer.render(&painter, QRectF(0, 0, 48, 48));
+    painter.end();
+    EXPECT_LE(difference(symbolImage(GetParam(), Qt::red, 48), expected), 8);
+}
+
 INSTANTIATE_TEST_SUITE_P(, Symbols,
                          testing::Values("gearshape", "arrow.clockwise", "clock", "thermometer",
                                          "arrow.clockwise.circle.fill", "cpu", "display.2",
@@ -64,6 +97,11 @@ TEST(SymbolImage, ScalesByTheDevicePixelRatio) {
 TEST(SymbolImage, TakesTheOpacityOfTheColour) {
     const QImage image = symbolImage("checkmark.circle.fill", QColor(255, 0, 0, 128), 32);
     EXPECT_NEAR(qAlpha(image.pixel(16, 4)), 128, 1);
+    // Where a fill and the stroke around it lie on each other, neither shows through.
+    const QImage triangle = symbolImage("exclamationmark.triangle.fill", QColor(0, 0, 0, 128), 32);
+    for (int y = 0; y < 32; ++y) {
+        EXPECT_LE(qAlpha(triangle.pixel(16, y)), 129);
+    }
 }
 
 TEST(SymbolImage, IsDrawnOnceForTheSameLook) {
