@@ -32,9 +32,17 @@ double monotonicSeconds() {
 class QtDispatch::MainQueue final : public QObject {
  public:
     void add(std::function<void()> work) {
-        const std::lock_guard guard(lock_);
-        queue_.push_back(std::move(work));
-        post();
+        bool mustPost = false;
+        {
+            const std::lock_guard guard(lock_);
+            queue_.push_back(std::move(work));
+            mustPost = !std::exchange(posted_, true);
+        }
+        // With the lock let go: the woken main thread would only go back to sleep for it. Should it
+        // take the work in between, the event finds nothing left to do.
+        if (mustPost) {
+            post();
+        }
     }
 
  protected:
@@ -52,12 +60,7 @@ class QtDispatch::MainQueue final : public QObject {
         return static_cast<QEvent::Type>(type);
     }
 
-    /// The lock must be held.
-    void post() {
-        if (!std::exchange(posted_, true)) {
-            QCoreApplication::postEvent(this, new QEvent(kind()));
-        }
-    }
+    void post() { QCoreApplication::postEvent(this, new QEvent(kind())); }
 
     /// The next work of this turn; empty when there is none.
     std::function<void()> take() {
@@ -68,7 +71,7 @@ class QtDispatch::MainQueue final : public QObject {
         auto work = std::move(queue_.front());
         queue_.pop_front();
         // Should the work turn the event loop by itself, what is left runs in there.
-        if (!queue_.empty()) {
+        if (!queue_.empty() && !std::exchange(posted_, true)) {
             post();
         }
         return work;
@@ -96,7 +99,7 @@ class QtDispatch::MainQueue final : public QObject {
     std::mutex lock_;
     // Guarded by lock_.
     std::deque<std::function<void()>> queue_;
-    /// An event is on its way.
+    /// An event is on its way, or about to be.
     bool posted_ = false;
 };
 
