@@ -1,5 +1,6 @@
 #include "platform/linux/zram_devices.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <limits>
 #include <system_error>
@@ -27,9 +28,7 @@ std::uint64_t ZramDevices::memoryUsed(double now, std::uint64_t swapTotal) {
     std::uint64_t sum = 0;
     for (KeptFile& statistics : statistics_) {
         const std::uint64_t used = parseZramMemoryUsed(statistics.read().value_or("")).value_or(0);
-        if (used <= std::numeric_limits<std::uint64_t>::max() - sum) {
-            sum += used;
-        }
+        sum += std::min(used, std::numeric_limits<std::uint64_t>::max() - sum);
     }
     return sum;
 }

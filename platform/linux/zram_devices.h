@@ -14,7 +14,8 @@ class ZramDevices {
  public:
     explicit ZramDevices(const std::string& root);
 
-    /// Bytes that all devices together really use now; a device that cannot be read adds nothing.
+    /// Bytes that all devices together really use now, the largest number where they do not fit; a
+    /// device that cannot be read adds nothing.
     /// `now` is in seconds, `swapTotal` in bytes. The devices are looked for again every minute and
     /// when the swap space changes, since most of them hold swap.
     std::uint64_t memoryUsed(double now, std::uint64_t swapTotal);

@@ -297,6 +297,7 @@ TEST_F(CompressedMemory, AllDevicesAreSummedUp) {
     tree.write("sys/block/zram12/mm_stat", "9 9 13107200 0 0 0 0 0 0\n");
     tree.write("sys/block/zram2/mm_stat", "rubbish\n");
     tree.write("sys/block/sda/mm_stat", "9 9 9999999 0 0 0 0 0 0\n");
+    tree.write("sys/block/zd0/mm_stat", "9 9 9999999 0 0 0 0 0 0\n");
     EXPECT_EQ(compressed(), 19660800U);
     tree.write("sys/block/zram0/mm_stat", "9 9 655360 0 0 0 0 0 0\n");
     EXPECT_EQ(compressed(), 13762560U);
@@ -319,6 +320,28 @@ TEST_F(CompressedMemory, DevicesAreLookedForAgainEveryMinute) {
     EXPECT_EQ(compressed(), 6553600U);
 }
 
+TEST_F(CompressedMemory, DevicesAreLookedForAgainWhenTheClockWentBack) {
+    EXPECT_EQ(compressed(), 0U);
+    tree.write("sys/block/zram0/mm_stat", "9 9 6553600 0 0 0 0 0 0\n");
+    now -= 1;
+    EXPECT_EQ(compressed(), 6553600U);
+}
+
+TEST_F(CompressedMemory, ADeviceThatIsFoundAgainCountsOnce) {
+    tree.write("sys/block/zram0/mm_stat", "9 9 6553600 0 0 0 0 0 0\n");
+    EXPECT_EQ(compressed(), 6553600U);
+    now += 60;
+    EXPECT_EQ(compressed(), 6553600U);
+}
+
+TEST_F(CompressedMemory, ADeviceThatIsGoneCountsNoMore) {
+    tree.write("sys/block/zram0/mm_stat", "9 9 6553600 0 0 0 0 0 0\n");
+    EXPECT_EQ(compressed(), 6553600U);
+    tree.remove("sys/block/zram0");
+    now += 60;
+    EXPECT_EQ(compressed(), 0U);
+}
+
 TEST_F(CompressedMemory, ADeviceWithoutStatisticsIsTriedAgain) {
     tree.makeFolder("sys/block/zram0");
     EXPECT_EQ(compressed(), 0U);
@@ -328,6 +351,10 @@ TEST_F(CompressedMemory, ADeviceWithoutStatisticsIsTriedAgain) {
 
 TEST_F(CompressedMemory, AbsurdSumsCountAsNothing) {
     tree.write("sys/block/zram0/mm_stat", "9 9 18446744073709551615 0 0 0 0 0 0\n");
+    EXPECT_EQ(compressed(), 0U);
+    // Whichever of the two is read first.
+    tree.write("sys/block/zram1/mm_stat", "9 9 6553600 0 0 0 0 0 0\n");
+    now += 60;
     EXPECT_EQ(compressed(), 0U);
 }
 
