@@ -14,8 +14,4 @@ void notice(std::string_view message) {
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
-void StandardErrorLog::write(LogLevel level, std::string_view message) {
-    notice((level == LogLevel::error ? "error: " : "info: ") + std::string(message));
-}
-
 }  // namespace tarnwick::platform
