@@ -120,8 +120,7 @@ std::optional<std::string> LinuxVolumes::findName(const std::string& path) const
         return std::nullopt;
     }
     if (mount->source.starts_with('/')) {
-        if (std::optional<std::string> label = labelOfDevice(root_, mount->source);
-            label && !label->empty()) {
+        if (std::optional<std::string> label = labelOfDevice(root_, mount->source)) {
             return label;
         }
     }
