@@ -3,7 +3,8 @@
 
 namespace tarnwick {
 
-/// Percent. Never stored; normalised values come from UserSettings::thresholds.
+/// Percent; at first those of a fresh store. Never stored; normalised values come from
+/// UserSettings::thresholds.
 struct MetricThresholds {
     double cpuNormal = 80;
     double cpuHigh = 90;

@@ -177,6 +177,10 @@ TEST_F(UserSettingsTest, AFreshStoreReadsTheDefaultsAndStaysEmpty) {
     EXPECT_THAT(store.writes(), IsEmpty());
 }
 
+TEST_F(UserSettingsTest, ThresholdsMadeWithoutAStoreAreTheDefaults) {
+    EXPECT_EQ(MetricThresholds{}, UserSettings(store, service).thresholds());
+}
+
 TEST_F(UserSettingsTest, TwoReadersOfOneStoreNeverDisagree) {
     UserSettings first(store, service);
     const UserSettings second(store, service);

@@ -7,6 +7,7 @@
 #include <optional>
 #include <signal.h>
 #include <string>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <utility>
@@ -91,8 +92,33 @@ TEST(KeptFile, AFolderIsNoFile) {
     const MachineTree tree;
     tree.makeFolder("file");
     KeptFile file(tree.root() + "/file");
+    const std::size_t before = openDescriptors();
     EXPECT_EQ(file.read(), std::nullopt);
     EXPECT_EQ(file.error(), EISDIR);
+    EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST(KeptFile, APipeIsNoFileAndHoldsNobodyUp) {
+    const MachineTree tree;
+    const std::string path = tree.root() + "/file";
+    ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0);
+    KeptFile file(path);
+    EXPECT_EQ(file.read(), std::nullopt);
+    EXPECT_EQ(file.error(), ESPIPE);
+    EXPECT_EQ(readWholeFile(path), "");
+}
+
+TEST(KeptFile, AFileTooLargeToBeTrueIsNotRead) {
+    const MachineTree tree;
+    tree.write("file", "");
+    tree.truncate("file", std::size_t{64} << 20);
+    KeptFile file(tree.root() + "/file");
+    EXPECT_EQ(file.read(), std::nullopt);
+    EXPECT_EQ(file.error(), EFBIG);
+    EXPECT_EQ(readWholeFile(tree.root() + "/file"), std::nullopt);
+    tree.truncate("file", 0);
+    tree.write("file", "small again");
+    EXPECT_EQ(file.read(), "small again");
 }
 
 // The status file of a process that ended fails on an open descriptor, as a device does that went

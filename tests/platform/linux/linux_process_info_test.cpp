@@ -94,13 +94,17 @@ TEST_F(ThermalZones, TheHottestZoneIsJudgedByItsOwnTripPoints) {
 }
 
 TEST_F(ThermalZones, OfEquallyHotZonesTheWorstCounts) {
-    setTrip(0, 0, "hot", "70000");
-    setTemperature(0, "75000");
-    setTrip(1, 0, "passive", "70000");
-    setTemperature(1, "75000");
-    setTrip(2, 0, "critical", "90000");
-    setTemperature(2, "75000");
-    EXPECT_EQ(stateNow(), 2);
+    // The worst is met first, in between and last, in whatever order a folder is listed.
+    for (int worst = 0; worst < 3; ++worst) {
+        setTrip(worst, 0, "hot", "70000");
+        setTemperature(worst, "75000");
+        setTrip((worst + 1) % 3, 0, "passive", "70000");
+        setTemperature((worst + 1) % 3, "75000");
+        setTrip((worst + 2) % 3, 0, "critical", "90000");
+        setTemperature((worst + 2) % 3, "75000");
+        now += 60;
+        EXPECT_EQ(stateNow(), 2) << worst;
+    }
 }
 
 TEST_F(ThermalZones, AZoneWithoutTripPointsSaysNothing) {

@@ -33,6 +33,10 @@ TEST(ProcessorTicks, ColumnsOfOldKernelsAreEnough) {
     EXPECT_THAT(parsed("cpu0 1 2 3 4 10 20 30\n"), ElementsAre(ProcessorTicks{0, {1, 53, 14, 2}}));
 }
 
+TEST(ProcessorTicks, ASpaceAtTheEndOfALineIsNoDamage) {
+    EXPECT_THAT(parsed("cpu0 1 2 3 4 \n"), ElementsAre(ProcessorTicks{0, {1, 3, 4, 2}}));
+}
+
 TEST(ProcessorTicks, NewColumnsAreIgnored) {
     EXPECT_THAT(parsed("cpu0 1 2 3 4 0 0 0 0 0 0 77 88\n"),
                 ElementsAre(ProcessorTicks{0, {1, 3, 4, 2}}));

@@ -27,6 +27,15 @@ TEST(ProcessorPositions, WhenOneLeavesTheOthersGoOnByTheirOwnTicks) {
                 ElementsAre(12, 0, 101, 0, 24, 0, 205, 0));
 }
 
+TEST(ProcessorPositions, WhenOneComesBackEachPositionGoesOnFromWhatItShowed) {
+    ProcessorPositions positions;
+    positions.words({{0, {10, 0, 100, 0}}, {1, {20, 0, 200, 0}}, {2, {500, 0, 90, 0}}});
+    EXPECT_THAT(positions.words({{0, {10, 0, 100, 0}}, {2, {503, 0, 94, 0}}}),
+                ElementsAre(10, 0, 100, 0, 23, 0, 204, 0));
+    EXPECT_THAT(positions.words({{0, {10, 0, 100, 0}}, {1, {20, 0, 200, 0}}, {2, {505, 0, 95, 0}}}),
+                ElementsAre(10, 0, 100, 0, 23, 0, 204, 0, 505, 0, 95, 0));
+}
+
 TEST(ProcessorPositions, AProcessorThatComesInBetweenAddsNothingYet) {
     ProcessorPositions positions;
     positions.words({{0, {10, 0, 100, 0}}, {2, {500, 0, 90, 0}}});
