@@ -1,7 +1,6 @@
 #include "ui/qt/symbols.h"
 
 #include <QCache>
-#include <QPaintDevice>
 #include <QPainter>
 #include <QPainterPath>
 #include <QString>
@@ -107,8 +106,9 @@ QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
 
 void paintSymbol(QPainter& painter, std::string_view name, const QColor& colour,
                  const QPointF& position, qreal size) {
-    painter.drawImage(position,
-                      symbolImage(name, colour, size, painter.device()->devicePixelRatioF()));
+    // Not the ratio of the device: a painter of a widget names the widget, wherever it draws.
+    const qreal scale = painter.deviceTransform().m11();
+    painter.drawImage(position, symbolImage(name, colour, size, scale));
 }
 
 }  // namespace tarnwick::qt

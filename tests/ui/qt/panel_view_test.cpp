@@ -4,6 +4,7 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPixmap>
 #include <QToolTip>
 #include <QtMath>
@@ -393,6 +394,18 @@ TEST_P(PanelViewScales, BarsAreCrispAndAsLongAsTheirShare) {
     EXPECT_EQ(image.pixel(143 * ratio - 1, middle), green);
     EXPECT_NE(image.pixel(144 * ratio, middle), green);
     EXPECT_NE(image.pixel(287 * ratio, middle), theme.color(ColorRole::panel).rgb());
+}
+
+TEST_P(PanelViewScales, SymbolsAreDrawnInEveryPixel) {
+    const int ratio = GetParam();
+    show(testing::calmMachine());
+    const QImage image = pixels(*find("uptime"), theme, ratio);
+    const QImage symbol = symbolImage("clock", theme.color(ColorRole::secondaryText), 16 * ratio);
+    QImage expected(symbol.size(), image.format());
+    expected.fill(theme.color(ColorRole::panel));
+    QPainter(&expected).drawImage(0, 0, symbol);
+    const int top = (image.height() / ratio - 16) / 2 * ratio;
+    EXPECT_EQ(image.copy(QRect(QPoint(0, top), symbol.size())), expected);
 }
 
 TEST_P(PanelViewScales, TheDividerIsAHairlineAcrossThePage) {
