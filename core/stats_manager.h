@@ -100,7 +100,7 @@ class StatsManager final : public ObservableObject {
     /// is above a threshold, else one metric a clock minute in turn.
     MetricDisplaySummary menuBarSummary(double time) const;
 
-    const UserSettings& settings() const { return settings_; }
+    UserSettings& settings() const { return settings_; }
 
  private:
     /// Expires with the manager. What runs later holds it and looks at it on the main thread only.

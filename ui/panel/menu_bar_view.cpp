@@ -33,6 +33,8 @@ void MenuBarView::appear() {
     isVisible_ = true;
     lastPage_ = page();
     statsSubscription_ = statsManager_.objectWillChange([this] { scheduleRebuild(); });
+    settingsSubscription_ =
+        statsManager_.settings().objectWillChange([this] { scheduleRebuild(); });
     statsManager_.popoverDidAppear();
 }
 
@@ -42,6 +44,7 @@ void MenuBarView::disappear() {
     }
     isVisible_ = false;
     statsSubscription_.cancel();
+    settingsSubscription_.cancel();
     lastPage_.clear();
     statsManager_.popoverDidDisappear();
 }

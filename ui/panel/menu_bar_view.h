@@ -52,7 +52,8 @@ class MenuBarView {
     StatsManager& statsManager() const { return statsManager_; }
     MenuTab activeTab() const { return activeTab_; }
 
-    /// The panel is on screen from now on: tells the manager and follows its fields.
+    /// The panel is on screen from now on: tells the manager and follows its fields and the
+    /// settings.
     void appear();
     /// The panel has gone: tells the manager and costs nothing until it appears again.
     void disappear();
@@ -83,6 +84,7 @@ class MenuBarView {
     Page lastPage_;
     std::function<void(const Page&)> observer_;
     Subscription statsSubscription_;
+    Subscription settingsSubscription_;
     /// Expires with the view; what runs later holds it weakly.
     std::shared_ptr<MenuBarView*> self_ = std::make_shared<MenuBarView*>(this);
 };

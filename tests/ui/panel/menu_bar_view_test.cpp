@@ -124,6 +124,24 @@ TEST_F(MenuBarViewTest, ManyChangesAreOneNewPage) {
     EXPECT_EQ(block<StatusRow>(pages[0], "uptime").value, "2m");
 }
 
+TEST_F(MenuBarViewTest, AChangeOfASettingAloneIsANewPage) {
+    manager->systemInfo.set({604800});
+    settings.setRemindRestartAfterWeek(false);
+    view->appear();
+    settle();
+    pages.clear();
+    settings.setCPUNormal(5);
+    settings.setCPUHigh(11);
+    settings.setRemindRestartAfterWeek(true);
+    EXPECT_TRUE(pages.empty());
+    manual.runMain();
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_EQ(block<UsageBar>(pages[0], "bar.cpu").tint, Tint::red);
+    EXPECT_EQ(block<PanelHeader>(pages[0], "header").summary,
+              "CPU usage is at 11%, above the high threshold.");
+    EXPECT_TRUE(contains(pages[0], "restart"));
+}
+
 TEST_F(MenuBarViewTest, LaterChangesAreAnnouncedAgain) {
     view->appear();
     settle();
@@ -148,12 +166,14 @@ TEST_F(MenuBarViewTest, AChangeThatDoesNotShowIsNotAnnounced) {
 TEST_F(MenuBarViewTest, CostsNothingWhileHidden) {
     const std::size_t before = manual.asyncCount();
     manager->cpuInfo.set(testing::makeCPU(50, 4));
+    settings.setCPUHigh(95);
     EXPECT_EQ(manual.asyncCount(), before);
     view->appear();
     view->disappear();
     settle();
     const std::size_t after = manual.asyncCount();
     manager->cpuInfo.set(testing::makeCPU(60, 4));
+    settings.setCPUHigh(96);
     EXPECT_EQ(manual.asyncCount(), after);
     EXPECT_TRUE(pages.empty());
 }
