@@ -4,12 +4,12 @@ namespace tarnwick {
 
 bool toggleMenuBarPanel(platform::StatusItem& statusItem, const platform::Logger& logger) {
     logger.info("toggleMenuBarPanel() called");
-    if (!statusItem.performClick()) {
+    if (!statusItem.inTray()) {
         logger.error("Could not find NSStatusBarButton in any window");
         return false;
     }
     logger.info("Found NSStatusBarButton, performing click");
-    return true;
+    return statusItem.performClick();
 }
 
 }  // namespace tarnwick

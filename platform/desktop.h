@@ -40,6 +40,8 @@ class StatusItem {
     /// Shows `content`; costs nothing when it is shown already.
     virtual void setContent(const StatusItemContent& content) = 0;
     virtual void setActions(StatusItemActions actions) = 0;
+    /// A tray shows the item, so that there is a button to click.
+    virtual bool inTray() const = 0;
     /// Clicks the item's button for the user. False when the item is in no tray.
     virtual bool performClick() = 0;
 };

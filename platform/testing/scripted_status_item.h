@@ -13,13 +13,14 @@ class ScriptedStatusItem final : public StatusItem {
     /// Every content that was set, in order.
     std::vector<StatusItemContent> contents;
     StatusItemActions actions;
-    /// What performClick answers.
+    /// What inTray and performClick answer.
     bool isInTray = true;
     /// Clicks asked for, answered or not.
     int clicks = 0;
 
     void setContent(const StatusItemContent& content) override { contents.push_back(content); }
     void setActions(StatusItemActions newActions) override { actions = std::move(newActions); }
+    bool inTray() const override { return isInTray; }
     bool performClick() override {
         ++clicks;
         if (isInTray && actions.click) {

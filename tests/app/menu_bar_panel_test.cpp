@@ -25,11 +25,23 @@ TEST(ToggleMenuBarPanel, ClicksTheItemOnce) {
                             Pair(LogLevel::info, "Found NSStatusBarButton, performing click")));
 }
 
+TEST(ToggleMenuBarPanel, SaysWhatItFoundBeforeItClicks) {
+    ScriptedStatusItem item;
+    RecordingLog log;
+    std::size_t linesAtTheClick = 0;
+    item.setActions({.click = [&] { linesAtTheClick = log.lines().size(); },
+                     .refresh = nullptr,
+                     .quit = nullptr});
+    toggleMenuBarPanel(item, platform::Logger(log));
+    EXPECT_EQ(linesAtTheClick, 2U);
+}
+
 TEST(ToggleMenuBarPanel, SaysWhenThereIsNothingToClick) {
     ScriptedStatusItem item;
     item.isInTray = false;
     RecordingLog log;
     EXPECT_FALSE(toggleMenuBarPanel(item, platform::Logger(log)));
+    EXPECT_EQ(item.clicks, 0);
     EXPECT_THAT(log.lines(), ElementsAre(Pair(LogLevel::info, "toggleMenuBarPanel() called"),
                                          Pair(LogLevel::error,
                                               "Could not find NSStatusBarButton in any window")));

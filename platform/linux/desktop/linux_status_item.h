@@ -53,13 +53,11 @@ class LinuxStatusItem final : public QObject, public StatusItem {
 
     void setContent(const StatusItemContent& content) override;
     void setActions(StatusItemActions actions) override;
+    bool inTray() const override;
     bool performClick() override;
 
     /// The desktop's preference changed: draws the icon in the other shade.
     void setDark(bool dark);
-
-    /// A host or a tray shows the item now.
-    bool inTray() const;
 
     /// Where the item was last clicked, in the screen's coordinates; none before the first click
     /// and on desktops that do not let a program see the pointer (Wayland).
