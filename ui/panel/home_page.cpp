@@ -26,7 +26,8 @@ constexpr const char* kDriveSymbol = "internaldrive";
 constexpr const char* kUnnamedStorageTitle = "Storage (Main Disk)";
 
 double clampedPercentage(double value) {
-    return std::isfinite(value) ? std::clamp(value, 0.0, 100.0) : 0;
+    // Not std::clamp, which lets -0.0 through.
+    return std::isfinite(value) && value > 0 ? std::min(value, 100.0) : 0;
 }
 
 Tint levelTint(double value, double normal, double high) {

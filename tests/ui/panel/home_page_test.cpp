@@ -158,7 +158,7 @@ TEST_F(HomePage, CPUAboveOneHundredIsAFullBar) {
 }
 
 TEST_F(HomePage, UsagesThatAreNoPercentageReadZero) {
-    for (const double usage : {kNaN, kInfinity, -kInfinity, -0.5, 0.0}) {
+    for (const double usage : {kNaN, kInfinity, -kInfinity, -0.5, -0.0, 0.0}) {
         in.cpuInfo.usagePercentage = usage;
         in.gpuInfo.usagePercentage = usage;
         const Page page = build();
