@@ -49,6 +49,20 @@ class StatusItemTest(DesktopTestCase):
             self.assert_open(program)
             program.close_panel()
 
+    def test_comes_back_to_an_embedding_tray_that_is_killed_and_started_again(self):
+        self.open_desktop(host="tint2")
+        program = self.program().start()
+        self.until(program.docked_window, "the tray holds the icon")
+        if program.wait_for_greeting():
+            program.close_panel()
+        self.desktop.kill_host()
+        self.until(lambda: program.docked_window() is None, "the icon is out of the tray")
+        self.desktop.start_host("tint2")
+        self.until(program.docked_window, "the tray holds the icon again")
+        program.open_panel()
+        self.assert_open(program)
+        self.assertEqual(program.output(), "")
+
     def test_comes_back_within_about_a_second(self):
         self.open_desktop()
         program = self.start_known_to_user()
