@@ -67,7 +67,9 @@ class Kernel {
     virtual std::optional<std::uint64_t> memorySize() = 0;
     /// `sysctlbyname` "vm.swapusage". Absent on failure.
     virtual std::optional<SwapUsage> swapUsage() = 0;
+    /// Ticks of every processor since boot.
     virtual HostProcessorInfo hostProcessorInfo() = 0;
+    /// What the pages of the physical memory are used for now.
     virtual HostStatistics hostStatistics64() = 0;
     /// `sysctl` {kernel, boot time}. Absent on failure.
     virtual std::optional<TimeValue> bootTime() = 0;

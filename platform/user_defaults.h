@@ -28,6 +28,7 @@ class UserDefaults {
     /// The value under `key` with the type it was stored with; absent when there is none or it
     /// cannot be read.
     virtual std::optional<DefaultsValue> object(std::string_view key) = 0;
+    /// Replaces what is stored under `key`, whatever its type.
     virtual void set(std::string_view key, const DefaultsValue& value) = 0;
 
     /// Whether anything is stored under `key`, also where object() cannot make sense of it. Who

@@ -35,6 +35,7 @@ std::optional<MenuBarDisplayMode> menuBarDisplayModeFromRawValue(std::string_vie
 enum class RegistrationState {
     /// No shortcut is registered.
     inactive,
+    /// The shortcut is registered.
     active,
     /// Somebody else holds the shortcut.
     conflict,
@@ -86,8 +87,10 @@ class UserSettings final : public ObservableObject {
     /// Writes the eight defaults and touches nothing else.
     void resetThresholdsToDefaults();
 
+    /// Whether the user wants the program started at login; see updateLoginItem().
     bool launchOnLogin() const;
     void setLaunchOnLogin(bool on);
+    /// Whether the user wants to be reminded of a machine that has run for a week.
     bool remindRestartAfterWeek() const;
     void setRemindRestartAfterWeek(bool on);
 
@@ -103,6 +106,7 @@ class UserSettings final : public ObservableObject {
     RegistrationState shortcutRegistrationState() const { return registrationState_; }
     void setShortcutRegistrationState(RegistrationState state);
 
+    /// Whether the settings window of the first launch has been shown; never false again.
     bool hasPresentedInitialSettings() const;
     void setHasPresentedInitialSettings(bool presented);
     /// True exactly once per store, on its first launch; fixes the display mode then.

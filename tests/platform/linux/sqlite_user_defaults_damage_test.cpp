@@ -358,6 +358,18 @@ TEST_F(SqliteUserDefaultsDamage, AWriteToAStoreSpoiltWhileInUseIsKeptInTheFreshO
     EXPECT_EQ(open()->integer("after"), 6);
 }
 
+TEST_F(SqliteUserDefaultsDamage, AValueThatIsGoneDoesNotComeBackInTheFreshStore) {
+    const auto store = open();
+    store->set("kept", true);
+    store->set("gone", true);
+    RawDatabase(file).run("DELETE FROM defaults WHERE key = 'gone'");
+    EXPECT_FALSE(store->contains("gone"));
+    RawDatabase(file).run("ALTER TABLE defaults RENAME TO something");
+    EXPECT_EQ(store->boolean("kept"), true);
+    EXPECT_EQ(store->object("gone"), std::nullopt);
+    EXPECT_FALSE(open()->contains("gone"));
+}
+
 TEST_F(SqliteUserDefaultsDamage, AFileRemovedWhileInUseIsAFreshStore) {
     const auto store = open();
     store->set("key", true);
