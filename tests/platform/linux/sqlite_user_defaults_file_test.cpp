@@ -1,7 +1,9 @@
 #include "platform/linux/sqlite_user_defaults_file.h"
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 
 #include "tests/platform/linux/sqlite_user_defaults_fixture.h"
 
@@ -39,6 +41,22 @@ TEST_F(SqliteUserDefaultsFile, AFileThatHasBeenWrittenMeanwhileIsLeftThere) {
     putContents(file, "begun by another process");
     EXPECT_EQ(setAside(file, judged).movedTo, std::nullopt);
     EXPECT_EQ(contentsOf(file), "begun by another process");
+}
+
+TEST_F(SqliteUserDefaultsFile, AWriteIsNoticedByEveryPartOfItsTime) {
+    putContents(file, "bad");
+    const auto write = [this](timespec modified) {
+        const timespec times[2] = {modified, modified};
+        ASSERT_EQ(::utimensat(AT_FDCWD, file.c_str(), times, 0), 0);
+    };
+    write({1'700'000'000, 4'000'000});
+    const auto judged = identityOf(file).value();
+    write({1'700'000'000, 8'000'000});
+    EXPECT_FALSE(identityOf(file)->isUnchanged(judged));
+    write({1'700'000'001, 4'000'000});
+    EXPECT_FALSE(identityOf(file)->isUnchanged(judged));
+    write({1'700'000'000, 4'000'000});
+    EXPECT_TRUE(identityOf(file)->isUnchanged(judged));
 }
 
 TEST_F(SqliteUserDefaultsFile, AFileThatAppearedMeanwhileIsLeftThere) {

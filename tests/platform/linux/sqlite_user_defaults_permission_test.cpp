@@ -207,6 +207,7 @@ TEST_F(SqliteUserDefaultsPermission, AFileWhereAFolderBelongsLeavesEverythingInM
     store->set("key", true);
     EXPECT_EQ(store->boolean("key"), true);
     EXPECT_THAT(lines, ElementsAre(notWritten("Not a directory")));
+    EXPECT_FALSE(store->contains("other"));
     EXPECT_EQ(contentsOf(folder / "tarnwick"), "not a folder");
 }
 
