@@ -6,7 +6,8 @@
 
 namespace tarnwick {
 
-/// The text without white space and line breaks at both ends (Unicode white space in UTF-8).
+/// The text, which is UTF-8, without white space and line breaks at both ends: those of Unicode
+/// and the zero-width space.
 std::string_view trimmed(std::string_view text);
 
 /// A percentage with a fixed number of decimals and a percent sign, rounded as "%.*f%%" rounds,

@@ -56,6 +56,8 @@ int minuteOfHour(double time) {
         return 0;
     }
     const auto seconds = static_cast<std::time_t>(std::floor(time));
+    // Follows a change of the system's time zone while the program runs; its reentrant sisters need
+    // not.
     const std::tm* local = std::localtime(&seconds);
     return local ? local->tm_min : 0;
 }

@@ -51,7 +51,8 @@ class TarnwickAppTest : public testing::Test {
     UserSettings settings{store, loginService};
     ScriptedStatusItem item;
     CPUInfo cpu;
-    /// Minute 0 of an hour in every zone with whole hours; the test process runs in UTC or not.
+    /// Minute 0 of an hour, or 15, 30 or 45: in every time zone a multiple of the three metrics
+    /// that are shown in turn.
     double time = 0;
 };
 
@@ -84,6 +85,18 @@ TEST_F(TarnwickAppTest, TheLabelFollowsEveryMeasurement) {
     EXPECT_EQ(item.contents.back().text, "CPU 93%");
     EXPECT_EQ(item.contents.back().tint, Tint::red);
     EXPECT_EQ(item.contents.back().symbol, "exclamationmark.triangle.fill");
+}
+
+TEST_F(TarnwickAppTest, TheLabelTurnsWithTheMinuteAtTheNextFastRefreshAtTheLatest) {
+    const auto app = makeApp();
+    dispatch.runMain();
+    EXPECT_EQ(item.contents.back().text, "CPU 0%");
+    time = 60;
+    dispatch.advance(12);
+    EXPECT_EQ(item.contents.back().text, "RAM 30%");
+    time = 120;
+    dispatch.advance(12);
+    EXPECT_EQ(item.contents.back().text, "Disk 50%");
 }
 
 TEST_F(TarnwickAppTest, TheLabelFollowsTheDisplayModeAtOnce) {

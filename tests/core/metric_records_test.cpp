@@ -260,13 +260,22 @@ TEST(MetricRecords, CopiesShareNothing) {
 
 TEST(MetricRecords, FreshIdentitiesAreRandomVersionFour) {
     std::unordered_set<UUID> seen;
+    UUID everSet;
+    UUID everClear;
     for (int i = 0; i < 1000; ++i) {
         const UUID id = UUID::random();
-        EXPECT_EQ(id.bytes[6] >> 4, 4);
-        EXPECT_EQ(id.bytes[8] >> 6, 2);
         seen.insert(id);
+        for (std::size_t byte = 0; byte < id.bytes.size(); ++byte) {
+            everSet.bytes[byte] |= id.bytes[byte];
+            everClear.bytes[byte] |= static_cast<std::uint8_t>(~id.bytes[byte]);
+        }
     }
     EXPECT_EQ(seen.size(), 1000U);
+    // Every bit takes both values, but for the four of the version and the two of the variant.
+    for (std::size_t byte = 0; byte < everSet.bytes.size(); ++byte) {
+        EXPECT_EQ(everSet.bytes[byte], byte == 6 ? 0x4F : byte == 8 ? 0xBF : 0xFF) << byte;
+        EXPECT_EQ(everClear.bytes[byte], byte == 6 ? 0xBF : byte == 8 ? 0x7F : 0xFF) << byte;
+    }
 }
 
 TEST(MetricRecords, IdentitiesOfSeveralThreadsAreAllDistinct) {

@@ -76,5 +76,14 @@ TEST(SharedStatsManager, RunsOnTheCurrentPlatformWithTheSharedSettings) {
     EXPECT_TRUE(*manager.batteryDetectionComplete);
 }
 
+TEST(SharedStatsManager, LogsNothingByDefault) {
+    Machine::installed();
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    { const StatsManager manager(nullptr, BatteryService::shared(), 30, 120); }
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+}
+
 }  // namespace
 }  // namespace tarnwick

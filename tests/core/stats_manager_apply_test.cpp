@@ -174,6 +174,8 @@ TEST_F(StatsManagerApply, AnyOneOfFourRecordsCountsAsCollectedData) {
     manual.runNextDetached();
     manual.runMainTurn();
     EXPECT_FALSE(manager->hasCollectedData());
+    manager->cpuInfo.set(makeCPU(50, -1));
+    EXPECT_FALSE(manager->hasCollectedData());
     manager->gpuInfo.set(makeGPU(0, true));
     EXPECT_TRUE(manager->hasCollectedData());
     manager->gpuInfo.set(makeGPU(50, false));

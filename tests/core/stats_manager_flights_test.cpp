@@ -99,17 +99,19 @@ TEST_F(StatsManagerFlights, ARequestDuringTheFollowUpYieldsAnother) {
     EXPECT_EQ(count("cpu"), 3u);
 }
 
-TEST_F(StatsManagerFlights, ARequestMadeByAnObserverOfTheApplyStepIsQueued) {
+TEST_F(StatsManagerFlights, ARequestMadeAtAnyWriteOfTheApplyStepIsQueued) {
     const auto manager = makeSettled();
     int requests = 0;
-    const auto subscription = manager->cpuInfo.willChange([&] {
-        if (requests++ == 0) {
+    const auto subscription = manager->objectWillChange([&] {
+        if (count("cpu") == 1) {
+            ++requests;
             manager->refreshFast();
             EXPECT_EQ(manual.detachedPending(), 0u);
         }
     });
     manager->refreshFast();
     settle();
+    EXPECT_EQ(requests, 7);
     EXPECT_EQ(count("cpu"), 2u);
 }
 
@@ -183,6 +185,23 @@ TEST_F(StatsManagerFlights, ASlowFlightLastsUntilTheHealthReadingIsApplied) {
     takeCalls();
     settle();
     EXPECT_EQ(takeCalls(), (Calls{"battery", "storage", "uptime", "health"}));
+}
+
+TEST_F(StatsManagerFlights, ARequestMadeAtAnyWriteOfTheThreeStagesIsQueued) {
+    const auto manager = makeSettled();
+    int requests = 0;
+    const auto subscription = manager->objectWillChange([&] {
+        if (count("battery") == 1) {
+            ++requests;
+            manager->refreshSlow(false);
+            EXPECT_EQ(manual.detachedPending(), 0u);
+        }
+    });
+    manager->refreshSlow(false);
+    settle();
+    EXPECT_EQ(requests, 6);
+    EXPECT_EQ(count("battery"), 2u);
+    EXPECT_EQ(count("health"), 2u);
 }
 
 TEST_F(StatsManagerFlights, QueuedInexactThenExactYieldsOneExactFollowUp) {

@@ -4,7 +4,20 @@
 namespace tarnwick::testing {
 namespace {
 
-using StatsManagerOwnership = StatsManagerTest;
+class StatsManagerOwnership : public StatsManagerTest {
+ protected:
+    /// A manager with its panel visible, whose next fast refresh prunes.
+    std::unique_ptr<StatsManager> makePruningNext() {
+        auto manager = makeSettled();
+        manager->popoverDidAppear();
+        settle();
+        for (int i = 0; i < 13; ++i) {
+            manager->refreshFast();
+            settle();
+        }
+        return manager;
+    }
+};
 
 TEST_F(StatsManagerOwnership, DestructionInvalidatesTheFastTimerThenTheSlowOne) {
     auto manager = makeSettled();
@@ -67,13 +80,7 @@ TEST_F(StatsManagerOwnership, ASlowRefreshEndsWithTheStageThatFindsNoManager) {
 }
 
 TEST_F(StatsManagerOwnership, NothingIsPrunedWhenTheManagerHasGone) {
-    auto manager = makeSettled();
-    manager->popoverDidAppear();
-    settle();
-    for (int i = 0; i < 13; ++i) {
-        manager->refreshFast();
-        settle();
-    }
+    auto manager = makePruningNext();
     manager->refreshFast();
     manual.runNextDetached();
     manager.reset();
@@ -83,19 +90,26 @@ TEST_F(StatsManagerOwnership, NothingIsPrunedWhenTheManagerHasGone) {
 }
 
 TEST_F(StatsManagerOwnership, AManagerThatGoesWhilePruningIsNotApplied) {
-    auto manager = makeSettled();
-    manager->popoverDidAppear();
-    settle();
-    for (int i = 0; i < 13; ++i) {
-        manager->refreshFast();
-        settle();
-    }
+    auto manager = makePruningNext();
     manager->refreshFast();
     manual.runNextDetached();
     manual.runMainTurn();
     manager.reset();
     settle();
     EXPECT_EQ(count("prune"), 1u);
+    EXPECT_EQ(manual.detachedPending(), 0u);
+}
+
+TEST_F(StatsManagerOwnership, AManagerThatGoesAfterPruningIsNotApplied) {
+    auto manager = makePruningNext();
+    manager->refreshFast();
+    manager->refreshFast();
+    manual.runNextDetached();
+    manual.runMainTurn();
+    manual.runNextDetached();
+    EXPECT_EQ(count("prune"), 1u);
+    manager.reset();
+    manual.runMain();
     EXPECT_EQ(manual.detachedPending(), 0u);
 }
 

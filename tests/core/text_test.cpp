@@ -3,6 +3,7 @@
 #include <clocale>
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
 
 namespace tarnwick {
 namespace {
@@ -13,6 +14,16 @@ TEST(Text, TrimsWhiteSpaceAndLineBreaksAtBothEnds) {
     EXPECT_EQ(trimmed(" a b\n"), "a b");
     EXPECT_EQ(trimmed("\xC2\xA0x\xE3\x80\x80"), "x");
     EXPECT_EQ(trimmed("\xE2\x80\xA8\xC3\xA4\xE2\x80\xA9"), "\xC3\xA4");
+}
+
+TEST(Text, TrimsEveryKindOfWhiteSpace) {
+    for (const char* space :
+         {"\t",     "\n",     "\v",     "\f",     "\r",     " ",      "\u00A0", "\u1680",  "\u2000",
+          "\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006", "\u2007", "\u2008",  "\u2009",
+          "\u200A", "\u200B", "\u2028", "\u2029", "\u202F", "\u205F", "\u3000", "\xC2\x85"}) {
+        EXPECT_EQ(trimmed(std::string(space) + "x" + space), "x")
+            << ::testing::PrintToString(space);
+    }
 }
 
 TEST(Text, TrimmingKeepsBytesThatOnlyLookLikeHalfASpace) {

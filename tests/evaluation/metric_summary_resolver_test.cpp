@@ -132,6 +132,21 @@ TEST(MetricSummaryResolver, AWarningIsKeptAgainstALaterInfo) {
     EXPECT_EQ(best(candidates(true, even(), 80, 0, 79, 0)).menuBarText, "CPU 80%");
 }
 
+TEST(Candidate, IsBuiltInTheOrderOfItsFields) {
+    const Candidate candidate{MetricSeverity::warning, "short", "long", 1.5};
+    EXPECT_EQ(candidate.severity, MetricSeverity::warning);
+    EXPECT_EQ(candidate.menuBarText, "short");
+    EXPECT_EQ(candidate.popoverText, "long");
+    EXPECT_EQ(candidate.tieBreakScore, 1.5);
+}
+
+TEST(MetricDisplaySummary, IsBuiltInTheOrderOfItsFields) {
+    const MetricDisplaySummary summary{MetricSeverity::info, "short", "long"};
+    EXPECT_EQ(summary.severity, MetricSeverity::info);
+    EXPECT_EQ(summary.menuBarText, "short");
+    EXPECT_EQ(summary.popoverText, "long");
+}
+
 TEST(MetricDisplaySummary, EqualityLooksAtAllFields) {
     const MetricDisplaySummary summary{MetricSeverity::info, "a", "b"};
     EXPECT_EQ(summary, (MetricDisplaySummary{MetricSeverity::info, "a", "b"}));

@@ -207,5 +207,15 @@ TEST_F(Summaries, ThresholdsAreReadAtTheMomentOfTheSummary) {
     EXPECT_EQ(manager->displaySummary().severity, MetricSeverity::warning);
 }
 
+TEST_F(Summaries, CrossedThresholdsAreRepairedForTheSummaryOnly) {
+    settings.setCPUNormal(95);
+    settings.setCPUHigh(90);
+    const auto manager = measured(95.5, 5, 30, 40);
+    EXPECT_EQ(manager->displaySummary().severity, MetricSeverity::info);
+    EXPECT_EQ(manager->menuBarSummary(0).severity, MetricSeverity::info);
+    EXPECT_EQ(settings.cpuNormal(), 95);
+    EXPECT_EQ(settings.cpuHigh(), 90);
+}
+
 }  // namespace
 }  // namespace tarnwick::testing
