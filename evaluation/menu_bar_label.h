@@ -10,21 +10,14 @@
 
 namespace tarnwick {
 
-/// Icon and text in one row, centred vertically, 4 points apart. The icon is drawn hierarchically
-/// in `tint`. The text is set at 11 points, medium weight, rounded face, monospaced digits, on one
-/// line, leading-aligned in at most 72 points and cut at the end with an ellipsis.
+/// What the status item shows; how it is drawn stands with platform::StatusItemContent.
 struct MenuBarLabel {
-    /// Points between icon and text.
-    static constexpr double kSpacing = 4;
-    /// Points.
-    static constexpr double kFontSize = 11;
-    /// Points.
-    static constexpr double kMaximumTextWidth = 72;
-
+    /// Name of the severity's symbol.
     std::string symbol;
     Tint tint = Tint::green;
     /// Absent when only the icon is shown.
     std::optional<std::string> text;
+    /// For icon and text as a whole; tells the text also when only the icon is shown.
     std::string accessibilityLabel;
 
     bool operator==(const MenuBarLabel&) const = default;

@@ -9,8 +9,18 @@
 
 namespace tarnwick::platform {
 
-/// What the status item shows.
+/// What the status item shows: icon and text in one row, centred vertically. Where the program
+/// draws the row itself, the icon is drawn hierarchically in `tint`; the text is set in medium
+/// weight with digits of one width, on one line, aligned to the leading edge of its room and cut
+/// at the end with an ellipsis.
 struct StatusItemContent {
+    /// Points between icon and text.
+    static constexpr double kSpacing = 4;
+    /// Of the text, points.
+    static constexpr double kFontSize = 11;
+    /// Room of the text, points.
+    static constexpr double kTextWidth = 72;
+
     /// Name of the icon's symbol.
     std::string symbol;
     Tint tint = Tint::green;

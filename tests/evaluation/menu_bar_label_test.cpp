@@ -44,12 +44,5 @@ TEST(MenuBarLabel, AnEmptyTextIsShownAsText) {
     EXPECT_EQ(label.accessibilityLabel, "Tarnwick status: ");
 }
 
-TEST(MenuBarLabel, TheTextGetsAtMostSeventyTwoPointsBesideTheIcon) {
-    // What the front must keep to, so that a long text is cut and never widens the item.
-    EXPECT_EQ(MenuBarLabel::kMaximumTextWidth, 72);
-    EXPECT_EQ(MenuBarLabel::kSpacing, 4);
-    EXPECT_EQ(MenuBarLabel::kFontSize, 11);
-}
-
 }  // namespace
 }  // namespace tarnwick

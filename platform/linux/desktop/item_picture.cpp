@@ -7,6 +7,8 @@
 #include <QtMath>
 #include <array>
 
+#include "platform/desktop.h"
+
 namespace tarnwick::platform {
 namespace {
 
@@ -15,16 +17,15 @@ constexpr std::array kSquareSizes = {16, 22, 24, 32, 48, 64};
 // One row in points; a picture of any height is this row made larger or smaller.
 constexpr qreal kRowHeight = 18;
 constexpr qreal kIconSize = 16;
-constexpr qreal kSpacing = 4;
-constexpr qreal kTextWidth = 72;
-constexpr qreal kFontSize = 11;
+constexpr qreal kSpacing = StatusItemContent::kSpacing;
+constexpr qreal kTextWidth = StatusItemContent::kTextWidth;
 // The faint edge is the letters once more, moved by this much to each side.
 constexpr qreal kEdgeWidth = 1;
 constexpr float kEdgeOpacity = 0.15F;
 
 QFont textFont(qreal scale) {
     QFont font = QGuiApplication::font();
-    font.setPixelSize(qRound(kFontSize * scale));
+    font.setPixelSize(qRound(StatusItemContent::kFontSize * scale));
     font.setWeight(QFont::Medium);
     // The ground is transparent, so coloured edges would have nothing to blend with.
     font.setStyleStrategy(QFont::NoSubpixelAntialias);

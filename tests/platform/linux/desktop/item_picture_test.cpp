@@ -1,6 +1,10 @@
 #include "platform/linux/desktop/item_picture.h"
 
 #include <QColor>
+#include <QFont>
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QRect>
 #include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -132,6 +136,48 @@ TEST(WidePicture, CutsALongTextInsideItsPlace) {
     // fill them.
     EXPECT_LT(inkFrom(picture, 182, 184), 24);
     EXPECT_NE(picture, row("W"));
+}
+
+/// The rectangle that the letters fill in a row of twice the size of points, their faint edge left
+/// out.
+QRect letters(const QString& text) {
+    const QImage picture = row(text);
+    QRect found;
+    for (int y = 0; y < picture.height(); ++y) {
+        for (int x = wideIconSize(36); x < picture.width(); ++x) {
+            if (qAlpha(picture.pixel(x, y)) > 128) {
+                found |= QRect(x, y, 1, 1);
+            }
+        }
+    }
+    return found;
+}
+
+TEST(WidePicture, SetsTheTextFourPointsFromTheIconInElevenPointsAtHalfTheHeight) {
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(22);
+    font.setWeight(QFont::Medium);
+    const QRectF expected = QFontMetricsF(font).tightBoundingRect("H");
+    const QRect found = letters("H");
+    // Sixteen points of icon and four of space, then the letter's own bearing.
+    EXPECT_NEAR(found.left(), 40 + expected.left(), 1.5);
+    EXPECT_NEAR(found.height(), expected.height(), 1.5);
+    EXPECT_NEAR(found.center().y(), 17.5, 1);
+}
+
+TEST(WidePicture, CutsNoTextThatFitsSeventyTwoPoints) {
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(22);
+    font.setWeight(QFont::Medium);
+    const QFontMetricsF metrics(font);
+    QString text = "H";
+    while (metrics.horizontalAdvance(text + 'i') <= 144) {
+        text += 'i';
+    }
+    // The last letter that has room reaches further than the letters before it.
+    EXPECT_GT(letters(text).right(), letters(text.chopped(1)).right());
+    EXPECT_GT(letters(text).right(), 184 - 2 * metrics.horizontalAdvance('i'));
+    EXPECT_LT(letters(text + "ii").right(), 184);
 }
 
 TEST(WidePicture, WritesDarkLettersOnALightDesktopAndLightOnADarkOne) {
