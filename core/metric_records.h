@@ -33,11 +33,13 @@ struct UsageSample {
     double value = 0;
 };
 
+/// What is known of the machine as a whole.
 struct SystemInfo {
     /// Seconds since the machine booted; 0 when unknown.
     double uptime = 0;
 };
 
+/// The processors. The empty value is idle, not busy.
 struct CPUInfo {
     /// Busy share of the whole machine over the last sampling interval, percent.
     double usagePercentage = 0;
@@ -53,6 +55,7 @@ struct CPUInfo {
     std::vector<double> coreUsages;
 };
 
+/// The graphics processor.
 struct GPUInfo {
     /// Overall utilisation, percent.
     double usagePercentage = 0;
@@ -120,6 +123,7 @@ enum class BatteryHealthSource {
     qualitative,
 };
 
+/// The battery of the machine itself, not of a device beside it.
 struct BatteryInfo {
     /// Charge level, percent.
     std::int64_t percentage = 0;
@@ -128,9 +132,11 @@ struct BatteryInfo {
     bool isPluggedIn = false;
     /// Capacity relative to the design, percent; absent when unknown.
     std::optional<std::int64_t> health;
+    /// Absent when unknown.
     std::optional<BatteryHealthSource> healthSource;
     /// The condition word or phrase as read; empty when unknown.
     std::string healthCondition;
+    /// Charge cycles; absent when unknown.
     std::optional<std::int64_t> cycleCount;
     /// Minutes to empty while discharging, to full while charging; 0 when unknown.
     std::int64_t timeRemaining = 0;
@@ -138,6 +144,7 @@ struct BatteryInfo {
     bool hasBattery = false;
 };
 
+/// All network interfaces that are up, loopback left out, together.
 struct NetworkInfo {
     /// Receive rate over the last interval, bytes per second.
     double downloadBytesPerSecond = 0;

@@ -43,14 +43,17 @@ class StatsManager final : public ObservableObject {
                  StatsManagerEnvironment environment = StatsManagerEnvironment::shared());
     ~StatsManager();
 
+    // Each holds the empty value until its first measurement.
     Published<BatteryInfo> batteryInfo{*this};
-    /// True once the first battery reading was applied.
+    /// True from the first battery reading on, whether or not there is a battery.
     Published<bool> batteryDetectionComplete{*this, false};
+    /// The one volume that the storage sampler reads.
     Published<std::vector<StorageInfo>> storageInfo{*this};
     Published<MemoryInfo> memoryInfo{*this};
     Published<CPUInfo> cpuInfo{*this};
     Published<GPUInfo> gpuInfo{*this};
     Published<SystemInfo> systemInfo{*this};
+    // At most kTopProcessLimit rows each; while the panel is hidden they keep their last rows.
     Published<std::vector<AppProcessInfo>> topCPUProcesses{*this};
     Published<std::vector<AppProcessInfo>> topMemoryProcesses{*this};
     // Histories in percent, oldest first, at most kHistoryLimit samples each.
@@ -96,8 +99,9 @@ class StatsManager final : public ObservableObject {
     std::optional<StorageInfo> primaryStorage() const;
     /// What the panel's header says.
     MetricDisplaySummary displaySummary() const;
-    /// What the status item says at `time` (seconds since 1970): as displaySummary() while a metric
-    /// is above a threshold, else one metric a clock minute in turn.
+    /// What the status item says at `time` (seconds since 1970): as displaySummary() before the
+    /// first measurement and while a metric reaches a threshold, else one metric a clock minute in
+    /// turn.
     MetricDisplaySummary menuBarSummary(double time) const;
 
     UserSettings& settings() const { return settings_; }
