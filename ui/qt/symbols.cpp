@@ -72,7 +72,9 @@ QImage rendered(std::string_view name, const QColor& colour, int pixels) {
     // All at once, because parts may lie on each other.
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
     painter.fillRect(QRectF(0, 0, kGrid, kGrid), QColor(0, 0, 0, colour.alpha()));
-    return image;
+    painter.end();
+    // The original keeps the engine that drew it, which is many times its size.
+    return image.copy();
 }
 
 QString fromUtf8(std::string_view text) {
