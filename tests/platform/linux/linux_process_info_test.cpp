@@ -26,11 +26,8 @@ TEST(ActiveProcessorCount, IsAskedOfTheSystemWhereTheTreeSaysNothing) {
     EXPECT_GE(LinuxProcessInfo("/no such machine").activeProcessorCount(), 1);
 }
 
-TEST(ThermalState, IsNominalOnEveryRecordedMachine) {
-    for (const std::string_view machine :
-         {"laptop", "server", "old-kernel", "damaged", "no such machine"}) {
-        EXPECT_EQ(LinuxProcessInfo(recordedMachine(machine)).thermalState(), 0) << machine;
-    }
+TEST(ThermalState, IsNominalWhereThereIsNoMachine) {
+    EXPECT_EQ(LinuxProcessInfo(recordedMachine("no such machine")).thermalState(), 0);
 }
 
 class ThermalZones : public ::testing::Test {

@@ -1,5 +1,6 @@
 #include "tests/platform/linux/machine_tree.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <gtest/gtest.h>
@@ -16,6 +17,17 @@ std::filesystem::path below(const std::string& root, std::string_view path) {
 }
 
 }  // namespace
+
+std::vector<std::string> recordedMachines() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(TARNWICK_FIXTURES)) {
+        if (entry.is_directory()) {
+            names.push_back(entry.path().filename().native());
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
 
 std::string recordedMachine(std::string_view name) {
     return below(TARNWICK_FIXTURES, name).native();

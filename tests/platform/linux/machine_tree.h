@@ -4,8 +4,12 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarnwick::platform::testing {
+
+/// The names of all recorded machines, in alphabetical order.
+std::vector<std::string> recordedMachines();
 
 /// Root of the recorded machine of this name.
 std::string recordedMachine(std::string_view name);
