@@ -28,6 +28,9 @@ set(standard algorithm any array atomic bit bitset charconv chrono cmath compare
     source_location span sstream stack stdexcept streambuf string string_view system_error thread
     tuple type_traits typeindex typeinfo unordered_map unordered_set utility variant vector version
     nlohmann/json.hpp)
+# What platform/posix may include besides: headers that Linux and macOS both have.
+set(posix cerrno csignal fcntl.h poll.h signal.h spawn.h sys/stat.h sys/types.h sys/wait.h
+    unistd.h)
 
 function(folder_of path result)
   set(folder "")
@@ -61,11 +64,16 @@ foreach(path IN LISTS files)
         string(APPEND faults "  ${path}: \"${target}\" lies above\n")
       elseif(own IN_LIST portable AND target MATCHES "^platform/(linux|macos|testing|posix)/")
         string(APPEND faults "  ${path}: \"${target}\" belongs to one platform\n")
+      elseif(path MATCHES "^platform/posix/" AND target MATCHES "^platform/(linux|macos|testing)/")
+        string(APPEND faults "  ${path}: \"${target}\" belongs to one platform\n")
       endif()
     elseif(line MATCHES "include[ \t]*<([^>]+)>")
       set(target "${CMAKE_MATCH_1}")
       if((own IN_LIST portable OR path MATCHES "^platform/[^/]+$") AND NOT target IN_LIST standard)
         string(APPEND faults "  ${path}: <${target}> is not portable\n")
+      elseif(path MATCHES "^platform/posix/" AND NOT target IN_LIST standard
+             AND NOT target IN_LIST posix)
+        string(APPEND faults "  ${path}: <${target}> is not POSIX\n")
       endif()
     endif()
   endforeach()
