@@ -15,6 +15,7 @@
 #include "platform/linux/desktop/single_instance.h"
 #include "platform/linux/desktop/toolkit_environment.h"
 #include "platform/linux/linux_kernel.h"
+#include "platform/linux/linux_power_sources.h"
 #include "platform/linux/linux_process_info.h"
 #include "platform/linux/linux_volumes.h"
 #include "platform/linux/sqlite_user_defaults.h"
@@ -42,10 +43,13 @@ bool hasDisplay() {
 /// The machine. Nothing of it is ever destroyed: background work that is stuck when the program
 /// ends may still use it.
 void installPlatform(platform::UserDefaults& userDefaults) {
+    auto* powerSources = new platform::LinuxPowerSources();
     platform::install({
         .kernel = new platform::LinuxKernel(),
         .volumes = new platform::LinuxVolumes(),
         .processInfo = new platform::LinuxProcessInfo(),
+        .powerSources = powerSources,
+        .batteryHealth = powerSources,
         .userDefaults = &userDefaults,
         .loginService = new platform::NullLoginService(),
         .byteCountFormatter = new platform::PlainByteCountFormatter(),

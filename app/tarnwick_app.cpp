@@ -4,6 +4,7 @@
 
 #include "app/menu_bar_panel.h"
 #include "evaluation/menu_bar_label.h"
+#include "services/battery_service.h"
 
 namespace tarnwick {
 

@@ -16,7 +16,7 @@ namespace tarnwick {
 /// What the application runs on; the defaults are the process-wide ones.
 struct TarnwickAppEnvironment {
     UserSettings& settings;
-    std::shared_ptr<BatteryService> batteryService;
+    std::shared_ptr<BatteryReader> batteryService;
     StatsManagerEnvironment stats;
 
     static TarnwickAppEnvironment shared();

@@ -36,7 +36,7 @@ StatsManagerEnvironment StatsManagerEnvironment::shared() {
     };
 }
 
-StatsManager::StatsManager(UserSettings* settings, std::shared_ptr<BatteryService> batteryService,
+StatsManager::StatsManager(UserSettings* settings, std::shared_ptr<BatteryReader> batteryService,
                            double slowVisibleInterval, double slowIdleInterval,
                            StatsManagerEnvironment environment)
     : settings_(settings ? *settings : UserSettings::shared()),

@@ -13,7 +13,7 @@
 #include "core/published.h"
 #include "platform/dispatch.h"
 #include "platform/log.h"
-#include "services/battery_service.h"
+#include "services/battery_reader.h"
 #include "settings/user_settings.h"
 
 namespace tarnwick {
@@ -38,7 +38,7 @@ class StatsManager final : public ObservableObject {
  public:
     /// Starts polling at once: a fast refresh, a slow refresh, then the timers. `settings` null
     /// means the shared settings. The intervals of the slow timer are seconds.
-    StatsManager(UserSettings* settings, std::shared_ptr<BatteryService> batteryService,
+    StatsManager(UserSettings* settings, std::shared_ptr<BatteryReader> batteryService,
                  double slowVisibleInterval, double slowIdleInterval,
                  StatsManagerEnvironment environment = StatsManagerEnvironment::shared());
     ~StatsManager();
@@ -125,7 +125,7 @@ class StatsManager final : public ObservableObject {
     void appendSample(Published<std::vector<UsageSample>>& history, double value);
 
     UserSettings& settings_;
-    std::shared_ptr<BatteryService> batteryService_;
+    std::shared_ptr<BatteryReader> batteryService_;
     platform::Dispatch& dispatch_;
     /// Shared with the refreshes in flight.
     std::shared_ptr<const MetricSources> sources_;

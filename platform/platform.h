@@ -5,6 +5,7 @@
 #include "platform/dispatch.h"
 #include "platform/kernel.h"
 #include "platform/login_service.h"
+#include "platform/power_sources.h"
 #include "platform/process_info.h"
 #include "platform/user_defaults.h"
 #include "platform/volumes.h"
@@ -16,6 +17,8 @@ struct Platform {
     Kernel* kernel = nullptr;
     Volumes* volumes = nullptr;
     ProcessInfo* processInfo = nullptr;
+    PowerSources* powerSources = nullptr;
+    BatteryHealth* batteryHealth = nullptr;
     UserDefaults* userDefaults = nullptr;
     LoginService* loginService = nullptr;
     ByteCountFormatter* byteCountFormatter = nullptr;

@@ -1,25 +1,82 @@
 // What the battery does now and how healthy it is.
 #pragma once
 
+#include <cstdint>
+#include <functional>
 #include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
 
 #include "core/metric_records.h"
+#include "platform/power_sources.h"
+#include "platform/user_defaults.h"
+#include "services/battery_reader.h"
 
 namespace tarnwick {
 
-/// Any thread; never fails. This base knows no power source and reports a machine without a
-/// battery; the seam where the battery sampler sits.
-class BatteryService {
+using platform::HealthReading;
+
+/// Keeps the last good record, leaves a machine without a battery alone, and asks for the exact
+/// health once a day, five minutes after it could not be had, or when forced. The health outlives
+/// the process in the user's store. Calls take turns, also with one that waits for the health.
+class BatteryService final : public BatteryReader {
  public:
-    virtual ~BatteryService() = default;
+    /// Absent when it could not be found out.
+    using ReadHealth = std::function<std::optional<HealthReading>()>;
+    /// Absent when it could not be found out; `hasBattery` false when there is none.
+    using ReadBattery = std::function<std::optional<BatteryInfo>()>;
+    /// The wall clock; the age of the health is judged by it.
+    using Now = std::function<platform::Date()>;
+    /// Monotonic seconds that stand still while the machine sleeps.
+    using ElapsedTime = std::function<double()>;
+
+    /// The defaults are those of the current platform.
+    explicit BatteryService(platform::UserDefaults& defaults = standardDefaults(),
+                            ReadHealth readHealth = systemHealth(),
+                            ReadBattery readBattery = systemBattery(), Now now = systemNow(),
+                            ElapsedTime elapsedTime = systemElapsedTime());
 
     /// The process-wide instance on the current platform, made on first use, never destroyed.
     static std::shared_ptr<BatteryService> shared();
 
-    /// The quick path. `force` asks for a fresh reading.
-    virtual BatteryInfo currentBatteryInfo(bool force);
-    /// The path that may take seconds. `force` asks for a fresh health figure, not a cached one.
-    virtual BatteryInfo batteryInfoWithHealth(bool force);
+    BatteryInfo currentBatteryInfo(bool force) override;
+    BatteryInfo batteryInfoWithHealth(bool force) override;
+
+ private:
+    static platform::UserDefaults& standardDefaults();
+    static ReadHealth systemHealth();
+    static ReadBattery systemBattery();
+    static Now systemNow();
+    static ElapsedTime systemElapsedTime();
+
+    bool isHealthDue(double now) const;
+    void fetchHealth(platform::Date now);
+    void mergeCache(BatteryInfo& info) const;
+
+    const ReadHealth readHealth;
+    const ReadBattery readBattery;
+    const Now now;
+    const ElapsedTime elapsedTime;
+    platform::UserDefaults& defaults;
+
+    std::mutex lock;
+    // Guarded by `lock`.
+    /// The last record with a battery, merged with the cache; absent until one has been seen.
+    std::optional<BatteryInfo> lastGoodInfo;
+    /// The condition word as last read, before any merge.
+    std::string sourceCondition;
+    /// Reads in a row that found no battery while none had ever been seen; stops at 3.
+    std::int64_t missingSamples = 0;
+    /// On the elapsed-time clock: before it, an unforced call does not look for a battery.
+    double nextDetectionAttempt = 0;
+    /// Percent.
+    std::optional<std::int64_t> cachedHealth;
+    /// Present, be it empty, once the health has been asked for.
+    std::optional<std::string> cachedCondition;
+    platform::Date lastHealthAttempt;
+    /// The last attempt gave no reading at all.
+    bool lastAttemptFailed = false;
 };
 
 }  // namespace tarnwick

@@ -7,6 +7,7 @@
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_login_service.h"
 #include "platform/testing/scripted_status_item.h"
+#include "tests/services/no_battery.h"
 
 namespace tarnwick {
 namespace {
@@ -40,7 +41,7 @@ class TarnwickAppTest : public testing::Test {
     std::unique_ptr<TarnwickApp> makeApp() {
         return std::make_unique<TarnwickApp>(
             item, TarnwickAppEnvironment{
-                      settings, std::make_shared<BatteryService>(),
+                      settings, noBattery(store),
                       StatsManagerEnvironment{dispatch, sources(), [this] { return time; },
                                               platform::Logger()}});
     }

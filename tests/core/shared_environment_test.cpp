@@ -9,7 +9,9 @@
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_kernel.h"
 #include "platform/testing/scripted_login_service.h"
+#include "platform/testing/scripted_power_sources.h"
 #include "platform/testing/scripted_volumes.h"
+#include "services/battery_service.h"
 
 namespace tarnwick {
 namespace {
@@ -18,6 +20,7 @@ namespace {
 struct Machine {
     platform::testing::ScriptedKernel kernel;
     platform::testing::ScriptedVolumes volumes;
+    platform::testing::ScriptedPowerSources powerSources;
     platform::testing::MemoryUserDefaults store;
     platform::testing::ScriptedLoginService loginService;
     platform::testing::ManualDispatch dispatch;
@@ -28,6 +31,8 @@ struct Machine {
             platform::Platform platform;
             platform.kernel = &made->kernel;
             platform.volumes = &made->volumes;
+            platform.powerSources = &made->powerSources;
+            platform.batteryHealth = &made->powerSources;
             platform.userDefaults = &made->store;
             platform.loginService = &made->loginService;
             platform.dispatch = &made->dispatch;

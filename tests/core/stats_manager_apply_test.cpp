@@ -1,5 +1,6 @@
 // What is published, in which order, and what is kept.
 #include "tests/core/stats_manager_fixture.h"
+#include "tests/services/no_battery.h"
 
 namespace tarnwick::testing {
 namespace {
@@ -198,8 +199,8 @@ TEST_F(StatsManagerApply, ThePrimaryStorageIsTheLargestAndTheEarlierOfEquals) {
     EXPECT_EQ(manager->primaryStorage()->name, "a");
 }
 
-TEST_F(StatsManagerApply, WithoutABatteryServiceOfItsOwnAMachineHasNoBattery) {
-    StatsManager manager(&settings, std::make_shared<BatteryService>(), 30, 120,
+TEST_F(StatsManagerApply, TheDetectionCompletesOnAMachineWithoutABattery) {
+    StatsManager manager(&settings, noBattery(store), 30, 120,
                          StatsManagerEnvironment{manual,
                                                  {.readCPUInfo = [] { return CPUInfo{}; },
                                                   .readGPUInfo = [] { return GPUInfo{}; },

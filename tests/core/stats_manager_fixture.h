@@ -51,7 +51,7 @@ class RecordingDispatch final : public platform::Dispatch {
 };
 
 /// Answers with `quick` and `exact`, and writes the calls down.
-class ScriptedBatteryService final : public BatteryService {
+class ScriptedBatteryService final : public BatteryReader {
  public:
     explicit ScriptedBatteryService(std::function<void(const std::string&)> record)
         : record_(std::move(record)) {}

@@ -13,6 +13,7 @@
 #include "platform/testing/manual_dispatch.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_login_service.h"
+#include "tests/services/no_battery.h"
 
 namespace {
 
@@ -159,7 +160,7 @@ class StatsManagerGrowth : public ::testing::Test {
 
 TEST_F(StatsManagerGrowth, AHundredThousandRefreshesLeaveNotOneByteMoreThanTheFirstOnes) {
     StatsManager manager(
-        &settings, std::make_shared<BatteryService>(), 30, 120,
+        &settings, noBattery(store), 30, 120,
         {dispatch, sources(), [this] { return dispatch.now(); }, platform::Logger()});
     const auto subscription = manager.objectWillChange([] {});
     // A cycle is ten minutes with the panel and an hour without.
@@ -189,7 +190,7 @@ TEST_F(StatsManagerGrowth, AHundredThousandRefreshesLeaveNotOneByteMoreThanTheFi
 TEST_F(StatsManagerGrowth, AManagerThatGoesInMidFlightLeavesNothing) {
     const auto comeAndGo = [this] {
         auto manager = std::make_unique<StatsManager>(
-            &settings, std::make_shared<BatteryService>(), 30, 120,
+            &settings, noBattery(store), 30, 120,
             StatsManagerEnvironment{dispatch, sources(), [this] { return dispatch.now(); },
                                     platform::Logger()});
         dispatch.advance(1000);

@@ -127,7 +127,7 @@ TEST_F(StatsManagerOwnership, ARefreshInFlightDoesNotKeepTheManager) {
 
 TEST_F(StatsManagerOwnership, ASlowRefreshInFlightKeepsTheBatteryService) {
     auto manager = makeSettled();
-    const std::weak_ptr<BatteryService> service = battery;
+    const std::weak_ptr<BatteryReader> service = battery;
     manager->refreshSlow(false);
     manager.reset();
     battery.reset();
@@ -138,7 +138,7 @@ TEST_F(StatsManagerOwnership, ASlowRefreshInFlightKeepsTheBatteryService) {
 
 TEST_F(StatsManagerOwnership, TheManagerKeepsItsBatteryServiceBetweenRefreshes) {
     auto manager = makeSettled();
-    const std::weak_ptr<BatteryService> service = battery;
+    const std::weak_ptr<BatteryReader> service = battery;
     battery.reset();
     EXPECT_FALSE(service.expired());
     manager.reset();

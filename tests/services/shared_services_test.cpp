@@ -8,7 +8,9 @@
 #include <vector>
 
 #include "platform/platform.h"
+#include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_kernel.h"
+#include "platform/testing/scripted_power_sources.h"
 #include "services/battery_service.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
@@ -16,13 +18,29 @@
 namespace tarnwick {
 namespace {
 
+/// The machine under the process-wide instances, which keep it for good.
+struct Machine {
+    platform::testing::ScriptedKernel kernel;
+    platform::testing::ScriptedPowerSources powerSources;
+    platform::testing::MemoryUserDefaults store;
+
+    static Machine& installed() {
+        static Machine& machine = *[] {
+            auto* made = new Machine;
+            platform::Platform platform;
+            platform.kernel = &made->kernel;
+            platform.powerSources = &made->powerSources;
+            platform.batteryHealth = &made->powerSources;
+            platform.userDefaults = &made->store;
+            platform::install(platform);
+            return made;
+        }();
+        return machine;
+    }
+};
+
 platform::testing::ScriptedKernel& installedKernel() {
-    static auto& kernel = []() -> platform::testing::ScriptedKernel& {
-        auto& made = *new platform::testing::ScriptedKernel;
-        platform::install({.kernel = &made});
-        return made;
-    }();
-    return kernel;
+    return Machine::installed().kernel;
 }
 
 TEST(SharedServices, TheCPUServiceIsOneInstanceOnTheInstalledPlatform) {
@@ -53,10 +71,42 @@ TEST(SharedServices, TheMemoryServiceIsMadeOnFirstUse) {
 }
 
 TEST(SharedServices, TheBatteryServiceIsOneInstance) {
+    Machine::installed();
     const auto service = BatteryService::shared();
     ASSERT_NE(service, nullptr);
     EXPECT_EQ(service, BatteryService::shared());
-    EXPECT_FALSE(service->currentBatteryInfo(false).hasBattery);
+}
+
+TEST(SharedServices, TheBatteryServiceRunsOnTheInstalledPlatform) {
+    Machine& machine = Machine::installed();
+    machine.kernel.setWallClockSeconds(5000);
+    machine.powerSources.answers.descriptions.set(std::vector{
+        platform::PowerSourceDescription{.type = "InternalBattery", .currentCapacity = 63}});
+    machine.powerSources.answers.cycleCount.set(412);
+    machine.powerSources.answers.readHealth.set(HealthReading{.health = 87, .condition = "Fair"});
+
+    const BatteryInfo quick = BatteryService::shared()->currentBatteryInfo(false);
+    EXPECT_EQ(quick.percentage, 63);
+    EXPECT_EQ(quick.cycleCount, 412);
+    EXPECT_EQ(BatteryService::shared()->batteryInfoWithHealth(false).health, 87);
+    EXPECT_EQ(machine.store.integer("battery.exactHealth"), 87);
+    EXPECT_EQ(machine.store.date("battery.lastExactFetch"), platform::Date{5000});
+}
+
+TEST(SharedServices, TheBatteryServicePausesOnTheMonotonicClock) {
+    Machine& machine = Machine::installed();
+    machine.powerSources.answers.descriptions.set(std::vector<platform::PowerSourceDescription>{});
+    machine.kernel.setMonotonicSeconds(1000);
+    BatteryService service;
+    for (int call = 0; call < 3; ++call) {
+        service.currentBatteryInfo(false);
+    }
+    machine.powerSources.clearCalls();
+    service.currentBatteryInfo(false);
+    EXPECT_THAT(machine.powerSources.calls(), testing::IsEmpty());
+    machine.kernel.setMonotonicSeconds(1300);
+    service.currentBatteryInfo(false);
+    EXPECT_THAT(machine.powerSources.calls(), testing::ElementsAre("descriptions"));
 }
 
 TEST(SharedServices, ThreadsThatComeTogetherFindTheSameInstances) {

@@ -1,0 +1,62 @@
+// Any texts as the files of a power supply. An input is a run of lines: the name of a file, "=",
+// and what is in it, to which a line break is added. Its first byte says what is known of power
+// from outside.
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "fuzz/fuzzer.h"
+#include "platform/linux/power_supply.h"
+
+namespace {
+
+using tarnwick::fuzz::require;
+using tarnwick::platform::PowerSupply;
+
+bool isPercentage(const std::optional<std::int64_t>& value, std::int64_t lowest) {
+    return !value || (*value >= lowest && *value <= 100);
+}
+
+bool isTime(const std::optional<std::int64_t>& minutes) {
+    return !minutes || (*minutes >= 0 && *minutes <= 14'400);
+}
+
+PowerSupply supplyOf(std::string_view text) {
+    PowerSupply supply;
+    while (!text.empty()) {
+        const std::string_view line = text.substr(0, text.find('\n'));
+        text.remove_prefix(line.size() < text.size() ? line.size() + 1 : line.size());
+        if (const std::size_t sign = line.find('='); sign != std::string_view::npos) {
+            supply.take(line.substr(0, sign), std::string(line.substr(sign + 1)) + "\n");
+        }
+    }
+    return supply;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0) {
+        return 0;
+    }
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const PowerSupply supply = supplyOf(text.substr(1));
+    const std::optional<bool> outside = text[0] == '0'   ? std::optional(false)
+                                        : text[0] == '1' ? std::optional(true)
+                                                         : std::nullopt;
+    require(!supply.isSystemBattery() || !supply.suppliesFromOutside());
+    require(isPercentage(tarnwick::platform::chargeLevel(supply), 0));
+    require(isPercentage(tarnwick::platform::healthPercentage(supply), 1));
+    require(tarnwick::platform::cyclesOf(supply).value_or(1) >= 1);
+    for (const char c : tarnwick::platform::conditionWord(supply)) {
+        require(c >= ' ' && c <= '~');
+    }
+    if (const auto source = tarnwick::platform::describe(supply, outside)) {
+        require(source->currentCapacity.has_value() && isPercentage(source->currentCapacity, 0));
+        require(isTime(source->timeToEmpty) && isTime(source->timeToFullCharge));
+        require(!source->timeToEmpty || !source->timeToFullCharge);
+        require(!source->isCharging.value() || source->powerSourceState == "AC Power");
+    }
+    return 0;
+}

@@ -1,0 +1,15 @@
+// The live state of the battery from the power source descriptions.
+#pragma once
+
+#include <optional>
+
+#include "core/metric_records.h"
+#include "platform/power_sources.h"
+
+namespace tarnwick {
+
+/// The first internal battery. Absent when the system does not say; a record without a battery
+/// when it says that there is none. Any thread.
+std::optional<BatteryInfo> readPowerSources(platform::PowerSources& sources);
+
+}  // namespace tarnwick
