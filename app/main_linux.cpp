@@ -13,6 +13,7 @@
 #include "platform/linux/desktop/quit_signals.h"
 #include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/desktop/single_instance.h"
+#include "platform/linux/desktop/sleep_signals.h"
 #include "platform/linux/desktop/toolkit_environment.h"
 #include "platform/linux/linux_kernel.h"
 #include "platform/linux/linux_power_sources.h"
@@ -108,6 +109,10 @@ int run(QApplication& application) {
                      .quit = quit});
     instance.setOpenPanel([&panel, &item] { panel.open(panelAnchor(item)); });
     const platform::QuitSignals quitSignals(quit);
+
+    // The figures from before the sleep are old ones.
+    const platform::SleepSignals sleepSignals(QDBusConnection::systemBus(),
+                                              [&app] { app.statsManager().refreshNow(); });
 
     app.appDelegate().applicationDidFinishLaunching();
     const int status = application.exec();

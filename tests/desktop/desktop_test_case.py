@@ -11,6 +11,8 @@ from private_desktop.processes import end_on_signals
 # The ground of the panel.
 LIGHT = (0xFB, 0xFB, 0xFC)
 DARK = (0x23, 0x23, 0x26)
+# More than waking up reads, less than a refresh.
+REFRESH_BYTES = 1000
 
 
 class DesktopTestCase(unittest.TestCase):
@@ -90,6 +92,11 @@ class DesktopTestCase(unittest.TestCase):
         os.makedirs(folder, exist_ok=True)
         self.desktop.screen.picture().save(
             os.path.join(folder, self.id().rpartition(".")[2] + ".png"))
+
+
+def bytes_read(program):
+    with open(f"/proc/{program.pid}/io", encoding="ascii") as file:
+        return int(file.readline().split()[1])
 
 
 def ground(picture):

@@ -2,16 +2,8 @@
 
 import time
 
-from desktop_test_case import DARK, LIGHT, DesktopTestCase, ground, main
-
-
-def bytes_read(program):
-    with open(f"/proc/{program.pid}/io", encoding="ascii") as file:
-        return int(file.readline().split()[1])
-
-
-# More than waking up reads, less than a refresh.
-REFRESH_BYTES = 1000
+from desktop_test_case import (DARK, LIGHT, REFRESH_BYTES, DesktopTestCase, bytes_read, ground,
+                               main)
 
 
 class PanelTest(DesktopTestCase):

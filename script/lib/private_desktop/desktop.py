@@ -119,6 +119,8 @@ class PrivateDesktop:
             "HOME": self.path("home"),
             "XDG_RUNTIME_DIR": self.path("runtime"),
             "TMPDIR": self.path("tmp"),
+            # There is none, and the machine's own is none of this desktop's business.
+            "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=" + self.path("runtime/no_system_bus"),
             "FONTCONFIG_FILE": self.path("fonts.conf"),
             # No accessibility bus, settings daemon or virtual file system comes along.
             "NO_AT_BRIDGE": "1",
