@@ -16,6 +16,7 @@
 #include "platform/linux/desktop/sleep_signals.h"
 #include "platform/linux/desktop/toolkit_environment.h"
 #include "platform/linux/linux_kernel.h"
+#include "platform/linux/linux_network_interfaces.h"
 #include "platform/linux/linux_power_sources.h"
 #include "platform/linux/linux_process_info.h"
 #include "platform/linux/linux_volumes.h"
@@ -48,6 +49,7 @@ void installPlatform(platform::UserDefaults& userDefaults) {
     platform::install({
         .kernel = new platform::LinuxKernel(),
         .volumes = new platform::LinuxVolumes(),
+        .networkInterfaces = new platform::LinuxNetworkInterfaces(),
         .processInfo = new platform::LinuxProcessInfo(),
         .powerSources = powerSources,
         .batteryHealth = powerSources,

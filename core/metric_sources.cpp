@@ -3,6 +3,7 @@
 #include "platform/platform.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
+#include "services/network_service.h"
 #include "services/storage_service.h"
 #include "services/system_uptime.h"
 
@@ -15,7 +16,7 @@ MetricSources MetricSources::shared() {
         .readCPUInfo = [] { return CPUService::shared().readCPUInfo(); },
         .readGPUInfo = [] { return GPUInfo{}; },
         .readMemoryInfo = [] { return MemoryService::shared().readMemoryInfo(); },
-        .readNetworkInfo = [] { return NetworkInfo{}; },
+        .readNetworkInfo = [] { return NetworkService::shared().readNetworkInfo(); },
         .readTopProcesses = [](int) { return TopProcesses{}; },
         .pruneStaleProcesses = [] {},
         .readStorageInfo = [&volumes] { return StorageService(volumes).readStorageInfo(); },

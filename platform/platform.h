@@ -5,6 +5,7 @@
 #include "platform/dispatch.h"
 #include "platform/kernel.h"
 #include "platform/login_service.h"
+#include "platform/network_interfaces.h"
 #include "platform/power_sources.h"
 #include "platform/process_info.h"
 #include "platform/user_defaults.h"
@@ -16,6 +17,7 @@ namespace tarnwick::platform {
 struct Platform {
     Kernel* kernel = nullptr;
     Volumes* volumes = nullptr;
+    NetworkInterfaces* networkInterfaces = nullptr;
     ProcessInfo* processInfo = nullptr;
     PowerSources* powerSources = nullptr;
     BatteryHealth* batteryHealth = nullptr;

@@ -1,19 +1,8 @@
 #include "services/kernel_records.h"
 
-#include <cstring>
+#include "services/number_at.h"
 
 namespace tarnwick {
-namespace {
-
-/// The number at `offset`; the caller has made sure that it lies within the bytes.
-template <class T>
-T numberAt(std::span<const std::byte> bytes, std::size_t offset) {
-    T number{};
-    std::memcpy(&number, bytes.subspan(offset, sizeof number).data(), sizeof number);
-    return number;
-}
-
-}  // namespace
 
 std::optional<std::vector<processor_cpu_load_info>> decodeProcessorLoads(
     std::uint32_t processorCount, std::span<const std::uint32_t> words) {

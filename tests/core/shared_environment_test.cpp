@@ -9,6 +9,7 @@
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_kernel.h"
 #include "platform/testing/scripted_login_service.h"
+#include "platform/testing/scripted_network_interfaces.h"
 #include "platform/testing/scripted_power_sources.h"
 #include "platform/testing/scripted_volumes.h"
 #include "services/battery_service.h"
@@ -20,6 +21,7 @@ namespace {
 struct Machine {
     platform::testing::ScriptedKernel kernel;
     platform::testing::ScriptedVolumes volumes;
+    platform::testing::ScriptedNetworkInterfaces networkInterfaces;
     platform::testing::ScriptedPowerSources powerSources;
     platform::testing::MemoryUserDefaults store;
     platform::testing::ScriptedLoginService loginService;
@@ -31,6 +33,7 @@ struct Machine {
             platform::Platform platform;
             platform.kernel = &made->kernel;
             platform.volumes = &made->volumes;
+            platform.networkInterfaces = &made->networkInterfaces;
             platform.powerSources = &made->powerSources;
             platform.batteryHealth = &made->powerSources;
             platform.userDefaults = &made->store;
@@ -40,6 +43,7 @@ struct Machine {
             made->kernel.answers.logicalCPUCount.set(8);
             made->kernel.answers.memorySize.set(4096);
             made->kernel.answers.bootTime.set(platform::TimeValue{.seconds = 400});
+            made->networkInterfaces.answers.interfaceCounters.set({{{1, {600, 700, false}}}});
             made->kernel.setWallClockSeconds(1000);
             made->volumes.answers.attributesOfFileSystemForPath.set(
                 platform::FileSystemAttributes{.size = 500, .freeSize = 200});
@@ -54,6 +58,7 @@ TEST(MetricSources, ReadTheCurrentPlatform) {
     const MetricSources sources = MetricSources::shared();
     EXPECT_EQ(sources.readCPUInfo().coreCount, 8);
     EXPECT_EQ(sources.readMemoryInfo().total, 4096u);
+    EXPECT_EQ(sources.readNetworkInfo().totalReceivedBytes, 600u);
     EXPECT_EQ(sources.readStorageInfo().totalSpace, 500);
     EXPECT_EQ(sources.readUptime(), 600);
 }
@@ -62,7 +67,6 @@ TEST(MetricSources, WithoutASamplerGiveTheEmptyRecords) {
     Machine::installed();
     const MetricSources sources = MetricSources::shared();
     EXPECT_FALSE(sources.readGPUInfo().isAvailable);
-    EXPECT_FALSE(sources.readNetworkInfo().hasSample);
     EXPECT_TRUE(sources.readTopProcesses(3).byCPU.empty());
     EXPECT_TRUE(sources.readTopProcesses(3).byMemory.empty());
     sources.pruneStaleProcesses();
@@ -75,6 +79,7 @@ TEST(SharedStatsManager, RunsOnTheCurrentPlatformWithTheSharedSettings) {
     machine.dispatch.runMain();
     EXPECT_EQ(manager.cpuInfo->coreCount, 8);
     EXPECT_EQ(manager.memoryInfo->total, 4096u);
+    EXPECT_EQ(manager.networkInfo->totalSentBytes, 700u);
     EXPECT_EQ(manager.storageInfo->at(0).usedSpace, 300);
     EXPECT_EQ(manager.systemInfo->uptime, 600);
     EXPECT_EQ(manager.cpuUsageHistory->at(0).timestamp, 1000);

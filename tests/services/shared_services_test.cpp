@@ -10,10 +10,12 @@
 #include "platform/platform.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_kernel.h"
+#include "platform/testing/scripted_network_interfaces.h"
 #include "platform/testing/scripted_power_sources.h"
 #include "services/battery_service.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
+#include "services/network_service.h"
 
 namespace tarnwick {
 namespace {
@@ -21,6 +23,7 @@ namespace {
 /// The machine under the process-wide instances, which keep it for good.
 struct Machine {
     platform::testing::ScriptedKernel kernel;
+    platform::testing::ScriptedNetworkInterfaces networkInterfaces;
     platform::testing::ScriptedPowerSources powerSources;
     platform::testing::MemoryUserDefaults store;
 
@@ -29,6 +32,7 @@ struct Machine {
             auto* made = new Machine;
             platform::Platform platform;
             platform.kernel = &made->kernel;
+            platform.networkInterfaces = &made->networkInterfaces;
             platform.powerSources = &made->powerSources;
             platform.batteryHealth = &made->powerSources;
             platform.userDefaults = &made->store;
@@ -68,6 +72,21 @@ TEST(SharedServices, TheMemoryServiceIsMadeOnFirstUse) {
 
     kernel.answers.memorySize.set(1234);
     EXPECT_EQ(service.readMemoryInfo().total, 1234U);
+}
+
+TEST(SharedServices, TheNetworkServiceIsOneInstanceThatKeepsItsSnapshot) {
+    Machine& machine = Machine::installed();
+    machine.kernel.setMonotonicSeconds(10);
+    machine.networkInterfaces.answers.interfaceCounters.set({{{1, {100, 10, false}}}});
+    NetworkService& service = NetworkService::shared();
+    EXPECT_EQ(&service, &NetworkService::shared());
+    EXPECT_FALSE(service.readNetworkInfo().hasSample);
+
+    machine.kernel.setMonotonicSeconds(14);
+    machine.networkInterfaces.answers.interfaceCounters.set({{{1, {900, 50, false}}}});
+    const NetworkInfo info = NetworkService::shared().readNetworkInfo();
+    EXPECT_DOUBLE_EQ(info.downloadBytesPerSecond, 200);
+    EXPECT_DOUBLE_EQ(info.uploadBytesPerSecond, 10);
 }
 
 TEST(SharedServices, TheBatteryServiceIsOneInstance) {
@@ -113,19 +132,20 @@ TEST(SharedServices, ThreadsThatComeTogetherFindTheSameInstances) {
     installedKernel();
     constexpr std::size_t kThreads = 4;
     std::latch start(kThreads);
-    std::vector<const void*> found(3 * kThreads);
+    std::vector<const void*> found(4 * kThreads);
     {
         std::vector<std::jthread> threads;
         for (std::size_t i = 0; i < kThreads; ++i) {
             threads.emplace_back([&, i] {
                 start.arrive_and_wait();
-                found[3 * i] = &CPUService::shared();
-                found[3 * i + 1] = &MemoryService::shared();
-                found[3 * i + 2] = BatteryService::shared().get();
+                found[4 * i] = &CPUService::shared();
+                found[4 * i + 1] = &MemoryService::shared();
+                found[4 * i + 2] = BatteryService::shared().get();
+                found[4 * i + 3] = &NetworkService::shared();
             });
         }
     }
-    EXPECT_EQ(std::set(found.begin(), found.end()).size(), 3U);
+    EXPECT_EQ(std::set(found.begin(), found.end()).size(), 4U);
 }
 
 }  // namespace

@@ -1,0 +1,30 @@
+// The kernel's text files about network interfaces.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace tarnwick::platform {
+
+/// One interface of /proc/net/dev.
+struct NetworkDevice {
+    /// Fit to name a file. Points into the text.
+    std::string_view name;
+    /// Bytes received and sent.
+    std::uint64_t received = 0;
+    std::uint64_t sent = 0;
+};
+
+/// Every interface of /proc/net/dev in the order of the file. Absent when it is damaged anywhere:
+/// it comes whole or not at all.
+std::optional<std::vector<NetworkDevice>> parseNetworkDevices(std::string_view text);
+
+/// /sys/class/net/NAME/ifindex. Absent for anything but a number above 0.
+std::optional<std::uint32_t> parseInterfaceIndex(std::string_view text);
+
+/// /sys/class/net/NAME/flags, such as "0x1003". Absent for anything else.
+std::optional<std::uint32_t> parseInterfaceFlags(std::string_view text);
+
+}  // namespace tarnwick::platform
