@@ -8,6 +8,7 @@
 #include "platform/network_interfaces.h"
 #include "platform/power_sources.h"
 #include "platform/process_info.h"
+#include "platform/process_table.h"
 #include "platform/user_defaults.h"
 #include "platform/volumes.h"
 
@@ -21,6 +22,7 @@ struct Platform {
     ProcessInfo* processInfo = nullptr;
     PowerSources* powerSources = nullptr;
     BatteryHealth* batteryHealth = nullptr;
+    ProcessTable* processTable = nullptr;
     UserDefaults* userDefaults = nullptr;
     LoginService* loginService = nullptr;
     ByteCountFormatter* byteCountFormatter = nullptr;

@@ -12,10 +12,12 @@
 #include "platform/testing/scripted_kernel.h"
 #include "platform/testing/scripted_network_interfaces.h"
 #include "platform/testing/scripted_power_sources.h"
+#include "platform/testing/scripted_process_table.h"
 #include "services/battery_service.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
 #include "services/network_service.h"
+#include "services/process_service.h"
 
 namespace tarnwick {
 namespace {
@@ -25,6 +27,7 @@ struct Machine {
     platform::testing::ScriptedKernel kernel;
     platform::testing::ScriptedNetworkInterfaces networkInterfaces;
     platform::testing::ScriptedPowerSources powerSources;
+    platform::testing::ScriptedProcessTable processTable;
     platform::testing::MemoryUserDefaults store;
 
     static Machine& installed() {
@@ -35,6 +38,7 @@ struct Machine {
             platform.networkInterfaces = &made->networkInterfaces;
             platform.powerSources = &made->powerSources;
             platform.batteryHealth = &made->powerSources;
+            platform.processTable = &made->processTable;
             platform.userDefaults = &made->store;
             platform::install(platform);
             return made;
@@ -89,6 +93,14 @@ TEST(SharedServices, TheNetworkServiceIsOneInstanceThatKeepsItsSnapshot) {
     EXPECT_DOUBLE_EQ(info.uploadBytesPerSecond, 10);
 }
 
+TEST(SharedServices, TheProcessServiceIsOneInstanceOnTheInstalledPlatform) {
+    Machine::installed().processTable.processes = {
+        {.identifier = 7, .command = "big", .task{{.residentSize = 5'000'000}}}};
+    ProcessService& service = ProcessService::shared();
+    EXPECT_EQ(&service, &ProcessService::shared());
+    ASSERT_EQ(service.readTopProcesses(3).memory.size(), 1U);
+}
+
 TEST(SharedServices, TheBatteryServiceIsOneInstance) {
     Machine::installed();
     const auto service = BatteryService::shared();
@@ -132,20 +144,21 @@ TEST(SharedServices, ThreadsThatComeTogetherFindTheSameInstances) {
     installedKernel();
     constexpr std::size_t kThreads = 4;
     std::latch start(kThreads);
-    std::vector<const void*> found(4 * kThreads);
+    std::vector<const void*> found(5 * kThreads);
     {
         std::vector<std::jthread> threads;
         for (std::size_t i = 0; i < kThreads; ++i) {
             threads.emplace_back([&, i] {
                 start.arrive_and_wait();
-                found[4 * i] = &CPUService::shared();
-                found[4 * i + 1] = &MemoryService::shared();
-                found[4 * i + 2] = BatteryService::shared().get();
-                found[4 * i + 3] = &NetworkService::shared();
+                found[5 * i] = &CPUService::shared();
+                found[5 * i + 1] = &MemoryService::shared();
+                found[5 * i + 2] = BatteryService::shared().get();
+                found[5 * i + 3] = &NetworkService::shared();
+                found[5 * i + 4] = &ProcessService::shared();
             });
         }
     }
-    EXPECT_EQ(std::set(found.begin(), found.end()).size(), 4U);
+    EXPECT_EQ(std::set(found.begin(), found.end()).size(), 5U);
 }
 
 }  // namespace

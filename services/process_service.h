@@ -1,0 +1,88 @@
+// The processes that use most of the processors and of the memory.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <unordered_map>
+#include <vector>
+
+#include "core/metric_records.h"
+#include "platform/kernel.h"
+#include "platform/log.h"
+#include "platform/process_table.h"
+
+namespace tarnwick {
+
+/// The rows of one pass, each list in falling order.
+struct TopProcessLists {
+    std::vector<AppProcessInfo> cpu;
+    std::vector<AppProcessInfo> memory;
+};
+
+/// Measures every process at each call, from the change of its cumulative processor time since the
+/// call before. A share is of the whole machine: one busy processor of eight is 12.5. Any thread.
+class ProcessService {
+ public:
+    /// `kernel` gives the clock.
+    ProcessService(platform::ProcessTable& table, platform::Kernel& kernel,
+                   platform::Logger logger = platform::Logger());
+
+    /// The process-wide instance on the current platform, made on first use, never destroyed.
+    static ProcessService& shared();
+
+    /// At most `limit` rows a list, without the program itself; a negative limit is a fatal error.
+    /// Two processes of one application are two rows. A process that is seen for the first time
+    /// reads 0. When the processes cannot be listed, at the second try either, the lists of the
+    /// last call that could stand again.
+    TopProcessLists readTopProcesses(int limit);
+
+    /// Forgets the times of processes that were last measured 60 seconds ago or earlier.
+    void pruneStaleProcesses();
+
+    /// No call of readTopProcesses() is expected soon: lets go of what the platform keeps open
+    /// between calls. What was measured stays.
+    void releaseCaches();
+
+ private:
+    /// When a process had used how much.
+    struct CPUTimes {
+        /// Cumulative, absolute-time units.
+        std::uint64_t user = 0;
+        std::uint64_t system = 0;
+        /// Seconds of the raw monotonic clock.
+        double time = 0;
+    };
+    struct Measurement {
+        /// Percent of the whole machine.
+        double cpuUsage = 0;
+        /// Bytes.
+        std::uint64_t residentSize = 0;
+    };
+    /// What does not change while the program runs.
+    struct Constants {
+        double processorCount = 1;
+        /// Nanoseconds of one absolute-time unit.
+        double timebaseRatio = 1;
+    };
+
+    std::vector<AppProcessInfo> enumerate();
+    Measurement measure(platform::ProcessEntry& process);
+    double percentage(const CPUTimes& previous, const CPUTimes& current);
+    const Constants& constants();
+    void nameRows(TopProcessLists& lists);
+
+    platform::ProcessTable& table_;
+    platform::Kernel& kernel_;
+    platform::Logger logger_;
+    std::once_flag constantsRead_;
+    Constants constants_;
+    /// Never held while the platform lists, measures or names processes.
+    std::mutex lock;
+    // Guarded by `lock`.
+    std::unordered_map<std::int32_t, CPUTimes> previousProcessCPU;
+    TopProcessLists previousTopLists;
+};
+
+}  // namespace tarnwick

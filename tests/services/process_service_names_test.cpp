@@ -1,0 +1,99 @@
+// How the rows of the process lists get their names.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <vector>
+
+#include "platform/testing/scripted_kernel.h"
+#include "platform/testing/scripted_process_table.h"
+#include "services/process_service.h"
+
+namespace tarnwick {
+namespace {
+
+using testing::ElementsAre;
+using testing::Field;
+
+constexpr std::uint64_t kBig = 1'000'000;
+
+class ProcessServiceNames : public testing::Test {
+ protected:
+    ProcessServiceNames() {
+        // By processor use 1 before 2 before 3, by memory 3 before 2 before 1.
+        table.processes = {{.identifier = 1, .command = "one", .task{{.residentSize = kBig}}},
+                           {.identifier = 2, .command = "two", .task{{.residentSize = 2 * kBig}}},
+                           {.identifier = 3, .command = "six", .task{{.residentSize = 3 * kBig}}}};
+    }
+
+    std::vector<std::string> lookups() {
+        std::vector<std::string> found;
+        for (const std::string& call : table.calls()) {
+            if (call.starts_with("runningApplication")) {
+                found.push_back(call);
+            }
+        }
+        return found;
+    }
+
+    platform::testing::ScriptedProcessTable table;
+    platform::testing::ScriptedKernel kernel;
+    ProcessService service{table, kernel};
+};
+
+TEST_F(ProcessServiceNames, TheCPUListIsNamedBeforeTheMemoryListAndEachProcessOnce) {
+    service.readTopProcesses(2);
+    EXPECT_THAT(lookups(), ElementsAre("runningApplication 1", "runningApplication 2",
+                                       "runningApplication 3"));
+}
+
+TEST_F(ProcessServiceNames, OnlyTheRowsThatAreShownAreLookedUp) {
+    service.readTopProcesses(1);
+    EXPECT_THAT(lookups(), ElementsAre("runningApplication 1", "runningApplication 3"));
+}
+
+TEST_F(ProcessServiceNames, AProcessInBothListsHasOneNameEvenIfItsLookUpWouldChange) {
+    table.duringCall = [this](const std::string& call) {
+        if (call == "runningApplication 1") {
+            table.applications[1].localizedName->append("!");
+        }
+    };
+    table.applications[1] = {.localizedName = "Maps"};
+    const TopProcessLists lists = service.readTopProcesses(3);
+    EXPECT_EQ(lists.cpu.at(0).name, "Maps!");
+    EXPECT_EQ(lists.memory.at(2).name, "Maps!");
+}
+
+TEST_F(ProcessServiceNames, ANameIsLookedUpAgainAtTheNextCall) {
+    table.applications[1] = {.localizedName = "Maps"};
+    service.readTopProcesses(1);
+    table.applications[1] = {.localizedName = "Charts"};
+    EXPECT_EQ(service.readTopProcesses(1).cpu.at(0).name, "Charts");
+}
+
+TEST_F(ProcessServiceNames, WithoutAnApplicationNameTheCommandStays) {
+    const TopProcessLists lists = service.readTopProcesses(3);
+    EXPECT_THAT(lists.cpu, ElementsAre(Field(&AppProcessInfo::name, "one"),
+                                       Field(&AppProcessInfo::name, "two"),
+                                       Field(&AppProcessInfo::name, "six")));
+}
+
+TEST_F(ProcessServiceNames, AnEmptyNameOfThePlatformIsTakenAsItIs) {
+    table.applications[1] = {.localizedName = ""};
+    EXPECT_EQ(service.readTopProcesses(1).cpu.at(0).name, "");
+}
+
+TEST_F(ProcessServiceNames, ACommandThatIsNotUTF8IsRepaired) {
+    table.processes = {{.identifier = 1, .command = "caf\xC3", .task{{.residentSize = kBig}}}};
+    EXPECT_EQ(service.readTopProcesses(1).cpu.at(0).name, "caf\xEF\xBF\xBD");
+}
+
+TEST_F(ProcessServiceNames, ThePreviousListsKeepTheirNames) {
+    table.applications[1] = {.localizedName = "Maps"};
+    service.readTopProcesses(1);
+    table.applications.clear();
+    table.processes.clear();
+    EXPECT_EQ(service.readTopProcesses(1).cpu.at(0).name, "Maps");
+}
+
+}  // namespace
+}  // namespace tarnwick
