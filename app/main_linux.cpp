@@ -19,6 +19,7 @@
 #include "platform/linux/linux_network_interfaces.h"
 #include "platform/linux/linux_power_sources.h"
 #include "platform/linux/linux_process_info.h"
+#include "platform/linux/linux_process_table.h"
 #include "platform/linux/linux_volumes.h"
 #include "platform/linux/sqlite_user_defaults.h"
 #include "platform/linux/standard_error.h"
@@ -53,6 +54,7 @@ void installPlatform(platform::UserDefaults& userDefaults) {
         .processInfo = new platform::LinuxProcessInfo(),
         .powerSources = powerSources,
         .batteryHealth = powerSources,
+        .processTable = new platform::LinuxProcessTable(),
         .userDefaults = &userDefaults,
         .loginService = new platform::NullLoginService(),
         .byteCountFormatter = new platform::PlainByteCountFormatter(),

@@ -1,9 +1,12 @@
 #include "core/metric_sources.h"
 
+#include <utility>
+
 #include "platform/platform.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
 #include "services/network_service.h"
+#include "services/process_service.h"
 #include "services/storage_service.h"
 #include "services/system_uptime.h"
 
@@ -17,8 +20,14 @@ MetricSources MetricSources::shared() {
         .readGPUInfo = [] { return GPUInfo{}; },
         .readMemoryInfo = [] { return MemoryService::shared().readMemoryInfo(); },
         .readNetworkInfo = [] { return NetworkService::shared().readNetworkInfo(); },
-        .readTopProcesses = [](int) { return TopProcesses{}; },
-        .pruneStaleProcesses = [] {},
+        .readTopProcesses =
+            [](int limit) {
+                TopProcessLists lists = ProcessService::shared().readTopProcesses(limit);
+                return TopProcesses{.byCPU = std::move(lists.cpu),
+                                    .byMemory = std::move(lists.memory)};
+            },
+        .pruneStaleProcesses = [] { ProcessService::shared().pruneStaleProcesses(); },
+        .releaseProcessCaches = [] { ProcessService::shared().releaseCaches(); },
         .readStorageInfo = [&volumes] { return StorageService(volumes).readStorageInfo(); },
         .readUptime = [&kernel] { return tarnwick::readUptime(kernel); },
     };

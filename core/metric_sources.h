@@ -23,6 +23,8 @@ struct MetricSources {
     /// Takes the greatest number of rows a list may have.
     std::function<TopProcesses(int)> readTopProcesses;
     std::function<void()> pruneStaleProcesses;
+    /// Lets go of what process lists keep between two calls; none is wanted at present.
+    std::function<void()> releaseProcessCaches;
     std::function<StorageInfo()> readStorageInfo;
     /// Seconds since boot.
     std::function<double()> readUptime;

@@ -20,6 +20,10 @@ FastRefreshSnapshot measureFast(const MetricSources& sources, bool includeProces
         TopProcesses processes = sources.readTopProcesses(StatsManager::kTopProcessLimit);
         snapshot.topCPUProcesses = std::move(processes.byCPU);
         snapshot.topMemoryProcesses = std::move(processes.byMemory);
+    } else {
+        // In the refresh rather than when the panel goes: a refresh that still gathers them may be
+        // under way then.
+        sources.releaseProcessCaches();
     }
     return snapshot;
 }

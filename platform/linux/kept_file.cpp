@@ -13,10 +13,15 @@ namespace {
 // Far above what any machine has in these files; a guard against reading without end.
 constexpr std::size_t largestFile = std::size_t{16} << 20;
 
+constexpr int openingFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
 }  // namespace
 
 FileDescriptor::FileDescriptor(const std::string& path)
-    : descriptor_(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK)) {}
+    : descriptor_(::open(path.c_str(), openingFlags)) {}
+
+FileDescriptor::FileDescriptor(const FileDescriptor& folder, const char* relative)
+    : descriptor_(::openat(folder.get(), relative, openingFlags)) {}
 
 FileDescriptor::FileDescriptor(FileDescriptor&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)) {}

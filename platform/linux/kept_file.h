@@ -15,6 +15,8 @@ class FileDescriptor {
     FileDescriptor() = default;
     /// Opens for reading; errno says why when the result is not open.
     explicit FileDescriptor(const std::string& path);
+    /// The same for a path relative to an open folder.
+    FileDescriptor(const FileDescriptor& folder, const char* relative);
     FileDescriptor(FileDescriptor&& other) noexcept;
     FileDescriptor& operator=(FileDescriptor&& other) noexcept;
     ~FileDescriptor();

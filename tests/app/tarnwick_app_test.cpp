@@ -28,6 +28,7 @@ class TarnwickAppTest : public testing::Test {
                 .readNetworkInfo = [] { return NetworkInfo{}; },
                 .readTopProcesses = [](int) { return TopProcesses{}; },
                 .pruneStaleProcesses = [] {},
+                .releaseProcessCaches = [] {},
                 .readStorageInfo =
                     [] {
                         StorageInfo volume;

@@ -1,6 +1,8 @@
 // The process-wide samplers and the manager that runs on them.
 #include <gtest/gtest.h>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "core/metric_sources.h"
 #include "core/stats_manager.h"
@@ -11,6 +13,7 @@
 #include "platform/testing/scripted_login_service.h"
 #include "platform/testing/scripted_network_interfaces.h"
 #include "platform/testing/scripted_power_sources.h"
+#include "platform/testing/scripted_process_table.h"
 #include "platform/testing/scripted_volumes.h"
 #include "services/battery_service.h"
 
@@ -26,6 +29,7 @@ struct Machine {
     platform::testing::MemoryUserDefaults store;
     platform::testing::ScriptedLoginService loginService;
     platform::testing::ManualDispatch dispatch;
+    platform::testing::ScriptedProcessTable processTable;
 
     static Machine& installed() {
         static Machine& machine = *[] {
@@ -39,6 +43,7 @@ struct Machine {
             platform.userDefaults = &made->store;
             platform.loginService = &made->loginService;
             platform.dispatch = &made->dispatch;
+            platform.processTable = &made->processTable;
             platform::install(platform);
             made->kernel.answers.logicalCPUCount.set(8);
             made->kernel.answers.memorySize.set(4096);
@@ -67,9 +72,36 @@ TEST(MetricSources, WithoutASamplerGiveTheEmptyRecords) {
     Machine::installed();
     const MetricSources sources = MetricSources::shared();
     EXPECT_FALSE(sources.readGPUInfo().isAvailable);
-    EXPECT_TRUE(sources.readTopProcesses(3).byCPU.empty());
-    EXPECT_TRUE(sources.readTopProcesses(3).byMemory.empty());
+}
+
+TEST(MetricSources, ListTheProcessesOfTheCurrentPlatform) {
+    auto& table = Machine::installed().processTable;
+    table.processes = {{.identifier = 7, .command = "big", .task{{.residentSize = 2'000'000}}},
+                       {.identifier = 8, .command = "small", .task{{.residentSize = 1'000'000}}}};
+    const MetricSources sources = MetricSources::shared();
+    Machine::installed().kernel.setMonotonicSeconds(0);
+    const TopProcesses first = sources.readTopProcesses(1);
+    ASSERT_EQ(first.byMemory.size(), 1u);
+    EXPECT_EQ(first.byMemory[0].name, "big");
+
+    // One second of processor time in ten seconds.
+    table.processes[1].task->totalUser = 1'000'000'000;
+    Machine::installed().kernel.setMonotonicSeconds(10);
+    const TopProcesses second = sources.readTopProcesses(1);
+    ASSERT_EQ(second.byCPU.size(), 1u);
+    EXPECT_EQ(second.byCPU[0].name, "small");
+    EXPECT_DOUBLE_EQ(second.byCPU[0].cpuUsage, 10);
+
+    // Forgotten after a minute.
+    Machine::installed().kernel.setMonotonicSeconds(70);
     sources.pruneStaleProcesses();
+    table.processes[1].task->totalUser = 2'000'000'000;
+    Machine::installed().kernel.setMonotonicSeconds(80);
+    EXPECT_EQ(sources.readTopProcesses(1).byCPU[0].cpuUsage, 0);
+
+    table.clearCalls();
+    sources.releaseProcessCaches();
+    EXPECT_EQ(table.calls(), (std::vector<std::string>{"releaseCaches"}));
 }
 
 TEST(SharedStatsManager, RunsOnTheCurrentPlatformWithTheSharedSettings) {

@@ -208,6 +208,7 @@ TEST_F(StatsManagerApply, TheDetectionCompletesOnAMachineWithoutABattery) {
                                                   .readNetworkInfo = [] { return NetworkInfo{}; },
                                                   .readTopProcesses = {},
                                                   .pruneStaleProcesses = {},
+                                                  .releaseProcessCaches = [] {},
                                                   .readStorageInfo = [] { return StorageInfo{}; },
                                                   .readUptime = [] { return 0.0; }},
                                                  [] { return 0.0; },

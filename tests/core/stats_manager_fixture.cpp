@@ -154,6 +154,7 @@ MetricSources StatsManagerTest::sources() {
                 return processes;
             },
         .pruneStaleProcesses = [this] { record("prune"); },
+        .releaseProcessCaches = [this] { ++cacheReleases; },
         .readStorageInfo =
             [this] {
                 record("storage");

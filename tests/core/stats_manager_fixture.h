@@ -116,6 +116,8 @@ class StatsManagerTest : public ::testing::Test {
 
     /// Every call of a sampler, in order. Each must come from the background.
     Calls calls;
+    /// How often the process sampler was told to let go of what it keeps; in no other record.
+    int cacheReleases = 0;
     /// Where given, runs inside each call, as if that took long.
     std::function<void(const std::string& call)> duringCall;
 

@@ -129,6 +129,7 @@ class StatsManagerGrowth : public ::testing::Test {
                     return processes;
                 },
             .pruneStaleProcesses = [] {},
+            .releaseProcessCaches = [] {},
             .readStorageInfo =
                 [] {
                     StorageInfo info;

@@ -104,5 +104,33 @@ TEST_F(StatsManagerPrune, ARefreshStartedWhileVisibleCountsEvenIfThePanelHasGone
     EXPECT_EQ(count("prune"), 1u);
 }
 
+TEST_F(StatsManagerPrune, TheFirstRefreshAfterThePanelHasGoneLetsGoOfWhatTheListsKeep) {
+    const auto manager = makeSettled();
+    manager->popoverDidAppear();
+    settle();
+    cacheReleases = 0;
+    refresh(*manager, 3);
+    manager->popoverDidDisappear();
+    settle();
+    EXPECT_EQ(cacheReleases, 0);
+    refresh(*manager, 1);
+    EXPECT_EQ(cacheReleases, 1);
+}
+
+TEST_F(StatsManagerPrune, AListRefreshStillUnderWayWhenThePanelGoesIsFollowedByTheRelease) {
+    const auto manager = makeSettled();
+    manager->popoverDidAppear();
+    settle();
+    cacheReleases = 0;
+    manager->refreshFast();
+    manager->popoverDidDisappear();
+    manager->refreshFast();
+    takeCalls();
+    settle();
+    EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "memory", "network", "processes 3", "cpu", "gpu",
+                                  "memory", "network"}));
+    EXPECT_EQ(cacheReleases, 1);
+}
+
 }  // namespace
 }  // namespace tarnwick::testing

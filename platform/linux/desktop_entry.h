@@ -1,0 +1,30 @@
+// The files that describe applications to desktops.
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace tarnwick::platform {
+
+struct DesktopEntry {
+    /// Valid UTF-8, never empty.
+    std::string name;
+    /// It is offered in menus.
+    bool isShown = true;
+};
+
+/// Suffixes of localised keys for the user's language, the likeliest first: for "de_AT@euro" that
+/// is "de_AT@euro", "de_AT", "de@euro", "de". `environment` gives a variable's value or null.
+std::vector<std::string> localeSuffixes(const std::function<const char*(const char*)>& environment);
+
+/// The application that the text of a desktop entry describes, with the name for the first of the
+/// suffixes that it has one for, else its general name. Absent when it describes none, says that it
+/// was removed, or is damaged.
+std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
+                                              std::span<const std::string> suffixes);
+
+}  // namespace tarnwick::platform
