@@ -1,0 +1,22 @@
+// Work beside the floor it stands on: the system calls that it cannot do without.
+#pragma once
+
+#include <benchmark/benchmark.h>
+#include <span>
+
+namespace tarnwick::benchmarks {
+
+struct Pair {
+    const char* name;
+    void (*work)(benchmark::State&);
+    void (*floor)(benchmark::State&);
+    /// Greatest ratio of work to floor.
+    double budget;
+};
+
+/// Runs all pairs with the options of the benchmark library, in an order that is mixed anew for
+/// each repetition, and prints the ratios of the medians of processor time. Gives the exit status:
+/// with --check among the options other than 0 when a ratio is above its budget.
+int runPairs(int argc, char** argv, std::span<const Pair> pairs);
+
+}  // namespace tarnwick::benchmarks
