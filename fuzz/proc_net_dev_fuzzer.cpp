@@ -1,0 +1,31 @@
+// Any text as the kernel's table of network interfaces, and as an interface's index and flags.
+#include <cstdint>
+#include <string_view>
+
+#include "fuzz/fuzzer.h"
+#include "platform/linux/proc_net_dev.h"
+
+using tarnwick::fuzz::require;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    if (const auto devices = tarnwick::platform::parseNetworkDevices(text)) {
+        require(text.ends_with('\n'));
+        std::size_t lines = 0;
+        for (const char character : text) {
+            lines += character == '\n' ? 1U : 0U;
+        }
+        require(lines == devices->size() + 2);
+        for (const auto& device : *devices) {
+            require(!device.name.empty() && device.name != "." && device.name != "..");
+            require(device.name.find('/') == std::string_view::npos);
+            require(device.name.data() > text.data() &&
+                    device.name.data() + device.name.size() < text.data() + text.size());
+        }
+        // A table that lost its last byte has lost a line.
+        require(!tarnwick::platform::parseNetworkDevices(text.substr(0, size - 1)));
+    }
+    require(tarnwick::platform::parseInterfaceIndex(text) != 0U);
+    require(!tarnwick::platform::parseInterfaceFlags(text) || text.starts_with("0x"));
+    return 0;
+}
