@@ -1,0 +1,34 @@
+// Any text as an application's description and as a locale: a name is valid UTF-8 and never empty.
+// Any text as the groups of a process: no candidate leads out of a folder.
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "fuzz/fuzzer.h"
+#include "platform/linux/application_unit.h"
+#include "platform/linux/desktop_entry.h"
+#include "platform/utf8.h"
+
+using tarnwick::fuzz::require;
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    const std::array<std::string, 2> german{"de_AT", "de"};
+    if (const auto entry = tarnwick::platform::parseDesktopEntry(text, german)) {
+        require(!entry->name.empty());
+        require(tarnwick::platform::repairedUTF8(entry->name) == entry->name);
+    }
+
+    const std::string value(text.substr(0, text.find('\0')));
+    for (const std::string& suffix :
+         tarnwick::platform::localeSuffixes([&value](const char*) { return value.c_str(); })) {
+        require(!suffix.empty() && suffix != "C" && suffix != "POSIX");
+    }
+
+    for (const std::string& name : tarnwick::platform::desktopEntryCandidates(text)) {
+        require(!name.empty() && name.find('/') == std::string::npos);
+        require(name.find('\0') == std::string::npos);
+    }
+    return 0;
+}
