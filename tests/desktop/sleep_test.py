@@ -5,7 +5,7 @@ import time
 from gi.repository import GLib
 
 from desktop_test_case import REFRESH_BYTES, DesktopTestCase, bytes_read, main
-from private_desktop.session_bus import connect
+from private_desktop.session_bus import answers, connect
 
 _BUS = ("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus")
 _MANAGER = ("org.freedesktop.login1", "/org/freedesktop/login1", "org.freedesktop.login1.Manager")
@@ -55,6 +55,18 @@ class SleepTest(DesktopTestCase):
         self.manager.prepare_for_sleep(False)
         self.until(lambda: bytes_read(program) >= start + REFRESH_BYTES, "a refresh after waking")
         self.assertLess(time.monotonic() - begin, 5, "that was the next refresh by itself")
+        self.assertEqual(program.output(), "")
+
+    def test_runs_on_when_the_system_bus_ends(self):
+        address = "unix:path=" + self.desktop.path("runtime/system_bus")
+        bus = self.desktop.processes.start(
+            ["dbus-daemon", "--nofork", "--nopidfile", "--nosyslog", "--address=" + address,
+             "--config-file=" + self.desktop.path("bus.conf")], self.desktop.env, "system_bus")
+        self.until(lambda: answers(address), "the system bus listens")
+        program = self.start_known_to_user(DBUS_SYSTEM_BUS_ADDRESS=address)
+        self.desktop.processes.end(bus)
+        self.wait_for_refresh(program)
+        self.assertTrue(program.runs())
         self.assertEqual(program.output(), "")
 
     def test_runs_on_without_a_system_bus(self):
