@@ -4,6 +4,7 @@
 
 #include "fuzz/fuzzer.h"
 #include "platform/linux/online_processors.h"
+#include "platform/linux/proc_uptime.h"
 #include "platform/linux/thermal_zone.h"
 
 using tarnwick::fuzz::require;
@@ -12,6 +13,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const auto count = tarnwick::platform::parseProcessorList(text);
     require(!count || (*count >= 1 && *count <= 1 << 20));
+
+    const auto uptime = tarnwick::platform::parseUptime(text);
+    require(!uptime || (*uptime >= 0 && *uptime <= 1e12));
 
     const auto temperature = tarnwick::platform::parseTemperature(text);
     require(!temperature || (*temperature >= 1'000 && *temperature < 150'000));

@@ -4,6 +4,8 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/linux/proc_uptime.h"
+
 namespace tarnwick::platform {
 
 namespace {
@@ -14,7 +16,8 @@ constexpr double longestShare = 0.1;
 }  // namespace
 
 LinuxKernel::LinuxKernel(const std::string& root, std::function<double()> sinceBoot)
-    : sinceBoot_(std::move(sinceBoot)),
+    : root_(root),
+      sinceBoot_(std::move(sinceBoot)),
       pageSize_(static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE))),
       onlineProcessors_(root),
       stat_(belowRoot(root, "proc/stat")),
@@ -102,6 +105,14 @@ double LinuxKernel::monotonicSeconds() {
 }
 
 double LinuxKernel::wallClockSeconds() {
+    if (root_ != "/") {
+        const auto uptime =
+            parseUptime(readWholeFile(belowRoot(root_, "proc/uptime")).value_or(""));
+        const auto boot = bootTime();
+        if (uptime && boot) {
+            return static_cast<double>(boot->seconds) + *uptime;
+        }
+    }
     return wallClockNow();
 }
 

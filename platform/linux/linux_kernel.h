@@ -42,6 +42,7 @@ class LinuxKernel final : public Kernel {
     std::optional<TimeValue> bootTime() override;
     std::uint64_t pageSize() override;
     double monotonicSeconds() override;
+    /// A tree other than the live one stands still at the moment its `proc/uptime` tells.
     double wallClockSeconds() override;
 
  private:
@@ -52,6 +53,7 @@ class LinuxKernel final : public Kernel {
     /// this before, else a new one.
     void readMemInfo(MemoryQuestion question);
 
+    const std::string root_;
     const std::function<double()> sinceBoot_;
     const std::uint64_t pageSize_;
     OnlineProcessors onlineProcessors_;

@@ -87,6 +87,29 @@ TEST(LinuxKernel, ReadsAnOldKernel) {
     EXPECT_EQ(host.statistics.compressor_page_count, 0U);
 }
 
+TEST(LinuxKernel, ARecordedMachineStandsStill) {
+    LinuxKernel kernel(recordedMachine("laptop"));
+    EXPECT_EQ(kernel.wallClockSeconds(), 1767612345 + 190643.27);
+}
+
+TEST(LinuxKernel, TheLiveClockIsWhatATreeWithoutAMomentHas) {
+    const MachineTree tree("laptop");
+    for (const char* text : {"", "soon\n", "190643.27"}) {
+        tree.write("proc/uptime", text);
+        const double before = wallClockNow();
+        const double now = LinuxKernel(tree.root()).wallClockSeconds();
+        EXPECT_GE(now, before);
+        EXPECT_LE(now, wallClockNow());
+    }
+}
+
+TEST(LinuxKernel, TheLiveMachineHasTheLiveClock) {
+    const double before = wallClockNow();
+    const double now = LinuxKernel().wallClockSeconds();
+    EXPECT_GE(now, before);
+    EXPECT_LE(now, wallClockNow());
+}
+
 void expectNothing(LinuxKernel& kernel, int error) {
     EXPECT_EQ(kernel.logicalCPUCount(), std::nullopt);
     EXPECT_EQ(kernel.memorySize(), std::nullopt);
