@@ -69,4 +69,12 @@ const Candidate& best(const std::vector<Candidate>& candidates) {
         });
 }
 
+MetricDisplaySummary displaySummary(const std::vector<Candidate>& candidates) {
+    if (candidates.empty()) {
+        return {MetricSeverity::ok, "", "No metrics are above thresholds."};
+    }
+    const Candidate& shown = best(candidates);
+    return {shown.severity, shown.menuBarText, shown.popoverText};
+}
+
 }  // namespace tarnwick::MetricSummaryResolver

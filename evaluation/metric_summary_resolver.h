@@ -41,6 +41,9 @@ std::vector<Candidate> candidates(bool includeGPU, const MetricThresholds& thres
 /// `candidates` must not be empty.
 const Candidate& best(const std::vector<Candidate>& candidates);
 
+/// What the panel says of these candidates: of the best one, or that there is none.
+MetricDisplaySummary displaySummary(const std::vector<Candidate>& candidates);
+
 }  // namespace MetricSummaryResolver
 
 }  // namespace tarnwick

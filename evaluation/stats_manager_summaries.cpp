@@ -43,11 +43,6 @@ std::vector<Candidate> candidates(const Readings& now, const UserSettings& setti
                                              now.gpu, now.memory, now.storage);
 }
 
-MetricDisplaySummary summaryOfBest(const std::vector<Candidate>& candidates) {
-    const Candidate& best = MetricSummaryResolver::best(candidates);
-    return {best.severity, best.menuBarText, best.popoverText};
-}
-
 /// 0 to 59, in the user's time zone; 0 for a time that the calendar does not reach.
 int minuteOfHour(double time) {
     // Well inside what std::time_t holds, and far beyond every clock.
@@ -83,11 +78,7 @@ MetricDisplaySummary StatsManager::displaySummary() const {
     if (!hasCollectedData()) {
         return loading();
     }
-    const auto found = candidates(readings(*this), settings_);
-    if (found.empty()) {
-        return {MetricSeverity::ok, "", "No metrics are above thresholds."};
-    }
-    return summaryOfBest(found);
+    return MetricSummaryResolver::displaySummary(candidates(readings(*this), settings_));
 }
 
 MetricDisplaySummary StatsManager::menuBarSummary(double time) const {
@@ -99,7 +90,7 @@ MetricDisplaySummary StatsManager::menuBarSummary(double time) const {
     if (found.empty()) {
         return {MetricSeverity::ok, rotatingText(now, minuteOfHour(time)), ""};
     }
-    return summaryOfBest(found);
+    return MetricSummaryResolver::displaySummary(found);
 }
 
 }  // namespace tarnwick
