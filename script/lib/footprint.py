@@ -1,18 +1,33 @@
 """Measures what the program costs beside a bare tray program: started by script/footprint."""
 
 import argparse
+import contextlib
 import dataclasses
+import os
+import signal
 import sys
 import time
 
 from private_desktop import PrivateDesktop, Program, Timeout
 from private_desktop import usage
-from private_desktop.processes import end_on_signals
+from private_desktop.processes import descendants, end_on_signals
+from private_desktop.wait import until
 
 _RESIDENT_LIMIT = 1.15
 _HIDDEN_SWITCHES_LIMIT = 0.5
 _HIDDEN_PERCENT_LIMIT = 0.02
 _OPEN_PERCENT_LIMIT = 0.5
+# How many processes the machine has while the panel is open: an ordinary desktop, a large server.
+_ORDINARY_CROWD = 300
+_CROWDS = (_ORDINARY_CROWD, 3000)
+# Forks as many processes as its argument says; they and it wait for their end.
+_CROWD_PROGRAM = """
+import os, signal, sys
+for _ in range(int(sys.argv[1])):
+    if os.fork() == 0:
+        break
+signal.pause()
+"""
 # Long enough for a first start to greet, and for a closed panel to be taken down.
 _SETTLE = 5.0
 # The toolkit's helper threads of the start end after half a minute.
@@ -26,6 +41,8 @@ class Costs:
     after: usage.Memory = None
     hidden_rates: usage.Rates = None
     open_rates: usage.Rates = None
+    # With the panel open, by the number of processes on the machine.
+    crowd_rates: dict = dataclasses.field(default_factory=dict)
 
 
 def started(program):
@@ -39,13 +56,48 @@ def started(program):
     return program
 
 
+def population():
+    """How many processes the machine has now."""
+    return sum(entry.isdigit() for entry in os.listdir("/proc"))
+
+
+@contextlib.contextmanager
+def crowd(desktop, number):
+    """As many idle processes as are missing until the machine has `number`."""
+    missing = max(0, number - population())
+    host = desktop.processes.start([sys.executable, "-c", _CROWD_PROGRAM, str(missing)],
+                                   desktop.env, "crowd")
+    try:
+        until(lambda: len(descendants(host.pid)) == missing, f"there are {number} processes")
+        yield
+    finally:
+        for pid in descendants(host.pid):
+            os.kill(pid, signal.SIGKILL)
+        desktop.processes.end(host)
+
+
+def open_rates(program, seconds):
+    before = usage.activity(program.pid)
+    time.sleep(seconds)
+    return usage.rates(before, usage.activity(program.pid), seconds)
+
+
+def measure_crowds(program, costs, seconds):
+    """The rates of one program with its panel open on machines with more and more processes."""
+    for number in _CROWDS:
+        with crowd(program.desktop, number):
+            program.open_panel()
+            program.desktop.screen.move_pointer(program.desktop.nowhere)
+            time.sleep(_SETTLE)
+            costs.crowd_rates[number] = open_rates(program, seconds)
+            program.close_panel()
+
+
 def measure(program, costs, seconds):
     """The costs of one program with its panel open, and after that."""
     program.open_panel()
     program.desktop.screen.move_pointer(program.desktop.nowhere)
-    before = usage.activity(program.pid)
-    time.sleep(seconds)
-    costs.open_rates = usage.rates(before, usage.activity(program.pid), seconds)
+    costs.open_rates = open_rates(program, seconds)
     if program.panel_picture() is None:
         raise Timeout("the panel did not stay open")
     costs.open = usage.memory(program.pid)
@@ -89,10 +141,14 @@ def report(floor, own):
     print(rate("context switches, panel open", "open_rates", "switches_per_second", "/s"))
     print(rate("processor time, hidden", "hidden_rates", "processor_percent", "%",
                _HIDDEN_PERCENT_LIMIT))
-    print(rate("processor time, panel open", "open_rates", "processor_percent", "%",
-               _OPEN_PERCENT_LIMIT))
+    print(rate("processor time, panel open", "open_rates", "processor_percent", "%"))
+    for number, rates in own.crowd_rates.items():
+        print(line(f"processor time, {number:,} processes", floor.open_rates.processor_percent,
+                   rates.processor_percent, "%",
+                   _OPEN_PERCENT_LIMIT if number == _ORDINARY_CROWD else None, None))
     for name, each in (("bare tray", floor), ("Tarnwick", own)):
-        lost = each.hidden_rates.lost_threads + each.open_rates.lost_threads
+        lost = sum(rates.lost_threads for rates in
+                   (each.hidden_rates, each.open_rates, *each.crowd_rates.values()))
         if lost:
             print(f"{name}: what {lost} ended threads did before they ended is not counted")
 
@@ -121,6 +177,8 @@ def main():
                 each.before = usage.memory(program.pid)
             for each, program in zip(costs, programs):
                 measure(program, each, arguments.seconds)
+            # The bare tray looks at no process.
+            measure_crowds(programs[1], costs[1], arguments.seconds)
     except (OSError, RuntimeError, Timeout) as problem:
         sys.exit(f"footprint: {problem}")
     report(*costs)
