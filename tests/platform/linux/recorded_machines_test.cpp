@@ -13,6 +13,7 @@
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
 #include "services/storage_service.h"
+#include "services/system_uptime.h"
 #include "tests/platform/linux/machine_tree.h"
 
 namespace tarnwick::platform {
@@ -33,20 +34,24 @@ struct Expected {
     std::string home;
     std::optional<std::string> volume;
     std::int64_t thermalState;
+    /// Seconds.
+    std::optional<double> uptime;
 };
 
 const std::vector<Expected>& expectations() {
     static const std::vector<Expected> all = {
-        {"container-host", 96, 1751328000, 263855104, 0, 0, "/home/deploy", "/home", 0},
-        {"damaged", {}, {}, 0, 0, 0, "/home", {}, 0},
-        {"handheld", 8, 1767200000, 15221396, 8658812, 756604, "/home/player", "home", 0},
-        {"laptop", 8, 1767612345, 16122588, 8061288, 1157280, "/home/ada", "Ada's Disk", 0},
-        {"old-kernel", 2, 1199145600, 1035344, 2031608, 20124, "/home/bob", {}, 0},
-        {"server", 63, 1735689600, 527985432, 0, 0, "/home/ops", "/home", 0},
-        {"two-batteries", 4, 1767500000, 7980448, 8388604, 87492, "/home/mia", "/", 1},
+        {"container-host", 96, 1751328000, 263855104, 0, 0, "/home/deploy", "/home", 0,
+         43921469.80},
+        {"damaged", {}, {}, 0, 0, 0, "/home", {}, 0, {}},
+        {"handheld", 8, 1767200000, 15221396, 8658812, 756604, "/home/player", "home", 0, 8190.44},
+        {"laptop", 8, 1767612345, 16122588, 8061288, 1157280, "/home/ada", "Ada's Disk", 0,
+         190643.27},
+        {"old-kernel", 2, 1199145600, 1035344, 2031608, 20124, "/home/bob", {}, 0, 86399.99},
+        {"server", 63, 1735689600, 527985432, 0, 0, "/home/ops", "/home", 0, 31546211.90},
+        {"two-batteries", 4, 1767500000, 7980448, 8388604, 87492, "/home/mia", "/", 1, 61822.07},
         {"virtual-machine", 2, 1764547200, 2014432, 1048572, 46240, "/home/admin",
-         "cloudimg-rootfs", 0},
-        {"workstation", 24, 1766900000, 65758412, 8388604, 0, "/home/grace", "/", 0},
+         "cloudimg-rootfs", 0, 2419206.55},
+        {"workstation", 24, 1766900000, 65758412, 8388604, 0, "/home/grace", "/", 0, 262811.38},
     };
     return all;
 }
@@ -63,6 +68,11 @@ TEST(RecordedMachines, AreAllInTheTable) {
         names.push_back(expected.machine);
     }
     EXPECT_EQ(names, recordedMachines());
+}
+
+TEST_P(RecordedMachine, HasItsUptime) {
+    LinuxKernel kernel(root);
+    EXPECT_NEAR(readUptime(kernel), expected.uptime.value_or(0), 0.001);
 }
 
 TEST_P(RecordedMachine, HasItsProcessors) {
