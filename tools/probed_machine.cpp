@@ -1,26 +1,63 @@
 #include "tools/probed_machine.h"
 
+#include <utility>
+
 #include "platform/linux/linux_kernel.h"
+#include "platform/linux/linux_network_interfaces.h"
+#include "platform/linux/linux_power_sources.h"
 #include "platform/linux/linux_process_info.h"
+#include "platform/linux/linux_process_table.h"
 #include "platform/linux/linux_volumes.h"
+#include "platform/user_defaults.h"
+#include "services/battery_service.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
+#include "services/network_service.h"
+#include "services/power_source_reader.h"
+#include "services/process_service.h"
 #include "services/storage_service.h"
 #include "services/system_uptime.h"
 
 namespace tarnwick::probe {
+namespace {
+
+/// Remembers nothing: what the program has stored is not looked at, and nothing is left behind.
+class NoUserDefaults final : public platform::UserDefaults {
+ public:
+    std::optional<platform::DefaultsValue> object(std::string_view) override {
+        return std::nullopt;
+    }
+    void set(std::string_view, const platform::DefaultsValue&) override {}
+};
+
+}  // namespace
 
 struct ProbedMachine::Samplers {
     explicit Samplers(const Options& options)
-        : kernel(options.root), volumes(options.root, options.home), processInfo(options.root) {}
+        : kernel(options.root),
+          volumes(options.root, options.home),
+          processInfo(options.root),
+          networkInterfaces(options.root),
+          powerSources(options.root),
+          processTable(options.root) {}
 
     platform::LinuxKernel kernel;
     platform::LinuxVolumes volumes;
     platform::LinuxProcessInfo processInfo;
+    platform::LinuxNetworkInterfaces networkInterfaces;
+    platform::LinuxPowerSources powerSources;
+    platform::LinuxProcessTable processTable;
+    NoUserDefaults userDefaults;
 
     CPUService cpu{kernel};
     MemoryService memory{kernel};
+    NetworkService network{networkInterfaces, kernel};
+    ProcessService processes{processTable, kernel};
     StorageService storage{volumes};
+    BatteryService battery{userDefaults, [this] { return powerSources.readHealth(); },
+                           [this] { return readPowerSources(powerSources); },
+                           [this] { return platform::Date{kernel.wallClockSeconds()}; },
+                           [this] { return kernel.monotonicSeconds(); }};
 };
 
 ProbedMachine::ProbedMachine(const Options& options)
@@ -29,12 +66,19 @@ ProbedMachine::ProbedMachine(const Options& options)
 ProbedMachine::~ProbedMachine() = default;
 
 MachineSample ProbedMachine::read() {
+    Samplers& from = *samplers_;
     MachineSample sample;
-    sample.cpu = samplers_->cpu.readCPUInfo();
-    sample.memory = samplers_->memory.readMemoryInfo();
-    sample.storage = {samplers_->storage.readStorageInfo()};
-    sample.system.uptime = readUptime(samplers_->kernel);
-    sample.thermalState = samplers_->processInfo.thermalState();
+    sample.cpu = from.cpu.readCPUInfo();
+    sample.memory = from.memory.readMemoryInfo();
+    sample.network = from.network.readNetworkInfo();
+    sample.storage = {from.storage.readStorageInfo()};
+    from.battery.currentBatteryInfo(true);
+    sample.battery = from.battery.batteryInfoWithHealth(true);
+    TopProcessLists processes = from.processes.readTopProcesses(limit_);
+    sample.topCPUProcesses = std::move(processes.cpu);
+    sample.topMemoryProcesses = std::move(processes.memory);
+    sample.system.uptime = readUptime(from.kernel);
+    sample.thermalState = from.processInfo.thermalState();
     return sample;
 }
 
