@@ -15,6 +15,7 @@
 #include "platform/linux/desktop/single_instance.h"
 #include "platform/linux/desktop/sleep_signals.h"
 #include "platform/linux/desktop/toolkit_environment.h"
+#include "platform/linux/linux_accelerators.h"
 #include "platform/linux/linux_kernel.h"
 #include "platform/linux/linux_network_interfaces.h"
 #include "platform/linux/linux_power_sources.h"
@@ -51,6 +52,7 @@ void installPlatform(platform::UserDefaults& userDefaults) {
         .kernel = new platform::LinuxKernel(),
         .volumes = new platform::LinuxVolumes(),
         .networkInterfaces = new platform::LinuxNetworkInterfaces(),
+        .accelerators = new platform::LinuxAccelerators(),
         .processInfo = new platform::LinuxProcessInfo(),
         .powerSources = powerSources,
         .batteryHealth = powerSources,

@@ -4,6 +4,7 @@
 
 #include "platform/platform.h"
 #include "services/cpu_service.h"
+#include "services/gpu_service.h"
 #include "services/memory_service.h"
 #include "services/network_service.h"
 #include "services/process_service.h"
@@ -17,7 +18,7 @@ MetricSources MetricSources::shared() {
     platform::Volumes& volumes = *platform::current().volumes;
     return {
         .readCPUInfo = [] { return CPUService::shared().readCPUInfo(); },
-        .readGPUInfo = [] { return GPUInfo{}; },
+        .readGPUInfo = [] { return GPUService::shared().readGPUInfo(); },
         .readMemoryInfo = [] { return MemoryService::shared().readMemoryInfo(); },
         .readNetworkInfo = [] { return NetworkService::shared().readNetworkInfo(); },
         .readTopProcesses =

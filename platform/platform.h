@@ -1,6 +1,7 @@
 // The machine that the program runs on: one object for each family of operations.
 #pragma once
 
+#include "platform/accelerators.h"
 #include "platform/byte_count_formatter.h"
 #include "platform/dispatch.h"
 #include "platform/kernel.h"
@@ -19,6 +20,7 @@ struct Platform {
     Kernel* kernel = nullptr;
     Volumes* volumes = nullptr;
     NetworkInterfaces* networkInterfaces = nullptr;
+    Accelerators* accelerators = nullptr;
     ProcessInfo* processInfo = nullptr;
     PowerSources* powerSources = nullptr;
     BatteryHealth* batteryHealth = nullptr;

@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "platform/linux/linux_accelerators.h"
 #include "platform/linux/linux_kernel.h"
 #include "platform/linux/linux_network_interfaces.h"
 #include "platform/linux/linux_power_sources.h"
@@ -11,6 +12,7 @@
 #include "platform/user_defaults.h"
 #include "services/battery_service.h"
 #include "services/cpu_service.h"
+#include "services/gpu_service.h"
 #include "services/memory_service.h"
 #include "services/network_service.h"
 #include "services/power_source_reader.h"
@@ -36,6 +38,7 @@ struct ProbedMachine::Samplers {
     explicit Samplers(const Options& options)
         : kernel(options.root),
           volumes(options.root, options.home),
+          accelerators(options.root),
           processInfo(options.root),
           networkInterfaces(options.root),
           powerSources(options.root),
@@ -43,6 +46,7 @@ struct ProbedMachine::Samplers {
 
     platform::LinuxKernel kernel;
     platform::LinuxVolumes volumes;
+    platform::LinuxAccelerators accelerators;
     platform::LinuxProcessInfo processInfo;
     platform::LinuxNetworkInterfaces networkInterfaces;
     platform::LinuxPowerSources powerSources;
@@ -50,6 +54,7 @@ struct ProbedMachine::Samplers {
     NoUserDefaults userDefaults;
 
     CPUService cpu{kernel};
+    GPUService gpu{accelerators};
     MemoryService memory{kernel};
     NetworkService network{networkInterfaces, kernel};
     ProcessService processes{processTable, kernel};
@@ -69,6 +74,7 @@ MachineSample ProbedMachine::read() {
     Samplers& from = *samplers_;
     MachineSample sample;
     sample.cpu = from.cpu.readCPUInfo();
+    sample.gpu = from.gpu.readGPUInfo();
     sample.memory = from.memory.readMemoryInfo();
     sample.network = from.network.readNetworkInfo();
     sample.storage = {from.storage.readStorageInfo()};

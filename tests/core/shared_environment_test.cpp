@@ -9,6 +9,7 @@
 #include "platform/platform.h"
 #include "platform/testing/manual_dispatch.h"
 #include "platform/testing/memory_user_defaults.h"
+#include "platform/testing/scripted_accelerators.h"
 #include "platform/testing/scripted_kernel.h"
 #include "platform/testing/scripted_login_service.h"
 #include "platform/testing/scripted_network_interfaces.h"
@@ -26,6 +27,7 @@ struct Machine {
     platform::testing::ScriptedVolumes volumes;
     platform::testing::ScriptedNetworkInterfaces networkInterfaces;
     platform::testing::ScriptedPowerSources powerSources;
+    platform::testing::ScriptedAccelerators accelerators;
     platform::testing::MemoryUserDefaults store;
     platform::testing::ScriptedLoginService loginService;
     platform::testing::ManualDispatch dispatch;
@@ -40,6 +42,7 @@ struct Machine {
             platform.networkInterfaces = &made->networkInterfaces;
             platform.powerSources = &made->powerSources;
             platform.batteryHealth = &made->powerSources;
+            platform.accelerators = &made->accelerators;
             platform.userDefaults = &made->store;
             platform.loginService = &made->loginService;
             platform.dispatch = &made->dispatch;
@@ -50,6 +53,9 @@ struct Machine {
             made->kernel.answers.bootTime.set(platform::TimeValue{.seconds = 400});
             made->networkInterfaces.answers.interfaceCounters.set({{{1, {600, 700, false}}}});
             made->kernel.setWallClockSeconds(1000);
+            made->accelerators.answers.matchingServices.set(
+                {.services = {{{"PerformanceStatistics",
+                                platform::PropertyDictionary{{"Device Utilization %", 41.5}}}}}});
             made->volumes.answers.attributesOfFileSystemForPath.set(
                 platform::FileSystemAttributes{.size = 500, .freeSize = 200});
             return made;
@@ -62,16 +68,11 @@ TEST(MetricSources, ReadTheCurrentPlatform) {
     Machine::installed();
     const MetricSources sources = MetricSources::shared();
     EXPECT_EQ(sources.readCPUInfo().coreCount, 8);
+    EXPECT_EQ(sources.readGPUInfo().usagePercentage, 41.5);
     EXPECT_EQ(sources.readMemoryInfo().total, 4096u);
     EXPECT_EQ(sources.readNetworkInfo().totalReceivedBytes, 600u);
     EXPECT_EQ(sources.readStorageInfo().totalSpace, 500);
     EXPECT_EQ(sources.readUptime(), 600);
-}
-
-TEST(MetricSources, WithoutASamplerGiveTheEmptyRecords) {
-    Machine::installed();
-    const MetricSources sources = MetricSources::shared();
-    EXPECT_FALSE(sources.readGPUInfo().isAvailable);
 }
 
 TEST(MetricSources, ListTheProcessesOfTheCurrentPlatform) {
@@ -110,6 +111,7 @@ TEST(SharedStatsManager, RunsOnTheCurrentPlatformWithTheSharedSettings) {
     EXPECT_EQ(&manager.settings(), &UserSettings::shared());
     machine.dispatch.runMain();
     EXPECT_EQ(manager.cpuInfo->coreCount, 8);
+    EXPECT_EQ(manager.gpuInfo->usagePercentage, 41.5);
     EXPECT_EQ(manager.memoryInfo->total, 4096u);
     EXPECT_EQ(manager.networkInfo->totalSentBytes, 700u);
     EXPECT_EQ(manager.storageInfo->at(0).usedSpace, 300);

@@ -9,12 +9,14 @@
 
 #include "platform/platform.h"
 #include "platform/testing/memory_user_defaults.h"
+#include "platform/testing/scripted_accelerators.h"
 #include "platform/testing/scripted_kernel.h"
 #include "platform/testing/scripted_network_interfaces.h"
 #include "platform/testing/scripted_power_sources.h"
 #include "platform/testing/scripted_process_table.h"
 #include "services/battery_service.h"
 #include "services/cpu_service.h"
+#include "services/gpu_service.h"
 #include "services/memory_service.h"
 #include "services/network_service.h"
 #include "services/process_service.h"
@@ -28,6 +30,7 @@ struct Machine {
     platform::testing::ScriptedNetworkInterfaces networkInterfaces;
     platform::testing::ScriptedPowerSources powerSources;
     platform::testing::ScriptedProcessTable processTable;
+    platform::testing::ScriptedAccelerators accelerators;
     platform::testing::MemoryUserDefaults store;
 
     static Machine& installed() {
@@ -39,6 +42,7 @@ struct Machine {
             platform.powerSources = &made->powerSources;
             platform.batteryHealth = &made->powerSources;
             platform.processTable = &made->processTable;
+            platform.accelerators = &made->accelerators;
             platform.userDefaults = &made->store;
             platform::install(platform);
             return made;
@@ -99,6 +103,15 @@ TEST(SharedServices, TheProcessServiceIsOneInstanceOnTheInstalledPlatform) {
     ProcessService& service = ProcessService::shared();
     EXPECT_EQ(&service, &ProcessService::shared());
     ASSERT_EQ(service.readTopProcesses(3).memory.size(), 1U);
+}
+
+TEST(SharedServices, TheGPUServiceIsMadeOnFirstUse) {
+    Machine::installed().accelerators.answers.matchingServices.set(
+        {.services = {{{"model", std::string("Graphics")},
+                       {"PerformanceStatistics", platform::PropertyDictionary{}}}}});
+    GPUService& service = GPUService::shared();
+    EXPECT_EQ(&service, &GPUService::shared());
+    EXPECT_EQ(service.readGPUInfo().modelName, "Graphics");
 }
 
 TEST(SharedServices, TheBatteryServiceIsOneInstance) {

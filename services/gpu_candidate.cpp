@@ -1,0 +1,119 @@
+#include "services/gpu_candidate.h"
+
+#include <algorithm>
+#include <cmath>
+#include <initializer_list>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "services/property_text.h"
+
+namespace tarnwick {
+
+namespace {
+
+using platform::PropertyDictionary;
+using platform::PropertyValue;
+using platform::propertyValue;
+
+/// A number, or the number at the start of a text. Absent for a value of any other type.
+std::optional<double> statistic(const PropertyValue& value) {
+    if (const auto* integer = std::get_if<std::int64_t>(&value)) {
+        return static_cast<double>(*integer);
+    }
+    if (const auto* number = std::get_if<double>(&value)) {
+        return *number;
+    }
+    if (const auto* text = std::get_if<std::string>(&value)) {
+        return numberAtStart(*text);
+    }
+    return std::nullopt;
+}
+
+/// The first of the keys that has a usable value.
+std::optional<double> firstStatistic(const PropertyDictionary& statistics,
+                                     std::initializer_list<std::string_view> keys) {
+    for (const std::string_view key : keys) {
+        if (const PropertyValue* value = propertyValue(statistics, key)) {
+            if (const std::optional<double> number = statistic(*value)) {
+                return number;
+            }
+        }
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+double clampedPercentage(double value) {
+    return std::isfinite(value) && value > 0 ? std::min(value, 100.0) : 0;
+}
+
+std::string gpuModelName(const PropertyValue* model) {
+    if (model == nullptr) {
+        return {};
+    }
+    if (const auto* text = std::get_if<std::string>(model)) {
+        return *text;
+    }
+    if (const auto* bytes = std::get_if<std::vector<std::byte>>(model)) {
+        std::string name = textFromUTF8(*bytes).value_or("");
+        std::erase(name, '\0');
+        return name;
+    }
+    return {};
+}
+
+std::int64_t gpuCoreCount(const PropertyValue* count) {
+    if (count == nullptr) {
+        return 0;
+    }
+    if (const auto* integer = std::get_if<std::int64_t>(count)) {
+        return *integer;
+    }
+    if (const auto* number = std::get_if<double>(count)) {
+        // Whatever rounds towards 0 into the range of the integer; the bounds are powers of two.
+        const bool fits = *number >= -0x1p63 && *number < 0x1p63;
+        return fits ? static_cast<std::int64_t>(*number) : 0;
+    }
+    if (const auto* text = std::get_if<std::string>(count)) {
+        return wholeDecimalInteger(*text).value_or(0);
+    }
+    return 0;
+}
+
+std::optional<GPUInfo> gpuCandidate(const PropertyDictionary& service) {
+    const PropertyValue* property = propertyValue(service, "PerformanceStatistics");
+    const auto* statistics = property ? std::get_if<PropertyDictionary>(property) : nullptr;
+    if (statistics == nullptr) {
+        return std::nullopt;
+    }
+    // The keys differ between generations of processors.
+    const auto device = firstStatistic(*statistics, {"Device Utilization %", "GPU Activity(%)"});
+    const auto renderer =
+        firstStatistic(*statistics, {"Renderer Utilization %", "GPU Activity(%)"});
+    const auto tiler = firstStatistic(*statistics, {"Tiler Utilization %"});
+    const double usage = device.value_or(std::max(renderer.value_or(0), tiler.value_or(0)));
+
+    GPUInfo info;
+    info.usagePercentage = clampedPercentage(usage);
+    info.rendererUtilizationPercentage = clampedPercentage(renderer.value_or(usage));
+    info.tilerUtilizationPercentage = clampedPercentage(tiler.value_or(usage));
+    info.modelName = gpuModelName(propertyValue(service, "model"));
+    info.coreCount = gpuCoreCount(propertyValue(service, "gpu-core-count"));
+    info.isAvailable = true;
+    return info;
+}
+
+bool isBetterGPU(const GPUInfo& candidate, const GPUInfo& best) {
+    if (candidate.usagePercentage != best.usagePercentage) {
+        return candidate.usagePercentage > best.usagePercentage;
+    }
+    if (candidate.rendererUtilizationPercentage != best.rendererUtilizationPercentage) {
+        return candidate.rendererUtilizationPercentage > best.rendererUtilizationPercentage;
+    }
+    return best.modelName.empty() && !candidate.modelName.empty();
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,28 @@
+// Use of the graphics processor.
+#pragma once
+
+#include "core/metric_records.h"
+#include "platform/accelerators.h"
+#include "platform/log.h"
+
+namespace tarnwick {
+
+/// Keeps nothing between calls. Any thread.
+class GPUService {
+ public:
+    explicit GPUService(platform::Accelerators& accelerators,
+                        platform::Logger logger = platform::Logger());
+
+    /// The process-wide instance on the current platform, made on first use, never destroyed.
+    static GPUService& shared();
+
+    /// The busiest accelerator, the first of equally busy ones. Never fails: the record is
+    /// unavailable where no accelerator has statistics.
+    GPUInfo readGPUInfo();
+
+ private:
+    platform::Accelerators& accelerators_;
+    platform::Logger logger_;
+};
+
+}  // namespace tarnwick
