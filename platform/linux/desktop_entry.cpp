@@ -81,10 +81,10 @@ void addSuffixes(std::string_view locale, std::vector<std::string>& suffixes) {
     const std::string modifier(locale.substr(at));
     locale = locale.substr(0, at);
     const std::string place(locale.substr(0, locale.find('.')));
-    if (place.empty() || place == "C" || place == "POSIX") {
+    const std::string language = place.substr(0, place.find('_'));
+    if (language.empty() || language == "C" || language == "POSIX") {
         return;
     }
-    const std::string language = place.substr(0, place.find('_'));
     for (const std::string& suffix : {place + modifier, place, language + modifier, language}) {
         if (std::ranges::find(suffixes, suffix) == suffixes.end()) {
             suffixes.push_back(suffix);

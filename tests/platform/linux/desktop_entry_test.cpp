@@ -33,7 +33,8 @@ TEST(LocaleSuffixes, GoFromTheWholeLocaleToItsLanguage) {
 }
 
 TEST(LocaleSuffixes, OfThePlainLocaleAreNone) {
-    for (const char* locale : {"", "C", "POSIX", "C.UTF-8", "C.UTF-8@x", ".UTF-8", "@euro"}) {
+    for (const char* locale :
+         {"", "C", "POSIX", "C.UTF-8", "C.UTF-8@x", ".UTF-8", "@euro", "_AT", "C_AT"}) {
         EXPECT_THAT(suffixesFor({{"LANG", locale}, {"LANGUAGE", "fr"}}), IsEmpty()) << locale;
     }
     EXPECT_THAT(suffixesFor({}), IsEmpty());
