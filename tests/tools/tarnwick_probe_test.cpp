@@ -76,6 +76,30 @@ TEST(Probe, ReadsARecordedMachine) {
     EXPECT_NEAR(sample["system"]["uptime"].get<double>(), 190643.27, 0.001);
 }
 
+TEST(Probe, ReadsTheRestOfRecordedMachines) {
+    const std::vector<json> handheld =
+        lines(run("--interval 0.01 --root " + recordedMachine("handheld")).output);
+    ASSERT_EQ(handheld.size(), 1U);
+    EXPECT_EQ(handheld[0]["battery"]["percentage"], 80);
+    EXPECT_EQ(handheld[0]["battery"]["health"], 94);
+    EXPECT_EQ(handheld[0]["battery"]["healthSource"], "systemProfiler");
+    EXPECT_EQ(handheld[0]["gpu"]["isAvailable"], true);
+    EXPECT_EQ(handheld[0]["network"]["totalReceivedBytes"], 6422071934U);
+
+    const std::vector<json> laptop =
+        lines(run("--interval 0.01 --limit 1 --root " + recordedMachine("laptop")).output);
+    ASSERT_EQ(laptop.size(), 1U);
+    ASSERT_EQ(laptop[0]["topMemoryProcesses"].size(), 1U);
+    EXPECT_EQ(laptop[0]["topMemoryProcesses"][0]["name"], "Firefox Web Browser");
+}
+
+TEST(Probe, ListsAsManyProcessesAsItIsTold) {
+    const std::vector<json> none =
+        lines(run("--interval 0.01 --limit 0 --root " + recordedMachine("laptop")).output);
+    ASSERT_EQ(none.size(), 1U);
+    EXPECT_EQ(none[0]["topCPUProcesses"], json::array());
+}
+
 TEST(Probe, FindsNothingInAnEmptyFolder) {
     const MachineTree tree;
     const Outcome result = run("--interval 0.01 --root " + tree.root());
