@@ -20,29 +20,29 @@ class ScriptedChildProcesses::Child final : public ChildProcess {
     }
 
     PipeRead read(std::span<char> buffer) override {
-        Script& script = owner_.script;
+        Script& plan = owner_.script;
         owner_.record.largestRead = std::max(owner_.record.largestRead, buffer.size());
-        if (script.reads.empty()) {
+        if (plan.reads.empty()) {
             return {PipeRead::Outcome::wouldBlock};
         }
-        if (script.reads.front() != PipeRead::Outcome::data) {
-            const PipeRead::Outcome outcome = script.reads.front();
-            script.reads.pop_front();
+        if (plan.reads.front() != PipeRead::Outcome::data) {
+            const PipeRead::Outcome outcome = plan.reads.front();
+            plan.reads.pop_front();
             return {outcome};
         }
-        const std::size_t size = std::min({script.output.size(), buffer.size(), script.piece});
-        std::copy_n(script.output.begin(), size, buffer.begin());
-        script.output.erase(0, size);
-        if (script.output.empty()) {
-            script.reads.pop_front();
+        const std::size_t size = std::min({plan.output.size(), buffer.size(), plan.piece});
+        std::copy_n(plan.output.begin(), size, buffer.begin());
+        plan.output.erase(0, size);
+        if (plan.output.empty()) {
+            plan.reads.pop_front();
         }
         return {PipeRead::Outcome::data, size};
     }
 
     std::optional<std::int32_t> status() override {
-        const Script& script = owner_.script;
-        return script.endsAt && owner_.clock >= *script.endsAt ? std::optional(script.status)
-                                                               : std::nullopt;
+        const Script& plan = owner_.script;
+        return plan.endsAt && owner_.clock >= *plan.endsAt ? std::optional(plan.status)
+                                                           : std::nullopt;
     }
 
     void terminate() override { ++owner_.record.terminated; }
