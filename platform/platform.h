@@ -4,7 +4,9 @@
 #include "platform/accelerators.h"
 #include "platform/byte_count_formatter.h"
 #include "platform/dispatch.h"
+#include "platform/hot_keys.h"
 #include "platform/kernel.h"
+#include "platform/keyboard_layout.h"
 #include "platform/login_service.h"
 #include "platform/network_interfaces.h"
 #include "platform/power_sources.h"
@@ -27,6 +29,8 @@ struct Platform {
     ProcessTable* processTable = nullptr;
     UserDefaults* userDefaults = nullptr;
     LoginService* loginService = nullptr;
+    HotKeys* hotKeys = nullptr;
+    KeyboardLayout* keyboardLayout = nullptr;
     ByteCountFormatter* byteCountFormatter = nullptr;
     Dispatch* dispatch = nullptr;
 };

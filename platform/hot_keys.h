@@ -1,0 +1,92 @@
+// Shortcuts that work whichever program is in front.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+namespace tarnwick::platform {
+
+/// Result codes of the operations below, as the system that has them by nature numbers them.
+namespace hot_key_status {
+inline constexpr std::int32_t kSuccess = 0;
+/// The combination is registered already, by this or another program.
+inline constexpr std::int32_t kExists = -9878;
+/// The event was not handled; it goes on to the next handler.
+inline constexpr std::int32_t kEventNotHandled = -9874;
+}  // namespace hot_key_status
+
+/// Modifiers of a hot key, as bits of one number.
+namespace hot_key_modifier {
+inline constexpr std::uint32_t kCommand = 0x100;
+inline constexpr std::uint32_t kShift = 0x200;
+inline constexpr std::uint32_t kOption = 0x800;
+inline constexpr std::uint32_t kControl = 0x1000;
+}  // namespace hot_key_modifier
+
+/// Names a hot key in its events.
+struct HotKeyID {
+    /// A four-character code as a big-endian number.
+    std::uint32_t signature = 0;
+    std::uint32_t id = 0;
+
+    bool operator==(const HotKeyID&) const = default;
+};
+
+/// An event of class "keyb" and kind 5: a hot key was pressed.
+class HotKeyEvent {
+ public:
+    virtual ~HotKeyEvent() = default;
+
+    /// `GetEventParameter` "----" of type "hkid": writes the identifier and returns kSuccess, or
+    /// leaves it alone and returns why not.
+    virtual std::int32_t hotKeyID(HotKeyID& id) const = 0;
+};
+
+/// What a program does with an event, on the main thread. The pointer is null when the system
+/// calls without an event. Returns kSuccess when it was handled.
+using HotKeyHandler = std::function<std::int32_t(const HotKeyEvent*)>;
+
+/// Something held from the system; given back when it is destroyed, on the main thread.
+class HotKeyHandle {
+ public:
+    virtual ~HotKeyHandle() = default;
+
+    /// A short text that tells handles apart, for logs.
+    virtual std::string description() const = 0;
+};
+
+/// Main thread. Handles must not outlive the object that gave them.
+class HotKeys {
+ public:
+    virtual ~HotKeys() = default;
+
+    struct HandlerResult {
+        std::int32_t status = hot_key_status::kSuccess;
+        /// Removes the handler when destroyed (`RemoveEventHandler`); null on failure.
+        std::unique_ptr<HotKeyHandle> handle{};
+    };
+    /// `InstallEventHandler` on the application's event target, for presses of hot keys alone.
+    virtual HandlerResult installEventHandler(HotKeyHandler handler) = 0;
+
+    struct RegistrationResult {
+        /// kSuccess, kExists, or another number for any other refusal.
+        std::int32_t status = hot_key_status::kSuccess;
+        /// Unregisters the hot key when destroyed (`UnregisterEventHotKey`); null on failure.
+        std::unique_ptr<HotKeyHandle> handle{};
+    };
+    /// `RegisterEventHotKey` on the application's event target without options. `keyCode` is a
+    /// virtual key code of the platform keyboard, `modifiers` the sum of hot_key_modifier bits.
+    virtual RegistrationResult registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
+                                                   HotKeyID id) = 0;
+
+    /// `changed` is called on the main thread when the outcome of the last registration is another
+    /// one now: a desktop that asks its user first has decided, or the combination was lost with
+    /// the keyboard's layout. Registering again then gives the outcome of now, at once. Never
+    /// called from inside the operations above.
+    virtual void setRegistrationChanged(std::function<void()> changed) = 0;
+};
+
+}  // namespace tarnwick::platform

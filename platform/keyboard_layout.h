@@ -1,0 +1,21 @@
+// The keyboard layout that the user types with.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace tarnwick::platform {
+
+/// Main thread.
+class KeyboardLayout {
+ public:
+    virtual ~KeyboardLayout() = default;
+
+    /// `UCKeyTranslate` of the current layout with the "display" action, no modifiers and no dead
+    /// keys: the characters that a key produces, UTF-8, in upper case (`kVK_` numbers the keys).
+    /// Absent without layout data, after an error, and for a key that produces nothing.
+    virtual std::optional<std::string> displayText(std::uint16_t virtualKeyCode) = 0;
+};
+
+}  // namespace tarnwick::platform
