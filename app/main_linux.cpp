@@ -70,8 +70,8 @@ QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
 
 /// Where the panel opens: at the item or, where its place is not known, in the upper right corner.
 QRect panelAnchor(const platform::LinuxStatusItem& item) {
-    if (const auto point = item.anchor()) {
-        return {*point, QSize(1, 1)};
+    if (const auto place = item.anchor()) {
+        return *place;
     }
     const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
     return {screen.topRight(), QSize(1, 1)};
@@ -110,10 +110,13 @@ int run(QApplication& application) {
     const auto quit = [&application] { application.quit(); };
     MenuBarView view(app.statsManager(), {.quit = quit});
     qt::PanelWindow panel(view, theme, *platform::current().dispatch);
+    const auto openPanel = [&panel, &item] { panel.open(panelAnchor(item)); };
     item.setActions({.click = [&panel, &item] { panel.toggle(panelAnchor(item)); },
                      .refresh = [&app] { app.statsManager().refreshNow(); },
+                     .openPanel = openPanel,
+                     .showSettings = nullptr,
                      .quit = quit});
-    instance.setOpenPanel([&panel, &item] { panel.open(panelAnchor(item)); });
+    instance.setOpenPanel(openPanel);
     const platform::QuitSignals quitSignals(quit);
 
     // The figures from before the sleep are old ones.

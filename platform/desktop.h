@@ -38,7 +38,11 @@ struct StatusItemActions {
     std::function<void()> click;
     /// Middle click: refreshes.
     std::function<void()> refresh;
-    /// Menu entry: ends the program.
+    /// Menu entry "Open Panel": opens the panel, or leaves it open.
+    std::function<void()> openPanel;
+    /// Menu entry "Settings": shows the settings window.
+    std::function<void()> showSettings;
+    /// Menu entry "Quit": ends the program.
     std::function<void()> quit;
 };
 

@@ -76,8 +76,12 @@ QDBusMessage noEntry(const QDBusMessage& message, int id) {
 
 }  // namespace
 
-DBusMenu::DBusMenu(QDBusConnection bus, QString path, std::vector<MenuEntry> entries)
-    : bus_(std::move(bus)), path_(std::move(path)), entries_(std::move(entries)) {
+DBusMenu::DBusMenu(QDBusConnection bus, QString path, std::vector<MenuEntry> entries,
+                   std::function<void()> opening)
+    : bus_(std::move(bus)),
+      path_(std::move(path)),
+      entries_(std::move(entries)),
+      opening_(std::move(opening)) {
     registerBusTypes();
     bus_.registerVirtualObject(path_, this);
 }
@@ -99,7 +103,7 @@ QVariantMap DBusMenu::properties(int id, const QStringList& names) const {
         map.insert("type", "separator");
     } else {
         map.insert("label", escaped(entry.label));
-        map.insert("enabled", static_cast<bool>(entry.chosen));
+        map.insert("enabled", true);
         map.insert("visible", true);
     }
     if (!names.isEmpty()) {
@@ -119,7 +123,16 @@ MenuNode DBusMenu::node(int id, int depth, const QStringList& names) const {
     return result;
 }
 
+void DBusMenu::aboutToShow(int id) {
+    if (id == 0 && opening_) {
+        opening_();
+    }
+}
+
 void DBusMenu::event(int id, const QString& type) {
+    if (type == "opened") {
+        aboutToShow(id);
+    }
     if (type != "clicked" || id < 1 || !exists(id)) {
         return;
     }
@@ -189,10 +202,14 @@ QDBusMessage DBusMenu::answer(const QDBusMessage& message) {
         return answerEvents(message);
     }
     if (call == "AboutToShow(i)") {
+        aboutToShow(id);
         return exists(id) ? message.createReply(false) : noEntry(message, id);
     }
     if (call == "AboutToShowGroup(ai)") {
         QList<int> unknown = qdbus_cast<QList<int>>(arguments[0]);
+        for (const int each : unknown) {
+            aboutToShow(each);
+        }
         erase_if(unknown, [&](int each) { return exists(each); });
         return message.createReply(
             {QVariant::fromValue(QList<int>()), QVariant::fromValue(unknown)});

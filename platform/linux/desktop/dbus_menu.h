@@ -18,7 +18,7 @@ namespace tarnwick::platform {
 struct MenuEntry {
     /// Empty for a separator.
     QString label;
-    /// Absent: the entry is shown and cannot be chosen.
+    /// Absent for a separator.
     std::function<void()> chosen;
 };
 
@@ -30,7 +30,9 @@ class DBusMenu final : public QDBusVirtualObject {
  public:
     static constexpr auto kInterface = "com.canonical.dbusmenu";
 
-    DBusMenu(QDBusConnection bus, QString path, std::vector<MenuEntry> entries);
+    /// `opening` is called whenever a host says that it is about to show the menu.
+    DBusMenu(QDBusConnection bus, QString path, std::vector<MenuEntry> entries,
+             std::function<void()> opening);
     ~DBusMenu() override;
 
     QString introspect(const QString& path) const override;
@@ -42,12 +44,15 @@ class DBusMenu final : public QDBusVirtualObject {
     MenuNode node(int id, int depth, const QStringList& names) const;
     QDBusMessage answer(const QDBusMessage& message);
     QDBusMessage answerEvents(const QDBusMessage& message);
+    /// A host asks about or tells of the entry with this number being shown.
+    void aboutToShow(int id);
     /// Queues the entry's action: the host is answered before anything is opened.
     void event(int id, const QString& type);
 
     QDBusConnection bus_;
     QString path_;
     std::vector<MenuEntry> entries_;
+    std::function<void()> opening_;
 };
 
 }  // namespace tarnwick::platform

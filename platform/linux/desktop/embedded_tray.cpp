@@ -21,11 +21,7 @@ EmbeddedTray::EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<
             continue;
         }
         QAction* action = menu_.addAction(entry.label);
-        action->setEnabled(static_cast<bool>(entry.chosen));
-        if (entry.chosen) {
-            QObject::connect(action, &QAction::triggered, action, entry.chosen,
-                             Qt::QueuedConnection);
-        }
+        QObject::connect(action, &QAction::triggered, action, entry.chosen, Qt::QueuedConnection);
     }
     tray_.setContextMenu(&menu_);
     QObject::connect(
@@ -43,6 +39,11 @@ EmbeddedTray::EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<
 
 bool EmbeddedTray::inTray() const {
     return tray_.isVisible() && QSystemTrayIcon::isSystemTrayAvailable();
+}
+
+std::optional<QRect> EmbeddedTray::place() const {
+    const QRect place = inTray() ? tray_.geometry() : QRect();
+    return place.isValid() ? std::optional(place) : std::nullopt;
 }
 
 void EmbeddedTray::setIcon(const IconPainter& painter, const ItemIcon& icon) {

@@ -2,9 +2,11 @@
 #pragma once
 
 #include <QMenu>
+#include <QRect>
 #include <QSystemTrayIcon>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "platform/linux/desktop/dbus_menu.h"
@@ -19,6 +21,8 @@ class EmbeddedTray final {
     EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<void()> click,
                  std::function<void()> middleClick);
 
+    /// Where the tray shows the item, in the screen's coordinates; none while no tray does.
+    std::optional<QRect> place() const;
     /// There is a tray that shows it.
     bool inTray() const;
     void setIcon(const IconPainter& painter, const ItemIcon& icon);

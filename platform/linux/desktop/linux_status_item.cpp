@@ -1,10 +1,10 @@
 #include "platform/linux/desktop/linux_status_item.h"
 
-#include <QCursor>
 #include <QGuiApplication>
 #include <QTimer>
 #include <utility>
 
+#include "platform/linux/desktop/pointer_place.h"
 #include "platform/linux/standard_error.h"
 
 namespace tarnwick::platform {
@@ -36,8 +36,8 @@ LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bo
 LinuxStatusItem::LinuxStatusItem(QDBusConnection bus, Options options)
     : bus_(std::move(bus)), options_(std::move(options)), pictureFile_(options_.runtimeFolder) {
     entries_ = {
-        {.label = "Open Panel", .chosen = [this] { clicked(); }},
-        {.label = "Settings", .chosen = nullptr},
+        {.label = "Open Panel", .chosen = [this] { run(actions_.openPanel); }},
+        {.label = "Settings", .chosen = [this] { run(actions_.showSettings); }},
         {.label = {}, .chosen = nullptr},
         {.label = "Quit", .chosen = [this] { run(actions_.quit); }},
     };
@@ -85,7 +85,9 @@ bool LinuxStatusItem::inTray() const {
 
 void LinuxStatusItem::start() {
     if (bus_.isConnected()) {
-        menu_ = std::make_unique<DBusMenu>(bus_, kMenuPath, entries_);
+        // The pointer is on the item now; by the time an entry is chosen it is on that.
+        menu_ = std::make_unique<DBusMenu>(bus_, kMenuPath, entries_,
+                                           [this] { anchor_ = placeUnderPointer(); });
         notifier_ = std::make_unique<StatusNotifierItem>(
             bus_, kMenuPath,
             NotifierActions{.activate = [this] { clicked(); },
@@ -122,11 +124,14 @@ void LinuxStatusItem::update() {
     }
 }
 
+std::optional<QRect> LinuxStatusItem::anchor() const {
+    const std::optional<QRect> embedded = embedded_ ? embedded_->place() : std::nullopt;
+    return embedded ? embedded : anchor_;
+}
+
 void LinuxStatusItem::clicked() {
-    if (onX11()) {
-        // Hosts do not agree on what the position in their message is relative to.
-        anchor_ = QCursor::pos();
-    }
+    // Hosts do not agree on what the position in their message is relative to.
+    anchor_ = placeUnderPointer();
     run(actions_.click);
 }
 
@@ -151,7 +156,8 @@ IconPixmap LinuxStatusItem::rowWithText(const QString& text, int height) {
 }
 
 NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& presentation) {
-    const bool hasText = content_->text && !content_->text->empty();
+    // By whether there is a text and never by which, so that the width is the display mode's.
+    const bool hasText = content_->text.has_value();
     const QString text = QString::fromStdString(content_->text.value_or(std::string()));
     NotifierContent content;
     content.text = QString::fromStdString(content_->accessibilityLabel);

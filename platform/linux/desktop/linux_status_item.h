@@ -5,7 +5,7 @@
 #include <QDBusConnection>
 #include <QImage>
 #include <QObject>
-#include <QPoint>
+#include <QRect>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -59,9 +59,11 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     /// The desktop's preference changed: draws the icon in the other shade.
     void setDark(bool dark);
 
-    /// Where the item was last clicked, in the screen's coordinates; none before the first click
-    /// and on desktops that do not let a program see the pointer (Wayland).
-    std::optional<QPoint> anchor() const { return anchor_; }
+    /// The item's place on the screen as far as it is known, for a panel beside it: the icon's in
+    /// a tray of the older kind, else where the item was last clicked, as high as the bar it is
+    /// in. None before the first click and on desktops that do not let a program see the pointer
+    /// (Wayland).
+    std::optional<QRect> anchor() const;
 
  private:
     void start();
@@ -79,7 +81,7 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     StatusItemActions actions_;
     std::optional<StatusItemContent> content_;
     std::vector<MenuEntry> entries_;
-    std::optional<QPoint> anchor_;
+    std::optional<QRect> anchor_;
     // The icons drawn last, and of what: most changes are of the text alone.
     std::optional<ItemIcon> squaresOf_;
     IconPixmaps squares_;

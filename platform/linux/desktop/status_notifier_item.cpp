@@ -18,14 +18,17 @@ constexpr auto kIntrospection = R"xml(
   <property name="IconThemePath" type="s" access="read"/>
   <property name="IconName" type="s" access="read"/>
   <property name="IconPixmap" type="a(iiay)" access="read"/>
+  <property name="IconAccessibleDesc" type="s" access="read"/>
   <property name="OverlayIconName" type="s" access="read"/>
   <property name="OverlayIconPixmap" type="a(iiay)" access="read"/>
   <property name="AttentionIconName" type="s" access="read"/>
   <property name="AttentionIconPixmap" type="a(iiay)" access="read"/>
+  <property name="AttentionAccessibleDesc" type="s" access="read"/>
   <property name="AttentionMovieName" type="s" access="read"/>
   <property name="ToolTip" type="(sa(iiay)ss)" access="read"/>
   <property name="ItemIsMenu" type="b" access="read"/>
-  <property name="Menu" type="o" access="read"/>%1
+  <property name="Menu" type="o" access="read"/>
+  <property name="XAyatanaOrderingIndex" type="u" access="read"/>%1
   <method name="Activate">
     <arg name="x" type="i" direction="in"/><arg name="y" type="i" direction="in"/>
   </method>
@@ -54,9 +57,9 @@ constexpr auto kLabelIntrospection = R"xml(
   <property name="XAyatanaLabel" type="s" access="read"/>
   <property name="XAyatanaLabelGuide" type="s" access="read"/>)xml";
 
-// As wide as the widest text in everyday use: hosts keep this much room, so that what is beside
-// the item stays where it is.
-constexpr auto kLabelGuide = "CPU 100%";
+// The widest of all texts: hosts keep this much room, so that what is beside the item stays where
+// it is.
+constexpr auto kLabelGuide = "Disk 100%";
 
 }  // namespace
 
@@ -108,14 +111,18 @@ QVariantMap StatusNotifierItem::properties() const {
         {"IconThemePath", ""},
         {"IconName", content_.iconName},
         {"IconPixmap", QVariant::fromValue(content_.icon)},
+        {"IconAccessibleDesc", content_.text},
         {"OverlayIconName", ""},
         {"OverlayIconPixmap", noPicture},
         {"AttentionIconName", ""},
         {"AttentionIconPixmap", noPicture},
+        {"AttentionAccessibleDesc", ""},
         {"AttentionMovieName", ""},
         {"ToolTip", QVariant::fromValue(ToolTip{{}, {}, content_.text, {}})},
         {"ItemIsMenu", false},
         {"Menu", QVariant::fromValue(QDBusObjectPath(menuPath_))},
+        // The host's own order.
+        {"XAyatanaOrderingIndex", 0U},
     };
     if (content_.label) {
         map.insert("XAyatanaLabel", *content_.label);

@@ -47,13 +47,16 @@ class ItemMenu : public ::testing::Test {
     QDBusConnection menuBus_ = bus_.connect();
     QDBusConnection hostBus_ = bus_.connect();
     int opened_ = 0;
+    int settings_ = 0;
     int quit_ = 0;
+    int opening_ = 0;
     DBusMenu menu_{menuBus_,
                    "/Menu",
                    {{.label = "Open Panel", .chosen = [this] { ++opened_; }},
-                    {.label = "Set_tings", .chosen = nullptr},
+                    {.label = "Set_tings", .chosen = [this] { ++settings_; }},
                     {.label = {}, .chosen = nullptr},
-                    {.label = "Quit", .chosen = [this] { ++quit_; }}}};
+                    {.label = "Quit", .chosen = [this] { ++quit_; }}},
+                   [this] { ++opening_; }};
 };
 
 TEST_F(ItemMenu, LaysOutItsEntriesInOrder) {
@@ -65,7 +68,8 @@ TEST_F(ItemMenu, LaysOutItsEntriesInOrder) {
     EXPECT_EQ(child(*root, 0).id, 1);
     EXPECT_EQ(child(*root, 0).properties.value("label"), QVariant("Open Panel"));
     EXPECT_EQ(child(*root, 0).properties.value("enabled"), QVariant(true));
-    EXPECT_EQ(child(*root, 1).properties.value("enabled"), QVariant(false));
+    EXPECT_EQ(child(*root, 1).properties.value("enabled"), QVariant(true));
+    EXPECT_EQ(child(*root, 1).properties.value("visible"), QVariant(true));
     EXPECT_EQ(child(*root, 2).properties.value("type"), QVariant("separator"));
     EXPECT_EQ(child(*root, 3).id, 4);
     EXPECT_EQ(child(*root, 3).properties.value("label"), QVariant("Quit"));
@@ -134,16 +138,27 @@ TEST_F(ItemMenu, TakesEventsInAGroup) {
     EXPECT_EQ(call("EventGroup", {event(8, "clicked")}).type(), QDBusMessage::ErrorMessage);
 }
 
-TEST_F(ItemMenu, DoesNothingForDisabledEntriesAndOtherEvents) {
-    call("Event", {2, QString("clicked"), noData(), 0U});
+TEST_F(ItemMenu, DoesNothingForSeparatorsAndOtherEvents) {
     call("Event", {3, QString("clicked"), noData(), 0U});
     call("Event", {0, QString("clicked"), noData(), 0U});
     call("Event", {1, QString("hovered"), noData(), 0U});
-    call("Event", {0, QString("opened"), noData(), 0U});
+    call("Event", {2, QString("closed"), noData(), 0U});
+    EXPECT_EQ(opening_, 0);
     EXPECT_EQ(call("Event", {5, QString("clicked"), noData(), 0U}).type(),
               QDBusMessage::ErrorMessage);
+    EXPECT_EQ(opened_ + settings_ + quit_, 0);
+}
+
+TEST_F(ItemMenu, TellsWhenItIsAboutToBeShown) {
+    call("AboutToShow", {1});
+    EXPECT_EQ(opening_, 0);
     call("AboutToShow", {0});
-    EXPECT_EQ(opened_ + quit_, 0);
+    EXPECT_EQ(opening_, 1);
+    call("AboutToShowGroup", {QVariant::fromValue(QList<int>{0, 1})});
+    EXPECT_EQ(opening_, 2);
+    call("Event", {0, QString("opened"), noData(), 0U});
+    EXPECT_EQ(opening_, 3);
+    EXPECT_EQ(opened_ + settings_ + quit_, 0);
 }
 
 TEST_F(ItemMenu, NeedsNoUpdateBeforeItIsShown) {

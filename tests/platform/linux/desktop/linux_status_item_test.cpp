@@ -48,6 +48,8 @@ class Item : public ::testing::Test {
         item_ = std::make_unique<LinuxStatusItem>(bus, options);
         item_->setActions({.click = [this] { ++clicks_; },
                            .refresh = [this] { ++refreshes_; },
+                           .openPanel = [this] { ++openings_; },
+                           .showSettings = [this] { ++settings_; },
                            .quit = [this] { ++quits_; }});
     }
 
@@ -81,6 +83,8 @@ class Item : public ::testing::Test {
     std::vector<std::string> notices_;
     int clicks_ = 0;
     int refreshes_ = 0;
+    int openings_ = 0;
+    int settings_ = 0;
     int quits_ = 0;
     StatusItemContent content_{.symbol = "check",
                                .tint = Tint::green,
@@ -237,6 +241,19 @@ TEST_F(Item, IsOneWidePictureWithTheTextWhereThatIsDrawnWhole) {
     EXPECT_EQ(pixmaps().size(), 6);
 }
 
+TEST_F(Item, KeepsItsWidthForEveryTextOfADisplayMode) {
+    program_ = "waybar";
+    show();
+    beginHost();
+    const int width = pixmaps().first().width;
+    for (const char* text : {"Loading...", "CPU 0%", "Disk 100%", "W", ""}) {
+        content_.text = text;
+        show();
+        ASSERT_EQ(pixmaps().size(), 1) << text;
+        EXPECT_EQ(pixmaps().first().width, width) << text;
+    }
+}
+
 TEST_F(Item, HasALabelOnlyWhileThereIsTextWhereLabelsShow) {
     program_ = "gnome-shell";
     show();
@@ -291,7 +308,7 @@ TEST_F(Item, ReportsClicksOfEachButton) {
     EXPECT_EQ(clicks_, 1);
 }
 
-TEST_F(Item, HasAMenuThatOpensThePanelAndQuits) {
+TEST_F(Item, HasAMenuThatOpensThePanelShowsTheSettingsAndQuits) {
     show();
     beginHost();
     const QString path = qvariant_cast<QDBusObjectPath>(host_.properties().value("Menu")).path();
@@ -305,14 +322,19 @@ TEST_F(Item, HasAMenuThatOpensThePanelAndQuits) {
         entries.append(node.properties.value("label").toString() +
                        (node.properties.value("enabled").toBool() ? "+" : "-"));
     }
-    EXPECT_THAT(entries, ElementsAre("Open Panel+", "Settings-", "-", "Quit+"));
+    EXPECT_THAT(entries, ElementsAre("Open Panel+", "Settings+", "-", "Quit+"));
     const auto choose = [&](int id) {
         call("Event", {id, QString("clicked"), QVariant::fromValue(QDBusVariant("")), 0U});
     };
     choose(1);
-    EXPECT_TRUE(waitUntil([&] { return clicks_ == 1; }));
+    EXPECT_TRUE(waitUntil([&] { return openings_ == 1; }));
+    choose(2);
+    EXPECT_TRUE(waitUntil([&] { return settings_ == 1; }));
+    choose(3);
     choose(4);
     EXPECT_TRUE(waitUntil([&] { return quits_ == 1; }));
+    EXPECT_EQ(clicks_, 0);
+    EXPECT_EQ(openings_ + settings_, 2);
 }
 
 TEST_F(Item, ClicksItselfForTheUserOnlyWhileItIsInATray) {

@@ -2,6 +2,8 @@
 
 #include <QDBusObjectPath>
 #include <QDBusVariant>
+#include <QFont>
+#include <QFontMetrics>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -59,6 +61,9 @@ TEST_F(NotifierItem, HasEveryPropertyThatHostsRead) {
     EXPECT_EQ(all.value("Category"), QVariant("SystemServices"));
     EXPECT_EQ(all.value("Id"), QVariant("tarnwick"));
     EXPECT_EQ(all.value("Title"), QVariant("Tarnwick status: CPU 12%"));
+    EXPECT_EQ(all.value("IconAccessibleDesc"), QVariant("Tarnwick status: CPU 12%"));
+    EXPECT_EQ(all.value("AttentionAccessibleDesc"), QVariant(""));
+    EXPECT_EQ(all.value("XAyatanaOrderingIndex"), QVariant(0U));
     EXPECT_EQ(all.value("Status"), QVariant("Active"));
     EXPECT_EQ(all.value("WindowId"), QVariant(0));
     EXPECT_EQ(all.value("ItemIsMenu"), QVariant(false));
@@ -139,6 +144,17 @@ TEST_F(NotifierItem, SignalsTheLabelWithItsTextWhenTheLabelChanged) {
     EXPECT_EQ(host_.signalArguments.last().value(0), QVariant("CPU 12%"));
     EXPECT_EQ(host_.properties().value("XAyatanaLabel"), QVariant("CPU 12%"));
     EXPECT_NE(host_.properties().value("XAyatanaLabelGuide").toString(), "");
+}
+
+TEST_F(NotifierItem, ReservesRoomForTheWidestLabel) {
+    content_.label = "";
+    item_.setContent(content_);
+    const QFontMetrics metrics{QFont()};
+    const int room =
+        metrics.horizontalAdvance(host_.properties().value("XAyatanaLabelGuide").toString());
+    for (const char* text : {"Loading...", "CPU 100%", "GPU 100%", "RAM 100%", "Disk 100%"}) {
+        EXPECT_LE(metrics.horizontalAdvance(text), room) << text;
+    }
 }
 
 TEST_F(NotifierItem, DoesNotAnnounceATitleThatTheHostHasNoUseFor) {
