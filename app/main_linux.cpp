@@ -5,6 +5,7 @@
 #include <string>
 
 #include "app/tarnwick_app.h"
+#include "platform/linux/autostart_login_service.h"
 #include "platform/linux/byte_count_text.h"
 #include "platform/linux/desktop/color_scheme.h"
 #include "platform/linux/desktop/interface_font.h"
@@ -24,7 +25,7 @@
 #include "platform/linux/linux_volumes.h"
 #include "platform/linux/sqlite_user_defaults.h"
 #include "platform/linux/standard_error.h"
-#include "platform/login_service.h"
+#include "platform/linux/start_command.h"
 #include "platform/platform.h"
 #include "ui/panel/menu_bar_view.h"
 #include "ui/qt/panel_window.h"
@@ -34,9 +35,13 @@
 namespace tarnwick {
 namespace {
 
+const char* environment(const char* name) {
+    return std::getenv(name);
+}
+
 bool hasDisplay() {
     for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"}) {
-        const char* value = std::getenv(name);
+        const char* value = environment(name);
         if (value && *value) {
             return true;
         }
@@ -58,7 +63,8 @@ void installPlatform(platform::UserDefaults& userDefaults) {
         .batteryHealth = powerSources,
         .processTable = new platform::LinuxProcessTable(),
         .userDefaults = &userDefaults,
-        .loginService = new platform::NullLoginService(),
+        .loginService = new platform::AutostartLoginService(
+            platform::startCommand(platform::runningProgram(), environment), environment),
         .byteCountFormatter = new platform::PlainByteCountFormatter(),
         .dispatch = new platform::QtDispatch(),
     });
@@ -93,7 +99,6 @@ int run(QApplication& application) {
             return EXIT_FAILURE;
     }
 
-    const auto environment = [](const char* name) { return std::getenv(name); };
     auto& userDefaults = *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
     installPlatform(userDefaults);
     platform::applyInterfaceFont();

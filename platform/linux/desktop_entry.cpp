@@ -24,35 +24,28 @@ std::string_view withoutSpaces(std::string_view text) {
     return text.substr(0, text.find_last_not_of(spaces) + 1);
 }
 
-// Resolves the escapes of a text value.
-std::string unescaped(std::string_view value) {
-    std::string text;
-    while (!value.empty()) {
-        char character = value.front();
-        value.remove_prefix(1);
-        if (character == '\\' && !value.empty()) {
-            switch (value.front()) {
-                case 's':
-                    character = ' ';
-                    break;
-                case 'n':
-                    character = '\n';
-                    break;
-                case 't':
-                    character = '\t';
-                    break;
-                case 'r':
-                    character = '\r';
-                    break;
-                default:
-                    character = value.front();
-                    break;
+// Goes through the keys of the main group: hands each with its value, without spaces around them,
+// to `visit` until that returns false.
+template <class Visit>
+void visitKeys(std::string_view text, Visit visit) {
+    bool isInGroup = false;
+    while (!text.empty()) {
+        const std::string_view line = takeLine(text);
+        if (line.starts_with('[')) {
+            if (isInGroup) {
+                break;
             }
-            value.remove_prefix(1);
+            isInGroup = line == "[Desktop Entry]";
+            continue;
         }
-        text += character;
+        const std::size_t equals = line.find('=');
+        if (!isInGroup || line.starts_with('#') || equals == std::string_view::npos) {
+            continue;
+        }
+        if (!visit(withoutSpaces(line.substr(0, equals)), withoutSpaces(line.substr(equals + 1)))) {
+            break;
+        }
     }
-    return text;
 }
 
 // How good the name under this key is, smaller being better; absent for any other key.
@@ -94,6 +87,47 @@ void addSuffixes(std::string_view locale, std::vector<std::string>& suffixes) {
 
 }  // namespace
 
+std::optional<std::string_view> desktopEntryValue(std::string_view text, std::string_view key) {
+    std::optional<std::string_view> found;
+    visitKeys(text, [&](std::string_view each, std::string_view value) {
+        if (each == key) {
+            found = value;
+        }
+        return true;
+    });
+    return found;
+}
+
+std::string desktopEntryText(std::string_view value) {
+    std::string text;
+    while (!value.empty()) {
+        char character = value.front();
+        value.remove_prefix(1);
+        if (character == '\\' && !value.empty()) {
+            switch (value.front()) {
+                case 's':
+                    character = ' ';
+                    break;
+                case 'n':
+                    character = '\n';
+                    break;
+                case 't':
+                    character = '\t';
+                    break;
+                case 'r':
+                    character = '\r';
+                    break;
+                default:
+                    character = value.front();
+                    break;
+            }
+            value.remove_prefix(1);
+        }
+        text += character;
+    }
+    return text;
+}
+
 std::vector<std::string> localeSuffixes(
     const std::function<const char*(const char*)>& environment) {
     const auto value = [&environment](const char* name) {
@@ -125,24 +159,11 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
                                               std::span<const std::string> suffixes) {
     DesktopEntry entry;
     std::size_t rank = suffixes.size() + 1;
-    bool isInGroup = false;
-    while (!text.empty()) {
-        const std::string_view line = takeLine(text);
-        if (line.starts_with('[')) {
-            if (isInGroup) {
-                break;
-            }
-            isInGroup = line == "[Desktop Entry]";
-            continue;
-        }
-        const std::size_t equals = line.find('=');
-        if (!isInGroup || line.starts_with('#') || equals == std::string_view::npos) {
-            continue;
-        }
-        const std::string_view key = withoutSpaces(line.substr(0, equals));
-        const std::string_view value = withoutSpaces(line.substr(equals + 1));
+    bool isApplication = true;
+    visitKeys(text, [&](std::string_view key, std::string_view value) {
         if ((key == "Type" && value != "Application") || (key == "Hidden" && value == "true")) {
-            return std::nullopt;
+            isApplication = false;
+            return false;
         }
         if (key == "NoDisplay") {
             entry.isShown = value != "true";
@@ -150,10 +171,11 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
         const std::optional<std::size_t> found = rankOfName(key, suffixes);
         if (found && *found < rank && !value.empty()) {
             rank = *found;
-            entry.name = repairedUTF8(unescaped(value));
+            entry.name = repairedUTF8(desktopEntryText(value));
         }
-    }
-    if (entry.name.empty()) {
+        return true;
+    });
+    if (!isApplication || entry.name.empty()) {
         return std::nullopt;
     }
     return entry;

@@ -17,6 +17,13 @@ struct DesktopEntry {
     bool isShown = true;
 };
 
+/// The raw value of a key of the entry's main group, without spaces around it; the last one where
+/// it is given several times. Absent when the key or the group is not there.
+std::optional<std::string_view> desktopEntryValue(std::string_view text, std::string_view key);
+
+/// The text that a value stands for, its escapes resolved.
+std::string desktopEntryText(std::string_view value);
+
 /// Suffixes of localised keys for the user's language, the likeliest first: for "de_AT@euro" that
 /// is "de_AT@euro", "de_AT", "de@euro", "de". `environment` gives a variable's value or null.
 std::vector<std::string> localeSuffixes(const std::function<const char*(const char*)>& environment);

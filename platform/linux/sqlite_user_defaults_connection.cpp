@@ -6,6 +6,8 @@
 #include <sqlite3.h>
 #include <utility>
 
+#include "platform/linux/folders.h"
+
 namespace tarnwick::platform {
 namespace {
 

@@ -20,14 +20,6 @@ std::error_code lastError() {
     return {errno, std::generic_category()};
 }
 
-void makeLasting(const std::filesystem::path& folder) {
-    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (descriptor >= 0) {
-        ::fsync(descriptor);
-        ::close(descriptor);
-    }
-}
-
 bool isTaken(const std::filesystem::path& path) {
     struct stat found {};
     return ::lstat(path.c_str(), &found) == 0 || errno != ENOENT;
@@ -104,25 +96,6 @@ std::error_code obstacleToWriting(const std::filesystem::path& file) {
         return {};
     }
     return lastError();
-}
-
-std::error_code makeFolder(const std::filesystem::path& folder) {
-    if (::mkdir(folder.c_str(), 0700) == 0) {
-        makeLasting(folder.parent_path());
-        return {};
-    }
-    std::error_code error = lastError();
-    if (error == std::errc::file_exists) {
-        return {};
-    }
-    if (error == std::errc::no_such_file_or_directory && folder.has_relative_path()) {
-        error = makeFolder(folder.parent_path());
-        if (!error && ::mkdir(folder.c_str(), 0700) != 0 && errno != EEXIST) {
-            error = lastError();
-        }
-        makeLasting(folder.parent_path());
-    }
-    return error;
 }
 
 SetAside setAside(const std::filesystem::path& file, const std::optional<FileIdentity>& judged) {

@@ -54,9 +54,6 @@ class FolderLock {
     int descriptor_;
 };
 
-/// Makes `folder` and what is missing above it, for this user only, and lasting.
-std::error_code makeFolder(const std::filesystem::path& folder);
-
 struct SetAside {
     /// The file's new name; absent when somebody else has moved or written it meanwhile.
     std::optional<std::filesystem::path> movedTo;

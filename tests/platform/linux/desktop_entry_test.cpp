@@ -128,5 +128,27 @@ TEST(DesktopEntry, OfDamagedTextIsNone) {
     }
 }
 
+TEST(DesktopEntryValue, IsTheRawTextAfterTheEqualsSign) {
+    const std::string text =
+        "X=before\n# X=comment\n[Desktop Entry]\nX = a\\sb = c \r\n#X=1\nX[de]=d\nEmpty=\n"
+        "[Other]\nX=other\nY=other\n";
+    EXPECT_EQ(desktopEntryValue(text, "X"), "a\\sb = c");
+    EXPECT_EQ(desktopEntryValue(text, "X[de]"), "d");
+    EXPECT_EQ(desktopEntryValue(text, "Empty"), "");
+    EXPECT_EQ(desktopEntryValue(text, "Y"), std::nullopt);
+    EXPECT_EQ(desktopEntryValue(text, "x"), std::nullopt);
+    EXPECT_EQ(desktopEntryValue("", "X"), std::nullopt);
+}
+
+TEST(DesktopEntryValue, IsTheLastOfSeveral) {
+    EXPECT_EQ(desktopEntryValue("[Desktop Entry]\nX=1\nX=2\n", "X"), "2");
+}
+
+TEST(DesktopEntryText, HasItsEscapesResolved) {
+    EXPECT_EQ(desktopEntryText(R"(a\sb\n\t\r\\c\;)"), "a b\n\t\r\\c;");
+    EXPECT_EQ(desktopEntryText("a\\"), "a\\");
+    EXPECT_EQ(desktopEntryText(""), "");
+}
+
 }  // namespace
 }  // namespace tarnwick::platform
