@@ -1,0 +1,88 @@
+// One shortcut that a desktop is asked for through the portal, which asks its user in turn.
+#pragma once
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QObject>
+#include <QString>
+#include <QVariantList>
+#include <QVariantMap>
+#include <cstdint>
+#include <functional>
+#include <string>
+
+namespace tarnwick::platform {
+
+/// Owner of the name is the portal; it can come and go.
+inline constexpr auto kPortalService = "org.freedesktop.portal.Desktop";
+
+/// Asks once it is started. Never waits for the
+/// bus; main thread.
+class PortalShortcut final : public QObject {
+    Q_OBJECT
+
+ public:
+    enum class State {
+        /// The portal has not decided, which lasts as long as its user takes.
+        asking,
+        /// Presses come.
+        bound,
+        /// The portal took it but names no keys for it. The first press makes it bound.
+        unbound,
+        /// The user has chosen other keys.
+        taken,
+        /// The user or the portal said no.
+        refused,
+        /// There is no portal, or none that has shortcuts.
+        unavailable,
+        /// The portal has ended it.
+        closed,
+    };
+
+    /// `modifiers` is a sum of hot_key_modifier bits, `keysymName` the key's name in XKB.
+    PortalShortcut(QDBusConnection bus, std::uint32_t modifiers, std::string keysymName);
+
+    /// `changed` is called for every change of the state, `pressed` for every press; both from the
+    /// event loop.
+    void start(std::function<void()> changed, std::function<void()> pressed);
+    /// Gives the shortcut back to the portal; nothing is called any more.
+    void close();
+
+    State state() const { return state_; }
+    /// Unique name of the portal on the bus; empty until it has answered.
+    const QString& portal() const { return portal_; }
+
+ private slots:
+    void responded(const QDBusMessage& signal);
+    void activated(const QDBusMessage& signal);
+    void shortcutsChanged(const QDBusMessage& signal);
+    void sessionClosed(const QDBusMessage& signal);
+
+ private:
+    void createSession();
+    void bind();
+    void ask(const char* method, const QVariantList& arguments, QVariantMap options);
+    void connectTo(const char* interface, const char* signal, const char* slot);
+    bool isOfSession(const QDBusMessage& signal) const;
+    /// The state by what the portal lists.
+    State judged(const QVariant& shortcuts) const;
+    void set(State state);
+
+    QDBusConnection bus_;
+    const std::uint32_t modifiers_;
+    const std::string keysymName_;
+    /// Another one for each combination: the portal keeps what its user chose for a name.
+    const QString id_;
+    std::function<void()> changed_;
+    std::function<void()> pressed_;
+    State state_ = State::asking;
+    QString portal_;
+    /// The request that waits for its response; empty when none does.
+    QString request_;
+    /// As the portal calls it or, until it has answered, will; empty when there is none.
+    QString session_;
+    bool hasSession_ = false;
+    bool isClosed_ = false;
+};
+
+}  // namespace tarnwick::platform
