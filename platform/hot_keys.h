@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
 namespace tarnwick::platform {
@@ -16,6 +15,8 @@ inline constexpr std::int32_t kSuccess = 0;
 inline constexpr std::int32_t kExists = -9878;
 /// The event was not handled; it goes on to the next handler.
 inline constexpr std::int32_t kEventNotHandled = -9874;
+/// The system has no such operation.
+inline constexpr std::int32_t kUnimplemented = -4;
 }  // namespace hot_key_status
 
 /// Modifiers of a hot key, as bits of one number.
@@ -87,6 +88,18 @@ class HotKeys {
     /// the keyboard's layout. Registering again then gives the outcome of now, at once. Never
     /// called from inside the operations above.
     virtual void setRegistrationChanged(std::function<void()> changed) = 0;
+};
+
+/// For a system without shortcuts: every operation fails.
+class NullHotKeys final : public HotKeys {
+ public:
+    HandlerResult installEventHandler(HotKeyHandler) override {
+        return {hot_key_status::kUnimplemented, nullptr};
+    }
+    RegistrationResult registerEventHotKey(std::uint32_t, std::uint32_t, HotKeyID) override {
+        return {hot_key_status::kUnimplemented, nullptr};
+    }
+    void setRegistrationChanged(std::function<void()>) override {}
 };
 
 }  // namespace tarnwick::platform

@@ -18,4 +18,10 @@ class KeyboardLayout {
     virtual std::optional<std::string> displayText(std::uint16_t virtualKeyCode) = 0;
 };
 
+/// For a system that does not tell its layout: no key produces anything.
+class NullKeyboardLayout final : public KeyboardLayout {
+ public:
+    std::optional<std::string> displayText(std::uint16_t) override { return std::nullopt; }
+};
+
 }  // namespace tarnwick::platform

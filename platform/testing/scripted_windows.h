@@ -1,0 +1,39 @@
+// Windows without a screen.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "platform/testing/answers.h"
+#include "platform/windows.h"
+
+namespace tarnwick::platform::testing {
+
+/// The calls are recorded as the operations are named, those of windows with the window's number
+/// from 1: "make 1", "title 1 TEXT", "content 1", "no content 1", "delegate 1", "no delegate 1",
+/// "center 1", "front 1", "gone 1" (the window was destroyed) and "activate". Main thread; outlives
+/// its windows.
+class ScriptedWindows final : public Windows {
+ public:
+    CallRecord calls;
+    /// Of every window made, in order.
+    std::vector<WindowOptions> options;
+    /// The delegate that each window was given last; null for none.
+    std::vector<WindowDelegate*> delegates;
+
+    std::unique_ptr<Window> makeWindow(const WindowOptions& windowOptions) override;
+    void activateIgnoringOtherApps() override { calls.add("activate"); }
+
+    /// How many windows exist.
+    int living() const { return living_; }
+    /// The user closes a window, which tells its delegate, if it has one.
+    void closeByUser(int number);
+
+ private:
+    class ScriptedWindow;
+
+    int living_ = 0;
+};
+
+}  // namespace tarnwick::platform::testing
