@@ -5,6 +5,8 @@
 #include <string>
 
 #include "app/tarnwick_app.h"
+#include "platform/hot_keys.h"
+#include "platform/keyboard_layout.h"
 #include "platform/linux/autostart_login_service.h"
 #include "platform/linux/byte_count_text.h"
 #include "platform/linux/desktop/color_scheme.h"
@@ -29,8 +31,10 @@
 #include "platform/platform.h"
 #include "ui/panel/menu_bar_view.h"
 #include "ui/qt/panel_window.h"
+#include "ui/qt/settings_placeholder.h"
 #include "ui/qt/symbols.h"
 #include "ui/qt/theme.h"
+#include "ui/qt/titled_window.h"
 
 namespace tarnwick {
 namespace {
@@ -65,6 +69,8 @@ void installPlatform(platform::UserDefaults& userDefaults) {
         .userDefaults = &userDefaults,
         .loginService = new platform::AutostartLoginService(
             platform::startCommand(platform::runningProgram(), environment), environment),
+        .hotKeys = new platform::NullHotKeys(),
+        .keyboardLayout = new platform::NullKeyboardLayout(),
         .byteCountFormatter = new platform::PlainByteCountFormatter(),
         .dispatch = new platform::QtDispatch(),
     });
@@ -111,15 +117,26 @@ int run(QApplication& application) {
         item.setDark(dark);
     });
 
-    TarnwickApp app(item);
+    qt::TitledWindows windows;
+    TarnwickApp app(TarnwickAppDesktop{
+        item, windows, [](UserSettings&) { return qt::makeSettingsPlaceholder(); }});
     const auto quit = [&application] { application.quit(); };
-    MenuBarView view(app.statsManager(), {.quit = quit});
+    // The panel is made after the view whose button closes it.
+    std::function<void()> closePanel;
+    MenuBarView view(app.statsManager(), {.showSettings =
+                                              [&app, &closePanel] {
+                                                  closePanel();
+                                                  app.showSettingsWindow();
+                                              },
+                                          .quit = quit});
     qt::PanelWindow panel(view, theme, *platform::current().dispatch);
+    closePanel = [&panel] { panel.close(); };
     const auto openPanel = [&panel, &item] { panel.open(panelAnchor(item)); };
-    item.setActions({.click = [&panel, &item] { panel.toggle(panelAnchor(item)); },
+    item.setActions({.click = [&panel, &item] { panel.click(panelAnchor(item)); },
+                     .toggle = [&panel, &item] { panel.toggle(panelAnchor(item)); },
                      .refresh = [&app] { app.statsManager().refreshNow(); },
                      .openPanel = openPanel,
-                     .showSettings = nullptr,
+                     .showSettings = [&app] { app.showSettingsWindow(); },
                      .quit = quit});
     instance.setOpenPanel(openPanel);
     const platform::QuitSignals quitSignals(quit);

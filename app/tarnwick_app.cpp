@@ -2,38 +2,65 @@
 
 #include <utility>
 
-#include "app/menu_bar_panel.h"
 #include "evaluation/menu_bar_label.h"
+#include "platform/platform.h"
 #include "services/battery_service.h"
 
 namespace tarnwick {
 
 TarnwickAppEnvironment TarnwickAppEnvironment::shared() {
-    return {UserSettings::shared(), BatteryService::shared(), StatsManagerEnvironment::shared()};
+    return {UserSettings::shared(), BatteryService::shared(), StatsManagerEnvironment::shared(),
+            *platform::current().hotKeys};
 }
 
-TarnwickApp::TarnwickApp(platform::StatusItem& statusItem, TarnwickAppEnvironment environment)
-    : statusItem_(statusItem),
+TarnwickApp::TarnwickApp(TarnwickAppDesktop desktop, TarnwickAppEnvironment environment)
+    : statusItem_(desktop.statusItem),
       environment_(std::move(environment)),
       statsManager_(&environment_.settings, environment_.batteryService, kSlowVisibleInterval,
                     kSlowIdleInterval, environment_.stats),
-      appDelegate_(environment_.settings, environment_.stats.dispatch, nullptr,
-                   [&statusItem] { return toggleMenuBarPanel(statusItem); }),
+      settingsWindow_(desktop.windows,
+                      [make = std::move(desktop.makeSettingsView),
+                       &settings = environment_.settings] { return make(settings); }),
+      appDelegate_(
+          environment_.settings, environment_.stats.dispatch,
+          [weak = std::weak_ptr(self_)] {
+              if (const auto self = weak.lock()) {
+                  (*self)->showSettingsWindow();
+              }
+          },
+          [&item = statusItem_, logger = environment_.logger] {
+              return HotKeyService::toggleMenuBarPanel(item, logger);
+          }),
+      shortcutKeyCode_(environment_.settings.shortcutKeyCode()),
+      shortcutModifiers_(environment_.settings.shortcutModifiers()),
       statsSubscription_(statsManager_.objectWillChange([this] { labelWillChange(); })),
-      settingsSubscription_(environment_.settings.objectWillChange([this] { labelWillChange(); })) {
+      settingsSubscription_(environment_.settings.objectWillChange([this] {
+          labelWillChange();
+          shortcutWillChange();
+      })) {
     showLabel();
+    labelDidAppear();
+}
+
+TarnwickApp::~TarnwickApp() {
+    if (hotKeyService_) {
+        environment_.hotKeys.setRegistrationChanged(nullptr);
+    }
+}
+
+void TarnwickApp::later(std::function<void(TarnwickApp&)> work) {
+    environment_.stats.dispatch.async([weak = std::weak_ptr(self_), work = std::move(work)] {
+        if (const auto self = weak.lock()) {
+            work(**self);
+        }
+    });
 }
 
 void TarnwickApp::labelWillChange() {
     // However many fields change in one turn, the label is rebuilt once, after all were written.
-    if (std::exchange(isLabelStale_, true)) {
-        return;
+    if (!std::exchange(isLabelStale_, true)) {
+        later([](TarnwickApp& app) { app.showLabel(); });
     }
-    environment_.stats.dispatch.async([weak = std::weak_ptr(self_)] {
-        if (const auto self = weak.lock()) {
-            (*self)->showLabel();
-        }
-    });
 }
 
 void TarnwickApp::showLabel() {
@@ -43,6 +70,54 @@ void TarnwickApp::showLabel() {
     MenuBarLabel label = menuBarLabel(summary, environment_.settings.menuBarDisplayModeRawValue());
     statusItem_.setContent({std::move(label.symbol), label.tint, std::move(label.text),
                             std::move(label.accessibilityLabel)});
+}
+
+void TarnwickApp::labelDidAppear() {
+    ensureHotKeyService();
+}
+
+void TarnwickApp::shortcutWillChange() {
+    // Both halves of a shortcut are written before either is looked at.
+    if (!std::exchange(isShortcutStale_, true)) {
+        later([](TarnwickApp& app) { app.noticeShortcut(); });
+    }
+}
+
+void TarnwickApp::noticeShortcut() {
+    isShortcutStale_ = false;
+    const std::int64_t keyCode = environment_.settings.shortcutKeyCode();
+    const std::int64_t modifiers = environment_.settings.shortcutModifiers();
+    const bool isOtherKey = std::exchange(shortcutKeyCode_, keyCode) != keyCode;
+    const bool areOtherModifiers = std::exchange(shortcutModifiers_, modifiers) != modifiers;
+    // Each setting applies the shortcut for itself; twice in a row is as good as once.
+    if (isOtherKey) {
+        shortcutDidChange();
+    }
+    if (areOtherModifiers) {
+        shortcutDidChange();
+    }
+}
+
+void TarnwickApp::shortcutDidChange() {
+    ensureHotKeyService();
+    hotKeyService_->applyShortcut(environment_.settings);
+}
+
+void TarnwickApp::registrationDidChange() {
+    // Registering again from inside the desktop's call would take away what calls.
+    later([](TarnwickApp& app) { app.hotKeyService_->applyShortcut(app.environment_.settings); });
+}
+
+void TarnwickApp::ensureHotKeyService() {
+    if (hotKeyService_) {
+        return;
+    }
+    hotKeyService_ = std::make_unique<HotKeyService>(
+        [this] { HotKeyService::toggleMenuBarPanel(statusItem_, environment_.logger); },
+        HotKeyServiceEnvironment{environment_.hotKeys, environment_.stats.dispatch,
+                                 environment_.logger});
+    environment_.hotKeys.setRegistrationChanged([this] { registrationDidChange(); });
+    hotKeyService_->applyShortcut(environment_.settings);
 }
 
 }  // namespace tarnwick

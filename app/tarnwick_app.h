@@ -1,23 +1,40 @@
-// The entry value: owns the long-lived objects and keeps the status item's label current.
+// The entry value: owns the long-lived objects, keeps the status item's label current and the
+// stored shortcut registered.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 
 #include "app/app_delegate.h"
+#include "app/settings_window.h"
 #include "core/published.h"
 #include "core/stats_manager.h"
 #include "platform/desktop.h"
 #include "platform/dispatch.h"
+#include "platform/hot_keys.h"
+#include "platform/log.h"
+#include "platform/windows.h"
+#include "settings/hot_key_service.h"
 #include "settings/user_settings.h"
 
 namespace tarnwick {
+
+/// Where the application shows itself; all outlive it.
+struct TarnwickAppDesktop {
+    platform::StatusItem& statusItem;
+    platform::Windows& windows;
+    /// Makes the content of the settings window, which edits the settings.
+    std::function<std::unique_ptr<platform::View>(UserSettings&)> makeSettingsView;
+};
 
 /// What the application runs on; the defaults are the process-wide ones.
 struct TarnwickAppEnvironment {
     UserSettings& settings;
     std::shared_ptr<BatteryReader> batteryService;
     StatsManagerEnvironment stats;
+    platform::HotKeys& hotKeys;
+    platform::Logger logger{};
 
     static TarnwickAppEnvironment shared();
 };
@@ -30,28 +47,48 @@ class TarnwickApp {
     /// Seconds between two slow refreshes while it is hidden.
     static constexpr double kSlowIdleInterval = 120;
 
-    /// `statusItem` must outlive the application. Creates the stats manager, which starts polling,
-    /// and shows the label.
-    explicit TarnwickApp(platform::StatusItem& statusItem,
+    /// Creates the stats manager, which starts polling, shows the label and registers the stored
+    /// shortcut.
+    explicit TarnwickApp(TarnwickAppDesktop desktop,
                          TarnwickAppEnvironment environment = TarnwickAppEnvironment::shared());
     TarnwickApp(const TarnwickApp&) = delete;
     TarnwickApp& operator=(const TarnwickApp&) = delete;
+    ~TarnwickApp();
 
     UserSettings& settings() { return environment_.settings; }
     StatsManager& statsManager() { return statsManager_; }
     AppDelegate& appDelegate() { return appDelegate_; }
 
+    /// Shows the settings window, or brings it to the front.
+    void showSettingsWindow() { settingsWindow_.show(); }
+    /// The label is on screen: the first time, begins to serve the shortcut.
+    void labelDidAppear();
+
  private:
     void labelWillChange();
     void showLabel();
+    void shortcutWillChange();
+    void noticeShortcut();
+    void shortcutDidChange();
+    void registrationDidChange();
+    void ensureHotKeyService();
+    /// Runs `work` on a later turn, unless the application has gone by then.
+    void later(std::function<void(TarnwickApp&)> work);
 
     platform::StatusItem& statusItem_;
     TarnwickAppEnvironment environment_;
-    StatsManager statsManager_;
-    AppDelegate appDelegate_;
-    bool isLabelStale_ = false;
     /// Expires with the application; what is queued holds it weakly.
     std::shared_ptr<TarnwickApp*> self_ = std::make_shared<TarnwickApp*>(this);
+    StatsManager statsManager_;
+    SettingsWindow settingsWindow_;
+    AppDelegate appDelegate_;
+    /// Absent until the label appears.
+    std::unique_ptr<HotKeyService> hotKeyService_;
+    // The shortcut that was stored when it was looked at last.
+    std::int64_t shortcutKeyCode_;
+    std::int64_t shortcutModifiers_;
+    bool isLabelStale_ = false;
+    bool isShortcutStale_ = false;
     Subscription statsSubscription_;
     Subscription settingsSubscription_;
 };

@@ -35,15 +35,17 @@ struct StatusItemContent {
 /// Presses that a status item reports. Called on the main thread.
 struct StatusItemActions {
     /// Primary click: opens or closes the panel.
-    std::function<void()> click;
+    std::function<void()> click{};
+    /// The program's own click: opens or closes the panel, whatever was clicked just before.
+    std::function<void()> toggle{};
     /// Middle click: refreshes.
-    std::function<void()> refresh;
+    std::function<void()> refresh{};
     /// Menu entry "Open Panel": opens the panel, or leaves it open.
-    std::function<void()> openPanel;
+    std::function<void()> openPanel{};
     /// Menu entry "Settings": shows the settings window.
-    std::function<void()> showSettings;
+    std::function<void()> showSettings{};
     /// Menu entry "Quit": ends the program.
-    std::function<void()> quit;
+    std::function<void()> quit{};
 };
 
 /// The one status item. Main thread.
@@ -56,7 +58,8 @@ class StatusItem {
     virtual void setActions(StatusItemActions actions) = 0;
     /// A tray shows the item, so that there is a button to click.
     virtual bool inTray() const = 0;
-    /// Clicks the item's button for the user. False when the item is in no tray.
+    /// Clicks the item's button for the user, which runs `toggle`. False when the item is in no
+    /// tray.
     virtual bool performClick() = 0;
 };
 

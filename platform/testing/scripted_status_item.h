@@ -23,8 +23,8 @@ class ScriptedStatusItem final : public StatusItem {
     bool inTray() const override { return isInTray; }
     bool performClick() override {
         ++clicks;
-        if (isInTray && actions.click) {
-            actions.click();
+        if (isInTray && actions.toggle) {
+            actions.toggle();
         }
         return isInTray;
     }

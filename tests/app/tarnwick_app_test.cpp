@@ -1,21 +1,37 @@
 #include "app/tarnwick_app.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <vector>
 
 #include "platform/testing/manual_dispatch.h"
 #include "platform/testing/memory_user_defaults.h"
+#include "platform/testing/recording_log.h"
+#include "platform/testing/scripted_hot_keys.h"
 #include "platform/testing/scripted_login_service.h"
 #include "platform/testing/scripted_status_item.h"
+#include "platform/testing/scripted_windows.h"
 #include "tests/services/no_battery.h"
 
 namespace tarnwick {
 namespace {
 
+using platform::LogLevel;
 using platform::testing::ManualDispatch;
 using platform::testing::MemoryUserDefaults;
+using platform::testing::RecordingLog;
+using platform::testing::ScriptedHotKeys;
 using platform::testing::ScriptedLoginService;
 using platform::testing::ScriptedStatusItem;
+using platform::testing::ScriptedWindows;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Pair;
+using testing::SizeIs;
+
+constexpr std::int64_t kCommand = 0x100000;
+constexpr std::int64_t kShift = 0x20000;
 
 class TarnwickAppTest : public testing::Test {
  protected:
@@ -41,10 +57,28 @@ class TarnwickAppTest : public testing::Test {
 
     std::unique_ptr<TarnwickApp> makeApp() {
         return std::make_unique<TarnwickApp>(
-            item, TarnwickAppEnvironment{
-                      settings, noBattery(store),
-                      StatsManagerEnvironment{dispatch, sources(), [this] { return time; },
-                                              platform::Logger()}});
+            TarnwickAppDesktop{item, windows,
+                               [this](UserSettings& edited) {
+                                   editedSettings.push_back(&edited);
+                                   return std::make_unique<platform::View>();
+                               }},
+            TarnwickAppEnvironment{
+                settings, noBattery(store),
+                StatsManagerEnvironment{dispatch, sources(), [this] { return time; },
+                                        platform::Logger()},
+                hotKeys, platform::Logger(log)});
+    }
+    void storeShortcut(std::int64_t keyCode, std::int64_t modifiers) {
+        settings.setShortcutKeyCode(keyCode);
+        settings.setShortcutModifiers(modifiers);
+    }
+    /// An application with Command-L, whose registration is over.
+    std::unique_ptr<TarnwickApp> makeAppWithShortcut() {
+        storeShortcut(37, kCommand);
+        auto app = makeApp();
+        dispatch.runMain();
+        hotKeys.calls.clear();
+        return app;
     }
 
     ManualDispatch dispatch;
@@ -52,6 +86,11 @@ class TarnwickAppTest : public testing::Test {
     ScriptedLoginService loginService;
     UserSettings settings{store, loginService};
     ScriptedStatusItem item;
+    ScriptedWindows windows;
+    ScriptedHotKeys hotKeys;
+    RecordingLog log;
+    /// What each settings window was made to edit.
+    std::vector<UserSettings*> editedSettings;
     CPUInfo cpu;
     /// Minute 0 of an hour, or 15, 30 or 45: in every time zone a multiple of the three metrics
     /// that are shown in turn.
@@ -146,6 +185,224 @@ TEST_F(TarnwickAppTest, NothingIsShownAfterTheApplicationHasGone) {
     item.contents.clear();
     dispatch.advance(500);
     EXPECT_TRUE(item.contents.empty());
+}
+
+// The shortcut.
+
+TEST_F(TarnwickAppTest, RegistersTheStoredShortcutWhenTheLabelAppears) {
+    storeShortcut(37, kCommand);
+    const auto app = makeApp();
+    EXPECT_FALSE(item.contents.empty());
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("install", "register 37 256"));
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::active);
+}
+
+TEST_F(TarnwickAppTest, WithoutAStoredShortcutNothingIsRegistered) {
+    const auto app = makeApp();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("install"));
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::inactive);
+}
+
+TEST_F(TarnwickAppTest, ALabelThatAppearsAgainChangesNothing) {
+    const auto app = makeAppWithShortcut();
+    app->labelDidAppear();
+    app->labelDidAppear();
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), IsEmpty());
+}
+
+TEST_F(TarnwickAppTest, AnotherKeyIsAppliedOnALaterTurn) {
+    const auto app = makeAppWithShortcut();
+    settings.setShortcutKeyCode(40);
+    EXPECT_THAT(hotKeys.calls.all(), IsEmpty());
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister", "register 40 256"));
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::active);
+}
+
+TEST_F(TarnwickAppTest, OtherModifiersAreApplied) {
+    const auto app = makeAppWithShortcut();
+    settings.setShortcutModifiers(kCommand | kShift);
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister", "register 37 768"));
+}
+
+TEST_F(TarnwickAppTest, ANewShortcutIsNeverMixedWithTheOldOne) {
+    const auto app = makeAppWithShortcut();
+    storeShortcut(40, kCommand | kShift);
+    dispatch.runMain();
+    // Once for the key and once for the modifiers.
+    EXPECT_THAT(hotKeys.calls.all(),
+                ElementsAre("unregister", "register 40 768", "unregister", "register 40 768"));
+    EXPECT_THAT(hotKeys.held(), SizeIs(1));
+}
+
+TEST_F(TarnwickAppTest, AClearedShortcutIsGivenBack) {
+    const auto app = makeAppWithShortcut();
+    storeShortcut(-1, 0);
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister"));
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::inactive);
+}
+
+TEST_F(TarnwickAppTest, TheSameShortcutStoredAgainIsLeftAlone) {
+    const auto app = makeAppWithShortcut();
+    storeShortcut(37, kCommand);
+    settings.setCPUHigh(91);
+    settings.setShortcutRegistrationState(RegistrationState::active);
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), IsEmpty());
+}
+
+TEST_F(TarnwickAppTest, TellsThatSomebodyElseHoldsTheShortcut) {
+    storeShortcut(37, kCommand);
+    hotKeys.registerStatus.queue(platform::hot_key_status::kExists);
+    const auto app = makeApp();
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::conflict);
+    settings.setShortcutKeyCode(40);
+    dispatch.runMain();
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::active);
+}
+
+TEST_F(TarnwickAppTest, ADesktopThatDecidesLateIsAskedAgain) {
+    storeShortcut(37, kCommand);
+    hotKeys.registerStatus.queue(-1);
+    const auto app = makeApp();
+    dispatch.runMain();
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::failed);
+    hotKeys.calls.clear();
+    hotKeys.changeRegistration();
+    EXPECT_THAT(hotKeys.calls.all(), IsEmpty());
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("register 37 256"));
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::active);
+}
+
+TEST_F(TarnwickAppTest, ADesktopThatTakesTheShortcutAwayIsBelieved) {
+    const auto app = makeAppWithShortcut();
+    hotKeys.registerStatus.set(platform::hot_key_status::kExists);
+    hotKeys.changeRegistration();
+    dispatch.runMain();
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::conflict);
+    EXPECT_THAT(hotKeys.held(), IsEmpty());
+}
+
+TEST_F(TarnwickAppTest, APressOfTheShortcutClicksTheItemOncePerPress) {
+    const auto app = makeAppWithShortcut();
+    int toggles = 0;
+    item.setActions({.toggle = [&] { ++toggles; }});
+    hotKeys.press();
+    EXPECT_EQ(toggles, 0);
+    dispatch.runMain();
+    EXPECT_EQ(toggles, 1);
+    hotKeys.press();
+    dispatch.runMain();
+    EXPECT_EQ(toggles, 2);
+}
+
+TEST_F(TarnwickAppTest, APressOfTheShortcutIsToldInTheLog) {
+    const auto app = makeAppWithShortcut();
+    const std::size_t before = log.lines().size();
+    hotKeys.press();
+    dispatch.runMain();
+    auto lines = log.lines();
+    lines.erase(lines.begin(), lines.begin() + static_cast<std::ptrdiff_t>(before));
+    EXPECT_THAT(lines,
+                ElementsAre(Pair(LogLevel::info, "Hot key PRESSED — invoking onTrigger"),
+                            Pair(LogLevel::info, "toggleMenuBarPanel() called"),
+                            Pair(LogLevel::info, "Found NSStatusBarButton, performing click")));
+}
+
+TEST_F(TarnwickAppTest, APressWithoutATrayOpensNothing) {
+    const auto app = makeAppWithShortcut();
+    item.isInTray = false;
+    hotKeys.press();
+    dispatch.advance(10);
+    EXPECT_EQ(item.clicks, 0);
+}
+
+TEST_F(TarnwickAppTest, GivesTheShortcutBackAndHearsNothingMoreOnceItHasGone) {
+    auto app = makeAppWithShortcut();
+    hotKeys.press();
+    hotKeys.changeRegistration();
+    settings.setShortcutKeyCode(40);
+    app.reset();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister", "remove"));
+    hotKeys.changeRegistration();
+    settings.setShortcutKeyCode(41);
+    dispatch.advance(10);
+    EXPECT_THAT(hotKeys.calls.all(), SizeIs(2));
+    EXPECT_EQ(item.clicks, 0);
+}
+
+// The settings window and the first launch.
+
+TEST_F(TarnwickAppTest, TheSettingsWindowEditsTheSettingsOfTheApplication) {
+    const auto app = makeApp();
+    EXPECT_EQ(windows.living(), 0);
+    app->showSettingsWindow();
+    app->showSettingsWindow();
+    EXPECT_EQ(windows.living(), 1);
+    EXPECT_THAT(editedSettings, ElementsAre(&settings));
+    windows.closeByUser(1);
+    app->showSettingsWindow();
+    EXPECT_THAT(editedSettings, ElementsAre(&settings, &settings));
+}
+
+TEST_F(TarnwickAppTest, TheFirstLaunchOpensTheSettingsWindowAndThenThePanel) {
+    const auto app = makeApp();
+    std::vector<int> windowsAtTheClick;
+    item.setActions({.toggle = [&] { windowsAtTheClick.push_back(windows.living()); }});
+    app->appDelegate().applicationDidFinishLaunching();
+    EXPECT_EQ(windows.living(), 0);
+    dispatch.runMain();
+    EXPECT_EQ(windows.living(), 1);
+    EXPECT_THAT(windowsAtTheClick, ElementsAre(1));
+    dispatch.advance(10);
+    EXPECT_EQ(item.clicks, 1);
+}
+
+TEST_F(TarnwickAppTest, TheSecondLaunchOpensNeither) {
+    settings.setHasPresentedInitialSettings(true);
+    const auto app = makeApp();
+    app->appDelegate().applicationDidFinishLaunching();
+    dispatch.advance(10);
+    EXPECT_EQ(windows.living(), 0);
+    EXPECT_EQ(item.clicks, 0);
+}
+
+TEST_F(TarnwickAppTest, TheFirstLaunchWaitsForAnItemThatIsLate) {
+    item.isInTray = false;
+    const auto app = makeApp();
+    app->appDelegate().applicationDidFinishLaunching();
+    dispatch.advance(0.3);
+    item.isInTray = true;
+    EXPECT_EQ(item.clicks, 0);
+    dispatch.advance(0.1);
+    EXPECT_EQ(item.clicks, 1);
+    dispatch.advance(10);
+    EXPECT_EQ(item.clicks, 1);
+}
+
+TEST_F(TarnwickAppTest, TheFirstLaunchGivesUpOnAnItemAfterSixAttempts) {
+    item.isInTray = false;
+    const auto app = makeApp();
+    app->appDelegate().applicationDidFinishLaunching();
+    dispatch.advance(60);
+    int attempts = 0;
+    for (const auto& [level, line] : log.lines()) {
+        attempts += line == "toggleMenuBarPanel() called" ? 1 : 0;
+    }
+    EXPECT_EQ(attempts, 6);
+    EXPECT_EQ(windows.living(), 1);
+}
+
+TEST_F(TarnwickAppTest, AFirstLaunchThatEndsAtOnceOpensNoWindow) {
+    auto app = makeApp();
+    app->appDelegate().applicationDidFinishLaunching();
+    app.reset();
+    dispatch.advance(10);
+    EXPECT_EQ(windows.living(), 0);
 }
 
 }  // namespace

@@ -48,14 +48,22 @@ void PanelWindow::close() {
 }
 
 void PanelWindow::toggle(const QRect& anchor) {
-    const bool isSameClick =
-        dismissedAt_ >= 0 && dispatch_.now() - dismissedAt_ < kSameClickInterval;
     dismissedAt_ = -1;
     if (isOpen()) {
         close();
-    } else if (!isSameClick) {
+    } else {
         open(anchor);
     }
+}
+
+void PanelWindow::click(const QRect& anchor) {
+    const bool isSameClick =
+        dismissedAt_ >= 0 && dispatch_.now() - dismissedAt_ < kSameClickInterval;
+    if (isSameClick && !isOpen()) {
+        dismissedAt_ = -1;
+        return;
+    }
+    toggle(anchor);
 }
 
 // The pop-up is still running one of its own events.

@@ -28,9 +28,11 @@ class PanelWindow final : public QObject {
     /// only a point is known. Does nothing while open.
     void open(const QRect& anchor);
     void close();
-    /// What a click on the status item does. Where that same click has just dismissed the panel
-    /// because it lay outside, the panel stays closed.
+    /// Opens the panel, or closes it.
     void toggle(const QRect& anchor);
+    /// What a click on the status item does: toggles the panel. Where that same click has just
+    /// dismissed the panel because it lay outside, the panel stays closed.
+    void click(const QRect& anchor);
 
     /// Seconds within which a click and the dismissal that it caused belong together.
     static constexpr double kSameClickInterval = 0.3;

@@ -72,7 +72,7 @@ bool LinuxStatusItem::performClick() {
     if (!inTray()) {
         return false;
     }
-    run(actions_.click);
+    run(actions_.toggle);
     return true;
 }
 

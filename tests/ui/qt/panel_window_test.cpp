@@ -176,9 +176,9 @@ TEST_F(PanelWindowTest, ToggleOpensAndCloses) {
 TEST_F(PanelWindowTest, TheClickThatDismissedThePanelDoesNotOpenItAgain) {
     open();
     pressAt(QPoint(-10, -10));
-    window->toggle(anchor);
+    window->click(anchor);
     EXPECT_FALSE(window->isOpen());
-    window->toggle(anchor);
+    window->click(anchor);
     EXPECT_TRUE(window->isOpen());
 }
 
@@ -186,7 +186,7 @@ TEST_F(PanelWindowTest, ALaterClickOpensItAgain) {
     open();
     pressAt(QPoint(-10, -10));
     manual.advance(2 * PanelWindow::kSameClickInterval);
-    window->toggle(anchor);
+    window->click(anchor);
     EXPECT_TRUE(window->isOpen());
 }
 
@@ -194,8 +194,34 @@ TEST_F(PanelWindowTest, AfterEscapeAClickOpensItAtOnce) {
     open();
     QKeyEvent escape(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier);
     QApplication::sendEvent(popup(), &escape);
+    window->click(anchor);
+    EXPECT_TRUE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, AToggleRightAfterAPressOutsideOpensIt) {
+    open();
+    pressAt(QPoint(-10, -10));
     window->toggle(anchor);
     EXPECT_TRUE(window->isOpen());
+    window->click(anchor);
+    EXPECT_FALSE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, AClickOpensAndCloses) {
+    window->click(anchor);
+    EXPECT_TRUE(window->isOpen());
+    window->click(anchor);
+    EXPECT_FALSE(window->isOpen());
+    window->click(anchor);
+    EXPECT_TRUE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, AClickOnTheItemClosesAPanelOpenedRightAfterAPressOutside) {
+    open();
+    pressAt(QPoint(-10, -10));
+    window->open(anchor);
+    window->click(anchor);
+    EXPECT_FALSE(window->isOpen());
 }
 
 TEST_F(PanelWindowTest, ShowsNewFiguresWhileOpen) {

@@ -47,6 +47,7 @@ class Item : public ::testing::Test {
         options.runtimeFolder = runtime_.path().toStdString();
         item_ = std::make_unique<LinuxStatusItem>(bus, options);
         item_->setActions({.click = [this] { ++clicks_; },
+                           .toggle = [this] { ++toggles_; },
                            .refresh = [this] { ++refreshes_; },
                            .openPanel = [this] { ++openings_; },
                            .showSettings = [this] { ++settings_; },
@@ -82,6 +83,7 @@ class Item : public ::testing::Test {
     std::string program_ = "a host that nobody knows";
     std::vector<std::string> notices_;
     int clicks_ = 0;
+    int toggles_ = 0;
     int refreshes_ = 0;
     int openings_ = 0;
     int settings_ = 0;
@@ -343,7 +345,8 @@ TEST_F(Item, ClicksItselfForTheUserOnlyWhileItIsInATray) {
     EXPECT_FALSE(item_->performClick());
     beginHost();
     EXPECT_TRUE(item_->performClick());
-    EXPECT_EQ(clicks_, 1);
+    EXPECT_EQ(toggles_, 1);
+    EXPECT_EQ(clicks_, 0);
 }
 
 TEST_F(Item, HasNoAnchorWhereThePointerCannotBeSeen) {

@@ -1,8 +1,10 @@
-#include "app/menu_bar_panel.h"
+// Opening and closing the panel from code.
+#include "settings/hot_key_service.h"
 
 namespace tarnwick {
 
-bool toggleMenuBarPanel(platform::StatusItem& statusItem, const platform::Logger& logger) {
+bool HotKeyService::toggleMenuBarPanel(platform::StatusItem& statusItem,
+                                       const platform::Logger& logger) {
     logger.info("toggleMenuBarPanel() called");
     if (!statusItem.inTray()) {
         logger.error("Could not find NSStatusBarButton in any window");

@@ -1,10 +1,9 @@
-#include "app/menu_bar_panel.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/testing/recording_log.h"
 #include "platform/testing/scripted_status_item.h"
+#include "settings/hot_key_service.h"
 
 namespace tarnwick {
 namespace {
@@ -18,7 +17,7 @@ using testing::Pair;
 TEST(ToggleMenuBarPanel, ClicksTheItemOnce) {
     ScriptedStatusItem item;
     RecordingLog log;
-    EXPECT_TRUE(toggleMenuBarPanel(item, platform::Logger(log)));
+    EXPECT_TRUE(HotKeyService::toggleMenuBarPanel(item, platform::Logger(log)));
     EXPECT_EQ(item.clicks, 1);
     EXPECT_THAT(log.lines(),
                 ElementsAre(Pair(LogLevel::info, "toggleMenuBarPanel() called"),
@@ -29,10 +28,8 @@ TEST(ToggleMenuBarPanel, SaysWhatItFoundBeforeItClicks) {
     ScriptedStatusItem item;
     RecordingLog log;
     std::size_t linesAtTheClick = 0;
-    item.setActions({.click = [&] { linesAtTheClick = log.lines().size(); },
-                     .refresh = nullptr,
-                     .quit = nullptr});
-    toggleMenuBarPanel(item, platform::Logger(log));
+    item.setActions({.toggle = [&] { linesAtTheClick = log.lines().size(); }});
+    HotKeyService::toggleMenuBarPanel(item, platform::Logger(log));
     EXPECT_EQ(linesAtTheClick, 2U);
 }
 
@@ -40,7 +37,7 @@ TEST(ToggleMenuBarPanel, SaysWhenThereIsNothingToClick) {
     ScriptedStatusItem item;
     item.isInTray = false;
     RecordingLog log;
-    EXPECT_FALSE(toggleMenuBarPanel(item, platform::Logger(log)));
+    EXPECT_FALSE(HotKeyService::toggleMenuBarPanel(item, platform::Logger(log)));
     EXPECT_EQ(item.clicks, 0);
     EXPECT_THAT(log.lines(), ElementsAre(Pair(LogLevel::info, "toggleMenuBarPanel() called"),
                                          Pair(LogLevel::error,

@@ -1,0 +1,58 @@
+// The life of the one settings window.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "platform/windows.h"
+
+namespace tarnwick {
+
+class SettingsWindow;
+
+/// Tears the settings window down when it closes.
+class SettingsWindowCloseDelegate final : public platform::WindowDelegate {
+ public:
+    explicit SettingsWindowCloseDelegate(SettingsWindow& settingsWindow)
+        : settingsWindow_(settingsWindow) {}
+
+    void windowWillClose() override;
+
+ private:
+    SettingsWindow& settingsWindow_;
+};
+
+/// There is a window while it is on screen, and none otherwise: what it shows begins afresh each
+/// time. Main thread only.
+class SettingsWindow {
+ public:
+    static constexpr const char* kTitle = "Tarnwick Settings";
+    /// Of the content, points.
+    static constexpr int kWidth = 520;
+    static constexpr int kHeight = 500;
+
+    /// `windows` must outlive the settings window; `makeView` makes what it shows.
+    SettingsWindow(platform::Windows& windows,
+                   std::function<std::unique_ptr<platform::View>()> makeView);
+    SettingsWindow(const SettingsWindow&) = delete;
+    SettingsWindow& operator=(const SettingsWindow&) = delete;
+
+    bool exists() const { return window_ != nullptr; }
+    /// Brings the window to the front, which is made first where there is none.
+    void show();
+
+ private:
+    friend class SettingsWindowCloseDelegate;
+
+    void tearDown();
+    void bringToFront(platform::Window& window);
+
+    platform::Windows& windows_;
+    std::function<std::unique_ptr<platform::View>()> makeView_;
+    /// The same one for every window, made with the first.
+    std::optional<SettingsWindowCloseDelegate> delegate_;
+    std::unique_ptr<platform::Window> window_;
+};
+
+}  // namespace tarnwick

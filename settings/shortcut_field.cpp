@@ -1,0 +1,109 @@
+#include "settings/shortcut_field.h"
+
+#include "settings/shortcut.h"
+
+namespace tarnwick {
+namespace {
+
+constexpr std::int64_t kDelete = 51;
+constexpr std::int64_t kForwardDelete = 117;
+constexpr std::int64_t kEscape = 53;
+
+/// The lower bits tell left from right and depend on the device.
+constexpr std::int64_t deviceIndependent(std::int64_t flags) {
+    return flags & ~std::int64_t{0xFFFF};
+}
+
+}  // namespace
+
+ShortcutField::ShortcutField(platform::KeyboardLayout& layout) : layout_(layout) {
+    refresh();
+}
+
+void ShortcutField::setShortcut(std::int64_t keyCode, std::int64_t modifiers) {
+    currentKeyCode_ = keyCode;
+    currentModifiers_ = modifiers;
+    refresh();
+}
+
+void ShortcutField::mouseDown() {
+    isRecording_ = true;
+    if (makeFirstResponder) {
+        makeFirstResponder();
+    }
+    setMessage(std::nullopt);
+    refresh();
+}
+
+bool ShortcutField::flagsChanged(std::int64_t flags) {
+    if (!isRecording_) {
+        return false;
+    }
+    setMessage(modifierValidationMessage(deviceIndependent(flags)));
+    refresh();
+    return true;
+}
+
+bool ShortcutField::keyDown(std::int64_t keyCode, std::int64_t flags) {
+    if (!isRecording_) {
+        return false;
+    }
+    if (keyCode == kDelete || keyCode == kForwardDelete) {
+        record(-1, 0);
+        return true;
+    }
+    if (keyCode == kEscape) {
+        stopRecording();
+        return true;
+    }
+    const std::int64_t modifiers = deviceIndependent(flags);
+    const ShortcutValidation verdict = validateShortcut(keyCode, modifiers);
+    if (verdict == ShortcutValidation::valid) {
+        record(keyCode, modifiers & modifier_flag::kMask);
+    } else if (verdict != ShortcutValidation::empty) {
+        setMessage(rejectionMessage(verdict));
+    }
+    return true;
+}
+
+void ShortcutField::resignFirstResponder() {
+    stopRecording();
+}
+
+void ShortcutField::record(std::int64_t keyCode, std::int64_t modifiers) {
+    isRecording_ = false;
+    currentKeyCode_ = keyCode;
+    currentModifiers_ = modifiers;
+    if (onShortcutRecorded) {
+        onShortcutRecorded(keyCode, modifiers);
+    }
+    setMessage(std::nullopt);
+    refresh();
+}
+
+void ShortcutField::stopRecording() {
+    isRecording_ = false;
+    setMessage(std::nullopt);
+    refresh();
+}
+
+void ShortcutField::setMessage(const std::optional<std::string>& message) {
+    if (onValidationMessageChanged) {
+        onValidationMessageChanged(message);
+    }
+}
+
+void ShortcutField::refresh() {
+    if (isRecording_) {
+        text_ = {"Press \u2318 + key\u2026", true};
+    } else if (isValidShortcut(currentKeyCode_, currentModifiers_)) {
+        text_ = {shortcutDisplayString(currentKeyCode_, currentModifiers_, layout_), false};
+    } else {
+        text_ = {"Click to record", true};
+    }
+    if (onRefresh) {
+        onRefresh();
+    }
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,81 @@
+// The control in which the user records a shortcut by pressing it, without a toolkit.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/keyboard_layout.h"
+
+namespace tarnwick {
+
+/// The one line that the field shows.
+struct ShortcutFieldText {
+    std::string text;
+    /// Drawn in the colour of placeholders; else in that of labels.
+    bool isPlaceholder = true;
+
+    bool operator==(const ShortcutFieldText&) const = default;
+};
+
+/// A toolkit's control passes on what happens to it, and draws text() as a text that can be neither
+/// edited nor selected: centred, in a rounded bezel that fills the control. It accepts the focus.
+/// Main thread only.
+class ShortcutField {
+ public:
+    /// Of the control, points.
+    static constexpr int kHeight = 24;
+    /// Of the system font, points.
+    static constexpr int kFontSize = 13;
+    /// To assistive technology the control is a button with this label and this help.
+    static constexpr const char* kAccessibilityLabel = "Global shortcut recorder";
+    static constexpr const char* kAccessibilityHelp =
+        "Click, then press Command and a key. Press Escape to cancel or Delete to clear.";
+
+    /// `layout` must outlive the field.
+    explicit ShortcutField(platform::KeyboardLayout& layout);
+    ShortcutField(const ShortcutField&) = delete;
+    ShortcutField& operator=(const ShortcutField&) = delete;
+
+    /// A shortcut was recorded: its key code and modifier flags; -1 and 0 when it was cleared.
+    std::function<void(std::int64_t keyCode, std::int64_t modifiers)> onShortcutRecorded;
+    /// What to tell the user below the field; absent for nothing.
+    std::function<void(const std::optional<std::string>& message)> onValidationMessageChanged;
+    /// Gives the control the focus of its window.
+    std::function<void()> makeFirstResponder;
+    /// text() may be another one now.
+    std::function<void()> onRefresh;
+
+    /// -1 for none.
+    std::int64_t currentKeyCode() const { return currentKeyCode_; }
+    std::int64_t currentModifiers() const { return currentModifiers_; }
+    /// Waiting for the user's key press.
+    bool isRecording() const { return isRecording_; }
+    const ShortcutFieldText& text() const { return text_; }
+
+    /// Shows another shortcut, whether valid or not.
+    void setShortcut(std::int64_t keyCode, std::int64_t modifiers);
+
+    // Events. `flags` are the modifier flags that are held. False for an event that is not the
+    // field's: it goes on to the next in line.
+    void mouseDown();
+    bool flagsChanged(std::int64_t flags);
+    bool keyDown(std::int64_t keyCode, std::int64_t flags);
+    /// The control has lost the focus.
+    void resignFirstResponder();
+
+ private:
+    void record(std::int64_t keyCode, std::int64_t modifiers);
+    void stopRecording();
+    void setMessage(const std::optional<std::string>& message);
+    void refresh();
+
+    platform::KeyboardLayout& layout_;
+    std::int64_t currentKeyCode_ = -1;
+    std::int64_t currentModifiers_ = 0;
+    bool isRecording_ = false;
+    ShortcutFieldText text_;
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,46 @@
+// Ties a shortcut field to the settings it edits.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "platform/keyboard_layout.h"
+#include "settings/shortcut_field.h"
+
+namespace tarnwick {
+
+/// A value that lives elsewhere.
+template <class T>
+struct Binding {
+    std::function<T()> get;
+    std::function<void(T)> set;
+};
+
+/// Main thread only.
+class ShortcutRecorderView {
+ public:
+    using Text = std::optional<std::string>;
+
+    /// `layout` and what is bound must outlive the view. The field shows what is bound from the
+    /// first update() on.
+    ShortcutRecorderView(platform::KeyboardLayout& layout, Binding<std::int64_t> keyCode,
+                         Binding<std::int64_t> modifiers, Binding<Text> validationMessage);
+    ShortcutRecorderView(const ShortcutRecorderView&) = delete;
+    ShortcutRecorderView& operator=(const ShortcutRecorderView&) = delete;
+
+    ShortcutField& field() { return field_; }
+    const Binding<Text>& validationMessage() const { return validationMessage_; }
+
+    /// Shows the bound shortcut; to be called whenever what is bound has changed.
+    void update();
+
+ private:
+    Binding<std::int64_t> keyCode_;
+    Binding<std::int64_t> modifiers_;
+    Binding<Text> validationMessage_;
+    ShortcutField field_;
+};
+
+}  // namespace tarnwick

@@ -1,0 +1,115 @@
+#include "ui/qt/titled_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QCursor>
+#include <QScreen>
+#include <utility>
+
+namespace tarnwick::qt {
+
+namespace {
+
+Qt::WindowFlags windowKind(const platform::WindowOptions& options) {
+    Qt::WindowFlags flags = Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                            Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint;
+    flags.setFlag(Qt::WindowMinimizeButtonHint, options.isMiniaturizable);
+    flags.setFlag(Qt::WindowMaximizeButtonHint, options.isResizable);
+    return flags;
+}
+
+/// Where the user is looking, as far as can be told.
+QScreen* currentScreen() {
+    QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
+    return screen != nullptr ? screen : QGuiApplication::primaryScreen();
+}
+
+}  // namespace
+
+/// A window of the toolkit; the name and the role of a main window are what assistive technology
+/// expects of a window with a title.
+class TitledWindow::Frame final : public QMainWindow {
+ public:
+    Frame(TitledWindow& owner, Qt::WindowFlags flags)
+        : QMainWindow(nullptr, flags), owner_(&owner) {}
+
+    /// Nobody owns the frame any more.
+    void letGo() {
+        owner_ = nullptr;
+        if (isClosing_) {
+            deleteLater();
+        } else {
+            delete this;
+        }
+    }
+
+ protected:
+    void closeEvent(QCloseEvent* event) override {
+        event->accept();
+        isClosing_ = true;
+        if (owner_ != nullptr && owner_->delegate_ != nullptr) {
+            owner_->delegate_->windowWillClose();
+        }
+        isClosing_ = owner_ == nullptr;
+    }
+
+ private:
+    TitledWindow* owner_;
+    bool isClosing_ = false;
+};
+
+TitledWindow::TitledWindow(const platform::WindowOptions& options)
+    : frame_(new Frame(*this, windowKind(options))) {
+    if (options.isResizable) {
+        frame_->resize(options.width, options.height);
+    } else {
+        frame_->setFixedSize(options.width, options.height);
+    }
+}
+
+TitledWindow::~TitledWindow() {
+    setContentView(nullptr);
+    frame_->letGo();
+}
+
+void TitledWindow::setTitle(const std::string& title) {
+    frame_->setWindowTitle(QString::fromStdString(title));
+}
+
+void TitledWindow::setContentView(std::unique_ptr<platform::View> view) {
+    frame_->takeCentralWidget();
+    view_.reset();
+    if (view) {
+        auto& widgets = dynamic_cast<WidgetView&>(*view);
+        view.release();
+        view_.reset(&widgets);
+        frame_->setCentralWidget(view_->widget());
+    }
+}
+
+void TitledWindow::center() {
+    const QRect screen = currentScreen()->availableGeometry();
+    frame_->move(screen.center() - frame_->rect().center());
+}
+
+void TitledWindow::makeKeyAndOrderFront() {
+    frame_->setWindowState(frame_->windowState() & ~Qt::WindowMinimized);
+    frame_->show();
+    frame_->raise();
+    frame_->activateWindow();
+}
+
+std::unique_ptr<platform::Window> TitledWindows::makeWindow(
+    const platform::WindowOptions& options) {
+    return std::make_unique<TitledWindow>(options);
+}
+
+void TitledWindows::activateIgnoringOtherApps() {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->isVisible() && qobject_cast<QMainWindow*>(widget) != nullptr) {
+            widget->activateWindow();
+        }
+    }
+}
+
+}  // namespace tarnwick::qt

@@ -1,0 +1,43 @@
+// Windows with a title bar.
+#pragma once
+
+#include <QMainWindow>
+#include <memory>
+#include <string>
+
+#include "platform/windows.h"
+#include "ui/qt/widget_view.h"
+
+namespace tarnwick::qt {
+
+/// Main thread.
+class TitledWindow final : public platform::Window {
+ public:
+    explicit TitledWindow(const platform::WindowOptions& options);
+    TitledWindow(const TitledWindow&) = delete;
+    TitledWindow& operator=(const TitledWindow&) = delete;
+    ~TitledWindow() override;
+
+    void setTitle(const std::string& title) override;
+    /// A WidgetView.
+    void setContentView(std::unique_ptr<platform::View> view) override;
+    void setDelegate(platform::WindowDelegate* delegate) override { delegate_ = delegate; }
+    void center() override;
+    void makeKeyAndOrderFront() override;
+
+ private:
+    class Frame;
+
+    /// Deletes itself where the window goes while it is closing.
+    Frame* frame_;
+    platform::WindowDelegate* delegate_ = nullptr;
+    std::unique_ptr<WidgetView> view_;
+};
+
+class TitledWindows final : public platform::Windows {
+ public:
+    std::unique_ptr<platform::Window> makeWindow(const platform::WindowOptions& options) override;
+    void activateIgnoringOtherApps() override;
+};
+
+}  // namespace tarnwick::qt

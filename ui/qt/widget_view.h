@@ -1,0 +1,24 @@
+// Widgets as what a window shows.
+#pragma once
+
+#include <QWidget>
+#include <memory>
+#include <utility>
+
+#include "platform/windows.h"
+
+namespace tarnwick::qt {
+
+/// Every view that a TitledWindow is given is one of these. Main thread.
+class WidgetView : public platform::View {
+ public:
+    explicit WidgetView(std::unique_ptr<QWidget> widget) : widget_(std::move(widget)) {}
+
+    /// Goes with the view, also while it is in a window.
+    QWidget* widget() const { return widget_.get(); }
+
+ private:
+    std::unique_ptr<QWidget> widget_;
+};
+
+}  // namespace tarnwick::qt
