@@ -1,0 +1,177 @@
+"""The settings window: what opens it, where it is, what closing it means."""
+
+import contextlib
+
+from Xlib import X, Xatom, Xutil, display
+from Xlib.error import BadWindow
+from Xlib.protocol import event
+
+from desktop_test_case import DesktopTestCase, main
+
+TITLE = "Tarnwick Settings"
+SIZE = (520, 500)
+
+
+class SettingsWindowTest(DesktopTestCase):
+    def setUp(self):
+        self.open_desktop()
+        self.connection = display.Display(self.desktop.env["DISPLAY"])
+        self.addCleanup(self.connection.close)
+        self.root = self.connection.screen().root
+
+    def settings_windows(self, program):
+        return [window for window in self.desktop.screen.windows(program.pid)
+                if self.desktop.screen.window_name(window) == TITLE]
+
+    def open_settings_window(self, program):
+        """The settings window once it is on the screen."""
+        windows = self.until(lambda: self.settings_windows(program),
+                             "the settings window is open")
+        self.assertEqual(len(windows), 1, windows)
+        return windows[0]
+
+    def window(self, window):
+        return self.connection.create_resource_object("window", window.id)
+
+    def atom(self, name):
+        return self.connection.intern_atom(name)
+
+    def close_by_user(self, window):
+        """What a click on the title bar's button makes the window manager do."""
+        self.root.send_event(
+            event.ClientMessage(window=self.window(window), client_type=self.atom(
+                "_NET_CLOSE_WINDOW"), data=(32, [X.CurrentTime, 2, 0, 0, 0])),
+            X.SubstructureRedirectMask | X.SubstructureNotifyMask)
+        self.connection.sync()
+
+    def active_window(self):
+        value = self.root.get_full_property(self.atom("_NET_ACTIVE_WINDOW"), Xatom.WINDOW)
+        return value.value[0] if value is not None and value.value else 0
+
+    def assert_closed_for_good(self, program, window):
+        self.until(lambda: not self.settings_windows(program), "the settings window is closed")
+
+        def gone():
+            with contextlib.suppress(BadWindow):
+                self.window(window).get_attributes()
+                return False
+            return True
+
+        self.until(gone, "nothing of the window is left")
+
+    def greet(self):
+        """A first start whose greeting is over, its window, and whether the panel came, too.
+
+        The panel waits half a second for the tray, which is busy at times.
+        """
+        for attempt in range(5):
+            program = self.program(f"first{attempt}").start(
+                XDG_DATA_HOME=self.desktop.path(f"data{attempt}"))
+            program.wait_for_item()
+            window = self.open_settings_window(program)
+            if program.wait_for_greeting():
+                return program, window, self.desktop.path(f"data{attempt}")
+            self.assertEqual(program.end(), 0)
+        self.fail("the panel did not greet")
+        return None
+
+    def test_first_start_opens_settings_and_panel_second_start_neither(self):
+        first, window, data = self.greet()
+        self.assert_open(first)
+        self.assertEqual(self.settings_windows(first), [window])
+        self._keep_picture()
+        self.assertEqual(first.end(), 0, first.output())
+        second = self.program("second").start(XDG_DATA_HOME=data)
+        second.wait_for_item()
+        self.assertFalse(second.wait_for_greeting())
+        self.assertEqual(self.settings_windows(second), [])
+
+    def test_is_centred_and_of_one_size(self):
+        program, window, _ = self.greet()
+        program.close_panel()
+        self.assertEqual((window.width, window.height), SIZE)
+        width, height = self.desktop.screen.size
+        # The title bar and the tray take their share.
+        self.assertLessEqual(abs(window.centre[0] - width // 2), 40)
+        self.assertLessEqual(abs(window.centre[1] - height // 2), 40)
+        hints = self.window(window).get_wm_normal_hints()
+        self.assertTrue(hints.flags & Xutil.PMinSize and hints.flags & Xutil.PMaxSize)
+        self.assertEqual((hints.min_width, hints.min_height), SIZE)
+        self.assertEqual((hints.max_width, hints.max_height), SIZE)
+
+    def test_has_the_keyboard_when_the_panel_has_gone(self):
+        program, window, _ = self.greet()
+        program.close_panel()
+        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+
+    def press_settings_button(self, program):
+        program.open_panel()
+        self.assert_open(program)
+        for key in ("Tab", "Tab", "space"):
+            self.desktop.screen.press_key(key)
+        self.assert_closed(program)
+
+    def show_other_window(self):
+        """A window of another program that covers the middle of the screen."""
+        width, height = self.desktop.screen.size
+        screen = self.connection.screen()
+        window = self.root.create_window(width // 4, height // 8, width // 2, height * 3 // 4, 0,
+                                         screen.root_depth, background_pixel=screen.white_pixel)
+        window.set_wm_name("other")
+        window.map()
+        self.connection.sync()
+        self.until(lambda: self.active_window() == window.id, "the other window is active")
+        return window
+
+    def test_panel_button_opens_it_and_closes_the_panel(self):
+        program = self.start_known_to_user()
+        self.press_settings_button(program)
+        window = self.open_settings_window(program)
+        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+
+    def test_asked_for_again_the_same_window_comes_to_the_front(self):
+        program = self.start_known_to_user()
+        self.press_settings_button(program)
+        window = self.open_settings_window(program)
+        self.show_other_window()
+        self.press_settings_button(program)
+        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+        self.assertEqual(self.settings_windows(program), [window])
+
+    def test_a_new_window_comes_to_the_front_too(self):
+        program = self.start_known_to_user()
+        self.show_other_window()
+        self.press_settings_button(program)
+        window = self.open_settings_window(program)
+        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+
+    def test_opened_again_it_is_a_new_window_in_the_middle(self):
+        program = self.start_known_to_user()
+        self.press_settings_button(program)
+        first = self.open_settings_window(program)
+        self.window(first).configure(x=5, y=100)
+        self.connection.sync()
+        self.until(lambda: self.open_settings_window(program).x < first.x, "the window has moved")
+        self.close_by_user(first)
+        self.assert_closed_for_good(program, first)
+        self.press_settings_button(program)
+        second = self.open_settings_window(program)
+        self.assertEqual(second.centre, first.centre)
+
+    def test_closing_keeps_the_program(self):
+        program, window, _ = self.greet()
+        program.close_panel()
+        self.close_by_user(window)
+        self.assert_closed_for_good(program, window)
+        program.open_panel()
+        self.assert_open(program)
+        self.assertTrue(program.runs())
+        self.assertEqual(program.output(), "")
+
+    def test_the_program_ends_with_its_window_open(self):
+        program, _, _ = self.greet()
+        self.assertEqual(program.end(), 0, program.output())
+        self.assertEqual(program.output(), "")
+
+
+main()
