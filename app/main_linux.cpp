@@ -166,7 +166,6 @@ int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     environment.reset();
     QApplication::setApplicationName("tarnwick");
-    QApplication::setApplicationDisplayName("Tarnwick");
     QApplication::setApplicationVersion(TARNWICK_VERSION);
     QApplication::setDesktopFileName("tarnwick");
     QApplication::setQuitOnLastWindowClosed(false);

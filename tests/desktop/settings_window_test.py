@@ -107,7 +107,7 @@ class SettingsWindowTest(DesktopTestCase):
     def press_settings_button(self, program):
         program.open_panel()
         self.assert_open(program)
-        for key in ("Tab", "Tab", "space"):
+        for key in ("Tab", "space"):
             self.desktop.screen.press_key(key)
         self.assert_closed(program)
 
