@@ -89,7 +89,8 @@ void TitledWindow::setContentView(std::unique_ptr<platform::View> view) {
 
 void TitledWindow::center() {
     const QRect screen = currentScreen()->availableGeometry();
-    frame_->move(screen.center() - frame_->rect().center());
+    // Of the content; its title bar is not known yet.
+    frame_->setGeometry(QRect(screen.center() - frame_->rect().center(), frame_->size()));
 }
 
 void TitledWindow::makeKeyAndOrderFront() {
