@@ -9,11 +9,6 @@ constexpr std::int64_t kDelete = 51;
 constexpr std::int64_t kForwardDelete = 117;
 constexpr std::int64_t kEscape = 53;
 
-/// The lower bits tell left from right and depend on the device.
-constexpr std::int64_t deviceIndependent(std::int64_t flags) {
-    return flags & ~std::int64_t{0xFFFF};
-}
-
 }  // namespace
 
 ShortcutField::ShortcutField(platform::KeyboardLayout& layout) : layout_(layout) {
@@ -39,7 +34,7 @@ bool ShortcutField::flagsChanged(std::int64_t flags) {
     if (!isRecording_) {
         return false;
     }
-    setMessage(modifierValidationMessage(deviceIndependent(flags)));
+    setMessage(modifierValidationMessage(flags));
     refresh();
     return true;
 }
@@ -56,10 +51,9 @@ bool ShortcutField::keyDown(std::int64_t keyCode, std::int64_t flags) {
         stopRecording();
         return true;
     }
-    const std::int64_t modifiers = deviceIndependent(flags);
-    const ShortcutValidation verdict = validateShortcut(keyCode, modifiers);
+    const ShortcutValidation verdict = validateShortcut(keyCode, flags);
     if (verdict == ShortcutValidation::valid) {
-        record(keyCode, modifiers & modifier_flag::kMask);
+        record(keyCode, flags & modifier_flag::kMask);
     } else if (verdict != ShortcutValidation::empty) {
         setMessage(rejectionMessage(verdict));
     }

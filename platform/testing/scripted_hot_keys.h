@@ -62,6 +62,8 @@ class ScriptedHotKeys final : public HotKeys {
     void setRegistrationChanged(std::function<void()> changed) override;
 
     bool hasHandler() const { return handler_ != nullptr; }
+    /// Somebody is told when the outcome of the last registration becomes another one.
+    bool hasRegistrationObserver() const { return changed_ != nullptr; }
     /// What is registered now, in the order of registration.
     std::vector<HotKey> held() const;
 

@@ -326,9 +326,10 @@ TEST_F(TarnwickAppTest, GivesTheShortcutBackAndHearsNothingMoreOnceItHasGone) {
     hotKeys.press();
     hotKeys.changeRegistration();
     settings.setShortcutKeyCode(40);
+    EXPECT_TRUE(hotKeys.hasRegistrationObserver());
     app.reset();
     EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister", "remove"));
-    hotKeys.changeRegistration();
+    EXPECT_FALSE(hotKeys.hasRegistrationObserver());
     settings.setShortcutKeyCode(41);
     dispatch.advance(10);
     EXPECT_THAT(hotKeys.calls.all(), SizeIs(2));
