@@ -60,6 +60,17 @@ TEST_F(BatteryDetection, CountsAReadThatFailsAsAMissToo) {
     EXPECT_FALSE(looksForBattery());
 }
 
+TEST_F(BatteryDetection, ThePauseBeginsWithTheCall) {
+    looksForBattery();
+    looksForBattery();
+    readTakes = 5;
+    looksForBattery();
+    advance(294.5);
+    EXPECT_FALSE(looksForBattery());
+    advance(0.5);
+    EXPECT_TRUE(looksForBattery());
+}
+
 TEST_F(BatteryDetection, EveryFurtherMissPausesForAnother300Seconds) {
     for (int miss = 0; miss < 3; ++miss) {
         looksForBattery();

@@ -61,10 +61,12 @@ class BatteryServiceFixture : public ::testing::Test {
             *store,
             [this] {
                 ++healthReads;
+                advance(readTakes);
                 return health;
             },
             [this] {
                 ++batteryReads;
+                advance(readTakes);
                 return battery;
             },
             [this] { return platform::Date{wallTime}; }, [this] { return elapsed; });
@@ -96,6 +98,8 @@ class BatteryServiceFixture : public ::testing::Test {
     std::optional<HealthReading> health;
     int batteryReads = 0;
     int healthReads = 0;
+    // Seconds that each of them needs.
+    double readTakes = 0;
     double wallTime = 1'700'000'000;
     double elapsed = 1000;
 

@@ -1,7 +1,7 @@
 // The exact health: when it is asked for, what is kept of it over a restart, what is shown.
-#include <condition_variable>
-#include <mutex>
+#include <atomic>
 #include <thread>
+#include <vector>
 
 #include "tests/services/battery_service_fixture.h"
 
@@ -66,6 +66,17 @@ TEST_F(BatteryHealthCache, IsAskedForAgainFiveMinutesAfterAFailure) {
     wallTime += 300;
     EXPECT_FALSE(isHealthDue());
     wallTime += kDay;
+    EXPECT_TRUE(isHealthDue());
+}
+
+TEST_F(BatteryHealthCache, TheIntervalBeginsWithTheCall) {
+    see(makeBattery(63));
+    readTakes = 3;
+    EXPECT_TRUE(isHealthDue());
+    EXPECT_EQ(store->date(kLastFetchKey), platform::Date{wallTime - 3});
+    wallTime += 296.5;
+    EXPECT_FALSE(isHealthDue());
+    wallTime += 0.5;
     EXPECT_TRUE(isHealthDue());
 }
 
@@ -217,6 +228,16 @@ TEST_F(BatteryHealthCache, ALiveConditionWinsOverTheCachedOne) {
     EXPECT_EQ(service->currentBatteryInfo(false).healthCondition, "Fair");
 }
 
+TEST_F(BatteryHealthCache, TheLastLiveConditionWinsAlsoAfterAReadThatFailed) {
+    health = HealthReading{.health = 87, .condition = "Service Recommended"};
+    see(makeBattery(63, "Normal"));
+    for (const auto& answer : {std::optional<BatteryInfo>(), std::optional(BatteryInfo{})}) {
+        battery = answer;
+        service->currentBatteryInfo(false);
+        EXPECT_EQ(fetch().healthCondition, "Normal");
+    }
+}
+
 TEST_F(BatteryHealthCache, ANewCachedWordReplacesTheOldOneInTheRecord) {
     health = HealthReading{.health = 87, .condition = "Normal"};
     see(makeBattery(63));
@@ -268,6 +289,17 @@ TEST_F(BatteryHealthCache, WithoutADateInTheStoreTheHealthIsDue) {
     EXPECT_TRUE(isHealthDue());
 }
 
+TEST_F(BatteryHealthCache, WithoutAMarkOfFailureInTheStoreTheLastAttemptWasNone) {
+    store->set(kConditionKey, std::string("Normal"));
+    store->set(kLastFetchKey, platform::Date{wallTime});
+    restart();
+    see(makeBattery(63));
+    wallTime += kDay - 1;
+    EXPECT_FALSE(isHealthDue());
+    wallTime += 1;
+    EXPECT_TRUE(isHealthDue());
+}
+
 TEST_F(BatteryHealthCache, ADateThatIsNoneMakesTheHealthDue) {
     store->set(kConditionKey, std::string("Normal"));
     store->set(kLastFetchKey, platform::Date{1e300});
@@ -277,35 +309,29 @@ TEST_F(BatteryHealthCache, ADateThatIsNoneMakesTheHealthDue) {
 }
 
 TEST_F(BatteryHealthCache, AQuickCallWaitsForAFetchUnderWay) {
-    std::mutex mutex;
-    std::condition_variable changed;
-    bool fetching = false;
-    bool mayEnd = false;
+    std::atomic<bool> calling = false;
+    std::atomic<bool> answered = false;
+    std::optional<std::int64_t> seen;
+    std::jthread quick;
     BatteryService slow(
         *store,
         [&]() -> std::optional<HealthReading> {
-            std::unique_lock guard(mutex);
-            fetching = true;
-            changed.notify_all();
-            changed.wait(guard, [&] { return mayEnd; });
+            quick = std::jthread([&] {
+                calling = true;
+                seen = slow.currentBatteryInfo(false).health;
+                answered = true;
+            });
+            // Turns enough for a call that does not wait.
+            for (int turn = 0; turn < 10'000 || !calling; ++turn) {
+                std::this_thread::yield();
+            }
+            EXPECT_FALSE(answered);
             return HealthReading{.health = 87};
         },
         [] { return makeBattery(63); }, [] { return platform::Date{1000}; }, [] { return 0.0; });
     slow.currentBatteryInfo(false);
-    std::jthread fetcher([&] { slow.batteryInfoWithHealth(false); });
-    {
-        std::unique_lock guard(mutex);
-        changed.wait(guard, [&] { return fetching; });
-    }
-    std::optional<std::int64_t> seen;
-    std::jthread quick([&] { seen = slow.currentBatteryInfo(false).health; });
-    {
-        const std::lock_guard guard(mutex);
-        mayEnd = true;
-    }
-    changed.notify_all();
+    slow.batteryInfoWithHealth(false);
     quick.join();
-    // Whenever the quick call came, it was let in only after the fetch.
     EXPECT_EQ(seen, 87);
 }
 
