@@ -14,9 +14,7 @@ class ScriptedChildProcesses::Child final : public ChildProcess {
 
     void poll(double seconds) override {
         owner_.record.polls.push_back(seconds);
-        if (owner_.pollsTakeTime) {
-            owner_.clock += seconds;
-        }
+        owner_.clock += seconds;
     }
 
     PipeRead read(std::span<char> buffer) override {

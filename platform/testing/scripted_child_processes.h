@@ -48,8 +48,6 @@ class ScriptedChildProcesses final : public ChildProcesses {
     Record record;
     /// Seconds; a poll moves it by the time that it may wait.
     double clock = 0;
-    /// Whether a poll takes time at all; a child that always has data makes it return at once.
-    bool pollsTakeTime = true;
 
     std::unique_ptr<ChildProcess> spawn(const std::string& path,
                                         const std::vector<std::string>& arguments) override;
