@@ -5,8 +5,10 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pthread.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
+#include "tests/platform/linux/child_process.h"
 #include "tests/platform/posix/real_children.h"
 
 namespace tarnwick::platform {
@@ -82,6 +84,36 @@ TEST_F(PosixChild, SeesTheNullDeviceAndItsOutputOnly) {
     const int own = ::open("/dev/null", O_RDONLY | O_CLOEXEC);
     EXPECT_EQ(readFrom(*start({"environment"})), expectedEnvironment());
     ::close(own);
+}
+
+TEST_F(PosixChild, HasItsStandardDescriptorsAlsoWhereThisProcessLacksSome) {
+    for (int missing = 1; missing < 8; ++missing) {
+        tarnwick::testing::ChildProcess bare([&] {
+            const std::string expected = expectedEnvironment();
+            for (int descriptor = 0; descriptor < 3; ++descriptor) {
+                if ((missing >> descriptor & 1) != 0) {
+                    ::close(descriptor);
+                }
+            }
+            EXPECT_EQ(readFrom(*start({"environment"})), expected);
+        });
+        EXPECT_EQ(bare.wait(), 0) << missing;
+    }
+}
+
+TEST_F(PosixChild, IsNotStartedWhenThereAreNoDescriptorsLeft) {
+    tarnwick::testing::ChildProcess full([&] {
+        const std::size_t before = testing::openDescriptors();
+        rlimit limit{};
+        ::getrlimit(RLIMIT_NOFILE, &limit);
+        rlimit none = limit;
+        none.rlim_cur = 0;
+        ::setrlimit(RLIMIT_NOFILE, &none);
+        EXPECT_EQ(processes.spawn(program(), {"print", "x"}), nullptr);
+        ::setrlimit(RLIMIT_NOFILE, &limit);
+        EXPECT_EQ(testing::openDescriptors(), before);
+    });
+    EXPECT_EQ(full.wait(), 0);
 }
 
 TEST_F(PosixChild, StartsWithTheSignalsOfAnOrdinaryProgram) {
