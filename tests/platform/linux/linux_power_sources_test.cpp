@@ -196,6 +196,19 @@ TEST_F(Batteries, WithEmptyFilesAreNone) {
     EXPECT_FALSE(read().hasBattery);
 }
 
+TEST_F(Batteries, WhoseFilesCannotBeReadAreKnownByTheOthers) {
+    addBattery("BAT0", "70");
+    set("BAT0", "energy_now", "22500000");
+    set("BAT0", "scope", "System");
+    for (const std::string_view file : {"capacity", "cycle_count", "scope"}) {
+        const std::string path = "sys/class/power_supply/BAT0/" + std::string(file);
+        tree.remove(path);
+        tree.makeFolder(path);
+    }
+    EXPECT_EQ(read().percentage, 50);
+    EXPECT_EQ(read().cycleCount, std::nullopt);
+}
+
 TEST_F(Batteries, WhoseFilesWereCutShortNeverGiveAWrongFigure) {
     const std::string folder = "sys/class/power_supply/BAT0/";
     addBattery("BAT0", "70");

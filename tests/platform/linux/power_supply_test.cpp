@@ -205,6 +205,11 @@ TEST(TimeToEmpty, ComesFromPowerAndVoltageWithoutACurrent) {
     EXPECT_EQ(toEmpty(chargeBattery({{"current_now", ""}, {"power_now", "24000000"}})), 90);
 }
 
+TEST(TimeToEmpty, PrefersTheRateInTheUnitOfTheAmount) {
+    EXPECT_EQ(toEmpty(battery({{"current_now", "5000000"}})), 180);
+    EXPECT_EQ(toEmpty(chargeBattery({{"power_now", "60000000"}})), 180);
+}
+
 TEST(TimeToEmpty, IsUnknownWithoutARate) {
     EXPECT_EQ(toEmpty(battery({{"power_now", ""}})), kNone);
     EXPECT_EQ(toEmpty(battery({{"power_now", ""}, {"current_now", "0"}})), kNone);
