@@ -1,7 +1,5 @@
 #include "core/metric_sources.h"
 
-#include <utility>
-
 #include "platform/platform.h"
 #include "services/cpu_service.h"
 #include "services/gpu_service.h"
@@ -22,11 +20,7 @@ MetricSources MetricSources::shared() {
         .readMemoryInfo = [] { return MemoryService::shared().readMemoryInfo(); },
         .readNetworkInfo = [] { return NetworkService::shared().readNetworkInfo(); },
         .readTopProcesses =
-            [](int limit) {
-                TopProcessLists lists = ProcessService::shared().readTopProcesses(limit);
-                return TopProcesses{.byCPU = std::move(lists.cpu),
-                                    .byMemory = std::move(lists.memory)};
-            },
+            [](int limit) { return ProcessService::shared().readTopProcesses(limit); },
         .pruneStaleProcesses = [] { ProcessService::shared().pruneStaleProcesses(); },
         .releaseProcessCaches = [] { ProcessService::shared().releaseCaches(); },
         .readStorageInfo = [&volumes] { return StorageService(volumes).readStorageInfo(); },

@@ -2,17 +2,11 @@
 #pragma once
 
 #include <functional>
-#include <vector>
 
 #include "core/metric_records.h"
+#include "services/top_process_lists.h"
 
 namespace tarnwick {
-
-/// The two top-process lists of one pass.
-struct TopProcesses {
-    std::vector<AppProcessInfo> byCPU;
-    std::vector<AppProcessInfo> byMemory;
-};
 
 /// Called in the background; none fails.
 struct MetricSources {
@@ -21,7 +15,7 @@ struct MetricSources {
     std::function<MemoryInfo()> readMemoryInfo;
     std::function<NetworkInfo()> readNetworkInfo;
     /// Takes the greatest number of rows a list may have.
-    std::function<TopProcesses(int)> readTopProcesses;
+    std::function<TopProcessLists(int)> readTopProcesses;
     std::function<void()> pruneStaleProcesses;
     /// Lets go of what process lists keep between two calls; none is wanted at present.
     std::function<void()> releaseProcessCaches;

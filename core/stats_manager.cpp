@@ -17,9 +17,9 @@ FastRefreshSnapshot measureFast(const MetricSources& sources, bool includeProces
     snapshot.memory = sources.readMemoryInfo();
     snapshot.network = sources.readNetworkInfo();
     if (includeProcesses) {
-        TopProcesses processes = sources.readTopProcesses(StatsManager::kTopProcessLimit);
-        snapshot.topCPUProcesses = std::move(processes.byCPU);
-        snapshot.topMemoryProcesses = std::move(processes.byMemory);
+        TopProcessLists processes = sources.readTopProcesses(StatsManager::kTopProcessLimit);
+        snapshot.topCPUProcesses = std::move(processes.cpu);
+        snapshot.topMemoryProcesses = std::move(processes.memory);
     } else {
         // In the refresh rather than when the panel goes: a refresh that still gathers them may be
         // under way then.

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <mutex>
-#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -12,14 +10,9 @@
 #include "platform/kernel.h"
 #include "platform/log.h"
 #include "platform/process_table.h"
+#include "services/top_process_lists.h"
 
 namespace tarnwick {
-
-/// The rows of one pass, each list in falling order.
-struct TopProcessLists {
-    std::vector<AppProcessInfo> cpu;
-    std::vector<AppProcessInfo> memory;
-};
 
 /// Measures every process at each call, from the change of its cumulative processor time since the
 /// call before. A share is of the whole machine: one busy processor of eight is 12.5. Any thread.

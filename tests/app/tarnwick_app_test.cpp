@@ -42,7 +42,7 @@ class TarnwickAppTest : public testing::Test {
                 .readGPUInfo = [] { return GPUInfo{}; },
                 .readMemoryInfo = [] { return MemoryInfo{.total = 100, .used = 30}; },
                 .readNetworkInfo = [] { return NetworkInfo{}; },
-                .readTopProcesses = [](int) { return TopProcesses{}; },
+                .readTopProcesses = [](int) { return TopProcessLists{}; },
                 .pruneStaleProcesses = [] {},
                 .releaseProcessCaches = [] {},
                 .readStorageInfo =

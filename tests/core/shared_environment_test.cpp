@@ -81,24 +81,24 @@ TEST(MetricSources, ListTheProcessesOfTheCurrentPlatform) {
                        {.identifier = 8, .command = "small", .task{{.residentSize = 1'000'000}}}};
     const MetricSources sources = MetricSources::shared();
     Machine::installed().kernel.setMonotonicSeconds(0);
-    const TopProcesses first = sources.readTopProcesses(1);
-    ASSERT_EQ(first.byMemory.size(), 1u);
-    EXPECT_EQ(first.byMemory[0].name, "big");
+    const TopProcessLists first = sources.readTopProcesses(1);
+    ASSERT_EQ(first.memory.size(), 1u);
+    EXPECT_EQ(first.memory[0].name, "big");
 
     // One second of processor time in ten seconds.
     table.processes[1].task->totalUser = 1'000'000'000;
     Machine::installed().kernel.setMonotonicSeconds(10);
-    const TopProcesses second = sources.readTopProcesses(1);
-    ASSERT_EQ(second.byCPU.size(), 1u);
-    EXPECT_EQ(second.byCPU[0].name, "small");
-    EXPECT_DOUBLE_EQ(second.byCPU[0].cpuUsage, 10);
+    const TopProcessLists second = sources.readTopProcesses(1);
+    ASSERT_EQ(second.cpu.size(), 1u);
+    EXPECT_EQ(second.cpu[0].name, "small");
+    EXPECT_DOUBLE_EQ(second.cpu[0].cpuUsage, 10);
 
     // Forgotten after a minute.
     Machine::installed().kernel.setMonotonicSeconds(70);
     sources.pruneStaleProcesses();
     table.processes[1].task->totalUser = 2'000'000'000;
     Machine::installed().kernel.setMonotonicSeconds(80);
-    EXPECT_EQ(sources.readTopProcesses(1).byCPU[0].cpuUsage, 0);
+    EXPECT_EQ(sources.readTopProcesses(1).cpu[0].cpuUsage, 0);
 
     table.clearCalls();
     sources.releaseProcessCaches();

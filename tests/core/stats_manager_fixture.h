@@ -107,8 +107,8 @@ class StatsManagerTest : public ::testing::Test {
     GPUInfo gpu = makeGPU(12, true);
     MemoryInfo memory{.total = 200, .used = 26};
     NetworkInfo network{.downloadBytesPerSecond = 5, .hasSample = true};
-    TopProcesses processes{.byCPU = {{.id = 1, .name = "busy"}},
-                           .byMemory = {{.id = 2, .name = "big"}}};
+    TopProcessLists processes{.cpu = {{.id = 1, .name = "busy"}},
+                              .memory = {{.id = 2, .name = "big"}}};
     StorageInfo storage = makeVolume(1000, 140);
     double uptime = 77;
     /// Wall-clock seconds; independent of the timers' clock.

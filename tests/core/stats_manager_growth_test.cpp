@@ -121,10 +121,10 @@ class StatsManagerGrowth : public ::testing::Test {
             .readTopProcesses =
                 [this](int limit) {
                     ++passes;
-                    TopProcesses processes;
+                    TopProcessLists processes;
                     for (int i = 0; i < limit; ++i) {
-                        processes.byCPU.push_back({.id = i, .name = std::string(40, 'c')});
-                        processes.byMemory.push_back({.id = i, .name = std::string(40, 'm')});
+                        processes.cpu.push_back({.id = i, .name = std::string(40, 'c')});
+                        processes.memory.push_back({.id = i, .name = std::string(40, 'm')});
                     }
                     return processes;
                 },

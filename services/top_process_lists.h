@@ -1,0 +1,16 @@
+// The processes that use most, as rows.
+#pragma once
+
+#include <vector>
+
+#include "core/metric_records.h"
+
+namespace tarnwick {
+
+/// The rows of one pass over all processes, each list in falling order.
+struct TopProcessLists {
+    std::vector<AppProcessInfo> cpu;
+    std::vector<AppProcessInfo> memory;
+};
+
+}  // namespace tarnwick
