@@ -2,7 +2,8 @@
 // is what lies there, and the reader visits exactly the whole records.
 //
 // The first two bytes of an input are the size that the system names, over 16; the rest is the
-// table.
+// table. The first byte of a record says how many bytes of the record the system gives as the task
+// information of its process.
 #include <algorithm>
 #include <cstring>
 #include <span>
@@ -55,11 +56,17 @@ void checkReader(std::span<const std::byte> bytes) {
     raw.size = std::size_t{size} * 16;
     raw.table = std::vector(bytes.begin() + 2, bytes.end());
     tarnwick::ProcessTableReader reader(raw);
+    std::span<const std::byte> rest = bytes.subspan(2);
     std::size_t visited = 0;
-    reader.forEachProcess([&visited, &bytes](tarnwick::platform::ProcessEntry& process) {
-        require(liesAt(bytes, 2 + visited * 648 + 40, process.identifier()));
+    reader.forEachProcess([&](tarnwick::platform::ProcessEntry& process) {
+        require(liesAt(rest, 40, process.identifier()));
         require(process.command().size() <= 16);
-        require(!process.taskInformation());
+        const auto given = rest.first(std::to_integer<std::size_t>(rest[0]));
+        raw.tasks = {{process.identifier(), {given.begin(), given.end()}}};
+        const auto task = process.taskInformation();
+        require(task.has_value() == (given.size() == 96));
+        require(!task || liesAt(given, 8, task->residentSize));
+        rest = rest.subspan(648);
         ++visited;
     });
     require(visited == std::min(*raw.size, bytes.size() - 2) / 648);
