@@ -101,6 +101,8 @@ ProcessListing LinuxProcessTable::forEachProcess(const Visit& visit) {
     const std::string folder = belowRoot(root_, "proc");
     const FileDescriptor opened(folder);
     if (!opened.isOpen() || !listProcessIdentifiers(folder, identifiers_)) {
+        // Perhaps no descriptor is left: the next try has those of the kept files.
+        files_.release();
         return ProcessListing::noList;
     }
     files_.beginWalk(opened);

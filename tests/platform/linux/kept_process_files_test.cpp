@@ -5,30 +5,17 @@
 #include <gtest/gtest.h>
 #include <initializer_list>
 #include <string>
-#include <sys/resource.h>
 #include <vector>
 
 #include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/descriptors.h"
 #include "tests/platform/linux/machine_tree.h"
 
 namespace tarnwick::platform {
 namespace {
 
-std::size_t openDescriptors() {
-    std::size_t count = 0;
-    for ([[maybe_unused]] const auto& entry :
-         std::filesystem::directory_iterator("/proc/self/fd")) {
-        ++count;
-    }
-    return count;
-}
-
-void limitDescriptors(rlim_t most) {
-    rlimit limit{};
-    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &limit), 0);
-    limit.rlim_cur = most;
-    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
-}
+using tarnwick::testing::limitDescriptors;
+using tarnwick::testing::openDescriptors;
 
 class KeptProcessFilesTest : public ::testing::Test {
  protected:

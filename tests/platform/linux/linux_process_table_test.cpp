@@ -10,10 +10,13 @@
 #include <unistd.h>
 #include <vector>
 
+#include "platform/linux/kept_file.h"
 #include "platform/testing/recording_log.h"
 #include "platform/testing/scripted_kernel.h"
 #include "services/application_name.h"
 #include "services/process_service.h"
+#include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/descriptors.h"
 #include "tests/platform/linux/machine_tree.h"
 #include "tests/platform/linux/temporary_folder.h"
 
@@ -141,6 +144,39 @@ TEST_F(LinuxProcessTableTest, EachProcessIsReadAgainInTheNextWalk) {
     EXPECT_THAT(walk(), ElementsAre("8 1 0 0 new"));
 }
 
+TEST_F(LinuxProcessTableTest, TheFilesStayOpenFromWalkToWalkUntilTheCachesAreReleased) {
+    write(7, "a", 1, 2, 3);
+    write(8, "b", 1, 2, 3);
+    const std::size_t before = tarnwick::testing::openDescriptors();
+    for (int i = 0; i < 3; ++i) {
+        walk();
+        EXPECT_EQ(tarnwick::testing::openDescriptors(), before + 2);
+    }
+    table.releaseCaches();
+    EXPECT_EQ(tarnwick::testing::openDescriptors(), before);
+    EXPECT_THAT(walk(), ElementsAre("7 3 1 2 a", "8 3 1 2 b"));
+}
+
+TEST_F(LinuxProcessTableTest, WhenNoDescriptorIsLeftTheKeptFilesMakeRoomForTheList) {
+    for (std::int32_t identifier = 1; identifier <= 20; ++identifier) {
+        write(identifier, "a", 1, 2, 3);
+    }
+    tarnwick::testing::ChildProcess child([this] {
+        tarnwick::testing::limitDescriptors(64);
+        EXPECT_EQ(walk().size(), 20U);
+        // Somebody else takes all the others.
+        std::vector<FileDescriptor> others;
+        do {
+            others.emplace_back("/dev/null");
+        } while (others.back().isOpen());
+        EXPECT_THAT(walk(), IsEmpty());
+        EXPECT_EQ(listing, ProcessListing::noList);
+        EXPECT_EQ(walk().size(), 20U);
+        EXPECT_EQ(listing, ProcessListing::complete);
+    });
+    EXPECT_EQ(child.wait(), 0);
+}
+
 TEST_F(LinuxProcessTableTest, WithoutProcThereIsNoList) {
     EXPECT_THAT(walk(), IsEmpty());
     EXPECT_EQ(listing, ProcessListing::noList);
@@ -262,6 +298,22 @@ TEST_F(LinuxProcessTableTest, CarriesTheServiceOverAMadeMachine) {
     EXPECT_EQ(lists.cpu[0].id, 60);
     EXPECT_DOUBLE_EQ(lists.cpu[0].cpuUsage, 25);
     EXPECT_EQ(lists.cpu[1].name, "a (b)\nc");
+}
+
+TEST_F(LinuxProcessTableTest, ABusyKernelThreadIsListedUnderItsCommandWithoutMemory) {
+    testing::ScriptedKernel kernel;
+    ProcessService service(table, kernel);
+    tree.write("sys/devices/system/cpu/online", "0-1\n");
+    const std::string command = "kworker/u16:2-events_unbound";
+    write(9, command, 0, 0, 0);
+    tree.write("proc/9/cgroup", "0::/\n");
+    service.readTopProcesses(3);
+    kernel.advance(1);
+    write(9, command, 0, 1'000'000'000 / tick, 0);
+    const AppProcessInfo row{.id = 9, .name = command, .cpuUsage = 50, .memoryUsage = 0};
+    const TopProcessLists lists = service.readTopProcesses(3);
+    EXPECT_THAT(lists.cpu, ElementsAre(row));
+    EXPECT_THAT(lists.memory, ElementsAre(row));
 }
 
 TEST_F(LinuxProcessTableTest, AReusedIdentifierCountsFromZero) {
