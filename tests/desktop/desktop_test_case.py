@@ -2,6 +2,7 @@
 
 import contextlib
 import os
+import re
 import sqlite3
 import unittest
 
@@ -97,6 +98,16 @@ class DesktopTestCase(unittest.TestCase):
 def bytes_read(program):
     with open(f"/proc/{program.pid}/io", encoding="ascii") as file:
         return int(file.readline().split()[1])
+
+
+def process_files(program):
+    """How many files about processes the program has open."""
+    count = 0
+    folder = f"/proc/{program.pid}/fd"
+    for name in os.listdir(folder):
+        with contextlib.suppress(FileNotFoundError):
+            count += bool(re.fullmatch(r"/proc/\d+/stat", os.readlink(f"{folder}/{name}")))
+    return count
 
 
 def ground(picture):

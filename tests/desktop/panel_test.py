@@ -3,7 +3,7 @@
 import time
 
 from desktop_test_case import (DARK, LIGHT, REFRESH_BYTES, DesktopTestCase, bytes_read, ground,
-                               main)
+                               main, process_files)
 
 
 class PanelTest(DesktopTestCase):
@@ -104,6 +104,16 @@ class PanelTest(DesktopTestCase):
                    "a refresh after a middle click")
         self.assertLess(time.monotonic() - begin, 5, "that was the next refresh by itself")
         self.assertIsNone(program.panel())
+
+    def test_keeps_the_files_of_processes_open_only_while_it_is_open(self):
+        program = self.start_known_to_user()
+        self.assertEqual(process_files(program), 0)
+        program.open_panel()
+        self.until(lambda: process_files(program) > 0, "the files of processes are kept open")
+        program.close_panel()
+        # They go with the first refresh without the lists; the next by itself is seconds away.
+        program.click_item(button=2)
+        self.until(lambda: process_files(program) == 0, "the files are closed with the panel")
 
     def test_follows_the_desktop_from_light_to_dark(self):
         program = self.start_known_to_user()

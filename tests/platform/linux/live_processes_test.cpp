@@ -1,5 +1,6 @@
 // The process lists on the machine that runs the tests, with processes that the tests start.
 #include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
@@ -7,9 +8,11 @@
 #include <gtest/gtest.h>
 #include <iterator>
 #include <limits>
+#include <linux/sched.h>
 #include <optional>
 #include <string>
 #include <sys/prctl.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <time.h>
 #include <unistd.h>
@@ -19,6 +22,7 @@
 #include "platform/linux/linux_kernel.h"
 #include "platform/linux/linux_process_table.h"
 #include "platform/linux/proc_pid_stat.h"
+#include "services/application_name.h"
 #include "services/process_service.h"
 #include "tests/platform/linux/child_process.h"
 
@@ -219,6 +223,69 @@ TEST(LiveProcesses, AProcessThatEndedUnnoticedByItsParentHasNoMemory) {
     });
     EXPECT_TRUE(isFound);
     ::waitpid(id, nullptr, 0);
+}
+
+/// A copy of this process under an identifier that nobody has; -1 where that is not allowed.
+pid_t forkAs(pid_t id) {
+    std::array<pid_t, 1> wanted{id};
+    clone_args arguments{};
+    arguments.exit_signal = SIGCHLD;
+    arguments.set_tid = reinterpret_cast<std::uintptr_t>(wanted.data());
+    arguments.set_tid_size = wanted.size();
+    return static_cast<pid_t>(::syscall(SYS_clone3, &arguments, sizeof arguments));
+}
+
+TEST(LiveProcesses, AReusedIdentifierIsTheNewProcessThoughTheOldOnesFileWasKept) {
+    LinuxProcessTable table;
+    pid_t id = 0;
+    std::string command;
+    std::optional<TaskInformation> task;
+    const auto walk = [&] {
+        command.clear();
+        table.forEachProcess([&](ProcessEntry& process) {
+            if (process.identifier() == id) {
+                task = process.taskInformation();
+                command = process.command();
+            }
+        });
+    };
+    Child old("old", waitForEver);
+    id = old.id();
+    walk();
+    EXPECT_EQ(command, "old");
+    old.end();
+    const pid_t reborn = forkAs(id);
+    if (reborn < 0) {
+        GTEST_SKIP() << "no process may choose its identifier, or another has it already";
+    }
+    if (reborn == 0) {
+        ::prctl(PR_SET_PDEATHSIG, SIGKILL);
+        waitForEver();
+    }
+    ASSERT_EQ(reborn, id);
+    walk();
+    EXPECT_NE(command, "old");
+    EXPECT_NE(command, "");
+    EXPECT_TRUE(task);
+    ::kill(reborn, SIGKILL);
+    ::waitpid(reborn, nullptr, 0);
+}
+
+TEST(LiveProcesses, AKernelThreadHasNoMemoryAndNoNameButItsCommand) {
+    LinuxProcessTable table;
+    std::int32_t thread = 0;
+    table.forEachProcess([&thread](ProcessEntry& process) {
+        if (process.command() == "kthreadd") {
+            thread = process.identifier();
+            const auto task = process.taskInformation();
+            ASSERT_TRUE(task);
+            EXPECT_EQ(task->residentSize, 0U);
+        }
+    });
+    if (thread == 0) {
+        GTEST_SKIP() << "a container does not show the kernel's threads";
+    }
+    EXPECT_EQ(applicationName(table, thread), std::nullopt);
 }
 
 TEST(LiveProcesses, AnExecutableOfAnotherUserCannotBeReadAndTheCommandStays) {
