@@ -14,13 +14,16 @@
 #include <vector>
 
 #include "benchmarks/bare_link_dump.h"
+#include "benchmarks/bare_process_loop.h"
 #include "benchmarks/pairs.h"
 #include "platform/linux/linux_kernel.h"
 #include "platform/linux/linux_network_interfaces.h"
+#include "platform/linux/linux_process_table.h"
 #include "platform/linux/linux_volumes.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
 #include "services/network_service.h"
+#include "services/process_service.h"
 #include "services/storage_service.h"
 
 namespace {
@@ -28,9 +31,11 @@ namespace {
 using tarnwick::CPUService;
 using tarnwick::MemoryService;
 using tarnwick::NetworkService;
+using tarnwick::ProcessService;
 using tarnwick::StorageService;
 using tarnwick::platform::LinuxKernel;
 using tarnwick::platform::LinuxNetworkInterfaces;
+using tarnwick::platform::LinuxProcessTable;
 using tarnwick::platform::LinuxVolumes;
 
 // The files behind processors and memory.
@@ -46,37 +51,91 @@ std::vector<std::string> filesOfFastRefresh() {
     return files;
 }
 
+// The files are opened once and read again at each refresh.
+class BareFastRefresh {
+ public:
+    BareFastRefresh() : buffer_(std::size_t{1} << 16) {
+        for (const std::string& file : filesOfFastRefresh()) {
+            const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
+            if (descriptor >= 0) {
+                descriptors_.push_back(descriptor);
+            }
+        }
+    }
+    BareFastRefresh(const BareFastRefresh&) = delete;
+    BareFastRefresh& operator=(const BareFastRefresh&) = delete;
+    ~BareFastRefresh() {
+        for (const int descriptor : descriptors_) {
+            ::close(descriptor);
+        }
+    }
+
+    void read() {
+        for (const int descriptor : descriptors_) {
+            benchmark::DoNotOptimize(::pread(descriptor, buffer_.data(), buffer_.size(), 0));
+        }
+        benchmark::DoNotOptimize(links_.read());
+    }
+
+ private:
+    std::vector<int> descriptors_;
+    std::vector<char> buffer_;
+    tarnwick::benchmarks::BareLinkDump links_;
+};
+
+class FastRefresh {
+ public:
+    void read() {
+        benchmark::DoNotOptimize(processors_.readCPUInfo());
+        benchmark::DoNotOptimize(memory_.readMemoryInfo());
+        benchmark::DoNotOptimize(network_.readNetworkInfo());
+    }
+    void readWithProcesses() {
+        read();
+        benchmark::DoNotOptimize(processes_.readTopProcesses(rows));
+    }
+
+ private:
+    static constexpr int rows = 3;
+
+    LinuxKernel kernel_;
+    CPUService processors_{kernel_};
+    MemoryService memory_{kernel_};
+    LinuxNetworkInterfaces interfaces_;
+    NetworkService network_{interfaces_, kernel_};
+    LinuxProcessTable table_;
+    ProcessService processes_{table_, kernel_};
+};
+
 void fastRefreshFloor(benchmark::State& state) {
-    std::vector<int> descriptors;
-    for (const std::string& file : filesOfFastRefresh()) {
-        const int descriptor = ::open(file.c_str(), O_RDONLY | O_CLOEXEC);
-        if (descriptor >= 0) {
-            descriptors.push_back(descriptor);
-        }
-    }
-    std::vector<char> buffer(std::size_t{1} << 16);
-    tarnwick::benchmarks::BareLinkDump links;
+    BareFastRefresh refresh;
     for ([[maybe_unused]] const auto turn : state) {
-        for (const int descriptor : descriptors) {
-            benchmark::DoNotOptimize(::pread(descriptor, buffer.data(), buffer.size(), 0));
-        }
-        benchmark::DoNotOptimize(links.read());
-    }
-    for (const int descriptor : descriptors) {
-        ::close(descriptor);
+        refresh.read();
     }
 }
 
 void fastRefresh(benchmark::State& state) {
-    LinuxKernel kernel;
-    CPUService processors(kernel);
-    MemoryService memory(kernel);
-    LinuxNetworkInterfaces interfaces;
-    NetworkService network(interfaces, kernel);
+    FastRefresh refresh;
     for ([[maybe_unused]] const auto turn : state) {
-        benchmark::DoNotOptimize(processors.readCPUInfo());
-        benchmark::DoNotOptimize(memory.readMemoryInfo());
-        benchmark::DoNotOptimize(network.readNetworkInfo());
+        refresh.read();
+    }
+}
+
+void fastRefreshWithProcessesFloor(benchmark::State& state) {
+    BareFastRefresh refresh;
+    tarnwick::benchmarks::BareProcessLoop processes;
+    for ([[maybe_unused]] const auto turn : state) {
+        refresh.read();
+        benchmark::DoNotOptimize(processes.read());
+    }
+}
+
+void fastRefreshWithProcesses(benchmark::State& state) {
+    FastRefresh refresh;
+    // The first opens the files of the processes, the others keep them.
+    refresh.readWithProcesses();
+    for ([[maybe_unused]] const auto turn : state) {
+        refresh.readWithProcesses();
     }
 }
 
@@ -99,6 +158,7 @@ void storage(benchmark::State& state) {
 
 constexpr tarnwick::benchmarks::Pair pairs[] = {
     {"fast refresh without processes", fastRefresh, fastRefreshFloor, 1.3},
+    {"fast refresh with processes", fastRefreshWithProcesses, fastRefreshWithProcessesFloor, 1.0},
     {"storage", storage, storageFloor, 1.3},
 };
 
