@@ -9,6 +9,7 @@
 #include "platform/keyboard_layout.h"
 #include "platform/linux/autostart_login_service.h"
 #include "platform/linux/byte_count_text.h"
+#include "platform/linux/descriptor_limit.h"
 #include "platform/linux/desktop/color_scheme.h"
 #include "platform/linux/desktop/interface_font.h"
 #include "platform/linux/desktop/linux_status_item.h"
@@ -162,6 +163,7 @@ int main(int argc, char* argv[]) {
         platform::notice("there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
         return EXIT_FAILURE;
     }
+    platform::raiseDescriptorLimit();
     auto environment = std::make_optional<platform::ToolkitEnvironment>();
     QApplication application(argc, argv);
     environment.reset();

@@ -4,15 +4,14 @@
 //   process_benchmark [--processes=N] [--check] [options of the benchmark library]
 //
 // Measures at the machine's own population and with N further processes (5,000 unless given), which
-// do nothing and are ended again. Only figures of an optimised build mean anything.
+// do nothing and are ended again, with the limit of descriptors that the program gives itself. Only
+// figures of an optimised build mean anything.
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <charconv>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <fcntl.h>
-#include <string>
 #include <string_view>
 #include <sys/prctl.h>
 #include <sys/resource.h>
@@ -21,21 +20,24 @@
 #include <unistd.h>
 #include <vector>
 
+#include "benchmarks/bare_process_loop.h"
 #include "benchmarks/pairs.h"
+#include "platform/linux/descriptor_limit.h"
 #include "platform/linux/linux_kernel.h"
 #include "platform/linux/linux_process_table.h"
-#include "platform/linux/process_identifiers.h"
 #include "services/process_service.h"
 
 namespace {
 
 using tarnwick::ProcessService;
+using tarnwick::benchmarks::BareProcessLoop;
 using tarnwick::benchmarks::Pair;
+using tarnwick::benchmarks::population;
 using tarnwick::platform::LinuxKernel;
 using tarnwick::platform::LinuxProcessTable;
 
 constexpr int rows = 3;
-// What most systems let a program open unless it asks for more.
+// What most systems let a program open unless it asks for more, and some even then.
 constexpr rlim_t usualDescriptors = 1024;
 
 // Processes that sleep until they are ended, each by its own identifier.
@@ -75,15 +77,6 @@ class Sleepers {
     std::vector<pid_t> identifiers_;
 };
 
-std::vector<std::int32_t> population() {
-    std::vector<std::int32_t> identifiers;
-    if (!tarnwick::platform::listProcessIdentifiers("/proc", identifiers)) {
-        std::perror("process_benchmark: /proc");
-        std::exit(1);
-    }
-    return identifiers;
-}
-
 // Shows the time of one process, too.
 void countProcesses(benchmark::State& state) {
     state.counters["each"] = benchmark::Counter(
@@ -91,19 +84,10 @@ void countProcesses(benchmark::State& state) {
         benchmark::Counter::kIsIterationInvariantRate | benchmark::Counter::kInvert);
 }
 
-// Lists nothing, parses nothing, keeps nothing.
 void bareLoop(benchmark::State& state) {
-    const std::vector<std::int32_t> identifiers = population();
-    std::vector<char> buffer(4096);
+    BareProcessLoop loop;
     for ([[maybe_unused]] const auto turn : state) {
-        for (const std::int32_t identifier : identifiers) {
-            const std::string path = "/proc/" + std::to_string(identifier) + "/stat";
-            const int descriptor = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-            if (descriptor >= 0) {
-                benchmark::DoNotOptimize(::read(descriptor, buffer.data(), buffer.size()));
-                ::close(descriptor);
-            }
-        }
+        benchmark::DoNotOptimize(loop.read());
     }
     countProcesses(state);
 }
@@ -192,6 +176,7 @@ int measureApart(int argc, char** argv) {
 
 int main(int argc, char** argv) {
     const int added = takeProcesses(argc, argv);
+    tarnwick::platform::raiseDescriptorLimit();
     const int few = measureApart(argc, argv);
     const Sleepers sleepers(added);
     const int many = measure(argc, argv);

@@ -1,0 +1,16 @@
+// How many files the program may have open at a time.
+#pragma once
+
+#include <cstddef>
+
+namespace tarnwick::platform {
+
+/// Enough to keep one open for each of 8,000 processes. The kernel needs 4.5 kB for each.
+inline constexpr std::size_t kWantedDescriptors = 16'384;
+
+/// Raises the program's limit to what is wanted, as far as the system lets it; a higher one stays.
+/// Most systems start programs with 1,024, for the sake of those that use select(). What the
+/// program starts later has the raised limit, too.
+void raiseDescriptorLimit();
+
+}  // namespace tarnwick::platform
