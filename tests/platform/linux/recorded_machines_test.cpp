@@ -7,6 +7,7 @@
 #include <variant>
 #include <vector>
 
+#include "platform/linux/kept_file.h"
 #include "platform/linux/linux_kernel.h"
 #include "platform/linux/linux_process_info.h"
 #include "platform/linux/linux_volumes.h"
@@ -43,7 +44,7 @@ const std::vector<Expected>& expectations() {
         {"container-host", 96, 1751328000, 263855104, 0, 0, "/home/deploy", "/home", 0,
          43921469.80},
         {"damaged", {}, {}, 0, 0, 0, "/home", {}, 0, {}},
-        {"handheld", 8, 1767200000, 15221396, 8658812, 756604, "/home/player", "home", 0, 8190.44},
+        {"handheld", 8, 1767200000, 15221396, 8658812, 756604, "/home/deck", "home", 0, 8190.44},
         {"laptop", 8, 1767612345, 16122588, 8061288, 1157280, "/home/ada", "Ada's Disk", 0,
          190643.27},
         {"old-kernel", 2, 1199145600, 1035344, 2031608, 20124, "/home/bob", {}, 0, 86399.99},
@@ -68,6 +69,15 @@ TEST(RecordedMachines, AreAllInTheTable) {
         names.push_back(expected.machine);
     }
     EXPECT_EQ(names, recordedMachines());
+}
+
+TEST(RecordedMachines, HaveEachANoteAndALineInTheListOfAll) {
+    const std::string list = readWholeFile(recordedMachine("README.md")).value_or("");
+    for (const std::string& name : recordedMachines()) {
+        EXPECT_NE(list.find("| `" + name + "` |"), std::string::npos) << name;
+        const std::string note = readWholeFile(recordedMachine(name + "/README.md")).value_or("");
+        EXPECT_TRUE(note.starts_with("# " + name + "\n\nWritten by ")) << name;
+    }
 }
 
 TEST_P(RecordedMachine, HasItsUptime) {
