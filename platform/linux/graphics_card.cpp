@@ -48,7 +48,6 @@ std::optional<GpuUtilization> GraphicsCard::utilization(double now) {
     }
     if (!power_.isAwake()) {
         source_->forget();
-        last_.reset();
         restsUntil_.reset();
         return std::nullopt;
     }

@@ -67,6 +67,15 @@ TEST_F(GPUServiceTest, AFailureIsLoggedAndTheRecordIsUnavailable) {
                     "IOServiceGetMatchingServices(IOAccelerator) failed with result: -536870206")));
 }
 
+TEST_F(GPUServiceTest, EveryCodeButZeroIsAFailure) {
+    accelerators.answers.matchingServices.set({.result = 5, .services = {accelerator(1, 50, 50)}});
+    expectUnavailable(service.readGPUInfo());
+    EXPECT_THAT(log.lines(),
+                ElementsAre(Pair(LogLevel::error,
+                                 "IOServiceGetMatchingServices(IOAccelerator) failed with "
+                                 "result: 5")));
+}
+
 TEST_F(GPUServiceTest, OneAcceleratorIsTakenAsItIs) {
     const GPUInfo info = read({accelerator(10, 50, 40, "Graphics", 30)});
     EXPECT_EQ(info.usagePercentage, 50);

@@ -30,6 +30,13 @@ TEST(IdleResidency, ASmallLeadOfTheCounterIsIdle) {
     EXPECT_EQ(residency.busyPercentage(7015, 102), 0);
 }
 
+TEST(IdleResidency, ALeadOfMoreThanTwoHundredthsAndAMomentIsAJump) {
+    IdleResidency residency;
+    residency.busyPercentage(5000, 100);
+    EXPECT_EQ(residency.busyPercentage(7059, 102), 0);
+    EXPECT_EQ(residency.busyPercentage(9120, 104), std::nullopt);
+}
+
 TEST(IdleResidency, ACounterThatJumpsBeginsAnew) {
     IdleResidency residency;
     residency.busyPercentage(5000, 100);
@@ -65,6 +72,13 @@ TEST(IdleResidency, SamplesThatFollowTooCloselyRepeatTheAnswer) {
     EXPECT_EQ(residency.busyPercentage(6000, 102.1), 50);
     EXPECT_EQ(residency.busyPercentage(6000, 101), 50);
     EXPECT_EQ(residency.busyPercentage(7000, 104), 50);
+}
+
+TEST(IdleResidency, AFifthOfASecondIsEnough) {
+    IdleResidency residency;
+    residency.busyPercentage(5000, 100);
+    EXPECT_EQ(residency.busyPercentage(5095, 100.19), std::nullopt);
+    EXPECT_NEAR(residency.busyPercentage(5105, 100.21).value_or(-1), 50, 0.001);
 }
 
 TEST(IdleResidency, AfterForgettingTheNextSampleIsTheFirst) {

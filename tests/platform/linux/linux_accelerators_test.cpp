@@ -132,6 +132,17 @@ TEST(LinuxAccelerators, ASleepCounterOfAnOldKernelDoesToo) {
     EXPECT_EQ(info.modelName, "HD Graphics 520");
 }
 
+TEST(LinuxAccelerators, ASleepCounterOfTheXeDriverDoesToo) {
+    const MachineTree tree;
+    const std::string device = "sys/class/drm/card0/device/";
+    tree.write(device + "uevent", "DRIVER=xe\n");
+    tree.write(device + "tile0/gt0/gtidle/idle_residency_ms", "5000\n");
+    Machine machine(tree.root());
+    EXPECT_FALSE(machine.read().isAvailable);
+    tree.write(device + "tile0/gt0/gtidle/idle_residency_ms", "5500\n");
+    EXPECT_EQ(machine.readAfter(2).usagePercentage, 75);
+}
+
 TEST(LinuxAccelerators, WhatACounterMeasuredOutlivesTheSearchForCards) {
     const MachineTree tree("laptop");
     Machine machine(tree.root());
@@ -198,6 +209,15 @@ TEST(LinuxAccelerators, CardsComeAndGo) {
     EXPECT_THAT(machine.accelerators.matchingServices().services, SizeIs(1));
     machine.readAfter(60);
     EXPECT_THAT(machine.accelerators.matchingServices().services, IsEmpty());
+}
+
+TEST(LinuxAccelerators, AClockThatWentBackStartsASearch) {
+    const MachineTree tree;
+    Machine machine(tree.root());
+    machine.read();
+    tree.write("sys/class/drm/card0/device/uevent", "DRIVER=amdgpu\n");
+    tree.write("sys/class/drm/card0/device/gpu_busy_percent", "12\n");
+    EXPECT_EQ(machine.readAfter(-500).usagePercentage, 12);
 }
 
 TEST(LinuxAccelerators, ADriverThatWasStartingIsLookedAtAgain) {
