@@ -142,9 +142,8 @@ int run(QApplication& application) {
     instance.setOpenPanel(openPanel);
     const platform::QuitSignals quitSignals(quit);
 
-    // The figures from before the sleep are old ones.
     const platform::SleepSignals sleepSignals(QDBusConnection::systemBus(),
-                                              [&app] { app.statsManager().refreshNow(); });
+                                              [&app] { app.machineDidWake(); });
 
     app.appDelegate().applicationDidFinishLaunching();
     const int status = application.exec();

@@ -63,6 +63,9 @@ class TarnwickApp {
     void showSettingsWindow() { settingsWindow_.show(); }
     /// The label is on screen: the first time, begins to serve the shortcut.
     void labelDidAppear();
+    /// The machine woke from sleep: the figures from before are old ones, so both refreshes run at
+    /// once.
+    void machineDidWake() { statsManager_.refreshNow(); }
 
  private:
     void labelWillChange();

@@ -176,6 +176,19 @@ TEST_F(TarnwickAppTest, ASlowRefreshIsDueEveryTwoMinutesWhileHiddenAndEveryHalfM
     EXPECT_EQ(slow, 2);
 }
 
+TEST_F(TarnwickAppTest, BothRefreshesRunAtOnceWhenTheMachineWakes) {
+    const auto app = makeApp();
+    dispatch.runMain();
+    int fast = 0;
+    int slow = 0;
+    const auto fastCounted = app->statsManager().cpuInfo.willChange([&fast] { ++fast; });
+    const auto slowCounted = app->statsManager().storageInfo.willChange([&slow] { ++slow; });
+    app->machineDidWake();
+    dispatch.runMain();
+    EXPECT_EQ(fast, 1);
+    EXPECT_EQ(slow, 1);
+}
+
 TEST_F(TarnwickAppTest, NothingIsShownAfterTheApplicationHasGone) {
     auto app = makeApp();
     dispatch.runMain();
