@@ -1,12 +1,14 @@
 // tarnwick-probe: what the program measures, as lines of JSON for terminals, scripts and bug
 // reports. Ends with 0, with 1 when its output cannot be written, with 2 for a wrong command line.
-#include <cerrno>
+#include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <string>
+#include <thread>
 #include <variant>
 
+#include "tools/pace.h"
 #include "tools/probe_options.h"
 #include "tools/probed_machine.h"
 
@@ -16,43 +18,40 @@ using namespace tarnwick::probe;
 
 constexpr int kUsageStatus = 2;
 
-/// Moments at equal distances, so that the samples do not drift.
-class Pace {
- public:
-    explicit Pace(double interval) : interval_(interval) { clock_gettime(CLOCK_MONOTONIC, &next_); }
+using Clock = std::chrono::steady_clock;
+using Seconds = std::chrono::duration<double>;
 
-    void wait() {
-        constexpr long kNanoseconds = 1'000'000'000;
-        const auto whole = static_cast<time_t>(interval_);
-        next_.tv_sec += whole;
-        next_.tv_nsec += static_cast<long>((interval_ - static_cast<double>(whole)) * kNanoseconds);
-        next_.tv_sec += next_.tv_nsec / kNanoseconds;
-        next_.tv_nsec %= kNanoseconds;
-        while (clock_nanosleep(CLOCK_MONOTONIC, TIMER_ABSTIME, &next_, nullptr) == EINTR) {
-        }
-    }
+double now() {
+    return Seconds(Clock::now().time_since_epoch()).count();
+}
 
- private:
-    double interval_;
-    timespec next_{};
-};
+void waitUntil(double moment) {
+    std::this_thread::sleep_until(
+        Clock::time_point(std::chrono::duration_cast<Clock::duration>(Seconds(moment))));
+}
 
 bool print(const std::string& text) {
     return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
 }
 
-int complain(const std::string& message, int status) {
+/// One line, whatever the message quotes.
+int complain(std::string message, int status) {
+    std::replace_if(
+        message.begin(), message.end(),
+        [](char character) { return (character >= 0 && character < ' ') || character == 0x7f; },
+        '?');
     std::fprintf(stderr, "tarnwick-probe: %s\n", message.c_str());
     return status;
 }
 
 int probe(const Options& options) {
     ProbedMachine machine(options);
-    Pace pace(options.interval);
+    Pace pace(options.interval, now());
     // Only what rates are counted from.
     machine.read();
     for (int i = 0; i < options.samples; ++i) {
-        pace.wait();
+        waitUntil(pace.next());
+        pace.begin(now());
         if (!print(reportLine(machine.read()) + '\n')) {
             return complain("the output cannot be written", EXIT_FAILURE);
         }
