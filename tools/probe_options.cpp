@@ -60,7 +60,8 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
             if (!std::filesystem::is_directory(value, error)) {
                 return UsageError{"there is no folder " + std::string(value)};
             }
-            options.root = value;
+            // However it is written, it is this machine.
+            options.root = std::filesystem::equivalent(value, "/", error) ? "/" : value;
             return std::nullopt;
         }
         case 's': {

@@ -19,6 +19,7 @@
 #include "services/process_service.h"
 #include "services/storage_service.h"
 #include "services/system_uptime.h"
+#include "tools/recorded_volumes.h"
 
 namespace tarnwick::probe {
 namespace {
@@ -42,10 +43,13 @@ struct ProbedMachine::Samplers {
           processInfo(options.root),
           networkInterfaces(options.root),
           powerSources(options.root),
-          processTable(options.root) {}
+          processTable(options.root),
+          storage(options.root == "/" ? static_cast<platform::Volumes&>(volumes)
+                                      : recordedVolumes) {}
 
     platform::LinuxKernel kernel;
     platform::LinuxVolumes volumes;
+    RecordedVolumes recordedVolumes{volumes};
     platform::LinuxAccelerators accelerators;
     platform::LinuxProcessInfo processInfo;
     platform::LinuxNetworkInterfaces networkInterfaces;
@@ -58,7 +62,7 @@ struct ProbedMachine::Samplers {
     MemoryService memory{kernel};
     NetworkService network{networkInterfaces, kernel};
     ProcessService processes{processTable, kernel};
-    StorageService storage{volumes};
+    StorageService storage;
     BatteryService battery{userDefaults, [this] { return powerSources.readHealth(); },
                            [this] { return readPowerSources(powerSources); },
                            [this] { return platform::Date{kernel.wallClockSeconds()}; },

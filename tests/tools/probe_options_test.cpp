@@ -77,6 +77,12 @@ TEST(ProbeOptions, RefuseNumbersOutOfRange) {
     }
 }
 
+TEST(ProbeOptions, KnowTheRootOfThisMachineInEveryForm) {
+    for (const char* root : {"/", "//", "/./", "/usr/..", "/proc/self/root"}) {
+        EXPECT_EQ(accepted({"--root", root}).root, "/") << root;
+    }
+}
+
 TEST(ProbeOptions, RefuseARootThatIsNoFolder) {
     EXPECT_EQ(complaint({"--root", "/no/such/folder"}), "there is no folder /no/such/folder");
     EXPECT_EQ(complaint({"--root", "/proc/stat"}), "there is no folder /proc/stat");

@@ -1,8 +1,10 @@
 // Runs the program itself.
 #include <array>
+#include <cstdint>
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <sstream>
 #include <string>
 #include <sys/wait.h>
@@ -23,10 +25,11 @@ struct Outcome {
     std::string output;
 };
 
-/// Arguments that need no quoting.
-Outcome run(const std::string& arguments, const std::string& redirection = "2>&1") {
+/// A command for the shell, in no particular language.
+Outcome runShell(const std::string& command) {
     Outcome result;
-    std::FILE* pipe = ::popen((PROBE " " + arguments + " " + redirection).c_str(), "re");
+    std::FILE* pipe =
+        ::popen(("LC_ALL=C LANGUAGE= XDG_DATA_HOME= XDG_DATA_DIRS= " + command).c_str(), "re");
     if (pipe == nullptr) {
         ADD_FAILURE() << "no child process";
         return result;
@@ -39,6 +42,11 @@ Outcome run(const std::string& arguments, const std::string& redirection = "2>&1
     const int status = ::pclose(pipe);
     result.status = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     return result;
+}
+
+/// Arguments as the shell takes them.
+Outcome run(const std::string& arguments, const std::string& redirection = "2>&1") {
+    return runShell(PROBE " " + arguments + " " + redirection);
 }
 
 std::vector<json> lines(const std::string& text) {
@@ -93,6 +101,215 @@ TEST(Probe, ReadsTheRestOfRecordedMachines) {
     EXPECT_EQ(laptop[0]["topMemoryProcesses"][0]["name"], "Firefox Web Browser");
 }
 
+/// What the probe must say of a recorded machine.
+struct Expected {
+    std::string machine;
+    std::string home;
+    int processors;
+    /// KiB.
+    std::uint64_t memory;
+    std::uint64_t received;
+    std::string volume;
+    /// Charge level; absent without a battery.
+    std::optional<int> battery;
+    double uptime;
+    int thermalState;
+    /// Utilisation; absent without a graphics processor that tells at once.
+    std::optional<double> gpu;
+    std::string model;
+    /// Identifier of the largest process; 0 where there is none.
+    int largestProcess;
+};
+
+const std::vector<Expected>& expectations() {
+    static const std::vector<Expected> all = {
+        {"container-host",
+         "/home/deploy",
+         96,
+         263855104,
+         9'541'345'078'231,
+         "/home",
+         {},
+         43921469.80,
+         0,
+         {},
+         "",
+         31055},
+        {"damaged", "/home", 0, 0, 0, "Macintosh HD", {}, 0, 0, {}, "", 0},
+        {"handheld", "/home/deck", 8, 15221396, 6'422'071'934, "home", 80, 8190.44, 0, 88,
+         "AMD Custom GPU 0405", 1502},
+        {"laptop",
+         "/home/ada",
+         8,
+         16122588,
+         19'468'212'089,
+         "Ada's Disk",
+         63,
+         190643.27,
+         0,
+         {},
+         "",
+         2301},
+        {"old-kernel",
+         "/home/bob",
+         2,
+         1035344,
+         3'812'044'817,
+         "Macintosh HD",
+         {},
+         86399.99,
+         0,
+         {},
+         "",
+         3402},
+        {"server",
+         "/home/ops",
+         63,
+         527985432,
+         192'221'136'100'888,
+         "/home",
+         {},
+         31546211.90,
+         0,
+         {},
+         "",
+         40110},
+        {"two-batteries",
+         "/home/mia",
+         4,
+         7980448,
+         5'028'089'393,
+         "/",
+         80,
+         61822.07,
+         1,
+         {},
+         "",
+         1400},
+        {"virtual-machine",
+         "/home/admin",
+         2,
+         2014432,
+         88'120'443'127,
+         "cloudimg-rootfs",
+         {},
+         2419206.55,
+         0,
+         {},
+         "",
+         844},
+        {"workstation",
+         "/home/grace",
+         24,
+         65758412,
+         1'204'928'551'366,
+         "/",
+         {},
+         262811.38,
+         0,
+         37,
+         "AMD Radeon RX 7900 XTX",
+         2200},
+    };
+    return all;
+}
+
+class ProbedRecording : public testing::TestWithParam<Expected> {};
+
+TEST(ProbedRecordings, AreAllThereAre) {
+    std::vector<std::string> names;
+    for (const Expected& expected : expectations()) {
+        names.push_back(expected.machine);
+    }
+    EXPECT_EQ(names, platform::testing::recordedMachines());
+}
+
+TEST_P(ProbedRecording, IsReadAsItIs) {
+    const Expected& expected = GetParam();
+    const Outcome result = run("--interval 0.01 --limit 1 --root " +
+                               recordedMachine(expected.machine) + " --home " + expected.home);
+    EXPECT_EQ(result.status, 0);
+    const std::vector<json> samples = lines(result.output);
+    ASSERT_EQ(samples.size(), 1U);
+    const json& sample = samples[0];
+    EXPECT_EQ(sample["cpu"]["coreCount"], expected.processors);
+    EXPECT_EQ(sample["cpu"]["coreUsages"].size(), static_cast<std::size_t>(expected.processors));
+    EXPECT_EQ(sample["memory"]["total"], expected.memory * 1024);
+    EXPECT_EQ(sample["network"]["totalReceivedBytes"], expected.received);
+    EXPECT_EQ(sample["battery"]["hasBattery"], expected.battery.has_value());
+    EXPECT_EQ(sample["battery"]["percentage"], expected.battery.value_or(0));
+    EXPECT_NEAR(sample["system"]["uptime"].get<double>(), expected.uptime, 0.001);
+    EXPECT_EQ(sample["thermalState"], expected.thermalState);
+    EXPECT_EQ(sample["gpu"]["isAvailable"], expected.gpu.has_value());
+    EXPECT_EQ(sample["gpu"]["usagePercentage"], expected.gpu.value_or(0));
+    EXPECT_EQ(sample["gpu"]["modelName"], expected.model);
+    const json& processes = sample["topMemoryProcesses"];
+    ASSERT_EQ(processes.size(), expected.largestProcess == 0 ? 0U : 1U);
+    if (expected.largestProcess != 0) {
+        EXPECT_EQ(processes[0]["id"], expected.largestProcess);
+    }
+}
+
+// Its moment is the only one: nothing goes on, on whatever machine it is read.
+TEST_P(ProbedRecording, StandsStill) {
+    const json sample =
+        lines(run("--interval 0.01 --root " + recordedMachine(GetParam().machine)).output).at(0);
+    EXPECT_EQ(sample["cpu"]["usagePercentage"], 0);
+    EXPECT_EQ(sample["network"]["downloadBytesPerSecond"], 0);
+    EXPECT_EQ(sample["network"]["uploadBytesPerSecond"], 0);
+    for (const json& process : sample["topCPUProcesses"]) {
+        EXPECT_EQ(process["cpuUsage"], 0);
+    }
+}
+
+TEST_P(ProbedRecording, HasTheNameOfItsVolumeAndNoCapacityOfTheDiskItLiesOn) {
+    const json sample = lines(run("--interval 0.01 --root " + recordedMachine(GetParam().machine) +
+                                  " --home " + GetParam().home)
+                                  .output)
+                            .at(0);
+    ASSERT_EQ(sample["storage"].size(), 1U);
+    EXPECT_EQ(sample["storage"][0]["name"], GetParam().volume);
+    EXPECT_EQ(sample["storage"][0]["totalSpace"], 0);
+    EXPECT_EQ(sample["storage"][0]["usedSpace"], 0);
+    EXPECT_EQ(sample["storage"][0]["availableSpace"], 0);
+}
+
+std::string nameOfMachine(const testing::TestParamInfo<Expected>& info) {
+    std::string name = info.param.machine;
+    std::erase(name, '-');
+    return name;
+}
+
+INSTANTIATE_TEST_SUITE_P(All, ProbedRecording, testing::ValuesIn(expectations()), nameOfMachine);
+
+// The laptop's second card is awake here, and this machine has its vendor's library.
+TEST(Probe, AsksNoLibraryOfThisMachineAboutARecordedOne) {
+    const MachineTree tree("laptop");
+    tree.write("sys/class/drm/card0/device/power/runtime_status", "active\n");
+    tree.link("library/libnvidia-ml.so.1", TEST_NVML);
+    const json sample = lines(runShell("LD_LIBRARY_PATH=" + tree.root() +
+                                       "/library " PROBE " --interval 0.01 --root " + tree.root())
+                                  .output)
+                            .at(0);
+    EXPECT_EQ(sample["gpu"]["isAvailable"], false);
+}
+
+TEST(Probe, MeasuresTheVolumeThatItIsTold) {
+    const json root = lines(run("--interval 0.01 --home /").output).at(0);
+    EXPECT_GT(root["storage"][0]["totalSpace"], 0);
+    const json missing = lines(run("--interval 0.01 --home /no/such/home").output).at(0);
+    EXPECT_EQ(missing["storage"][0]["totalSpace"], 0);
+}
+
+TEST(Probe, NeedsNoToolkitAndNoVendorsLibrary) {
+    // The loader lists what the program needs instead of starting it.
+    const Outcome result = runShell("LD_TRACE_LOADED_OBJECTS=1 " PROBE);
+    EXPECT_NE(result.output.find("libc.so"), std::string::npos);
+    for (const char* library : {"libQt", "libnvidia", "libcuda", "libdrm", "libX11", "libdbus"}) {
+        EXPECT_EQ(result.output.find(library), std::string::npos) << result.output;
+    }
+}
+
 TEST(Probe, ListsAsManyProcessesAsItIsTold) {
     const std::vector<json> none =
         lines(run("--interval 0.01 --limit 0 --root " + recordedMachine("laptop")).output);
@@ -129,6 +346,12 @@ TEST(Probe, EndsWithOneLineAndStatusTwoWithoutItsRoot) {
     const Outcome result = run("--root /no/such/folder");
     EXPECT_EQ(result.status, 2);
     EXPECT_EQ(result.output, "tarnwick-probe: there is no folder /no/such/folder\n");
+}
+
+TEST(Probe, ComplainsInOneLineOfWhatIsNoLine) {
+    const Outcome result = run("--root \"$(printf '/no\\nsuch\\033[1m\\177f\\303\\266lder')\"");
+    EXPECT_EQ(result.status, 2);
+    EXPECT_EQ(result.output, "tarnwick-probe: there is no folder /no?such?[1m?f\xC3\xB6lder\n");
 }
 
 TEST(Probe, EndsWithStatusOneWhenNobodyTakesItsOutput) {
