@@ -1,0 +1,39 @@
+// Which bits of an X11 key event stand for the modifiers of a shortcut.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <optional>
+#include <vector>
+#include <xcb/xcb.h>
+
+namespace tarnwick::platform {
+
+/// The modifiers whose bits depend on the keyboard's mapping. Shift, Control and Caps Lock have
+/// bits of their own. 0: no key gives that modifier.
+struct X11Modifiers {
+    /// Super.
+    std::uint16_t command = 0;
+    /// Alt.
+    std::uint16_t option = 0;
+    std::uint16_t numLock = 0;
+    std::uint16_t scrollLock = 0;
+
+    bool operator==(const X11Modifiers&) const = default;
+
+    /// The bits of a sum of hot_key_modifier bits. Absent when one of them has no key.
+    std::optional<std::uint16_t> bits(std::uint32_t hotKeyModifiers) const;
+    /// The bits of all locks.
+    std::uint16_t locks() const;
+};
+
+/// The keysyms of the keys of each modifier, in the order of the bits: Shift, Lock, Control and
+/// Mod1 to Mod5.
+using ModifierKeysyms = std::array<std::vector<xcb_keysym_t>, 8>;
+
+X11Modifiers modifiersOf(const ModifierKeysyms& keysyms);
+
+/// Asks the server, in two round trips. Absent when it does not answer.
+std::optional<X11Modifiers> readModifiers(xcb_connection_t* connection);
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,40 @@
+#include "platform/linux/desktop/session_keyboard.h"
+
+#include <QDBusConnection>
+#include <gtest/gtest.h>
+
+#include "platform/testing/manual_dispatch.h"
+
+namespace tarnwick::platform {
+namespace {
+
+TEST(SessionKeyboard, GrabsKeysOfAnXServer) {
+    EXPECT_EQ(hotKeySource(true, false), HotKeySource::x11);
+}
+
+TEST(SessionKeyboard, AsksThePortalWhereACompositorHasTheKeys) {
+    EXPECT_EQ(hotKeySource(false, true), HotKeySource::portal);
+    // An X server is there for old programs only.
+    EXPECT_EQ(hotKeySource(true, true), HotKeySource::portal);
+}
+
+TEST(SessionKeyboard, HasNoSourceWithoutEither) {
+    EXPECT_EQ(hotKeySource(false, false), HotKeySource::none);
+}
+
+TEST(SessionKeyboard, RegistersNothingWithoutADisplay) {
+    testing::ManualDispatch dispatch;
+    const auto layout = makeKeyboardLayout();
+    const auto hotKeys = makeHotKeys(QDBusConnection("none"), *layout, dispatch);
+    const auto result = hotKeys->registerEventHotKey(37, hot_key_modifier::kCommand, {});
+    EXPECT_NE(result.status, hot_key_status::kSuccess);
+    EXPECT_NE(result.status, hot_key_status::kExists);
+    EXPECT_FALSE(result.handle);
+}
+
+TEST(SessionKeyboard, NamesNoKeyWithoutADisplay) {
+    EXPECT_EQ(makeKeyboardLayout()->displayText(37), std::nullopt);
+}
+
+}  // namespace
+}  // namespace tarnwick::platform
