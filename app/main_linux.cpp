@@ -5,8 +5,6 @@
 #include <string>
 
 #include "app/tarnwick_app.h"
-#include "platform/hot_keys.h"
-#include "platform/keyboard_layout.h"
 #include "platform/linux/autostart_login_service.h"
 #include "platform/linux/byte_count_text.h"
 #include "platform/linux/descriptor_limit.h"
@@ -16,6 +14,7 @@
 #include "platform/linux/desktop/qt_dispatch.h"
 #include "platform/linux/desktop/quit_signals.h"
 #include "platform/linux/desktop/session_bus.h"
+#include "platform/linux/desktop/session_keyboard.h"
 #include "platform/linux/desktop/single_instance.h"
 #include "platform/linux/desktop/sleep_signals.h"
 #include "platform/linux/desktop/toolkit_environment.h"
@@ -56,8 +55,10 @@ bool hasDisplay() {
 
 /// The machine. Nothing of it is ever destroyed: background work that is stuck when the program
 /// ends may still use it.
-void installPlatform(platform::UserDefaults& userDefaults) {
+void installPlatform(platform::UserDefaults& userDefaults, const QDBusConnection& bus) {
     auto* powerSources = new platform::LinuxPowerSources();
+    auto* dispatch = new platform::QtDispatch();
+    auto* keyboardLayout = platform::makeKeyboardLayout().release();
     platform::install({
         .kernel = new platform::LinuxKernel(),
         .volumes = new platform::LinuxVolumes(),
@@ -70,10 +71,10 @@ void installPlatform(platform::UserDefaults& userDefaults) {
         .userDefaults = &userDefaults,
         .loginService = new platform::AutostartLoginService(
             platform::startCommand(platform::runningProgram(), environment), environment),
-        .hotKeys = new platform::NullHotKeys(),
-        .keyboardLayout = new platform::NullKeyboardLayout(),
+        .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, *dispatch).release(),
+        .keyboardLayout = keyboardLayout,
         .byteCountFormatter = new platform::PlainByteCountFormatter(),
-        .dispatch = new platform::QtDispatch(),
+        .dispatch = dispatch,
     });
 }
 
@@ -107,7 +108,7 @@ int run(QApplication& application) {
     }
 
     auto& userDefaults = *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
-    installPlatform(userDefaults);
+    installPlatform(userDefaults, bus);
     platform::applyInterfaceFont();
 
     qt::Theme theme;

@@ -1,0 +1,176 @@
+"""The shortcut: pressed while another program is in front."""
+
+import contextlib
+import sqlite3
+import subprocess
+import time
+
+from Xlib import X, XK, display, error
+from Xlib.ext import xtest
+
+from desktop_test_case import DesktopTestCase, main
+
+# What those have who used the program before a shortcut could be chosen: Command-L.
+SHORTCUT = ("Super_L", "l")
+# Long enough for a panel that should not be there to show itself.
+A_WHILE = 0.5
+# Command and Shift, as they are stored.
+COMMAND_SHIFT = 0x120000
+
+
+class Bystander:
+    """Another program with a window in front, and with hands on the keyboard."""
+
+    def __init__(self, desktop):
+        self._display = display.Display(desktop.env["DISPLAY"])
+        screen = self._display.screen()
+        self._root = screen.root
+        self._window = screen.root.create_window(
+            200, 300, 200, 100, 0, screen.root_depth, background_pixel=screen.white_pixel,
+            event_mask=X.KeyPressMask | X.FocusChangeMask)
+        self._window.set_wm_name("Bystander")
+        self._window.map()
+        self._pressed = []
+
+    def close(self):
+        self._display.close()
+
+    def has_focus(self):
+        return self._display.get_input_focus().focus == self._window
+
+    def code(self, name):
+        return self._display.keysym_to_keycode(XK.string_to_keysym(name))
+
+    def hold(self, *names):
+        for name in names:
+            xtest.fake_input(self._display, X.KeyPress, self.code(name))
+        self._display.sync()
+
+    def release(self, *names):
+        for name in names:
+            xtest.fake_input(self._display, X.KeyRelease, self.code(name))
+        self._display.sync()
+
+    def press(self, *names):
+        """Presses keys one after the other and lets them go, the last one first."""
+        self.hold(*names)
+        self.release(*reversed(names))
+
+    def keys(self):
+        """The codes of the keys that were pressed in the window."""
+        while self._display.pending_events():
+            event = self._display.next_event()
+            if event.type == X.KeyPress:
+                self._pressed.append(event.detail)
+        return self._pressed
+
+    def grab(self, name, modifiers):
+        """Takes a key combination for itself; False when somebody else has it."""
+        refused = error.CatchError(error.BadAccess)
+        self._root.grab_key(self.code(name), modifiers, False, X.GrabModeAsync, X.GrabModeAsync,
+                            onerror=refused)
+        self._display.sync()
+        return refused.get_error() is None
+
+    def ungrab(self, name, modifiers):
+        self._root.ungrab_key(self.code(name), modifiers)
+        self._display.sync()
+
+
+class ShortcutTest(DesktopTestCase):
+    def setUp(self):
+        self.open_desktop()
+
+    def start_beside_another(self):
+        """Starts the program, then another one that takes the focus."""
+        program = self.start_known_to_user()
+        self.bring_another_to_front()
+        return program
+
+    def bring_another_to_front(self):
+        self.other = Bystander(self.desktop)
+        self.addCleanup(self.other.close)
+        self.until(self.other.has_focus, "the other program is in front")
+
+    def assert_toggles(self, program):
+        self.other.press(*SHORTCUT)
+        self.assert_open(program)
+        self.other.press(*SHORTCUT)
+        self.assert_closed(program)
+
+    def test_opens_and_closes_while_another_program_is_in_front(self):
+        program = self.start_beside_another()
+        for _ in range(3):
+            self.assert_toggles(program)
+        self.assertNotIn(self.other.code("l"), self.other.keys())
+        # Only the combination is taken.
+        self.other.press("l")
+        self.until(lambda: self.other.code("l") in self.other.keys(), "the other one gets its key")
+        self.assertIsNone(program.panel())
+        self.assertEqual(program.output(), "")
+
+    def test_works_whatever_is_locked(self):
+        program = self.start_beside_another()
+        for lock in ("Caps_Lock", "Num_Lock"):
+            self.other.press(lock)
+            self.assert_toggles(program)
+
+    def test_held_down_opens_once(self):
+        subprocess.run(["xset", "r", "rate", "100", "50"], env=self.desktop.env, check=True)
+        program = self.start_beside_another()
+        self.other.hold(*SHORTCUT)
+        self.assert_open(program)
+        # Some twenty repetitions.
+        time.sleep(A_WHILE)
+        self.assertIsNotNone(program.panel())
+        self.other.release(*reversed(SHORTCUT))
+        self.other.press(*SHORTCUT)
+        self.assert_closed(program)
+
+    def test_closes_what_a_click_has_opened(self):
+        program = self.start_beside_another()
+        program.open_panel()
+        self.assert_open(program)
+        self.other.press(*SHORTCUT)
+        self.assert_closed(program)
+
+    def test_survives_another_layout(self):
+        program = self.start_beside_another()
+        for layout in ("de", "us,ru", "us"):
+            subprocess.run(["setxkbmap", "-layout", layout], env=self.desktop.env, check=True)
+            self.assert_toggles(program)
+
+    def test_held_by_another_program_is_left_to_it(self):
+        self.start_known_to_user().end()
+        self.bring_another_to_front()
+        self.assertTrue(self.other.grab("l", X.Mod4Mask))
+        program = self.program("conflict").start()
+        program.wait_for_item()
+        self.other.press(*SHORTCUT)
+        self.until(lambda: self.other.code("l") in self.other.keys(), "its holder has it")
+        time.sleep(A_WHILE)
+        self.assertIsNone(program.panel())
+        # Not even the other states of the locks were kept.
+        self.assertTrue(self.other.grab("l", X.Mod4Mask | X.LockMask))
+        self.assertEqual(program.end(), 0, program.output())
+        self.other.ungrab("l", X.AnyModifier)
+
+        with contextlib.closing(sqlite3.connect(self.store())) as store, store:
+            store.execute("UPDATE defaults SET value = ? WHERE key = ?",
+                          (COMMAND_SHIFT, "settings.shortcutModifiers"))
+        program = self.program("released").start()
+        program.wait_for_item()
+        self.other.press("Super_L", "Shift_L", "l")
+        self.assert_open(program)
+        self.other.press(*SHORTCUT)
+        time.sleep(A_WHILE)
+        self.assertIsNotNone(program.panel())
+
+    def test_is_given_back_at_the_end(self):
+        program = self.start_beside_another()
+        self.assertFalse(self.other.grab("l", X.Mod4Mask))
+        self.assertEqual(program.end(), 0)
+        self.assertTrue(self.other.grab("l", X.Mod4Mask))
+
+
+main()
