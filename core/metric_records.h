@@ -154,7 +154,7 @@ struct NetworkInfo {
     std::uint64_t totalReceivedBytes = 0;
     /// Bytes sent since the counters started.
     std::uint64_t totalSentBytes = 0;
-    /// False until two successive readings gave a rate.
+    /// There was an earlier reading to compare with; without one the rates say nothing.
     bool hasSample = false;
 };
 

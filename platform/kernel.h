@@ -75,7 +75,7 @@ class Kernel {
     virtual std::optional<TimeValue> bootTime() = 0;
     /// `vm_page_size`, bytes: the unit of VMStatistics. Constant for the life of the process.
     virtual std::uint64_t pageSize() = 0;
-    /// Seconds of the raw monotonic clock, which does not advance while the machine sleeps.
+    /// Seconds of the raw monotonic clock. It goes on in sleep on macOS, stands still on Linux.
     virtual double monotonicSeconds() = 0;
     /// Wall-clock seconds since 1970.
     virtual double wallClockSeconds() = 0;
