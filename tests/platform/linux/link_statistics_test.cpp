@@ -3,10 +3,14 @@
 #include "platform/linux/link_statistics.h"
 
 #include <cerrno>
+#include <fcntl.h>
+#include <filesystem>
 #include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
 #include <linux/netlink.h>
+#include <sys/time.h>
 
 #include "platform/linux/interface_addresses.h"
 #include "tests/platform/linux/network_calls.h"
@@ -62,6 +66,39 @@ TEST_F(LinkStatisticsTest, AReadingIsOneQuestionOnASocketThatIsKept) {
 TEST_F(LinkStatisticsTest, NothingIsOpenedBeforeTheFirstReading) {
     const LinkStatistics unused;
     EXPECT_EQ(NetworkCalls::current().socket, 0);
+}
+
+TEST_F(LinkStatisticsTest, TheSocketIsNotInheritedAndNotWaitedForLongerThanASecond) {
+    bool isInherited = true;
+    timeval patience{};
+    NetworkCalls::current().receive = [&](int descriptor, msghdr* message, int flags) {
+        isInherited = (::fcntl(descriptor, F_GETFD) & FD_CLOEXEC) == 0;
+        socklen_t size = sizeof patience;
+        EXPECT_EQ(::getsockopt(descriptor, SOL_SOCKET, SO_RCVTIMEO, &patience, &size), 0);
+        return systemReceive(descriptor, message, flags);
+    };
+    ASSERT_TRUE(links.interfaceCounters());
+    EXPECT_FALSE(isInherited);
+    EXPECT_EQ(patience.tv_sec, 1);
+    EXPECT_EQ(patience.tv_usec, 0);
+}
+
+TEST_F(LinkStatisticsTest, NoSocketIsLeftOpen) {
+    const auto openDescriptors = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    };
+    const auto before = openDescriptors();
+    {
+        LinkStatistics own;
+        ASSERT_TRUE(own.interfaceCounters());
+        EXPECT_EQ(openDescriptors(), before + 1);
+        spoil([](nlmsghdr& first, int) { first.nlmsg_flags |= NLM_F_DUMP_INTR; });
+        EXPECT_EQ(own.interfaceCounters(), std::nullopt);
+        EXPECT_EQ(openDescriptors(), before);
+        NetworkCalls::reset();
+        ASSERT_TRUE(own.interfaceCounters());
+    }
+    EXPECT_EQ(openDescriptors(), before);
 }
 
 TEST_F(LinkStatisticsTest, AnInterruptedAnswerIsAskedForAgain) {

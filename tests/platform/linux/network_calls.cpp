@@ -1,5 +1,6 @@
 #include "tests/platform/linux/network_calls.h"
 
+#include <dlfcn.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -41,5 +42,12 @@ ssize_t recvmsg(int descriptor, msghdr* message, int flags) {
     calls.bufferSize = message->msg_iovlen > 0 ? message->msg_iov[0].iov_len : 0;
     return calls.receive ? calls.receive(descriptor, message, flags)
                          : tarnwick::platform::testing::systemReceive(descriptor, message, flags);
+}
+
+int getifaddrs(ifaddrs** list) noexcept {
+    static const auto system =
+        reinterpret_cast<int (*)(ifaddrs**)>(::dlsym(RTLD_NEXT, "getifaddrs"));
+    const NetworkCalls& calls = NetworkCalls::current();
+    return calls.addresses ? calls.addresses(list) : system(list);
 }
 }

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <ifaddrs.h>
 #include <sys/socket.h>
 #include <sys/types.h>
 
@@ -18,6 +19,8 @@ struct NetworkCalls {
     std::size_t bufferSize = 0;
     /// Answers `recvmsg`; absent: the system does.
     std::function<ssize_t(int descriptor, msghdr* message, int flags)> receive;
+    /// Answers `getifaddrs`; absent: the system does.
+    std::function<int(ifaddrs** list)> addresses;
 
     /// Those since the last reset().
     static NetworkCalls& current();

@@ -2,6 +2,7 @@
 // the kernel's table and the tool that people trust say.
 #include "tests/platform/linux/network_namespace.h"
 
+#include <cerrno>
 #include <cstdint>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,6 +33,7 @@ class NetworkNamespace : public ::testing::Test {
         }
         interfaces = std::make_unique<LinuxNetworkInterfaces>();
     }
+    void TearDown() override { NetworkCalls::reset(); }
 
     InterfaceTable table() {
         auto found = interfaces->interfaceCounters();
@@ -41,6 +43,13 @@ class NetworkNamespace : public ::testing::Test {
     NetworkInfo sampleAt(double seconds) {
         clock = seconds;
         return service.readNetworkInfo();
+    }
+    /// From now on the kernel's answers about links are lost on their way.
+    static void loseAnswers() {
+        NetworkCalls::current().receive = [](int, msghdr*, int) {
+            errno = ENOBUFS;
+            return ssize_t{-1};
+        };
     }
     /// Two interfaces that are up and joined.
     void joinedPair() {
@@ -115,6 +124,44 @@ TEST_F(NetworkNamespace, TheTwoSourcesAgree) {
     for (const auto& [index, counters] : *wide) {
         EXPECT_EQ(narrow->at(index), (Counters{counters.received, counters.sent, true}));
     }
+}
+
+TEST_F(NetworkNamespace, TheAddressesStandInForLinksThatCannotBeRead) {
+    joinedPair();
+    const std::uint32_t left = indexOf("left");
+    const std::uint32_t right = indexOf("right");
+    sendFrames("left", 1'000, 50);
+    sampleAt(0);
+    sendFrames("left", 1'000, 50);
+    loseAnswers();
+    EXPECT_EQ(table(), (InterfaceTable{{left, {0, 100'000, true}}, {right, {100'000, 0, true}}}));
+    const NetworkInfo narrow = sampleAt(1);
+    EXPECT_TRUE(narrow.hasSample);
+    EXPECT_EQ(narrow.totalSentBytes, 100'000U);
+    EXPECT_EQ(narrow.uploadBytesPerSecond, 0);
+    sendFrames("left", 1'000, 30);
+    EXPECT_DOUBLE_EQ(sampleAt(2).uploadBytesPerSecond, 30'000);
+
+    NetworkCalls::reset();
+    EXPECT_EQ(table(), (InterfaceTable{{left, {0, 130'000, false}}, {right, {130'000, 0, false}}}));
+}
+
+TEST_F(NetworkNamespace, WithoutLinksAndAddressesThereIsNoTable) {
+    joinedPair();
+    loseAnswers();
+    NetworkCalls::current().addresses = [](ifaddrs** list) {
+        // A call that fails says nothing about its list.
+        static ifaddrs nothing{};
+        *list = &nothing;
+        errno = ENOMEM;
+        return -1;
+    };
+    EXPECT_EQ(interfaces->interfaceCounters(), std::nullopt);
+    NetworkCalls::current().addresses = [](ifaddrs** list) {
+        *list = nullptr;
+        return 0;
+    };
+    EXPECT_EQ(interfaces->interfaceCounters(), std::nullopt);
 }
 
 TEST_F(NetworkNamespace, ADummyInterfaceIsCounted) {
