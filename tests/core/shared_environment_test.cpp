@@ -1,4 +1,6 @@
 // The process-wide samplers and the manager that runs on them.
+#include <array>
+#include <cstdint>
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
@@ -73,6 +75,27 @@ TEST(MetricSources, ReadTheCurrentPlatform) {
     EXPECT_EQ(sources.readNetworkInfo().totalReceivedBytes, 600u);
     EXPECT_EQ(sources.readStorageInfo().totalSpace, 500);
     EXPECT_EQ(sources.readUptime(), 600);
+}
+
+TEST(MetricSources, KeepWhatRatesAreCountedFrom) {
+    Machine& machine = Machine::installed();
+    const auto processors = [&machine](const std::array<std::uint32_t, 4>& ticks) {
+        machine.kernel.answers.hostProcessorInfo.set(platform::testing::processorTicks({ticks}));
+    };
+    processors({10, 0, 10, 0});
+    machine.kernel.setMonotonicSeconds(20);
+    MetricSources::shared().readCPUInfo();
+    MetricSources::shared().readNetworkInfo();
+
+    processors({35, 0, 85, 0});
+    machine.kernel.setMonotonicSeconds(24);
+    machine.networkInterfaces.answers.interfaceCounters.set({{{1, {1000, 1500, false}}}});
+    EXPECT_DOUBLE_EQ(MetricSources::shared().readCPUInfo().usagePercentage, 25);
+    const NetworkInfo network = MetricSources::shared().readNetworkInfo();
+    EXPECT_TRUE(network.hasSample);
+    EXPECT_DOUBLE_EQ(network.downloadBytesPerSecond, 100);
+    EXPECT_DOUBLE_EQ(network.uploadBytesPerSecond, 200);
+    machine.networkInterfaces.answers.interfaceCounters.set({{{1, {600, 700, false}}}});
 }
 
 TEST(MetricSources, ListTheProcessesOfTheCurrentPlatform) {
