@@ -8,12 +8,17 @@ fail() {
     exit 1
 }
 
-# build <preset> [cmake option...]: configures and builds, quietly unless something goes wrong.
+# build <preset> [cmake option...] [--target name...]: configures and builds, quietly unless
+# something goes wrong; everything, or the targets alone.
 build() {
-    local preset=$1
+    local preset=$1 options=()
     shift
-    cmake --preset "$preset" --log-level=WARNING "$@" >/dev/null
-    cmake --build --preset "$preset" -j "$(nproc)"
+    while [ $# -gt 0 ] && [ "$1" != --target ]; do
+        options+=("$1")
+        shift
+    done
+    cmake --preset "$preset" --log-level=WARNING "${options[@]}" >/dev/null
+    cmake --build --preset "$preset" -j "$(nproc)" "$@"
 }
 
 # run_tests <preset> [ctest option...]: every test of the preset in an environment of its own:

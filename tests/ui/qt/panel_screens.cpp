@@ -1,9 +1,15 @@
-// panel_screens FOLDER: pictures of the panel in several states, light and dark, at 1x and 2x.
+// panel_screens FOLDER: pictures of the panel in several states and over recorded machines at work,
+// light and dark, at 1x and 2x.
 #include <QApplication>
 #include <QDir>
 #include <QTextStream>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 #include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/panel/recorded_panel.h"
 #include "tests/ui/qt/settle.h"
 #include "ui/qt/panel_popup.h"
 
@@ -24,19 +30,43 @@ QImage picture(const Theme& theme, const Page& page, qreal ratio) {
     return image;
 }
 
-int makePictures(const QDir& folder) {
+using Pages = std::vector<std::pair<std::string, Page>>;
+
+Pages pages() {
+    Pages pages;
     const testing::PlainByteCountFormatter formatter;
-    for (const bool isDark : {false, true}) {
-        const Theme theme(isDark);
-        for (const testing::HomeState& state : testing::homeStates()) {
+    for (const testing::HomeState& state : testing::homeStates()) {
+        pages.emplace_back("home_" + std::string(state.name), homePage(state.inputs, formatter));
+    }
+    const std::map<std::string, std::map<int, double>> shares = {
+        {"container-host", {}},
+        {"damaged", {}},
+        {"handheld", {{1502, 0.75}, {900, 0.125}}},
+        {"laptop", {{2301, 0.5}, {2410, 0.25}, {3055, 0.125}}},
+        {"old-kernel", {}},
+        {"server", {}},
+        {"two-batteries", {}},
+        {"virtual-machine", {}},
+        {"workstation", {{4410, 0.5}, {2200, 0.25}, {4475, 0.125}}},
+    };
+    for (const auto& [machine, processes] : shares) {
+        testing::RecordedPanel panel(machine);
+        panel.work(processes.empty() ? 0.3 : 0.95, processes);
+        pages.emplace_back("machine_" + machine, panel.page());
+    }
+    return pages;
+}
+
+int makePictures(const QDir& folder) {
+    for (const auto& [name, page] : pages()) {
+        for (const bool isDark : {false, true}) {
+            const Theme theme(isDark);
             for (const int ratio : {1, 2}) {
-                const QString path = folder.filePath(
-                    QString("home_%1_%2_%3x.png")
-                        .arg(QString::fromUtf8(state.name.data(),
-                                               static_cast<qsizetype>(state.name.size())))
-                        .arg(isDark ? "dark" : "light")
-                        .arg(ratio));
-                if (!picture(theme, homePage(state.inputs, formatter), ratio).save(path)) {
+                const QString path = folder.filePath(QString("%1_%2_%3x.png")
+                                                         .arg(QString::fromStdString(name))
+                                                         .arg(isDark ? "dark" : "light")
+                                                         .arg(ratio));
+                if (!picture(theme, page, ratio).save(path)) {
                     QTextStream(stderr) << "cannot write " << path << '\n';
                     return 1;
                 }

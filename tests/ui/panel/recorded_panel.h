@@ -1,0 +1,29 @@
+// The panel over a recorded machine: the real sources, the real manager, a turned clock.
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string_view>
+
+#include "ui/panel/page.h"
+
+namespace tarnwick::testing {
+
+/// Works on a private copy of the machine. The panel is on screen from the start.
+class RecordedPanel {
+ public:
+    explicit RecordedPanel(std::string_view machine);
+    ~RecordedPanel();
+
+    /// Lets one refresh pass in which every processor was busy for `busy` of the time and each
+    /// process of `shares`, by identifier, used that share of all processors; both from 0 to 1.
+    void work(double busy, const std::map<int, double>& shares);
+
+    Page page() const;
+
+ private:
+    struct Machine;
+    std::unique_ptr<Machine> machine_;
+};
+
+}  // namespace tarnwick::testing
