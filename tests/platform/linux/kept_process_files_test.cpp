@@ -114,7 +114,7 @@ TEST_F(KeptProcessFilesTest, UsesAtMostHalfOfTheDescriptors) {
         const std::size_t before = openDescriptors();
         const FileDescriptor folder(tree.root());
         // The second walk meets other processes: the old ones' files make room as it goes.
-        for (const std::int32_t first : {51, 1, 51}) {
+        for (const std::int32_t first : {1, 51, 1}) {
             files.beginWalk(folder);
             for (std::int32_t identifier = first; identifier <= 100; ++identifier) {
                 EXPECT_TRUE(files.read(identifier)) << identifier;
