@@ -30,6 +30,7 @@
 #include "platform/linux/start_command.h"
 #include "platform/platform.h"
 #include "ui/panel/menu_bar_view.h"
+#include "ui/qt/panel_placement.h"
 #include "ui/qt/panel_window.h"
 #include "ui/qt/settings_placeholder.h"
 #include "ui/qt/symbols.h"
@@ -82,13 +83,13 @@ QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
     return qt::symbolImage(symbol, qt::Theme::color(tint, dark), pixels);
 }
 
-/// Where the panel opens: at the item or, where its place is not known, in the upper right corner.
+/// Where the panel opens: at the item or, where its place is not known, in a corner.
 QRect panelAnchor(const platform::LinuxStatusItem& item) {
     if (const auto place = item.anchor()) {
         return *place;
     }
-    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-    return {screen.topRight(), QSize(1, 1)};
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return qt::cornerAnchor(screen->geometry(), screen->availableGeometry());
 }
 
 int run(QApplication& application) {

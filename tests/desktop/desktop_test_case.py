@@ -6,7 +6,7 @@ import re
 import sqlite3
 import unittest
 
-from private_desktop import PrivateDesktop, Program, Timeout, until
+from private_desktop import PrivateDesktop, Program, Timeout, hosts, until
 from private_desktop.processes import end_on_signals
 
 # The ground of the panel.
@@ -20,8 +20,11 @@ class DesktopTestCase(unittest.TestCase):
     """A test with a private desktop, which ends with the test. A picture of its end is kept."""
 
     def open_desktop(self, **options):
+        lacking = hosts.missing(options["host"]) if options.get("host") else []
+        if lacking:
+            self.skipTest("this machine lacks " + ", ".join(lacking))
         self.desktop = self.enterContext(PrivateDesktop(**options))
-        self.addCleanup(self._keep_picture)
+        self.addCleanup(self.keep_picture)
         return self.desktop
 
     def program(self, log="program"):
@@ -30,12 +33,12 @@ class DesktopTestCase(unittest.TestCase):
     def start_known_to_user(self, **changes):
         """Starts the program as on any day but the first, when it greets its user."""
         first = self.program("first").start(**changes)
-        first.wait_for_item()
+        first.wait_for_tray()
         self.until(lambda: self.is_in_store("settings.hasPresentedInitialSettings"),
                    "the greeting is over")
         self.assertEqual(first.end(), 0, first.output())
         program = self.program().start(**changes)
-        program.wait_for_item()
+        program.wait_for_tray()
         return program
 
     def until(self, condition, what):
@@ -88,11 +91,12 @@ class DesktopTestCase(unittest.TestCase):
         return [name for name, in
                 store.execute("SELECT name FROM sqlite_master WHERE type = 'table'")]
 
-    def _keep_picture(self):
+    def keep_picture(self, name=None):
+        """Keeps a picture of the screen as it is now, under the test's own name unless told."""
         folder = os.environ["TARNWICK_SCREENS"]
         os.makedirs(folder, exist_ok=True)
-        self.desktop.screen.picture().save(
-            os.path.join(folder, self.id().rpartition(".")[2] + ".png"))
+        name = name or self.id().rpartition(".")[2]
+        self.desktop.screen.picture().save(os.path.join(folder, name + ".png"))
 
 
 def bytes_read(program):

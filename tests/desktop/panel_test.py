@@ -52,6 +52,31 @@ class PanelTest(DesktopTestCase):
         self.desktop.screen.click(self.desktop.nowhere)
         self.assert_closed(program)
 
+    def test_another_program_that_comes_to_the_front_closes(self):
+        program = self.start_known_to_user()
+        program.open_panel()
+        self.assert_open(program)
+        window = self.desktop.screen.open_window()
+        self.until(lambda: self.desktop.screen.active_window() == window, "the window is active")
+        self.assert_closed(program)
+        time.sleep(0.5)
+        program.open_panel()
+        self.assert_open(program)
+
+    def test_click_outside_closes_also_when_a_menu_was_open_as_it_opened(self):
+        program = self.start_known_to_user()
+        self.assertTrue(self.desktop.screen.hold_pointer())
+        second = self.program("second").start()
+        self.until(lambda: not second.runs(), "the second start ends")
+        self.assert_open(program)
+        self.desktop.screen.release_pointer()
+
+        def closes():
+            self.desktop.screen.click(self.desktop.nowhere)
+            return program.panel() is None
+
+        self.until(closes, "a click outside closes the panel")
+
     def test_click_inside_keeps_it_open(self):
         program = self.start_known_to_user()
         panel = program.open_panel()

@@ -79,7 +79,7 @@ class SettingsWindowTest(DesktopTestCase):
         first, window, data = self.greet()
         self.assert_open(first)
         self.assertEqual(self.settings_windows(first), [window])
-        self._keep_picture()
+        self.keep_picture()
         self.assertEqual(first.end(), 0, first.output())
         second = self.program("second").start(XDG_DATA_HOME=data)
         second.wait_for_item()

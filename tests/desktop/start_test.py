@@ -1,6 +1,7 @@
 """Starting and ending: in a whole session, in a broken one, a second time."""
 
 import os
+import signal
 import sqlite3
 
 from desktop_test_case import DesktopTestCase, main
@@ -26,6 +27,30 @@ class StartTest(DesktopTestCase):
         self.until(lambda: not second.runs(), "the second start ends")
         self.assertEqual(second.process.returncode, 0, second.output())
         self.assert_open(first)
+        # In the upper right corner of the screen.
+        panel = first.panel()
+        self.assertLess(panel.y, 20)
+        self.assertGreater(panel.x + panel.width, self.desktop.screen.size[0] - 20)
+
+    def test_starts_again_after_a_crash(self):
+        self.open_desktop()
+        program = self.start_known_to_user()
+        for _ in range(2):
+            self.assertEqual(program.end(signal.SIGKILL), -signal.SIGKILL)
+            program = self.program().start()
+            program.wait_for_item()
+        self.assertEqual(len(self.desktop.bus.items()), 1)
+        self.assertEqual(program.output(), "")
+
+    def test_starts_again_after_a_crash_without_a_session_bus(self):
+        self.open_desktop(host="tint2")
+        program = self.start_without_a_session_bus()
+        self.until(program.docked_window, "the tray holds the icon")
+        self.assertEqual(program.end(signal.SIGKILL), -signal.SIGKILL)
+        again = self.program("again").start(DBUS_SESSION_BUS_ADDRESS=None,
+                                            XDG_RUNTIME_DIR=self.desktop.path("elsewhere"))
+        self.until(again.docked_window, "the tray holds the icon")
+        self.assert_one_line(again, "no session bus")
 
     def test_terminating_ends_with_success_and_a_whole_store(self):
         self.open_desktop()

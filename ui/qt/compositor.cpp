@@ -1,39 +1,14 @@
 #include "ui/qt/compositor.h"
 
-#include <QGuiApplication>
 #include <cstdlib>
-#include <memory>
 #include <string>
-#include <xcb/xcb.h>
+
+#include "ui/qt/x11.h"
 
 namespace tarnwick::qt {
 
-namespace {
-
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
-
-bool selectionHasOwner(xcb_connection_t* connection, const std::string& name) {
-    const std::unique_ptr<xcb_intern_atom_reply_t, Free> atom(xcb_intern_atom_reply(
-        connection,
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()),
-        nullptr));
-    if (atom == nullptr) {
-        return false;
-    }
-    const std::unique_ptr<xcb_get_selection_owner_reply_t, Free> owner(
-        xcb_get_selection_owner_reply(connection, xcb_get_selection_owner(connection, atom->atom),
-                                      nullptr));
-    return owner != nullptr && owner->owner != XCB_NONE;
-}
-
-}  // namespace
-
 bool hasCompositor() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    // Without a display the interface may be there and have no connection.
-    xcb_connection_t* connection = x11 == nullptr ? nullptr : x11->connection();
+    xcb_connection_t* connection = x11::connection();
     if (connection == nullptr) {
         return true;
     }
@@ -44,7 +19,13 @@ bool hasCompositor() {
     if (xcb_parse_display(nullptr, &host, &display, &screen) != 0) {
         std::free(host);
     }
-    return selectionHasOwner(connection, "_NET_WM_CM_S" + std::to_string(screen));
+    const xcb_atom_t selection = x11::atom(connection, "_NET_WM_CM_S" + std::to_string(screen));
+    if (selection == XCB_NONE) {
+        return false;
+    }
+    const x11::Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
+        connection, xcb_get_selection_owner(connection, selection), nullptr));
+    return owner != nullptr && owner->owner != XCB_NONE;
 }
 
 }  // namespace tarnwick::qt

@@ -19,4 +19,9 @@ QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& scree
             panel};
 }
 
+QRect cornerAnchor(const QRect& screen, const QRect& available) {
+    const bool isAtBottom = available.bottom() < screen.bottom() && available.top() == screen.top();
+    return {isAtBottom ? available.bottomRight() : available.topRight(), QSize(1, 1)};
+}
+
 }  // namespace tarnwick::qt

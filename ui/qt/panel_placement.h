@@ -17,4 +17,8 @@ inline constexpr int kScreenMargin = 6;
 QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& screen,
                      const QRect& available);
 
+/// What the panel opens beside while the item's place is not known: the right corner where a tray
+/// most likely is, at the bottom when only that edge has a bar, else at the top.
+QRect cornerAnchor(const QRect& screen, const QRect& available);
+
 }  // namespace tarnwick::qt

@@ -6,16 +6,24 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QTimer>
+#include <QWindow>
 #include <algorithm>
 #include <utility>
 
 #include "ui/qt/grid.h"
 #include "ui/qt/panel_placement.h"
 #include "ui/qt/shadow.h"
+#include "ui/qt/x11.h"
 
 namespace tarnwick::qt {
 
 namespace {
+
+// Each wait is twice as long as the one before; some seconds in all, which is longer than anybody
+// keeps a button pressed by mistake.
+constexpr int kInputAttempts = 8;
+constexpr int kFirstInputDelay = 15;
 
 /// A Wayland pop-up needs a window of the program to belong to; the panel has none there and is a
 /// small window that goes when another one becomes active.
@@ -69,6 +77,34 @@ void PanelPopup::popUp(const QRect& anchor) {
     place();
     show();
     activateWindow();
+    if (windowType() == Qt::Popup && QGuiApplication::platformName() == "xcb") {
+        foreignActivation_.emplace([this] {
+            QMetaObject::invokeMethod(this, &PanelPopup::dismiss, Qt::QueuedConnection);
+        });
+        takeInput(1);
+    }
+}
+
+// The toolkit takes pointer and keyboard itself when the pop-up opens, once. That fails while
+// another program holds them: a tray host until the button is released, a menu until it is gone.
+// Of the pointer the toolkit does not notice, so a grab of our own goes before.
+void PanelPopup::takeInput(int attempt) {
+    if (!isVisible()) {
+        return;
+    }
+    QWindow* window = windowHandle();
+    const bool hasPointer = x11::grabPointer(static_cast<xcb_window_t>(winId()));
+    window->setMouseGrabEnabled(true);
+    const bool hasKeyboard = window->setKeyboardGrabEnabled(true);
+    if ((!hasPointer || !hasKeyboard) && attempt < kInputAttempts) {
+        QTimer::singleShot(kFirstInputDelay * (1 << attempt), this,
+                           [this, attempt] { takeInput(attempt + 1); });
+    }
+}
+
+void PanelPopup::dismiss() {
+    wasDismissedByPress_ = true;
+    hide();
 }
 
 void PanelPopup::place() {
@@ -114,15 +150,13 @@ void PanelPopup::keyPressEvent(QKeyEvent* event) {
 
 void PanelPopup::mousePressEvent(QMouseEvent* event) {
     if (!panelRect().contains(event->position().toPoint())) {
-        wasDismissedByPress_ = true;
-        hide();
+        dismiss();
     }
 }
 
 bool PanelPopup::event(QEvent* event) {
     if (event->type() == QEvent::WindowDeactivate && windowType() != Qt::Popup) {
-        wasDismissedByPress_ = true;
-        hide();
+        dismiss();
     }
     return QWidget::event(event);
 }
@@ -130,6 +164,7 @@ bool PanelPopup::event(QEvent* event) {
 void PanelPopup::hideEvent(QHideEvent* event) {
     QWidget::hideEvent(event);
     if (!event->spontaneous()) {
+        foreignActivation_.reset();
         emit hidden();
     }
 }

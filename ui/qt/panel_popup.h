@@ -4,16 +4,18 @@
 #include <QScrollArea>
 #include <QWidget>
 #include <functional>
+#include <optional>
 
 #include "ui/panel/page.h"
+#include "ui/qt/foreign_activation.h"
 #include "ui/qt/panel_view.h"
 #include "ui/qt/theme.h"
 
 namespace tarnwick::qt {
 
 /// A borderless window around a page. Where windows can be translucent it has smooth corners and a
-/// shadow, else it is cut to shape. A page that is higher than the screen scrolls. Escape and a
-/// press outside hide it.
+/// shadow, else it is cut to shape. A page that is higher than the screen scrolls. Escape, a press
+/// outside and another program's window becoming active hide it.
 class PanelPopup final : public QWidget {
     Q_OBJECT
 
@@ -24,7 +26,7 @@ class PanelPopup final : public QWidget {
     /// Shows the panel beside `anchor` (screen coordinates), where it stays also when its height
     /// changes.
     void popUp(const QRect& anchor);
-    /// A press outside is what hid it.
+    /// A press outside is what hid it, or what a press outside may have caused.
     bool wasDismissedByPress() const { return wasDismissedByPress_; }
 
  signals:
@@ -41,12 +43,16 @@ class PanelPopup final : public QWidget {
     /// The panel's ground in the window's coordinates.
     QRect panelRect() const { return scroller_->geometry(); }
     void place();
+    void dismiss();
+    /// Sees to it that presses outside and keys come here, or tries again soon.
+    void takeInput(int attempt);
 
     const Theme& theme_;
     bool isTranslucent_;
     QScrollArea* scroller_;
     PanelView* view_;
     QRect anchor_;
+    std::optional<ForeignActivation> foreignActivation_;
     bool wasDismissedByPress_ = false;
 };
 

@@ -30,8 +30,8 @@ std::optional<PointerAndWindow> windowUnderPointer(xcb_connection_t* connection)
     if (pointer == nullptr || pointer->child == XCB_NONE) {
         return std::nullopt;
     }
-    const std::unique_ptr<xcb_get_geometry_reply_t, Free> window(xcb_get_geometry_reply(
-        connection, xcb_get_geometry(connection, pointer->child), nullptr));
+    const std::unique_ptr<xcb_get_geometry_reply_t, Free> window(
+        xcb_get_geometry_reply(connection, xcb_get_geometry(connection, pointer->child), nullptr));
     if (window == nullptr) {
         return std::nullopt;
     }

@@ -2,13 +2,16 @@
 
 import os
 import shutil
+import signal
+import subprocess
 import tempfile
 
 from . import hosts
 from .processes import Processes
-from .screen import Screen
+from .screen import Screen, Window
 from .session_bus import SessionBus, Settings, answers
 from .wait import until
+from .wayland_screen import WaylandScreen
 
 _SIZE = (1280, 800)
 _LIGHT_BACKGROUND = ((0x8F, 0xA5, 0xBE), (0x5F, 0x72, 0x8C))
@@ -54,17 +57,24 @@ _BUS = """\
   </policy>
 </busconfig>
 """
-_SERVICES = ("/usr/share/dbus-1/services/org.xfce.Xfconf.service",)
+_SERVICES = (
+    "/usr/share/dbus-1/services/org.xfce.Xfconf.service",
+    "/usr/share/dbus-1/services/org.mate.panel.applet.NotificationAreaAppletFactory.service",
+)
 
 
 class PrivateDesktop:
     """Display, session bus, window manager, tray host and home folder; a context manager.
 
-    `host` names a tray host or is None. Everything is twice as large with a `scale` of 2.
+    `host` names a tray host or is None; one that needs Wayland makes the whole desktop a Wayland
+    session, without a window manager. Everything is twice as large with a `scale` of 2.
+    `monitors` are boxes (x, y, width, height) that the screen is divided into, the first of them
+    the main one.
     """
 
-    def __init__(self, host="xfce4-panel", scale=1, dark=False):
+    def __init__(self, host="xfce4-panel", scale=1, dark=False, monitors=()):
         self.scale = scale
+        self._monitors = monitors
         self.dark = dark
         self._host_name = host
         self._host = None
@@ -133,11 +143,17 @@ class PrivateDesktop:
         config = self.path("home/.config")
         os.makedirs(config + "/gtk-3.0")
         self._write("home/.config/gtk-3.0/settings.ini", _GTK.format(dark=int(self.dark)))
-        self._start_display()
-        self._start_bus()
-        if self.scale != 1:
-            self.env["QT_SCALE_FACTOR"] = str(self.scale)
-        self._start_window_manager()
+        self.is_wayland = self._host_name is not None and hosts.needs_wayland(self._host_name)
+        if self.is_wayland:
+            self._start_compositor()
+            self._start_bus()
+        else:
+            self._start_display()
+            self._divide_screen()
+            self._start_bus()
+            if self.scale != 1:
+                self.env["QT_SCALE_FACTOR"] = str(self.scale)
+            self._start_window_manager()
         if self._host_name is not None:
             self.start_host(self._host_name)
 
@@ -162,6 +178,21 @@ class PrivateDesktop:
         self.screen.paint_background(*(_DARK_BACKGROUND if self.dark else _LIGHT_BACKGROUND))
         self.screen.move_pointer(self.nowhere)
 
+    def _start_compositor(self):
+        background = _DARK_BACKGROUND if self.dark else _LIGHT_BACKGROUND
+        self.screen = WaylandScreen(self, tuple(side * self.scale for side in _SIZE),
+                                    background[0])
+        self.screen.move_pointer(self.nowhere)
+
+    def _divide_screen(self):
+        for number, (x, y, width, height) in enumerate(self._monitors):
+            # The first takes the display's one output, and the star makes it the main one.
+            name, output = (f"monitor{number}", "none") if number else ("*monitor0", "screen")
+            subprocess.run(
+                ["xrandr", "--setmonitor", name,
+                 f"{width}/{width * 254 // 960}x{height}/{height * 254 // 960}+{x}+{y}", output],
+                env=self.env, check=True, stdout=subprocess.DEVNULL)
+
     def _start_bus(self):
         for service in _SERVICES:
             if os.path.exists(service):
@@ -184,7 +215,7 @@ class PrivateDesktop:
     def start_host(self, name):
         """Starts a tray host and waits until it takes items."""
         self._host = hosts.configure(name, self.path("home/.config"), self.scale, self.dark)
-        env = dict(self.env)
+        env = {**self.env, **self._host.env}
         if self.scale != 1:
             env["GDK_SCALE"] = str(self.scale)
         self._host_process = self.processes.start(self._host.argv, env, name)
@@ -197,10 +228,26 @@ class PrivateDesktop:
             return self.bus.has_watcher() and self.host_windows()
         return self.screen.tray_owner()
 
+    @property
+    def host_watches(self):
+        """Whether the host watches for StatusNotifierItems."""
+        return self._host is not None and self._host.watches
+
     def kill_host(self):
-        """Ends the tray host without a chance to say good-bye."""
+        """Ends the tray host without a chance to say good-bye, and what watches in its name."""
+        watcher = self.bus.watcher()
         self._host_process.kill()
         self._host_process.wait()
+        if watcher not in (None, self._host_process.pid):
+            try:
+                os.kill(watcher, signal.SIGKILL)
+            except ProcessLookupError:
+                pass
 
     def host_windows(self):
+        """The windows of the host that can be seen."""
+        if self.is_wayland:
+            # The compositor tells of no bars.
+            return [Window(0, 0, 0, self.screen.size[0], self._host.bar_height,
+                           self._host_process.pid, True)]
         return self.screen.windows(self._host_process.pid)

@@ -2,6 +2,7 @@
 
 import dataclasses
 import os
+import shutil
 
 
 @dataclasses.dataclass(frozen=True)
@@ -11,6 +12,10 @@ class Host:
     argv: tuple
     # It watches for StatusNotifierItems; otherwise it is an XEmbed tray.
     watches: bool
+    # What its environment has besides the desktop's.
+    env: dict = dataclasses.field(default_factory=dict)
+    # Height of its bar, along the top, where no display can be asked for it.
+    bar_height: int = 0
 
 
 def _write(path, text):
@@ -30,6 +35,7 @@ def _xfce4_panel(config, scale, dark):
     <property name="dark-mode" type="bool" value="{str(dark).lower()}"/>
     <property name="panel-1" type="empty">
       <property name="position" type="string" value="p=6;x=0;y=0"/>
+      <property name="output-name" type="string" value="Primary"/>
       <property name="position-locked" type="bool" value="true"/>
       <property name="length" type="double" value="100"/>
       <property name="size" type="uint" value="30"/>
@@ -90,6 +96,44 @@ type=tray
     return Host(("lxqt-panel",), True)
 
 
+def _mate_panel(config, scale, dark):
+    del dark
+    _write(os.path.join(config, "glib-2.0/settings/keyfile"), f"""\
+[org/mate/panel/general]
+toplevel-id-list=['top']
+object-id-list=['tray']
+
+[org/mate/panel/toplevels/top]
+orientation='top'
+expand=true
+size={30 * scale}
+
+[org/mate/panel/objects/tray]
+object-type='applet'
+applet-iid='NotificationAreaAppletFactory::NotificationArea'
+toplevel-id='top'
+position=0
+relative-to-edge='end'
+panel-right-stick=true
+locked=true
+""")
+    return Host(("mate-panel",), True, {"GSETTINGS_BACKEND": "keyfile"})
+
+
+def _waybar(config, scale, dark):
+    height = 30
+    path = os.path.join(config, "waybar/config")
+    _write(path, f"""\
+{{"layer": "top", "position": "top", "height": {height},
+ "modules-right": ["tray"], "tray": {{"icon-size": 22, "spacing": 8}}}}
+""")
+    style = os.path.join(config, "waybar/style.css")
+    ground = "#26262a" if dark else "#e8e8ec"
+    _write(style, f"window#waybar {{ background: {ground}; }}\n#tray {{ margin: 0 8px; }}\n")
+    return Host(("waybar", "--config", path, "--style", style), True,
+                bar_height=height * scale)
+
+
 def _tint2(config, scale, dark):
     del dark
     path = os.path.join(config, "tint2/tint2rc")
@@ -117,10 +161,23 @@ def _trayer(config, scale, dark):
 _HOSTS = {
     "xfce4-panel": _xfce4_panel,
     "lxqt-panel": _lxqt_panel,
+    "mate-panel": _mate_panel,
     "tint2": _tint2,
     "trayer": _trayer,
+    "waybar": _waybar,
 }
-WATCHING = ("xfce4-panel", "lxqt-panel")
+WATCHING = ("xfce4-panel", "lxqt-panel", "mate-panel", "waybar")
+# Programs that a host needs beside itself. What needs sway runs in a Wayland session.
+_COMPANIONS = {"waybar": ("sway", "swaymsg", "grim")}
+
+
+def needs_wayland(name):
+    return "sway" in _COMPANIONS.get(name, ())
+
+
+def missing(name):
+    """The programs that the machine lacks for a host."""
+    return [each for each in (name, *_COMPANIONS.get(name, ())) if shutil.which(each) is None]
 
 
 def configure(name, config, scale, dark):

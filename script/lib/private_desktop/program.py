@@ -45,6 +45,13 @@ class Program:
         """Ends the program with a signal; its exit status."""
         return self.desktop.processes.end(self.process, number, patience=20)
 
+    def wait_for_tray(self):
+        """Waits until the host, of whichever kind, has taken the item."""
+        if self.desktop.host_watches:
+            self.wait_for_item()
+        else:
+            until(self.docked_window, "the tray holds the icon")
+
     def wait_for_item(self):
         """The registered item, once the host lists it."""
 

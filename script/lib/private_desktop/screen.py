@@ -106,6 +106,20 @@ class Screen:
                     continue
         return found
 
+    def pop_ups(self):
+        """The visible windows that no window manager frames: menus, tool tips, bars of some."""
+        found = []
+        for child in self._root.query_tree().children:
+            try:
+                attributes = child.get_attributes()
+                if attributes.map_state == X.IsViewable and attributes.override_redirect:
+                    geometry = child.get_geometry()
+                    found.append(Window(child.id, geometry.x, geometry.y, geometry.width,
+                                        geometry.height, self._pid(child), True))
+            except _GONE:
+                continue
+        return found
+
     def _is_frame(self, window):
         """Whether a window is the frame of the window manager around a client."""
         manager = self._root.get_full_property(
@@ -154,6 +168,32 @@ class Screen:
         code = self._display.keysym_to_keycode(XK.string_to_keysym(name))
         xtest.fake_input(self._display, X.KeyPress, code)
         xtest.fake_input(self._display, X.KeyRelease, code)
+        self._display.sync()
+
+    def open_window(self):
+        """Opens a window of another program, which the window manager makes the active one."""
+        window = self._root.create_window(
+            40, 400, 200, 100, 0, self._display.screen().root_depth,
+            background_pixel=self._display.screen().white_pixel)
+        window.set_wm_name("another program")
+        window.map()
+        self._display.sync()
+        return window.id
+
+    def active_window(self):
+        """What the window manager says is the active window; 0 for none."""
+        value = self._root.get_full_property(
+            self._display.intern_atom("_NET_ACTIVE_WINDOW"), Xatom.WINDOW)
+        return value.value[0] if value is not None else 0
+
+    def hold_pointer(self):
+        """Keeps the pointer from every other program, as a menu does."""
+        status = self._root.grab_pointer(False, X.ButtonPressMask, X.GrabModeAsync,
+                                         X.GrabModeAsync, X.NONE, X.NONE, X.CurrentTime)
+        return status == X.GrabSuccess
+
+    def release_pointer(self):
+        self._display.ungrab_pointer(X.CurrentTime)
         self._display.sync()
 
     def picture(self, box=None):

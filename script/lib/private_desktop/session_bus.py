@@ -75,8 +75,12 @@ class SessionBus:
         except GLib.Error:
             return None
 
+    def watcher(self):
+        """Process id of the watcher of status items, or None."""
+        return self.owner(_WATCHER[0])
+
     def has_watcher(self):
-        return self.owner(_WATCHER[0]) is not None
+        return self.watcher() is not None
 
     def items(self):
         """Every registered item, in the order of the watcher; none without a watcher."""

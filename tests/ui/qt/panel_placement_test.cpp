@@ -52,5 +52,23 @@ TEST(PanelPlacement, APanelTooLargeKeepsItsUpperLeftCorner) {
               QPoint(16, 36));
 }
 
+TEST(CornerAnchor, IsAtTheUpperRightUnderTheBar) {
+    EXPECT_EQ(cornerAnchor(kScreen, kBelowTheBar), QRect(1919, 30, 1, 1));
+    EXPECT_EQ(cornerAnchor(kScreen, kScreen), QRect(1919, 0, 1, 1));
+}
+
+TEST(CornerAnchor, IsAtTheLowerRightWhereTheOnlyBarIsAtTheBottom) {
+    EXPECT_EQ(cornerAnchor(kScreen, QRect(0, 0, 1920, 1040)), QRect(1919, 1039, 1, 1));
+    EXPECT_EQ(cornerAnchor(kScreen, QRect(0, 30, 1920, 1010)), QRect(1919, 30, 1, 1));
+}
+
+TEST(CornerAnchor, OpensThePanelAboveTheBar) {
+    const QRect available(0, 0, 1920, 1040);
+    const QRect panel =
+        panelPlacement(kPanel, cornerAnchor(kScreen, available), kScreen, available);
+    EXPECT_EQ(panel.left() + panel.width(), 1914);
+    EXPECT_EQ(panel.top() + panel.height(), 1033);
+}
+
 }  // namespace
 }  // namespace tarnwick::qt

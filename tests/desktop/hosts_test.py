@@ -1,0 +1,175 @@
+"""The status item in the tray of each real host, driven with the pointer."""
+
+import time
+
+from PIL import ImageChops
+
+from desktop_test_case import DesktopTestCase, main
+
+# Where the entries of the item's menu lie, as shares of its height.
+_OPEN_PANEL = 0.17
+_QUIT = 0.85
+# Of the panel to the bar above it.
+_GAP = 6
+_SETTLED = 0.5
+
+
+class HostsTest(DesktopTestCase):
+    def test_xfce4_panel(self):
+        self.check("xfce4-panel")
+
+    def test_lxqt_panel(self):
+        self.check("lxqt-panel")
+
+    def test_mate_panel(self):
+        self.check("mate-panel", is_wide=True)
+
+    def test_tint2(self):
+        self.check("tint2")
+
+    def test_trayer(self):
+        self.check("trayer")
+
+    def test_waybar(self):
+        self.check("waybar", is_wide=True)
+
+    def check(self, host, is_wide=False):
+        self.host = host
+        self.open_desktop(host=host)
+        self.program = self.start_known_to_user()
+        self.check_item(is_wide)
+        self.check_click()
+        self.check_ways_to_close()
+        self.check_menu()
+        self.check_restart()
+        self.check_stays_in_place(is_wide)
+        self.assertEqual(self.program.output(), "")
+        self.choose(_QUIT)
+        self.until(lambda: not self.program.runs(), "the program quits")
+        self.assertEqual(self.program.process.returncode, 0)
+
+    def keep(self, what):
+        self.keep_picture(f"{self.host}_{what}")
+
+    def settle(self):
+        """A hand takes its time: a click right after a press means the same as that press."""
+        time.sleep(_SETTLED)
+
+    def check_item(self, is_wide):
+        self.place = self.until(self.program.item_place, "the item is on the screen")
+        if self.desktop.host_watches:
+            item = self.desktop.bus.item_of(self.program.pid)
+            pictures = self.desktop.bus.item_property(item, "IconPixmap")
+            self.assertEqual(len(pictures), 1 if is_wide else 6)
+        self.keep("item")
+
+    def bar_height(self):
+        return min(window.height for window in self.desktop.host_windows())
+
+    def check_click(self):
+        self.program.click_item()
+        self.assert_open(self.program)
+        self.assert_place()
+        self.keep("panel")
+        self.settle()
+        self.program.click_item()
+        self.assert_closed(self.program)
+        self.settle()
+        self.assertIsNone(self.program.panel())
+
+    def assert_place(self):
+        """The panel is inside the screen and, where a program can say so, under the item."""
+        panel = self.program.panel()
+        width, height = self.desktop.screen.size
+        self.assertGreaterEqual(panel.x, 0)
+        self.assertLessEqual(panel.x + panel.width, width)
+        self.assertLessEqual(panel.y + panel.height, height)
+        self.assertGreaterEqual(panel.y, self.bar_height())
+        if not self.desktop.is_wayland:
+            self.assertLessEqual(panel.y, self.bar_height() + _GAP)
+            self.assertLessEqual(panel.x, self.place[0])
+            self.assertGreaterEqual(panel.x + panel.width, self.place[0])
+
+    def check_ways_to_close(self):
+        self.program.click_item()
+        self.assert_open(self.program)
+        self.desktop.screen.press_key("Escape")
+        self.assert_closed(self.program)
+        self.program.click_item()
+        self.assert_open(self.program)
+        self.desktop.screen.click(self.desktop.nowhere)
+        self.assert_closed(self.program)
+        self.settle()
+
+    def open_menu(self):
+        """Opens the item's menu with the pointer: left, top, right and bottom of it."""
+        place = self.until(self.program.item_place, "the item is on the screen")
+        self.desktop.screen.move_pointer(place)
+        self.settle()
+        if self.desktop.is_wayland:
+            return self.open_wayland_menu(place)
+        before = set(self.desktop.screen.pop_ups())
+        self.desktop.screen.click(place, button=3)
+
+        def menu():
+            new = [each for each in set(self.desktop.screen.pop_ups()) - before
+                   if each.width >= 40 and each.height >= 40]
+            return new and max(new, key=lambda each: each.height)
+
+        box = self.until(menu, "the menu opens").box
+        self.settle()
+        return box
+
+    def open_wayland_menu(self, place):
+        """No one tells of menus there: it is what has changed below the bar."""
+        area = (0, self.bar_height(), *self.desktop.screen.size)
+        before = self.desktop.screen.picture(area)
+        self.desktop.screen.click(place, button=3)
+        self.settle()
+
+        def menu():
+            return ImageChops.difference(before, self.desktop.screen.picture(area)).getbbox()
+
+        left, top, right, bottom = self.until(menu, "the menu opens")
+        return left, top + area[1], right, bottom + area[1]
+
+    def choose(self, share):
+        left, top, right, bottom = self.open_menu()
+        if share == _OPEN_PANEL:
+            self.keep("menu")
+        self.desktop.screen.click(((left + right) // 2, top + round((bottom - top) * share)))
+
+    def check_menu(self):
+        self.choose(_OPEN_PANEL)
+        self.assert_open(self.program)
+        self.assert_place()
+        # The menu has let go of the keyboard by now.
+        self.settle()
+        self.desktop.screen.press_key("Escape")
+        self.assert_closed(self.program)
+        self.settle()
+
+    def check_restart(self):
+        self.desktop.kill_host()
+        self.desktop.start_host(self.host)
+        ready = time.monotonic()
+        self.program.wait_for_tray()
+        self.until(self.program.item_place, "the item is on the screen")
+        took = time.monotonic() - ready
+        print(f"{self.host}: back in the tray {took:.2f} s after the host was ready")
+        # Many times what it takes: a program that only looks now and then would be later.
+        self.assertLess(took, 5)
+        self.program.click_item()
+        self.assert_open(self.program)
+        self.program.close_panel()
+
+    def check_stays_in_place(self, is_wide):
+        """The icon is where it was before the restart, whatever the text beside it was then."""
+        place = self.until(self.program.item_place, "the item is on the screen")
+        # The icon of another severity has another shape.
+        self.assertLessEqual(abs(place[0] - self.place[0]), 2)
+        if is_wide:
+            self.keep("text")
+
+
+main()

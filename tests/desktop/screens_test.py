@@ -1,0 +1,34 @@
+"""The panel where the desktop has several screens."""
+
+from desktop_test_case import DesktopTestCase, main
+
+
+class ScreensTest(DesktopTestCase):
+    def check(self, *monitors):
+        """The bar is on the first of the monitors; so must be the panel, and under the bar."""
+        self.open_desktop(monitors=monitors)
+        program = self.start_known_to_user()
+        x, y, width, height = monitors[0]
+        item = self.until(program.item_place, "the item is on the screen")
+        self.assertTrue(x <= item[0] < x + width, item)
+        self.assertTrue(y <= item[1] < y + height, item)
+        bar = max(self.desktop.host_windows(), key=lambda window: window.width)
+        panel = program.open_panel()
+        self.assert_open(program)
+        self.assertGreaterEqual(panel.x, x)
+        self.assertLessEqual(panel.x + panel.width, x + width)
+        self.assertGreaterEqual(panel.y, bar.y + bar.height)
+        self.assertLessEqual(panel.y + panel.height, y + height)
+        self.assertTrue(panel.x <= item[0] < panel.x + panel.width, item)
+
+    def test_opens_on_the_left_screen_and_not_across_its_edge(self):
+        self.check((0, 0, 640, 800), (640, 0, 640, 800))
+
+    def test_opens_on_the_right_screen(self):
+        self.check((640, 0, 640, 800), (0, 0, 640, 800))
+
+    def test_opens_on_a_screen_that_begins_lower(self):
+        self.check((500, 140, 780, 660), (0, 0, 500, 800))
+
+
+main()

@@ -1,0 +1,33 @@
+// Notices when the user turns to another program while a pop-up is open.
+#pragma once
+
+#include <QAbstractNativeEventFilter>
+#include <QByteArray>
+#include <cstdint>
+#include <functional>
+
+namespace tarnwick::qt {
+
+/// On X11 a pop-up never has the focus and so cannot lose it: what the window manager calls the
+/// active window is followed instead. Elsewhere it notices nothing. Main thread.
+class ForeignActivation final : public QAbstractNativeEventFilter {
+ public:
+    /// `activated` is called whenever a window of another program becomes the active one that was
+    /// not so when this began.
+    explicit ForeignActivation(std::function<void()> activated);
+    ~ForeignActivation() override;
+    ForeignActivation(const ForeignActivation&) = delete;
+    ForeignActivation& operator=(const ForeignActivation&) = delete;
+
+    bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
+
+ private:
+    std::uint32_t activeWindow() const;
+
+    std::function<void()> activated_;
+    std::uint32_t root_ = 0;
+    std::uint32_t property_ = 0;
+    std::uint32_t activeAtFirst_ = 0;
+};
+
+}  // namespace tarnwick::qt

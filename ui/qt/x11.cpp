@@ -1,0 +1,34 @@
+#include "ui/qt/x11.h"
+
+#include <QGuiApplication>
+
+namespace tarnwick::qt::x11 {
+
+xcb_connection_t* connection() {
+    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
+    // Without a display the interface may be there and have no connection.
+    return x11 == nullptr ? nullptr : x11->connection();
+}
+
+xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
+    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+        connection,
+        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()),
+        nullptr));
+    return reply == nullptr ? static_cast<xcb_atom_t>(XCB_NONE) : reply->atom;
+}
+
+bool grabPointer(xcb_window_t window) {
+    xcb_connection_t* server = connection();
+    if (server == nullptr) {
+        return false;
+    }
+    const Reply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(
+        server,
+        xcb_grab_pointer(server, 1, window, XCB_EVENT_MASK_BUTTON_PRESS, XCB_GRAB_MODE_ASYNC,
+                         XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
+        nullptr));
+    return reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
+}
+
+}  // namespace tarnwick::qt::x11
