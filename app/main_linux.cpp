@@ -9,6 +9,7 @@
 #include "platform/linux/byte_count_text.h"
 #include "platform/linux/descriptor_limit.h"
 #include "platform/linux/desktop/color_scheme.h"
+#include "platform/linux/desktop/display_end.h"
 #include "platform/linux/desktop/interface_font.h"
 #include "platform/linux/desktop/linux_status_item.h"
 #include "platform/linux/desktop/qt_dispatch.h"
@@ -109,6 +110,8 @@ int run(QApplication& application) {
     }
 
     auto& userDefaults = *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
+    // The last chance for what could not be written yet.
+    const platform::DisplayEnd displayEnd([&userDefaults] { userDefaults.synchronize(); });
     installPlatform(userDefaults, bus);
     platform::applyInterfaceFont();
 
@@ -150,7 +153,6 @@ int run(QApplication& application) {
     app.appDelegate().applicationDidFinishLaunching();
     const int status = application.exec();
     panel.close();
-    // The last chance for what could not be written yet.
     userDefaults.synchronize();
     return status;
 }

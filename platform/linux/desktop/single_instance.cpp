@@ -46,6 +46,8 @@ SingleInstance::Claim SingleInstance::claimOnBus(int answerMilliseconds) {
     if (granted.type() != QDBusMessage::ReplyMessage ||
         granted.arguments().value(0).toUInt() != kExists) {
         ownsName_ = granted.type() == QDBusMessage::ReplyMessage;
+        // For those who start when the bus has gone. Whoever holds the lock is in another session.
+        lock_.acquire([this] { asked(); });
         return Claim::first;
     }
     bus_.unregisterObject(kPath);

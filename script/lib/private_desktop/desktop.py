@@ -79,6 +79,9 @@ class PrivateDesktop:
         self._host_name = host
         self._host = None
         self._host_process = None
+        self._display_process = None
+        self._bus_process = None
+        self._window_manager = None
         self.screen = None
         self.bus = None
         self.settings = None
@@ -164,7 +167,7 @@ class PrivateDesktop:
     def _start_display(self):
         width, height = (side * self.scale for side in _SIZE)
         reader, writer = os.pipe()
-        self.processes.start(
+        self._display_process = self.processes.start(
             ["Xvfb", "-displayfd", str(writer), "-screen", "0", f"{width}x{height}x24",
              "-nolisten", "tcp", "-noreset", "-dpi", "96"],
             {"PATH": self.env["PATH"]}, "xvfb", pass_fds=[writer])
@@ -201,7 +204,7 @@ class PrivateDesktop:
         self._write("bus.conf", _BUS.format(socket=socket, services=self.path("services")))
         address = "unix:path=" + socket
         self.env["DBUS_SESSION_BUS_ADDRESS"] = address
-        self.processes.start(
+        self._bus_process = self.processes.start(
             ["dbus-daemon", "--nofork", "--nopidfile", "--nosyslog",
              "--config-file=" + self.path("bus.conf")], self.env, "bus")
         until(lambda: answers(address), "the session bus listens")
@@ -209,7 +212,8 @@ class PrivateDesktop:
         self.settings = Settings(address, self.dark)
 
     def _start_window_manager(self):
-        self.processes.start(["xfwm4", "--compositor=on", "--vblank=off"], self.env, "xfwm4")
+        self._window_manager = self.processes.start(
+            ["xfwm4", "--compositor=on", "--vblank=off"], self.env, "xfwm4")
         until(self.screen.window_manager_runs, "the window manager runs")
 
     def start_host(self, name):
@@ -243,6 +247,21 @@ class PrivateDesktop:
                 os.kill(watcher, signal.SIGKILL)
             except ProcessLookupError:
                 pass
+
+    def kill_display(self):
+        """Ends the display under everybody who uses it; there is none any more."""
+        self.screen.close()
+        self.screen = None
+        self._display_process.kill()
+        self._display_process.wait()
+
+    def kill_bus(self):
+        """Ends the session bus, with which the window manager goes; there is neither any more."""
+        self.bus.close()
+        self.bus = None
+        self._bus_process.kill()
+        self._bus_process.wait()
+        self._window_manager.wait()
 
     def host_windows(self):
         """The windows of the host that can be seen."""

@@ -149,7 +149,8 @@ class Settings:
             Gio.DBusCallFlags.NONE, _CALL_MS, None)
         self._ready.set()
         self._loop.run()
-        self._connection.close_sync(None)
+        if not self._connection.is_closed():
+            self._connection.close_sync(None)
         context.pop_thread_default()
 
     def _get(self, _connection, _sender, _path, _interface, _name):
