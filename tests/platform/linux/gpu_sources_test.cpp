@@ -105,6 +105,9 @@ TEST_F(IntelSourceTest, TheMostAwakeGroupIsTheDeviceAndTheFirstTheRenderer) {
     set(firstGroup, "6500");
     set(mediaGroup, "7500");
     EXPECT_EQ(intel.read(102), (GpuUtilization{.device = 75, .renderer = 25}));
+    set(firstGroup, "7000");
+    set(mediaGroup, "9500");
+    EXPECT_EQ(intel.read(104), (GpuUtilization{.device = 75, .renderer = 75}));
 }
 
 TEST_F(IntelSourceTest, AGroupThatCannotBeReadIsLeftOut) {

@@ -90,6 +90,18 @@ TEST_F(ThermalZones, TheHottestZoneIsJudgedByItsOwnTripPoints) {
     EXPECT_EQ(stateNow(), 1);
 }
 
+TEST_F(ThermalZones, ACoolerZoneIsNotJudged) {
+    // The hottest is met first, in between and last, in whatever order a folder is listed.
+    for (int hottest = 0; hottest < 3; ++hottest) {
+        for (int zone = 0; zone < 3; ++zone) {
+            setTrip(zone, 0, "passive", zone == hottest ? "95000" : "80000");
+            setTemperature(zone, zone == hottest ? "88000" : "85000");
+        }
+        now += 60;
+        EXPECT_EQ(stateNow(), 0) << hottest;
+    }
+}
+
 TEST_F(ThermalZones, OfEquallyHotZonesTheWorstCounts) {
     // The worst is met first, in between and last, in whatever order a folder is listed.
     for (int worst = 0; worst < 3; ++worst) {
