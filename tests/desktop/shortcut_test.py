@@ -166,6 +166,12 @@ class ShortcutTest(DesktopTestCase):
         time.sleep(A_WHILE)
         self.assertIsNotNone(program.panel())
 
+    def test_is_left_to_the_portal_beside_a_compositor(self):
+        # An X server beside it knows nothing of the keys that the compositor's windows get.
+        self.start_known_to_user(WAYLAND_DISPLAY="wayland-0", QT_QPA_PLATFORM="xcb")
+        self.bring_another_to_front()
+        self.assertTrue(self.other.grab("l", X.Mod4Mask))
+
     def test_is_given_back_at_the_end(self):
         program = self.start_beside_another()
         self.assertFalse(self.other.grab("l", X.Mod4Mask))

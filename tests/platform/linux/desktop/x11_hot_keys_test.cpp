@@ -218,6 +218,14 @@ TEST_F(X11HotKeysTest, LocksDoNotMatter) {
     }
 }
 
+TEST_F(X11HotKeysTest, ALockThatComesLaterDoesNotMatterEither) {
+    const auto result = add(kL, key::kCommand);
+    other.setModifierOf(kScrollLock, kMod3);
+    takeKeyboardChange();
+    other.setLocks(XCB_MOD_MASK_3);
+    EXPECT_THAT(pressesOf({kSuper}, kX11L), ElementsAre(kCommandL));
+}
+
 TEST_F(X11HotKeysTest, ACombinationThatAnotherProgramHoldsExists) {
     ASSERT_TRUE(other.grab(kX11L, XCB_MOD_MASK_4));
     const auto result = add(kL, key::kCommand);
@@ -344,6 +352,22 @@ TEST_F(X11HotKeysTest, AKeyThatMeansAnotherLetterIsStillTheSameKey) {
     takeKeyboardChange();
     const auto result = add(kL, key::kCommand);
     EXPECT_THAT(pressesOf({kSuper}, kX11L), ElementsAre(kCommandL));
+}
+
+TEST_F(X11HotKeysTest, ABurstOfChangesIsLookedAtOnce) {
+    xcb_mapping_notify_event_t event{};
+    event.response_type = XCB_MAPPING_NOTIFY;
+    event.request = XCB_MAPPING_POINTER;
+    EXPECT_FALSE(hotKeys->handle(reinterpret_cast<const xcb_generic_event_t&>(event)));
+    EXPECT_EQ(dispatch.mainPending(), 0U);
+    for (const std::uint8_t request : {XCB_MAPPING_MODIFIER, XCB_MAPPING_KEYBOARD}) {
+        event.request = request;
+        EXPECT_FALSE(hotKeys->handle(reinterpret_cast<const xcb_generic_event_t&>(event)));
+        EXPECT_EQ(dispatch.mainPending(), 1U);
+    }
+    dispatch.runMain();
+    hotKeys->handle(reinterpret_cast<const xcb_generic_event_t&>(event));
+    EXPECT_EQ(dispatch.mainPending(), 1U);
 }
 
 /// With the keyboard's Super keys on a modifier of the test's choice.
