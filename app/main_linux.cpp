@@ -1,6 +1,7 @@
 // The program on a Linux desktop: puts the machine, the toolkit and the shell together.
 #include <QApplication>
 #include <QScreen>
+#include <QSessionManager>
 #include <cstdlib>
 #include <string>
 
@@ -149,6 +150,12 @@ int run(QApplication& application) {
 
     const platform::SleepSignals sleepSignals(QDBusConnection::systemBus(),
                                               [&app] { app.machineDidWake(); });
+
+    // Only the entry at login starts it again: a session that restores what ran in it would too,
+    // even where start at login is off.
+    QObject::connect(
+        &application, &QGuiApplication::saveStateRequest, &application,
+        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
 
     app.appDelegate().applicationDidFinishLaunching();
     const int status = application.exec();

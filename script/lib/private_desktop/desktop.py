@@ -185,6 +185,7 @@ class PrivateDesktop:
         background = _DARK_BACKGROUND if self.dark else _LIGHT_BACKGROUND
         self.screen = WaylandScreen(self, tuple(side * self.scale for side in _SIZE),
                                     background[0])
+        self._display_process = self.screen.process
         self.screen.move_pointer(self.nowhere)
 
     def _divide_screen(self):

@@ -39,12 +39,12 @@ class WaylandScreen:
         if os.geteuid() == 0:
             # It refuses to run as root.
             argv = ["unshare", "--user", "--map-user=1000", "--map-group=1000", *argv]
-        process = desktop.processes.start(
+        self.process = desktop.processes.start(
             argv, {**self._env, "SWAYSOCK": self._ipc, "WLR_BACKENDS": "headless",
                    "WLR_RENDERER": "pixman", "WLR_LIBINPUT_NO_DEVICES": "1"}, "sway")
 
         def is_ready():
-            if process.poll() is not None:
+            if self.process.poll() is not None:
                 raise RuntimeError("sway did not start: " + desktop.log("sway").strip())
             return os.path.exists(desktop.path("runtime/" + _SOCKET)) and self._outputs()
 
