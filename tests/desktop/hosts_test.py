@@ -8,7 +8,9 @@ from desktop_test_case import DesktopTestCase, main
 
 # Where the entries of the item's menu lie, as shares of its height.
 _OPEN_PANEL = 0.17
+_SETTINGS = 0.5
 _QUIT = 0.85
+_SETTINGS_WIDTH = 520
 # Of the panel to the bar above it.
 _GAP = 6
 _SETTLED = 0.5
@@ -27,26 +29,24 @@ class HostsTest(DesktopTestCase):
     def test_tint2(self):
         self.check("tint2")
 
-    def test_trayer(self):
-        self.check("trayer")
-
     def test_waybar(self):
         self.check("waybar", is_wide=True)
 
     def check(self, host, is_wide=False):
         self.host = host
         self.open_desktop(host=host)
-        self.program = self.start_known_to_user()
+        self.started = self.start_known_to_user()
         self.check_item(is_wide)
         self.check_click()
         self.check_ways_to_close()
         self.check_menu()
         self.check_restart()
         self.check_stays_in_place(is_wide)
-        self.assertEqual(self.program.output(), "")
+        self.check_settings()
+        self.assertEqual(self.started.output(), "")
         self.choose(_QUIT)
-        self.until(lambda: not self.program.runs(), "the program quits")
-        self.assertEqual(self.program.process.returncode, 0)
+        self.until(lambda: not self.started.runs(), "the program quits")
+        self.assertEqual(self.started.process.returncode, 0)
 
     def keep(self, what):
         self.keep_picture(f"{self.host}_{what}")
@@ -56,9 +56,9 @@ class HostsTest(DesktopTestCase):
         time.sleep(_SETTLED)
 
     def check_item(self, is_wide):
-        self.place = self.until(self.program.item_place, "the item is on the screen")
+        self.place = self.until(self.started.item_place, "the item is on the screen")
         if self.desktop.host_watches:
-            item = self.desktop.bus.item_of(self.program.pid)
+            item = self.desktop.bus.item_of(self.started.pid)
             pictures = self.desktop.bus.item_property(item, "IconPixmap")
             self.assertEqual(len(pictures), 1 if is_wide else 6)
         self.keep("item")
@@ -67,19 +67,19 @@ class HostsTest(DesktopTestCase):
         return min(window.height for window in self.desktop.host_windows())
 
     def check_click(self):
-        self.program.click_item()
-        self.assert_open(self.program)
+        self.started.click_item()
+        self.assert_open(self.started)
         self.assert_place()
         self.keep("panel")
+        self.started.click_item()
+        self.assert_closed(self.started)
+        # The host hears of that click, too, and must not open the panel again.
         self.settle()
-        self.program.click_item()
-        self.assert_closed(self.program)
-        self.settle()
-        self.assertIsNone(self.program.panel())
+        self.assertIsNone(self.started.panel())
 
     def assert_place(self):
         """The panel is inside the screen and, where a program can say so, under the item."""
-        panel = self.program.panel()
+        panel = self.started.panel()
         width, height = self.desktop.screen.size
         self.assertGreaterEqual(panel.x, 0)
         self.assertLessEqual(panel.x + panel.width, width)
@@ -91,19 +91,19 @@ class HostsTest(DesktopTestCase):
             self.assertGreaterEqual(panel.x + panel.width, self.place[0])
 
     def check_ways_to_close(self):
-        self.program.click_item()
-        self.assert_open(self.program)
+        self.started.click_item()
+        self.assert_open(self.started)
         self.desktop.screen.press_key("Escape")
-        self.assert_closed(self.program)
-        self.program.click_item()
-        self.assert_open(self.program)
+        self.assert_closed(self.started)
+        self.started.click_item()
+        self.assert_open(self.started)
         self.desktop.screen.click(self.desktop.nowhere)
-        self.assert_closed(self.program)
+        self.assert_closed(self.started)
         self.settle()
 
     def open_menu(self):
         """Opens the item's menu with the pointer: left, top, right and bottom of it."""
-        place = self.until(self.program.item_place, "the item is on the screen")
+        place = self.until(self.started.item_place, "the item is on the screen")
         self.desktop.screen.move_pointer(place)
         self.settle()
         if self.desktop.is_wayland:
@@ -141,31 +141,52 @@ class HostsTest(DesktopTestCase):
 
     def check_menu(self):
         self.choose(_OPEN_PANEL)
-        self.assert_open(self.program)
+        self.assert_open(self.started)
         self.assert_place()
         # The menu has let go of the keyboard by now.
         self.settle()
         self.desktop.screen.press_key("Escape")
-        self.assert_closed(self.program)
+        self.assert_closed(self.started)
         self.settle()
+
+    def check_settings(self):
+        self.choose(_SETTINGS)
+        self.until(self.settings_window, "the settings window opens")
+        self.settle()
+        self.keep("settings")
+
+    def settings_window(self):
+        return next((window for window in self.desktop.screen.windows(self.started.pid)
+                     if window.top_level and window.width == _SETTINGS_WIDTH), None)
 
     def check_restart(self):
         self.desktop.kill_host()
+        if self.desktop.is_wayland:
+            self.check_without_tray()
         self.desktop.start_host(self.host)
         ready = time.monotonic()
-        self.program.wait_for_tray()
-        self.until(self.program.item_place, "the item is on the screen")
+        self.started.wait_for_tray()
+        self.until(self.started.item_place, "the item is on the screen")
         took = time.monotonic() - ready
         print(f"{self.host}: back in the tray {took:.2f} s after the host was ready")
         # Many times what it takes: a program that only looks now and then would be later.
         self.assertLess(took, 5)
-        self.program.click_item()
-        self.assert_open(self.program)
-        self.program.close_panel()
+        self.started.click_item()
+        self.assert_open(self.started)
+        self.started.close_panel()
+
+    def check_without_tray(self):
+        """A second start opens the panel of the first."""
+        second = self.program("second").start()
+        self.until(lambda: not second.runs(), "the second start ends")
+        self.assertEqual(second.process.returncode, 0, second.output())
+        self.assert_open(self.started)
+        self.desktop.screen.press_key("Escape")
+        self.assert_closed(self.started)
 
     def check_stays_in_place(self, is_wide):
         """The icon is where it was before the restart, whatever the text beside it was then."""
-        place = self.until(self.program.item_place, "the item is on the screen")
+        place = self.until(self.started.item_place, "the item is on the screen")
         # The icon of another severity has another shape.
         self.assertLessEqual(abs(place[0] - self.place[0]), 2)
         if is_wide:
