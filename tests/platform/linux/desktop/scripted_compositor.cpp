@@ -32,6 +32,7 @@ struct ScriptedCompositor::State {
     std::uint32_t keymapSize = 0;
 
     int wakeUp = -1;
+    wl_event_source* wakeUpSource = nullptr;
     bool ended = false;
     std::mutex lock;
     /// Guarded by lock.
@@ -133,8 +134,8 @@ ScriptedCompositor::ScriptedCompositor(Seat seat, int seatVersion)
         }
         return 0;
     };
-    wl_event_loop_add_fd(wl_display_get_event_loop(state.display), state.wakeUp, WL_EVENT_READABLE,
-                         serve, &state);
+    state.wakeUpSource = wl_event_loop_add_fd(wl_display_get_event_loop(state.display),
+                                              state.wakeUp, WL_EVENT_READABLE, serve, &state);
     thread_ = std::thread([&state] {
         while (!state.ended) {
             wl_display_flush_clients(state.display);
@@ -148,6 +149,7 @@ ScriptedCompositor::~ScriptedCompositor() {
         wl_display_disconnect(client_);
         act([](State& state) { state.ended = true; });
         thread_.join();
+        wl_event_source_remove(state_->wakeUpSource);
         ::close(state_->wakeUp);
     }
     wl_display_destroy_clients(state_->display);
