@@ -98,7 +98,6 @@ HotKeys::RegistrationResult PortalHotKeys::registerEventHotKey(std::uint32_t key
     if (told_ != hot_key_status::kSuccess) {
         return {told_, nullptr};
     }
-    drop_.stop();
     holder_ = ++handles_;
     if (std::exchange(hasPress_, false)) {
         QMetaObject::invokeMethod(this, &PortalHotKeys::pressed, Qt::QueuedConnection);
@@ -140,10 +139,6 @@ void PortalHotKeys::begin() {
 
 void PortalHotKeys::stateChanged() {
     awaitsPortal_ = shortcut_->state() == State::unavailable;
-    // Nobody holds what the portal has taken back, handle or not.
-    if (shortcut_->state() != State::bound) {
-        holder_ = 0;
-    }
     if (holder_ == 0) {
         drop_.start(patience_);
     }

@@ -195,6 +195,30 @@ TEST_F(PortalKeys, AreAskedForOnceWhenOneCombinationFollowsAnother) {
     EXPECT_EQ(portal_.sessions.size(), 1);
 }
 
+TEST_F(PortalKeys, AreGrantedByNobodyElse) {
+    portal_.begin();
+    portal_.holdsResponse = true;
+    add();
+    settle();
+    QDBusMessage response = QDBusMessage::createTargetedSignal(
+        bus_.baseService(), portal_.request, "org.freedesktop.portal.Request", "Response");
+    response.setArguments(
+        {0U, QVariantMap{{"shortcuts", QVariant::fromValue(PortalShortcutEntries{
+                                           {portal_.bound.last().id,
+                                            {{"trigger_description", QString("Meta+L")}}}})}}});
+    daemon_.connect().send(response);
+    settle();
+    EXPECT_EQ(add(), status::kAsking);
+    EXPECT_EQ(changes_, 0);
+}
+
+TEST_F(PortalKeys, WithOtherModifiersAreAnotherCombination) {
+    addAndHold();
+    EXPECT_EQ(add(kL, modifier::kCommand | modifier::kOption), status::kAsking);
+    ASSERT_TRUE(waitUntil([&] { return status_ == kSuccess; }));
+    EXPECT_EQ(portal_.bound.last().properties.value("preferred_trigger"), "ALT+LOGO+l");
+}
+
 TEST_F(PortalKeys, OfAnotherCombinationReplaceTheOnesBefore) {
     addAndHold();
     const QString before = portal_.sessions.last();
@@ -416,6 +440,17 @@ TEST_F(PortalKeys, WithoutKeysAreHeldFromTheirFirstPressOn) {
     EXPECT_EQ(changes_, 1);
 }
 
+TEST_F(PortalKeys, WithoutKeysWaitForTheirFirstPressAsLongAsItTakes) {
+    makeKeys(std::chrono::milliseconds(1));
+    portal_.begin();
+    portal_.keys = "";
+    add();
+    settle();
+    EXPECT_THAT(portal_.closed, IsEmpty());
+    portal_.press();
+    EXPECT_TRUE(waitUntil([&] { return presses_ == 1; }));
+}
+
 TEST_F(PortalKeys, WithoutKeysThatNobodyWantsAnyMoreAreNotPressed) {
     portal_.begin();
     portal_.keys = "";
@@ -518,6 +553,14 @@ TEST_F(PortalKeys, AreAskedForWhenThePortalComes) {
     EXPECT_TRUE(waitUntil([&] { return status_ == kSuccess; }));
     portal_.press();
     EXPECT_TRUE(waitUntil([&] { return presses_ == 1; }));
+}
+
+TEST_F(PortalKeys, AreAskedForWhenThePortalComesLate) {
+    makeKeys(std::chrono::milliseconds(1));
+    add();
+    settle();
+    portal_.begin();
+    EXPECT_TRUE(waitUntil([&] { return status_ == kSuccess; }));
 }
 
 TEST_F(PortalKeys, AreLostWithThePortalAndBoundAgainWhenItIsBack) {

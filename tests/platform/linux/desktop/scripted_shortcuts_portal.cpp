@@ -115,13 +115,13 @@ void ScriptedShortcutsPortal::answerVersion(const QDBusMessage& message) {
 void ScriptedShortcutsPortal::answerRequest(const QDBusMessage& message, uint code,
                                             const QVariantMap& with, bool isHeld) {
     const auto options = qdbus_cast<QVariantMap>(message.arguments().last());
-    const QString path =
-        choosesRequestNames ? QString("%1/request/chosen_%2").arg(kPath).arg(calls.size())
-                            : pathFor("request", client_, options.value("handle_token").toString());
+    request = choosesRequestNames
+                  ? QString("%1/request/chosen_%2").arg(kPath).arg(calls.size())
+                  : pathFor("request", client_, options.value("handle_token").toString());
     QDBusMessage response =
-        QDBusMessage::createTargetedSignal(client_, path, kRequestInterface, "Response");
+        QDBusMessage::createTargetedSignal(client_, request, kRequestInterface, "Response");
     response.setArguments({code, with});
-    const QDBusMessage reply = message.createReply(QVariant::fromValue(QDBusObjectPath(path)));
+    const QDBusMessage reply = message.createReply(QVariant::fromValue(QDBusObjectPath(request)));
     if (isHeld) {
         held_ = response;
         bus_.send(reply);

@@ -64,6 +64,8 @@ class ScriptedShortcutsPortal final : public QDBusVirtualObject {
     PortalShortcutEntries bound;
     /// The last session to bind to, as the client named it.
     QString boundSession;
+    /// Name of the last request.
+    QString request;
     /// Objects that the client has closed.
     QStringList closed;
 

@@ -7,6 +7,7 @@
 #include <xkbcommon/xkbcommon.h>
 
 #include "platform/hot_keys.h"
+#include "platform/linux/desktop/key_codes.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -86,6 +87,15 @@ TEST(KeysymName, IsKnownToXKBForEveryKey) {
         }
     }
     EXPECT_GT(named, 100);
+}
+
+TEST(KeysymName, IsThereForEveryKeyThatCanBeRecordedAndNoOther) {
+    constexpr std::uint32_t kFirstModifier = 54;
+    constexpr std::uint32_t kLastModifier = 63;
+    for (std::uint32_t code = 0; code < 128; ++code) {
+        const bool isModifier = code >= kFirstModifier && code <= kLastModifier;
+        EXPECT_EQ(!nameOf(code).empty(), x11KeyCode(code).has_value() && !isModifier) << code;
+    }
 }
 
 TEST(TriggerText, NamesTheModifiersFirst) {
