@@ -130,6 +130,23 @@ class StartTest(DesktopTestCase):
         store.execute("ROLLBACK")
         self.assert_store_is_whole()
 
+    def test_knows_whether_the_desktop_starts_it_at_login(self):
+        self.open_desktop()
+        self.start_known_to_user().end()
+        self.assertFalse(self.is_in_store("settings.launchOnLogin"))
+        folder = self.desktop.path("home/.config/autostart")
+        os.makedirs(folder)
+        with open(os.path.join(folder, "tarnwick.desktop"), "w", encoding="ascii") as file:
+            file.write("[Desktop Entry]\nType=Application\nName=x\nExec=sh\nOnlyShowIn=X;\n")
+        program = self.program("elsewhere").start(XDG_CURRENT_DESKTOP="Y")
+        program.wait_for_item()
+        program.end()
+        self.assertFalse(self.is_in_store("settings.launchOnLogin"))
+        program = self.program().start(XDG_CURRENT_DESKTOP="X")
+        program.wait_for_item()
+        self.until(lambda: self.is_in_store("settings.launchOnLogin"), "the preference is true")
+        self.assertEqual(program.end(), 0, program.output())
+
     def test_runs_where_the_home_folder_is_missing(self):
         self.open_desktop()
         program = self.program().start(HOME=self.desktop.path("missing"))
