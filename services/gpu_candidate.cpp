@@ -1,12 +1,12 @@
 #include "services/gpu_candidate.h"
 
 #include <algorithm>
-#include <cmath>
 #include <initializer_list>
 #include <string_view>
 #include <variant>
 #include <vector>
 
+#include "core/percentage.h"
 #include "services/property_text.h"
 
 namespace tarnwick {
@@ -45,10 +45,6 @@ std::optional<double> firstStatistic(const PropertyDictionary& statistics,
 }
 
 }  // namespace
-
-double clampedPercentage(double value) {
-    return std::isfinite(value) && value > 0 ? std::min(value, 100.0) : 0;
-}
 
 std::string gpuModelName(const PropertyValue* model) {
     if (model == nullptr) {

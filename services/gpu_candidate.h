@@ -10,9 +10,6 @@
 
 namespace tarnwick {
 
-/// A percentage within 0...100; 0 for what is not finite.
-double clampedPercentage(double value);
-
 /// A "model" property: a text as it is, bytes as UTF-8 without NUL characters. Empty for anything
 /// else and where there is none.
 std::string gpuModelName(const platform::PropertyValue* model);

@@ -1,15 +1,14 @@
 #include "ui/panel/home_page.h"
 
-#include <algorithm>
-#include <cmath>
-#include <limits>
 #include <string>
 #include <utility>
 
+#include "core/percentage.h"
 #include "core/text.h"
 #include "evaluation/battery_condition.h"
-#include "evaluation/metric_severity.h"
 #include "services/system_uptime.h"
+#include "ui/panel/page_builder.h"
+#include "ui/panel/panel_figures.h"
 
 namespace tarnwick {
 
@@ -25,21 +24,10 @@ constexpr double kLowStoragePercentage = 10;
 constexpr const char* kDriveSymbol = "internaldrive";
 constexpr const char* kUnnamedStorageTitle = "Storage (Main Disk)";
 
-double clampedPercentage(double value) {
-    // Not std::clamp, which lets -0.0 through.
-    return std::isfinite(value) && value > 0 ? std::min(value, 100.0) : 0;
-}
-
-Tint levelTint(double value, double normal, double high) {
-    return tint(value >= high     ? MetricSeverity::warning
-                : value >= normal ? MetricSeverity::info
-                                  : MetricSeverity::ok);
-}
-
 class HomePageBuilder {
  public:
     HomePageBuilder(const HomePageInputs& inputs, const platform::ByteCountFormatter& formatter)
-        : in_(inputs), formatter_(formatter) {}
+        : in_(inputs), formatter_(formatter), page_(inputs.enabledActions) {}
 
     Page build() && {
         addHeader();
@@ -51,109 +39,77 @@ class HomePageBuilder {
         addNavigation();
         addTopCPUApps();
         addFooter();
-        return std::move(page_);
+        return page_.take();
     }
 
  private:
-    void add(std::string id, int spaceAbove, PanelBlock block) {
-        page_.push_back({std::move(id), page_.empty() ? 0 : spaceAbove, std::move(block)});
-    }
-
-    PanelButton button(std::string title, PanelAction action, std::string icon = {}) const {
-        return {std::move(title), std::move(icon), action, in_.enabledActions.contains(action)};
-    }
-
-    std::string fileText(std::int64_t bytes) const {
-        return formatter_.stringFromByteCount(std::max<std::int64_t>(bytes, 0),
-                                              platform::CountStyle::file);
-    }
-
-    std::string memoryText(std::uint64_t bytes) const {
-        constexpr std::uint64_t most = std::numeric_limits<std::int64_t>::max();
-        return formatter_.stringFromByteCount(static_cast<std::int64_t>(std::min(bytes, most)),
-                                              platform::CountStyle::memory);
-    }
-
     void addHeader() {
-        add("header", 0,
-            PanelHeader{"Tarnwick",
-                        {button("Settings", PanelAction::showSettings, "gearshape"),
-                         button("Refresh", PanelAction::refresh, "arrow.clockwise")},
-                        in_.displaySummary.popoverText});
+        page_.add("header", 0,
+                  PanelHeader{"Tarnwick",
+                              {page_.button("Settings", PanelAction::showSettings, "gearshape"),
+                               page_.button("Refresh", PanelAction::refresh, "arrow.clockwise")},
+                              in_.displaySummary.popoverText});
     }
 
     void addStatusRows() {
         const double uptime = in_.systemInfo.uptime;
-        add("uptime", kBlockSpacing,
+        page_.add(
+            "uptime", kBlockSpacing,
             StatusRow{"Uptime", "clock", uptime > 0 ? uptimeText(uptime) : "Loading...", false});
-        add("thermals", kRowSpacing,
-            StatusRow{"Thermals", "thermometer", thermalStateWord(), true});
+        page_.add("thermals", kRowSpacing,
+                  StatusRow{"Thermals", "thermometer", thermalStateWord(in_.thermalState), true});
         if (in_.remindRestartAfterWeek && uptime >= kRestartReminderUptime) {
-            add("restart", kRowSpacing,
-                NoticeRow{"arrow.clockwise.circle.fill", Tint::orange,
-                          "Restart recommended (over 7 days)"});
-        }
-    }
-
-    std::string thermalStateWord() const {
-        switch (in_.thermalState) {
-            case 0:
-                return "Nominal";
-            case 1:
-                return "Fair";
-            case 2:
-                return "Serious";
-            case 3:
-                return "Critical";
-            default:
-                return "Unknown";
+            page_.add("restart", kRowSpacing,
+                      NoticeRow{"arrow.clockwise.circle.fill", Tint::orange,
+                                "Restart recommended (over 7 days)"});
         }
     }
 
     void addProcessorBars() {
-        const MetricThresholds& thresholds = in_.thresholds;
         addPercentageBar("bar.cpu", kBlockSpacing, "CPU", "cpu", in_.cpuInfo.usagePercentage,
-                         thresholds.cpuNormal, thresholds.cpuHigh);
+                         cpuTint(in_.cpuInfo, in_.thresholds));
         if (in_.gpuInfo.isAvailable) {
             addPercentageBar("bar.gpu", kBarSpacing, "GPU", "display.2",
-                             in_.gpuInfo.usagePercentage, thresholds.gpuNormal, thresholds.gpuHigh);
+                             in_.gpuInfo.usagePercentage, gpuTint(in_.gpuInfo, in_.thresholds));
         }
     }
 
     void addPercentageBar(std::string id, int spaceAbove, std::string title, std::string icon,
-                          double usage, double normal, double high) {
+                          double usage, Tint tint) {
         const double value = clampedPercentage(usage);
-        add(std::move(id), spaceAbove,
-            UsageBar{std::move(title), std::move(icon), value, percentText(value, 1),
-                     levelTint(usage, normal, high)});
+        page_.add(std::move(id), spaceAbove,
+                  UsageBar{std::move(title), std::move(icon), value, percentText(value, 1), tint});
     }
 
     void addMemoryBar() {
         const MemoryInfo& memory = in_.memoryInfo;
         const double usage = memory.usagePercentage();
-        add("bar.memory", kBarSpacing,
+        page_.add(
+            "bar.memory", kBarSpacing,
             UsageBar{"Memory", "memorychip", usage,
-                     memoryText(memory.used) + " / " + memoryText(memory.total) + " (" +
-                         percentText(usage, 0) + ")",
-                     levelTint(usage, in_.thresholds.memoryNormal, in_.thresholds.memoryHigh)});
+                     memoryText(memory.used, formatter_) + " / " +
+                         memoryText(memory.total, formatter_) + " (" + percentText(usage, 0) + ")",
+                     memoryTint(memory, in_.thresholds)});
     }
 
     void addStorage() {
         if (in_.storageInfo.empty()) {
-            add("bar.storage", kBarSpacing,
-                UsageBar{kUnnamedStorageTitle, kDriveSymbol, 0, "Loading...", Tint::gray});
+            page_.add("bar.storage", kBarSpacing,
+                      UsageBar{kUnnamedStorageTitle, kDriveSymbol, 0, "Loading...", Tint::gray});
             return;
         }
         const StorageInfo& volume = in_.storageInfo.front();
         const double usage = volume.usagePercentage();
-        add("bar.storage", kBarSpacing,
-            UsageBar{"Storage (" + volume.name + ")", kDriveSymbol, usage,
-                     fileText(volume.usedSpace) + " / " + fileText(volume.totalSpace),
-                     levelTint(usage, in_.thresholds.storageNormal, in_.thresholds.storageHigh)});
+        page_.add("bar.storage", kBarSpacing,
+                  UsageBar{"Storage (" + volume.name + ")", kDriveSymbol, usage,
+                           fileText(volume.usedSpace, formatter_) + " / " +
+                               fileText(volume.totalSpace, formatter_),
+                           storageTint(usage, in_.thresholds)});
         if (isLow(volume)) {
-            add("lowStorage", kRowSpacing,
+            page_.add(
+                "lowStorage", kRowSpacing,
                 NoticeRow{"exclamationmark.triangle.fill", Tint::orange,
-                          "Low storage: " + fileText(volume.availableSpace) + " free"});
+                          "Low storage: " + fileText(volume.availableSpace, formatter_) + " free"});
         }
     }
 
@@ -166,23 +122,23 @@ class HomePageBuilder {
 
     void addBattery() {
         const BatteryInfo& battery = in_.batteryInfo;
-        add("battery", kBatterySpacing, SectionHeader{"Battery Health", "battery.100"});
+        page_.add("battery", kBatterySpacing, SectionHeader{"Battery Health", "battery.100"});
         if (!in_.batteryDetectionComplete) {
-            add("battery.state", kRowSpacing, CaptionText{"Checking battery\u2026"});
+            page_.add("battery.state", kRowSpacing, CaptionText{"Checking battery\u2026"});
             return;
         }
         if (!battery.hasBattery) {
-            add("battery.state", kRowSpacing, CaptionText{"Battery data not available"});
+            page_.add("battery.state", kRowSpacing, CaptionText{"Battery data not available"});
             return;
         }
-        add("battery.capacity", kRowSpacing, InfoRow{"Max Capacity", healthText(battery)});
+        page_.add("battery.capacity", kRowSpacing, InfoRow{"Max Capacity", healthText(battery)});
         if (battery.cycleCount) {
-            add("battery.cycles", kRowSpacing,
-                InfoRow{"Cycles", std::to_string(*battery.cycleCount)});
+            page_.add("battery.cycles", kRowSpacing,
+                      InfoRow{"Cycles", std::to_string(*battery.cycleCount)});
         }
         if (!trimmed(battery.healthCondition).empty()) {
-            add("battery.condition", kRowSpacing,
-                InfoRow{"Condition", batteryConditionDisplayText(battery.healthCondition)});
+            page_.add("battery.condition", kRowSpacing,
+                      InfoRow{"Condition", batteryConditionDisplayText(battery.healthCondition)});
         }
     }
 
@@ -194,32 +150,34 @@ class HomePageBuilder {
     }
 
     void addNavigation() {
-        add("navigation.memory", kBlockSpacing,
-            NavigationButton{button("What's Using Memory?", PanelAction::showMemoryDetail)});
-        add("navigation.performance", kRowSpacing,
-            NavigationButton{button("Performance & Network", PanelAction::showPerformanceDetail)});
+        page_.add(
+            "navigation.memory", kBlockSpacing,
+            NavigationButton{page_.button("What's Using Memory?", PanelAction::showMemoryDetail)});
+        page_.add("navigation.performance", kRowSpacing,
+                  NavigationButton{
+                      page_.button("Performance & Network", PanelAction::showPerformanceDetail)});
     }
 
     void addTopCPUApps() {
         if (in_.thresholds.cpuHigh <= in_.cpuInfo.usagePercentage) {
-            add("topCPU", kBlockSpacing,
-                TopAppsSection{"Top CPU Apps", in_.topCPUProcesses,
-                               [](const AppProcessInfo& process) {
-                                   return percentText(process.cpuUsage, 1);
-                               }});
+            page_.add("topCPU", kBlockSpacing,
+                      TopAppsSection{"Top CPU Apps", in_.topCPUProcesses,
+                                     [](const AppProcessInfo& process) {
+                                         return percentText(process.cpuUsage, 1);
+                                     }});
         }
     }
 
     void addFooter() {
-        add("divider", kBlockSpacing, PanelDivider{});
-        add("footer", kBlockSpacing,
-            FooterRow{{button("Activity Monitor", PanelAction::openActivityMonitor),
-                       button("Quit", PanelAction::quit)}});
+        page_.addDivider("divider");
+        page_.add("footer", kBlockSpacing,
+                  FooterRow{{page_.button("Activity Monitor", PanelAction::openActivityMonitor),
+                             page_.button("Quit", PanelAction::quit)}});
     }
 
     const HomePageInputs& in_;
     const platform::ByteCountFormatter& formatter_;
-    Page page_;
+    PageBuilder page_;
 };
 
 }  // namespace

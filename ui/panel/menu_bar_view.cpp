@@ -5,7 +5,6 @@
 
 #include "platform/platform.h"
 #include "settings/user_settings.h"
-#include "ui/panel/home_page.h"
 
 namespace tarnwick {
 
@@ -13,7 +12,8 @@ namespace {
 
 constexpr std::array kActions = {
     PanelAction::refresh, PanelAction::showSettings,     PanelAction::openActivityMonitor,
-    PanelAction::quit,    PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail};
+    PanelAction::quit,    PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail,
+    PanelAction::goBack};
 
 }  // namespace
 
@@ -46,29 +46,68 @@ void MenuBarView::disappear() {
     statsSubscription_.cancel();
     settingsSubscription_.cancel();
     lastPage_.clear();
+    activeTab_ = MenuTab::home;
     statsManager_.popoverDidDisappear();
 }
 
 Page MenuBarView::page() const {
-    HomePageInputs inputs;
-    inputs.displaySummary = statsManager_.displaySummary();
-    inputs.systemInfo = *statsManager_.systemInfo;
-    inputs.thermalState = environment_.processInfo.thermalState();
-    inputs.cpuInfo = *statsManager_.cpuInfo;
-    inputs.gpuInfo = *statsManager_.gpuInfo;
-    inputs.memoryInfo = *statsManager_.memoryInfo;
-    inputs.storageInfo = *statsManager_.storageInfo;
-    inputs.batteryInfo = *statsManager_.batteryInfo;
-    inputs.batteryDetectionComplete = *statsManager_.batteryDetectionComplete;
-    inputs.topCPUProcesses = *statsManager_.topCPUProcesses;
-    inputs.thresholds = statsManager_.settings().thresholds();
-    inputs.remindRestartAfterWeek = statsManager_.settings().remindRestartAfterWeek();
+    switch (activeTab_) {
+        case MenuTab::home:
+            break;
+        case MenuTab::memoryDetail:
+            return memoryDetailPage(memoryDetailInputs(), environment_.byteCountFormatter);
+        case MenuTab::performanceDetail:
+            return performanceDetailPage(performanceDetailInputs(),
+                                         environment_.byteCountFormatter);
+    }
+    return homePage(homePageInputs(), environment_.byteCountFormatter);
+}
+
+HomePageInputs MenuBarView::homePageInputs() const {
+    return {.displaySummary = statsManager_.displaySummary(),
+            .systemInfo = *statsManager_.systemInfo,
+            .thermalState = environment_.processInfo.thermalState(),
+            .cpuInfo = *statsManager_.cpuInfo,
+            .gpuInfo = *statsManager_.gpuInfo,
+            .memoryInfo = *statsManager_.memoryInfo,
+            .storageInfo = *statsManager_.storageInfo,
+            .batteryInfo = *statsManager_.batteryInfo,
+            .batteryDetectionComplete = *statsManager_.batteryDetectionComplete,
+            .topCPUProcesses = *statsManager_.topCPUProcesses,
+            .thresholds = statsManager_.settings().thresholds(),
+            .remindRestartAfterWeek = statsManager_.settings().remindRestartAfterWeek(),
+            .enabledActions = enabledActions()};
+}
+
+MemoryDetailInputs MenuBarView::memoryDetailInputs() const {
+    return {.memoryInfo = *statsManager_.memoryInfo,
+            .topMemoryProcesses = *statsManager_.topMemoryProcesses,
+            .enabledActions = enabledActions()};
+}
+
+PerformanceDetailInputs MenuBarView::performanceDetailInputs() const {
+    return {.cpuInfo = *statsManager_.cpuInfo,
+            .gpuInfo = *statsManager_.gpuInfo,
+            .memoryInfo = *statsManager_.memoryInfo,
+            .storageInfo = *statsManager_.storageInfo,
+            .networkInfo = *statsManager_.networkInfo,
+            .cpuUsageHistory = *statsManager_.cpuUsageHistory,
+            .gpuUsageHistory = *statsManager_.gpuUsageHistory,
+            .memoryUsageHistory = *statsManager_.memoryUsageHistory,
+            .storageUsageHistory = *statsManager_.storageUsageHistory,
+            .thermalState = environment_.processInfo.thermalState(),
+            .thresholds = statsManager_.settings().thresholds(),
+            .enabledActions = enabledActions()};
+}
+
+std::set<PanelAction> MenuBarView::enabledActions() const {
+    std::set<PanelAction> enabled;
     for (const PanelAction action : kActions) {
         if (canPerform(action)) {
-            inputs.enabledActions.insert(action);
+            enabled.insert(action);
         }
     }
-    return homePage(inputs, environment_.byteCountFormatter);
+    return enabled;
 }
 
 void MenuBarView::setPageObserver(std::function<void(const Page&)> observer) {
@@ -76,31 +115,47 @@ void MenuBarView::setPageObserver(std::function<void(const Page&)> observer) {
 }
 
 bool MenuBarView::canPerform(PanelAction action) const {
-    return target(action) != nullptr;
+    switch (action) {
+        case PanelAction::showSettings:
+            return targets_.showSettings != nullptr;
+        case PanelAction::openActivityMonitor:
+            return targets_.openActivityMonitor != nullptr;
+        case PanelAction::quit:
+            return targets_.quit != nullptr;
+        case PanelAction::refresh:
+        case PanelAction::showMemoryDetail:
+        case PanelAction::showPerformanceDetail:
+        case PanelAction::goBack:
+            break;
+    }
+    return true;
 }
 
 void MenuBarView::perform(PanelAction action) {
-    if (const auto run = target(action)) {
-        run();
+    if (!canPerform(action)) {
+        return;
+    }
+    switch (action) {
+        case PanelAction::refresh:
+            return statsManager_.refreshNow();
+        case PanelAction::showSettings:
+            return targets_.showSettings();
+        case PanelAction::openActivityMonitor:
+            return targets_.openActivityMonitor();
+        case PanelAction::quit:
+            return targets_.quit();
+        case PanelAction::showMemoryDetail:
+            return show(MenuTab::memoryDetail);
+        case PanelAction::showPerformanceDetail:
+            return show(MenuTab::performanceDetail);
+        case PanelAction::goBack:
+            return show(MenuTab::home);
     }
 }
 
-std::function<void()> MenuBarView::target(PanelAction action) const {
-    switch (action) {
-        case PanelAction::refresh:
-            return [&manager = statsManager_] { manager.refreshNow(); };
-        case PanelAction::showSettings:
-            return targets_.showSettings;
-        case PanelAction::openActivityMonitor:
-            return targets_.openActivityMonitor;
-        case PanelAction::quit:
-            return targets_.quit;
-        case PanelAction::showMemoryDetail:
-            return targets_.showMemoryDetail;
-        case PanelAction::showPerformanceDetail:
-            return targets_.showPerformanceDetail;
-    }
-    return nullptr;
+void MenuBarView::show(MenuTab tab) {
+    activeTab_ = tab;
+    rebuild();
 }
 
 void MenuBarView::scheduleRebuild() {

@@ -3,14 +3,18 @@
 
 #include <functional>
 #include <memory>
+#include <set>
 
 #include "core/published.h"
 #include "core/stats_manager.h"
 #include "platform/byte_count_formatter.h"
 #include "platform/dispatch.h"
 #include "platform/process_info.h"
+#include "ui/panel/home_page.h"
+#include "ui/panel/memory_detail_page.h"
 #include "ui/panel/page.h"
 #include "ui/panel/panel_button.h"
+#include "ui/panel/performance_detail_page.h"
 
 namespace tarnwick {
 
@@ -26,8 +30,6 @@ struct PanelTargets {
     std::function<void()> showSettings{};
     std::function<void()> openActivityMonitor{};
     std::function<void()> quit{};
-    std::function<void()> showMemoryDetail{};
-    std::function<void()> showPerformanceDetail{};
 };
 
 /// What a view runs on; all outlive it.
@@ -55,14 +57,16 @@ class MenuBarView {
     /// The panel is on screen from now on: tells the manager and follows its fields and the
     /// settings.
     void appear();
-    /// The panel has gone: tells the manager and costs nothing until it appears again.
+    /// The panel has gone: tells the manager and costs nothing until it appears again, on the home
+    /// page.
     void disappear();
     bool isVisible() const { return isVisible_; }
 
     /// What to show now.
     Page page() const;
-    /// While visible: calls `observer` with the page when it differs from the last one, on a turn
-    /// of the main queue after the change, once however many fields changed.
+    /// While visible: calls `observer` with the page when it differs from the last one; after a
+    /// change of the figures on a later turn of the main queue, once however many fields changed,
+    /// after a press that leads to another page at once.
     void setPageObserver(std::function<void(const Page&)> observer);
 
     bool canPerform(PanelAction action) const;
@@ -72,7 +76,11 @@ class MenuBarView {
  private:
     void scheduleRebuild();
     void rebuild();
-    std::function<void()> target(PanelAction action) const;
+    void show(MenuTab tab);
+    std::set<PanelAction> enabledActions() const;
+    HomePageInputs homePageInputs() const;
+    MemoryDetailInputs memoryDetailInputs() const;
+    PerformanceDetailInputs performanceDetailInputs() const;
 
     StatsManager& statsManager_;
     PanelTargets targets_;

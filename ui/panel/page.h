@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "ui/panel/caption_text.h"
+#include "ui/panel/detail_header.h"
 #include "ui/panel/footer_row.h"
+#include "ui/panel/group_title.h"
 #include "ui/panel/info_row.h"
 #include "ui/panel/navigation_button.h"
 #include "ui/panel/notice_row.h"
@@ -14,14 +16,17 @@
 #include "ui/panel/panel_header.h"
 #include "ui/panel/section_header.h"
 #include "ui/panel/status_row.h"
+#include "ui/panel/top_apps_list.h"
 #include "ui/panel/top_apps_section.h"
+#include "ui/panel/trend_row.h"
 #include "ui/panel/usage_bar.h"
 
 namespace tarnwick {
 
 using PanelBlock =
     std::variant<PanelHeader, StatusRow, NoticeRow, UsageBar, SectionHeader, CaptionText, InfoRow,
-                 NavigationButton, TopAppsSection, PanelDivider, FooterRow>;
+                 NavigationButton, TopAppsSection, PanelDivider, FooterRow, DetailHeader,
+                 GroupTitle, TrendRow, TopAppsList>;
 
 /// The panel's content is exactly this wide, in points.
 inline constexpr int kPanelWidth = 320;

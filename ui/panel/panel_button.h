@@ -15,13 +15,15 @@ enum class PanelAction {
     quit,
     showMemoryDetail,
     showPerformanceDetail,
+    /// Leads back to the home page.
+    goBack,
 };
 
-/// A button with its title inside, or, where it has an icon, the icon alone, whose title is then
-/// its tool tip and its accessible name.
+/// In a panel's header a button shows its icon alone, its title then is its tool tip; elsewhere the
+/// icon, if any, stands before the title. The title always is its accessible name.
 struct PanelButton {
     std::string title;
-    /// Symbol name; empty for a button that shows its title.
+    /// Symbol name; may be empty.
     std::string icon;
     PanelAction action = PanelAction::refresh;
     /// False while there is nothing to run: the button is there and does nothing.

@@ -1,21 +1,26 @@
 // One process: name at the left, a figure at the right.
 #pragma once
 
+#include <functional>
 #include <string>
 
 #include "core/metric_records.h"
 
 namespace tarnwick {
 
-/// What a list says about each process. A plain function, so that lists compare.
-using ProcessValueText = std::string (*)(const AppProcessInfo&);
+/// What a list says of a process at the trailing side.
+using ProcessValueText = std::function<std::string(const AppProcessInfo&)>;
 
-/// Caption: the name is primary, the value secondary.
+/// Caption: the process's name at the left, `valueText` of it at the right.
 struct ProcessRow {
     AppProcessInfo process;
-    ProcessValueText valueText = nullptr;
+    /// Never empty.
+    ProcessValueText valueText;
 
-    bool operator==(const ProcessRow&) const = default;
+    /// Equal when they say the same of the same process.
+    bool operator==(const ProcessRow& other) const {
+        return process == other.process && valueText(process) == other.valueText(other.process);
+    }
 };
 
 }  // namespace tarnwick

@@ -1,6 +1,7 @@
 #include "ui/panel/spoken_text.h"
 
 #include <string_view>
+#include <vector>
 
 namespace tarnwick {
 
@@ -31,6 +32,17 @@ std::string_view levelWord(Tint tint) {
     return {};
 }
 
+std::string spokenRows(const std::vector<ProcessRow>& rows) {
+    if (rows.empty()) {
+        return std::string(TopAppsList::kEmptyText);
+    }
+    std::string text;
+    for (const ProcessRow& row : rows) {
+        text += (text.empty() ? "" : ", ") + row.process.name + " " + row.valueText(row.process);
+    }
+    return text;
+}
+
 struct Speaker {
     std::string operator()(const PanelHeader& header) const {
         return joined(header.title, header.summary);
@@ -47,14 +59,16 @@ struct Speaker {
         return navigation.button.title;
     }
     std::string operator()(const TopAppsSection& section) const {
-        std::string text = section.title;
-        for (const ProcessRow& row : section.rows()) {
-            text = joined(text, row.process.name + " " + row.valueText(row.process));
-        }
-        return section.processes.empty() ? joined(text, TopAppsSection::kEmptyText) : text;
+        return joined(section.title, spokenRows(section.rows()));
     }
     std::string operator()(const PanelDivider&) const { return {}; }
     std::string operator()(const FooterRow&) const { return {}; }
+    std::string operator()(const DetailHeader& header) const { return header.title; }
+    std::string operator()(const GroupTitle& group) const { return group.title; }
+    std::string operator()(const TrendRow& row) const {
+        return joined(joined(row.title, row.value), levelWord(row.color));
+    }
+    std::string operator()(const TopAppsList& list) const { return spokenRows(list.rows()); }
 };
 
 }  // namespace

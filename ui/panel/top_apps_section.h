@@ -6,27 +6,25 @@
 #include <vector>
 
 #include "ui/panel/process_row.h"
+#include "ui/panel/top_apps_list.h"
 
 namespace tarnwick {
 
 /// The title (subheadline, medium), then a row for each process in list order.
 struct TopAppsSection {
-    /// In place of the rows while there is no process: caption, secondary.
-    static constexpr std::string_view kEmptyText = "Collecting data...";
+    static constexpr std::string_view kEmptyText = TopAppsList::kEmptyText;
 
     std::string title;
     std::vector<AppProcessInfo> processes;
-    ProcessValueText valueText = nullptr;
+    /// Never empty.
+    ProcessValueText valueText;
 
-    bool operator==(const TopAppsSection&) const = default;
-
-    std::vector<ProcessRow> rows() const {
-        std::vector<ProcessRow> rows;
-        for (const AppProcessInfo& process : processes) {
-            rows.push_back({process, valueText});
-        }
-        return rows;
+    bool operator==(const TopAppsSection& other) const {
+        return title == other.title && rows() == other.rows();
     }
+
+    /// One a process, in the order of the list.
+    std::vector<ProcessRow> rows() const { return TopAppsList{processes, 0, valueText}.rows(); }
 };
 
 }  // namespace tarnwick

@@ -4,6 +4,7 @@
 #include "ui/qt/divider_widget.h"
 #include "ui/qt/row_widgets.h"
 #include "ui/qt/top_apps_widget.h"
+#include "ui/qt/trend_row_widget.h"
 #include "ui/qt/usage_bar_widget.h"
 
 namespace tarnwick::qt {
@@ -37,6 +38,14 @@ struct Maker {
     BlockWidget* operator()(const PanelDivider&) const { return new DividerWidget(theme, parent); }
     BlockWidget* operator()(const FooterRow&) const {
         return new FooterRowWidget(theme, press, parent);
+    }
+    BlockWidget* operator()(const DetailHeader&) const {
+        return new DetailHeaderWidget(theme, press, parent);
+    }
+    BlockWidget* operator()(const GroupTitle&) const { return new GroupTitleWidget(theme, parent); }
+    BlockWidget* operator()(const TrendRow&) const { return new TrendRowWidget(theme, parent); }
+    BlockWidget* operator()(const TopAppsList&) const {
+        return new TopAppsListWidget(theme, parent);
     }
 };
 

@@ -107,6 +107,44 @@ int NavigationButtonWidget::heightFor(int) const {
     return buttons_.front()->sizeHint().height();
 }
 
+DetailHeaderWidget::DetailHeaderWidget(const Theme& theme, PressHandler press, QWidget* parent)
+    : ValueBlockWidget(theme, parent), press_(std::move(press)) {}
+
+void DetailHeaderWidget::valueChanged() {
+    showButtons(buttons_, {value().back, value().refresh}, ButtonKind::link, theme(), press_, this);
+    placeButtons();
+}
+
+void DetailHeaderWidget::resizeEvent(QResizeEvent*) {
+    placeButtons();
+}
+
+// The words, not the grounds under the pointer, end where the page's other texts do.
+void DetailHeaderWidget::placeButtons() {
+    const QSize back = buttons_.front()->sizeHint();
+    const QSize refresh = buttons_.back()->sizeHint();
+    buttons_.front()->setGeometry(0, (height() - back.height()) / 2, back.width(), back.height());
+    buttons_.back()->setGeometry(width() - refresh.width(), (height() - refresh.height()) / 2,
+                                 refresh.width(), refresh.height());
+}
+
+int DetailHeaderWidget::heightFor(int) const {
+    return std::max({buttons_.front()->sizeHint().height(), buttons_.back()->sizeHint().height(),
+                     theme().style(FontRole::headline).lineHeight()});
+}
+
+void DetailHeaderWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const TextStyle& style = theme().style(FontRole::headline);
+    const int left = buttons_.front()->geometry().right() + 1;
+    const int right = buttons_.back()->geometry().left();
+    const QString title = style.elided(QString::fromStdString(value().title), right - left);
+    const qreal centred = (width() - style.width(title)) / 2;
+    const qreal x = std::max<qreal>(left, std::min(centred, right - style.width(title)));
+    style.draw(painter, QPointF(x, (height() - style.lineHeight()) / 2 + style.ascent()), title,
+               theme().color(ColorRole::text));
+}
+
 FooterRowWidget::FooterRowWidget(const Theme& theme, PressHandler press, QWidget* parent)
     : ValueBlockWidget(theme, parent), press_(std::move(press)) {}
 

@@ -47,6 +47,26 @@ class NavigationButtonWidget final : public ValueBlockWidget<NavigationButton> {
     std::vector<ButtonWidget*> buttons_;
 };
 
+/// The way back, the title in the middle of the row where there is room, and the refresh.
+class DetailHeaderWidget final : public ValueBlockWidget<DetailHeader> {
+ public:
+    DetailHeaderWidget(const Theme& theme, PressHandler press, QWidget* parent);
+
+    int heightFor(int width) const override;
+
+ protected:
+    void valueChanged() override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+ private:
+    void placeButtons();
+
+    PressHandler press_;
+    /// Two.
+    std::vector<ButtonWidget*> buttons_;
+};
+
 class FooterRowWidget final : public ValueBlockWidget<FooterRow> {
  public:
     FooterRowWidget(const Theme& theme, PressHandler press, QWidget* parent);

@@ -17,6 +17,9 @@ namespace {
 
 /// A disabled button is drawn this opaque.
 constexpr qreal kDisabledOpacity = 0.45;
+// So opaque are links under the pointer.
+constexpr float kHoveredLink = 0.75F;
+constexpr float kPressedLink = 0.5F;
 
 const char* nameOf(PanelAction action) {
     switch (action) {
@@ -32,6 +35,8 @@ const char* nameOf(PanelAction action) {
             return "button.showMemoryDetail";
         case PanelAction::showPerformanceDetail:
             return "button.showPerformanceDetail";
+        case PanelAction::goBack:
+            return "button.goBack";
     }
     return "";
 }
@@ -74,6 +79,9 @@ QSize ButtonWidget::sizeHint() const {
             return {grid::kIconButtonSize, grid::kIconButtonSize};
         case ButtonKind::title:
             return {width, line + 2 * grid::kButtonPaddingY};
+        case ButtonKind::link:
+            return {qCeil(titleX() + style().width(QString::fromStdString(button_.title))),
+                    line + 2 * grid::kButtonPaddingY};
         case ButtonKind::navigation:
             break;
     }
@@ -85,6 +93,9 @@ int ButtonWidget::corner() const {
 }
 
 QColor ButtonWidget::ground() const {
+    if (kind_ == ButtonKind::link) {
+        return Qt::transparent;
+    }
     if (isDown()) {
         return theme_.color(ColorRole::controlPressed);
     }
@@ -95,13 +106,33 @@ QColor ButtonWidget::ground() const {
 }
 
 QColor ButtonWidget::foreground() const {
+    if (kind_ == ButtonKind::link) {
+        QColor color = theme_.color(ColorRole::accent);
+        color.setAlphaF(isDown() ? kPressedLink : isEnabled() && underMouse() ? kHoveredLink : 1);
+        return color;
+    }
     const bool isQuiet = kind_ == ButtonKind::icon && !(isEnabled() && underMouse());
     return theme_.color(isQuiet ? ColorRole::secondaryText : ColorRole::text);
 }
 
+qreal ButtonWidget::titleX() const {
+    if (kind_ != ButtonKind::link) {
+        return grid::kButtonPaddingX;
+    }
+    return button_.icon.empty() ? 0 : grid::kSymbolSize + grid::kLinkGap;
+}
+
 qreal ButtonWidget::titleRoom() const {
-    const int trailing = kind_ == ButtonKind::navigation ? grid::kSymbolSize + grid::kSymbolGap : 0;
-    return width() - 2 * grid::kButtonPaddingX - trailing;
+    switch (kind_) {
+        case ButtonKind::navigation:
+            return width() - 2 * grid::kButtonPaddingX - grid::kSymbolSize - grid::kSymbolGap;
+        case ButtonKind::link:
+            return width() - titleX();
+        case ButtonKind::icon:
+        case ButtonKind::title:
+            break;
+    }
+    return width() - 2 * grid::kButtonPaddingX;
 }
 
 void ButtonWidget::paintEvent(QPaintEvent*) {
@@ -118,8 +149,11 @@ void ButtonWidget::paintEvent(QPaintEvent*) {
         return;
     }
     const int baseline = (height() - style().lineHeight()) / 2 + style().ascent();
-    style().draw(painter, QPointF(grid::kButtonPaddingX, baseline),
+    style().draw(painter, QPointF(titleX(), baseline),
                  style().elided(QString::fromStdString(button_.title), titleRoom()), foreground());
+    if (kind_ == ButtonKind::link && !button_.icon.empty()) {
+        paintSymbol(painter, button_.icon, foreground(), QPointF(0, symbolY), grid::kSymbolSize);
+    }
     if (kind_ == ButtonKind::navigation) {
         paintSymbol(painter, NavigationButton::kTrailingIcon,
                     theme_.color(ColorRole::secondaryText),

@@ -17,6 +17,9 @@ enum class ButtonKind {
     title,
     /// As wide as the page, with the title at its leading and a symbol at its trailing end.
     navigation,
+    /// Its title in the accent colour, with its symbol, if any, before it; without padding, so that
+    /// it keeps to the page's edges, and paler under the pointer.
+    link,
 };
 
 /// Pressed by the pointer, the space bar or Return. Its object name is "button." and the action's
@@ -48,7 +51,8 @@ class ButtonWidget final : public QAbstractButton {
     QColor ground() const;
     QColor foreground() const;
     const TextStyle& style() const { return theme_.style(FontRole::subheadline); }
-    /// Room for the title, logical pixels.
+    /// Where the title starts, and the room that it has, logical pixels.
+    qreal titleX() const;
     qreal titleRoom() const;
 
     ButtonKind kind_;

@@ -19,6 +19,8 @@ inline constexpr int kButtonCorner = 7;
 /// Padding of a button with a title.
 inline constexpr int kButtonPaddingX = 10;
 inline constexpr int kButtonPaddingY = 4;
+/// Between the symbol of a link and its title.
+inline constexpr int kLinkGap = 2;
 inline constexpr int kIconButtonSize = 26;
 /// Between two icon buttons.
 inline constexpr int kIconButtonGap = 6;

@@ -85,6 +85,10 @@ RowContent rowContent(const InfoRow& row, const Theme&) {
             {text(row.value), FontRole::captionMedium, ColorRole::text}};
 }
 
+RowContent rowContent(const GroupTitle& group, const Theme&) {
+    return {{}, {text(group.title), FontRole::subheadlineMedium, ColorRole::text}, {}};
+}
+
 RowContent rowContent(const ProcessRow& row, const Theme&) {
     return {{},
             {text(row.process.name), FontRole::caption, ColorRole::text},

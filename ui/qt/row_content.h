@@ -39,6 +39,7 @@ RowContent rowContent(const UsageBar& bar, const Theme& theme);
 RowContent rowContent(const SectionHeader& header, const Theme& theme);
 RowContent rowContent(const CaptionText& caption, const Theme& theme);
 RowContent rowContent(const InfoRow& row, const Theme& theme);
+RowContent rowContent(const GroupTitle& group, const Theme& theme);
 RowContent rowContent(const ProcessRow& row, const Theme& theme);
 
 int rowHeight(const RowContent& row, const Theme& theme);

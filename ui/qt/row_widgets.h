@@ -34,5 +34,6 @@ using NoticeRowWidget = RowWidget<NoticeRow>;
 using SectionHeaderWidget = RowWidget<SectionHeader>;
 using CaptionTextWidget = RowWidget<CaptionText>;
 using InfoRowWidget = RowWidget<InfoRow>;
+using GroupTitleWidget = RowWidget<GroupTitle>;
 
 }  // namespace tarnwick::qt

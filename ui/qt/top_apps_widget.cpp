@@ -1,56 +1,81 @@
 #include "ui/qt/top_apps_widget.h"
 
 #include <QPainter>
+#include <QtMath>
+#include <string>
+#include <type_traits>
 
 namespace tarnwick::qt {
 
-std::vector<RowContent> TopAppsWidget::lines() const {
-    RowContent title;
-    title.leading = {QString::fromStdString(value().title), FontRole::subheadlineMedium,
-                     ColorRole::text};
-    std::vector<RowContent> lines{title};
-    for (const ProcessRow& row : value().rows()) {
-        lines.push_back(rowContent(row, theme()));
+namespace {
+
+/// Logical pixels between the leading edges of the block and of its lines.
+template <class List>
+int indent(const List& list) {
+    if constexpr (std::is_same_v<List, TopAppsList>) {
+        return qRound(list.indent);
     }
-    if (value().processes.empty()) {
-        lines.push_back(rowContent(CaptionText{std::string(TopAppsSection::kEmptyText)}, theme()));
+    return 0;
+}
+
+}  // namespace
+
+template <class List>
+std::vector<RowContent> ProcessListWidget<List>::lines() const {
+    std::vector<RowContent> lines;
+    if constexpr (std::is_same_v<List, TopAppsSection>) {
+        lines.push_back(rowContent(GroupTitle{this->value().title}, this->theme()));
+    }
+    for (const ProcessRow& row : this->value().rows()) {
+        lines.push_back(rowContent(row, this->theme()));
+    }
+    if (this->value().processes.empty()) {
+        lines.push_back(rowContent(CaptionText{std::string(List::kEmptyText)}, this->theme()));
     }
     return lines;
 }
 
-/// The height of all lines.
+template <class List>
 template <class Visit>
-int TopAppsWidget::forEachLine(Visit visit) const {
+int ProcessListWidget<List>::forEachLine(int width, Visit visit) const {
+    const int x = indent(this->value());
     int y = 0;
     for (const RowContent& line : lines()) {
         if (y > 0) {
             y += kRowSpacing;
         }
-        const int height = rowHeight(line, theme());
-        visit(line, QRect(0, y, width(), height));
+        const int height = rowHeight(line, this->theme());
+        visit(line, QRect(x, y, width - x, height));
         y += height;
     }
     return y;
 }
 
-int TopAppsWidget::heightFor(int) const {
-    return forEachLine([](const RowContent&, const QRect&) {});
+template <class List>
+int ProcessListWidget<List>::heightFor(int width) const {
+    return forEachLine(width, [](const RowContent&, const QRect&) {});
 }
 
-void TopAppsWidget::paintEvent(QPaintEvent*) {
+template <class List>
+void ProcessListWidget<List>::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    forEachLine(
-        [&](const RowContent& line, const QRect& rect) { paintRow(painter, line, theme(), rect); });
+    forEachLine(this->width(), [&](const RowContent& line, const QRect& rect) {
+        paintRow(painter, line, this->theme(), rect);
+    });
 }
 
-QString TopAppsWidget::cutTextAt(const QPoint& position) const {
+template <class List>
+QString ProcessListWidget<List>::cutTextAt(const QPoint& position) const {
     QString text;
-    forEachLine([&](const RowContent& line, const QRect& rect) {
+    forEachLine(this->width(), [&](const RowContent& line, const QRect& rect) {
         if (rect.contains(position)) {
-            text = cutText(line, theme(), rect.width());
+            text = cutText(line, this->theme(), rect.width());
         }
     });
     return text;
 }
+
+template class ProcessListWidget<TopAppsSection>;
+template class ProcessListWidget<TopAppsList>;
 
 }  // namespace tarnwick::qt

@@ -1,4 +1,4 @@
-// Draws a titled list of processes.
+// Draws a list of processes, with or without a title.
 #pragma once
 
 #include <vector>
@@ -8,9 +8,11 @@
 
 namespace tarnwick::qt {
 
-class TopAppsWidget final : public ValueBlockWidget<TopAppsSection> {
+/// The lines of a list, from top to bottom.
+template <class List>
+class ProcessListWidget : public ValueBlockWidget<List> {
  public:
-    using ValueBlockWidget::ValueBlockWidget;
+    using ValueBlockWidget<List>::ValueBlockWidget;
 
     int heightFor(int width) const override;
 
@@ -19,11 +21,14 @@ class TopAppsWidget final : public ValueBlockWidget<TopAppsSection> {
     QString cutTextAt(const QPoint& position) const override;
 
  private:
-    /// The title, then the rows.
+    /// The title, where the list has one, then the rows.
     std::vector<RowContent> lines() const;
-    /// Calls `visit` with each line and its place, from top to bottom.
+    /// Calls `visit` with each line and its place, from top to bottom; the height of all.
     template <class Visit>
-    int forEachLine(Visit visit) const;
+    int forEachLine(int width, Visit visit) const;
 };
+
+using TopAppsWidget = ProcessListWidget<TopAppsSection>;
+using TopAppsListWidget = ProcessListWidget<TopAppsList>;
 
 }  // namespace tarnwick::qt

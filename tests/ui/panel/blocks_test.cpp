@@ -79,6 +79,35 @@ TEST(SpokenText, ReadsEveryProcess) {
     EXPECT_EQ(spokenText(section), "Top, Collecting data...");
 }
 
+TEST(TopAppsList, HasARowForEachProcessInOrder) {
+    const TopAppsList list{{{.id = 2, .name = "b"}, {.id = 1, .name = "a"}}, 12, pid};
+    const std::vector<ProcessRow> rows = list.rows();
+    ASSERT_EQ(rows.size(), 2U);
+    EXPECT_EQ(rows[0].process.name, "b");
+    EXPECT_EQ(rows[1].valueText(rows[1].process), "1");
+}
+
+TEST(ProcessRow, IsEqualToOneThatSaysTheSame) {
+    const AppProcessInfo process{.id = 2, .name = "b"};
+    const auto two = [](const AppProcessInfo&) { return std::string("2"); };
+    EXPECT_EQ((ProcessRow{process, pid}), (ProcessRow{process, two}));
+    EXPECT_NE((ProcessRow{process, pid}),
+              (ProcessRow{process, [](const AppProcessInfo&) { return std::string("3"); }}));
+    EXPECT_NE((ProcessRow{process, pid}), (ProcessRow{{.id = 2, .name = "c"}, pid}));
+    EXPECT_NE((TopAppsList{{process}, 0, pid}), (TopAppsList{{process}, 1, pid}));
+    EXPECT_NE((TopAppsSection{"Top", {process}, pid}), (TopAppsSection{"Tip", {process}, pid}));
+}
+
+TEST(SpokenText, ReadsTheBlocksOfDetailPages) {
+    EXPECT_EQ(spokenText(DetailHeader{"Performance", {}, {}}), "Performance");
+    EXPECT_EQ(spokenText(GroupTitle{"Usage Trends"}), "Usage Trends");
+    EXPECT_EQ(spokenText(TrendRow{"CPU", "42%", {1, 2}, Tint::yellow}), "CPU, 42%, elevated");
+    TopAppsList list{{{.id = 2, .name = "b"}, {.id = 1, .name = "a"}}, 0, pid};
+    EXPECT_EQ(spokenText(list), "b 2, a 1");
+    list.processes.clear();
+    EXPECT_EQ(spokenText(list), "Collecting data...");
+}
+
 TEST(SpokenText, IsEmptyForDecoration) {
     EXPECT_EQ(spokenText(PanelDivider{}), "");
     EXPECT_EQ(spokenText(FooterRow{{PanelButton{"Quit", "", PanelAction::quit, true}}}), "");

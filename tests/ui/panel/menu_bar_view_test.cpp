@@ -31,11 +31,9 @@ class MenuBarViewTest : public testing::StatsManagerTest {
     }
 
     PanelTargets targets() {
-        return {.showSettings = {},
-                .openActivityMonitor = {},
-                .quit = [this] { performed.push_back("quit"); },
-                .showMemoryDetail = {},
-                .showPerformanceDetail = {}};
+        return {.showSettings = {}, .openActivityMonitor = {}, .quit = [this] {
+                    performed.push_back("quit");
+                }};
     }
 
     std::unique_ptr<StatsManager> manager;
@@ -227,17 +225,14 @@ TEST_F(MenuBarViewTest, ActionsRunTheirTargets) {
     MenuBarView full(*manager,
                      {.showSettings = target("settings"),
                       .openActivityMonitor = target("monitor"),
-                      .quit = target("quit"),
-                      .showMemoryDetail = target("memory"),
-                      .showPerformanceDetail = target("performance")},
+                      .quit = target("quit")},
                      {manual, processInfo, formatter});
     for (const PanelAction action :
-         {PanelAction::showSettings, PanelAction::openActivityMonitor, PanelAction::quit,
-          PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail}) {
+         {PanelAction::showSettings, PanelAction::openActivityMonitor, PanelAction::quit}) {
         EXPECT_TRUE(full.canPerform(action));
         full.perform(action);
     }
-    EXPECT_THAT(ran, ElementsAre("settings", "monitor", "quit", "memory", "performance"));
+    EXPECT_THAT(ran, ElementsAre("settings", "monitor", "quit"));
     const Page page = full.page();
     EXPECT_TRUE(block<PanelHeader>(page, "header").buttons[0].isEnabled);
     EXPECT_TRUE(block<NavigationButton>(page, "navigation.memory").button.isEnabled);
@@ -247,8 +242,6 @@ TEST_F(MenuBarViewTest, AMissingTargetDisablesItsButtonAndDoesNothing) {
     const Page page = view->page();
     EXPECT_FALSE(block<PanelHeader>(page, "header").buttons[0].isEnabled);
     EXPECT_TRUE(block<PanelHeader>(page, "header").buttons[1].isEnabled);
-    EXPECT_FALSE(block<NavigationButton>(page, "navigation.memory").button.isEnabled);
-    EXPECT_FALSE(block<NavigationButton>(page, "navigation.performance").button.isEnabled);
     EXPECT_FALSE(block<FooterRow>(page, "footer").buttons[0].isEnabled);
     EXPECT_TRUE(block<FooterRow>(page, "footer").buttons[1].isEnabled);
     EXPECT_FALSE(view->canPerform(PanelAction::showSettings));
@@ -256,6 +249,83 @@ TEST_F(MenuBarViewTest, AMissingTargetDisablesItsButtonAndDoesNothing) {
     EXPECT_TRUE(performed.empty());
     view->perform(PanelAction::quit);
     EXPECT_THAT(performed, ElementsAre("quit"));
+}
+
+TEST_F(MenuBarViewTest, NavigationLeadsToTheDetailPagesAndBack) {
+    view->appear();
+    settle();
+    pages.clear();
+    view->perform(PanelAction::showMemoryDetail);
+    EXPECT_EQ(view->activeTab(), MenuTab::memoryDetail);
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_EQ(block<DetailHeader>(pages.back(), "header").title, "Memory Details");
+    view->perform(PanelAction::goBack);
+    EXPECT_EQ(view->activeTab(), MenuTab::home);
+    ASSERT_EQ(pages.size(), 2U);
+    EXPECT_EQ(block<PanelHeader>(pages.back(), "header").title, "Tarnwick");
+    view->perform(PanelAction::showPerformanceDetail);
+    EXPECT_EQ(view->activeTab(), MenuTab::performanceDetail);
+    ASSERT_EQ(pages.size(), 3U);
+    EXPECT_EQ(block<DetailHeader>(pages.back(), "header").title, "Performance");
+}
+
+TEST_F(MenuBarViewTest, OpensWithTheHomePageAgain) {
+    view->appear();
+    view->perform(PanelAction::showPerformanceDetail);
+    view->disappear();
+    EXPECT_EQ(view->activeTab(), MenuTab::home);
+    view->appear();
+    EXPECT_TRUE(contains(view->page(), "bar.cpu"));
+}
+
+TEST_F(MenuBarViewTest, MemoryPageShowsWhatTheManagerPublishes) {
+    manager->topMemoryProcesses.set({{.id = 5, .name = "big", .memoryUsage = 100}});
+    view->perform(PanelAction::showMemoryDetail);
+    const Page page = view->page();
+    EXPECT_EQ(block<InfoRow>(page, "breakdown.physical").value, "200 B memory");
+    EXPECT_EQ(block<InfoRow>(page, "breakdown.used").value, "26 B memory");
+    const std::vector<ProcessRow> rows = block<TopAppsList>(page, "topMemory.list").rows();
+    ASSERT_EQ(rows.size(), 1U);
+    EXPECT_EQ(rows[0].valueText(rows[0].process), "50.0% (100 B memory)");
+    EXPECT_TRUE(block<DetailHeader>(page, "header").back.isEnabled);
+    EXPECT_TRUE(block<DetailHeader>(page, "header").refresh.isEnabled);
+}
+
+TEST_F(MenuBarViewTest, PerformancePageShowsWhatTheManagerPublishes) {
+    processInfo.state = 1;
+    manager->cpuUsageHistory.set({{UUID{}, 0, 1}, {UUID{}, 0, 2}});
+    manager->gpuUsageHistory.set({{UUID{}, 0, 3}});
+    manager->memoryUsageHistory.set({{UUID{}, 0, 4}});
+    manager->storageUsageHistory.set({{UUID{}, 0, 5}});
+    manager->networkInfo.set(
+        {.downloadBytesPerSecond = 12, .uploadBytesPerSecond = 30, .hasSample = true});
+    settings.setCPUNormal(5);
+    settings.setCPUHigh(11);
+    view->perform(PanelAction::showPerformanceDetail);
+    const Page page = view->page();
+    EXPECT_EQ(block<TrendRow>(page, "trend.cpu"), (TrendRow{"CPU", "11%", {1, 2}, Tint::red}));
+    EXPECT_THAT(block<TrendRow>(page, "trend.gpu").values, ElementsAre(3));
+    EXPECT_THAT(block<TrendRow>(page, "trend.memory").values, ElementsAre(4));
+    EXPECT_THAT(block<TrendRow>(page, "trend.storage").values, ElementsAre(5));
+    EXPECT_EQ(block<TrendRow>(page, "trend.storage").value, "14%");
+    EXPECT_EQ(block<InfoRow>(page, "network.total").value, "42 B file/s");
+    EXPECT_EQ(block<InfoRow>(page, "thermal").value, "Fair");
+}
+
+TEST_F(MenuBarViewTest, ADetailPageFollowsItsFigures) {
+    view->appear();
+    view->perform(PanelAction::showMemoryDetail);
+    settle();
+    pages.clear();
+    manager->memoryInfo.set({.total = 400, .used = 100});
+    manual.runMain();
+    ASSERT_EQ(pages.size(), 1U);
+    EXPECT_EQ(block<InfoRow>(pages[0], "breakdown.physical").value, "400 B memory");
+}
+
+TEST_F(MenuBarViewTest, AHiddenViewAnnouncesNoPage) {
+    view->perform(PanelAction::showMemoryDetail);
+    EXPECT_TRUE(pages.empty());
 }
 
 }  // namespace

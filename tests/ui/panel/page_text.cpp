@@ -39,6 +39,15 @@ struct Writer {
             out << "\n        " << text(button);
         }
     }
+    void rows(const std::vector<ProcessRow>& all) {
+        for (const ProcessRow& row : all) {
+            out << "\n        " << quoted(row.process.name) << ' '
+                << quoted(row.valueText(row.process));
+        }
+        if (all.empty()) {
+            out << "\n        " << TopAppsList::kEmptyText;
+        }
+    }
     void operator()(const PanelHeader& header) {
         out << "header " << quoted(header.title) << ' ' << quoted(header.summary);
         buttons(header.buttons);
@@ -66,12 +75,24 @@ struct Writer {
     }
     void operator()(const TopAppsSection& section) {
         out << "apps " << quoted(section.title);
-        for (const ProcessRow& row : section.rows()) {
-            out << "\n        " << quoted(row.process.name) << ' '
-                << quoted(row.valueText(row.process));
-        }
+        rows(section.rows());
     }
     void operator()(const PanelDivider&) { out << "divider"; }
+    void operator()(const DetailHeader& header) {
+        out << "detail " << quoted(header.title);
+        buttons({header.back, header.refresh});
+    }
+    void operator()(const GroupTitle& group) { out << "group " << quoted(group.title); }
+    void operator()(const TrendRow& row) {
+        out << "trend " << quoted(row.title) << ' ' << quoted(row.value) << ' ' << word(row.color);
+        for (const double value : row.values) {
+            out << ' ' << value;
+        }
+    }
+    void operator()(const TopAppsList& list) {
+        out << "list indented by " << list.indent;
+        rows(list.rows());
+    }
     void operator()(const FooterRow& footer) {
         out << "footer";
         buttons(footer.buttons);

@@ -1,0 +1,24 @@
+// How short of memory the machine is, as an estimate.
+#pragma once
+
+#include <string_view>
+
+#include "core/metric_records.h"
+
+namespace tarnwick {
+
+/// The raw values are 0, 1 and 2.
+enum class MemoryPressure {
+    good = 0,
+    normal = 1,
+    high = 2,
+};
+
+/// "Good", "Normal", "High".
+std::string_view word(MemoryPressure pressure);
+
+/// Looks at free and cached memory, which programs can have at once, and at compressed memory;
+/// used, wired, application and swap play no part. Good for a machine without memory.
+MemoryPressure estimatedPressure(const MemoryInfo& memory);
+
+}  // namespace tarnwick

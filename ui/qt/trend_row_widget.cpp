@@ -1,0 +1,76 @@
+#include "ui/qt/trend_row_widget.h"
+
+#include <QPainter>
+#include <QPolygonF>
+#include <algorithm>
+
+namespace tarnwick::qt {
+
+int TrendRowWidget::textHeight() const {
+    return theme().style(FontRole::caption).lineHeight() + TrendRow::kTextSpacing +
+           theme().style(FontRole::captionMedium).lineHeight();
+}
+
+qreal TrendRowWidget::textRoom() const {
+    return width() - TrendRow::kSparklineWidth - TrendRow::kSpacing;
+}
+
+int TrendRowWidget::heightFor(int) const {
+    return std::max(TrendRow::kSparklineHeight, textHeight());
+}
+
+void TrendRowWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const TextStyle& title = theme().style(FontRole::caption);
+    const TextStyle& figure = theme().style(FontRole::captionMedium);
+    const int top = (height() - textHeight()) / 2;
+    title.draw(painter, QPointF(0, top + title.ascent()),
+               title.elided(QString::fromStdString(value().title), textRoom()),
+               theme().color(ColorRole::secondaryText));
+    figure.draw(painter,
+                QPointF(0, top + title.lineHeight() + TrendRow::kTextSpacing + figure.ascent()),
+                figure.elided(QString::fromStdString(value().value), textRoom()),
+                theme().color(ColorRole::text));
+    paintSparkline(
+        painter, value().sparkline(), theme(),
+        QRectF(width() - TrendRow::kSparklineWidth, (height() - TrendRow::kSparklineHeight) / 2.0,
+               TrendRow::kSparklineWidth, TrendRow::kSparklineHeight));
+}
+
+QString TrendRowWidget::cutTextAt(const QPoint& position) const {
+    const QString title = QString::fromStdString(value().title);
+    const bool isCut = theme().style(FontRole::caption).width(title) > textRoom();
+    return isCut && position.x() < textRoom() ? title : QString();
+}
+
+void paintSparkline(QPainter& painter, const SparklineView& sparkline, const Theme& theme,
+                    const QRectF& frame) {
+    painter.setRenderHint(QPainter::Antialiasing);
+    const std::vector<SparklinePoint> points = sparkline.points(frame.width(), frame.height());
+    if (points.empty()) {
+        QColor color = theme.color(ColorRole::secondaryText);
+        color.setAlphaF(static_cast<float>(SparklineView::kPlaceholderOpacity));
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(color);
+        // Corners cannot be rounder than the bar is high.
+        const qreal corner =
+            std::min(SparklineView::kPlaceholderCorner, SparklineView::kPlaceholderHeight / 2);
+        painter.drawRoundedRect(
+            QRectF(frame.left(), frame.center().y() - SparklineView::kPlaceholderHeight / 2,
+                   frame.width(), SparklineView::kPlaceholderHeight),
+            corner, corner);
+        return;
+    }
+    QPolygonF line;
+    for (const SparklinePoint& point : points) {
+        line << frame.topLeft() + QPointF(point.x, point.y);
+    }
+    QPen pen(theme.color(sparkline.color), SparklineView::kLineWidth, Qt::SolidLine, Qt::FlatCap,
+             Qt::MiterJoin);
+    pen.setMiterLimit(SparklineView::kMiterLimit);
+    painter.setPen(pen);
+    painter.setBrush(Qt::NoBrush);
+    painter.drawPolyline(line);
+}
+
+}  // namespace tarnwick::qt

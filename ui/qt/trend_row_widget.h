@@ -1,0 +1,29 @@
+// Draws a trend: title over value at the left, the sparkline at the right.
+#pragma once
+
+#include "ui/qt/block_widget.h"
+
+class QPainter;
+
+namespace tarnwick::qt {
+
+class TrendRowWidget final : public ValueBlockWidget<TrendRow> {
+ public:
+    using ValueBlockWidget::ValueBlockWidget;
+
+    int heightFor(int width) const override;
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+    QString cutTextAt(const QPoint& position) const override;
+
+ private:
+    int textHeight() const;
+    qreal textRoom() const;
+};
+
+/// Draws the line, or what stands in its place, into `frame`.
+void paintSparkline(QPainter& painter, const SparklineView& sparkline, const Theme& theme,
+                    const QRectF& frame);
+
+}  // namespace tarnwick::qt
