@@ -27,11 +27,7 @@ class PanelWindowTest : public testing::StatsManagerTest {
     PanelWindowTest()
         : manager(makeSettled()),
           view(*manager,
-               {.showSettings = {},
-                .openActivityMonitor = {},
-                .quit = [this] { ++quits; },
-                .showMemoryDetail = {},
-                .showPerformanceDetail = {}},
+               {.showSettings = {}, .openActivityMonitor = {}, .quit = [this] { ++quits; }},
                {manual, processInfo, formatter}),
           window(std::make_unique<PanelWindow>(view, theme, manual)) {}
 

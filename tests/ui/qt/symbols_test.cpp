@@ -73,7 +73,7 @@ INSTANTIATE_TEST_SUITE_P(, Symbols,
                                          "arrow.clockwise.circle.fill", "cpu", "display.2",
                                          "memorychip", "internaldrive",
                                          "exclamationmark.triangle.fill", "battery.100",
-                                         "chevron.right", "checkmark.circle.fill",
+                                         "chevron.left", "chevron.right", "checkmark.circle.fill",
                                          "info.circle.fill"),
                          [](const auto& row) {
                              std::string name = row.param;
