@@ -26,7 +26,7 @@ std::vector<double> latestValues(const std::vector<UsageSample>& history) {
 
 void addTrend(PageBuilder& page, std::string id, std::string title, double value,
               const std::vector<UsageSample>& history, Tint color) {
-    page.add(std::move(id), kRowSpacing,
+    page.add(std::move(id), kBarSpacing,
              TrendRow{std::move(title), percentText(value, 0), latestValues(history), color});
 }
 

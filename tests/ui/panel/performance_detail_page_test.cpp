@@ -201,9 +201,12 @@ TEST_F(PerformanceDetailPageTest, NamesTheThermalState) {
 TEST_F(PerformanceDetailPageTest, RowsStandCloserThanBlocks) {
     inputs.networkInfo.hasSample = true;
     for (const PageItem& item : page()) {
-        const bool isBlock =
-            item.id.find('.') == std::string::npos || item.id.rfind("divider.", 0) == 0;
-        EXPECT_EQ(item.spaceAbove, item.id == "header" ? 0 : isBlock ? 12 : 6) << item.id;
+        const auto startsWith = [&item](const char* start) { return item.id.rfind(start, 0) == 0; };
+        const int expected = item.id == "header"                            ? 0
+                             : startsWith("trend.")                         ? 11
+                             : startsWith("gpu.") || startsWith("network.") ? 6
+                                                                            : 12;
+        EXPECT_EQ(item.spaceAbove, expected) << item.id;
     }
 }
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "tests/ui/panel/detail_fixtures.h"
 #include "tests/ui/panel/home_fixtures.h"
 #include "tests/ui/panel/recorded_panel.h"
 #include "tests/ui/qt/settle.h"
@@ -34,9 +35,18 @@ using Pages = std::vector<std::pair<std::string, Page>>;
 
 Pages pages() {
     Pages pages;
-    const testing::PlainByteCountFormatter formatter;
+    // The pages' texts are made when they are drawn.
+    static const testing::PlainByteCountFormatter formatter;
     for (const testing::HomeState& state : testing::homeStates()) {
         pages.emplace_back("home_" + std::string(state.name), homePage(state.inputs, formatter));
+    }
+    for (const testing::MemoryDetailState& state : testing::memoryDetailStates()) {
+        pages.emplace_back("memory_" + std::string(state.name),
+                           memoryDetailPage(state.inputs, formatter));
+    }
+    for (const testing::PerformanceDetailState& state : testing::performanceDetailStates()) {
+        pages.emplace_back("performance_" + std::string(state.name),
+                           performanceDetailPage(state.inputs, formatter));
     }
     const std::map<std::string, std::map<int, double>> shares = {
         {"container-host", {}},
