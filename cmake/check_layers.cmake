@@ -16,8 +16,8 @@ set(layer_ui/appkit 6)
 set(layer_app 7)
 
 # Words that every layer shares; they include nothing of the project but each other.
-set(vocabulary core/metric_records.h core/checked_math.h core/published.h core/text.h
-    core/tint.h)
+set(vocabulary core/metric_records.h core/checked_math.h core/percentage.h core/published.h
+    core/text.h core/tint.h)
 
 # What the portable folders may include in angle brackets: the C++ standard library and JSON.
 set(portable services settings core evaluation ui/panel ui/settings)
