@@ -20,6 +20,7 @@
 #include "platform/linux/desktop/single_instance.h"
 #include "platform/linux/desktop/sleep_signals.h"
 #include "platform/linux/desktop/toolkit_environment.h"
+#include "platform/linux/freed_memory.h"
 #include "platform/linux/linux_accelerators.h"
 #include "platform/linux/linux_kernel.h"
 #include "platform/linux/linux_network_interfaces.h"
@@ -138,6 +139,7 @@ int run(QApplication& application) {
                                           .quit = quit});
     qt::PanelWindow panel(view, theme, *platform::current().dispatch);
     closePanel = [&panel] { panel.close(); };
+    QObject::connect(&panel, &qt::PanelWindow::widgetsFreed, &platform::giveBackFreedMemory);
     const auto openPanel = [&panel, &item] { panel.open(panelAnchor(item)); };
     item.setActions({.click = [&panel, &item] { panel.click(panelAnchor(item)); },
                      .toggle = [&panel, &item] { panel.toggle(panelAnchor(item)); },

@@ -71,6 +71,8 @@ void PanelWindow::popupHidden() {
     PanelPopup* popup = popup_;
     popup_ = nullptr;
     dismissedAt_ = popup->wasDismissedByPress() ? dispatch_.now() : -1;
+    // What a widget owns goes after it says that it is destroyed.
+    connect(popup, &QObject::destroyed, this, &PanelWindow::widgetsFreed, Qt::QueuedConnection);
     popup->deleteLater();
     view_.disappear();
 }

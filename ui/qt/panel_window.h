@@ -37,6 +37,10 @@ class PanelWindow final : public QObject {
     /// Seconds within which a click and the dismissal that it caused belong together.
     static constexpr double kSameClickInterval = 0.3;
 
+ signals:
+    /// The panel has closed and its widgets are gone.
+    void widgetsFreed();
+
  private:
     void popupHidden();
 
