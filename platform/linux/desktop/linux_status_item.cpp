@@ -1,7 +1,6 @@
 #include "platform/linux/desktop/linux_status_item.h"
 
 #include <QGuiApplication>
-#include <QTimer>
 #include <utility>
 
 #include "platform/linux/desktop/pointer_place.h"
@@ -95,11 +94,19 @@ void LinuxStatusItem::start() {
     }
     registration_ = std::make_unique<NotifierRegistration>(bus_, options_.programOf);
     registration_->start([this] { hostChanged(); });
-    QTimer::singleShot(options_.noTrayMilliseconds, this, [this] { tellIfNoTray(); });
+    withoutHost_.setSingleShot(true);
+    withoutHost_.setInterval(options_.noTrayMilliseconds);
+    connect(&withoutHost_, &QTimer::timeout, this, [this] { tellIfNoTray(); });
+    withoutHost_.start();
 }
 
 void LinuxStatusItem::hostChanged() {
     anchor_.reset();
+    if (registration_->state() == NotifierRegistration::State::present) {
+        withoutHost_.stop();
+    } else if (!withoutHost_.isActive()) {
+        withoutHost_.start();
+    }
     if (registration_->state() != NotifierRegistration::State::absent) {
         embedded_.reset();
     } else if (!embedded_ && onX11()) {
@@ -176,7 +183,7 @@ NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& present
 }
 
 void LinuxStatusItem::tellIfNoTray() {
-    if (!inTray() && options_.notice) {
+    if (!inTray() && options_.notice && !std::exchange(hasTold_, true)) {
         options_.notice("no tray was found; start Tarnwick again to open its panel");
     }
 }

@@ -6,6 +6,7 @@
 #include <QImage>
 #include <QObject>
 #include <QRect>
+#include <QTimer>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -93,6 +94,9 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     std::unique_ptr<NotifierRegistration> registration_;
     std::unique_ptr<EmbeddedTray> embedded_;
     bool started_ = false;
+    /// Runs while there is no StatusNotifier host.
+    QTimer withoutHost_;
+    bool hasTold_ = false;
 };
 
 }  // namespace tarnwick::platform

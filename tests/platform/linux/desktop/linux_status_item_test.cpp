@@ -377,6 +377,25 @@ TEST_F(Item, SaysNothingOfTheKindInATray) {
     EXPECT_THAT(notices_, IsEmpty());
 }
 
+TEST_F(Item, CountsTheTimeWithoutATrayFromWhenTheHostWent) {
+    host_.begin();
+    make(itemBus_, 300);
+    show();
+    ASSERT_TRUE(waitUntil([&] { return !host_.registered.isEmpty(); }));
+    const auto pass = [](int milliseconds) {
+        bool later = false;
+        QTimer::singleShot(milliseconds, [&] { later = true; });
+        EXPECT_TRUE(waitUntil([&] { return later; }));
+    };
+    pass(400);
+    host_.end();
+    EXPECT_TRUE(waitUntil([&] { return !notices_.empty(); }));
+    beginHost();
+    host_.end();
+    pass(400);
+    EXPECT_EQ(notices_.size(), 1U);
+}
+
 TEST_F(Item, RunsWithoutABus) {
     make(QDBusConnection("there is none"), 0);
     show();
