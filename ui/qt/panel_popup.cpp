@@ -124,10 +124,13 @@ void PanelPopup::place() {
     update();
 }
 
-void PanelPopup::paintEvent(QPaintEvent*) {
+void PanelPopup::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    if (isTranslucent_) {
+    // New figures lie within the panel, where nothing of the shadow is to be seen.
+    constexpr int corner = grid::kPanelCorner;
+    const QRect inside = panelRect().adjusted(corner, corner, -corner, -corner);
+    if (isTranslucent_ && !inside.contains(event->rect())) {
         paintShadow(painter, panelRect(), grid::kPanelCorner, theme_.isDark());
     }
     constexpr qreal half = grid::kHairline / 2.0;

@@ -388,6 +388,7 @@ TEST_F(Item, CountsTheTimeWithoutATrayFromWhenTheHostWent) {
         EXPECT_TRUE(waitUntil([&] { return later; }));
     };
     pass(400);
+    EXPECT_THAT(notices_, IsEmpty());
     host_.end();
     EXPECT_TRUE(waitUntil([&] { return !notices_.empty(); }));
     beginHost();
