@@ -100,7 +100,8 @@ int run(QApplication& application) {
     if (!bus.isConnected()) {
         platform::notice("there is no session bus: only a tray of the older kind can be used");
     }
-    platform::SingleInstance instance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString());
+    platform::SingleInstance instance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString(),
+                                      platform::displayName(environment));
     switch (instance.claim()) {
         case platform::SingleInstance::Claim::first:
             break;
@@ -110,6 +111,12 @@ int run(QApplication& application) {
             platform::notice("another Tarnwick is running and does not answer");
             return EXIT_FAILURE;
     }
+    // Whoever starts from here on is not asked to be content with a panel that goes with this one.
+    const auto quit = [&application, &instance] {
+        instance.release();
+        application.quit();
+    };
+    const platform::QuitSignals quitSignals(quit);
 
     auto& userDefaults = *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
     // The last chance for what could not be written yet.
@@ -128,13 +135,14 @@ int run(QApplication& application) {
     qt::TitledWindows windows;
     TarnwickApp app(TarnwickAppDesktop{
         item, windows, [](UserSettings&) { return qt::makeSettingsPlaceholder(); }});
-    const auto quit = [&application] { application.quit(); };
     // The panel is made after the view whose button closes it.
     std::function<void()> closePanel;
     MenuBarView view(app.statsManager(), {.showSettings =
                                               [&app, &closePanel] {
-                                                  closePanel();
+                                                  // The panel hands its place before the other
+                                                  // windows over while it still has it.
                                                   app.showSettingsWindow();
+                                                  closePanel();
                                               },
                                           .quit = quit});
     qt::PanelWindow panel(view, theme, *platform::current().dispatch);
@@ -148,7 +156,6 @@ int run(QApplication& application) {
                      .showSettings = [&app] { app.showSettingsWindow(); },
                      .quit = quit});
     instance.setOpenPanel(openPanel);
-    const platform::QuitSignals quitSignals(quit);
 
     const platform::SleepSignals sleepSignals(QDBusConnection::systemBus(),
                                               [&app] { app.machineDidWake(); });
@@ -161,6 +168,8 @@ int run(QApplication& application) {
 
     app.appDelegate().applicationDidFinishLaunching();
     const int status = application.exec();
+    // A session's end comes without a call of quit().
+    instance.release();
     panel.close();
     userDefaults.synchronize();
     return status;

@@ -1,11 +1,10 @@
 #include "platform/linux/desktop/instance_lock.h"
 
-#include <QDeadlineTimer>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
 #include <optional>
-#include <poll.h>
 #include <sys/file.h>
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -15,7 +14,6 @@
 namespace tarnwick::platform {
 namespace {
 
-constexpr int kPauseMilliseconds = 20;
 constexpr char kRequest[] = "open panel";
 
 // None when the path is longer than a socket's address can be.
@@ -37,33 +35,51 @@ int datagramSocket() {
     return socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
 }
 
+// A display as a part of a file's name. A socket's address leaves no room for more than the end of
+// a long one, which is where displays differ.
+std::string fileNamePart(std::string_view display) {
+    constexpr std::size_t kMost = 40;
+    if (display.empty()) {
+        return {};
+    }
+    display.remove_prefix(display.size() - std::min(display.size(), kMost));
+    std::string part = "-" + std::string(display);
+    std::ranges::replace(part, '/', '_');
+    return part;
+}
+
 }  // namespace
 
-InstanceLock::InstanceLock(std::string folder) : folder_(std::move(folder)) {
-    if (!folder_.empty()) {
-        socketPath_ = folder_ + "/tarnwick.socket";
+InstanceLock::InstanceLock(std::string folder, std::string_view display) {
+    if (!folder.empty()) {
+        const std::string base = std::move(folder) + "/tarnwick" + fileNamePart(display);
+        lockPath_ = base + ".lock";
+        socketPath_ = base + ".socket";
     }
 }
 
 InstanceLock::~InstanceLock() {
+    release();
+}
+
+void InstanceLock::release() {
     readable_.reset();
     if (socket_ >= 0) {
-        close(socket_);
+        close(std::exchange(socket_, -1));
         unlink(socketPath_.c_str());
     }
     // The lock's file stays: taking it away could part two instances that start just now.
     if (lock_ >= 0) {
-        close(lock_);
+        close(std::exchange(lock_, -1));
     }
 }
 
 bool InstanceLock::acquire(std::function<void()> asked) {
     asked_ = std::move(asked);
-    if (folder_.empty()) {
+    if (lockPath_.empty()) {
         return true;
     }
-    const std::string path = folder_ + "/tarnwick.lock";
-    lock_ = open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    lock_ = open(lockPath_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     if (lock_ < 0) {
         return true;
     }
@@ -112,24 +128,16 @@ void InstanceLock::receive() {
     }
 }
 
-bool InstanceLock::askOwner(int milliseconds) const {
+bool InstanceLock::askOwner() const {
     const auto address = addressOf(socketPath_);
     const int sender = address ? datagramSocket() : -1;
     if (sender < 0) {
         return false;
     }
-    const QDeadlineTimer deadline(milliseconds);
-    bool sent = false;
-    for (;;) {
-        sent = sendto(sender, kRequest, sizeof(kRequest) - 1, 0, generic(*address),
-                      sizeof(*address)) == static_cast<ssize_t>(sizeof(kRequest) - 1);
-        if (sent || deadline.hasExpired()) {
-            break;
-        }
-        poll(nullptr, 0, kPauseMilliseconds);
-    }
+    const ssize_t sent =
+        sendto(sender, kRequest, sizeof(kRequest) - 1, 0, generic(*address), sizeof(*address));
     close(sender);
-    return sent;
+    return sent == static_cast<ssize_t>(sizeof(kRequest) - 1);
 }
 
 }  // namespace tarnwick::platform

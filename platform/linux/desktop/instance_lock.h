@@ -1,5 +1,5 @@
-// Tells two instances apart where there is no session bus: a locked file, and a local socket over
-// which the second asks the first. Both vanish in effect with their process, however it ends.
+// Tells two instances on one display apart whatever bus they see: a locked file, and a local socket
+// over which the second asks the first. Both vanish in effect with their process, however it ends.
 #pragma once
 
 #include <QObject>
@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 namespace tarnwick::platform {
 
@@ -15,23 +16,28 @@ class InstanceLock final : public QObject {
     Q_OBJECT
 
  public:
-    /// `folder` is private to the user. Empty: acquire() always succeeds.
-    explicit InstanceLock(std::string folder);
+    /// `folder` is private to the user. Empty: acquire() always succeeds. The instances on other
+    /// displays than `display`, which is any text, are none of its business.
+    explicit InstanceLock(std::string folder, std::string_view display = {});
     ~InstanceLock() override;
 
     /// True when this process is now the owner, or when the folder cannot be used, since running
     /// unguarded is better than not running. `asked` is called for each request of another start.
     bool acquire(std::function<void()> asked);
 
-    /// Asks the owner; true once it has taken the request. An owner that is still starting is
-    /// waited for, at most `milliseconds`.
-    bool askOwner(int milliseconds) const;
+    /// Asks the owner once; true when it has taken the request. False while the owner starts or
+    /// ends.
+    bool askOwner() const;
+
+    /// The next one to acquire it succeeds. More often does no harm.
+    void release();
 
  private:
     void listen();
     void receive();
 
-    std::string folder_;
+    /// Empty where there is no folder.
+    std::string lockPath_;
     std::string socketPath_;
     int lock_ = -1;
     int socket_ = -1;

@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cerrno>
-#include <csignal>
 #include <cstdint>
 #include <sys/eventfd.h>
 #include <unistd.h>
@@ -24,14 +23,10 @@ void handle(int) {
     errno = savedError;
 }
 
-void setHandler(void (*handler)(int)) {
-    struct sigaction action {};
-    action.sa_handler = handler;
-    action.sa_flags = SA_RESTART;
-    sigemptyset(&action.sa_mask);
-    for (const int signal : kSignals) {
-        ::sigaction(signal, &action, nullptr);
-    }
+/// A terminal's signals are for those who did not ask to be left alone (nohup); to be terminated
+/// is for everybody.
+bool isToStayIgnored(int signal, const struct sigaction& action) {
+    return signal != SIGTERM && action.sa_handler == SIG_IGN;
 }
 
 }  // namespace
@@ -48,14 +43,27 @@ QuitSignals::QuitSignals(std::function<void()> quit) : quit_(std::move(quit)) {
             quit_();
         }
     });
-    setHandler(&handle);
+    struct sigaction action {};
+    action.sa_handler = &handle;
+    action.sa_flags = SA_RESTART;
+    sigemptyset(&action.sa_mask);
+    for (const int signal : kSignals) {
+        struct sigaction old {};
+        ::sigaction(signal, nullptr, &old);
+        if (!isToStayIgnored(signal, old)) {
+            ::sigaction(signal, &action, nullptr);
+            before_.emplace_back(signal, old);
+        }
+    }
 }
 
 QuitSignals::~QuitSignals() {
     if (wakeUp < 0) {
         return;
     }
-    setHandler(SIG_DFL);
+    for (const auto& [signal, old] : before_) {
+        ::sigaction(signal, &old, nullptr);
+    }
     readable_.reset();
     ::close(std::exchange(wakeUp, -1));
 }

@@ -7,10 +7,15 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/linux/desktop/instance_lock.h"
 
 namespace tarnwick::platform {
+
+/// Names the display of a session: the compositor's where there is one, else the X server's,
+/// whichever of its screens. `environment` gives a variable's value or null.
+std::string displayName(const std::function<const char*(const char*)>& environment);
 
 /// Main thread.
 class SingleInstance final : public QDBusVirtualObject {
@@ -26,18 +31,24 @@ class SingleInstance final : public QDBusVirtualObject {
         first,
         /// Another one runs and was asked to open its panel: end with status 0.
         handedOver,
-        /// Another one runs and did not answer.
+        /// Another one runs and did not answer, and did not end either.
         unanswered,
     };
 
-    /// On `bus` where it is connected, else by a lock file in `runtimeFolder` (private to the
-    /// user; when empty nothing tells two instances apart).
-    SingleInstance(QDBusConnection bus, std::string runtimeFolder);
+    /// By a name on `bus` where it is connected, and by a lock for `display` in `runtimeFolder`
+    /// (private to the user; when empty there is no lock): an instance that saw another bus, or
+    /// none, is found by the lock.
+    SingleInstance(QDBusConnection bus, std::string runtimeFolder, std::string_view display = {});
     ~SingleInstance() override;
 
     /// Called once, at the start, before anything else is built: this is the one place that waits
-    /// for the bus, and a second start for the first, at most `answerMilliseconds`.
+    /// for the bus, and a second start for the first, at most `answerMilliseconds`. A first that is
+    /// just ending is waited for and followed.
     Claim claim(int answerMilliseconds = 5000);
+
+    /// From now on this process is not the one any more, and whoever starts is. For an end that
+    /// takes its time; more often does no harm.
+    void release();
 
     /// `openPanel` runs on the main thread whenever another start asks; one that asked before is
     /// made up for now.
@@ -47,7 +58,10 @@ class SingleInstance final : public QDBusVirtualObject {
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
 
  private:
-    Claim claimOnBus(int answerMilliseconds);
+    enum class Owner { thisProcess, onBus, ofLock };
+
+    Owner take();
+    bool ask(Owner owner, int answerMilliseconds);
     void asked();
 
     QDBusConnection bus_;
@@ -55,6 +69,7 @@ class SingleInstance final : public QDBusVirtualObject {
     std::function<void()> openPanel_;
     bool askedEarly_ = false;
     bool ownsName_ = false;
+    bool isReleased_ = false;
 };
 
 }  // namespace tarnwick::platform

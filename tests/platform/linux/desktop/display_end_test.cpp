@@ -32,7 +32,7 @@ TEST(DisplayEnd, SavesWhatMustNotBeLostAndSucceeds) {
     EXPECT_EQ(child.wait(), EXIT_SUCCESS);
 }
 
-TEST(DisplayEnd, DestroysNothing) {
+TEST(DisplayEnd, DestroysNothingThatWasThereBefore) {
     ChildProcess child([] {
         static const Destroyed longLived;
         const DisplayEnd end([] {});
