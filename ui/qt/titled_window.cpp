@@ -6,6 +6,8 @@
 #include <QScreen>
 #include <utility>
 
+#include "ui/qt/x11.h"
+
 namespace tarnwick::qt {
 
 namespace {
@@ -109,6 +111,7 @@ void TitledWindows::activateIgnoringOtherApps() {
     for (QWidget* widget : QApplication::topLevelWidgets()) {
         if (widget->isVisible() && qobject_cast<QMainWindow*>(widget) != nullptr) {
             widget->activateWindow();
+            x11::activate(static_cast<xcb_window_t>(widget->winId()));
         }
     }
 }

@@ -18,6 +18,29 @@ xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
     return reply == nullptr ? static_cast<xcb_atom_t>(XCB_NONE) : reply->atom;
 }
 
+void activate(xcb_window_t window) {
+    xcb_connection_t* server = connection();
+    if (server == nullptr) {
+        return;
+    }
+    // A program's own wish counts for nothing while the user works with another one, and the choice
+    // in a tray's menu comes over the bus: no press of the user can be named. The wish of the user's
+    // own tools is obeyed.
+    constexpr std::uint32_t kByTheUser = 2;
+    xcb_client_message_event_t event{};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 32;
+    event.window = window;
+    event.type = atom(server, "_NET_ACTIVE_WINDOW");
+    event.data.data32[0] = kByTheUser;
+    event.data.data32[1] = XCB_CURRENT_TIME;
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(server)).data->root;
+    xcb_send_event(server, 0, root,
+                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                   reinterpret_cast<const char*>(&event));
+    xcb_flush(server);
+}
+
 bool grabPointer(xcb_window_t window) {
     xcb_connection_t* server = connection();
     if (server == nullptr) {

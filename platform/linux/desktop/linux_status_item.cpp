@@ -10,6 +10,8 @@ namespace tarnwick::platform {
 namespace {
 
 constexpr auto kMenuPath = "/StatusNotifierMenu";
+constexpr auto kActivationToken = "XDG_ACTIVATION_TOKEN";
+constexpr int kTokenMilliseconds = 2000;
 
 bool onX11() {
     return QGuiApplication::platformName() == "xcb";
@@ -90,7 +92,12 @@ void LinuxStatusItem::start() {
         notifier_ = std::make_unique<StatusNotifierItem>(
             bus_, kMenuPath,
             NotifierActions{.activate = [this] { clicked(); },
-                            .secondaryActivate = [this] { run(actions_.refresh); }});
+                            .secondaryActivate = [this] { run(actions_.refresh); },
+                            .activationToken =
+                                [this](const QString& token) { keepActivationToken(token); }});
+        activationToken_.setSingleShot(true);
+        activationToken_.setInterval(kTokenMilliseconds);
+        connect(&activationToken_, &QTimer::timeout, this, [] { qunsetenv(kActivationToken); });
     }
     registration_ = std::make_unique<NotifierRegistration>(bus_, options_.programOf);
     registration_->start([this] { hostChanged(); });
@@ -98,6 +105,13 @@ void LinuxStatusItem::start() {
     withoutHost_.setInterval(options_.noTrayMilliseconds);
     connect(&withoutHost_, &QTimer::timeout, this, [this] { tellIfNoTray(); });
     withoutHost_.start();
+}
+
+void LinuxStatusItem::keepActivationToken(const QString& token) {
+    // Here the toolkit looks for one when a window is activated next, and takes it away. One that
+    // no window came for must not be used for another press.
+    qputenv(kActivationToken, token.toUtf8());
+    activationToken_.start();
 }
 
 void LinuxStatusItem::hostChanged() {

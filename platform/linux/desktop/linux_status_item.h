@@ -68,6 +68,7 @@ class LinuxStatusItem final : public QObject, public StatusItem {
 
  private:
     void start();
+    void keepActivationToken(const QString& token);
     void hostChanged();
     void update();
     void clicked();
@@ -96,6 +97,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     bool started_ = false;
     /// Runs while there is no StatusNotifier host.
     QTimer withoutHost_;
+    /// Runs while a token of the compositor is kept.
+    QTimer activationToken_;
     bool hasTold_ = false;
 };
 

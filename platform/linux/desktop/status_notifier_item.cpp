@@ -39,6 +39,7 @@ constexpr auto kIntrospection = R"xml(
   <method name="ContextMenu">
     <arg name="x" type="i" direction="in"/><arg name="y" type="i" direction="in"/>
   </method>
+  <method name="ProvideXdgActivationToken"><arg name="token" type="s" direction="in"/></method>
   <method name="Scroll">
     <arg name="delta" type="i" direction="in"/><arg name="orientation" type="s" direction="in"/>
   </method>
@@ -152,11 +153,18 @@ bool StatusNotifierItem::handleMessage(const QDBusMessage& message,
     }
     const QString member = message.member();
     const std::function<void()> nothing = [] {};
+    const std::function<void()> takeToken = [this, &message] {
+        if (actions_.activationToken) {
+            actions_.activationToken(message.arguments().value(0).toString());
+        }
+    };
     const std::function<void()>* action = nullptr;
     if (member == "Activate") {
         action = &actions_.activate;
     } else if (member == "SecondaryActivate" || member == "XAyatanaSecondaryActivate") {
         action = &actions_.secondaryActivate;
+    } else if (member == "ProvideXdgActivationToken") {
+        action = &takeToken;
     } else if (member == "ContextMenu" || member == "Scroll") {
         // Hosts draw the menu themselves; turning the wheel means nothing here.
         action = &nothing;

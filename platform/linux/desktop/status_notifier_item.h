@@ -33,6 +33,9 @@ struct NotifierContent {
 struct NotifierActions {
     std::function<void()> activate;
     std::function<void()> secondaryActivate;
+    /// The press that follows may bring a window before the others with this token of the
+    /// compositor; empty where none is used.
+    std::function<void(const QString& token)> activationToken;
 };
 
 /// Main thread. A host that hears a signal fetches the content again, which wakes both programs,

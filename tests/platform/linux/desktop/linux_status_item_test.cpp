@@ -310,6 +310,15 @@ TEST_F(Item, ReportsClicksOfEachButton) {
     EXPECT_EQ(clicks_, 1);
 }
 
+TEST_F(Item, KeepsATokenOfTheCompositorForTheToolkit) {
+    const auto item = makeItem();
+    shown(*item);
+    host_.callItem("ProvideXdgActivationToken", {"a token"});
+    EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "a token");
+    // One that no window came for.
+    EXPECT_TRUE(waitUntil([] { return qEnvironmentVariableIsEmpty("XDG_ACTIVATION_TOKEN"); }));
+}
+
 TEST_F(Item, HasAMenuThatOpensThePanelShowsTheSettingsAndQuits) {
     show();
     beginHost();

@@ -48,12 +48,15 @@ class NotifierItem : public ::testing::Test {
     ScriptedHost host_{bus_.connect()};
     int activated_ = 0;
     int secondary_ = 0;
+    QStringList tokens_;
     NotifierContent content_{
         .text = "Tarnwick status: CPU 12%", .icon = pixel('\xff'), .iconName = {}, .label = {}};
     StatusNotifierItem item_{
         itemBus_,
         "/TheMenu",
-        {.activate = [this] { ++activated_; }, .secondaryActivate = [this] { ++secondary_; }}};
+        {.activate = [this] { ++activated_; },
+         .secondaryActivate = [this] { ++secondary_; },
+         .activationToken = [this](const QString& token) { tokens_.append(token); }}};
 };
 
 TEST_F(NotifierItem, HasEveryPropertyThatHostsRead) {
@@ -193,6 +196,13 @@ TEST_F(NotifierItem, ReportsPressesOfEachKind) {
     EXPECT_EQ(host_.callItem("XAyatanaSecondaryActivate", {7U}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(secondary_, 2);
     EXPECT_EQ(activated_, 1);
+}
+
+TEST_F(NotifierItem, HandsOnTheTokenThatTheCompositorGaveForAPress) {
+    EXPECT_EQ(host_.callItem("ProvideXdgActivationToken", {"a token"}).type(),
+              QDBusMessage::ReplyMessage);
+    EXPECT_EQ(tokens_, QStringList{"a token"});
+    EXPECT_EQ(activated_, 0);
 }
 
 TEST_F(NotifierItem, AnswersScrollingAndTheMenusCallWithoutDoingAnything) {
