@@ -18,13 +18,14 @@ void AppDelegate::present(const std::shared_ptr<Presentation>& presentation) {
     if (!presentation->settings.presentInitialSettingsIfNeeded()) {
         return;
     }
-    if (presentation->showSettingsWindow) {
-        presentation->showSettingsWindow();
-    }
+    presentation->showSettingsWindow();
     openPanel(presentation, 0);
 }
 
 void AppDelegate::openPanel(const std::shared_ptr<Presentation>& presentation, int attempt) {
+    if (presentation->leavesPanelAlone) {
+        return;
+    }
     if (!presentation->toggleMenuBarPanel() && attempt + 1 < kMaximumAttempts) {
         presentation->dispatch.asyncAfter(
             kRetryDelay, [presentation, attempt] { openPanel(presentation, attempt + 1); });

@@ -18,13 +18,16 @@ class AppDelegate {
     /// Seconds between two attempts.
     static constexpr double kRetryDelay = 0.12;
 
-    /// `showSettingsWindow` may be empty. `toggleMenuBarPanel` says whether there was an item to
-    /// click. `settings` and `dispatch` must outlive what is queued on the main queue.
+    /// `toggleMenuBarPanel` says whether there was an item to click. `settings` and `dispatch` must outlive what is queued on the main queue.
     AppDelegate(UserSettings& settings, platform::Dispatch& dispatch,
                 std::function<void()> showSettingsWindow, std::function<bool()> toggleMenuBarPanel);
 
     /// Queues the first-launch presentation, so that it runs after the item is up.
     void applicationDidFinishLaunching();
+
+    /// The user asked for the panel in some other way: the presentation does not toggle it any
+    /// more, which could close it.
+    void panelWasAskedFor() { presentation_->leavesPanelAlone = true; }
 
  private:
     /// Outlives the delegate while something is queued.
@@ -33,6 +36,7 @@ class AppDelegate {
         platform::Dispatch& dispatch;
         std::function<void()> showSettingsWindow;
         std::function<bool()> toggleMenuBarPanel;
+        bool leavesPanelAlone = false;
     };
 
     static void present(const std::shared_ptr<Presentation>& presentation);

@@ -148,8 +148,15 @@ int run(QApplication& application) {
     qt::PanelWindow panel(view, theme, *platform::current().dispatch);
     closePanel = [&panel] { panel.close(); };
     QObject::connect(&panel, &qt::PanelWindow::widgetsFreed, &platform::giveBackFreedMemory);
-    const auto openPanel = [&panel, &item] { panel.open(panelAnchor(item)); };
-    item.setActions({.click = [&panel, &item] { panel.click(panelAnchor(item)); },
+    const auto openPanel = [&app, &panel, &item] {
+        app.appDelegate().panelWasAskedFor();
+        panel.open(panelAnchor(item));
+    };
+    item.setActions({.click =
+                         [&app, &panel, &item] {
+                             app.appDelegate().panelWasAskedFor();
+                             panel.click(panelAnchor(item));
+                         },
                      .toggle = [&panel, &item] { panel.toggle(panelAnchor(item)); },
                      .refresh = [&app] { app.statsManager().refreshNow(); },
                      .openPanel = openPanel,

@@ -16,11 +16,6 @@ TarnwickAppEnvironment TarnwickAppEnvironment::shared() {
 TarnwickApp::TarnwickApp(TarnwickAppDesktop desktop, TarnwickAppEnvironment environment)
     : statusItem_(desktop.statusItem),
       environment_(std::move(environment)),
-      statsManager_(&environment_.settings, environment_.batteryService, kSlowVisibleInterval,
-                    kSlowIdleInterval, environment_.stats),
-      settingsWindow_(desktop.windows,
-                      [make = std::move(desktop.makeSettingsView),
-                       &settings = environment_.settings] { return make(settings); }),
       appDelegate_(
           environment_.settings, environment_.stats.dispatch,
           [weak = std::weak_ptr(self_)] {
@@ -31,6 +26,11 @@ TarnwickApp::TarnwickApp(TarnwickAppDesktop desktop, TarnwickAppEnvironment envi
           [&item = statusItem_, logger = environment_.logger] {
               return HotKeyService::toggleMenuBarPanel(item, logger);
           }),
+      statsManager_(&environment_.settings, environment_.batteryService, kSlowVisibleInterval,
+                    kSlowIdleInterval, environment_.stats),
+      settingsWindow_(desktop.windows,
+                      [make = std::move(desktop.makeSettingsView),
+                       &settings = environment_.settings] { return make(settings); }),
       shortcutKeyCode_(environment_.settings.shortcutKeyCode()),
       shortcutModifiers_(environment_.settings.shortcutModifiers()),
       statsSubscription_(statsManager_.objectWillChange([this] { labelWillChange(); })),
@@ -43,9 +43,7 @@ TarnwickApp::TarnwickApp(TarnwickAppDesktop desktop, TarnwickAppEnvironment envi
 }
 
 TarnwickApp::~TarnwickApp() {
-    if (hotKeyService_) {
-        environment_.hotKeys.setRegistrationChanged(nullptr);
-    }
+    environment_.hotKeys.setRegistrationChanged(nullptr);
 }
 
 void TarnwickApp::later(std::function<void(TarnwickApp&)> work) {
@@ -73,7 +71,15 @@ void TarnwickApp::showLabel() {
 }
 
 void TarnwickApp::labelDidAppear() {
-    ensureHotKeyService();
+    if (hotKeyService_) {
+        return;
+    }
+    hotKeyService_ = std::make_unique<HotKeyService>(
+        [this] { HotKeyService::toggleMenuBarPanel(statusItem_, environment_.logger); },
+        HotKeyServiceEnvironment{environment_.hotKeys, environment_.stats.dispatch,
+                                 environment_.logger});
+    environment_.hotKeys.setRegistrationChanged([this] { registrationDidChange(); });
+    hotKeyService_->applyShortcut(environment_.settings);
 }
 
 void TarnwickApp::shortcutWillChange() {
@@ -99,25 +105,12 @@ void TarnwickApp::noticeShortcut() {
 }
 
 void TarnwickApp::shortcutDidChange() {
-    ensureHotKeyService();
     hotKeyService_->applyShortcut(environment_.settings);
 }
 
 void TarnwickApp::registrationDidChange() {
     // Registering again from inside the desktop's call would take away what calls.
     later([](TarnwickApp& app) { app.hotKeyService_->applyShortcut(app.environment_.settings); });
-}
-
-void TarnwickApp::ensureHotKeyService() {
-    if (hotKeyService_) {
-        return;
-    }
-    hotKeyService_ = std::make_unique<HotKeyService>(
-        [this] { HotKeyService::toggleMenuBarPanel(statusItem_, environment_.logger); },
-        HotKeyServiceEnvironment{environment_.hotKeys, environment_.stats.dispatch,
-                                 environment_.logger});
-    environment_.hotKeys.setRegistrationChanged([this] { registrationDidChange(); });
-    hotKeyService_->applyShortcut(environment_.settings);
 }
 
 }  // namespace tarnwick

@@ -55,9 +55,10 @@ class TarnwickApp {
     TarnwickApp& operator=(const TarnwickApp&) = delete;
     ~TarnwickApp();
 
+    AppDelegate& appDelegate() { return appDelegate_; }
     UserSettings& settings() { return environment_.settings; }
     StatsManager& statsManager() { return statsManager_; }
-    AppDelegate& appDelegate() { return appDelegate_; }
+    HotKeyService& hotKeyService() { return *hotKeyService_; }
 
     /// Shows the settings window, or brings it to the front.
     void showSettingsWindow() { settingsWindow_.show(); }
@@ -74,7 +75,6 @@ class TarnwickApp {
     void noticeShortcut();
     void shortcutDidChange();
     void registrationDidChange();
-    void ensureHotKeyService();
     /// Runs `work` on a later turn, unless the application has gone by then.
     void later(std::function<void(TarnwickApp&)> work);
 
@@ -82,11 +82,11 @@ class TarnwickApp {
     TarnwickAppEnvironment environment_;
     /// Expires with the application; what is queued holds it weakly.
     std::shared_ptr<TarnwickApp*> self_ = std::make_shared<TarnwickApp*>(this);
-    StatsManager statsManager_;
-    SettingsWindow settingsWindow_;
     AppDelegate appDelegate_;
-    /// Absent until the label appears.
+    StatsManager statsManager_;
+    /// Absent until the label appears, which it does in the constructor.
     std::unique_ptr<HotKeyService> hotKeyService_;
+    SettingsWindow settingsWindow_;
     // The shortcut that was stored when it was looked at last.
     std::int64_t shortcutKeyCode_;
     std::int64_t shortcutModifiers_;

@@ -1,6 +1,7 @@
 #include "platform/linux/autostart_entry.h"
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
 
 #include "platform/linux/desktop_entry.h"
@@ -116,7 +117,13 @@ std::optional<AutostartEntry> parseAutostartEntry(std::string_view text) {
         return std::nullopt;
     }
     AutostartEntry entry;
-    entry.isOff = isTrue(value("Hidden")) || isFalse(value("X-GNOME-Autostart-enabled"));
+    entry.isOff = isTrue(value("Hidden"));
+    entry.isOffForSome = isFalse(value("X-GNOME-Autostart-enabled"));
+    constexpr std::array conditions = {"AutostartCondition", "X-KDE-autostart-condition",
+                                       "X-GNOME-Autostart-Phase"};
+    entry.isConditional = std::ranges::any_of(
+        conditions, [&value](std::string_view key) { return !value(key).empty(); });
+    entry.isConditional = entry.isConditional || isTrue(value("X-systemd-skip"));
     if (const auto only = desktopEntryValue(text, "OnlyShowIn")) {
         entry.onlyShowIn = listed(*only);
     }
@@ -138,6 +145,20 @@ bool isMeantFor(const AutostartEntry& entry, std::string_view current) {
         current.remove_prefix(std::min(desktop.size() + 1, current.size()));
     }
     return !entry.onlyShowIn;
+}
+
+bool isOffFor(const AutostartEntry& entry, std::string_view current) {
+    // Those whose session manager reads the key.
+    constexpr std::array<std::string_view, 8> readers = {
+        "GNOME", "GNOME-Flashback", "GNOME-Classic", "Unity", "Budgie", "Pantheon", "X-Cinnamon",
+        "MATE"};
+    bool isRead = false;
+    while (!current.empty()) {
+        const std::string_view desktop = current.substr(0, current.find(':'));
+        isRead = isRead || std::ranges::find(readers, desktop) != readers.end();
+        current.remove_prefix(std::min(desktop.size() + 1, current.size()));
+    }
+    return entry.isOff || (entry.isOffForSome && isRead);
 }
 
 std::optional<std::string> autostartEntryText(std::span<const std::string> command) {

@@ -13,6 +13,10 @@ namespace tarnwick::platform {
 struct AutostartEntry {
     /// The user has switched it off, or says that it is removed.
     bool isOff = false;
+    /// Switched off in a way that only some desktops know; isOffFor() tells where.
+    bool isOffForSome = false;
+    /// It is started under a condition that the desktop evaluates, or in a way of its own.
+    bool isConditional = false;
     /// Names of the only desktops that start it; absent when all do.
     std::optional<std::vector<std::string>> onlyShowIn;
     /// Names of desktops that do not start it.
@@ -29,6 +33,10 @@ std::optional<AutostartEntry> parseAutostartEntry(std::string_view text);
 /// The entry is for the session whose desktops `current` names, the more special one first, with
 /// colons between them.
 bool isMeantFor(const AutostartEntry& entry, std::string_view current);
+
+/// The entry is switched off in the session whose desktops `current` names. Those that follow the
+/// folder alone (a window manager's helper, systemd) know no more than that an entry is removed.
+bool isOffFor(const AutostartEntry& entry, std::string_view current);
 
 /// An entry that starts `command`: the program, then its arguments. Absent when no entry can hold
 /// the program's path: when there is an equals sign in it, or it is not valid UTF-8.

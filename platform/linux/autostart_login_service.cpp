@@ -96,7 +96,10 @@ LoginServiceStatus AutostartLoginService::status() {
         text = systemText();
     }
     const auto entry = text ? parseAutostartEntry(*text) : std::nullopt;
-    if (!entry || entry->isOff || !isMeantFor(*entry, value("XDG_CURRENT_DESKTOP"))) {
+    const std::string desktop = value("XDG_CURRENT_DESKTOP");
+    // Of a condition nothing is known here, and what is not certain does not count.
+    if (!entry || entry->isConditional || isOffFor(*entry, desktop) ||
+        !isMeantFor(*entry, desktop)) {
         return LoginServiceStatus::notRegistered;
     }
     return canStart(*entry) ? LoginServiceStatus::enabled : LoginServiceStatus::notFound;

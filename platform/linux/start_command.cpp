@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace tarnwick::platform {
 namespace {
@@ -15,6 +16,28 @@ bool isBelow(const std::filesystem::path& path, const std::filesystem::path& fol
     const auto [end, ignored] =
         std::mismatch(above.begin(), std::prev(above.end()), path.begin(), path.end());
     return end == std::prev(above.end());
+}
+
+/// Where `program` is found by its name in the folders of `list`: there itself or else by a link,
+/// or through a folder that is one. Empty when it is not.
+std::filesystem::path foundIn(std::string_view list, const std::filesystem::path& program) {
+    std::filesystem::path link;
+    while (!list.empty()) {
+        const std::filesystem::path folder = list.substr(0, list.find(':'));
+        list.remove_prefix(std::min(folder.native().size() + 1, list.size()));
+        std::filesystem::path candidate = (folder / program.filename()).lexically_normal();
+        if (!folder.is_absolute()) {
+            continue;
+        }
+        if (candidate == program) {
+            return program;
+        }
+        std::error_code error;
+        if (link.empty() && std::filesystem::canonical(candidate, error) == program && !error) {
+            link = std::move(candidate);
+        }
+    }
+    return link;
 }
 
 }  // namespace
@@ -56,7 +79,8 @@ std::vector<std::string> startCommand(const std::filesystem::path& program,
     if (!snap.empty() && isBelow(program, value("SNAP"))) {
         return {"/snap/bin/" + snap};
     }
-    return {program.native()};
+    const std::filesystem::path link = foundIn(value("PATH"), program);
+    return {link.empty() ? program.native() : link.native()};
 }
 
 }  // namespace tarnwick::platform

@@ -87,14 +87,25 @@ TEST_F(AppDelegateTest, ADelegateThatIsGoneStillFinishesItsAttempts) {
     EXPECT_THAT(steps, ElementsAre("settings", "panel", "panel"));
 }
 
-TEST_F(AppDelegateTest, WithoutASettingsWindowThePanelOpensAlone) {
-    AppDelegate delegate(settings, dispatch, nullptr, [this] {
-        steps.push_back("panel");
-        return true;
-    });
+TEST_F(AppDelegateTest, APanelThatTheUserAskedForBeforeIsLeftAlone) {
+    AppDelegate delegate = makeDelegate();
+    delegate.panelWasAskedFor();
     delegate.applicationDidFinishLaunching();
-    dispatch.advance(1);
-    EXPECT_THAT(steps, ElementsAre("panel"));
+    dispatch.advance(10);
+    EXPECT_THAT(steps, ElementsAre("settings"));
+    EXPECT_TRUE(settings.hasPresentedInitialSettings());
+}
+
+TEST_F(AppDelegateTest, APanelThatTheUserAskedForWhileTheItemIsLateIsLeftAlone) {
+    refusals = 100;
+    AppDelegate delegate = makeDelegate();
+    delegate.applicationDidFinishLaunching();
+    dispatch.advance(0.2);
+    const std::size_t before = attemptTimes.size();
+    EXPECT_EQ(before, 2U);
+    delegate.panelWasAskedFor();
+    dispatch.advance(10);
+    EXPECT_EQ(attemptTimes.size(), before);
 }
 
 }  // namespace

@@ -1,8 +1,10 @@
 #include "app/tarnwick_app.h"
 
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "platform/testing/manual_dispatch.h"
@@ -55,18 +57,20 @@ class TarnwickAppTest : public testing::Test {
                 .readUptime = [] { return 5.0; }};
     }
 
-    std::unique_ptr<TarnwickApp> makeApp() {
-        return std::make_unique<TarnwickApp>(
-            TarnwickAppDesktop{item, windows,
-                               [this](UserSettings& edited) {
-                                   editedSettings.push_back(&edited);
-                                   return std::make_unique<platform::View>();
-                               }},
-            TarnwickAppEnvironment{
-                settings, noBattery(store),
+    TarnwickAppDesktop desktop(platform::StatusItem& statusItem) {
+        return {statusItem, windows, [this](UserSettings& edited) {
+                    editedSettings.push_back(&edited);
+                    return std::make_unique<platform::View>();
+                }};
+    }
+    TarnwickAppEnvironment environment() {
+        return {settings, noBattery(store),
                 StatsManagerEnvironment{dispatch, sources(), [this] { return time; },
                                         platform::Logger()},
-                hotKeys, platform::Logger(log)});
+                hotKeys, platform::Logger(log)};
+    }
+    std::unique_ptr<TarnwickApp> makeApp() {
+        return std::make_unique<TarnwickApp>(desktop(item), environment());
     }
     void storeShortcut(std::int64_t keyCode, std::int64_t modifiers) {
         settings.setShortcutKeyCode(keyCode);
@@ -104,6 +108,43 @@ TEST_F(TarnwickAppTest, ShowsALoadingLabelBeforeTheFirstMeasurement) {
     EXPECT_EQ(item.contents[0].tint, Tint::green);
     EXPECT_EQ(item.contents[0].text, "Loading...");
     EXPECT_EQ(item.contents[0].accessibilityLabel, "Tarnwick status: Loading...");
+}
+
+/// Looks around when it is shown its first content.
+class WatchingItem final : public platform::StatusItem {
+ public:
+    explicit WatchingItem(std::function<void()> firstContent)
+        : firstContent_(std::move(firstContent)) {}
+
+    void setContent(const platform::StatusItemContent&) override {
+        if (const auto look = std::exchange(firstContent_, nullptr)) {
+            look();
+        }
+    }
+    void setActions(platform::StatusItemActions) override {}
+    bool inTray() const override { return true; }
+    bool performClick() override { return true; }
+
+ private:
+    std::function<void()> firstContent_;
+};
+
+TEST_F(TarnwickAppTest, PollingBeginsBeforeTheLabelAppearsAndTheShortcutComesAfterIt) {
+    storeShortcut(37, kCommand);
+    int looks = 0;
+    WatchingItem watching([&] {
+        ++looks;
+        EXPECT_GT(dispatch.asyncCount() + dispatch.detachedCount(), 0U);
+        EXPECT_THAT(hotKeys.calls.all(), IsEmpty());
+        EXPECT_EQ(windows.living(), 0);
+        EXPECT_FALSE(settings.hasPresentedInitialSettings());
+    });
+    ASSERT_EQ(dispatch.asyncCount() + dispatch.detachedCount(), 0U);
+    TarnwickApp app(desktop(watching), environment());
+    EXPECT_EQ(looks, 1);
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("install", "register 37 256"));
+    // The greeting waits until the application is up.
+    EXPECT_FALSE(settings.hasPresentedInitialSettings());
 }
 
 TEST_F(TarnwickAppTest, ManyWritesInOneTurnRebuildTheLabelOnce) {
@@ -218,9 +259,11 @@ TEST_F(TarnwickAppTest, WithoutAStoredShortcutNothingIsRegistered) {
 
 TEST_F(TarnwickAppTest, ALabelThatAppearsAgainChangesNothing) {
     const auto app = makeAppWithShortcut();
+    const HotKeyService* before = &app->hotKeyService();
     app->labelDidAppear();
     app->labelDidAppear();
     dispatch.runMain();
+    EXPECT_EQ(&app->hotKeyService(), before);
     EXPECT_THAT(hotKeys.calls.all(), IsEmpty());
 }
 

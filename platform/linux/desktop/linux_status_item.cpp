@@ -11,7 +11,6 @@ namespace {
 
 constexpr auto kMenuPath = "/StatusNotifierMenu";
 constexpr auto kActivationToken = "XDG_ACTIVATION_TOKEN";
-constexpr int kTokenMilliseconds = 2000;
 
 bool onX11() {
     return QGuiApplication::platformName() == "xcb";
@@ -96,7 +95,7 @@ void LinuxStatusItem::start() {
                             .activationToken =
                                 [this](const QString& token) { keepActivationToken(token); }});
         activationToken_.setSingleShot(true);
-        activationToken_.setInterval(kTokenMilliseconds);
+        activationToken_.setInterval(options_.tokenMilliseconds);
         connect(&activationToken_, &QTimer::timeout, this, [] { qunsetenv(kActivationToken); });
     }
     registration_ = std::make_unique<NotifierRegistration>(bus_, options_.programOf);

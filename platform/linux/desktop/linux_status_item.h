@@ -39,6 +39,9 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         std::function<void(std::string_view)> notice;
         /// Milliseconds without any tray after which the user is told, once.
         int noTrayMilliseconds = 5000;
+        /// Milliseconds for which a token of the compositor is kept for the window that a press
+        /// opens.
+        int tokenMilliseconds = 2000;
         /// Names the program of a process.
         NotifierRegistration::ProgramOf programOf = programOfProcess;
         /// Folder for the picture file that some hosts want in place of pixmaps.

@@ -158,9 +158,36 @@ TEST_F(Autostart, ADamagedEntryOfTheUserHidesTheSystems) {
 TEST_F(Autostart, IsOffWhenTheEntryIsSwitchedOff) {
     write(own_, entry("Hidden=true\n"));
     EXPECT_EQ(status(), Status::notRegistered);
+}
+
+TEST_F(Autostart, IsSwitchedOffForTheDesktopsThatKnowTheKeyOnly) {
+    for (const std::string& desktop :
+         {"GNOME", "ubuntu:GNOME", "X-Cinnamon", "MATE", "Budgie:GNOME", "Unity:Unity7"}) {
+        variables_["XDG_CURRENT_DESKTOP"] = desktop;
+        write(own_, entry("X-GNOME-Autostart-enabled=false\n"));
+        EXPECT_EQ(status(), Status::notRegistered) << desktop;
+        write(own_, entry("X-GNOME-Autostart-enabled=true\n"));
+        EXPECT_EQ(status(), Status::enabled) << desktop;
+    }
     write(own_, entry("X-GNOME-Autostart-enabled=false\n"));
-    EXPECT_EQ(status(), Status::notRegistered);
-    write(own_, entry("X-GNOME-Autostart-enabled=true\n"));
+    for (const std::string& desktop : {"XFCE", "LXQt", "openbox", "sway", "NOGNOME", ""}) {
+        variables_["XDG_CURRENT_DESKTOP"] = desktop;
+        EXPECT_EQ(status(), Status::enabled) << desktop;
+    }
+    variables_.erase("XDG_CURRENT_DESKTOP");
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, IsOffWhenOnlyAConditionStartsIt) {
+    for (const std::string& line :
+         {"AutostartCondition=if-exists x\n", "X-KDE-autostart-condition=rc:General:On:false\n",
+          "X-GNOME-Autostart-Phase=Panel\n", "X-systemd-skip=true\n"}) {
+        write(own_, entry(line));
+        EXPECT_EQ(status(), Status::notRegistered) << line;
+        EXPECT_EQ(registering(), "") << line;
+        EXPECT_EQ(status(), Status::enabled) << line;
+    }
+    write(own_, entry("AutostartCondition=\nX-systemd-skip=false\n"));
     EXPECT_EQ(status(), Status::enabled);
 }
 
@@ -439,10 +466,18 @@ TEST_F(Autostart, UnregisteringCountsForTheOtherDesktopsOfTheSystemsEntry) {
     EXPECT_EQ(status(), Status::notRegistered);
 }
 
+TEST_F(Autostart, UnregisteringCountsForTheDesktopsThatKnowLessOfTheSystemsEntry) {
+    write(first_, entry("X-GNOME-Autostart-enabled=false\n"));
+    variables_["XDG_CURRENT_DESKTOP"] = "GNOME";
+    EXPECT_EQ(status(), Status::notRegistered);
+    EXPECT_EQ(unregistering(), "");
+    variables_["XDG_CURRENT_DESKTOP"] = "XFCE";
+    EXPECT_EQ(status(), Status::notRegistered);
+}
+
 TEST_F(Autostart, UnregisteringLeavesNothingWhereTheSystemStartsNothing) {
     for (const std::string& text :
-         {entry("Hidden=true\n"), entry("TryExec=absent\n"),
-          entry("X-GNOME-Autostart-enabled=false\n"), std::string("garbage")}) {
+         {entry("Hidden=true\n"), entry("TryExec=absent\n"), std::string("garbage")}) {
         write(first_, text);
         write(own_, entry());
         EXPECT_EQ(unregistering(), "");

@@ -37,6 +37,48 @@ TEST_F(StartCommand, IsTheProgramItself) {
     EXPECT_THAT(of(""), IsEmpty());
 }
 
+TEST_F(StartCommand, IsTheLinkInThePathThatAnUpdateChanges) {
+    // Resolved, as the kernel tells it.
+    const std::filesystem::path root = std::filesystem::canonical(root_.path());
+    const auto program = root / "store" / "tarnwick-1" / "tarnwick";
+    const auto bin = root / "bin";
+    std::filesystem::create_directories(program.parent_path());
+    std::filesystem::create_directories(bin);
+    std::ofstream(program) << "program";
+    const auto path = [](const std::vector<std::filesystem::path>& folders) {
+        std::string list = ":relative";
+        for (const auto& folder : folders) {
+            list += ":" + folder.native();
+        }
+        return std::map<std::string, std::string>{{"PATH", list}};
+    };
+    EXPECT_THAT(of(program, path({bin})), ElementsAre(program.native()));
+    std::filesystem::create_symlink(program, bin / "tarnwick");
+    EXPECT_THAT(of(program, path({root / "missing", bin})),
+                ElementsAre((bin / "tarnwick").native()));
+    EXPECT_THAT(of(program), ElementsAre(program.native()));
+    // The program itself, wherever a link to it comes first.
+    EXPECT_THAT(of(program, path({bin, program.parent_path()})), ElementsAre(program.native()));
+    // A folder that is a link, as in a profile of packages.
+    std::filesystem::create_directory_symlink(program.parent_path(), root / "profile");
+    EXPECT_THAT(of(program, path({root / "profile", bin})),
+                ElementsAre((root / "profile" / "tarnwick").native()));
+}
+
+TEST_F(StartCommand, IsNotAnotherProgramOfThatName) {
+    const std::filesystem::path root = std::filesystem::canonical(root_.path());
+    std::filesystem::create_directories(root / "bin");
+    std::filesystem::create_directories(root / "opt");
+    std::ofstream(root / "opt" / "tarnwick") << "program";
+    std::ofstream(root / "bin" / "tarnwick") << "another";
+    EXPECT_THAT(of(root / "opt" / "tarnwick", {{"PATH", (root / "bin").native()}}),
+                ElementsAre((root / "opt" / "tarnwick").native()));
+    std::filesystem::remove(root / "bin" / "tarnwick");
+    std::filesystem::create_symlink("/nowhere", root / "bin" / "tarnwick");
+    EXPECT_THAT(of(root / "opt" / "tarnwick", {{"PATH", (root / "bin").native()}}),
+                ElementsAre((root / "opt" / "tarnwick").native()));
+}
+
 TEST_F(StartCommand, IsTheImageThatTheProgramCameIn) {
     EXPECT_THAT(of("/tmp/.mount_Tx/usr/bin/tarnwick",
                    {{"APPIMAGE", "/home/u/Tarnwick.AppImage"}, {"APPDIR", "/tmp/.mount_Tx"}}),

@@ -37,12 +37,14 @@ class Item : public ::testing::Test {
  protected:
     Item() { make(itemBus_); }
 
-    void make(const QDBusConnection& bus, int noTrayMilliseconds = 3'600'000) {
+    void make(const QDBusConnection& bus, int noTrayMilliseconds = 3'600'000,
+              int tokenMilliseconds = 3'600'000) {
         item_.reset();
         LinuxStatusItem::Options options;
         options.painter = paint;
         options.notice = [this](std::string_view line) { notices_.emplace_back(line); };
         options.noTrayMilliseconds = noTrayMilliseconds;
+        options.tokenMilliseconds = tokenMilliseconds;
         options.programOf = [this](unsigned) { return program_; };
         options.runtimeFolder = runtime_.path().toStdString();
         item_ = std::make_unique<LinuxStatusItem>(bus, options);
@@ -311,11 +313,20 @@ TEST_F(Item, ReportsClicksOfEachButton) {
 }
 
 TEST_F(Item, KeepsATokenOfTheCompositorForTheToolkit) {
-    const auto item = makeItem();
-    shown(*item);
+    show();
+    beginHost();
     host_.callItem("ProvideXdgActivationToken", {"a token"});
     EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "a token");
-    // One that no window came for.
+    host_.callItem("ProvideXdgActivationToken", {"another"});
+    EXPECT_EQ(qgetenv("XDG_ACTIVATION_TOKEN"), "another");
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+}
+
+TEST_F(Item, DropsATokenThatNoWindowCameFor) {
+    make(itemBus_, 3'600'000, 1);
+    show();
+    beginHost();
+    host_.callItem("ProvideXdgActivationToken", {"a token"});
     EXPECT_TRUE(waitUntil([] { return qEnvironmentVariableIsEmpty("XDG_ACTIVATION_TOKEN"); }));
 }
 
