@@ -18,7 +18,8 @@ class AppDelegate {
     /// Seconds between two attempts.
     static constexpr double kRetryDelay = 0.12;
 
-    /// `toggleMenuBarPanel` says whether there was an item to click. `settings` and `dispatch` must outlive what is queued on the main queue.
+    /// `toggleMenuBarPanel` says whether there was an item to click. `settings` and `dispatch` must
+    /// outlive what is queued on the main queue.
     AppDelegate(UserSettings& settings, platform::Dispatch& dispatch,
                 std::function<void()> showSettingsWindow, std::function<bool()> toggleMenuBarPanel);
 

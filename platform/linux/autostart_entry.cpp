@@ -150,8 +150,8 @@ bool isMeantFor(const AutostartEntry& entry, std::string_view current) {
 bool isOffFor(const AutostartEntry& entry, std::string_view current) {
     // Those whose session manager reads the key.
     constexpr std::array<std::string_view, 8> readers = {
-        "GNOME", "GNOME-Flashback", "GNOME-Classic", "Unity", "Budgie", "Pantheon", "X-Cinnamon",
-        "MATE"};
+        "GNOME",  "GNOME-Flashback", "GNOME-Classic", "Unity",
+        "Budgie", "Pantheon",        "X-Cinnamon",    "MATE"};
     bool isRead = false;
     while (!current.empty()) {
         const std::string_view desktop = current.substr(0, current.find(':'));

@@ -53,8 +53,8 @@ TEST(SharedTarnwickAppEnvironment, IsTheCurrentPlatformWithTheSharedSettingsAndB
     {
         platform::testing::ScriptedStatusItem item;
         platform::testing::ScriptedWindows windows;
-        TarnwickApp app({item, windows,
-                         [](UserSettings&) { return std::make_unique<platform::View>(); }});
+        TarnwickApp app(
+            {item, windows, [](UserSettings&) { return std::make_unique<platform::View>(); }});
         EXPECT_EQ(&app.settings(), &UserSettings::shared());
         EXPECT_EQ(item.contents.size(), 1U);
         EXPECT_THAT(machine.hotKeys.calls.all(), ElementsAre("install"));

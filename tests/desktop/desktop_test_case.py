@@ -4,6 +4,7 @@ import contextlib
 import os
 import re
 import sqlite3
+import time
 import unittest
 
 from private_desktop import PrivateDesktop, Program, Timeout, hosts, until
@@ -12,6 +13,9 @@ from private_desktop.processes import end_on_signals
 # The ground of the panel.
 LIGHT = (0xFB, 0xFB, 0xFC)
 DARK = (0x23, 0x23, 0x26)
+# Seconds; many times what it takes: a program that waits for something on its way out would be
+# later.
+ENDS_WITHIN = 5.0
 # More than waking up reads, less than a refresh.
 REFRESH_BYTES = 1000
 
@@ -60,6 +64,16 @@ class DesktopTestCase(unittest.TestCase):
         self.assertEqual(len(lines), 1, lines)
         self.assertTrue(lines[0].startswith("tarnwick: "), lines)
         self.assertIn(word, lines[0])
+
+    def assert_ends(self, program, status=0):
+        """The program ends by itself, soon and with this status, and its store is whole."""
+        begin = time.monotonic()
+        self.until(lambda: not program.runs(), "the program ends")
+        took = time.monotonic() - begin
+        print(f"{self.id().rpartition('.')[2]}: ended after {took:.2f} s")
+        self.assertLess(took, ENDS_WITHIN)
+        self.assertEqual(program.process.returncode, status, program.output())
+        self.assert_store_is_whole()
 
     def store(self):
         return self.desktop.path("home/.local/share/tarnwick/settings.sqlite")

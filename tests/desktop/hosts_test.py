@@ -153,9 +153,20 @@ class HostsTest(DesktopTestCase):
 
     def check_settings(self):
         self.choose(_SETTINGS)
-        self.until(self.settings_window, "the settings window opens")
+        window = self.until(self.settings_window, "the settings window opens")
+        self.assert_active(window)
         self.settle()
         self.keep("settings")
+        self.started.click_item()
+        self.assert_open(self.started)
+        for key in ("Tab", "space"):
+            self.desktop.screen.press_key(key)
+        self.assert_closed(self.started)
+        self.assert_active(window)
+
+    def assert_active(self, window):
+        self.until(lambda: self.desktop.screen.active_window() == window.id,
+                   "the settings window has the keyboard")
 
     def settings_window(self):
         return next((window for window in self.desktop.screen.windows(self.started.pid)

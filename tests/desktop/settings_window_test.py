@@ -1,7 +1,10 @@
 """The settings window: what opens it, where it is, what closing it means."""
 
 import contextlib
+import signal
+import subprocess
 
+from gi.repository import GLib
 from Xlib import X, Xatom, Xutil, display
 from Xlib.error import BadWindow
 from Xlib.protocol import event
@@ -60,34 +63,31 @@ class SettingsWindowTest(DesktopTestCase):
         self.until(gone, "nothing of the window is left")
 
     def greet(self):
-        """A first start whose greeting is over, its window, and whether the panel came, too.
-
-        The panel waits half a second for the tray, which is busy at times.
-        """
-        for attempt in range(5):
-            program = self.program(f"first{attempt}").start(
-                XDG_DATA_HOME=self.desktop.path(f"data{attempt}"))
-            program.wait_for_item()
-            window = self.open_settings_window(program)
-            if program.wait_for_greeting():
-                return program, window, self.desktop.path(f"data{attempt}")
-            self.assertEqual(program.end(), 0)
-        self.fail("the panel did not greet")
-        return None
+        """The first start, its greeting in full: program and settings window."""
+        # The tray has shown an item by then, and is not busy with its own start.
+        before = self.program("before").start(XDG_DATA_HOME=self.desktop.path("before"))
+        before.wait_for_item()
+        self.until(before.item_place, "the item is on the screen")
+        self.assertEqual(before.end(), 0, before.output())
+        program = self.program().start()
+        program.wait_for_item()
+        window = self.open_settings_window(program)
+        self.assert_open(program)
+        return program, window
 
     def test_first_start_opens_settings_and_panel_second_start_neither(self):
-        first, window, data = self.greet()
+        first, window = self.greet()
         self.assert_open(first)
         self.assertEqual(self.settings_windows(first), [window])
         self.keep_picture()
         self.assertEqual(first.end(), 0, first.output())
-        second = self.program("second").start(XDG_DATA_HOME=data)
+        second = self.program("second").start()
         second.wait_for_item()
         self.assertFalse(second.wait_for_greeting())
         self.assertEqual(self.settings_windows(second), [])
 
     def test_greets_in_the_middle_with_one_size_and_the_keyboard(self):
-        program, window, _ = self.greet()
+        program, window = self.greet()
         self.assertEqual((window.width, window.height), SIZE)
         width, height = self.desktop.screen.size
         # The title bar and the tray take their share.
@@ -149,7 +149,7 @@ class SettingsWindowTest(DesktopTestCase):
         self.assertEqual(second.centre, first.centre)
 
     def test_closing_keeps_the_program(self):
-        program, window, _ = self.greet()
+        program, window = self.greet()
         program.close_panel()
         self.close_by_user(window)
         self.assert_closed_for_good(program, window)
@@ -159,9 +159,46 @@ class SettingsWindowTest(DesktopTestCase):
         self.assertEqual(program.output(), "")
 
     def test_the_program_ends_with_its_window_open(self):
-        program, _, _ = self.greet()
-        self.assertEqual(program.end(), 0, program.output())
+        program, _ = self.greet()
+        program.process.send_signal(signal.SIGTERM)
+        self.assert_ends(program)
         self.assertEqual(program.output(), "")
+
+    def choose_settings(self, program):
+        """What a tray host says of a press on the menu's entry."""
+        item = self.desktop.bus.item_of(program.pid)
+        menu = (item.name, self.desktop.bus.item_property(item, "Menu"), "com.canonical.dbusmenu")
+        _, (_, _, entries) = self.desktop.bus.call(
+            menu, "GetLayout", GLib.Variant("(iias)", (0, -1, [])))
+        number = next(each for each, properties, _ in entries
+                      if properties.get("label") == "Settings")
+        self.desktop.bus.call(menu, "Event", GLib.Variant(
+            "(isvu)", (number, "clicked", GLib.Variant("s", ""), 0)))
+
+    def work_with_other_window(self):
+        """Clicks into it; the window manager lets nobody come before it by himself from then on."""
+        self.show_other_window()
+        subprocess.run(["xfconf-query", "--channel", "xfwm4", "--create", "--type", "bool",
+                        "--property", "/general/prevent_focus_stealing", "--set", "true"],
+                       env=self.desktop.env, check=True)
+        width, height = self.desktop.screen.size
+        self.desktop.screen.click((width // 2, height // 2))
+
+    def test_menu_opens_it_before_other_windows(self):
+        program = self.start_known_to_user()
+        self.work_with_other_window()
+        self.choose_settings(program)
+        window = self.open_settings_window(program)
+        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+
+    def test_menu_brings_a_covered_one_to_the_front(self):
+        program = self.start_known_to_user()
+        self.choose_settings(program)
+        window = self.open_settings_window(program)
+        self.work_with_other_window()
+        self.choose_settings(program)
+        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+        self.assertEqual(self.settings_windows(program), [window])
 
 
 main()

@@ -3,8 +3,12 @@
 import os
 import signal
 import sqlite3
+import time
 
 from desktop_test_case import DesktopTestCase, main
+
+# Longer than a first launch looks for the item.
+A_WHILE = 1.5
 
 
 class StartTest(DesktopTestCase):
@@ -31,6 +35,63 @@ class StartTest(DesktopTestCase):
         panel = first.panel()
         self.assertLess(panel.y, 20)
         self.assertGreater(panel.x + panel.width, self.desktop.screen.size[0] - 20)
+
+    def test_second_start_leaves_an_open_panel_open(self):
+        self.open_desktop()
+        first = self.start_known_to_user()
+        panel = first.open_panel()
+        self.assert_open(first)
+        for number in range(2):
+            second = self.program(f"second{number}").start()
+            self.until(lambda program=second: not program.runs(), "the second start ends")
+            self.assertEqual(second.process.returncode, 0, second.output())
+            self.assert_open(first)
+            self.assertEqual(first.panel().id, panel.id)
+
+    def test_two_first_launches_at_once_leave_one_with_its_panel_open(self):
+        self.open_desktop()
+        started = [self.program(f"start{number}").start() for number in range(2)]
+        self.until(lambda: sum(program.runs() for program in started) == 1, "one of them ends")
+        first, second = sorted(started, key=lambda program: program.runs(), reverse=True)
+        self.assertEqual(second.process.returncode, 0, second.output())
+        self.assert_open(first)
+        # The greeting is over by then.
+        time.sleep(A_WHILE)
+        self.assertIsNotNone(first.panel())
+
+    def test_second_start_says_that_the_first_does_not_answer(self):
+        self.open_desktop()
+        first = self.start_known_to_user()
+        first.process.send_signal(signal.SIGSTOP)
+        self.addCleanup(first.process.send_signal, signal.SIGCONT)
+        second = self.program("second").start()
+        self.until(lambda: not second.runs(), "the second start ends")
+        self.assertEqual(second.process.returncode, 1)
+        self.assert_one_line(second, "another Tarnwick is running and does not answer")
+        first.process.send_signal(signal.SIGCONT)
+        first.open_panel()
+        self.assert_open(first)
+
+    def test_says_that_there_is_no_display(self):
+        self.open_desktop(host=None)
+        for empty in (None, ""):
+            program = self.program(f"display{empty}").start(DISPLAY=empty)
+            self.until(lambda started=program: not started.runs(), "the program ends")
+            self.assertEqual(program.process.returncode, 1)
+            self.assert_one_line(program, "no display")
+        self.assertFalse(os.path.exists(self.store()))
+
+    def test_finds_the_first_on_a_bus_that_came_later(self):
+        self.open_desktop(host="tint2")
+        first = self.program().start(DBUS_SESSION_BUS_ADDRESS="disabled:")
+        self.until(first.docked_window, "the tray holds the icon")
+        if first.wait_for_greeting():
+            first.close_panel()
+        second = self.program("second").start()
+        self.until(lambda: not second.runs(), "the second start ends")
+        self.assertEqual(second.process.returncode, 0, second.output())
+        self.assert_open(first)
+        self.assertIsNone(self.desktop.bus.owner("org.tarnwick.Tarnwick"))
 
     def test_starts_again_after_a_crash(self):
         self.open_desktop()

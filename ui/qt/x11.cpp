@@ -24,8 +24,8 @@ void activate(xcb_window_t window) {
         return;
     }
     // A program's own wish counts for nothing while the user works with another one, and the choice
-    // in a tray's menu comes over the bus: no press of the user can be named. The wish of the user's
-    // own tools is obeyed.
+    // in a tray's menu comes over the bus: no press of the user can be named. The wish of the
+    // user's own tools is obeyed.
     constexpr std::uint32_t kByTheUser = 2;
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;

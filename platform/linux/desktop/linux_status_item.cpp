@@ -90,10 +90,10 @@ void LinuxStatusItem::start() {
                                            [this] { anchor_ = placeUnderPointer(); });
         notifier_ = std::make_unique<StatusNotifierItem>(
             bus_, kMenuPath,
-            NotifierActions{.activate = [this] { clicked(); },
-                            .secondaryActivate = [this] { run(actions_.refresh); },
-                            .activationToken =
-                                [this](const QString& token) { keepActivationToken(token); }});
+            NotifierActions{
+                .activate = [this] { clicked(); },
+                .secondaryActivate = [this] { run(actions_.refresh); },
+                .activationToken = [this](const QString& token) { keepActivationToken(token); }});
         activationToken_.setSingleShot(true);
         activationToken_.setInterval(options_.tokenMilliseconds);
         connect(&activationToken_, &QTimer::timeout, this, [] { qunsetenv(kActivationToken); });

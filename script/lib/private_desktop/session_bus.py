@@ -75,6 +75,11 @@ class SessionBus:
         except GLib.Error:
             return None
 
+    def is_connected(self, pid):
+        """Whether a process has a connection to the bus."""
+        names = self.call(_BUS, "ListNames")[0]
+        return any(self.owner(name) == pid for name in names if name.startswith(":"))
+
     def watcher(self):
         """Process id of the watcher of status items, or None."""
         return self.owner(_WATCHER[0])

@@ -80,6 +80,16 @@ class WaylandScreen:
                                     True))
         return found
 
+    def active_window(self):
+        """Number of the window that has the keyboard, or None."""
+        nodes = [self._ask("get_tree")]
+        while nodes:
+            node = nodes.pop()
+            nodes += node["nodes"] + node["floating_nodes"]
+            if node.get("pid") and node["focused"]:
+                return node["id"]
+        return None
+
     def move_pointer(self, place):
         self._input.move_pointer(place)
 

@@ -46,8 +46,8 @@ TEST(AutostartEntry, IsAnApplicationAndNothingElse) {
 TEST(AutostartEntry, IsOnUnlessItSaysOtherwise) {
     EXPECT_FALSE(parsed("").isOff);
     EXPECT_FALSE(parsed("Hidden=false\n").isOff);
-    EXPECT_FALSE(parsed("X-GNOME-Autostart-enabled=true\n").isOff);
-    EXPECT_FALSE(parsed("X-GNOME-Autostart-enabled=\n").isOff);
+    EXPECT_FALSE(parsed("X-GNOME-Autostart-enabled=true\n").isOffForSome);
+    EXPECT_FALSE(parsed("X-GNOME-Autostart-enabled=\n").isOffForSome);
     EXPECT_FALSE(parsed("NoDisplay=true\n").isOff);
     EXPECT_FALSE(parsed("[Desktop Action x]\nHidden=true\n").isOff);
 }
@@ -55,9 +55,36 @@ TEST(AutostartEntry, IsOnUnlessItSaysOtherwise) {
 TEST(AutostartEntry, IsOffWhenItWasRemovedOrSwitchedOff) {
     EXPECT_TRUE(parsed("Hidden=true\n").isOff);
     EXPECT_TRUE(parsed("Hidden=1\n").isOff);
-    EXPECT_TRUE(parsed("X-GNOME-Autostart-enabled=false\n").isOff);
-    EXPECT_TRUE(parsed("X-GNOME-Autostart-enabled=0\n").isOff);
     EXPECT_TRUE(parsed("Hidden=true\nX-GNOME-Autostart-enabled=true\n").isOff);
+    EXPECT_TRUE(isOffFor(parsed("Hidden=true\n"), ""));
+    EXPECT_TRUE(isOffFor(parsed("Hidden=true\n"), "XFCE"));
+}
+
+TEST(AutostartEntry, IsSwitchedOffOnlyForDesktopsThatKnowHow) {
+    for (const char* line :
+         {"X-GNOME-Autostart-enabled=false\n", "X-GNOME-Autostart-enabled=0\n"}) {
+        const AutostartEntry entry = parsed(line);
+        EXPECT_FALSE(entry.isOff);
+        EXPECT_TRUE(entry.isOffForSome);
+        for (const char* reader : {"GNOME", "GNOME-Flashback:GNOME", "ubuntu:GNOME", "Unity",
+                                   "Budgie", "Pantheon", "X-Cinnamon", "MATE"}) {
+            EXPECT_TRUE(isOffFor(entry, reader)) << reader;
+        }
+        for (const char* other : {"", "XFCE", "KDE", "LXQt:XFCE", "gnome", "GNOMEX", ":"}) {
+            EXPECT_FALSE(isOffFor(entry, other)) << other;
+        }
+    }
+    EXPECT_FALSE(isOffFor(parsed(""), "GNOME"));
+}
+
+TEST(AutostartEntry, TellsOfConditions) {
+    EXPECT_FALSE(parsed("").isConditional);
+    EXPECT_FALSE(parsed("AutostartCondition=\nX-systemd-skip=false\n").isConditional);
+    for (const char* line :
+         {"AutostartCondition=if-exists x\n", "X-KDE-autostart-condition=a:b:c:true\n",
+          "X-GNOME-Autostart-Phase=Panel\n", "X-systemd-skip=true\n"}) {
+        EXPECT_TRUE(parsed(line).isConditional) << line;
+    }
 }
 
 TEST(AutostartEntry, IsMeantForEveryDesktopUnlessItSaysOtherwise) {

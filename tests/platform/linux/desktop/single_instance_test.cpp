@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
-#include <string>
 #include <poll.h>
+#include <string>
 #include <sys/inotify.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -39,11 +39,11 @@ TEST(DisplayName, IsOfTheServerAndNotOfAScreen) {
         });
     };
     EXPECT_EQ(name(), "");
-    for (const auto& [display, expected] : std::map<std::string, std::string>{
-             {":0", ":0"},
-             {":10.2", ":10"},
-             {"a.example:1.0", "a.example:1"},
-             {"odd.name", "odd.name"}}) {
+    for (const auto& [display, expected] :
+         std::map<std::string, std::string>{{":0", ":0"},
+                                            {":10.2", ":10"},
+                                            {"a.example:1.0", "a.example:1"},
+                                            {"odd.name", "odd.name"}}) {
         variables["DISPLAY"] = display;
         EXPECT_EQ(name(), expected);
     }
@@ -167,10 +167,9 @@ TEST_F(OnBus, AFirstThatHasLetGoSendsAwayWhoeverStillAsks) {
     first.release();
     // Under its own name: who found it just before it let go.
     const QDBusMessage answer =
-        ask(bus_.connect(), QDBusMessage::createMethodCall(firstBus_.baseService(),
-                                                           SingleInstance::kPath,
-                                                           SingleInstance::kInterface,
-                                                           "OpenPanel"));
+        ask(bus_.connect(),
+            QDBusMessage::createMethodCall(firstBus_.baseService(), SingleInstance::kPath,
+                                           SingleInstance::kInterface, "OpenPanel"));
     EXPECT_EQ(answer.type(), QDBusMessage::ErrorMessage);
     EXPECT_EQ(opened_, 0);
     EXPECT_EQ(secondStart(), Claim::first);
