@@ -139,7 +139,12 @@ class Ending final : public QDBusVirtualObject {
             // The bus answers for a connection that has gone.
             message.setDelayedReply(true);
             QMetaObject::invokeMethod(
-                this, [this] { QDBusConnection::disconnectFromBus(bus_.name()); },
+                this,
+                [this] {
+                    QDBusConnection::disconnectFromBus(bus_.name());
+                    // It closes with its last copy.
+                    bus_ = noBus();
+                },
                 Qt::QueuedConnection);
         }
         return true;
