@@ -161,7 +161,7 @@ TEST_F(Autostart, IsOffWhenTheEntryIsSwitchedOff) {
 }
 
 TEST_F(Autostart, IsSwitchedOffForTheDesktopsThatKnowTheKeyOnly) {
-    for (const std::string& desktop :
+    for (const char* const desktop :
          {"GNOME", "ubuntu:GNOME", "X-Cinnamon", "MATE", "Budgie:GNOME", "Unity:Unity7"}) {
         variables_["XDG_CURRENT_DESKTOP"] = desktop;
         write(own_, entry("X-GNOME-Autostart-enabled=false\n"));
@@ -170,7 +170,7 @@ TEST_F(Autostart, IsSwitchedOffForTheDesktopsThatKnowTheKeyOnly) {
         EXPECT_EQ(status(), Status::enabled) << desktop;
     }
     write(own_, entry("X-GNOME-Autostart-enabled=false\n"));
-    for (const std::string& desktop : {"XFCE", "LXQt", "openbox", "sway", "NOGNOME", ""}) {
+    for (const char* const desktop : {"XFCE", "LXQt", "openbox", "sway", "NOGNOME", ""}) {
         variables_["XDG_CURRENT_DESKTOP"] = desktop;
         EXPECT_EQ(status(), Status::enabled) << desktop;
     }
@@ -179,7 +179,7 @@ TEST_F(Autostart, IsSwitchedOffForTheDesktopsThatKnowTheKeyOnly) {
 }
 
 TEST_F(Autostart, IsOffWhenOnlyAConditionStartsIt) {
-    for (const std::string& line :
+    for (const char* const line :
          {"AutostartCondition=if-exists x\n", "X-KDE-autostart-condition=rc:General:On:false\n",
           "X-GNOME-Autostart-Phase=Panel\n", "X-systemd-skip=true\n"}) {
         write(own_, entry(line));

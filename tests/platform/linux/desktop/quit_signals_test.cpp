@@ -50,7 +50,7 @@ class QuitSignalsTest : public ::testing::Test {
 };
 
 TEST_F(QuitSignalsTest, EachSignalQuitsOnTheEventLoop) {
-    const QuitSignals signals([this] { ++quits; });
+    const QuitSignals heard([this] { ++quits; });
     int expected = 0;
     for (const int signal : kSignals) {
         raise(signal);
@@ -61,7 +61,7 @@ TEST_F(QuitSignalsTest, EachSignalQuitsOnTheEventLoop) {
 }
 
 TEST_F(QuitSignalsTest, SignalsThatComeTogetherQuitOnce) {
-    const QuitSignals signals([this] { ++quits; });
+    const QuitSignals heard([this] { ++quits; });
     for (const int signal : kSignals) {
         raise(signal);
     }
@@ -73,7 +73,7 @@ TEST_F(QuitSignalsTest, WhatATerminalWouldSendStaysIgnored) {
     set(SIGHUP, SIG_IGN);
     set(SIGINT, SIG_IGN);
     {
-        const QuitSignals signals([this] { ++quits; });
+        const QuitSignals heard([this] { ++quits; });
         EXPECT_EQ(handlerOf(SIGHUP), SIG_IGN);
         EXPECT_EQ(handlerOf(SIGINT), SIG_IGN);
         raise(SIGHUP);
@@ -90,7 +90,7 @@ TEST_F(QuitSignalsTest, WhatATerminalWouldSendStaysIgnored) {
 TEST_F(QuitSignalsTest, TerminatingQuitsEvenWhereItWasIgnored) {
     set(SIGTERM, SIG_IGN);
     {
-        const QuitSignals signals([this] { ++quits; });
+        const QuitSignals heard([this] { ++quits; });
         raise(SIGTERM);
         EXPECT_TRUE(waitUntil([&] { return quits == 1; }));
     }
@@ -100,7 +100,7 @@ TEST_F(QuitSignalsTest, TerminatingQuitsEvenWhereItWasIgnored) {
 TEST_F(QuitSignalsTest, LeavesTheSignalsAsTheyWere) {
     set(SIGINT, handleOtherwise);
     {
-        const QuitSignals signals([this] { ++quits; });
+        const QuitSignals heard([this] { ++quits; });
         for (const int signal : kSignals) {
             EXPECT_NE(handlerOf(signal), SIG_DFL);
         }
