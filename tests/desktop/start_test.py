@@ -69,7 +69,7 @@ class StartTest(DesktopTestCase):
         self.assertEqual(second.process.returncode, 1)
         self.assert_one_line(second, "another Tarnwick is running and does not answer")
         first.process.send_signal(signal.SIGCONT)
-        first.open_panel()
+        # It has heard, late.
         self.assert_open(first)
 
     def test_says_that_there_is_no_display(self):
