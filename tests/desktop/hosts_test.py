@@ -157,12 +157,6 @@ class HostsTest(DesktopTestCase):
         self.assert_active(window)
         self.settle()
         self.keep("settings")
-        self.started.click_item()
-        self.assert_open(self.started)
-        for key in ("Tab", "space"):
-            self.desktop.screen.press_key(key)
-        self.assert_closed(self.started)
-        self.assert_active(window)
 
     def assert_active(self, window):
         self.until(lambda: self.desktop.screen.active_window() == window.id,

@@ -19,7 +19,7 @@ _KEYBOARD_KEYMAP, _KEYBOARD_KEY = 0, 1
 _KEYMAP_FORMAT_XKB = 1
 # Of the kernel's list of input events.
 _BUTTONS = {1: 0x110, 2: 0x112, 3: 0x111}
-_KEYS = {"Escape": 1, "Tab": 15, "space": 57}
+_KEYS = {"Escape": 1}
 _KEYMAP = b"""\
 xkb_keymap {
   xkb_keycodes { include "evdev+aliases(qwerty)" };
