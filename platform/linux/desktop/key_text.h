@@ -21,11 +21,19 @@ using XkbState = std::unique_ptr<xkb_state, XkbDeleter>;
 /// A context for keymaps that a display server describes: it reads neither files nor variables.
 XkbContext makeServerContext();
 
+/// The character of a keysym, UTF-8, in upper case; a dead key gives its accent. Empty for one that
+/// has no character or whose character cannot be seen.
+std::string keysymText(xkb_keysym_t keysym);
+
 /// The characters of a key without modifiers, UTF-8, in upper case. Keys of the keypad give their
 /// digits and signs, whatever Num Lock says; a dead key gives its accent. Absent for a key that
 /// the keyboard does not have or that produces nothing that can be seen. `layout` counts the
 /// layouts of the keymap from 0.
 std::optional<std::string> keyText(xkb_keymap& keymap, xkb_layout_index_t layout,
                                    std::uint16_t virtualKeyCode);
+
+/// What a key produces without modifiers. XKB_KEY_NoSymbol for a key that the keyboard does not
+/// have, and for one that produces nothing, or several things at once.
+xkb_keysym_t keyKeysym(xkb_keymap& keymap, xkb_layout_index_t layout, std::uint16_t virtualKeyCode);
 
 }  // namespace tarnwick::platform

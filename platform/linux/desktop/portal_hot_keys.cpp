@@ -3,7 +3,7 @@
 #include <QMetaObject>
 #include <utility>
 
-#include "platform/linux/desktop/shortcut_trigger.h"
+#include "platform/linux/desktop/keysym_name.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -48,7 +48,7 @@ void PortalHotKeys::Closer::operator()(PortalShortcut* shortcut) const {
     shortcut->deleteLater();
 }
 
-PortalHotKeys::PortalHotKeys(QDBusConnection bus, KeyboardLayout& layout,
+PortalHotKeys::PortalHotKeys(QDBusConnection bus, KeysymLayout& layout,
                              std::chrono::milliseconds patience)
     : bus_(std::move(bus)), layout_(layout), patience_(patience) {
     begin_.setSingleShot(true);

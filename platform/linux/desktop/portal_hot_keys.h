@@ -12,8 +12,8 @@
 #include <string>
 
 #include "platform/hot_keys.h"
-#include "platform/keyboard_layout.h"
 #include "platform/linux/desktop/hot_key_handlers.h"
+#include "platform/linux/desktop/keysym_layout.h"
 #include "platform/linux/desktop/portal_shortcut.h"
 
 namespace tarnwick::platform {
@@ -43,7 +43,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
  public:
     /// `layout` outlives the hot keys. A decision of the portal is kept for `patience` for those
     /// who register again.
-    PortalHotKeys(QDBusConnection bus, KeyboardLayout& layout,
+    PortalHotKeys(QDBusConnection bus, KeysymLayout& layout,
                   std::chrono::milliseconds patience = std::chrono::seconds(1));
     ~PortalHotKeys() override;
 
@@ -77,7 +77,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void tell();
 
     QDBusConnection bus_;
-    KeyboardLayout& layout_;
+    KeysymLayout& layout_;
     const std::chrono::milliseconds patience_;
     HotKeyHandlers handlers_;
     std::function<void()> changed_;

@@ -61,7 +61,7 @@ HotKeySource hotKeySource(bool hasX11, bool isWayland) {
     return hasX11 ? HotKeySource::x11 : HotKeySource::none;
 }
 
-std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeyboardLayout& layout,
+std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeysymLayout& layout,
                                      Dispatch& dispatch) {
     xcb_connection_t* x11 = x11Connection();
     const bool isWayland = isWaylandPlatform() || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
@@ -76,7 +76,7 @@ std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeyboardLayout& layout
     return std::make_unique<NullHotKeys>();
 }
 
-std::unique_ptr<KeyboardLayout> makeKeyboardLayout() {
+std::unique_ptr<KeysymLayout> makeKeyboardLayout() {
     if (xcb_connection_t* x11 = x11Connection()) {
         return std::make_unique<X11KeyboardLayout>(x11);
     }
@@ -86,7 +86,7 @@ std::unique_ptr<KeyboardLayout> makeKeyboardLayout() {
         return std::make_unique<IdlingLayout>(
             static_cast<wl_display*>(native->nativeResourceForIntegration("wl_display")));
     }
-    return std::make_unique<NullKeyboardLayout>();
+    return std::make_unique<NullKeysymLayout>();
 }
 
 }  // namespace tarnwick::platform

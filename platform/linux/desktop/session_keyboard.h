@@ -6,7 +6,7 @@
 
 #include "platform/dispatch.h"
 #include "platform/hot_keys.h"
-#include "platform/keyboard_layout.h"
+#include "platform/linux/desktop/keysym_layout.h"
 
 namespace tarnwick::platform {
 
@@ -26,10 +26,9 @@ HotKeySource hotKeySource(bool hasX11, bool isWayland);
 
 /// For the application object's display and the session's bus. `layout` and `dispatch` outlive the
 /// hot keys. Main thread.
-std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeyboardLayout& layout,
-                                     Dispatch& dispatch);
+std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeysymLayout& layout, Dispatch& dispatch);
 
 /// For the application object's display. Main thread.
-std::unique_ptr<KeyboardLayout> makeKeyboardLayout();
+std::unique_ptr<KeysymLayout> makeKeyboardLayout();
 
 }  // namespace tarnwick::platform

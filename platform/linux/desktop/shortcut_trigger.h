@@ -6,14 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/keyboard_layout.h"
-
 namespace tarnwick::platform {
-
-/// XKB name of what a key produces in `layout` without modifiers, such as "l", "F5" or "KP_1". A
-/// key whose character is of no Latin script has the name that it has on a US keyboard, by which
-/// desktops find it in every layout. Empty for a key that has no name.
-std::string keysymName(std::uint32_t virtualKeyCode, KeyboardLayout& layout);
 
 /// The combination as the shortcuts specification of desktops writes it, such as "SHIFT+LOGO+l".
 /// `modifiers` is a sum of hot_key_modifier bits.

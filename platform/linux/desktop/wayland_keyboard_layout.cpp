@@ -205,17 +205,20 @@ void WaylandKeyboardLayout::takeEvents() {
     }
 }
 
-std::optional<std::string> WaylandKeyboardLayout::displayText(std::uint16_t virtualKeyCode) {
+XkbKeymap WaylandKeyboardLayout::compileKeymap() {
     takeEvents();
     const XkbContext context = makeServerContext();
-    if (!keyboard_ || !context) {
-        return std::nullopt;
-    }
-    const XkbKeymap keymap = keyboard_->keymap().compile(*context);
-    if (!keymap) {
-        return std::nullopt;
-    }
-    return keyText(*keymap, keyboard_->layout(), virtualKeyCode);
+    return keyboard_ && context ? keyboard_->keymap().compile(*context) : nullptr;
+}
+
+std::optional<std::string> WaylandKeyboardLayout::displayText(std::uint16_t virtualKeyCode) {
+    const XkbKeymap keymap = compileKeymap();
+    return keymap ? keyText(*keymap, keyboard_->layout(), virtualKeyCode) : std::nullopt;
+}
+
+xkb_keysym_t WaylandKeyboardLayout::keysym(std::uint16_t virtualKeyCode) {
+    const XkbKeymap keymap = compileKeymap();
+    return keymap ? keyKeysym(*keymap, keyboard_->layout(), virtualKeyCode) : XKB_KEY_NoSymbol;
 }
 
 }  // namespace tarnwick::platform

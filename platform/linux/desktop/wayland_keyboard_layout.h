@@ -3,8 +3,11 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
+#include <string>
 
-#include "platform/keyboard_layout.h"
+#include "platform/linux/desktop/key_text.h"
+#include "platform/linux/desktop/keysym_layout.h"
 
 struct wl_display;
 
@@ -13,7 +16,7 @@ namespace tarnwick::platform {
 /// Listens to the keyboard of the session's seat beside the toolkit, on the same connection: the
 /// compositor sends its keymap at once and, whenever a window of the program gets the focus,
 /// which of the layouts is in use. Until then it is the first one. Main thread.
-class WaylandKeyboardLayout : public KeyboardLayout {
+class WaylandKeyboardLayout : public KeysymLayout {
  public:
     /// Waits for the compositor to answer, so that the keymap is there from the beginning.
     /// `display` outlives the layout; null without a compositor.
@@ -21,6 +24,7 @@ class WaylandKeyboardLayout : public KeyboardLayout {
     ~WaylandKeyboardLayout() override;
 
     std::optional<std::string> displayText(std::uint16_t virtualKeyCode) override;
+    xkb_keysym_t keysym(std::uint16_t virtualKeyCode) override;
 
     /// Takes in what has arrived, so that it does not pile up. Costs next to nothing when there is
     /// nothing; never waits.
@@ -28,6 +32,9 @@ class WaylandKeyboardLayout : public KeyboardLayout {
 
  private:
     class Keyboard;
+
+    /// The keymap of now; null when there is none.
+    XkbKeymap compileKeymap();
 
     std::unique_ptr<Keyboard> keyboard_;
 };

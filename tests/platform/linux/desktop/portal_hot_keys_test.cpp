@@ -11,6 +11,7 @@
 #include "platform/linux/desktop/bus_calls.h"
 #include "tests/platform/linux/desktop/private_bus.h"
 #include "tests/platform/linux/desktop/scripted_shortcuts_portal.h"
+#include "tests/platform/linux/desktop/written_layout.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -22,6 +23,7 @@ using ::testing::IsEmpty;
 using testing::PrivateBus;
 using testing::ScriptedShortcutsPortal;
 using testing::waitUntil;
+using testing::WrittenLayout;
 namespace status = portal_hot_key_status;
 namespace modifier = hot_key_modifier;
 
@@ -31,11 +33,6 @@ constexpr HotKeyID kId{0x54524E57, 1};
 /// Virtual key codes.
 constexpr std::uint32_t kL = 37;
 constexpr std::uint32_t kK = 40;
-
-class USLayout final : public KeyboardLayout {
- public:
-    std::optional<std::string> displayText(std::uint16_t) override { return std::nullopt; }
-};
 
 class PortalKeys : public ::testing::Test {
  protected:
@@ -92,7 +89,7 @@ class PortalKeys : public ::testing::Test {
     QDBusConnection bus_ = daemon_.connect();
     QDBusConnection portalBus_ = daemon_.connect();
     ScriptedShortcutsPortal portal_{portalBus_};
-    USLayout layout_;
+    WrittenLayout layout_;
     bool registersAgain_ = true;
     int changes_ = 0;
     int presses_ = 0;

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <string>
 #include <wayland-client-core.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "tests/platform/linux/desktop/scripted_compositor.h"
 
@@ -34,6 +35,17 @@ TEST(WaylandKeyboardLayout, NamesKeysFromTheBeginning) {
     WaylandKeyboardLayout layout(compositor.client());
     EXPECT_EQ(layout.displayText(kY), "Z");
     EXPECT_EQ(layout.displayText(kF13), std::nullopt);
+}
+
+TEST(WaylandKeyboardLayout, KnowsWhatKeysProduce) {
+    ScriptedCompositor compositor(Seat::withKeyboard);
+    compositor.setLayouts("us,de");
+    WaylandKeyboardLayout layout(compositor.client());
+    EXPECT_EQ(layout.keysym(kY), xkb_keysym_t{XKB_KEY_y});
+    compositor.setLayout(1);
+    readEvents(compositor);
+    EXPECT_EQ(layout.keysym(kY), xkb_keysym_t{XKB_KEY_z});
+    EXPECT_EQ(WaylandKeyboardLayout(nullptr).keysym(kY), xkb_keysym_t{XKB_KEY_NoSymbol});
 }
 
 TEST(WaylandKeyboardLayout, FollowsAnotherKeymap) {

@@ -1,6 +1,7 @@
 #include "platform/linux/desktop/x11_keyboard_layout.h"
 
 #include <gtest/gtest.h>
+#include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "tests/platform/linux/desktop/private_display.h"
 
@@ -24,6 +25,16 @@ class X11KeyboardLayoutTest : public ::testing::Test {
 TEST_F(X11KeyboardLayoutTest, NamesKeysInTheServersLayout) {
     EXPECT_EQ(layout.displayText(kY), "Y");
     EXPECT_EQ(layout.displayText(kF13), std::nullopt);
+}
+
+TEST_F(X11KeyboardLayoutTest, KnowsWhatKeysProduce) {
+    constexpr std::uint16_t kMinus = 27;
+    constexpr std::uint16_t kGrave = 50;
+    EXPECT_EQ(layout.keysym(kY), xkb_keysym_t{XKB_KEY_y});
+    display.setLayouts("de");
+    EXPECT_EQ(layout.keysym(kMinus), xkb_keysym_t{XKB_KEY_ssharp});
+    EXPECT_EQ(layout.keysym(kGrave), xkb_keysym_t{XKB_KEY_dead_circumflex});
+    EXPECT_EQ(layout.keysym(200), xkb_keysym_t{XKB_KEY_NoSymbol});
 }
 
 TEST_F(X11KeyboardLayoutTest, FollowsAnotherLayout) {
