@@ -83,6 +83,11 @@ class HotKeys {
     virtual RegistrationResult registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                                    HotKeyID id) = 0;
 
+    /// Nobody wants any more what the last registration asked for and did not get: where the
+    /// desktop still asks its user, or waits for keys, it is told so. Nothing that a handle holds
+    /// is touched.
+    virtual void withdrawRegistration() = 0;
+
     /// `changed` is called on the main thread when the outcome of the last registration is another
     /// one now: a desktop that asks its user first has decided, or the combination was lost with
     /// the keyboard's layout. Registering again then gives the outcome of now, at once. Never
@@ -99,6 +104,7 @@ class NullHotKeys final : public HotKeys {
     RegistrationResult registerEventHotKey(std::uint32_t, std::uint32_t, HotKeyID) override {
         return {hot_key_status::kUnimplemented, nullptr};
     }
+    void withdrawRegistration() override {}
     void setRegistrationChanged(std::function<void()>) override {}
 };
 

@@ -86,6 +86,7 @@ HotKeyService::RegistrationState HotKeyService::registerShortcut(std::int64_t ke
     unregister();
     if (!isValidShortcut(keyCode, modifiers)) {
         environment_.logger.info("register() skipped: shortcut is empty or invalid");
+        environment_.hotKeys.withdrawRegistration();
         return RegistrationState::inactive;
     }
     const std::uint32_t code = hotKeyCode(keyCode);
@@ -123,6 +124,7 @@ void HotKeyService::applyShortcut(UserSettings& settings) {
         settings.setShortcutRegistrationState(registerShortcut(keyCode, modifiers));
     } else {
         unregister();
+        environment_.hotKeys.withdrawRegistration();
         settings.setShortcutRegistrationState(RegistrationState::inactive);
     }
 }

@@ -55,10 +55,13 @@ class ScriptedHotKeys final : public HotKeys {
     /// Whether a registration that succeeds gives a handle.
     bool givesHandles = true;
     CallRecord calls;
+    /// How often what was asked for was withdrawn.
+    int withdrawals = 0;
 
     HandlerResult installEventHandler(HotKeyHandler handler) override;
     RegistrationResult registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                            HotKeyID id) override;
+    void withdrawRegistration() override { ++withdrawals; }
     void setRegistrationChanged(std::function<void()> changed) override;
 
     bool hasHandler() const { return handler_ != nullptr; }

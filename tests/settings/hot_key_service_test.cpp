@@ -314,6 +314,24 @@ TEST_F(HotKeyServiceTest, AnInvalidStoredShortcutTakesTheLastOneAway) {
     EXPECT_THAT(newLines(), ElementsAre(Pair(LogLevel::info, "Unregistered hot key")));
 }
 
+TEST_F(HotKeyServiceTest, AShortcutThatIsStillAskedForIsWithdrawnWhenItIsCleared) {
+    hotKeys.registerStatus.queue(kRefused);
+    EXPECT_EQ(apply(kL, kCommand), RegistrationState::failed);
+    EXPECT_EQ(hotKeys.withdrawals, 0);
+    EXPECT_EQ(apply(-1, 0), RegistrationState::inactive);
+    EXPECT_EQ(hotKeys.withdrawals, 1);
+    service->registerShortcut(-1, kCommand);
+    EXPECT_EQ(hotKeys.withdrawals, 2);
+}
+
+TEST_F(HotKeyServiceTest, NothingIsWithdrawnThatIsAskedForAgain) {
+    hotKeys.registerStatus.queue(kRefused);
+    apply(kL, kCommand);
+    apply(kL, kCommand);
+    apply(kK, kCommand);
+    EXPECT_EQ(hotKeys.withdrawals, 0);
+}
+
 TEST_F(HotKeyServiceTest, ATakenShortcutIsInConflictUntilItIsAppliedAgain) {
     hotKeys.registerStatus.queue(kTaken);
     EXPECT_EQ(apply(kL, kCommand), RegistrationState::conflict);

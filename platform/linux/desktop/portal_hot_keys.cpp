@@ -105,6 +105,15 @@ HotKeys::RegistrationResult PortalHotKeys::registerEventHotKey(std::uint32_t key
     return {told_, std::make_unique<Handle>(*this, holder_)};
 }
 
+void PortalHotKeys::withdrawRegistration() {
+    if (holder_ != 0) {
+        return;
+    }
+    drop();
+    awaitsPortal_ = false;
+    told_ = status();
+}
+
 void PortalHotKeys::setRegistrationChanged(std::function<void()> changed) {
     changed_ = std::move(changed);
 }

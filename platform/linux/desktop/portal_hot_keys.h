@@ -34,9 +34,9 @@ inline constexpr std::int32_t kNoSuchKey = 5;
 
 /// One hot key at a time. Registering it asks the portal and answers kAsking; once the portal has
 /// decided otherwise, registering the same again gives its decision. What nobody registers then,
-/// or again after having given it back, is given back to the portal after a moment. Also when the
-/// portal appears, registering again is suggested: it asks once more. Never waits for the bus;
-/// main thread.
+/// or again after having given it back, is given back to the portal after a moment; what was
+/// withdrawn, at once. Also when the portal appears, registering again is suggested: it asks once
+/// more. Never waits for the bus; main thread.
 class PortalHotKeys final : public QObject, public HotKeys {
     Q_OBJECT
 
@@ -50,6 +50,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
     HandlerResult installEventHandler(HotKeyHandler handler) override;
     RegistrationResult registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                            HotKeyID id) override;
+    void withdrawRegistration() override;
     void setRegistrationChanged(std::function<void()> changed) override;
 
  private slots:

@@ -97,6 +97,10 @@ HotKeys::RegistrationResult X11HotKeys::registerEventHotKey(std::uint32_t keyCod
     return {registration->status, std::make_unique<Handle>(*this, registration)};
 }
 
+void X11HotKeys::withdrawRegistration() {
+    refused_.reset();
+}
+
 void X11HotKeys::setRegistrationChanged(std::function<void()> changed) {
     changed_ = std::move(changed);
 }

@@ -38,6 +38,7 @@ class X11HotKeys : public HotKeys {
     /// Any other refusal of the server is its own error code.
     RegistrationResult registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                            HotKeyID id) override;
+    void withdrawRegistration() override;
     void setRegistrationChanged(std::function<void()> changed) override;
 
     /// Takes an event of the connection. True when it was a press of a hot key and is used up.

@@ -312,6 +312,66 @@ TEST_F(PortalKeys, GoBackToThePortalAtTheEnd) {
     EXPECT_THAT(portal_.closed, ElementsAre(portal_.sessions.last()));
 }
 
+TEST_F(PortalKeys, WithdrawnWhileTheUserDecidesAreTakenBack) {
+    portal_.begin();
+    portal_.holdsResponse = true;
+    add();
+    settle();
+    ASSERT_EQ(portal_.sessions.size(), 1);
+    keys_->withdrawRegistration();
+    EXPECT_TRUE(waitUntil([&] { return portal_.closed.size() == 2; }));
+    EXPECT_TRUE(portal_.closed.first().contains("/request/"));
+    EXPECT_EQ(portal_.closed.last(), portal_.sessions.last());
+    // A late answer changes nothing.
+    portal_.respond();
+    settle();
+    EXPECT_EQ(changes_, 0);
+    EXPECT_EQ(portal_.sessions.size(), 1);
+    portal_.holdsResponse = false;
+    EXPECT_EQ(add(), status::kAsking);
+    EXPECT_TRUE(waitUntil([&] { return status_ == kSuccess; }));
+}
+
+TEST_F(PortalKeys, WithdrawnWithoutKeysAreGivenBackAndNotPressed) {
+    portal_.begin();
+    portal_.keys = "";
+    add();
+    settle();
+    keys_->withdrawRegistration();
+    EXPECT_TRUE(waitUntil([&] { return !portal_.closed.isEmpty(); }));
+    EXPECT_THAT(portal_.closed, ElementsAre(portal_.sessions.last()));
+    portal_.press();
+    settle();
+    EXPECT_EQ(presses_, 0);
+    EXPECT_EQ(changes_, 0);
+}
+
+TEST_F(PortalKeys, WithdrawnBeforeTheyWereAskedForAreNotAskedFor) {
+    portal_.begin();
+    add();
+    keys_->withdrawRegistration();
+    settle();
+    EXPECT_THAT(portal_.calls, IsEmpty());
+}
+
+TEST_F(PortalKeys, WithdrawnAreNotAskedForWhenThePortalComes) {
+    add();
+    settle();
+    keys_->withdrawRegistration();
+    portal_.begin();
+    settle();
+    EXPECT_THAT(portal_.calls, IsEmpty());
+}
+
+TEST_F(PortalKeys, ThatAreHeldCannotBeWithdrawn) {
+    addAndHold();
+    keys_->withdrawRegistration();
+    settle();
+    EXPECT_THAT(portal_.closed, IsEmpty());
+    portal_.press();
+    EXPECT_TRUE(waitUntil([&] { return presses_ == 1; }));
+}
+
 // Refusals.
 
 TEST_F(PortalKeys, ThatTheUserRefusesFail) {

@@ -132,6 +132,17 @@ TEST_F(X11HotKeysTest, WhatTheOtherProgramLetsGoCanBeRegistered) {
     EXPECT_THAT(pressesOf({kSuper}, kX11L), ElementsAre(kCommandL));
 }
 
+TEST_F(X11HotKeysTest, WhatWasWithdrawnIsNotLookedAtAgain) {
+    ASSERT_TRUE(other.grab(kX11L, XCB_MOD_MASK_4));
+    EXPECT_EQ(add(kL, key::kCommand).status, status::kExists);
+    other.ungrab(kX11L, XCB_MOD_MASK_4);
+    hotKeys->withdrawRegistration();
+    other.setModifierOf(kScrollLock, kMod3);
+    takeKeyboardChange();
+    EXPECT_EQ(dispatch.mainPending(), 0U);
+    EXPECT_EQ(changes, 0);
+}
+
 TEST_F(X11HotKeysTest, ARegisteredCombinationIsHeldWithAllLocks) {
     const auto result = add(kL, key::kCommand);
     for (const std::uint16_t locks : kLocks) {
