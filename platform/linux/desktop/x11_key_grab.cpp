@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/x11_key_grab.h"
 
+#include "platform/linux/desktop/x11_input_grabs.h"
 #include "platform/linux/desktop/x11_reply.h"
 
 namespace tarnwick::platform {
@@ -48,6 +49,9 @@ int grabKey(xcb_connection_t* connection, const KeyCombination& combination) {
         if (error && result != XCB_ACCESS) {
             result = error->error_code;
         }
+    }
+    if (result == 0 && isGrabbedByInputExtension(connection, combination)) {
+        result = XCB_ACCESS;
     }
     if (xcb_connection_has_error(connection) != 0) {
         return -1;

@@ -25,8 +25,8 @@ struct KeyCombination {
 
 /// Grabs the combination on every screen of the server, so that its presses come to this
 /// connection whichever window has the focus. 0 on success; else the error code of the server
-/// (XCB_ACCESS: another program holds it, or a part of it) or -1 when the server is gone, and
-/// nothing is grabbed. One round trip.
+/// (XCB_ACCESS: another program holds it, or a part of it, be it by the input extension) or -1
+/// when the server is gone, and nothing is grabbed. A few round trips.
 int grabKey(xcb_connection_t* connection, const KeyCombination& combination);
 /// Gives it back.
 void ungrabKey(xcb_connection_t* connection, const KeyCombination& combination);

@@ -1,5 +1,6 @@
 #include "tests/platform/linux/desktop/private_display.h"
 
+#include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
 #include "platform/linux/desktop/x11_reply.h"
@@ -11,6 +12,8 @@ namespace {
 constexpr int kLimitMilliseconds = 30'000;
 /// Hands are slower than the server's clock ticks.
 constexpr std::uint32_t kHandMilliseconds = 2;
+/// The keyboard that stands for all the others.
+constexpr xcb_input_device_id_t kCoreKeyboard = 3;
 
 }  // namespace
 
@@ -42,6 +45,30 @@ bool DisplayClient::grab(std::uint8_t key, std::uint16_t modifiers, xcb_window_t
 
 void DisplayClient::ungrab(std::uint8_t key, std::uint16_t modifiers, xcb_window_t root) {
     xcb_ungrab_key(connection_, key, root, modifiers);
+    sync();
+}
+
+bool DisplayClient::grabByExtension(std::uint8_t key, std::uint16_t modifiers, xcb_window_t root) {
+    const X11Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+        connection_, xcb_input_xi_query_version(connection_, 2, 2), nullptr));
+    const std::uint32_t held = modifiers;
+    const std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
+    const X11Reply<xcb_input_xi_passive_grab_device_reply_t> reply(
+        xcb_input_xi_passive_grab_device_reply(
+            connection_,
+            xcb_input_xi_passive_grab_device(
+                connection_, XCB_CURRENT_TIME, root, XCB_CURSOR_NONE, key, kCoreKeyboard, 1, 1,
+                XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC,
+                XCB_INPUT_GRAB_MODE_22_ASYNC, XCB_INPUT_GRAB_OWNER_NO_OWNER, &events, &held),
+            nullptr));
+    return reply && reply->num_modifiers == 0;
+}
+
+void DisplayClient::ungrabByExtension(std::uint8_t key, std::uint16_t modifiers,
+                                      xcb_window_t root) {
+    const std::uint32_t held = modifiers;
+    xcb_input_xi_passive_ungrab_device(connection_, root, key, kCoreKeyboard, 1,
+                                       XCB_INPUT_GRAB_TYPE_KEYCODE, &held);
     sync();
 }
 

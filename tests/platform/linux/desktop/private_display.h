@@ -31,6 +31,9 @@ class DisplayClient final {
     void ungrab(std::uint8_t key, std::uint16_t modifiers) {
         ungrab(key, modifiers, roots().front());
     }
+    /// The same by the input extension, as desktops do; on one of the server's keyboards.
+    bool grabByExtension(std::uint8_t key, std::uint16_t modifiers, xcb_window_t root);
+    void ungrabByExtension(std::uint8_t key, std::uint16_t modifiers, xcb_window_t root);
     /// Whether this client could grab the key with these modifiers and any of these locks, on
     /// every root. Nothing stays grabbed.
     bool couldGrab(std::uint8_t key, std::uint16_t modifiers,

@@ -123,6 +123,40 @@ TEST_F(X11HotKeysTest, NothingStaysGrabbedWhenAPartIsHeldByAnother) {
     }
 }
 
+TEST_F(X11HotKeysTest, ACombinationThatIsHeldByTheInputExtensionExists) {
+    const xcb_window_t root = other.roots().front();
+    for (const std::uint16_t locks : kLocks) {
+        const auto held = static_cast<std::uint16_t>(XCB_MOD_MASK_4 | locks);
+        ASSERT_TRUE(other.grabByExtension(kX11L, held, root));
+        const auto refused = add(kL, key::kCommand);
+        EXPECT_EQ(refused.status, status::kExists) << locks;
+        EXPECT_FALSE(refused.handle) << locks;
+        EXPECT_TRUE(isFree(XCB_MOD_MASK_4)) << locks;
+        other.ungrabByExtension(kX11L, held, root);
+    }
+    const auto result = add(kL, key::kCommand);
+    EXPECT_EQ(result.status, status::kSuccess);
+    EXPECT_THAT(pressesOf({kSuper}, kX11L), ElementsAre(kCommandL));
+}
+
+TEST_F(X11HotKeysTest, WhatTheInputExtensionIsAskedForIsLeftToOthers) {
+    const auto result = add(kL, key::kCommand);
+    ASSERT_TRUE(result.handle);
+    const xcb_window_t root = other.roots().front();
+    EXPECT_TRUE(other.grabByExtension(kX11L, XCB_MOD_MASK_4, root));
+    other.ungrabByExtension(kX11L, XCB_MOD_MASK_4, root);
+    EXPECT_THAT(pressesOf({kSuper}, kX11L), ElementsAre(kCommandL));
+}
+
+TEST_F(X11HotKeysTest, OtherCombinationsOfTheInputExtensionAreNotInTheWay) {
+    const xcb_window_t root = other.roots().front();
+    ASSERT_TRUE(other.grabByExtension(kX11L, XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT, root));
+    ASSERT_TRUE(other.grabByExtension(kX11M, XCB_MOD_MASK_4, root));
+    const auto result = add(kL, key::kCommand);
+    EXPECT_EQ(result.status, status::kSuccess);
+    EXPECT_THAT(pressesOf({kSuper}, kX11L), ElementsAre(kCommandL));
+}
+
 TEST_F(X11HotKeysTest, WhatTheOtherProgramLetsGoCanBeRegistered) {
     ASSERT_TRUE(other.grab(kX11L, XCB_MOD_MASK_4));
     EXPECT_EQ(add(kL, key::kCommand).status, status::kExists);
@@ -243,6 +277,15 @@ TEST_F(TwoScreensTest, NothingStaysGrabbedWhenAnotherHoldsItOnOne) {
         other.ungrab(kX11L, XCB_MOD_MASK_4, root);
         EXPECT_TRUE(isFree(XCB_MOD_MASK_4));
     }
+}
+
+TEST_F(TwoScreensTest, TheInputExtensionIsAskedAboutBoth) {
+    for (const xcb_window_t root : other.roots()) {
+        ASSERT_TRUE(other.grabByExtension(kX11L, XCB_MOD_MASK_4, root));
+        EXPECT_EQ(add(kL, key::kCommand).status, status::kExists);
+        other.ungrabByExtension(kX11L, XCB_MOD_MASK_4, root);
+    }
+    EXPECT_EQ(add(kL, key::kCommand).status, status::kSuccess);
 }
 
 }  // namespace
