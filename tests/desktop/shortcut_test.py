@@ -14,7 +14,8 @@ from desktop_test_case import DesktopTestCase, main
 SHORTCUT = ("Super_L", "l")
 # Long enough for a panel that should not be there to show itself.
 A_WHILE = 0.5
-# Command and Shift, as they are stored.
+# As they are stored.
+COMMAND = 0x100000
 COMMAND_SHIFT = 0x120000
 
 
@@ -56,6 +57,10 @@ class Bystander:
         self.hold(*names)
         self.release(*reversed(names))
 
+    def modifiers(self):
+        """Which modifiers are on, as bits."""
+        return self._root.query_pointer().mask
+
     def keys(self):
         """The codes of the keys that were pressed in the window."""
         while self._display.pending_events():
@@ -92,6 +97,13 @@ class ShortcutTest(DesktopTestCase):
         self.addCleanup(self.other.close)
         self.until(self.other.has_focus, "the other program is in front")
 
+    def store_modifiers(self, modifiers):
+        """Changes the stored shortcut while the program is not running."""
+        with contextlib.closing(sqlite3.connect(self.store())) as store, store:
+            changed = store.execute("UPDATE defaults SET value = ? WHERE key = ?",
+                                    (modifiers, "settings.shortcutModifiers"))
+            self.assertEqual(changed.rowcount, 1)
+
     def assert_toggles(self, program):
         self.other.press(*SHORTCUT)
         self.assert_open(program)
@@ -111,8 +123,13 @@ class ShortcutTest(DesktopTestCase):
 
     def test_works_whatever_is_locked(self):
         program = self.start_beside_another()
-        for lock in ("Caps_Lock", "Num_Lock"):
+        # No modifier is Scroll Lock's by itself; whoever uses it has given it one.
+        subprocess.run(["xmodmap", "-e", "add mod3 = Scroll_Lock"], env=self.desktop.env,
+                       check=True)
+        for lock, bit in (("Caps_Lock", X.LockMask), ("Num_Lock", X.Mod2Mask),
+                          ("Scroll_Lock", X.Mod3Mask)):
             self.other.press(lock)
+            self.until(lambda: self.other.modifiers() & bit, f"{lock} is on")
             self.assert_toggles(program)
 
     def test_held_down_opens_once(self):
@@ -155,9 +172,7 @@ class ShortcutTest(DesktopTestCase):
         self.assertEqual(program.end(), 0, program.output())
         self.other.ungrab("l", X.AnyModifier)
 
-        with contextlib.closing(sqlite3.connect(self.store())) as store, store:
-            store.execute("UPDATE defaults SET value = ? WHERE key = ?",
-                          (COMMAND_SHIFT, "settings.shortcutModifiers"))
+        self.store_modifiers(COMMAND_SHIFT)
         program = self.program("released").start()
         program.wait_for_item()
         self.other.press("Super_L", "Shift_L", "l")
@@ -165,12 +180,26 @@ class ShortcutTest(DesktopTestCase):
         self.other.press(*SHORTCUT)
         time.sleep(A_WHILE)
         self.assertIsNotNone(program.panel())
+        self.assertEqual(program.end(), 0, program.output())
+
+        # What the other program has let go is the program's again.
+        self.store_modifiers(COMMAND)
+        program = self.program("again").start()
+        program.wait_for_item()
+        self.assertFalse(self.other.grab("l", X.Mod4Mask))
+        self.assert_toggles(program)
 
     def test_is_left_to_the_portal_beside_a_compositor(self):
         # An X server beside it knows nothing of the keys that the compositor's windows get.
         self.start_known_to_user(WAYLAND_DISPLAY="wayland-0", QT_QPA_PLATFORM="xcb")
         self.bring_another_to_front()
         self.assertTrue(self.other.grab("l", X.Mod4Mask))
+
+    def test_is_grabbed_in_a_session_of_x11_that_names_a_compositor_of_another(self):
+        self.start_known_to_user(WAYLAND_DISPLAY="wayland-0", XDG_SESSION_TYPE="x11",
+                                 QT_QPA_PLATFORM="xcb")
+        self.bring_another_to_front()
+        self.assertFalse(self.other.grab("l", X.Mod4Mask))
 
     def test_is_given_back_at_the_end(self):
         program = self.start_beside_another()

@@ -61,10 +61,19 @@ HotKeySource hotKeySource(bool hasX11, bool isWayland) {
     return hasX11 ? HotKeySource::x11 : HotKeySource::none;
 }
 
+bool isWaylandSession(std::string_view sessionType, std::string_view waylandDisplay) {
+    if (sessionType == "x11" || sessionType == "wayland") {
+        return sessionType == "wayland";
+    }
+    return !waylandDisplay.empty();
+}
+
 std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeysymLayout& layout,
                                      Dispatch& dispatch) {
     xcb_connection_t* x11 = x11Connection();
-    const bool isWayland = isWaylandPlatform() || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    const bool isWayland = isWaylandPlatform() ||
+                           isWaylandSession(qgetenv("XDG_SESSION_TYPE").toStdString(),
+                                            qgetenv("WAYLAND_DISPLAY").toStdString());
     switch (hotKeySource(x11 != nullptr, isWayland)) {
         case HotKeySource::x11:
             return std::make_unique<FilteringHotKeys>(x11, dispatch);

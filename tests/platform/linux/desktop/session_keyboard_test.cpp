@@ -22,6 +22,21 @@ TEST(SessionKeyboard, HasNoSourceWithoutEither) {
     EXPECT_EQ(hotKeySource(false, false), HotKeySource::none);
 }
 
+TEST(SessionKeyboard, BelievesWhatTheSessionIsCalled) {
+    EXPECT_TRUE(isWaylandSession("wayland", "wayland-0"));
+    EXPECT_TRUE(isWaylandSession("wayland", ""));
+    EXPECT_FALSE(isWaylandSession("x11", ""));
+    // Left over from another session of the same user.
+    EXPECT_FALSE(isWaylandSession("x11", "wayland-0"));
+}
+
+TEST(SessionKeyboard, LooksForACompositorInASessionOfAnotherType) {
+    for (const char* type : {"", "tty", "unspecified", "mir"}) {
+        EXPECT_TRUE(isWaylandSession(type, "wayland-0")) << type;
+        EXPECT_FALSE(isWaylandSession(type, "")) << type;
+    }
+}
+
 TEST(SessionKeyboard, RegistersNothingWithoutADisplay) {
     testing::ManualDispatch dispatch;
     const auto layout = makeKeyboardLayout();
