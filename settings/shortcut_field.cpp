@@ -56,6 +56,7 @@ bool ShortcutField::keyDown(std::int64_t keyCode, std::int64_t flags) {
         record(keyCode, flags & modifier_flag::kMask);
     } else if (verdict != ShortcutValidation::empty) {
         setMessage(rejectionMessage(verdict));
+        refresh();
     }
     return true;
 }

@@ -71,6 +71,11 @@ TEST_F(ShortcutFieldTest, BeginsWithoutAShortcutAndDoesNotRecord) {
     expectStopped({"Click to record", true});
 }
 
+TEST_F(ShortcutFieldTest, TellsAToolkitHowToDrawIt) {
+    EXPECT_EQ(ShortcutField::kHeight, 24);
+    EXPECT_EQ(ShortcutField::kFontSize, 13);
+}
+
 TEST_F(ShortcutFieldTest, TellsAssistiveTechnologyWhatItIs) {
     EXPECT_STREQ(ShortcutField::kAccessibilityLabel, "Global shortcut recorder");
     EXPECT_STREQ(ShortcutField::kAccessibilityHelp,
@@ -174,7 +179,7 @@ TEST_F(ShortcutFieldTest, KeyCodeZeroCanBeRecorded) {
 TEST_F(ShortcutFieldTest, APlainLetterAsksForCommandAndRecordingGoesOn) {
     startRecording();
     EXPECT_TRUE(field.keyDown(kK, 0));
-    EXPECT_THAT(steps, ElementsAre(kNeedsCommand));
+    EXPECT_THAT(steps, ElementsAre(kNeedsCommand, "refresh"));
     expectRecording();
     field.keyDown(kK, kCommand);
     expectStopped({"⌘K", false});
@@ -183,7 +188,7 @@ TEST_F(ShortcutFieldTest, APlainLetterAsksForCommandAndRecordingGoesOn) {
 TEST_F(ShortcutFieldTest, TooManyModifiersAreRejectedAndRecordingGoesOn) {
     startRecording();
     EXPECT_TRUE(field.keyDown(kK, kCommand | kShift | kControl));
-    EXPECT_THAT(steps, ElementsAre(kTooMany));
+    EXPECT_THAT(steps, ElementsAre(kTooMany, "refresh"));
     expectRecording();
     EXPECT_EQ(field.currentKeyCode(), kL);
 }
@@ -191,7 +196,8 @@ TEST_F(ShortcutFieldTest, TooManyModifiersAreRejectedAndRecordingGoesOn) {
 TEST_F(ShortcutFieldTest, ModifiersWithoutAKeyAskForOne) {
     startRecording();
     EXPECT_TRUE(field.keyDown(-1, kCommand));
-    EXPECT_THAT(steps, ElementsAre("message Shortcut must include a non-modifier key."));
+    EXPECT_THAT(steps,
+                ElementsAre("message Shortcut must include a non-modifier key.", "refresh"));
     expectRecording();
 }
 

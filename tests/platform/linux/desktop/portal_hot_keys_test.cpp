@@ -143,15 +143,19 @@ TEST_F(PortalKeys, ArePressedByNobodyElse) {
     portal_.press(portal_.sessions.last() + "x", portal_.bound.last().id);
     portal_.press(portal_.sessions.last(), "another");
     // Somebody who is not the portal.
-    ScriptedShortcutsPortal stranger(daemon_.connect());
+    QDBusConnection stranger = daemon_.connect();
     QDBusMessage signal =
         QDBusMessage::createTargetedSignal(bus_.baseService(), "/org/freedesktop/portal/desktop",
                                            "org.freedesktop.portal.GlobalShortcuts", "Activated");
     signal.setArguments({QVariant::fromValue(QDBusObjectPath(portal_.sessions.last())),
                          portal_.bound.last().id, qulonglong{1}, QVariantMap()});
-    daemon_.connect().send(signal);
+    ASSERT_TRUE(stranger.send(signal));
+    ask(stranger, busCall("GetId", {}));
     settle();
     EXPECT_EQ(presses_, 0);
+    // The very same from the portal is one.
+    ASSERT_TRUE(portalBus_.send(signal));
+    EXPECT_TRUE(waitUntil([&] { return presses_ == 1; }));
 }
 
 TEST_F(PortalKeys, AreNotPressedWithoutAHandler) {
@@ -203,10 +207,15 @@ TEST_F(PortalKeys, AreGrantedByNobodyElse) {
         {0U, QVariantMap{{"shortcuts", QVariant::fromValue(PortalShortcutEntries{
                                            {portal_.bound.last().id,
                                             {{"trigger_description", QString("Meta+L")}}}})}}});
-    daemon_.connect().send(response);
+    QDBusConnection stranger = daemon_.connect();
+    ASSERT_TRUE(stranger.send(response));
+    ask(stranger, busCall("GetId", {}));
     settle();
     EXPECT_EQ(add(), status::kAsking);
     EXPECT_EQ(changes_, 0);
+    // The very same from the portal grants them.
+    ASSERT_TRUE(portalBus_.send(response));
+    EXPECT_TRUE(waitUntil([&] { return status_ == kSuccess; }));
 }
 
 TEST_F(PortalKeys, WithOtherModifiersAreAnotherCombination) {
