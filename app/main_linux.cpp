@@ -13,6 +13,7 @@
 #include "platform/linux/desktop/display_end.h"
 #include "platform/linux/desktop/interface_font.h"
 #include "platform/linux/desktop/linux_status_item.h"
+#include "platform/linux/desktop/portal_introduction.h"
 #include "platform/linux/desktop/qt_dispatch.h"
 #include "platform/linux/desktop/quit_signals.h"
 #include "platform/linux/desktop/session_bus.h"
@@ -197,7 +198,7 @@ int main(int argc, char* argv[]) {
     environment.reset();
     QApplication::setApplicationName("tarnwick");
     QApplication::setApplicationVersion(TARNWICK_VERSION);
-    QApplication::setDesktopFileName("tarnwick");
+    QApplication::setDesktopFileName(platform::kDesktopEntryName);
     QApplication::setQuitOnLastWindowClosed(false);
     return run(application);
 }

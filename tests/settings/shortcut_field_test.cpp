@@ -196,8 +196,7 @@ TEST_F(ShortcutFieldTest, TooManyModifiersAreRejectedAndRecordingGoesOn) {
 TEST_F(ShortcutFieldTest, ModifiersWithoutAKeyAskForOne) {
     startRecording();
     EXPECT_TRUE(field.keyDown(-1, kCommand));
-    EXPECT_THAT(steps,
-                ElementsAre("message Shortcut must include a non-modifier key.", "refresh"));
+    EXPECT_THAT(steps, ElementsAre("message Shortcut must include a non-modifier key.", "refresh"));
     expectRecording();
 }
 

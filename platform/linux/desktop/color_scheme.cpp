@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "platform/linux/desktop/bus_calls.h"
+#include "platform/linux/desktop/portal_introduction.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -39,8 +40,12 @@ ColorScheme::ColorScheme(QDBusConnection bus, std::function<void(bool dark)> cha
     portalWatcher_.setConnection(bus_);
     portalWatcher_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
     portalWatcher_.addWatchedService(kService);
-    connect(&portalWatcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] { ask(); });
-    ask();
+    connect(&portalWatcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] { begin(); });
+    begin();
+}
+
+void ColorScheme::begin() {
+    introduceToPortal(bus_, this, [this] { ask(); });
 }
 
 void ColorScheme::ask() {

@@ -25,6 +25,7 @@ class ColorScheme final : public QObject {
     void settingChanged(const QString& space, const QString& key, const QDBusVariant& value);
 
  private:
+    void begin();
     void ask();
     void set(bool dark);
 

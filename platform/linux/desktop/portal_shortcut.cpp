@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/linux/desktop/bus_calls.h"
+#include "platform/linux/desktop/portal_introduction.h"
 #include "platform/linux/desktop/portal_types.h"
 #include "platform/linux/desktop/shortcut_trigger.h"
 
@@ -76,6 +77,14 @@ void PortalShortcut::start(std::function<void()> changed, std::function<void()> 
     connectTo(kInterface, "ShortcutsChanged", SLOT(shortcutsChanged(QDBusMessage)));
     connectTo(kSessionInterface, "Closed", SLOT(sessionClosed(QDBusMessage)));
 
+    introduceToPortal(bus_, this, [this] {
+        if (!isClosed_) {
+            askVersion();
+        }
+    });
+}
+
+void PortalShortcut::askVersion() {
     QDBusMessage call = QDBusMessage::createMethodCall(kPortalService, kPath, kProperties, "Get");
     call.setArguments({QString(kInterface), QString("version")});
     callAsync(bus_, call, this, [this](const QDBusMessage& answer) {

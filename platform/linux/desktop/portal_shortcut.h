@@ -59,6 +59,7 @@ class PortalShortcut final : public QObject {
     void sessionClosed(const QDBusMessage& signal);
 
  private:
+    void askVersion();
     void createSession();
     void bind();
     void ask(const char* method, const QVariantList& arguments, QVariantMap options);

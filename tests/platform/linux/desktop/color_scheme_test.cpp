@@ -41,6 +41,12 @@ class ScriptedPortal final : public QDBusVirtualObject {
     QString introspect(const QString&) const override { return {}; }
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
         const QVariantList arguments = message.arguments();
+        if (message.member() == "Register") {
+            names.append(arguments.value(0).toString());
+            readsBeforeName = reads;
+            return bus.send(message.createErrorReply("org.freedesktop.DBus.Error.UnknownMethod",
+                                                     "No such interface"));
+        }
         if (message.member() != "Read" ||
             arguments.value(0).toString() != "org.freedesktop.appearance" ||
             arguments.value(1).toString() != "color-scheme") {
@@ -53,6 +59,9 @@ class ScriptedPortal final : public QDBusVirtualObject {
 
     QVariant value = 0U;
     int reads = 0;
+    QStringList names;
+    /// How much was read when a name came last.
+    int readsBeforeName = 0;
 
  private:
     QDBusConnection bus_;
@@ -64,8 +73,14 @@ class Scheme : public ::testing::Test {
         scheme_ = std::make_unique<ColorScheme>(itemBus_,
                                                 [this](bool dark) { changes_.push_back(dark); });
     }
-    /// A call there and back: whatever the portal said before has arrived.
+    /// Calls there and back, more than telling the name and asking take: whatever the portal said
+    /// has arrived.
     void settle() {
+        for (int i = 0; i < 4; ++i) {
+            ping();
+        }
+    }
+    void ping() {
         ask(itemBus_, QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", kPath,
                                                      "org.freedesktop.DBus.Peer", "Ping"));
     }
@@ -76,6 +91,14 @@ class Scheme : public ::testing::Test {
     std::vector<bool> changes_;
     std::unique_ptr<ColorScheme> scheme_;
 };
+
+TEST_F(Scheme, IsAskedForByName) {
+    portal_.begin();
+    follow();
+    EXPECT_TRUE(waitUntil([this] { return portal_.reads == 1; }));
+    EXPECT_THAT(portal_.names, ElementsAre("tarnwick"));
+    EXPECT_EQ(portal_.readsBeforeName, 0);
+}
 
 TEST_F(Scheme, IsDarkWhenThePortalSaysSo) {
     portal_.value = 1U;

@@ -127,6 +127,20 @@ TEST_F(PortalKeys, AreAskedForInTheWordsOfThePortal) {
     EXPECT_EQ(portal_.boundSession, portal_.sessions.last());
 }
 
+TEST_F(PortalKeys, AreAskedForByName) {
+    for (const bool takesNames : {true, false}) {
+        portal_.takesNames = takesNames;
+        portal_.names.clear();
+        portal_.calls.clear();
+        makeKeys(std::chrono::hours(1));
+        addAndHold();
+        ASSERT_EQ(portal_.names.size(), 1) << takesNames;
+        EXPECT_EQ(portal_.names.first().first, "tarnwick");
+        // The first call of all settles what the caller is called.
+        EXPECT_EQ(portal_.names.first().second, 0);
+    }
+}
+
 TEST_F(PortalKeys, ArePressed) {
     addAndHold();
     portal_.press();

@@ -12,6 +12,7 @@ namespace {
 
 constexpr auto kPath = "/org/freedesktop/portal/desktop";
 constexpr auto kInterface = "org.freedesktop.portal.GlobalShortcuts";
+constexpr auto kRegistryInterface = "org.freedesktop.host.portal.Registry";
 constexpr auto kRequestInterface = "org.freedesktop.portal.Request";
 constexpr auto kSessionInterface = "org.freedesktop.portal.Session";
 
@@ -83,6 +84,10 @@ bool ScriptedShortcutsPortal::handleMessage(const QDBusMessage& message, const Q
         answerVersion(message);
         return true;
     }
+    if (message.interface() == kRegistryInterface && member == "Register") {
+        answerName(message);
+        return true;
+    }
     if (message.interface() != kInterface) {
         return false;
     }
@@ -99,6 +104,13 @@ bool ScriptedShortcutsPortal::handleMessage(const QDBusMessage& message, const Q
         return false;
     }
     return true;
+}
+
+void ScriptedShortcutsPortal::answerName(const QDBusMessage& message) {
+    names.append({message.arguments().value(0).toString(), calls.size()});
+    bus_.send(takesNames ? message.createReply()
+                         : message.createErrorReply("org.freedesktop.DBus.Error.UnknownMethod",
+                                                    "No such interface"));
 }
 
 void ScriptedShortcutsPortal::answerVersion(const QDBusMessage& message) {

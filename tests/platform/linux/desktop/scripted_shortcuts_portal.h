@@ -4,11 +4,13 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QList>
 #include <QString>
 #include <QStringList>
 #include <QVariant>
 #include <QVariantMap>
 #include <optional>
+#include <utility>
 
 #include "platform/linux/desktop/portal_types.h"
 
@@ -38,6 +40,8 @@ class ScriptedShortcutsPortal final : public QDBusVirtualObject {
 
     /// Any value; none stands for a portal without shortcuts.
     QVariant version = 1U;
+    /// Whether it takes a program's name.
+    bool takesNames = true;
     /// A method that fails.
     QString failing;
     /// Response codes.
@@ -58,6 +62,8 @@ class ScriptedShortcutsPortal final : public QDBusVirtualObject {
     /// Binding is not responded to before respond().
     bool holdsResponse = false;
 
+    /// Names of the programs that have called, and how many other calls had come before each.
+    QList<std::pair<QString, qsizetype>> names;
     /// Methods in the order of their calls.
     QStringList calls;
     QStringList sessions;
@@ -75,6 +81,7 @@ class ScriptedShortcutsPortal final : public QDBusVirtualObject {
  private:
     void signal(const QString& path, const char* interface, const char* member,
                 const QVariantList& arguments);
+    void answerName(const QDBusMessage& message);
     void answerVersion(const QDBusMessage& message);
     void answerRequest(const QDBusMessage& message, uint code, const QVariantMap& results,
                        bool isHeld);
