@@ -134,6 +134,22 @@ class Settings:
             None, _PORTAL_PATH, _PORTAL.name, "SettingChanged",
             GLib.Variant("(ssv)", (*_SCHEME, self._value())))
 
+    def serve(self, interface, answer, get):
+        """Serves one more interface of the portal, from a thread of its own; the connection."""
+        served = threading.Event()
+
+        def register(*_):
+            self._connection.register_object(_PORTAL_PATH, interface, answer, get, None)
+            served.set()
+            return GLib.SOURCE_REMOVE
+
+        source = GLib.idle_source_new()
+        source.set_callback(register)
+        source.attach(self._loop.get_context())
+        if not served.wait(_CALL_MS / 1000):
+            raise RuntimeError("the portal does not run")
+        return self._connection
+
     def close(self):
         self._loop.quit()
         self._thread.join()
