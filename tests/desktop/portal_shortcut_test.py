@@ -54,6 +54,8 @@ class ShortcutsPortal:
 
     def _answer(self, _connection, sender, _path, _interface, method, arguments, call):
         *values, options = arguments.unpack()
+        # What is set last tells the test that all of it is done.
+        self.client, self.preferred = sender, None
         client = sender[1:].replace(".", "_")
         request = f"{_PATH}/request/{client}/{options['handle_token']}"
         call.return_value(GLib.Variant("(o)", (request,)))
@@ -63,15 +65,16 @@ class ShortcutsPortal:
         else:
             self._session, shortcuts, _window = values
             self._shortcut, properties = shortcuts[0]
-            self.preferred = properties["preferred_trigger"]
+            preferred = properties["preferred_trigger"]
             results = {"shortcuts": GLib.Variant("a(sa{sv})", [(
                 self._shortcut,
-                {"trigger_description": GLib.Variant("s", self.preferred)})])}
+                {"trigger_description": GLib.Variant("s", preferred)})])}
         self._response = (request, _REQUEST, "Response",
                           GLib.Variant("(ua{sv})", (_GRANTED, results)))
-        self.client = sender
         if method == "CreateSession" or not self.asks_first:
             self.agree()
+        if method == "BindShortcuts":
+            self.preferred = preferred
 
 
 class PortalShortcutTest(DesktopTestCase):
