@@ -12,6 +12,7 @@ int main(int argc, char** argv) {
     qunsetenv("DBUS_SESSION_BUS_ADDRESS");
     qunsetenv("DISPLAY");
     qunsetenv("WAYLAND_DISPLAY");
+    qunsetenv("XDG_SESSION_TYPE");
     testing::InitGoogleTest(&argc, argv);
     QApplication application(argc, argv);
     return RUN_ALL_TESTS();
