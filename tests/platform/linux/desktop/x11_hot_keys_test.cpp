@@ -125,6 +125,7 @@ TEST_F(X11HotKeysTest, NothingStaysGrabbedWhenAPartIsHeldByAnother) {
 
 TEST_F(X11HotKeysTest, ACombinationThatIsHeldByTheInputExtensionExists) {
     const xcb_window_t root = other.roots().front();
+    DisplayClient third(display.name());
     for (const std::uint16_t locks : kLocks) {
         const auto held = static_cast<std::uint16_t>(XCB_MOD_MASK_4 | locks);
         ASSERT_TRUE(other.grabByExtension(kX11L, held, root));
@@ -132,6 +133,7 @@ TEST_F(X11HotKeysTest, ACombinationThatIsHeldByTheInputExtensionExists) {
         EXPECT_EQ(refused.status, status::kExists) << locks;
         EXPECT_FALSE(refused.handle) << locks;
         EXPECT_TRUE(isFree(XCB_MOD_MASK_4)) << locks;
+        EXPECT_FALSE(third.grabByExtension(kX11L, held, root)) << "its holder has lost it";
         other.ungrabByExtension(kX11L, held, root);
     }
     const auto result = add(kL, key::kCommand);
