@@ -71,9 +71,9 @@ bool isWaylandSession(std::string_view sessionType, std::string_view waylandDisp
 std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeysymLayout& layout,
                                      Dispatch& dispatch) {
     xcb_connection_t* x11 = x11Connection();
-    const bool isWayland = isWaylandPlatform() ||
-                           isWaylandSession(qgetenv("XDG_SESSION_TYPE").toStdString(),
-                                            qgetenv("WAYLAND_DISPLAY").toStdString());
+    const bool isWayland =
+        isWaylandPlatform() || isWaylandSession(qgetenv("XDG_SESSION_TYPE").toStdString(),
+                                                qgetenv("WAYLAND_DISPLAY").toStdString());
     switch (hotKeySource(x11 != nullptr, isWayland)) {
         case HotKeySource::x11:
             return std::make_unique<FilteringHotKeys>(x11, dispatch);

@@ -144,6 +144,8 @@ TEST_F(X11HotKeysTest, ACombinationThatIsHeldByTheInputExtensionExists) {
 TEST_F(X11HotKeysTest, WhatTheInputExtensionIsAskedForIsLeftToOthers) {
     const auto result = add(kL, key::kCommand);
     ASSERT_TRUE(result.handle);
+    // What was given back is on its way.
+    own.sync();
     const xcb_window_t root = other.roots().front();
     EXPECT_TRUE(other.grabByExtension(kX11L, XCB_MOD_MASK_4, root));
     other.ungrabByExtension(kX11L, XCB_MOD_MASK_4, root);
