@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "core/tint.h"
-#include "ui/qt/text_style.h"
+#include "platform/qt/text_style.h"
 
 namespace tarnwick::qt {
 

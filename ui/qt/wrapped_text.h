@@ -3,7 +3,7 @@
 
 #include <QStringList>
 
-#include "ui/qt/text_style.h"
+#include "platform/qt/text_style.h"
 
 namespace tarnwick::qt {
 

@@ -8,6 +8,7 @@
 #include <array>
 
 #include "platform/desktop.h"
+#include "platform/qt/text_style.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -19,9 +20,10 @@ constexpr qreal kRowHeight = 18;
 constexpr qreal kIconSize = 16;
 constexpr qreal kSpacing = StatusItemContent::kSpacing;
 constexpr qreal kTextWidth = StatusItemContent::kTextWidth;
-// The faint edge is the letters once more, moved by this much to each side.
+// The edge is the letters once more, moved by this much to each side; strong enough to read the
+// letters by where the bar is of their own shade.
 constexpr qreal kEdgeWidth = 1;
-constexpr float kEdgeOpacity = 0.15F;
+constexpr float kEdgeOpacity = 0.8F;
 
 QFont textFont(qreal scale) {
     QFont font = QGuiApplication::font();
@@ -72,21 +74,18 @@ QImage widePicture(const QImage& icon, const QString& text, bool dark, int heigh
     // toolkit's painting threads at every tick.
     const qreal scale = height / kRowHeight;
     const QFont font = textFont(scale);
-    const QFontMetricsF metrics(font);
-    canvas.setFont(font);
-    const QString shown = metrics.elidedText(text, Qt::ElideRight, kTextWidth * scale);
+    const qt::TextStyle style(font);
+    const QString shown = style.elided(text, kTextWidth * scale);
     const QPointF start(qRound((kIconSize + kSpacing) * scale),
-                        qRound((height + metrics.capHeight()) / 2));
+                        qRound((height + QFontMetricsF(font).capHeight()) / 2));
     QColor edge = dark ? Qt::black : Qt::white;
     edge.setAlphaF(kEdgeOpacity);
-    canvas.setPen(edge);
     const qreal width = kEdgeWidth * scale;
     for (const QPointF& side :
          {QPointF(-width, 0), QPointF(width, 0), QPointF(0, -width), QPointF(0, width)}) {
-        canvas.drawText(start + side, shown);
+        style.draw(canvas, start + side, shown, edge);
     }
-    canvas.setPen(dark ? Qt::white : Qt::black);
-    canvas.drawText(start, shown);
+    style.draw(canvas, start, shown, dark ? Qt::white : Qt::black);
     return picture;
 }
 

@@ -41,8 +41,9 @@ int widePictureWidth(int height);
 int wideIconSize(int height);
 
 /// `icon`, wideIconSize() pixels wide, and text in one row, `height` pixels high. The text is cut
-/// with an ellipsis where it does not fit. It is dark, or light for a dark desktop; the ground of
-/// the bar is not known, so the letters carry a faint edge of the opposite shade.
+/// with an ellipsis where it does not fit; its digits take the same room each. It is dark, or light
+/// for a dark desktop; the ground of the bar is not known and may be of the letters' own shade, so
+/// they carry an edge of the opposite one.
 QImage widePicture(const QImage& icon, const QString& text, bool dark, int height);
 
 }  // namespace tarnwick::platform

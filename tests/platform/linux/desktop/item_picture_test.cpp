@@ -6,6 +6,7 @@
 #include <QGuiApplication>
 #include <QRect>
 #include <algorithm>
+#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <vector>
@@ -138,14 +139,20 @@ TEST(WidePicture, CutsALongTextInsideItsPlace) {
     EXPECT_NE(picture, row("W"));
 }
 
-/// The rectangle that the letters fill in a row of twice the size of points, their faint edge left
-/// out.
+/// Part of the text's room in a row of twice the size of points: opaque and dark, as letters for a
+/// light desktop are and their edge is not.
+bool isLetter(const QImage& picture, int x, int y) {
+    const QColor color = picture.pixelColor(x, y);
+    return x >= wideIconSize(36) && color.alpha() > 128 && color.lightness() < 128;
+}
+
+/// The rectangle that the letters fill in a row of twice the size of points, their edge left out.
 QRect letters(const QString& text) {
     const QImage picture = row(text);
     QRect found;
     for (int y = 0; y < picture.height(); ++y) {
-        for (int x = wideIconSize(36); x < picture.width(); ++x) {
-            if (qAlpha(picture.pixel(x, y)) > 128) {
+        for (int x = 0; x < picture.width(); ++x) {
+            if (isLetter(picture, x, y)) {
                 found |= QRect(x, y, 1, 1);
             }
         }
@@ -181,21 +188,78 @@ TEST(WidePicture, CutsNoTextThatFitsSeventyTwoPoints) {
 }
 
 TEST(WidePicture, WritesDarkLettersOnALightDesktopAndLightOnADarkOne) {
-    const auto darkestInk = [](bool dark) {
+    const QRect letter = letters("H");
+    // Within the stem.
+    const QPoint inside(letter.left() + 1, letter.center().y());
+    EXPECT_LT(row("H").pixelColor(inside).lightness(), 20);
+    EXPECT_GT(row("H", true).pixelColor(inside).lightness(), 200);
+}
+
+/// Sets the interface font for a test.
+class InterfaceFont final {
+ public:
+    explicit InterfaceFont(const QString& family) {
+        QFont font = before_;
+        font.setFamily(family);
+        QGuiApplication::setFont(font);
+    }
+    ~InterfaceFont() { QGuiApplication::setFont(before_); }
+    InterfaceFont(const InterfaceFont&) = delete;
+    InterfaceFont& operator=(const InterfaceFont&) = delete;
+
+ private:
+    QFont before_ = QGuiApplication::font();
+};
+
+TEST(WidePicture, EndsTextsOfAsManyDigitsInTheSameColumnWhateverTheDigits) {
+    const InterfaceFont inter("Inter");
+    // The narrowest and the widest digits of this font differ by more than a pixel each.
+    QFont font = QGuiApplication::font();
+    font.setPixelSize(22);
+    ASSERT_GT(QFontMetricsF(font).horizontalAdvance("48"),
+              QFontMetricsF(font).horizontalAdvance("11") + 2);
+    for (const char* text : {"CPU 48%", "CPU 77%", "CPU 90%"}) {
+        EXPECT_EQ(letters(text).right(), letters("CPU 11%").right()) << text;
+    }
+}
+
+TEST(WidePicture, CutsATextOfWideCellsInsideItsPlace) {
+    const InterfaceFont inter("Inter");
+    EXPECT_LT(letters(QString(40, '1')).right(), 184);
+    EXPECT_EQ(letters(QString(40, '1')), letters(QString(41, '1')));
+}
+
+/// Relative luminance of a grey from 0 to 255.
+double luminance(double grey) {
+    const double part = grey / 255;
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+}
+
+/// How much lighter the lighter of two greys is to the eye, from 1.
+double contrast(double first, double second) {
+    const auto [dark, light] = std::minmax({luminance(first), luminance(second)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+TEST(WidePicture, CanBeReadOnABarOfAnyShade) {
+    // Of the letters or, where these are of the bar's own shade, of their edge.
+    constexpr int kFewestPixels = 200;
+    constexpr double kReadable = 3;
+    for (const bool dark : {false, true}) {
         const QImage picture = row("CPU 12%", dark);
-        int least = 255;
-        for (int y = 0; y < 36; ++y) {
-            for (int x = 40; x < 184; ++x) {
-                const QColor color = picture.pixelColor(x, y);
-                if (color.alpha() == 255) {
-                    least = std::min(least, color.lightness());
+        for (int ground = 0; ground <= 255; ++ground) {
+            int readable = 0;
+            for (int y = 0; y < picture.height(); ++y) {
+                for (int x = wideIconSize(36); x < picture.width(); ++x) {
+                    const QColor ink = picture.pixelColor(x, y);
+                    const double shown =
+                        ground + (ink.lightness() - ground) * static_cast<double>(ink.alphaF());
+                    readable += contrast(shown, ground) >= kReadable ? 1 : 0;
                 }
             }
+            EXPECT_GE(readable, kFewestPixels) << "ground " << ground << ", dark " << dark;
         }
-        return least;
-    };
-    EXPECT_LT(darkestInk(false), 20);
-    EXPECT_GT(darkestInk(true), 200);
+    }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-#include "ui/qt/text_style.h"
+#include "platform/qt/text_style.h"
 
 #include <QPainter>
 #include <QtMath>
