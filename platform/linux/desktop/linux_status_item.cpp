@@ -98,7 +98,8 @@ void LinuxStatusItem::start() {
         activationToken_.setInterval(options_.tokenMilliseconds);
         connect(&activationToken_, &QTimer::timeout, this, [] { qunsetenv(kActivationToken); });
     }
-    registration_ = std::make_unique<NotifierRegistration>(bus_, options_.programOf);
+    registration_ = std::make_unique<NotifierRegistration>(bus_, options_.programOf,
+                                                           options_.retryDelays);
     registration_->start([this] { hostChanged(); });
     withoutHost_.setSingleShot(true);
     withoutHost_.setInterval(options_.noTrayMilliseconds);
@@ -138,7 +139,9 @@ void LinuxStatusItem::update() {
         embedded_->setText(QString::fromStdString(content_->accessibilityLabel));
     }
     // Nobody looks while there is no host; the latest content is set when one comes.
-    if (registration_->state() == NotifierRegistration::State::present) {
+    const NotifierRegistration::State state = registration_->state();
+    if (state == NotifierRegistration::State::registering ||
+        state == NotifierRegistration::State::present) {
         const TrayPresentation presentation = trayPresentation(registration_->program());
         notifier_->setContent(notifierContent(presentation), presentation.fetches);
     }

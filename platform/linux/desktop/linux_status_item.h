@@ -44,6 +44,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         int tokenMilliseconds = 2000;
         /// Names the program of a process.
         NotifierRegistration::ProgramOf programOf = programOfProcess;
+        /// How soon a host that refuses the item is asked again.
+        NotifierRegistration::RetryDelays retryDelays{};
         /// Folder for the picture file that some hosts want in place of pixmaps.
         std::string runtimeFolder;
     };

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QDBusVariant>
 #include <QTimer>
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 #include <utility>
@@ -15,10 +16,6 @@ namespace {
 constexpr auto kWatcherService = "org.kde.StatusNotifierWatcher";
 constexpr auto kWatcherPath = "/StatusNotifierWatcher";
 constexpr auto kWatcherInterface = "org.kde.StatusNotifierWatcher";
-
-// A watcher may own its name a moment before it answers calls.
-constexpr int kRegisterAttempts = 5;
-constexpr int kRetryMilliseconds = 300;
 
 bool isError(const QDBusMessage& answer) {
     return answer.type() == QDBusMessage::ErrorMessage;
@@ -38,8 +35,17 @@ std::string programOfProcess(unsigned processId) {
     return name;
 }
 
-NotifierRegistration::NotifierRegistration(QDBusConnection bus, ProgramOf programOf)
-    : bus_(std::move(bus)), programOf_(std::move(programOf)) {}
+int NotifierRegistration::RetryDelays::after(int attempt) const {
+    int delay = std::min(first, longest);
+    for (int i = 1; i < attempt && delay < longest; ++i) {
+        delay = delay < longest / 2 ? 2 * delay : longest;
+    }
+    return delay;
+}
+
+NotifierRegistration::NotifierRegistration(QDBusConnection bus, ProgramOf programOf,
+                                           RetryDelays retryDelays)
+    : bus_(std::move(bus)), programOf_(std::move(programOf)), retryDelays_(retryDelays) {}
 
 NotifierRegistration::~NotifierRegistration() {
     if (bus_.isConnected() && service_.startsWith("org.")) {
@@ -92,7 +98,8 @@ void NotifierRegistration::ownerChanged(const QString& owner) {
     owner_ = owner;
     askedProgram_.reset();
     hasHost_.reset();
-    registered_ = false;
+    isAsked_ = false;
+    isTaken_ = false;
     if (owner.isEmpty()) {
         publish();
     } else {
@@ -148,7 +155,7 @@ void NotifierRegistration::publish() {
     if (generation_ > 0 && owner_.isEmpty()) {
         state = State::absent;
     } else if (askedProgram_ && hasHost_) {
-        state = *hasHost_ ? State::present : State::absent;
+        state = !*hasHost_ ? State::absent : isTaken_ ? State::present : State::registering;
     } else {
         // Still asking: what was true before stays until the answers are there.
         return;
@@ -161,8 +168,8 @@ void NotifierRegistration::publish() {
             changed_();
         }
     }
-    if (!owner_.isEmpty() && !service_.isEmpty() && !registered_) {
-        registered_ = true;
+    if (!owner_.isEmpty() && !service_.isEmpty() && !isAsked_) {
+        isAsked_ = true;
         registerItem(1);
     }
 }
@@ -173,13 +180,20 @@ void NotifierRegistration::registerItem(int attempt) {
     call.setArguments({service_});
     const int asked = generation_;
     callAsync(bus_, call, this, [this, asked, attempt](const QDBusMessage& answer) {
-        if (asked == generation_ && isError(answer) && attempt < kRegisterAttempts) {
-            QTimer::singleShot(kRetryMilliseconds, this, [this, asked, attempt] {
-                if (asked == generation_) {
-                    registerItem(attempt + 1);
-                }
-            });
+        if (asked != generation_) {
+            return;
         }
+        if (!isError(answer)) {
+            isTaken_ = true;
+            publish();
+            return;
+        }
+        // A watcher may own its name a moment before it answers calls.
+        QTimer::singleShot(retryDelays_.after(attempt), this, [this, asked, attempt] {
+            if (asked == generation_) {
+                registerItem(attempt + 1);
+            }
+        });
     });
 }
 

@@ -25,12 +25,23 @@ class NotifierRegistration final : public QObject {
         unknown,
         /// There is no watcher, it has no host that would draw the item, or there is no bus.
         absent,
+        /// There is a host, which has not taken the item yet; it may look at its content already.
+        registering,
         /// A host draws the item.
         present,
     };
     using ProgramOf = std::function<std::string(unsigned processId)>;
 
-    explicit NotifierRegistration(QDBusConnection bus, ProgramOf programOf = programOfProcess);
+    /// Milliseconds from a refusal to the next attempt: twice as long after each, up to a limit.
+    struct RetryDelays {
+        int first = 300;
+        int longest = 10'000;
+
+        /// From the refusal of the attempt of this number, from 1.
+        int after(int attempt) const;
+    };
+
+    NotifierRegistration(QDBusConnection bus, ProgramOf programOf, RetryDelays retryDelays);
     /// Gives the item's name back, at which hosts drop the item.
     ~NotifierRegistration() override;
 
@@ -38,8 +49,9 @@ class NotifierRegistration final : public QObject {
     /// The executable's file name of the program that owns the watcher; empty when not known.
     const std::string& program() const { return program_; }
 
-    /// Begins to follow. `changed` is called for every change of state or program, before the
-    /// item is registered, so that the host's first look finds the right content.
+    /// Begins to follow. `changed` is called for every change of state or program, with
+    /// `registering` before the item is registered, so that the host's first look finds the right
+    /// content. A watcher that refuses the item is asked again for as long as it is there.
     void start(std::function<void()> changed);
 
  private slots:
@@ -55,6 +67,7 @@ class NotifierRegistration final : public QObject {
 
     QDBusConnection bus_;
     ProgramOf programOf_;
+    RetryDelays retryDelays_;
     std::function<void()> changed_;
     QDBusServiceWatcher ownerWatcher_;
     /// The name hosts know the item by; empty until the bus has granted one.
@@ -64,7 +77,10 @@ class NotifierRegistration final : public QObject {
     int generation_ = 0;
     std::optional<std::string> askedProgram_;
     std::optional<bool> hasHost_;
-    bool registered_ = false;
+    /// The watcher was asked to take the item.
+    bool isAsked_ = false;
+    /// The watcher has taken it.
+    bool isTaken_ = false;
     State state_ = State::unknown;
     std::string program_;
 };

@@ -46,6 +46,7 @@ class Item : public ::testing::Test {
         options.noTrayMilliseconds = noTrayMilliseconds;
         options.tokenMilliseconds = tokenMilliseconds;
         options.programOf = [this](unsigned) { return program_; };
+        options.retryDelays = {.first = 1, .longest = 4};
         options.runtimeFolder = runtime_.path().toStdString();
         item_ = std::make_unique<LinuxStatusItem>(bus, options);
         item_->setActions({.click = [this] { ++clicks_; },
@@ -165,12 +166,52 @@ TEST_F(Item, FollowsAWatcherThatIsTakenOverByAnotherProgram) {
     EXPECT_EQ(qdbus_cast<IconPixmaps>(other.properties().value("IconPixmap")).size(), 1);
 }
 
-TEST_F(Item, TriesAgainWhenTheWatcherIsNotReadyYet) {
-    host_.refusals = 2;
+TEST_F(Item, TriesAgainForAsLongAsTheWatcherRefusesIt) {
+    host_.refusals = 20;
     show();
     beginHost();
     EXPECT_EQ(host_.refusals, 0);
     EXPECT_EQ(host_.registered.size(), 1);
+    EXPECT_TRUE(item_->inTray());
+}
+
+TEST_F(Item, IsInNoTrayWhileTheWatcherRefusesIt) {
+    constexpr int kMany = 1'000'000;
+    host_.refusals = kMany;
+    make(itemBus_, 0);
+    show();
+    host_.begin();
+    ASSERT_TRUE(waitUntil([&] { return host_.refusals < kMany - 2; }));
+    EXPECT_FALSE(item_->inTray());
+    EXPECT_FALSE(item_->performClick());
+    EXPECT_TRUE(waitUntil([&] { return !notices_.empty(); }));
+    host_.refusals = 0;
+    EXPECT_TRUE(waitUntil([&] { return item_->inTray(); }));
+    EXPECT_EQ(host_.registered.size(), 1);
+}
+
+TEST_F(Item, AsksAWatcherThatHasGoneNoMore) {
+    host_.refusals = 3;
+    show();
+    host_.begin();
+    ASSERT_TRUE(waitUntil([&] { return host_.refusals < 3; }));
+    host_.end();
+    host_.refusals = 0;
+    beginHost();
+    // What was due for the watcher before would have registered once more by now.
+    bool later = false;
+    QTimer::singleShot(20, [&] { later = true; });
+    ASSERT_TRUE(waitUntil([&] { return later; }));
+    EXPECT_EQ(host_.registered.size(), 1);
+}
+
+TEST(RetryDelays, DoubleUpToALimit) {
+    const NotifierRegistration::RetryDelays delays;
+    const std::vector<int> expected = {300, 600, 1200, 2400, 4800, 9600, 10'000, 10'000};
+    for (std::size_t i = 0; i < expected.size(); ++i) {
+        EXPECT_EQ(delays.after(static_cast<int>(i) + 1), expected[i]) << i;
+    }
+    EXPECT_EQ(delays.after(1'000'000), 10'000);
 }
 
 TEST_F(Item, IsInNoTrayWhileTheWatcherHasNoHost) {
