@@ -16,6 +16,8 @@ DARK = (0x23, 0x23, 0x26)
 # Seconds; many times what it takes: a program that waits for something on its way out would be
 # later.
 ENDS_WITHIN = 5.0
+# What the program says where nobody shows its item.
+NO_TRAY = "tarnwick: no tray was found; start Tarnwick again to open its panel\n"
 # More than waking up reads, less than a refresh.
 REFRESH_BYTES = 1000
 

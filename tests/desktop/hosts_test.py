@@ -4,7 +4,7 @@ import time
 
 from PIL import ImageChops
 
-from desktop_test_case import DesktopTestCase, main
+from desktop_test_case import NO_TRAY, DesktopTestCase, main
 
 # Where the entries of the item's menu lie, as shares of its height.
 _OPEN_PANEL = 0.17
@@ -14,7 +14,6 @@ _SETTINGS_WIDTH = 520
 # Of the panel to the bar above it.
 _GAP = 6
 _SETTLED = 0.5
-_NO_TRAY = "tarnwick: no tray was found; start Tarnwick again to open its panel\n"
 
 
 class HostsTest(DesktopTestCase):
@@ -45,7 +44,7 @@ class HostsTest(DesktopTestCase):
         self.check_stays_in_place(is_wide)
         self.check_settings()
         # On a busy machine a host may take longer to come back than the program waits for it.
-        self.assertIn(self.started.output(), ("", _NO_TRAY))
+        self.assertIn(self.started.output(), ("", NO_TRAY))
         self.choose(_QUIT)
         self.until(lambda: not self.started.runs(), "the program quits")
         self.assertEqual(self.started.process.returncode, 0)

@@ -1,9 +1,12 @@
 #include "platform/linux/desktop/embedded_tray.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QIcon>
 #include <QPixmap>
+#include <QWidget>
 #include <array>
+#include <qpa/qplatformnativeinterface.h>
 #include <utility>
 
 namespace tarnwick::platform {
@@ -14,7 +17,8 @@ constexpr std::array kSizes = {16, 22, 24, 32, 48};
 }  // namespace
 
 EmbeddedTray::EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<void()> click,
-                           std::function<void()> middleClick) {
+                           std::function<void()> middleClick,
+                           std::function<void()> trayChanged) {
     for (const MenuEntry& entry : entries) {
         if (entry.label.isEmpty()) {
             menu_.addSeparator();
@@ -35,6 +39,17 @@ EmbeddedTray::EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<
                 middleClick();
             }
         });
+    trayChanged_.setSingleShot(true);
+    QObject::connect(&trayChanged_, &QTimer::timeout, &tray_,
+                     [this, trayChanged = std::move(trayChanged)] {
+                         nameWindow();
+                         trayChanged();
+                     });
+    if (QGuiApplication::platformName() == "xcb") {
+        // Only the toolkit's part for X servers has this signal.
+        QObject::connect(QGuiApplication::platformNativeInterface(),
+                         SIGNAL(systemTrayWindowChanged(QScreen*)), &trayChanged_, SLOT(start()));
+    }
 }
 
 bool EmbeddedTray::inTray() const {
@@ -47,6 +62,9 @@ std::optional<QRect> EmbeddedTray::place() const {
 }
 
 void EmbeddedTray::setIcon(const IconPainter& painter, const ItemIcon& icon) {
+    if (std::exchange(shown_, icon) == icon) {
+        return;
+    }
     QIcon pictures;
     for (const int size : kSizes) {
         pictures.addPixmap(QPixmap::fromImage(squarePicture(painter, icon, size)));
@@ -57,6 +75,16 @@ void EmbeddedTray::setIcon(const IconPainter& painter, const ItemIcon& icon) {
 
 void EmbeddedTray::setText(const QString& text) {
     tray_.setToolTip(text);
+    nameWindow();
+}
+
+/// The docked window is the toolkit's own, without a name for screen readers.
+void EmbeddedTray::nameWindow() const {
+    for (QWidget* widget : QApplication::topLevelWidgets()) {
+        if (widget->inherits("QSystemTrayIconSys")) {
+            widget->setAccessibleName(tray_.toolTip());
+        }
+    }
 }
 
 }  // namespace tarnwick::platform

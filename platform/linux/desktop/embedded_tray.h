@@ -4,8 +4,8 @@
 #include <QMenu>
 #include <QRect>
 #include <QSystemTrayIcon>
+#include <QTimer>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <vector>
 
@@ -18,20 +18,27 @@ namespace tarnwick::platform {
 /// itself. Main thread.
 class EmbeddedTray final {
  public:
+    /// `trayChanged` is called when a tray has come or gone.
     EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<void()> click,
-                 std::function<void()> middleClick);
+                 std::function<void()> middleClick, std::function<void()> trayChanged);
 
     /// Where the tray shows the item, in the screen's coordinates; none while no tray does.
     std::optional<QRect> place() const;
     /// There is a tray that shows it.
     bool inTray() const;
+    /// Draws only what differs from the icon that is shown: most changes are of the text alone.
     void setIcon(const IconPainter& painter, const ItemIcon& icon);
-    /// The tool tip.
+    /// The tool tip, and what screen readers say.
     void setText(const QString& text);
 
  private:
+    void nameWindow() const;
+
     QMenu menu_;
     QSystemTrayIcon tray_;
+    std::optional<ItemIcon> shown_;
+    /// Started when a tray has come or gone; fires when the toolkit is done with that.
+    QTimer trayChanged_;
 };
 
 }  // namespace tarnwick::platform

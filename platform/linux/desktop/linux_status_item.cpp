@@ -98,13 +98,13 @@ void LinuxStatusItem::start() {
         activationToken_.setInterval(options_.tokenMilliseconds);
         connect(&activationToken_, &QTimer::timeout, this, [] { qunsetenv(kActivationToken); });
     }
+    withoutTray_.setSingleShot(true);
+    withoutTray_.setInterval(options_.noTrayMilliseconds);
+    connect(&withoutTray_, &QTimer::timeout, this, [this] { tellIfNoTray(); });
     registration_ = std::make_unique<NotifierRegistration>(bus_, options_.programOf,
                                                            options_.retryDelays);
     registration_->start([this] { hostChanged(); });
-    withoutHost_.setSingleShot(true);
-    withoutHost_.setInterval(options_.noTrayMilliseconds);
-    connect(&withoutHost_, &QTimer::timeout, this, [this] { tellIfNoTray(); });
-    withoutHost_.start();
+    countTimeWithoutTray();
 }
 
 void LinuxStatusItem::keepActivationToken(const QString& token) {
@@ -116,18 +116,23 @@ void LinuxStatusItem::keepActivationToken(const QString& token) {
 
 void LinuxStatusItem::hostChanged() {
     anchor_.reset();
-    if (registration_->state() == NotifierRegistration::State::present) {
-        withoutHost_.stop();
-    } else if (!withoutHost_.isActive()) {
-        withoutHost_.start();
-    }
     if (registration_->state() != NotifierRegistration::State::absent) {
         embedded_.reset();
     } else if (!embedded_ && onX11()) {
         embedded_ = std::make_unique<EmbeddedTray>(
-            entries_, [this] { clicked(); }, [this] { run(actions_.refresh); });
+            entries_, [this] { clicked(); }, [this] { run(actions_.refresh); },
+            [this] { countTimeWithoutTray(); });
     }
     update();
+    countTimeWithoutTray();
+}
+
+void LinuxStatusItem::countTimeWithoutTray() {
+    if (inTray()) {
+        withoutTray_.stop();
+    } else if (!withoutTray_.isActive()) {
+        withoutTray_.start();
+    }
 }
 
 void LinuxStatusItem::update() {

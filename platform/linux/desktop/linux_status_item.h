@@ -75,6 +75,7 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     void start();
     void keepActivationToken(const QString& token);
     void hostChanged();
+    void countTimeWithoutTray();
     void update();
     void clicked();
     ItemIcon icon() const;
@@ -100,8 +101,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     std::unique_ptr<NotifierRegistration> registration_;
     std::unique_ptr<EmbeddedTray> embedded_;
     bool started_ = false;
-    /// Runs while there is no StatusNotifier host.
-    QTimer withoutHost_;
+    /// Runs from when the last tray has gone.
+    QTimer withoutTray_;
     /// Runs while a token of the compositor is kept.
     QTimer activationToken_;
     bool hasTold_ = false;
