@@ -26,16 +26,17 @@ MenuBarView::MenuBarView(StatsManager& statsManager, PanelTargets targets,
                          MenuBarViewEnvironment environment)
     : statsManager_(statsManager), targets_(std::move(targets)), environment_(environment) {}
 
-void MenuBarView::appear() {
+const Page& MenuBarView::appear() {
     if (isVisible_) {
-        return;
+        return lastPage_;
     }
     isVisible_ = true;
-    lastPage_ = page();
     statsSubscription_ = statsManager_.objectWillChange([this] { scheduleRebuild(); });
     settingsSubscription_ =
         statsManager_.settings().objectWillChange([this] { scheduleRebuild(); });
     statsManager_.popoverDidAppear();
+    lastPage_ = page();
+    return lastPage_;
 }
 
 void MenuBarView::disappear() {

@@ -55,8 +55,8 @@ class MenuBarView {
     MenuTab activeTab() const { return activeTab_; }
 
     /// The panel is on screen from now on: tells the manager and follows its fields and the
-    /// settings.
-    void appear();
+    /// settings. The page to begin with.
+    const Page& appear();
     /// The panel has gone: tells the manager and costs nothing until it appears again, on the home
     /// page.
     void disappear();

@@ -25,6 +25,9 @@ class BlockWidget : public QWidget {
     /// nothing, when it is of another kind.
     virtual bool setBlock(const PanelBlock& block) = 0;
     virtual int heightFor(int width) const = 0;
+    /// Pixels by which what is drawn may reach beyond that height, above as well as below: the
+    /// widget is so much higher on both sides, less than the space to its neighbours.
+    virtual int overhang() const { return 0; }
 
  protected:
     const Theme& theme() const { return theme_; }

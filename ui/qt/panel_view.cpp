@@ -77,7 +77,8 @@ void PanelView::placeWidgets() {
     for (const Row& row : rows_) {
         y += row.item.spaceAbove;
         const int height = row.widget->heightFor(width);
-        row.widget->setGeometry(grid::kPadding, y, width, height);
+        const int overhang = row.widget->overhang();
+        row.widget->setGeometry(grid::kPadding, y - overhang, width, height + 2 * overhang);
         y += height;
     }
     y += grid::kPadding;

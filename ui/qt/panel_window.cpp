@@ -33,9 +33,8 @@ void PanelWindow::open(const QRect& anchor) {
     if (isOpen()) {
         return;
     }
-    view_.appear();
     popup_ = new PanelPopup(
-        theme_, view_.page(), [this](PanelAction action) { view_.perform(action); },
+        theme_, view_.appear(), [this](PanelAction action) { view_.perform(action); },
         hasCompositor());
     connect(popup_, &PanelPopup::hidden, this, &PanelWindow::popupHidden);
     popup_->popUp(anchor);

@@ -2,6 +2,7 @@
 
 #include <QPainter>
 #include <QPolygonF>
+#include <QtMath>
 #include <algorithm>
 
 namespace tarnwick::qt {
@@ -17,6 +18,10 @@ qreal TrendRowWidget::textRoom() const {
 
 int TrendRowWidget::heightFor(int) const {
     return std::max(TrendRow::kSparklineHeight, textHeight());
+}
+
+int TrendRowWidget::overhang() const {
+    return qCeil(SparklineView::kLineWidth / 2 * SparklineView::kMiterLimit);
 }
 
 void TrendRowWidget::paintEvent(QPaintEvent*) {

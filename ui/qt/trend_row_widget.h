@@ -12,6 +12,8 @@ class TrendRowWidget final : public ValueBlockWidget<TrendRow> {
     using ValueBlockWidget::ValueBlockWidget;
 
     int heightFor(int width) const override;
+    /// Half of the line lies outside the frame where it follows an edge, and the tip of a peak.
+    int overhang() const override;
 
  protected:
     void paintEvent(QPaintEvent* event) override;

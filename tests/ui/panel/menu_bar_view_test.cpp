@@ -119,6 +119,15 @@ TEST_F(MenuBarViewTest, AppearingAndDisappearingReachTheManagerOnce) {
     EXPECT_FALSE(view->isVisible());
 }
 
+TEST_F(MenuBarViewTest, AppearsWithThePageOfThatMoment) {
+    EXPECT_EQ(view->appear(), view->page());
+    settle();
+    manager->cpuInfo.set(testing::makeCPU(50, 4));
+    manual.runMain();
+    ASSERT_FALSE(pages.empty());
+    EXPECT_EQ(view->appear(), pages.back());
+}
+
 TEST_F(MenuBarViewTest, ManyChangesAreOneNewPage) {
     view->appear();
     settle();
@@ -321,6 +330,39 @@ TEST_F(MenuBarViewTest, ADetailPageFollowsItsFigures) {
     manual.runMain();
     ASSERT_EQ(pages.size(), 1U);
     EXPECT_EQ(block<InfoRow>(pages[0], "breakdown.physical").value, "400 B memory");
+}
+
+TEST_F(MenuBarViewTest, ADetailPageRefreshesAndStays) {
+    view->appear();
+    for (const PanelAction detail :
+         {PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail}) {
+        view->perform(detail);
+        const MenuTab tab = view->activeTab();
+        settle();
+        takeCalls();
+        view->perform(block<DetailHeader>(view->page(), "header").refresh.action);
+        settle();
+        EXPECT_EQ(count("health forced"), 1U);
+        EXPECT_GE(count("cpu"), 1U);
+        EXPECT_EQ(view->activeTab(), tab);
+    }
+}
+
+TEST_F(MenuBarViewTest, EveryDetailPageLeadsBackToAHomePageThatFollows) {
+    view->appear();
+    for (const PanelAction detail :
+         {PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail}) {
+        view->perform(detail);
+        settle();
+        view->perform(block<DetailHeader>(view->page(), "header").back.action);
+        EXPECT_EQ(view->activeTab(), MenuTab::home);
+        pages.clear();
+        manager->cpuInfo.set(testing::makeCPU(detail == PanelAction::showMemoryDetail ? 40 : 50, 4));
+        manual.runMain();
+        ASSERT_EQ(pages.size(), 1U);
+        EXPECT_EQ(block<UsageBar>(pages[0], "bar.cpu").detail,
+                  detail == PanelAction::showMemoryDetail ? "40.0%" : "50.0%");
+    }
 }
 
 TEST_F(MenuBarViewTest, AHiddenViewAnnouncesNoPage) {

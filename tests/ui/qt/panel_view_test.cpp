@@ -462,6 +462,37 @@ TEST_P(PanelViewScales, ALongNameLeavesRoomBeforeTheValue) {
     }
 }
 
+/// How much of a column's height the line covers, in points: 1 for a pixel of its full colour.
+double covered(const QImage& image, int x, const QColor& ground, const QColor& line) {
+    double sum = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        const QColor color = image.pixelColor(x, y);
+        sum += static_cast<double>(ground.blue() - color.blue()) / (ground.blue() - line.blue());
+    }
+    return sum / image.devicePixelRatio();
+}
+
+TEST_P(PanelViewScales, TheTrendsLineIsWholeAtTheEdgesOfItsFrame) {
+    const int ratio = GetParam();
+    const QFont old = QApplication::font();
+    QFont small = old;
+    // Texts lower than the sparkline leave it the height of the row.
+    small.setPointSizeF(6);
+    QApplication::setFont(small);
+    view.setPage({{"trend", 0, TrendRow{"CPU", "11%", {0, 100, 100, 0, 0}, Tint::red}}});
+    view.show();
+    settle();
+    const QImage image = pixels(*find("trend"), theme, ratio);
+    const QColor ground = theme.color(ColorRole::panel);
+    const QColor red = theme.color(Tint::red);
+    // Along the upper edge, then along the lower one.
+    const int left = 288 - TrendRow::kSparklineWidth;
+    EXPECT_NEAR(covered(image, (left + 45) * ratio, ground, red), SparklineView::kLineWidth, 0.1);
+    EXPECT_NEAR(covered(image, (left + 110) * ratio, ground, red), SparklineView::kLineWidth, 0.1);
+    QApplication::setFont(old);
+    settle();
+}
+
 INSTANTIATE_TEST_SUITE_P(, PanelViewScales, ::testing::Values(1, 2),
                          [](const auto& row) { return std::to_string(row.param) + "x"; });
 

@@ -19,7 +19,13 @@ namespace {
 class FixedProcessInfo final : public platform::ProcessInfo {
  public:
     std::int64_t activeProcessorCount() override { return 1; }
-    std::int64_t thermalState() override { return 0; }
+    std::int64_t thermalState() override {
+        ++reads;
+        return 0;
+    }
+
+    /// Every page reads the state once.
+    int reads = 0;
 };
 
 class PanelWindowTest : public testing::StatsManagerTest {
@@ -90,6 +96,12 @@ TEST_F(PanelWindowTest, TellsTheManagerWhenItIsVisible) {
     EXPECT_TRUE(manager->isPopoverVisible());
     window->close();
     EXPECT_FALSE(manager->isPopoverVisible());
+}
+
+TEST_F(PanelWindowTest, BuildsOnePageToOpenWith) {
+    processInfo.reads = 0;
+    window->open(anchor);
+    EXPECT_EQ(processInfo.reads, 1);
 }
 
 TEST_F(PanelWindowTest, FreesItsWidgetsWhenItCloses) {
