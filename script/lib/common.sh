@@ -37,6 +37,7 @@ run_tests() (
     fi
     env -i PATH="/usr/local/bin:/usr/bin:/bin" LANG=C.UTF-8 TERM="${TERM:-dumb}" \
         HOME="$private/home" XDG_RUNTIME_DIR="$private/runtime" TMPDIR="$private/tmp" \
+        TARNWICK_ALL_HOSTS="${TARNWICK_ALL_HOSTS:-}" \
         "${launcher[@]}" ctest --preset "$preset" -j "$(nproc)" "$@" 2>&1 |
         tee "build/$preset/ctest-output.txt"
 )

@@ -1,10 +1,12 @@
 """The status item in the tray of each real host, driven with the pointer."""
 
+import contextlib
+import os
 import time
 
 from PIL import ImageChops
 
-from desktop_test_case import NO_TRAY, DesktopTestCase, main
+from desktop_test_case import NO_TRAY, DesktopTestCase, ground, main
 
 # Where the entries of the item's menu lie, as shares of its height.
 _OPEN_PANEL = 0.17
@@ -14,6 +16,27 @@ _SETTINGS_WIDTH = 520
 # Of the panel to the bar above it.
 _GAP = 6
 _SETTLED = 0.5
+# For how long a hand holds the button in a click, seconds: usually, and when it is slow.
+_SLOW = (0.15, 0.6)
+# Memory is above its lower threshold on every machine, so that there always is a text; a processor
+# that is busy is above its upper one and comes first.
+_THRESHOLDS = {
+    "settings.cpuModerateThreshold": 60.0,
+    "settings.cpuHighThreshold": 61.0,
+    "settings.gpuModerateThreshold": 99.0,
+    "settings.gpuHighThreshold": 100.0,
+    "settings.memoryModerateThreshold": 1.0,
+    "settings.memoryHighThreshold": 100.0,
+    "settings.storageModerateThreshold": 99.0,
+    "settings.storageCriticalThreshold": 100.0,
+}
+# The least that counts as seen: so much stronger is a colour's strongest part than its weakest, or
+# a letter than its ground; of so many pixels.
+_SATURATED = 70
+_FEWEST_PIXELS = 20
+# Where the text lies, from the middle of the icon.
+_TEXT_FROM = 14
+_TEXT_TO = 80
 
 
 class HostsTest(DesktopTestCase):
@@ -35,13 +58,15 @@ class HostsTest(DesktopTestCase):
     def check(self, host, is_wide=False):
         self.host = host
         self.open_desktop(host=host)
-        self.started = self.start_known_to_user()
+        self.started = self.start_known_to_user(_THRESHOLDS)
         self.check_item(is_wide)
-        self.check_click()
-        self.check_ways_to_close()
         self.check_menu()
+        self.check_click()
+        self.check_slow_clicks()
+        self.check_ways_to_close()
         self.check_restart()
-        self.check_stays_in_place(is_wide)
+        self.check_stays_in_place()
+        self.check_text(is_wide)
         self.check_settings()
         # On a busy machine a host may take longer to come back than the program waits for it.
         self.assertIn(self.started.output(), ("", NO_TRAY))
@@ -62,7 +87,23 @@ class HostsTest(DesktopTestCase):
             item = self.desktop.bus.item_of(self.started.pid)
             pictures = self.desktop.bus.item_property(item, "IconPixmap")
             self.assertEqual(len(pictures), 1 if is_wide else 6)
+        # A docked window has a place before it has a picture.
+        docked = self.started.docked_window()
+        if docked is not None:
+            colours = self.desktop.screen.picture(docked.box).getdata()
+            self.assertGreaterEqual(
+                sum(max(colour) - min(colour) >= _SATURATED for colour in colours), _FEWEST_PIXELS)
+        if is_wide:
+            self.assertGreaterEqual(self.text_pixels(), _FEWEST_PIXELS)
         self.keep("item")
+
+    def text_pixels(self):
+        """How many pixels right of the icon stand out from the bar."""
+        x, _ = self.until(self.started.item_place, "the item is on the screen")
+        text = self.desktop.screen.picture((x + _TEXT_FROM, 0, x + _TEXT_TO, self.bar_height()))
+        bar = ground(text)
+        return sum(max(abs(a - b) for a, b in zip(colour, bar)) >= _SATURATED
+                   for colour in text.getdata())
 
     def bar_height(self):
         return min(window.height for window in self.desktop.host_windows())
@@ -77,6 +118,16 @@ class HostsTest(DesktopTestCase):
         # The host hears of that click, too, and must not open the panel again.
         self.settle()
         self.assertIsNone(self.started.panel())
+
+    def check_slow_clicks(self):
+        """However long the button is held, one click opens the panel and the next one closes it."""
+        for hold in _SLOW:
+            self.started.click_item(hold=hold)
+            self.assert_open(self.started)
+            self.started.click_item(hold=hold)
+            self.assert_closed(self.started)
+            self.settle()
+            self.assertIsNone(self.started.panel(), f"held for {hold} s")
 
     def assert_place(self):
         """The panel is inside the screen and, where a program can say so, under the item."""
@@ -190,13 +241,38 @@ class HostsTest(DesktopTestCase):
         self.desktop.screen.press_key("Escape")
         self.assert_closed(self.started)
 
-    def check_stays_in_place(self, is_wide):
-        """The icon is where it was before the restart, whatever the text beside it was then."""
+    def check_stays_in_place(self):
+        """The icon is where it was before, whatever the text beside it was then."""
         place = self.until(self.started.item_place, "the item is on the screen")
         # The icon of another severity has another shape.
         self.assertLessEqual(abs(place[0] - self.place[0]), 2)
-        if is_wide:
-            self.keep("text")
+
+    def check_text(self, is_wide):
+        """Another text moves nothing."""
+        if not self.desktop.host_watches:
+            return
+        item = self.started.wait_for_item()
+        self.until(lambda: "RAM" in self.desktop.bus.item_property(item, "Title"),
+                   "the machine is calm")
+        with self.busy_machine():
+            self.until(lambda: "CPU" in self.desktop.bus.item_property(item, "Title"),
+                       "the item tells of the busy machine")
+            self.settle()
+            self.check_stays_in_place()
+            if is_wide:
+                self.assertGreaterEqual(self.text_pixels(), _FEWEST_PIXELS)
+                self.keep("text")
+
+    @contextlib.contextmanager
+    def busy_machine(self):
+        loops = [self.desktop.processes.start(["/usr/bin/python3", "-c", "while True: pass"],
+                                              self.desktop.env, "loop")
+                 for _ in range(os.cpu_count())]
+        try:
+            yield
+        finally:
+            for loop in loops:
+                self.desktop.processes.end(loop)
 
 
 main()

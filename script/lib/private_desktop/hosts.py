@@ -151,19 +151,11 @@ systray_icon_size = {22 * scale}
     return Host(("tint2", "-c", path), False)
 
 
-def _trayer(config, scale, dark):
-    del config, dark
-    height = str(32 * scale)
-    return Host(("trayer", "--edge", "top", "--align", "right", "--widthtype", "request",
-                 "--heighttype", "pixel", "--height", height), False)
-
-
 _HOSTS = {
     "xfce4-panel": _xfce4_panel,
     "lxqt-panel": _lxqt_panel,
     "mate-panel": _mate_panel,
     "tint2": _tint2,
-    "trayer": _trayer,
     "waybar": _waybar,
 }
 WATCHING = ("xfce4-panel", "lxqt-panel", "mate-panel", "waybar")

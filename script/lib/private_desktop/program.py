@@ -124,9 +124,9 @@ class Program:
         until(lambda: self.panel() is None, "the panel closes after a click outside")
         time.sleep(_SAME_CLICK)
 
-    def click_item(self, button=1):
+    def click_item(self, button=1, hold=0):
         place = until(self.item_place, "the item is on the screen")
-        self.desktop.screen.click(place, button)
+        self.desktop.screen.click(place, button, hold)
 
     def panel_picture(self):
         """What the screen shows of the panel, or None when it is closed or empty."""

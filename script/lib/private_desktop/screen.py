@@ -1,6 +1,7 @@
 """The X display: its windows, a pointer and a keyboard, pictures of what is on it."""
 
 import dataclasses
+import time
 
 from PIL import Image
 from Xlib import X, XK, Xatom, display, error
@@ -156,10 +157,12 @@ class Screen:
         xtest.fake_input(self._display, X.MotionNotify, x=int(place[0]), y=int(place[1]))
         self._display.sync()
 
-    def click(self, place, button=1):
-        """A press and a release of a button of the pointer at a place of the screen."""
+    def click(self, place, button=1, hold=0):
+        """A press and, `hold` seconds later, a release of a button at a place of the screen."""
         self.move_pointer(place)
         xtest.fake_input(self._display, X.ButtonPress, button)
+        self._display.sync()
+        time.sleep(hold)
         xtest.fake_input(self._display, X.ButtonRelease, button)
         self._display.sync()
 

@@ -5,6 +5,8 @@ import threading
 
 from gi.repository import Gio, GLib
 
+from .wait import PATIENCE, Timeout
+
 _WATCHER = ("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher",
             "org.kde.StatusNotifierWatcher")
 _ITEM = "org.kde.StatusNotifierItem"
@@ -123,9 +125,13 @@ class Settings:
         self._loop = None
         self._connection = None
         self._ready = threading.Event()
-        self._thread = threading.Thread(target=self._serve, args=(address,), daemon=True)
+        self._fault = None
+        self._thread = threading.Thread(target=self._try_to_serve, args=(address,), daemon=True)
         self._thread.start()
-        self._ready.wait()
+        if not self._ready.wait(PATIENCE):
+            raise Timeout(f"the portal is on the bus: not within {PATIENCE:g} s")
+        if self._fault is not None:
+            raise self._fault
 
     def set_dark(self, dark):
         """Changes the colour scheme, and says so."""
@@ -156,6 +162,13 @@ class Settings:
 
     def _value(self):
         return GLib.Variant("u", 1 if self._dark else 2)
+
+    def _try_to_serve(self, address):
+        try:
+            self._serve(address)
+        except Exception as fault:  # Whoever waits for it to be ready hears of it.
+            self._fault = fault
+            self._ready.set()
 
     def _serve(self, address):
         context = GLib.MainContext()

@@ -64,12 +64,13 @@ class WaylandInput:
         self._send(self._pointer, _POINTER_FRAME)
         self._wait()
 
-    def click(self, button):
-        for state in (1, 0):
+    def click(self, button, hold):
+        for state, pause in ((1, hold), (0, 0)):
             self._send(self._pointer, _POINTER_BUTTON,
                        _words(self._now(), _BUTTONS[button], state))
             self._send(self._pointer, _POINTER_FRAME)
             self._wait()
+            time.sleep(pause)
 
     def press_key(self, name):
         for state in (1, 0):

@@ -93,9 +93,9 @@ class WaylandScreen:
     def move_pointer(self, place):
         self._input.move_pointer(place)
 
-    def click(self, place, button=1):
+    def click(self, place, button=1, hold=0):
         self._input.move_pointer(place)
-        self._input.click(button)
+        self._input.click(button, hold)
 
     def press_key(self, name):
         self._input.press_key(name)
