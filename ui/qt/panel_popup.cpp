@@ -152,7 +152,13 @@ void PanelPopup::keyPressEvent(QKeyEvent* event) {
 }
 
 void PanelPopup::mousePressEvent(QMouseEvent* event) {
-    if (!panelRect().contains(event->position().toPoint())) {
+    isPressedOutside_ = !panelRect().contains(event->position().toPoint());
+}
+
+// The pointer is let go with the panel. Before the button is up, what lies below the pointer would
+// take the release for a click, however long after the press that comes.
+void PanelPopup::mouseReleaseEvent(QMouseEvent*) {
+    if (std::exchange(isPressedOutside_, false)) {
         dismiss();
     }
 }

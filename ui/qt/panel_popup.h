@@ -36,6 +36,7 @@ class PanelPopup final : public QWidget {
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     bool event(QEvent* event) override;
 
@@ -53,6 +54,8 @@ class PanelPopup final : public QWidget {
     PanelView* view_;
     QRect anchor_;
     std::optional<ForeignActivation> foreignActivation_;
+    /// The button is down since a press outside.
+    bool isPressedOutside_ = false;
     bool wasDismissedByPress_ = false;
 };
 

@@ -10,8 +10,15 @@
 namespace tarnwick::platform {
 namespace {
 
-// A bar is no higher than this share of its width.
+// A bar is no higher than this share of its width, or it is as short as the few icons in it, and
+// then no higher than this, in points.
 constexpr int kBarShare = 4;
+constexpr int kShortBarHeight = 64;
+
+bool isBar(const QSize& window) {
+    return window.height() * kBarShare <= window.width() ||
+           (window.height() < window.width() && window.height() <= kShortBarHeight);
+}
 
 struct Free {
     void operator()(void* reply) const { std::free(reply); }
@@ -42,7 +49,7 @@ std::optional<PointerAndWindow> windowUnderPointer(xcb_connection_t* connection)
 }  // namespace
 
 QRect placeInWindow(const QPoint& pointer, const QRect& window) {
-    if (!window.contains(pointer) || window.height() * kBarShare > window.width()) {
+    if (!window.contains(pointer) || !isBar(window.size())) {
         return {pointer, QSize(1, 1)};
     }
     return {pointer.x(), window.top(), 1, window.height()};

@@ -54,12 +54,17 @@ class PanelWindowTest : public testing::StatsManagerTest {
         window->open(anchor);
         qt::settle();
     }
-    /// A press at a point of the pop-up's own coordinates.
-    static void pressAt(const QPoint& position) {
-        QMouseEvent event(QEvent::MouseButtonPress, position, popup()->mapToGlobal(position),
-                          Qt::LeftButton, Qt::LeftButton, Qt::NoModifier);
+    static void sendMouse(QEvent::Type type, const QPoint& position) {
+        const bool isDown = type == QEvent::MouseButtonPress;
+        QMouseEvent event(type, position, popup()->mapToGlobal(position), Qt::LeftButton,
+                          isDown ? Qt::LeftButton : Qt::NoButton, Qt::NoModifier);
         QApplication::sendEvent(popup(), &event);
         qt::settle();
+    }
+    /// A press and a release at a point of the pop-up's own coordinates.
+    static void pressAt(const QPoint& position) {
+        sendMouse(QEvent::MouseButtonPress, position);
+        sendMouse(QEvent::MouseButtonRelease, position);
     }
 
     Theme theme;
@@ -158,6 +163,20 @@ TEST_F(PanelWindowTest, APressOutsideCloses) {
     open();
     pressAt(QPoint(-10, -10));
     EXPECT_FALSE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, APressOutsideClosesWhenTheButtonIsLetGo) {
+    open();
+    sendMouse(QEvent::MouseButtonPress, QPoint(-40, -40));
+    EXPECT_TRUE(window->isOpen());
+    sendMouse(QEvent::MouseButtonRelease, QPoint(-40, -40));
+    EXPECT_FALSE(window->isOpen());
+}
+
+TEST_F(PanelWindowTest, ALoneReleaseOutsideDoesNotClose) {
+    open();
+    sendMouse(QEvent::MouseButtonRelease, QPoint(-40, -40));
+    EXPECT_TRUE(window->isOpen());
 }
 
 TEST_F(PanelWindowTest, APressOnTheShadowIsOutside) {
