@@ -17,8 +17,7 @@ constexpr std::array kSizes = {16, 22, 24, 32, 48};
 }  // namespace
 
 EmbeddedTray::EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<void()> click,
-                           std::function<void()> middleClick,
-                           std::function<void()> trayChanged) {
+                           std::function<void()> middleClick, std::function<void()> trayChanged) {
     for (const MenuEntry& entry : entries) {
         if (entry.label.isEmpty()) {
             menu_.addSeparator();

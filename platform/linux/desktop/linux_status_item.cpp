@@ -101,8 +101,8 @@ void LinuxStatusItem::start() {
     withoutTray_.setSingleShot(true);
     withoutTray_.setInterval(options_.noTrayMilliseconds);
     connect(&withoutTray_, &QTimer::timeout, this, [this] { tellIfNoTray(); });
-    registration_ = std::make_unique<NotifierRegistration>(bus_, options_.programOf,
-                                                           options_.retryDelays);
+    registration_ =
+        std::make_unique<NotifierRegistration>(bus_, options_.programOf, options_.retryDelays);
     registration_->start([this] { hostChanged(); });
     countTimeWithoutTray();
 }

@@ -357,7 +357,8 @@ TEST_F(MenuBarViewTest, EveryDetailPageLeadsBackToAHomePageThatFollows) {
         view->perform(block<DetailHeader>(view->page(), "header").back.action);
         EXPECT_EQ(view->activeTab(), MenuTab::home);
         pages.clear();
-        manager->cpuInfo.set(testing::makeCPU(detail == PanelAction::showMemoryDetail ? 40 : 50, 4));
+        manager->cpuInfo.set(
+            testing::makeCPU(detail == PanelAction::showMemoryDetail ? 40 : 50, 4));
         manual.runMain();
         ASSERT_EQ(pages.size(), 1U);
         EXPECT_EQ(block<UsageBar>(pages[0], "bar.cpu").detail,

@@ -13,8 +13,8 @@
 namespace tarnwick::platform {
 namespace {
 
-using ::testing::ElementsAre;
 using ::testing::Each;
+using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using testing::waitUntil;
@@ -43,13 +43,12 @@ class EmbeddedTrayTest : public ::testing::Test {
     /// Symbols that were asked for since they were cleared.
     std::vector<std::string> drawn;
     std::vector<std::string> chosen;
-    EmbeddedTray tray{
-        {{.label = "First", .chosen = [this] { chosen.push_back("first"); }},
-         {.label = {}, .chosen = nullptr},
-         {.label = "Last", .chosen = [this] { chosen.push_back("last"); }}},
-        [] {},
-        [] {},
-        [] {}};
+    EmbeddedTray tray{{{.label = "First", .chosen = [this] { chosen.push_back("first"); }},
+                       {.label = {}, .chosen = nullptr},
+                       {.label = "Last", .chosen = [this] { chosen.push_back("last"); }}},
+                      [] {},
+                      [] {},
+                      [] {}};
 };
 
 TEST_F(EmbeddedTrayTest, DrawsAnIconOnceHoweverOftenItIsSet) {
