@@ -1,4 +1,4 @@
-"""The panel where the desktop has several screens."""
+"""The panel where the desktop has several screens, or its bar elsewhere than at the top."""
 
 from desktop_test_case import DesktopTestCase, main
 
@@ -26,6 +26,30 @@ class ScreensTest(DesktopTestCase):
 
     def test_opens_on_the_right_screen_which_begins_lower(self):
         self.check((500, 140, 780, 660), (0, 0, 500, 800))
+
+    def open_at_edge(self, edge):
+        """A short bar along an edge of the screen; the bar and the panel."""
+        self.open_desktop(host="tint2", edge=edge)
+        program = self.start_known_to_user()
+        bar = max(self.desktop.host_windows(), key=lambda window: window.width * window.height)
+        panel = program.open_panel()
+        self.assert_open(program)
+        width, height = self.desktop.screen.size
+        self.assertGreaterEqual(panel.x, 0)
+        self.assertGreaterEqual(panel.y, 0)
+        self.assertLessEqual(panel.x + panel.width, width)
+        self.assertLessEqual(panel.y + panel.height, height)
+        return bar, panel
+
+    def test_opens_above_a_bar_at_the_bottom(self):
+        bar, panel = self.open_at_edge("bottom")
+        self.assertGreater(bar.y, self.desktop.screen.size[1] // 2)
+        self.assertLessEqual(panel.y + panel.height, bar.y)
+
+    def test_opens_beside_a_bar_at_the_side(self):
+        bar, panel = self.open_at_edge("right")
+        self.assertGreater(bar.height, bar.width)
+        self.assertLessEqual(panel.x + panel.width, bar.x)
 
 
 main()

@@ -69,12 +69,13 @@ class PrivateDesktop:
     `host` names a tray host or is None; one that needs Wayland makes the whole desktop a Wayland
     session, without a window manager. Everything is twice as large with a `scale` of 2.
     `monitors` are boxes (x, y, width, height) that the screen is divided into, the first of them
-    the main one.
+    the main one. The host's bar is along the top, or along another `edge`.
     """
 
-    def __init__(self, host="xfce4-panel", scale=1, dark=False, monitors=()):
+    def __init__(self, host="xfce4-panel", scale=1, dark=False, monitors=(), edge=None):
         self.scale = scale
         self._monitors = monitors
+        self._edge = edge
         self.dark = dark
         self._host_name = host
         self._host = None
@@ -219,7 +220,8 @@ class PrivateDesktop:
 
     def start_host(self, name):
         """Starts a tray host and waits until it takes items."""
-        self._host = hosts.configure(name, self.path("home/.config"), self.scale, self.dark)
+        self._host = hosts.configure(name, self.path("home/.config"), self.scale, self.dark,
+                                     self._edge)
         env = {**self.env, **self._host.env}
         if self.scale != 1:
             env["GDK_SCALE"] = str(self.scale)

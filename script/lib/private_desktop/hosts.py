@@ -134,7 +134,15 @@ def _waybar(config, scale, dark):
                 bar_height=height * scale)
 
 
-def _tint2(config, scale, dark):
+# Where along an edge of the screen a short bar lies.
+_TINT2_PLACES = {
+    "top": "top right horizontal",
+    "bottom": "bottom right horizontal",
+    "right": "top right vertical",
+}
+
+
+def _tint2(config, scale, dark, edge="top"):
     del dark
     path = os.path.join(config, "tint2/tint2rc")
     _write(path, f"""\
@@ -142,7 +150,7 @@ rounded = 0
 border_width = 0
 background_color = #3a3a3e 100
 panel_items = S
-panel_position = top right horizontal
+panel_position = {_TINT2_PLACES[edge]}
 panel_size = 20% {32 * scale}
 panel_background_id = 1
 systray_padding = 8 4 4
@@ -172,6 +180,9 @@ def missing(name):
     return [each for each in (name, *_COMPANIONS.get(name, ())) if shutil.which(each) is None]
 
 
-def configure(name, config, scale, dark):
-    """Writes the configuration of a host below `config` and tells how to start it."""
-    return _HOSTS[name](config, scale, dark)
+def configure(name, config, scale, dark, edge=None):
+    """Writes the configuration of a host below `config` and tells how to start it.
+
+    The bar is at the top, or at another `edge` where the host can be told so.
+    """
+    return _HOSTS[name](config, scale, dark, **({"edge": edge} if edge else {}))
