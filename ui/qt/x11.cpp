@@ -48,10 +48,9 @@ bool grabPointer(xcb_window_t window) {
     }
     const Reply<xcb_grab_pointer_reply_t> reply(xcb_grab_pointer_reply(
         server,
-        xcb_grab_pointer(server, 1, window,
-                         XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
-                         XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE,
-                         XCB_CURRENT_TIME),
+        xcb_grab_pointer(
+            server, 1, window, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
+            XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
         nullptr));
     return reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
