@@ -99,7 +99,7 @@ class PanelTest(DesktopTestCase):
         program = self.start_known_to_user()
         panel = program.open_panel()
         width, height = self.desktop.screen.size
-        item = program.item_place()
+        item = self.until(program.item_place, "the item is on the screen")
         self.assertGreaterEqual(panel.x, 0)
         self.assertLessEqual(panel.x + panel.width, width)
         self.assertGreater(panel.y, item[1])
