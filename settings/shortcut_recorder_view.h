@@ -2,21 +2,14 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <optional>
 #include <string>
 
 #include "platform/keyboard_layout.h"
+#include "settings/binding.h"
 #include "settings/shortcut_field.h"
 
 namespace tarnwick {
-
-/// A value that lives elsewhere.
-template <class T>
-struct Binding {
-    std::function<T()> get;
-    std::function<void(T)> set;
-};
 
 /// Main thread only.
 class ShortcutRecorderView {
@@ -31,6 +24,7 @@ class ShortcutRecorderView {
     ShortcutRecorderView& operator=(const ShortcutRecorderView&) = delete;
 
     ShortcutField& field() { return field_; }
+    const ShortcutField& field() const { return field_; }
     const Binding<Text>& validationMessage() const { return validationMessage_; }
 
     /// Shows the bound shortcut; to be called whenever what is bound has changed.

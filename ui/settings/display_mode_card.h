@@ -1,0 +1,43 @@
+// The choice of what the status item shows.
+#pragma once
+
+#include <string_view>
+
+#include "core/tint.h"
+#include "settings/user_settings.h"
+
+namespace tarnwick {
+
+/// A strip that shows how the status item looks in a mode.
+struct DisplayModePreview {
+    /// Points.
+    static constexpr int kHeight = 56;
+
+    MenuBarDisplayMode mode = MenuBarDisplayMode::advanced;
+
+    /// Symbol name.
+    std::string_view icon() const;
+    Tint tint() const;
+    /// Empty for a symbol alone.
+    std::string_view text() const;
+
+    bool operator==(const DisplayModePreview&) const = default;
+};
+
+/// Pressed anywhere, it selects its mode.
+struct DisplayModeCard {
+    MenuBarDisplayMode mode = MenuBarDisplayMode::advanced;
+    /// The mode that is selected, of whichever card.
+    MenuBarDisplayMode selection = MenuBarDisplayMode::advanced;
+
+    bool isSelected() const { return selection == mode; }
+    /// Symbol name; in the accent colour where the card is selected, else in the secondary one.
+    std::string_view radioIcon() const;
+    std::string_view title() const;
+    std::string_view description() const;
+    DisplayModePreview preview() const { return {mode}; }
+
+    bool operator==(const DisplayModeCard&) const = default;
+};
+
+}  // namespace tarnwick

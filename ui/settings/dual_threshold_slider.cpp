@@ -1,0 +1,182 @@
+#include "ui/settings/dual_threshold_slider.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+#include <utility>
+
+namespace tarnwick {
+
+namespace {
+
+constexpr double kSpan =
+    DualThresholdSlider::kTrackRange.upper - DualThresholdSlider::kTrackRange.lower;
+/// The first whole number above those of 64 bits.
+constexpr double kBeyondInteger = 9223372036854775808.0;
+
+}  // namespace
+
+std::string wholePercentText(double value) {
+    if (std::isnan(value)) {
+        return "0";
+    }
+    if (value >= kBeyondInteger) {
+        return std::to_string(std::numeric_limits<std::int64_t>::max());
+    }
+    if (value < -kBeyondInteger) {
+        return std::to_string(std::numeric_limits<std::int64_t>::min());
+    }
+    return std::to_string(static_cast<std::int64_t>(value));
+}
+
+DualThresholdSlider::DualThresholdSlider(std::string title, Binding<double> normal,
+                                         Binding<double> high, ClosedRange normalRange,
+                                         ClosedRange highRange, bool keyboardNavigationEnabled)
+    : title_(std::move(title)),
+      normal_(std::move(normal)),
+      high_(std::move(high)),
+      normalRange_(normalRange),
+      highRange_(highRange),
+      keyboardNavigationEnabled_(keyboardNavigationEnabled) {}
+
+double DualThresholdSlider::value(Thumb thumb) const {
+    return thumb == Thumb::normal ? normal_.get() : high_.get();
+}
+
+const ClosedRange& DualThresholdSlider::range(Thumb thumb) const {
+    return thumb == Thumb::normal ? normalRange_ : highRange_;
+}
+
+double DualThresholdSlider::usableWidth(double width) {
+    return std::max(width - kThumbSize, 1.0);
+}
+
+double DualThresholdSlider::position(double value, double width) {
+    return usableWidth(width) * (value - kTrackRange.lower) / kSpan;
+}
+
+double DualThresholdSlider::thumbCenter(Thumb thumb, double width) const {
+    return position(value(thumb), width) + kThumbSize / 2;
+}
+
+DualThresholdSlider::Segments DualThresholdSlider::segments(double width) const {
+    const double normal = value(Thumb::normal);
+    const double high = value(Thumb::high);
+    const auto length = [width](double percent) {
+        return usableWidth(width) * std::max(0.0, percent) / kSpan;
+    };
+    return {length(normal - kTrackRange.lower), length(high - normal),
+            length(kTrackRange.upper - high)};
+}
+
+double DualThresholdSlider::valueAt(double location, double width) {
+    const double track = usableWidth(width);
+    double x = location - kThumbSize / 2;
+    if (x <= 0) {
+        x = 0;
+    } else if (x > track) {
+        x = track;
+    }
+    return kTrackRange.lower + (x / track) * kSpan;
+}
+
+// The order of the clamps decides where the ranges contradict each other. Of each pair the bound
+// stands first, which is what remains when the other one is not a number.
+double DualThresholdSlider::clamped(Thumb thumb, double raw) const {
+    if (thumb == Thumb::normal) {
+        const double limit =
+            std::max(normalRange_.lower, std::min(normalRange_.upper, high_.get() - 1));
+        return std::min(limit, std::max(normalRange_.lower, std::round(raw)));
+    }
+    const double limit = std::min(highRange_.upper, std::max(highRange_.lower, normal_.get() + 1));
+    return std::max(limit, std::min(highRange_.upper, std::round(raw)));
+}
+
+void DualThresholdSlider::setValue(Thumb thumb, double value) {
+    (thumb == Thumb::normal ? normal_ : high_).set(clamped(thumb, value));
+}
+
+void DualThresholdSlider::drag(Thumb thumb, double location, double width) {
+    dragged_ = thumb;
+    isUndecided_ = false;
+    setValue(thumb, valueAt(location, width));
+}
+
+bool DualThresholdSlider::isUnder(Thumb thumb, double location, double distanceFromAxis,
+                                  double width) const {
+    return std::abs(location - thumbCenter(thumb, width)) <= kHitSize / 2 &&
+           std::abs(distanceFromAxis) <= kHitSize / 2;
+}
+
+std::optional<DualThresholdSlider::Thumb> DualThresholdSlider::movable(double location,
+                                                                       double width) const {
+    const double raw = valueAt(location, width);
+    const bool normalCan = clamped(Thumb::normal, raw) != value(Thumb::normal);
+    const bool highCan = clamped(Thumb::high, raw) != value(Thumb::high);
+    if (normalCan && highCan) {
+        const auto distance = [&](Thumb thumb) {
+            return std::abs(location - thumbCenter(thumb, width));
+        };
+        return distance(Thumb::high) < distance(Thumb::normal) ? Thumb::high : Thumb::normal;
+    }
+    if (normalCan || highCan) {
+        return normalCan ? Thumb::normal : Thumb::high;
+    }
+    return std::nullopt;
+}
+
+bool DualThresholdSlider::beginDrag(double location, double distanceFromAxis, double width) {
+    const bool onNormal = isUnder(Thumb::normal, location, distanceFromAxis, width);
+    const bool onHigh = isUnder(Thumb::high, location, distanceFromAxis, width);
+    if (!onNormal && !onHigh) {
+        return false;
+    }
+    if (onNormal && onHigh) {
+        isUndecided_ = true;
+        continueDrag(location, width);
+    } else {
+        drag(onNormal ? Thumb::normal : Thumb::high, location, width);
+    }
+    return true;
+}
+
+void DualThresholdSlider::continueDrag(double location, double width) {
+    const auto thumb = isUndecided_ ? movable(location, width) : dragged_;
+    if (thumb) {
+        drag(*thumb, location, width);
+    }
+}
+
+void DualThresholdSlider::endDrag() {
+    dragged_.reset();
+    isUndecided_ = false;
+}
+
+void DualThresholdSlider::adjust(Thumb thumb, Adjustment adjustment) {
+    setValue(thumb, value(thumb) + (adjustment == Adjustment::increment ? 1 : -1));
+}
+
+void DualThresholdSlider::move(Thumb thumb, MoveCommand command) {
+    if (!keyboardNavigationEnabled_) {
+        return;
+    }
+    switch (command) {
+        case MoveCommand::up:
+        case MoveCommand::right:
+            return adjust(thumb, Adjustment::increment);
+        case MoveCommand::down:
+        case MoveCommand::left:
+            return adjust(thumb, Adjustment::decrement);
+    }
+}
+
+std::string DualThresholdSlider::accessibilityLabel(Thumb thumb) const {
+    return title_ + (thumb == Thumb::normal ? " normal threshold" : " high threshold");
+}
+
+std::string DualThresholdSlider::accessibilityValue(Thumb thumb) const {
+    return wholePercentText(value(thumb)) + " percent";
+}
+
+}  // namespace tarnwick

@@ -1,0 +1,64 @@
+// What a tab of the settings window shows, as a value.
+#pragma once
+
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "ui/settings/about.h"
+#include "ui/settings/display_mode_card.h"
+#include "ui/settings/shortcut_editor.h"
+#include "ui/settings/threshold_editor_card.h"
+
+namespace tarnwick {
+
+/// The preferences that are switched on and off.
+enum class SettingsSwitch { launchOnLogin, remindRestartAfterWeek };
+
+struct SwitchRow {
+    SettingsSwitch setting = SettingsSwitch::launchOnLogin;
+    std::string_view title;
+    std::string_view caption;
+    bool isOn = false;
+
+    bool operator==(const SwitchRow&) const = default;
+};
+
+/// Puts every threshold back.
+struct ResetButton {
+    static constexpr std::string_view kTitle = "Reset to Defaults";
+
+    bool operator==(const ResetButton&) const = default;
+};
+
+/// Draws its content on a rounded card.
+struct SettingsCard {
+    std::variant<SwitchRow, ShortcutEditor, ProgramName, FeatureList, PrivacyNote> content;
+
+    bool operator==(const SettingsCard&) const = default;
+};
+
+using SettingsItem = std::variant<DisplayModeCard, ThresholdEditorCard, SettingsCard, ResetButton>;
+
+/// A heading, where there is a title, above the content.
+struct SettingsSection {
+    std::string_view title;
+    std::vector<SettingsItem> content;
+
+    bool operator==(const SettingsSection&) const = default;
+};
+
+struct SettingsPage {
+    /// Points between two sections.
+    static constexpr int kSectionSpacing = 12;
+    static constexpr int kWideSectionSpacing = 18;
+    /// Points between two items of a section.
+    static constexpr int kItemSpacing = 12;
+
+    int sectionSpacing = kSectionSpacing;
+    std::vector<SettingsSection> sections;
+
+    bool operator==(const SettingsPage&) const = default;
+};
+
+}  // namespace tarnwick

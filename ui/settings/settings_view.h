@@ -1,0 +1,96 @@
+// The settings window's content: what it shows, and what each control does.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "core/published.h"
+#include "platform/dispatch.h"
+#include "platform/keyboard_layout.h"
+#include "settings/shortcut_recorder_view.h"
+#include "settings/user_settings.h"
+#include "ui/settings/settings_page.h"
+#include "ui/settings/tab.h"
+
+namespace tarnwick {
+
+/// What a view runs on; all outlive it.
+struct SettingsViewEnvironment {
+    platform::Dispatch& dispatch;
+    platform::KeyboardLayout& keyboardLayout;
+    ProgramInformation program{};
+    /// Shows an address in the user's browser.
+    std::function<void(const std::string& address)> openAddress{};
+    /// The thumbs of the sliders take the keyboard's focus.
+    bool keyboardNavigationEnabled = true;
+};
+
+/// Edits the settings themselves: what a control does is stored before it returns, and nothing has
+/// to be saved. Lives as long as the window shows it. Main thread only.
+class SettingsView {
+ public:
+    /// What is on screen.
+    struct Content {
+        Tab tab = Tab::general;
+        SettingsPage page;
+
+        bool operator==(const Content&) const = default;
+    };
+
+    SettingsView(UserSettings& settings, SettingsViewEnvironment environment);
+    SettingsView(const SettingsView&) = delete;
+    SettingsView& operator=(const SettingsView&) = delete;
+
+    UserSettings& settings() const { return settings_; }
+    const std::optional<std::string>& shortcutValidationMessage() const {
+        return shortcutValidationMessage_;
+    }
+
+    Content content() const;
+    SettingsPage page(Tab tab) const;
+    /// Calls `observer` when the content differs from the last one, on a later turn of the main
+    /// queue, once however much has changed and whoever changed it.
+    void setObserver(std::function<void(const Content&)> observer);
+
+    Tab selectedTab() const { return selectedTab_; }
+    void selectTab(Tab tab);
+
+    /// The card of the selected mode does nothing.
+    void selectDisplayMode(MenuBarDisplayMode mode);
+    void setSwitch(SettingsSwitch setting, bool on);
+    /// The recorder's field, for the control that feeds it.
+    ShortcutField& shortcutField() { return recorder_.field(); }
+    void clearShortcut();
+    DualThresholdSlider& slider(JudgedMetric metric);
+    void resetThresholds() { settings_.resetThresholdsToDefaults(); }
+    void openMakerSite();
+
+ private:
+    SettingsPage generalPage() const;
+    SettingsPage customizePage() const;
+    SettingsPage aboutPage() const;
+    void setValidationMessage(std::optional<std::string> message);
+    void followLaunchOnLogin();
+    void scheduleRebuild();
+    void rebuild();
+
+    UserSettings& settings_;
+    SettingsViewEnvironment environment_;
+    Tab selectedTab_ = Tab::general;
+    std::optional<std::string> shortcutValidationMessage_;
+    ShortcutRecorderView recorder_;
+    std::vector<DualThresholdSlider> sliders_;
+    /// As it was when it was looked at last.
+    bool launchOnLogin_;
+    bool isRebuildScheduled_ = false;
+    Content lastContent_;
+    std::function<void(const Content&)> observer_;
+    Subscription settingsSubscription_;
+    /// Expires with the view; what runs later holds it weakly.
+    std::shared_ptr<SettingsView*> self_ = std::make_shared<SettingsView*>(this);
+};
+
+}  // namespace tarnwick

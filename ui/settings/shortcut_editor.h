@@ -1,0 +1,59 @@
+// The part of the settings in which the global shortcut is recorded.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "core/tint.h"
+#include "platform/keyboard_layout.h"
+#include "settings/shortcut_field.h"
+#include "settings/user_settings.h"
+
+namespace tarnwick {
+
+/// A sentence with a symbol before it.
+struct StatusLine {
+    /// Symbol name.
+    std::string_view icon;
+    Tint tint = Tint::gray;
+    std::string text;
+
+    bool operator==(const StatusLine&) const = default;
+};
+
+struct ShortcutEditor {
+    static constexpr std::string_view kTitle = "Global Shortcut";
+    static constexpr std::string_view kCaption =
+        "Shortcut must include Command. Examples: ⌘ + L, ⌘ + Shift + L, ⌘ + Option + L, or ⌘ + "
+        "Control + L.";
+    static constexpr std::string_view kClear = "Clear";
+    /// Of the field, points.
+    static constexpr int kFieldWidth = 220;
+
+    /// What the field shows.
+    ShortcutFieldText field;
+    /// There is something to clear.
+    bool hasClear = false;
+    /// From top to bottom.
+    std::vector<StatusLine> lines;
+
+    bool operator==(const ShortcutEditor&) const = default;
+};
+
+/// What is known about the shortcut when the lines below its field are written.
+struct ShortcutStatus {
+    /// Why the last key press was rejected.
+    std::optional<std::string> validationMessage;
+    RegistrationState registrationState = RegistrationState::inactive;
+    // As stored.
+    std::int64_t keyCode = -1;
+    std::int64_t modifiers = 0;
+};
+
+/// The reason of a rejected key press, then the outcome of the registration, each by itself.
+std::vector<StatusLine> statusLines(const ShortcutStatus& status, platform::KeyboardLayout& layout);
+
+}  // namespace tarnwick
