@@ -4,11 +4,13 @@
 #include <QSessionManager>
 #include <cstdlib>
 #include <string>
+#include <utility>
 
 #include "app/tarnwick_app.h"
 #include "platform/linux/autostart_login_service.h"
 #include "platform/linux/byte_count_text.h"
 #include "platform/linux/descriptor_limit.h"
+#include "platform/linux/desktop/activity_monitor.h"
 #include "platform/linux/desktop/color_scheme.h"
 #include "platform/linux/desktop/display_end.h"
 #include "platform/linux/desktop/interface_font.h"
@@ -21,6 +23,7 @@
 #include "platform/linux/desktop/single_instance.h"
 #include "platform/linux/desktop/sleep_signals.h"
 #include "platform/linux/desktop/toolkit_environment.h"
+#include "platform/linux/detached_program.h"
 #include "platform/linux/freed_memory.h"
 #include "platform/linux/linux_accelerators.h"
 #include "platform/linux/linux_kernel.h"
@@ -34,6 +37,7 @@
 #include "platform/linux/start_command.h"
 #include "platform/platform.h"
 #include "ui/panel/menu_bar_view.h"
+#include "ui/qt/accessible_application.h"
 #include "ui/qt/panel_placement.h"
 #include "ui/qt/panel_window.h"
 #include "ui/qt/settings_placeholder.h"
@@ -96,7 +100,7 @@ QRect panelAnchor(const platform::LinuxStatusItem& item) {
     return qt::cornerAnchor(screen->geometry(), screen->availableGeometry());
 }
 
-int run(QApplication& application) {
+int run(QApplication& application, platform::StartConditions conditions) {
     const QDBusConnection bus = platform::sessionBus();
     if (!bus.isConnected()) {
         platform::notice("there is no session bus: only a tray of the older kind can be used");
@@ -136,6 +140,7 @@ int run(QApplication& application) {
     qt::TitledWindows windows;
     TarnwickApp app(TarnwickAppDesktop{
         item, windows, [](UserSettings&) { return qt::makeSettingsPlaceholder(); }});
+    platform::ActivityMonitor activityMonitor(bus, std::move(conditions));
     // The panel is made after the view whose button closes it.
     std::function<void()> closePanel;
     MenuBarView view(app.statsManager(), {.showSettings =
@@ -144,6 +149,14 @@ int run(QApplication& application) {
                                                   // windows over while it still has it.
                                                   app.showSettingsWindow();
                                                   closePanel();
+                                              },
+                                          .openActivityMonitor =
+                                              [&activityMonitor, &closePanel] {
+                                                  // The panel would lie over it, and hold the
+                                                  // pointer.
+                                                  if (activityMonitor.open()) {
+                                                      closePanel();
+                                                  }
                                               },
                                           .quit = quit});
     qt::PanelWindow panel(view, theme, *platform::current().dispatch);
@@ -192,13 +205,15 @@ int main(int argc, char* argv[]) {
         platform::notice("there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
         return EXIT_FAILURE;
     }
-    platform::raiseDescriptorLimit();
+    platform::StartConditions conditions{platform::currentEnvironment(),
+                                         platform::raiseDescriptorLimit()};
     auto environment = std::make_optional<platform::ToolkitEnvironment>();
+    qt::listPopUpsForScreenReaders();
     QApplication application(argc, argv);
     environment.reset();
     QApplication::setApplicationName("tarnwick");
     QApplication::setApplicationVersion(TARNWICK_VERSION);
     QApplication::setDesktopFileName(platform::kDesktopEntryName);
     QApplication::setQuitOnLastWindowClosed(false);
-    return run(application);
+    return run(application, std::move(conditions));
 }

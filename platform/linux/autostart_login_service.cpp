@@ -9,6 +9,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/linux/executable_file.h"
 #include "platform/linux/folders.h"
 #include "platform/linux/kept_file.h"
 
@@ -38,12 +39,6 @@ std::optional<std::string> textOf(const std::filesystem::path& file) {
         return std::nullopt;
     }
     return readWholeFile(file).value_or(std::string());
-}
-
-bool isExecutable(const std::filesystem::path& file) {
-    struct stat found {};
-    return ::stat(file.c_str(), &found) == 0 && S_ISREG(found.st_mode) &&
-           ::access(file.c_str(), X_OK) == 0;
 }
 
 /// Writes the whole text to the disk.
@@ -187,19 +182,7 @@ bool AutostartLoginService::isProgram(const std::string& name) const {
     if (isSandboxed() && name == command_.front()) {
         return true;
     }
-    if (name.find('/') != std::string::npos) {
-        return name.front() == '/' && isExecutable(name);
-    }
-    const std::string list = value("PATH");
-    std::string_view rest = list;
-    while (!rest.empty()) {
-        const std::filesystem::path folder = rest.substr(0, rest.find(':'));
-        if (folder.is_absolute() && isExecutable(folder / name)) {
-            return true;
-        }
-        rest.remove_prefix(std::min(folder.native().size() + 1, rest.size()));
-    }
-    return false;
+    return !findExecutable(name, value("PATH")).empty();
 }
 
 std::optional<LoginServiceError> AutostartLoginService::write(std::string_view text) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 
 namespace tarnwick::platform {
 
@@ -9,8 +10,9 @@ namespace tarnwick::platform {
 inline constexpr std::size_t kWantedDescriptors = 16'384;
 
 /// Raises the program's limit to what is wanted, as far as the system lets it; a higher one stays.
-/// Most systems start programs with 1,024, for the sake of those that use select(). What the
-/// program starts later has the raised limit, too.
-void raiseDescriptorLimit();
+/// Most systems start programs with 1,024, for the sake of those that use select(): other programs
+/// that this one starts are to have the limit that is returned, the one before. Absent when it was
+/// not raised.
+std::optional<std::size_t> raiseDescriptorLimit();
 
 }  // namespace tarnwick::platform

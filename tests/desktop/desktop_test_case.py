@@ -7,6 +7,7 @@ import sqlite3
 import time
 import unittest
 
+from gi.repository import GLib
 from private_desktop import PrivateDesktop, Program, Timeout, hosts, until
 from private_desktop.processes import end_on_signals
 
@@ -64,6 +65,21 @@ class DesktopTestCase(unittest.TestCase):
             return until(condition, what)
         except Timeout as timeout:
             self.fail(str(timeout))
+
+    def press(self, program, name):
+        """Presses a button of an open window as a screen reader does; the desktop has one."""
+        with self.desktop.accessibility_bus() as bus:
+            def pressed():
+                # What is on its way when the window changes is no longer there to be pressed.
+                with contextlib.suppress(GLib.Error):
+                    root = bus.program(program.pid)
+                    for each in root.descendants() if root else ():
+                        if each.role == "push button" and each.name == name:
+                            each.do("Press")
+                            return True
+                return False
+
+            self.until(pressed, f"{name} is pressed")
 
     def assert_open(self, program):
         self.until(program.panel_picture, "the panel is open and drawn")

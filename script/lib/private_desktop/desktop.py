@@ -7,6 +7,7 @@ import subprocess
 import tempfile
 
 from . import hosts
+from .accessibility import AccessibilityBus
 from .processes import Processes
 from .screen import Screen, Window
 from .session_bus import SessionBus, Settings, answers
@@ -57,6 +58,7 @@ _BUS = """\
   </policy>
 </busconfig>
 """
+_ACCESSIBILITY_SERVICE = "/usr/share/dbus-1/services/org.a11y.Bus.service"
 _SERVICES = (
     "/usr/share/dbus-1/services/org.xfce.Xfconf.service",
     "/usr/share/dbus-1/services/org.mate.panel.applet.NotificationAreaAppletFactory.service",
@@ -69,13 +71,16 @@ class PrivateDesktop:
     `host` names a tray host or is None; one that needs Wayland makes the whole desktop a Wayland
     session, without a window manager. Everything is twice as large with a `scale` of 2.
     `monitors` are boxes (x, y, width, height) that the screen is divided into, the first of them
-    the main one. The host's bar is along the top, or along another `edge`.
+    the main one. The host's bar is along the top, or along another `edge`. Screen readers find
+    what the programs show where there is `accessibility`.
     """
 
-    def __init__(self, host="xfce4-panel", scale=1, dark=False, monitors=(), edge=None):
+    def __init__(self, host="xfce4-panel", scale=1, dark=False, monitors=(), edge=None,
+                 accessibility=False):
         self.scale = scale
         self._monitors = monitors
         self._edge = edge
+        self._has_accessibility = accessibility
         self.dark = dark
         self._host_name = host
         self._host = None
@@ -199,7 +204,12 @@ class PrivateDesktop:
                 env=self.env, check=True, stdout=subprocess.DEVNULL)
 
     def _start_bus(self):
-        for service in _SERVICES:
+        services = list(_SERVICES)
+        if self._has_accessibility:
+            # Without a screen reader that says so programs would show nothing.
+            self.env["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
+            services.append(_ACCESSIBILITY_SERVICE)
+        for service in services:
             if os.path.exists(service):
                 os.symlink(service, self.path("services/" + os.path.basename(service)))
         socket = self.path("runtime/bus")
@@ -212,6 +222,10 @@ class PrivateDesktop:
         until(lambda: answers(address), "the session bus listens")
         self.bus = SessionBus(address)
         self.settings = Settings(address, self.dark)
+
+    def accessibility_bus(self):
+        """A connection to what screen readers see of this desktop; a context manager."""
+        return AccessibilityBus(self.env["DBUS_SESSION_BUS_ADDRESS"])
 
     def _start_window_manager(self):
         self._window_manager = self.processes.start(

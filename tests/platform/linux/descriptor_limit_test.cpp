@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <optional>
 #include <sys/resource.h>
 
 #include "tests/platform/linux/child_process.h"
@@ -17,9 +18,12 @@ using tarnwick::testing::descriptorLimit;
 void expectRaised(rlimit before, rlim_t expected) {
     ChildProcess child([before, expected] {
         ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
-        raiseDescriptorLimit();
+        const auto returned = raiseDescriptorLimit();
         EXPECT_EQ(descriptorLimit().rlim_cur, expected);
         EXPECT_EQ(descriptorLimit().rlim_max, before.rlim_max);
+        EXPECT_EQ(returned, expected == before.rlim_cur
+                                ? std::nullopt
+                                : std::optional<std::size_t>(before.rlim_cur));
     });
     EXPECT_EQ(child.wait(), 0);
 }

@@ -1,0 +1,33 @@
+// The system monitors that desktops come with.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace tarnwick::platform {
+
+/// An application that can be started.
+struct InstalledProgram {
+    /// Name of its desktop entry, without ".desktop".
+    std::string entry;
+    /// The program and its arguments; never empty. A name without a folder is looked for in the
+    /// PATH.
+    std::vector<std::string> command;
+    /// The folder that it wants to run in; empty when it does not say.
+    std::string folder;
+
+    bool operator==(const InstalledProgram&) const = default;
+};
+
+/// The desktop's own system monitor (XDG_CURRENT_DESKTOP), else another one with windows, else one
+/// for the terminal where there is a terminal to run it in. Only those count whose desktop entry is
+/// installed, not removed (Hidden), and whose programs are there. `environment` gives a variable's
+/// value or null; `root` is "/". Absent when there is none.
+std::optional<InstalledProgram> findSystemMonitor(
+    const std::function<const char*(const char*)>& environment,
+    const std::filesystem::path& root = "/");
+
+}  // namespace tarnwick::platform
