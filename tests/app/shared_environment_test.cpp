@@ -12,6 +12,7 @@
 #include "platform/testing/scripted_login_service.h"
 #include "platform/testing/scripted_power_sources.h"
 #include "platform/testing/scripted_status_item.h"
+#include "platform/testing/scripted_volumes.h"
 #include "platform/testing/scripted_windows.h"
 #include "services/battery_service.h"
 
@@ -23,6 +24,7 @@ using testing::ElementsAre;
 /// The machine under the process-wide instances, which keep it for good.
 struct Machine {
     platform::testing::ScriptedKernel kernel;
+    platform::testing::ScriptedVolumes volumes;
     platform::testing::ScriptedPowerSources powerSources;
     platform::testing::MemoryUserDefaults store;
     platform::testing::ScriptedLoginService loginService;
@@ -34,6 +36,7 @@ TEST(SharedTarnwickAppEnvironment, IsTheCurrentPlatformWithTheSharedSettingsAndB
     auto& machine = *new Machine;
     platform::Platform platform;
     platform.kernel = &machine.kernel;
+    platform.volumes = &machine.volumes;
     platform.powerSources = &machine.powerSources;
     platform.batteryHealth = &machine.powerSources;
     platform.userDefaults = &machine.store;
