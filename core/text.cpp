@@ -1,7 +1,10 @@
 #include "core/text.h"
 
 #include <array>
-#include <charconv>
+#include <iomanip>
+#include <locale>
+#include <sstream>
+#include <utility>
 
 namespace tarnwick {
 namespace {
@@ -52,11 +55,11 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::string percentText(double value, int decimals) {
-    // The longest double has 309 digits before the point.
-    std::array<char, 352> buffer{};
-    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value,
-                                            std::chars_format::fixed, decimals);
-    return std::string(buffer.data(), end) + '%';
+    // A stream, for not every standard library at hand has std::to_chars for this.
+    std::ostringstream text;
+    text.imbue(std::locale::classic());
+    text << std::fixed << std::setprecision(decimals) << value << '%';
+    return std::move(text).str();
 }
 
 }  // namespace tarnwick

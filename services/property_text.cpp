@@ -1,7 +1,10 @@
 #include "services/property_text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <limits>
+#include <locale>
+#include <sstream>
 #include <system_error>
 
 #include "core/text.h"
@@ -9,10 +12,6 @@
 namespace tarnwick {
 
 namespace {
-
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
 
 /// A plus is a sign, too, unless another one follows.
 std::string_view withoutPlus(std::string_view text) {
@@ -22,14 +21,34 @@ std::string_view withoutPlus(std::string_view text) {
     return text;
 }
 
-bool startsWithNumber(std::string_view text) {
-    if (text.starts_with('-')) {
-        text.remove_prefix(1);
+std::size_t digitsAt(std::string_view text, std::size_t at) {
+    const std::size_t end = text.find_first_not_of("0123456789", std::min(at, text.size()));
+    return (end == std::string_view::npos ? text.size() : end) - std::min(at, text.size());
+}
+
+/// The decimal number that the text starts with: a minus, digits, a point, an exponent. Empty where
+/// it starts with none; words such as "nan" and "inf" are no numbers here.
+std::string_view numberPrefix(std::string_view text) {
+    std::size_t end = text.starts_with('-') ? 1 : 0;
+    const std::size_t whole = digitsAt(text, end);
+    end += whole;
+    std::size_t fraction = 0;
+    if (end < text.size() && text[end] == '.') {
+        fraction = digitsAt(text, end + 1);
+        end += 1 + fraction;
     }
-    if (text.starts_with('.')) {
-        text.remove_prefix(1);
+    if (whole + fraction == 0) {
+        return {};
     }
-    return !text.empty() && isDigit(text.front());
+    if (end < text.size() && (text[end] == 'e' || text[end] == 'E')) {
+        const bool isSigned =
+            end + 1 < text.size() && (text[end + 1] == '+' || text[end + 1] == '-');
+        const std::size_t exponent = end + (isSigned ? 2 : 1);
+        if (const std::size_t digits = digitsAt(text, exponent); digits > 0) {
+            end = exponent + digits;
+        }
+    }
+    return text.substr(0, end);
 }
 
 /// The value of a number that a double cannot hold: too close to 0, or too far from it.
@@ -88,17 +107,15 @@ std::size_t codePointLength(std::string_view text) {
 }  // namespace
 
 double numberAtStart(std::string_view text) {
-    const std::string_view number = withoutPlus(trimmed(text));
-    // Words such as "nan" and "inf" are no numbers here.
-    if (!startsWithNumber(number)) {
+    const std::string_view number = numberPrefix(withoutPlus(trimmed(text)));
+    if (number.empty()) {
         return 0;
     }
+    // A stream, for not every standard library at hand has std::from_chars for this.
+    std::istringstream stream{std::string(number)};
+    stream.imbue(std::locale::classic());
     double value = 0;
-    const auto [rest, error] = std::from_chars(number.data(), number.data() + number.size(), value);
-    if (error == std::errc::result_out_of_range) {
-        return outOfRange(number.substr(0, static_cast<std::size_t>(rest - number.data())));
-    }
-    return value;
+    return stream >> value ? value : outOfRange(number);
 }
 
 std::optional<std::int64_t> wholeDecimalInteger(std::string_view text) {

@@ -63,10 +63,11 @@ class DefaultSignals {
     DefaultSignals() {
         ::posix_spawnattr_init(&attributes_);
         sigset_t signals;
-        ::sigemptyset(&signals);
+        // Macros on some systems.
+        sigemptyset(&signals);
         ::posix_spawnattr_setsigmask(&attributes_, &signals);
         for (const int number : {SIGCHLD, SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM}) {
-            ::sigaddset(&signals, number);
+            sigaddset(&signals, number);
         }
         ::posix_spawnattr_setsigdefault(&attributes_, &signals);
         ::posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
