@@ -6,6 +6,8 @@
 #include <optional>
 #include <string_view>
 
+#include "settings/key_codes.h"
+
 namespace tarnwick {
 namespace {
 
@@ -15,22 +17,32 @@ struct FixedName {
 };
 
 constexpr std::array kFixedNames = {
-    FixedName{36, "\u21A9"},                            // Return
-    FixedName{48, "\u21E5"},                            // Tab
-    FixedName{49, "Space"},   FixedName{51, "\u232B"},  // Delete
-    FixedName{53, "\u238B"},                            // Escape
-    FixedName{96, "F5"},      FixedName{97, "F6"},      FixedName{98, "F7"},
-    FixedName{99, "F3"},      FixedName{100, "F8"},     FixedName{101, "F9"},
-    FixedName{103, "F11"},    FixedName{109, "F10"},    FixedName{111, "F12"},
-    FixedName{115, "\u2196"},                            // Home
-    FixedName{116, "\u21DE"},                            // Page Up
-    FixedName{117, "\u2326"},                            // Forward Delete
-    FixedName{118, "F4"},     FixedName{119, "\u2198"},  // End
-    FixedName{120, "F2"},     FixedName{121, "\u21DF"},  // Page Down
-    FixedName{122, "F1"},     FixedName{123, "\u2190"},  // Left
-    FixedName{124, "\u2192"},                            // Right
-    FixedName{125, "\u2193"},                            // Down
-    FixedName{126, "\u2191"},                            // Up
+    FixedName{key_code::kReturn, "\u21A9"},
+    FixedName{key_code::kTab, "\u21E5"},
+    FixedName{key_code::kSpace, "Space"},
+    FixedName{key_code::kDelete, "\u232B"},
+    FixedName{key_code::kEscape, "\u238B"},
+    FixedName{key_code::kHome, "\u2196"},
+    FixedName{key_code::kPageUp, "\u21DE"},
+    FixedName{key_code::kForwardDelete, "\u2326"},
+    FixedName{key_code::kEnd, "\u2198"},
+    FixedName{key_code::kPageDown, "\u21DF"},
+    FixedName{key_code::kLeftArrow, "\u2190"},
+    FixedName{key_code::kRightArrow, "\u2192"},
+    FixedName{key_code::kDownArrow, "\u2193"},
+    FixedName{key_code::kUpArrow, "\u2191"},
+    FixedName{key_code::kF1, "F1"},
+    FixedName{key_code::kF2, "F2"},
+    FixedName{key_code::kF3, "F3"},
+    FixedName{key_code::kF4, "F4"},
+    FixedName{key_code::kF5, "F5"},
+    FixedName{key_code::kF6, "F6"},
+    FixedName{key_code::kF7, "F7"},
+    FixedName{key_code::kF8, "F8"},
+    FixedName{key_code::kF9, "F9"},
+    FixedName{key_code::kF10, "F10"},
+    FixedName{key_code::kF11, "F11"},
+    FixedName{key_code::kF12, "F12"},
 };
 
 std::optional<std::string> fixedName(std::int64_t keyCode) {

@@ -1,16 +1,9 @@
 #include "settings/shortcut_field.h"
 
+#include "settings/key_codes.h"
 #include "settings/shortcut.h"
 
 namespace tarnwick {
-namespace {
-
-constexpr std::int64_t kDelete = 51;
-constexpr std::int64_t kForwardDelete = 117;
-constexpr std::int64_t kEscape = 53;
-
-}  // namespace
-
 ShortcutField::ShortcutField(platform::KeyboardLayout& layout) : layout_(layout) {
     refresh();
 }
@@ -43,11 +36,11 @@ bool ShortcutField::keyDown(std::int64_t keyCode, std::int64_t flags) {
     if (!isRecording_) {
         return false;
     }
-    if (keyCode == kDelete || keyCode == kForwardDelete) {
+    if (keyCode == key_code::kDelete || keyCode == key_code::kForwardDelete) {
         record(-1, 0);
         return true;
     }
-    if (keyCode == kEscape) {
+    if (keyCode == key_code::kEscape) {
         stopRecording();
         return true;
     }

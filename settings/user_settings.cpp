@@ -1,6 +1,7 @@
 #include "settings/user_settings.h"
 
 #include "platform/platform.h"
+#include "settings/key_codes.h"
 
 namespace tarnwick {
 namespace {
@@ -30,7 +31,7 @@ constexpr Property<bool> kHasPresentedInitialSettings{"settings.hasPresentedInit
                                                       false};
 
 /// Command-L: the shortcut of those who used the program before it could be chosen.
-constexpr std::int64_t kLegacyShortcutKeyCode = 37;
+constexpr std::int64_t kLegacyShortcutKeyCode = key_code::kL;
 constexpr std::int64_t kLegacyShortcutModifiers = 0x100000;
 
 bool read(platform::UserDefaults& store, const Property<bool>& property) {

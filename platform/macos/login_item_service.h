@@ -1,0 +1,23 @@
+// The system's service for login items, also where the set of headers lacks it. For Objective-C++
+// only.
+#pragma once
+
+#import <Foundation/Foundation.h>
+
+#if __has_include(<ServiceManagement/ServiceManagement.h>)
+#import <ServiceManagement/ServiceManagement.h>
+#else
+typedef NS_ENUM(NSInteger, SMAppServiceStatus) {
+    SMAppServiceStatusNotRegistered,
+    SMAppServiceStatusEnabled,
+    SMAppServiceStatusRequiresApproval,
+    SMAppServiceStatusNotFound,
+};
+
+@interface SMAppService : NSObject
+@property(class, readonly) SMAppService* mainAppService;
+@property(readonly) SMAppServiceStatus status;
+- (BOOL)registerAndReturnError:(NSError**)error;
+- (BOOL)unregisterAndReturnError:(NSError**)error;
+@end
+#endif

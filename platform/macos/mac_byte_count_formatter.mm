@@ -1,0 +1,19 @@
+#include "platform/macos/mac_byte_count_formatter.h"
+
+#import <Foundation/Foundation.h>
+
+#include "platform/macos/foundation_text.h"
+
+namespace tarnwick::platform {
+
+std::string MacByteCountFormatter::stringFromByteCount(std::int64_t byteCount,
+                                                       CountStyle style) const {
+    @autoreleasepool {
+        return text([NSByteCountFormatter
+            stringFromByteCount:byteCount
+                     countStyle:style == CountStyle::file ? NSByteCountFormatterCountStyleFile
+                                                          : NSByteCountFormatterCountStyleMemory]);
+    }
+}
+
+}  // namespace tarnwick::platform

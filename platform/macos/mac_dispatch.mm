@@ -1,0 +1,67 @@
+#include "platform/macos/mac_dispatch.h"
+
+#import <Foundation/Foundation.h>
+#include <utility>
+
+namespace tarnwick::platform {
+namespace {
+
+class RunLoopTimer final : public Timer {
+ public:
+    explicit RunLoopTimer(NSTimer* timer) : timer_(timer) {}
+    RunLoopTimer(const RunLoopTimer&) = delete;
+    RunLoopTimer& operator=(const RunLoopTimer&) = delete;
+    ~RunLoopTimer() override { [timer_ invalidate]; }
+
+    double fireTime() const override { return timer_.fireDate.timeIntervalSinceReferenceDate; }
+    void setFireTime(double seconds) override {
+        timer_.fireDate = [NSDate dateWithTimeIntervalSinceReferenceDate:seconds];
+    }
+    double tolerance() const override { return timer_.tolerance; }
+    void setTolerance(double seconds) override { timer_.tolerance = seconds; }
+    void invalidate() override { [timer_ invalidate]; }
+
+ private:
+    NSTimer* const timer_;
+};
+
+}  // namespace
+
+double MacDispatch::now() const {
+    return NSDate.timeIntervalSinceReferenceDate;
+}
+
+void MacDispatch::async(std::function<void()> work) {
+    dispatch_async(dispatch_get_main_queue(), ^{
+      work();
+    });
+}
+
+void MacDispatch::asyncAfter(double seconds, std::function<void()> work) {
+    const auto delay = static_cast<std::int64_t>(seconds * NSEC_PER_SEC);
+    dispatch_after(dispatch_time(DISPATCH_TIME_NOW, delay), dispatch_get_main_queue(), ^{
+      work();
+    });
+}
+
+void MacDispatch::detached(std::function<void()> work) {
+    dispatch_async(dispatch_get_global_queue(QOS_CLASS_UTILITY, 0), ^{
+      @autoreleasepool {
+          work();
+      }
+    });
+}
+
+std::unique_ptr<Timer> MacDispatch::scheduleRepeating(double interval,
+                                                      std::function<void()> handler) {
+    NSTimer* timer = [NSTimer scheduledTimerWithTimeInterval:interval
+                                                     repeats:YES
+                                                       block:^(NSTimer*) {
+                                                         // A copy: it may invalidate its timer.
+                                                         const auto fired = handler;
+                                                         fired();
+                                                       }];
+    return std::make_unique<RunLoopTimer>(timer);
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,45 @@
+#include "platform/macos/mac_platform.h"
+
+#include "platform/macos/mac_accelerators.h"
+#include "platform/macos/mac_byte_count_formatter.h"
+#include "platform/macos/mac_dispatch.h"
+#include "platform/macos/mac_hot_keys.h"
+#include "platform/macos/mac_interface_calls.h"
+#include "platform/macos/mac_kernel.h"
+#include "platform/macos/mac_keyboard_layout.h"
+#include "platform/macos/mac_login_service.h"
+#include "platform/macos/mac_power_sources.h"
+#include "platform/macos/mac_process_info.h"
+#include "platform/macos/mac_raw_process_table.h"
+#include "platform/macos/mac_user_defaults.h"
+#include "platform/macos/mac_volumes.h"
+#include "platform/posix/posix_child_processes.h"
+#include "services/interface_counter_reader.h"
+#include "services/process_runner.h"
+#include "services/process_table_reader.h"
+#include "services/profiler_health.h"
+
+namespace tarnwick::platform {
+
+Platform makeMacPlatform() {
+    auto* kernel = new MacKernel();
+    return {
+        .kernel = kernel,
+        .volumes = new MacVolumes(),
+        .networkInterfaces = new InterfaceCounterReader(*new MacInterfaceCalls()),
+        .accelerators = new MacAccelerators(),
+        .processInfo = new MacProcessInfo(),
+        .powerSources = new MacPowerSources(),
+        .batteryHealth = new ProfilerHealth(ProcessRunner(
+            *new PosixChildProcesses(), [kernel] { return kernel->monotonicSeconds(); })),
+        .processTable = new ProcessTableReader(*new MacRawProcessTable()),
+        .userDefaults = new MacUserDefaults(),
+        .loginService = new MacLoginService(),
+        .hotKeys = new MacHotKeys(),
+        .keyboardLayout = new MacKeyboardLayout(),
+        .byteCountFormatter = new MacByteCountFormatter(),
+        .dispatch = new MacDispatch(),
+    };
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,76 @@
+#include "platform/macos/mac_user_defaults.h"
+
+#import <Foundation/Foundation.h>
+
+#include "platform/macos/core_foundation_values.h"
+#include "platform/macos/foundation_text.h"
+
+namespace tarnwick::platform {
+namespace {
+
+NSUserDefaults* store() {
+    return NSUserDefaults.standardUserDefaults;
+}
+
+id stored(std::string_view key) {
+    return [store() objectForKey:foundationText(std::string(key))];
+}
+
+id boxed(bool value) {
+    return @(static_cast<BOOL>(value));
+}
+id boxed(std::int64_t value) {
+    return @(value);
+}
+id boxed(double value) {
+    return @(value);
+}
+id boxed(const std::string& value) {
+    return foundationText(value);
+}
+id boxed(Date value) {
+    return [NSDate dateWithTimeIntervalSince1970:value.secondsSince1970];
+}
+
+}  // namespace
+
+std::optional<DefaultsValue> MacUserDefaults::object(std::string_view key) {
+    @autoreleasepool {
+        id value = stored(key);
+        const auto reference = (__bridge CFTypeRef)value;
+        if (const auto boolean = booleanIn(reference)) {
+            return *boolean;
+        }
+        if (auto text = textIn(reference)) {
+            return std::move(*text);
+        }
+        if ([value isKindOfClass:NSDate.class]) {
+            return Date{.secondsSince1970 = static_cast<NSDate*>(value).timeIntervalSince1970};
+        }
+        const PropertyValue number = propertyIn(reference);
+        if (const auto* integer = std::get_if<std::int64_t>(&number)) {
+            return *integer;
+        }
+        if (const auto* real = std::get_if<double>(&number)) {
+            return *real;
+        }
+        return std::nullopt;
+    }
+}
+
+void MacUserDefaults::set(std::string_view key, const DefaultsValue& value) {
+    @autoreleasepool {
+        id object = std::visit([](const auto& plain) { return boxed(plain); }, value);
+        [store() setObject:object forKey:foundationText(std::string(key))];
+        // Written when it returns, whatever becomes of this process.
+        [store() synchronize];
+    }
+}
+
+bool MacUserDefaults::contains(std::string_view key) {
+    @autoreleasepool {
+        return stored(key) != nil;
+    }
+}
+
+}  // namespace tarnwick::platform

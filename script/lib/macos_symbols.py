@@ -1,0 +1,121 @@
+#!/usr/bin/env python3
+"""The objects of the macOS program and the symbols that they need. For script/check-macos.
+
+macos_symbols.py objects BUILD
+    The program's object files, one a line, as the build names them.
+macos_symbols.py check BUILD ARCHITECTURE SDK NM [LIBRARY...]
+    Fails when a symbol is defined nowhere, or twice. The libraries are LLVM's C++ library for this
+    system, which has the symbols that the one of macOS has.
+"""
+
+import json
+import pathlib
+import re
+import subprocess
+import sys
+
+HERE = pathlib.Path(__file__).resolve().parent
+
+
+def objects(build):
+    """The objects of everything but the check of the layers, which links the core alone."""
+    commands = json.loads((build / "compile_commands.json").read_text())
+    outputs = (re.search(r" -o (\S+\.o) ", entry["command"]).group(1) for entry in commands)
+    return sorted(each for each in outputs if "tarnwick_core_alone.dir" not in each)
+
+
+def exported_by_stub(path, architecture):
+    """The symbols of a text-based stub, as a linker sees them."""
+    names = set()
+    # Every block of exports lists its targets, then its symbols by kind.
+    for block in re.split(r"\n\s*- targets:", path.read_text())[1:]:
+        targets, _, rest = block.partition("]")
+        if f"{architecture}-macos" not in targets:
+            continue
+        for kind, listed in re.findall(r"([a-z-]+):\s*\[([^\]]*)\]", rest):
+            found = re.findall(r"'([^']*)'|([^\s,'\[\]]+)", listed)
+            listed = [quoted or plain for quoted, plain in found]
+            if kind in ("symbols", "weak-symbols", "thread-local-symbols"):
+                names.update(listed)
+            elif kind == "objc-classes":
+                names.update(f"_OBJC_CLASS_$_{name}" for name in listed)
+                names.update(f"_OBJC_METACLASS_$_{name}" for name in listed)
+            elif kind == "objc-eh-types":
+                names.update(f"_OBJC_EHTYPE_$_{name}" for name in listed)
+            elif kind == "objc-ivars":
+                names.update(f"_OBJC_IVAR_$_{name}" for name in listed)
+    return names
+
+
+def runtime_symbols():
+    """What the C runtime defines and the program uses, with who defines it."""
+    names = {}
+    owner = None
+    for line in (HERE / "macos_runtime_symbols.txt").read_text().splitlines():
+        line = line.strip()
+        if line.startswith("["):
+            owner = line.strip("[]")
+        elif line and not line.startswith("#"):
+            names[line] = owner
+    return names
+
+
+def library_symbols(nm, libraries):
+    """What shared libraries of this system define, under the names that macOS has for it."""
+    if not libraries:
+        return set()
+    output = subprocess.run([nm, "--dynamic", "--defined-only", "--format=just-symbols", *libraries],
+                            check=True, capture_output=True, text=True).stdout
+    return {"_" + line.partition("@")[0] for line in output.split()}
+
+
+def symbols_of(nm, files):
+    """Defined and undefined external symbols: name to the objects that have it."""
+    defined, undefined = {}, {}
+    output = subprocess.run([nm, "--extern-only", "--format=posix", "--print-file-name", *files],
+                            check=True, capture_output=True, text=True).stdout
+    for line in output.splitlines():
+        file, name, kind = re.match(r"(.*?): (\S+) (\S)", line).groups()
+        (undefined if kind == "U" else defined).setdefault(name, set()).add(file)
+    return defined, undefined
+
+
+def weak_symbols(nm, files):
+    """Symbols that several objects may define: inline functions and templates."""
+    output = subprocess.run([nm, "--format=darwin", "--extern-only", *files],
+                            check=True, capture_output=True, text=True).stdout
+    return set(re.findall(r" weak (?:private )?external (?:automatically hidden )?(\S+)", output))
+
+
+def check(build, architecture, sdk, nm, *libraries):
+    files = [str(build / each) for each in objects(build)]
+    defined, undefined = symbols_of(nm, files)
+    weak = weak_symbols(nm, files)
+    faults = [f"defined twice: {name} in {' and '.join(sorted(where))}"
+              for name, where in sorted(defined.items()) if len(where) > 1 and name not in weak]
+
+    stubs = set()
+    for path in sorted(pathlib.Path(sdk).rglob("*.tbd")):
+        stubs |= exported_by_stub(path, architecture)
+    runtime = dict.fromkeys(library_symbols(nm, libraries), "C++ library") | runtime_symbols()
+    owners = {}
+    for name, where in sorted(undefined.items()):
+        if name in defined:
+            continue
+        owner = "stubs of the SDK" if name in stubs else runtime.get(name)
+        if owner is None:
+            faults.append(f"defined nowhere: {name}, needed by {sorted(where)[0]}")
+        else:
+            owners[owner] = owners.get(owner, 0) + 1
+    if faults:
+        sys.exit(f"check-macos: {architecture}:\n  " + "\n  ".join(faults))
+    counts = ", ".join(f"{count} by the {owner}" for owner, count in sorted(owners.items()))
+    print(f"check-macos: {architecture}: {len(defined)} symbols defined by the program; "
+          f"of those it needs besides, {counts}")
+
+
+if __name__ == "__main__":
+    if sys.argv[1] == "objects":
+        print("\n".join(objects(pathlib.Path(sys.argv[2]))))
+    else:
+        check(pathlib.Path(sys.argv[2]), *sys.argv[3:])
