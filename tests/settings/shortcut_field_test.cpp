@@ -88,7 +88,7 @@ TEST_F(ShortcutFieldTest, ShowsAShortcutInTheColourOfLabels) {
     EXPECT_THAT(steps, ElementsAre("refresh"));
 }
 
-TEST_F(ShortcutFieldTest, ShowsAnInvalidShortcutAsNone) {
+TEST_F(ShortcutFieldTest, AsksForARecordingWhereTheShortcutIsInvalid) {
     field.setShortcut(kL, kCommand);
     field.setShortcut(kL, kCommand | kShift | kOption);
     EXPECT_EQ(field.text(), (ShortcutFieldText{"Click to record", true}));
