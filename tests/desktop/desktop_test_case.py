@@ -3,6 +3,7 @@
 import contextlib
 import os
 import re
+import shutil
 import sqlite3
 import time
 import unittest
@@ -23,6 +24,9 @@ _FIRST_HOST = "xfce4-panel"
 NO_TRAY = "tarnwick: no tray was found; start Tarnwick again to open its panel\n"
 # More than waking up reads, less than a refresh.
 REFRESH_BYTES = 1000
+# A refresh that is under way reads something in this time, on a busy machine, too.
+_CALM = 1.0
+_GREETING_ATTEMPTS = 5
 
 
 class DesktopTestCase(unittest.TestCase):
@@ -60,6 +64,18 @@ class DesktopTestCase(unittest.TestCase):
         program.wait_for_tray()
         return program
 
+    def start_greeting(self):
+        """Starts the program for the first time; the panel that greets is open."""
+        # The greeting waits half a second for the tray, which is busy at times.
+        for _ in range(_GREETING_ATTEMPTS):
+            program = self.program().start()
+            program.wait_for_item()
+            if program.wait_for_greeting():
+                return program
+            self.assertEqual(program.end(), 0, program.output())
+            shutil.rmtree(os.path.dirname(self.store()))
+        self.fail("no first start has opened the panel")
+
     def until(self, condition, what):
         try:
             return until(condition, what)
@@ -83,6 +99,32 @@ class DesktopTestCase(unittest.TestCase):
 
     def assert_open(self, program):
         self.until(program.panel_picture, "the panel is open and drawn")
+
+    def assert_ground(self, program, colour):
+        """The panel is open, and its ground has this colour."""
+
+        def has_ground():
+            picture = program.panel_picture()
+            return picture is not None and ground(picture) == colour
+
+        self.until(has_ground, f"the panel's ground is {colour}")
+
+    def wait_for_refresh(self, program):
+        """Waits for a refresh, and until it is over: the next one by itself is seconds away."""
+        self.wait_until_calm(program)
+        start = bytes_read(program)
+        self.until(lambda: bytes_read(program) >= start + REFRESH_BYTES, "a refresh by itself")
+        self.wait_until_calm(program)
+
+    def wait_until_calm(self, program):
+        """Waits until the program reads no more than waking up does."""
+
+        def is_calm():
+            start = bytes_read(program)
+            time.sleep(_CALM)
+            return bytes_read(program) < start + REFRESH_BYTES // 10
+
+        self.until(is_calm, "the program is calm")
 
     def assert_closed(self, program):
         self.until(lambda: program.panel() is None, "the panel is closed")

@@ -9,7 +9,7 @@ class ScreensTest(DesktopTestCase):
         self.open_desktop(monitors=monitors)
         program = self.start_known_to_user()
         x, y, width, height = monitors[0]
-        item = self.until(program.item_place, "the item is on the screen")
+        item = self.until(program.settled_item_place, "the item is on the screen")
         self.assertTrue(x <= item[0] < x + width, item)
         self.assertTrue(y <= item[1] < y + height, item)
         bar = max(self.desktop.host_windows(), key=lambda window: window.width)

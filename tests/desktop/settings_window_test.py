@@ -5,7 +5,7 @@ import signal
 import subprocess
 
 from gi.repository import GLib
-from Xlib import X, Xatom, Xutil, display
+from Xlib import X, Xutil, display
 from Xlib.error import BadWindow
 from Xlib.protocol import event
 
@@ -27,9 +27,13 @@ class SettingsWindowTest(DesktopTestCase):
                 if self.desktop.screen.window_name(window) == TITLE]
 
     def open_settings_window(self, program):
-        """The settings window once it is on the screen."""
-        windows = self.until(lambda: self.settings_windows(program),
-                             "the settings window is open")
+        """The settings window once it is on the screen and stays where it is."""
+
+        def settled():
+            windows = self.settings_windows(program)
+            return windows if windows == self.settings_windows(program) else []
+
+        windows = self.until(settled, "the settings window is open")
         self.assertEqual(len(windows), 1, windows)
         return windows[0]
 
@@ -47,9 +51,9 @@ class SettingsWindowTest(DesktopTestCase):
             X.SubstructureRedirectMask | X.SubstructureNotifyMask)
         self.connection.sync()
 
-    def active_window(self):
-        value = self.root.get_full_property(self.atom("_NET_ACTIVE_WINDOW"), Xatom.WINDOW)
-        return value.value[0] if value is not None and value.value else 0
+    def assert_active(self, window):
+        self.until(lambda: self.desktop.screen.active_window() == window.id,
+                   "the window is the active one")
 
     def assert_closed_for_good(self, program, window):
         self.until(lambda: not self.settings_windows(program), "the settings window is closed")
@@ -64,13 +68,7 @@ class SettingsWindowTest(DesktopTestCase):
 
     def greet(self):
         """The first start, its greeting in full: program and settings window."""
-        # The tray has shown an item by then, and is not busy with its own start.
-        before = self.program("before").start(XDG_DATA_HOME=self.desktop.path("before"))
-        before.wait_for_item()
-        self.until(before.item_place, "the item is on the screen")
-        self.assertEqual(before.end(), 0, before.output())
-        program = self.program().start()
-        program.wait_for_item()
+        program = self.start_greeting()
         window = self.open_settings_window(program)
         self.assert_open(program)
         return program, window
@@ -98,7 +96,7 @@ class SettingsWindowTest(DesktopTestCase):
         self.assertEqual((hints.min_width, hints.min_height), SIZE)
         self.assertEqual((hints.max_width, hints.max_height), SIZE)
         program.close_panel()
-        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+        self.assert_active(window)
 
     def press_settings_button(self, program):
         program.open_panel()
@@ -116,7 +114,7 @@ class SettingsWindowTest(DesktopTestCase):
         window.set_wm_name("other")
         window.map()
         self.connection.sync()
-        self.until(lambda: self.active_window() == window.id, "the other window is active")
+        self.assert_active(window)
         return window
 
     def test_panel_button_closes_the_panel_and_opens_it_before_other_windows(self):
@@ -124,7 +122,7 @@ class SettingsWindowTest(DesktopTestCase):
         self.show_other_window()
         self.press_settings_button(program)
         window = self.open_settings_window(program)
-        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+        self.assert_active(window)
 
     def test_asked_for_again_the_same_window_comes_to_the_front(self):
         program = self.start_known_to_user()
@@ -132,7 +130,7 @@ class SettingsWindowTest(DesktopTestCase):
         window = self.open_settings_window(program)
         self.show_other_window()
         self.press_settings_button(program)
-        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+        self.assert_active(window)
         self.assertEqual(self.settings_windows(program), [window])
 
     def test_opened_again_it_is_a_new_window_in_the_middle(self):
@@ -166,7 +164,7 @@ class SettingsWindowTest(DesktopTestCase):
 
     def choose_settings(self, program):
         """What a tray host says of a press on the menu's entry."""
-        item = self.desktop.bus.item_of(program.pid)
+        item = program.wait_for_item()
         menu = (item.name, self.desktop.bus.item_property(item, "Menu"), "com.canonical.dbusmenu")
         _, (_, _, entries) = self.desktop.bus.call(
             menu, "GetLayout", GLib.Variant("(iias)", (0, -1, [])))
@@ -189,7 +187,7 @@ class SettingsWindowTest(DesktopTestCase):
         self.work_with_other_window()
         self.choose_settings(program)
         window = self.open_settings_window(program)
-        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+        self.assert_active(window)
 
     def test_menu_brings_a_covered_one_to_the_front(self):
         program = self.start_known_to_user()
@@ -197,7 +195,7 @@ class SettingsWindowTest(DesktopTestCase):
         window = self.open_settings_window(program)
         self.work_with_other_window()
         self.choose_settings(program)
-        self.until(lambda: self.active_window() == window.id, "the window is the active one")
+        self.assert_active(window)
         self.assertEqual(self.settings_windows(program), [window])
 
 

@@ -37,12 +37,6 @@ class SleepTest(DesktopTestCase):
         self.manager = LoginManager(self.address)
         self.addCleanup(self.manager.close)
 
-    def wait_for_refresh(self, program):
-        """Right after a refresh of its own the next one is seconds away."""
-        start = bytes_read(program)
-        self.until(lambda: bytes_read(program) >= start + REFRESH_BYTES, "a refresh by itself")
-        time.sleep(0.5)
-
     def test_refreshes_at_once_when_the_machine_wakes(self):
         program = self.start_known_to_user(DBUS_SYSTEM_BUS_ADDRESS=self.address)
         self.wait_for_refresh(program)

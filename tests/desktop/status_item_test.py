@@ -12,9 +12,11 @@ class StatusItemTest(DesktopTestCase):
         item = program.wait_for_item()
         self.until(program.item_place, "the host shows the icon")
         bus = self.desktop.bus
-        self.assertEqual(bus.item_property(item, "Category"), "SystemServices")
-        self.assertEqual(bus.item_property(item, "Status"), "Active")
-        self.assertIn("Tarnwick", bus.item_property(item, "Title"))
+        for name, value in (("Category", "SystemServices"), ("Status", "Active")):
+            self.assertEqual(
+                self.until(lambda: bus.item_property(item, name), "the item answers"), value)
+        self.assertIn("Tarnwick",
+                      self.until(lambda: bus.item_property(item, "Title"), "the item answers"))
         self.assertEqual(program.output(), "")
 
     def test_goes_when_the_program_ends(self):

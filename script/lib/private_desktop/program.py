@@ -94,6 +94,11 @@ class Program:
                 return max(window.x, 0) + place[0], max(window.y, 0) + place[1]
         return None
 
+    def settled_item_place(self):
+        """Where the item can be clicked, or None while it still comes or moves."""
+        place = self.item_place()
+        return place if place is not None and place == self.item_place() else None
+
     def _icon_colour(self, item):
         """The colour that the item's picture has most of, greys aside."""
         pictures = self.desktop.bus.item_property(item, "IconPixmap")
@@ -125,7 +130,7 @@ class Program:
         time.sleep(_SAME_CLICK)
 
     def click_item(self, button=1, hold=0):
-        place = until(self.item_place, "the item is on the screen")
+        place = until(self.settled_item_place, "the item is on the screen")
         self.desktop.screen.click(place, button, hold)
 
     def panel_picture(self):

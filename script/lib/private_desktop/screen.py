@@ -187,7 +187,7 @@ class Screen:
         """What the window manager says is the active window; 0 for none."""
         value = self._root.get_full_property(
             self._display.intern_atom("_NET_ACTIVE_WINDOW"), Xatom.WINDOW)
-        return value.value[0] if value is not None else 0
+        return value.value[0] if value is not None and value.value else 0
 
     def hold_pointer(self):
         """Keeps the pointer from every other program, as a menu does."""
