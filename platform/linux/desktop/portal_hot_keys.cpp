@@ -215,8 +215,9 @@ void PortalHotKeys::tellLater() {
 }
 
 void PortalHotKeys::tell() {
-    if (changed_) {
-        changed_();
+    // Who is told may want to hear of nothing more.
+    if (const auto changed = changed_) {
+        changed();
     }
     isTelling_ = false;
 }

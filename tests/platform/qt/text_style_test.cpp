@@ -1,6 +1,7 @@
 #include "platform/qt/text_style.h"
 
 #include <QApplication>
+#include <QFontInfo>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -13,6 +14,7 @@ TEST_P(Digits, AllTakeTheSameRoom) {
     QFont font;
     font.setFamily(GetParam());
     font.setPointSizeF(11);
+    ASSERT_EQ(QFontInfo(font).family(), GetParam()) << "is not installed";
     const TextStyle style(font);
     EXPECT_DOUBLE_EQ(style.width("11:11 1%"), style.width("88:80 8%"));
     EXPECT_GT(style.width("111"), style.width("11"));
