@@ -89,10 +89,10 @@ class DesktopTestCase(unittest.TestCase):
                 # What is on its way when the window changes is no longer there to be pressed.
                 with contextlib.suppress(GLib.Error):
                     root = bus.program(program.pid)
-                    for each in root.descendants() if root else ():
-                        if each.role == "push button" and each.name == name:
-                            each.do("Press")
-                            return True
+                    button = root and root.find("push button", name)
+                    if button:
+                        button.do("Press")
+                        return True
                 return False
 
             self.until(pressed, f"{name} is pressed")
