@@ -81,6 +81,11 @@ class Accessible:
             yield child
             yield from child.descendants()
 
+    def find(self, role, name):
+        """The first object below this one with a role and a name, or None."""
+        return next((each for each in self.descendants()
+                     if each.role == role and each.name == name), None)
+
     @property
     def name(self):
         return self._get(_ACCESSIBLE, "Name")

@@ -1,5 +1,6 @@
 #include "tests/ui/panel/recorded_panel.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdint>
@@ -9,6 +10,7 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -106,12 +108,33 @@ platform::ApplicationSources applications(const std::string& root) {
             .localeSuffixes = {}};
 }
 
+constexpr std::int64_t kDisk = 494'380'000'000;
+constexpr std::int64_t kHalfOfIt = 267'120'000'000;
+constexpr std::int64_t kMostOfIt = 481'750'000'000;
+
 /// The volume under its recorded name. How full a disk is is no file that could be recorded.
-StorageInfo halfFull(StorageInfo volume) {
-    volume.totalSpace = 494'380'000'000;
-    volume.usedSpace = 267'120'000'000;
+StorageInfo withUsedSpace(StorageInfo volume, std::int64_t usedSpace) {
+    volume.totalSpace = kDisk;
+    volume.usedSpace = usedSpace;
     volume.availableSpace = volume.totalSpace - volume.usedSpace;
     return volume;
+}
+
+/// `proc/meminfo` with a twentieth of what was free or could be freed.
+std::string meminfoWhenFull(const std::string& meminfo) {
+    constexpr std::array<std::string_view, 7> scarce = {
+        "MemFree:", "MemAvailable:", "Buffers:", "Cached:", "SReclaimable:", "Shmem:", "SwapFree:"};
+    std::istringstream lines(meminfo);
+    std::string result;
+    for (std::string line; std::getline(lines, line);) {
+        Fields fields = split(line);
+        if (fields.size() > 1 && std::ranges::find(scarce, fields[0]) != scarce.end()) {
+            fields[1] = std::to_string(std::stoull(fields[1]) / 20);
+            line = joined(fields);
+        }
+        result += line + '\n';
+    }
+    return result;
 }
 
 /// The recorded kernel with a clock that is turned.
@@ -154,6 +177,7 @@ struct RecordedPanel::Machine {
     platform::testing::MemoryUserDefaults store;
     platform::testing::ScriptedLoginService loginService;
     UserSettings settings{store, loginService};
+    std::int64_t usedSpace = kHalfOfIt;
 
     CPUService cpu{kernel};
     GPUService gpu{accelerators};
@@ -180,7 +204,7 @@ struct RecordedPanel::Machine {
           .readTopProcesses = [this](int limit) { return processes.readTopProcesses(limit); },
           .pruneStaleProcesses = [this] { processes.pruneStaleProcesses(); },
           .releaseProcessCaches = [this] { processes.releaseCaches(); },
-          .readStorageInfo = [this] { return halfFull(storage.readStorageInfo()); },
+          .readStorageInfo = [this] { return withUsedSpace(storage.readStorageInfo(), usedSpace); },
           .readUptime = [this] { return readUptime(kernel); }},
          [this] { return kernel.wallClockSeconds(); },
          platform::Logger()}};
@@ -213,6 +237,23 @@ void RecordedPanel::work(double busy, const std::map<int, double>& shares) {
     machine_->dispatch.sleep(seconds);
     machine_->manager.refreshFast();
     machine_->dispatch.runMain();
+}
+
+void RecordedPanel::fill() {
+    const std::string path = "proc/meminfo";
+    machine_->tree.write(path, meminfoWhenFull(wholeFile(machine_->tree.root() + '/' + path)));
+    machine_->usedSpace = kMostOfIt;
+    machine_->manager.refreshNow();
+    machine_->dispatch.runMain();
+}
+
+void RecordedPanel::show(MenuTab tab) {
+    if (tab == MenuTab::home) {
+        machine_->view.perform(PanelAction::goBack);
+    } else {
+        machine_->view.perform(tab == MenuTab::memoryDetail ? PanelAction::showMemoryDetail
+                                                            : PanelAction::showPerformanceDetail);
+    }
 }
 
 Page RecordedPanel::page() const {

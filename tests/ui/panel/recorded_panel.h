@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+#include "ui/panel/menu_bar_view.h"
 #include "ui/panel/page.h"
 
 namespace tarnwick::testing {
@@ -19,6 +20,11 @@ class RecordedPanel {
     /// process of `shares`, by identifier, used that share of all processors; both from 0 to 1.
     void work(double busy, const std::map<int, double>& shares);
 
+    /// From now on hardly any memory and little of the disk is left.
+    void fill();
+
+    /// Turns to another page, as the panel's buttons do.
+    void show(MenuTab tab);
     Page page() const;
 
  private:

@@ -1,13 +1,19 @@
-// panel_screens FOLDER: pictures of the panel in several states and over recorded machines at work,
-// light and dark, at 1x and 2x.
+// panel_screens FOLDER: pictures of the panel's pages in every state that the tests keep as text,
+// and over every recorded machine while it is calm and while it is in trouble; light and dark, at
+// the scale that QT_SCALE_FACTOR says.
 #include <QApplication>
 #include <QDir>
+#include <QTemporaryFile>
 #include <QTextStream>
+#include <cmath>
 #include <map>
+#include <memory>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "tests/platform/linux/machine_tree.h"
 #include "tests/ui/panel/detail_fixtures.h"
 #include "tests/ui/panel/home_fixtures.h"
 #include "tests/ui/panel/recorded_panel.h"
@@ -18,11 +24,12 @@ namespace tarnwick::qt {
 namespace {
 
 /// The panel on a desktop of one colour.
-QImage picture(const Theme& theme, const Page& page, qreal ratio) {
+QImage picture(const Theme& theme, const Page& page) {
     PanelPopup popup(
         theme, page, [](PanelAction) {}, true);
     popup.popUp(QRect(400, 0, 20, 20));
     settle();
+    const qreal ratio = popup.devicePixelRatio();
     QImage image(popup.size() * ratio, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(ratio);
     image.fill(theme.isDark() ? QColor(0x3B4656) : QColor(0x8FA3B8));
@@ -31,38 +38,73 @@ QImage picture(const Theme& theme, const Page& page, qreal ratio) {
     return image;
 }
 
+// The program can do all of it.
+const std::set<PanelAction> kActions = {
+    PanelAction::refresh, PanelAction::showSettings,     PanelAction::openActivityMonitor,
+    PanelAction::quit,    PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail,
+    PanelAction::goBack};
+
 using Pages = std::vector<std::pair<std::string, Page>>;
+
+/// The processes of the recorded machines that work hard, with their shares of all processors.
+std::map<int, double> hardWork(const std::string& machine) {
+    const std::map<std::string, std::map<int, double>> shares = {
+        {"handheld", {{1502, 0.75}, {900, 0.125}}},
+        {"laptop", {{2301, 0.5}, {2410, 0.25}, {3055, 0.125}}},
+        {"workstation", {{4410, 0.5}, {2200, 0.25}, {4475, 0.125}}},
+    };
+    const auto found = shares.find(machine);
+    return found == shares.end() ? std::map<int, double>() : found->second;
+}
+
+/// The three pages over a recorded machine, after a minute that is worth a curve.
+void addMachine(const std::string& machine, Pages& pages) {
+    // More than a curve shows.
+    constexpr int refreshes = 36;
+    for (const bool isInTrouble : {false, true}) {
+        // The pages' texts are made when they are drawn.
+        static std::vector<std::unique_ptr<testing::RecordedPanel>> machines;
+        testing::RecordedPanel& panel =
+            *machines.emplace_back(std::make_unique<testing::RecordedPanel>(machine));
+        if (isInTrouble) {
+            panel.fill();
+        }
+        for (int i = 0; i < refreshes; ++i) {
+            // It ends at a peak.
+            const int left = refreshes - 1 - i;
+            const double wave = std::cos(left * 0.7) * std::cos(left * 0.23);
+            panel.work(isInTrouble ? 0.9 + wave * 0.09 : 0.12 + wave * 0.08,
+                       isInTrouble ? hardWork(machine) : std::map<int, double>());
+        }
+        const std::string name = "machine_" + machine + (isInTrouble ? "_trouble" : "_calm");
+        for (const auto& [page, tab] : {std::pair{"home", MenuTab::home},
+                                        {"memory", MenuTab::memoryDetail},
+                                        {"performance", MenuTab::performanceDetail}}) {
+            panel.show(tab);
+            pages.emplace_back(name + '_' + page, panel.page());
+        }
+    }
+}
 
 Pages pages() {
     Pages pages;
-    // The pages' texts are made when they are drawn.
     static const testing::PlainByteCountFormatter formatter;
-    for (const testing::HomeState& state : testing::homeStates()) {
+    for (testing::HomeState state : testing::homeStates()) {
+        state.inputs.enabledActions = kActions;
         pages.emplace_back("home_" + std::string(state.name), homePage(state.inputs, formatter));
     }
-    for (const testing::MemoryDetailState& state : testing::memoryDetailStates()) {
+    for (testing::MemoryDetailState state : testing::memoryDetailStates()) {
+        state.inputs.enabledActions = kActions;
         pages.emplace_back("memory_" + std::string(state.name),
                            memoryDetailPage(state.inputs, formatter));
     }
-    for (const testing::PerformanceDetailState& state : testing::performanceDetailStates()) {
+    for (testing::PerformanceDetailState state : testing::performanceDetailStates()) {
+        state.inputs.enabledActions = kActions;
         pages.emplace_back("performance_" + std::string(state.name),
                            performanceDetailPage(state.inputs, formatter));
     }
-    const std::map<std::string, std::map<int, double>> shares = {
-        {"container-host", {}},
-        {"damaged", {}},
-        {"handheld", {{1502, 0.75}, {900, 0.125}}},
-        {"laptop", {{2301, 0.5}, {2410, 0.25}, {3055, 0.125}}},
-        {"old-kernel", {}},
-        {"server", {}},
-        {"two-batteries", {}},
-        {"virtual-machine", {}},
-        {"workstation", {{4410, 0.5}, {2200, 0.25}, {4475, 0.125}}},
-    };
-    for (const auto& [machine, processes] : shares) {
-        testing::RecordedPanel panel(machine);
-        panel.work(processes.empty() ? 0.3 : 0.95, processes);
-        pages.emplace_back("machine_" + machine, panel.page());
+    for (const std::string& machine : platform::testing::recordedMachines()) {
+        addMachine(machine, pages);
     }
     return pages;
 }
@@ -71,15 +113,13 @@ int makePictures(const QDir& folder) {
     for (const auto& [name, page] : pages()) {
         for (const bool isDark : {false, true}) {
             const Theme theme(isDark);
-            for (const int ratio : {1, 2}) {
-                const QString path = folder.filePath(QString("%1_%2_%3x.png")
-                                                         .arg(QString::fromStdString(name))
-                                                         .arg(isDark ? "dark" : "light")
-                                                         .arg(ratio));
-                if (!picture(theme, page, ratio).save(path)) {
-                    QTextStream(stderr) << "cannot write " << path << '\n';
-                    return 1;
-                }
+            const QString path = folder.filePath(QString("%1_%2_%3x.png")
+                                                     .arg(QString::fromStdString(name))
+                                                     .arg(isDark ? "dark" : "light")
+                                                     .arg(qApp->devicePixelRatio()));
+            if (!picture(theme, page).save(path)) {
+                QTextStream(stderr) << "cannot write " << path << '\n';
+                return 1;
             }
         }
     }
@@ -90,7 +130,15 @@ int makePictures(const QDir& folder) {
 }  // namespace tarnwick::qt
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    // A screen on which every page has room, at every scale.
+    QTemporaryFile screen;
+    if (!screen.open() ||
+        screen.write(R"({"screens": [{"name": "screen", "x": 0, "y": 0, "width": 2400,
+                         "height": 2400, "logicalDpi": 96, "dpr": 1}]})") < 0 ||
+        !screen.flush()) {
+        return 1;
+    }
+    qputenv("QT_QPA_PLATFORM", "offscreen:configfile=" + screen.fileName().toUtf8());
     QApplication application(argc, argv);
     if (argc != 2 || !QDir().mkpath(argv[1])) {
         QTextStream(stderr) << "usage: panel_screens FOLDER\n";
