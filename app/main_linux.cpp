@@ -1,7 +1,9 @@
 // The program on a Linux desktop: puts the machine, the toolkit and the shell together.
 #include <QApplication>
+#include <QDesktopServices>
 #include <QScreen>
 #include <QSessionManager>
+#include <QUrl>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -14,6 +16,7 @@
 #include "platform/linux/desktop/color_scheme.h"
 #include "platform/linux/desktop/display_end.h"
 #include "platform/linux/desktop/interface_font.h"
+#include "platform/linux/desktop/key_codes.h"
 #include "platform/linux/desktop/linux_status_item.h"
 #include "platform/linux/desktop/portal_introduction.h"
 #include "platform/linux/desktop/qt_dispatch.h"
@@ -40,7 +43,7 @@
 #include "ui/qt/accessible_application.h"
 #include "ui/qt/panel_placement.h"
 #include "ui/qt/panel_window.h"
-#include "ui/qt/settings_placeholder.h"
+#include "ui/qt/settings_content.h"
 #include "ui/qt/symbols.h"
 #include "ui/qt/theme.h"
 #include "ui/qt/titled_window.h"
@@ -100,6 +103,19 @@ QRect panelAnchor(const platform::LinuxStatusItem& item) {
     return qt::cornerAnchor(screen->geometry(), screen->availableGeometry());
 }
 
+qt::SettingsContentEnvironment settingsEnvironment() {
+    const platform::Platform& platform = platform::current();
+    return {.view = {.dispatch = *platform.dispatch,
+                     .keyboardLayout = *platform.keyboardLayout,
+                     .program = {TARNWICK_VERSION, TARNWICK_BUILD_VERSION},
+                     .openAddress =
+                         [](const std::string& address) {
+                             QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
+                         }},
+            .keyCodes = platform::virtualKeyCode,
+            .gone = platform::giveBackFreedMemory};
+}
+
 int run(QApplication& application, platform::StartConditions conditions) {
     const QDBusConnection bus = platform::sessionBus();
     if (!bus.isConnected()) {
@@ -138,8 +154,10 @@ int run(QApplication& application, platform::StartConditions conditions) {
     });
 
     qt::TitledWindows windows;
-    TarnwickApp app(TarnwickAppDesktop{
-        item, windows, [](UserSettings&) { return qt::makeSettingsPlaceholder(); }});
+    TarnwickApp app(TarnwickAppDesktop{item, windows, [&theme](UserSettings& settings) {
+                                           return qt::makeSettingsContent(settings, theme,
+                                                                          settingsEnvironment());
+                                       }});
     platform::ActivityMonitor activityMonitor(bus, std::move(conditions));
     // The panel is made after the view whose button closes it.
     std::function<void()> closePanel;

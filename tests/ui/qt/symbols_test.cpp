@@ -74,7 +74,9 @@ INSTANTIATE_TEST_SUITE_P(, Symbols,
                                          "memorychip", "internaldrive",
                                          "exclamationmark.triangle.fill", "battery.100",
                                          "chevron.left", "chevron.right", "checkmark.circle.fill",
-                                         "info.circle.fill"),
+                                         "info.circle.fill", "dial.high", "info.circle", "circle",
+                                         "largecircle.fill.circle", "moon.fill", "leaf.fill",
+                                         "hand.raised.fill"),
                          [](const auto& row) {
                              std::string name = row.param;
                              std::replace(name.begin(), name.end(), '.', '_');

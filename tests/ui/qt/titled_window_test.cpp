@@ -10,7 +10,6 @@
 #include <typeinfo>
 
 #include "tests/ui/qt/settle.h"
-#include "ui/qt/settings_placeholder.h"
 
 namespace tarnwick::qt {
 namespace {
@@ -165,13 +164,6 @@ TEST_F(TitledWindowTest, ComesBackToTheFront) {
     settle();
     EXPECT_FALSE(frame()->isMinimized());
     EXPECT_TRUE(frame()->isActiveWindow());
-}
-
-TEST(SettingsPlaceholder, SaysThatThereIsNothingYet) {
-    const auto view = makeSettingsPlaceholder();
-    const auto* label = qobject_cast<QLabel*>(dynamic_cast<WidgetView&>(*view).widget());
-    ASSERT_NE(label, nullptr);
-    EXPECT_EQ(label->text(), "There is nothing to set here yet.");
 }
 
 }  // namespace

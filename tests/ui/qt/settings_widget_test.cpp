@@ -1,0 +1,316 @@
+// The settings window's content as a whole: tabs, keyboard, what stands where.
+#include "ui/qt/settings_widget.h"
+
+#include <QPointer>
+#include <QScrollBar>
+#include <QWheelEvent>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/ui/qt/settings_widget_fixture.h"
+#include "ui/qt/settings_buttons.h"
+#include "ui/qt/settings_content.h"
+#include "ui/qt/settings_label.h"
+#include "ui/qt/symbols.h"
+#include "ui/qt/threshold_slider_widget.h"
+#include "ui/qt/widget_view.h"
+
+namespace tarnwick::qt {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using ::testing::SizeIs;
+
+class SettingsWidgetTest : public testing::SettingsWidgetFixture {
+ protected:
+    /// What the keyboard comes by from the first tab on, until it is there again.
+    std::vector<std::string> tabOrder() {
+        std::vector<std::string> names;
+        for (int step = 0; step < 40; ++step) {
+            QWidget* focused = QApplication::focusWidget();
+            names.push_back(focused->objectName().toStdString());
+            key(Qt::Key_Tab);
+            if (QApplication::focusWidget() == find("tab.General")) {
+                return names;
+            }
+        }
+        return {};
+    }
+    QString focusName() { return QApplication::focusWidget()->objectName(); }
+    QScrollBar* scrollBar() { return visible<SettingsPageWidget>().at(0)->verticalScrollBar(); }
+};
+
+TEST_F(SettingsWidgetTest, OpensOnTheFirstTabWhichHasTheKeyboard) {
+    EXPECT_EQ(focusName(), "tab.General");
+    EXPECT_TRUE(qobject_cast<SettingsTabButton*>(find("tab.General"))->isChecked());
+    EXPECT_FALSE(qobject_cast<SettingsTabButton*>(find("tab.Customize"))->isChecked());
+    EXPECT_NE(find("mode.advanced"), nullptr);
+    // The focus that nobody moved is not marked.
+    EXPECT_EQ(find("focusRing"), nullptr);
+}
+
+TEST_F(SettingsWidgetTest, TabsStandSideBySideInTheMiddle) {
+    const QWidget* general = find("tab.General");
+    const QWidget* customize = find("tab.Customize");
+    const QWidget* about = find("tab.About");
+    EXPECT_LT(general->geometry().right(), customize->geometry().left());
+    EXPECT_LT(customize->geometry().right(), about->geometry().left());
+    EXPECT_NEAR(general->geometry().left(), 520 - about->geometry().right() - 1, 1);
+}
+
+TEST_F(SettingsWidgetTest, APressOnATabShowsIt) {
+    click(find("tab.Customize"));
+    EXPECT_EQ(widget->view().selectedTab(), Tab::customize);
+    EXPECT_NE(find("reset"), nullptr);
+    EXPECT_EQ(find("mode.advanced"), nullptr);
+    click(find("tab.About"));
+    EXPECT_NE(find("link"), nullptr);
+    click(find("tab.General"));
+    EXPECT_NE(find("mode.advanced"), nullptr);
+}
+
+TEST_F(SettingsWidgetTest, KeysSelectTabs) {
+    key(Qt::Key_Tab);
+    EXPECT_EQ(focusName(), "tab.Customize");
+    EXPECT_EQ(widget->view().selectedTab(), Tab::general);
+    key(Qt::Key_Space);
+    EXPECT_EQ(widget->view().selectedTab(), Tab::customize);
+    key(Qt::Key_Right);
+    EXPECT_EQ(widget->view().selectedTab(), Tab::about);
+    EXPECT_EQ(focusName(), "tab.About");
+    key(Qt::Key_Right);
+    EXPECT_EQ(widget->view().selectedTab(), Tab::general);
+    key(Qt::Key_Left);
+    EXPECT_EQ(widget->view().selectedTab(), Tab::about);
+    key(Qt::Key_Backtab);
+    key(Qt::Key_Return);
+    EXPECT_EQ(widget->view().selectedTab(), Tab::customize);
+}
+
+TEST_F(SettingsWidgetTest, TheKeyboardWalksTheGeneralTabInReadingOrder) {
+    EXPECT_THAT(tabOrder(), ElementsAre("tab.General", "tab.Customize", "tab.About",
+                                        "mode.iconOnly", "mode.advanced", "switch", "shortcut"));
+    storeShortcut(37, testing::kCommand);
+    EXPECT_THAT(tabOrder(),
+                ElementsAre("tab.General", "tab.Customize", "tab.About", "mode.iconOnly",
+                            "mode.advanced", "switch", "shortcut", "clear"));
+}
+
+TEST_F(SettingsWidgetTest, TheKeyboardWalksTheOtherTabsInReadingOrder) {
+    select(Tab::customize);
+    EXPECT_THAT(tabOrder(),
+                ElementsAre("tab.General", "tab.Customize", "tab.About", "switch", "thumb.normal",
+                            "thumb.high", "thumb.normal", "thumb.high", "thumb.normal",
+                            "thumb.high", "thumb.normal", "thumb.high", "reset"));
+    select(Tab::about);
+    EXPECT_THAT(tabOrder(),
+                ElementsAre("tab.General", "tab.Customize", "tab.About", "link", "link"));
+}
+
+TEST_F(SettingsWidgetTest, ThumbsAreReachedCardByCard) {
+    select(Tab::customize);
+    for (int step = 0; step < 4; ++step) {
+        key(Qt::Key_Tab);
+    }
+    for (const char* card : {"CPU Usage", "GPU Usage", "Memory Usage", "Storage Usage"}) {
+        for (const char* thumb : {"thumb.normal", "thumb.high"}) {
+            EXPECT_EQ(focusName(), thumb);
+            EXPECT_TRUE(find(card)->isAncestorOf(QApplication::focusWidget())) << card;
+            key(Qt::Key_Tab);
+        }
+    }
+}
+
+TEST_F(SettingsWidgetTest, WhatTheKeyboardComesToIsMarkedAndScrolledIntoView) {
+    select(Tab::customize);
+    EXPECT_EQ(scrollBar()->value(), 0);
+    for (int step = 0; step < 12; ++step) {
+        key(Qt::Key_Tab);
+        QWidget* focused = QApplication::focusWidget();
+        auto* ring = find("focusRing");
+        ASSERT_NE(ring, nullptr) << step;
+        const QRect place(focused->mapTo(widget.get(), QPoint()), focused->size());
+        const QRect mark(ring->mapTo(widget.get(), QPoint()), ring->size());
+        EXPECT_TRUE(mark.contains(place.center()));
+        EXPECT_TRUE(widget->rect().contains(place)) << focusName().toStdString();
+        EXPECT_EQ(visible<SettingsFocusRing>().size(), 1);
+    }
+    EXPECT_EQ(focusName(), "reset");
+    EXPECT_GT(scrollBar()->value(), 0);
+    visible<ThresholdThumbWidget>().at(7)->setFocus(Qt::MouseFocusReason);
+    EXPECT_EQ(find("focusRing"), nullptr);
+}
+
+TEST_F(SettingsWidgetTest, EachTabScrollsByItself) {
+    select(Tab::customize);
+    ASSERT_GT(scrollBar()->maximum(), 100);
+    scrollBar()->setValue(90);
+    select(Tab::general);
+    EXPECT_EQ(scrollBar()->value(), 0);
+    scrollBar()->setValue(7);
+    select(Tab::customize);
+    EXPECT_EQ(scrollBar()->value(), 90);
+    select(Tab::about);
+    EXPECT_EQ(scrollBar()->maximum(), 0);
+}
+
+TEST_F(SettingsWidgetTest, APageIsMadeWhenItIsSelectedFirst) {
+    EXPECT_EQ(widget->findChildren<SettingsPageWidget*>().size(), 1);
+    select(Tab::customize);
+    select(Tab::general);
+    select(Tab::customize);
+    EXPECT_EQ(widget->findChildren<SettingsPageWidget*>().size(), 2);
+}
+
+TEST_F(SettingsWidgetTest, AWheelOverASliderIsThePages) {
+    select(Tab::customize);
+    QWidget* slider = visible<ThresholdSliderWidget>().at(0);
+    const QPointF position = slider->rect().center();
+    QWheelEvent event(position, slider->mapToGlobal(position), QPoint(), QPoint(0, -120),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(slider, &event);
+    EXPECT_FALSE(event.isAccepted());
+    EXPECT_EQ(settings.cpuNormal(), 80);
+}
+
+TEST_F(SettingsWidgetTest, EverySymbolIsDrawn) {
+    for (const TabItem& item : kTabs) {
+        EXPECT_TRUE(hasSymbol(item.icon)) << item.icon;
+    }
+    for (const FeatureRow& row : FeatureList::kRows) {
+        EXPECT_TRUE(hasSymbol(row.icon)) << row.icon;
+    }
+    for (const ThresholdEditor& editor : kThresholdEditors) {
+        EXPECT_TRUE(hasSymbol(editor.icon)) << editor.icon;
+    }
+    for (const MenuBarDisplayMode mode : kMenuBarDisplayModes) {
+        for (const MenuBarDisplayMode selection : kMenuBarDisplayModes) {
+            EXPECT_TRUE(hasSymbol(DisplayModeCard{mode, selection}.radioIcon()));
+        }
+        EXPECT_TRUE(hasSymbol(DisplayModePreview{mode}.icon()));
+    }
+}
+
+/// Sets the application's font and puts the old one back.
+class DesktopFont {
+ public:
+    explicit DesktopFont(double factor) : old_(QApplication::font()) {
+        QFont font = old_;
+        font.setPointSizeF(font.pointSizeF() * factor);
+        QApplication::setFont(font);
+    }
+    DesktopFont(const DesktopFont&) = delete;
+    DesktopFont& operator=(const DesktopFont&) = delete;
+    ~DesktopFont() { QApplication::setFont(old_); }
+
+ private:
+    QFont old_;
+};
+
+class SettingsFonts : public SettingsWidgetTest, public ::testing::WithParamInterface<double> {};
+
+TEST_P(SettingsFonts, NoTextIsCut) {
+    storeShortcut(37, testing::kCommand);
+    settings.setShortcutRegistrationState(RegistrationState::conflict);
+    // Also pages that were made before.
+    for (const TabItem& item : kTabs) {
+        select(item.tab);
+    }
+    const DesktopFont font(GetParam());
+    for (const TabItem& item : kTabs) {
+        select(item.tab);
+        catchUp();
+        for (const SettingsLabel* label : visible<SettingsLabel>()) {
+            EXPECT_GE(label->height(), label->heightForWidth(label->width()))
+                << label->text().toStdString();
+            EXPECT_LE(label->mapTo(widget.get(), QPoint(label->width(), 0)).x(), 500)
+                << label->text().toStdString();
+        }
+        for (const SettingsButton* button : visible<SettingsButton>()) {
+            EXPECT_GE(button->width(), button->sizeHint().width());
+        }
+        for (const SettingsTabButton* button : visible<SettingsTabButton>()) {
+            EXPECT_EQ(button->size(), button->sizeHint());
+            EXPECT_TRUE(button->parentWidget()->rect().contains(button->geometry()));
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, SettingsFonts, ::testing::Values(1.0, 1.5, 2.0), [](const auto& row) {
+    return std::to_string(static_cast<int>(row.param * 100)) + "Percent";
+});
+
+TEST_F(SettingsWidgetTest, GoingDarkChangesTheTexts) {
+    const auto* label = visible<SettingsLabel>().at(0);
+    const QColor light = label->palette().color(QPalette::WindowText);
+    EXPECT_EQ(light, theme.color(ColorRole::secondaryText));
+    theme.setDark(true);
+    settle();
+    EXPECT_EQ(label->palette().color(QPalette::WindowText), theme.color(ColorRole::secondaryText));
+    EXPECT_NE(label->palette().color(QPalette::WindowText), light);
+}
+
+TEST_F(SettingsWidgetTest, AboutSaysWhatTheProgramIs) {
+    select(Tab::about);
+    std::vector<std::string> texts;
+    for (const SettingsLabel* label : visible<SettingsLabel>()) {
+        texts.push_back(label->text().toStdString());
+    }
+    EXPECT_THAT(texts, ElementsAre("Tarnwick", "Version", "1.4 (212)", "Private by design",
+                                   "Quietly in the background", "Resource conscious",
+                                   "Privacy & Security", std::string(PrivacyNote::kText)));
+}
+
+TEST_F(SettingsWidgetTest, LinksLeadToTheMaker) {
+    select(Tab::about);
+    const auto links = visible<SettingsButton>();
+    ASSERT_EQ(links.size(), 2);
+    EXPECT_EQ(links[0]->text(), "Learn More");
+    EXPECT_EQ(links[1]->text(), "More from Brantlow");
+    for (SettingsButton* link : links) {
+        click(link);
+    }
+    EXPECT_THAT(opened, ElementsAre(std::string(kMakerAddress), std::string(kMakerAddress)));
+}
+
+TEST_F(SettingsWidgetTest, GoesWithEverythingInTheMiddleOfARecordingAndADrag) {
+    widget->view().shortcutField().mouseDown();
+    select(Tab::customize);
+    auto* slider = visible<ThresholdSliderWidget>().at(0);
+    mouse(slider, QEvent::MouseButtonPress,
+          QPointF(widget->view()
+                      .slider(JudgedMetric::cpu)
+                      .thumbCenter(DualThresholdSlider::Thumb::normal, slider->width()),
+                  slider->height() / 2));
+    const QPointer<QWidget> page = find("page");
+    ASSERT_NE(page, nullptr);
+    settings.setCPUHigh(95);
+    widget.reset();
+    EXPECT_EQ(page, nullptr);
+    catchUp();
+    EXPECT_EQ(dispatch.mainPending(), 0U);
+}
+
+TEST_F(SettingsWidgetTest, ContentTellsWhenItHasGone) {
+    int gone = 0;
+    QPointer<QWidget> made;
+    auto content = makeSettingsContent(
+        settings, theme,
+        {SettingsViewEnvironment{dispatch, layout}, [](std::uint32_t) { return std::nullopt; },
+         [&] {
+             EXPECT_EQ(made, nullptr);
+             ++gone;
+         }});
+    made = dynamic_cast<WidgetView&>(*content).widget();
+    ASSERT_NE(qobject_cast<SettingsWidget*>(made), nullptr);
+    settle();
+    EXPECT_EQ(gone, 0);
+    content.reset();
+    EXPECT_EQ(gone, 0);
+    settle();
+    EXPECT_EQ(gone, 1);
+}
+
+}  // namespace
+}  // namespace tarnwick::qt

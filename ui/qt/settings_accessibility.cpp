@@ -1,0 +1,141 @@
+#include "ui/qt/settings_accessibility.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+
+#include "ui/qt/settings_buttons.h"
+#include "ui/qt/settings_mode_card.h"
+#include "ui/qt/settings_tab_bar.h"
+#include "ui/qt/shortcut_field_widget.h"
+#include "ui/qt/threshold_slider_widget.h"
+
+namespace tarnwick::qt {
+
+namespace {
+
+/// A press is a click at once. The toolkit's own interfaces would change what a switch shows and
+/// tell nobody.
+class AccessibleButton final : public QAccessibleWidget {
+ public:
+    AccessibleButton(QAbstractButton& button, QAccessible::Role role)
+        : QAccessibleWidget(&button, role), button_(button) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        if (role() == QAccessible::PageTab) {
+            state.selectable = true;
+            state.selected = button_.isChecked();
+        } else if (button_.isCheckable()) {
+            state.checkable = true;
+            state.checked = button_.isChecked();
+        }
+        return state;
+    }
+    QStringList actionNames() const override {
+        return {hasToggle() ? toggleAction() : pressAction(), setFocusAction()};
+    }
+    void doAction(const QString& action) override {
+        if (action == pressAction() || (hasToggle() && action == toggleAction())) {
+            button_.click();
+            return;
+        }
+        QAccessibleWidget::doAction(action);
+    }
+
+ private:
+    bool hasToggle() const { return role() == QAccessible::CheckBox; }
+
+    QAbstractButton& button_;
+};
+
+/// A slider of its own for each thumb.
+class AccessibleThumb final : public QAccessibleWidget, public QAccessibleValueInterface {
+ public:
+    explicit AccessibleThumb(ThresholdThumbWidget& thumb)
+        : QAccessibleWidget(&thumb, QAccessible::Slider), thumb_(thumb) {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::ValueInterface ? static_cast<QAccessibleValueInterface*>(this)
+                                                   : QAccessibleWidget::interface_cast(type);
+    }
+    QString text(QAccessible::Text kind) const override {
+        switch (kind) {
+            case QAccessible::Name:
+                return QString::fromStdString(slider().accessibilityLabel(thumb_.thumb()));
+            // Not every bridge passes a text of the value on; all pass on the description.
+            case QAccessible::Value:
+            case QAccessible::Description:
+                return QString::fromStdString(slider().accessibilityValue(thumb_.thumb()));
+            default:
+                return QAccessibleWidget::text(kind);
+        }
+    }
+
+    QVariant currentValue() const override { return slider().value(thumb_.thumb()); }
+    void setCurrentValue(const QVariant& value) override {
+        bool isNumber = false;
+        const double percent = value.toDouble(&isNumber);
+        if (isNumber) {
+            thumb_.setValue(percent);
+        }
+    }
+    QVariant minimumValue() const override { return slider().range(thumb_.thumb()).lower; }
+    QVariant maximumValue() const override { return slider().range(thumb_.thumb()).upper; }
+    QVariant minimumStepSize() const override { return 1.0; }
+
+    QStringList actionNames() const override {
+        return {increaseAction(), decreaseAction(), setFocusAction()};
+    }
+    void doAction(const QString& action) override {
+        if (action == increaseAction()) {
+            thumb_.adjust(DualThresholdSlider::Adjustment::increment);
+        } else if (action == decreaseAction()) {
+            thumb_.adjust(DualThresholdSlider::Adjustment::decrement);
+        } else {
+            QAccessibleWidget::doAction(action);
+        }
+    }
+
+ private:
+    const DualThresholdSlider& slider() const { return thumb_.slider(); }
+
+    ThresholdThumbWidget& thumb_;
+};
+
+QAccessibleInterface* makeInterface(const QString&, QObject* object) {
+    if (auto* tab = qobject_cast<SettingsTabButton*>(object)) {
+        return new AccessibleButton(*tab, QAccessible::PageTab);
+    }
+    if (auto* card = qobject_cast<DisplayModeCardWidget*>(object)) {
+        return new AccessibleButton(*card, QAccessible::RadioButton);
+    }
+    if (auto* toggle = qobject_cast<SettingsSwitchWidget*>(object)) {
+        return new AccessibleButton(*toggle, QAccessible::CheckBox);
+    }
+    if (auto* field = qobject_cast<ShortcutFieldWidget*>(object)) {
+        return new AccessibleButton(*field, QAccessible::PushButton);
+    }
+    if (auto* button = qobject_cast<SettingsButton*>(object)) {
+        return new AccessibleButton(*button, button->kind() == SettingsButton::Kind::link
+                                                 ? QAccessible::Link
+                                                 : QAccessible::PushButton);
+    }
+    if (auto* bar = qobject_cast<SettingsTabBar*>(object)) {
+        return new QAccessibleWidget(bar, QAccessible::PageTabList);
+    }
+    if (auto* thumb = qobject_cast<ThresholdThumbWidget*>(object)) {
+        return new AccessibleThumb(*thumb);
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+void installSettingsAccessibility() {
+    [[maybe_unused]] static const bool once = [] {
+        QAccessible::installFactory(makeInterface);
+        return true;
+    }();
+}
+
+}  // namespace tarnwick::qt

@@ -1,0 +1,35 @@
+// The rounded card that groups what belongs together.
+#pragma once
+
+#include <QWidget>
+
+#include "ui/qt/theme.h"
+
+class QPainter;
+class QVBoxLayout;
+
+namespace tarnwick::qt {
+
+/// Paints a card that fills `rect`; a selected one has an outline in the accent colour.
+void paintCard(QPainter& painter, const QRectF& rect, const Theme& theme, bool isSelected,
+               bool isHovered);
+
+/// What is added to its column stands on the card.
+class SettingsCardWidget : public QWidget {
+    Q_OBJECT
+
+ public:
+    SettingsCardWidget(const Theme& theme, QWidget* parent);
+
+    QVBoxLayout* column() const { return column_; }
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+    const Theme& theme() const { return theme_; }
+
+ private:
+    const Theme& theme_;
+    QVBoxLayout* column_;
+};
+
+}  // namespace tarnwick::qt

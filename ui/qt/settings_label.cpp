@@ -1,0 +1,90 @@
+#include "ui/qt/settings_label.h"
+
+#include <QEvent>
+#include <QPainter>
+#include <algorithm>
+
+#include "ui/qt/symbols.h"
+
+namespace tarnwick::qt {
+
+QString fromUtf8(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+SettingsLabel::SettingsLabel(const Theme& theme, FontRole font, ColorRole color, QWidget* parent,
+                             std::string_view text)
+    : QLabel(parent), theme_(theme), font_(font), color_(color) {
+    setTextFormat(Qt::PlainText);
+    setWordWrap(true);
+    // A label on a button would take the colour of the button's own text.
+    setForegroundRole(QPalette::WindowText);
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setUtf8(text);
+    applyTheme();
+}
+
+void SettingsLabel::setUtf8(std::string_view text) {
+    const QString next = fromUtf8(text);
+    if (next != this->text()) {
+        setText(next);
+    }
+}
+
+bool SettingsLabel::event(QEvent* event) {
+    const bool isOtherColor = event->type() == QEvent::PaletteChange &&
+                              palette().color(QPalette::WindowText) != theme_.color(color_);
+    if (isOtherColor || event->type() == QEvent::ApplicationFontChange) {
+        applyTheme();
+    }
+    return QLabel::event(event);
+}
+
+void SettingsLabel::applyTheme() {
+    QPalette palette;
+    palette.setColor(QPalette::WindowText, theme_.color(color_));
+    setPalette(palette);
+    setFont(theme_.style(font_).font());
+}
+
+int besideText(const Theme& theme, int size) {
+    // What the caption's size is beside an interface font of the usual size.
+    constexpr qreal usual = 8.625;
+    const qreal points = theme.style(FontRole::caption).font().pointSizeF();
+    return qRound(size * std::clamp(points / usual, 1.0, 2.0));
+}
+
+SymbolWidget::SymbolWidget(const Theme& theme, int size, QWidget* parent)
+    : QWidget(parent), theme_(theme), size_(size) {
+    applyFont();
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+void SymbolWidget::setSymbol(std::string_view name, Color color) {
+    if (name_ != name || color_ != color) {
+        name_ = name;
+        color_ = color;
+        update();
+    }
+}
+
+bool SymbolWidget::event(QEvent* event) {
+    if (event->type() == QEvent::ApplicationFontChange) {
+        applyFont();
+    }
+    return QWidget::event(event);
+}
+
+void SymbolWidget::applyFont() {
+    const int side = besideText(theme_, size_);
+    setFixedSize(side, side);
+}
+
+void SymbolWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QColor color =
+        std::visit([this](const auto& which) { return theme_.color(which); }, color_);
+    paintSymbol(painter, name_, color, QPointF(0, 0), width());
+}
+
+}  // namespace tarnwick::qt

@@ -1,0 +1,66 @@
+// Texts and symbols of the settings window.
+#pragma once
+
+#include <QLabel>
+#include <string_view>
+#include <variant>
+
+#include "core/tint.h"
+#include "ui/qt/theme.h"
+
+namespace tarnwick::qt {
+
+QString fromUtf8(std::string_view text);
+
+/// The size of a symbol beside text: `size` logical pixels, and larger where the user has larger
+/// fonts.
+int besideText(const Theme& theme, int size);
+
+/// A text in one of the theme's fonts and colours, which it follows; wrapped at the width that it
+/// has.
+class SettingsLabel final : public QLabel {
+    Q_OBJECT
+
+ public:
+    SettingsLabel(const Theme& theme, FontRole font, ColorRole color, QWidget* parent,
+                  std::string_view text = {});
+
+    void setUtf8(std::string_view text);
+
+ protected:
+    bool event(QEvent* event) override;
+
+ private:
+    void applyTheme();
+
+    const Theme& theme_;
+    FontRole font_;
+    ColorRole color_;
+};
+
+/// One symbol, which says nothing to assistive technology: a text beside it does.
+class SymbolWidget final : public QWidget {
+    Q_OBJECT
+
+ public:
+    using Color = std::variant<ColorRole, Tint>;
+
+    /// `size` beside text of the usual size, logical pixels.
+    SymbolWidget(const Theme& theme, int size, QWidget* parent);
+
+    void setSymbol(std::string_view name, Color color);
+
+ protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+ private:
+    void applyFont();
+
+    const Theme& theme_;
+    int size_;
+    std::string_view name_;
+    Color color_ = ColorRole::text;
+};
+
+}  // namespace tarnwick::qt

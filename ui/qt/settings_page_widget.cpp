@@ -1,0 +1,149 @@
+#include "ui/qt/settings_page_widget.h"
+
+#include <QVBoxLayout>
+#include <utility>
+
+#include "ui/qt/settings_cards.h"
+#include "ui/qt/settings_grid.h"
+#include "ui/qt/settings_mode_card.h"
+#include "ui/qt/slim_scroll_bar.h"
+
+namespace tarnwick::qt {
+
+namespace {
+
+/// Hands the values of one kind of item on.
+template <class Value, class Widget>
+std::function<void(const SettingsItem&)> setter(Widget* widget, void (Widget::*set)(const Value&)) {
+    return [widget, set](const SettingsItem& item) { (widget->*set)(std::get<Value>(item)); };
+}
+
+/// The same for what stands on a plain card.
+template <class Value, class Widget>
+std::function<void(const SettingsItem&)> cardSetter(Widget* widget,
+                                                    void (Widget::*set)(const Value&)) {
+    return [widget, set](const SettingsItem& item) {
+        (widget->*set)(std::get<Value>(std::get<SettingsCard>(item).content));
+    };
+}
+
+}  // namespace
+
+SettingsPageWidget::SettingsPageWidget(SettingsView& view, Tab tab, const Theme& theme,
+                                       KeyCodes keyCodes, QWidget* parent)
+    : QScrollArea(parent), view_(view), theme_(theme), keyCodes_(std::move(keyCodes)) {
+    setFrameShape(NoFrame);
+    setFocusPolicy(Qt::NoFocus);
+    setWidgetResizable(true);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    setVerticalScrollBar(new SlimScrollBar(theme, this));
+    auto* content = new QWidget;
+    content->setObjectName("page");
+    column_ = new QVBoxLayout(content);
+    constexpr int margin = settings_grid::kMargin;
+    column_->setContentsMargins(margin, settings_grid::kTopMargin,
+                                margin - settings_grid::kScrollBar, margin);
+    const SettingsPage page = view.page(tab);
+    column_->setSpacing(page.sectionSpacing);
+    setWidget(content);
+    content->setAutoFillBackground(false);
+    viewport()->setAutoFillBackground(false);
+    for (const SettingsSection& section : page.sections) {
+        addSection(section);
+    }
+    column_->addStretch();
+    auto* ring = new SettingsFocusRing(theme, content);
+    ring->watchControls();
+    setPage(page);
+}
+
+void SettingsPageWidget::addSection(const SettingsSection& section) {
+    QWidget* parent = widget();
+    auto* items = new QVBoxLayout;
+    items->setSpacing(SettingsPage::kItemSpacing);
+    if (!section.title.empty()) {
+        items->addWidget(new SettingsLabel(theme_, FontRole::subheadlineMedium,
+                                           ColorRole::secondaryText, parent, section.title));
+    }
+    QHBoxLayout* modes = nullptr;
+    for (const SettingsItem& item : section.content) {
+        QWidget* made = makeItem(item, parent);
+        if (std::holds_alternative<DisplayModeCard>(item)) {
+            if (modes == nullptr) {
+                modes = new QHBoxLayout;
+                modes->setSpacing(SettingsPage::kItemSpacing);
+                items->addLayout(modes);
+            }
+            modes->addWidget(made, 1);
+        } else if (std::holds_alternative<ResetButton>(item)) {
+            items->addWidget(made, 0, Qt::AlignLeft);
+        } else {
+            items->addWidget(made);
+        }
+    }
+    column_->addLayout(items);
+}
+
+QWidget* SettingsPageWidget::makeItem(const SettingsItem& item, QWidget* parent) {
+    if (const auto* card = std::get_if<DisplayModeCard>(&item)) {
+        auto* made = new DisplayModeCardWidget(theme_, *card, parent);
+        connect(made, &QAbstractButton::clicked, this,
+                [this, mode = card->mode] { view_.selectDisplayMode(mode); });
+        setters_.push_back(setter(made, &DisplayModeCardWidget::setCard));
+        return made;
+    }
+    if (const auto* card = std::get_if<ThresholdEditorCard>(&item)) {
+        auto* made = new ThresholdCardWidget(theme_, *card, view_.slider(card->metric), parent);
+        made->setObjectName(fromUtf8(card->title));
+        setters_.push_back(setter(made, &ThresholdCardWidget::setCard));
+        return made;
+    }
+    if (const auto* card = std::get_if<SettingsCard>(&item)) {
+        return makeCard(*card, parent);
+    }
+    auto* reset =
+        new SettingsButton(theme_, SettingsButton::Kind::bordered, ResetButton::kTitle, parent);
+    reset->setObjectName("reset");
+    connect(reset, &QAbstractButton::clicked, this, [this] { view_.resetThresholds(); });
+    setters_.emplace_back();
+    return reset;
+}
+
+QWidget* SettingsPageWidget::makeCard(const SettingsCard& card, QWidget* parent) {
+    if (const auto* row = std::get_if<SwitchRow>(&card.content)) {
+        auto* made = new SwitchCardWidget(
+            theme_, *row, [this, setting = row->setting](bool on) { view_.setSwitch(setting, on); },
+            parent);
+        setters_.push_back(cardSetter(made, &SwitchCardWidget::setRow));
+        return made;
+    }
+    if (std::holds_alternative<ShortcutEditor>(card.content)) {
+        auto* made = new ShortcutCardWidget(
+            theme_, view_.shortcutField(), keyCodes_, [this] { view_.clearShortcut(); }, parent);
+        setters_.push_back(cardSetter(made, &ShortcutCardWidget::setEditor));
+        return made;
+    }
+    setters_.emplace_back();
+    if (const auto* name = std::get_if<ProgramName>(&card.content)) {
+        return new ProgramCardWidget(theme_, *name, parent);
+    }
+    if (std::holds_alternative<FeatureList>(card.content)) {
+        return new FeatureCardWidget(theme_, parent);
+    }
+    return new PrivacyCardWidget(
+        theme_, [this] { view_.openMakerSite(); }, parent);
+}
+
+void SettingsPageWidget::setPage(const SettingsPage& page) {
+    auto setter = setters_.begin();
+    for (const SettingsSection& section : page.sections) {
+        for (const SettingsItem& item : section.content) {
+            if (const Setter& set = *setter++) {
+                set(item);
+            }
+        }
+    }
+}
+
+}  // namespace tarnwick::qt

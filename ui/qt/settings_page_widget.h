@@ -1,0 +1,42 @@
+// What a tab of the settings window shows, scrolled where it is higher than the window.
+#pragma once
+
+#include <QScrollArea>
+#include <functional>
+#include <vector>
+
+#include "ui/qt/shortcut_field_widget.h"
+#include "ui/qt/theme.h"
+#include "ui/settings/settings_view.h"
+
+class QVBoxLayout;
+
+namespace tarnwick::qt {
+
+/// Made for one tab of a view; the values may change, what stands on the page does not. `view` must
+/// outlive the widget.
+class SettingsPageWidget final : public QScrollArea {
+    Q_OBJECT
+
+ public:
+    SettingsPageWidget(SettingsView& view, Tab tab, const Theme& theme, KeyCodes keyCodes,
+                       QWidget* parent);
+
+    void setPage(const SettingsPage& page);
+
+ private:
+    using Setter = std::function<void(const SettingsItem&)>;
+
+    void addSection(const SettingsSection& section);
+    QWidget* makeItem(const SettingsItem& item, QWidget* parent);
+    QWidget* makeCard(const SettingsCard& card, QWidget* parent);
+
+    SettingsView& view_;
+    const Theme& theme_;
+    KeyCodes keyCodes_;
+    QVBoxLayout* column_;
+    /// One for each item of the page, in order.
+    std::vector<Setter> setters_;
+};
+
+}  // namespace tarnwick::qt

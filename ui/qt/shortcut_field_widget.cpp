@@ -1,0 +1,182 @@
+#include "ui/qt/shortcut_field_widget.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPainter>
+#include <algorithm>
+#include <utility>
+
+#include "settings/shortcut.h"
+#include "ui/qt/settings_buttons.h"
+#include "ui/qt/settings_grid.h"
+#include "ui/settings/shortcut_editor.h"
+
+namespace tarnwick::qt {
+
+namespace {
+
+/// Between the field's edges and its text.
+constexpr int kPadding = 8;
+
+/// The flag of a modifier key, by its virtual key code; 0 for one that counts in no shortcut, and
+/// absent for a key that is no modifier.
+std::optional<std::int64_t> modifierOf(std::uint8_t virtualKeyCode) {
+    switch (virtualKeyCode) {
+        case 0x36:
+        case 0x37:
+            return modifier_flag::kCommand;
+        case 0x38:
+        case 0x3C:
+            return modifier_flag::kShift;
+        case 0x3A:
+        case 0x3D:
+            return modifier_flag::kOption;
+        case 0x3B:
+        case 0x3E:
+            return modifier_flag::kControl;
+        // The lock of the capital letters, and Fn.
+        case 0x39:
+        case 0x3F:
+            return 0;
+        default:
+            return std::nullopt;
+    }
+}
+
+std::int64_t flagsOf(Qt::KeyboardModifiers modifiers) {
+    std::int64_t flags = 0;
+    if (modifiers.testFlag(Qt::MetaModifier)) {
+        flags |= modifier_flag::kCommand;
+    }
+    if (modifiers.testFlag(Qt::ShiftModifier)) {
+        flags |= modifier_flag::kShift;
+    }
+    if (modifiers.testFlag(Qt::AltModifier)) {
+        flags |= modifier_flag::kOption;
+    }
+    if (modifiers.testFlag(Qt::ControlModifier)) {
+        flags |= modifier_flag::kControl;
+    }
+    return flags;
+}
+
+}  // namespace
+
+ShortcutFieldWidget::ShortcutFieldWidget(ShortcutField& field, const Theme& theme,
+                                         KeyCodes keyCodes, QWidget* parent)
+    : QPushButton(parent), field_(field), theme_(theme), keyCodes_(std::move(keyCodes)) {
+    setAccessibleName(ShortcutField::kAccessibilityLabel);
+    setAccessibleDescription(ShortcutField::kAccessibilityHelp);
+    setObjectName("shortcut");
+    setFocusPolicy(Qt::StrongFocus);
+    setAttribute(Qt::WA_Hover);
+    setAutoDefault(false);
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    // A press of Space or by assistive technology.
+    connect(this, &QAbstractButton::clicked, this, [this] { begin(); });
+    field_.makeFirstResponder = [this] {
+        if (!hasFocus()) {
+            setFocus(Qt::MouseFocusReason);
+        }
+    };
+    field_.onRefresh = [this] { update(); };
+}
+
+ShortcutFieldWidget::~ShortcutFieldWidget() {
+    field_.makeFirstResponder = nullptr;
+    field_.onRefresh = nullptr;
+}
+
+QSize ShortcutFieldWidget::sizeHint() const {
+    return {ShortcutEditor::kFieldWidth,
+            std::max(ShortcutField::kHeight, theme_.style(FontRole::subheadline).lineHeight() + 6)};
+}
+
+int ShortcutFieldWidget::focusCorner() const {
+    return settings_grid::kButtonCorner;
+}
+
+void ShortcutFieldWidget::begin() {
+    if (!field_.isRecording()) {
+        field_.mouseDown();
+    }
+}
+
+void ShortcutFieldWidget::feed(const QKeyEvent& event) {
+    const auto code = keyCodes_(event.nativeScanCode());
+    if (!code || event.isAutoRepeat()) {
+        return;
+    }
+    const bool isPress = event.type() == QEvent::KeyPress;
+    std::int64_t flags = flagsOf(static_cast<const QInputEvent&>(event).modifiers());
+    if (const auto own = modifierOf(*code)) {
+        // The event's flags may be those from before it.
+        flags = isPress ? flags | *own : flags & ~*own;
+        field_.flagsChanged(flags);
+    } else if (isPress) {
+        field_.keyDown(*code, flags);
+    }
+}
+
+bool ShortcutFieldWidget::event(QEvent* event) {
+    if (field_.isRecording()) {
+        switch (event->type()) {
+            case QEvent::ShortcutOverride:
+                event->accept();
+                return true;
+            case QEvent::KeyPress:
+            case QEvent::KeyRelease:
+                feed(*static_cast<QKeyEvent*>(event));
+                event->accept();
+                return true;
+            default:
+                break;
+        }
+    }
+    return QPushButton::event(event);
+}
+
+void ShortcutFieldWidget::focusOutEvent(QFocusEvent* event) {
+    field_.resignFirstResponder();
+    QPushButton::focusOutEvent(event);
+}
+
+void ShortcutFieldWidget::keyPressEvent(QKeyEvent* event) {
+    if (!clickByReturn(*this, *event)) {
+        QPushButton::keyPressEvent(event);
+    }
+}
+
+void ShortcutFieldWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) {
+        field_.mouseDown();
+    }
+}
+
+// A press has begun the recording already.
+void ShortcutFieldWidget::mouseReleaseEvent(QMouseEvent*) {}
+
+void ShortcutFieldWidget::paintEvent(QPaintEvent*) {
+    const TextStyle& style = theme_.style(FontRole::subheadline);
+    const ShortcutFieldText& text = field_.text();
+    const bool isRecording = field_.isRecording();
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const qreal outline =
+        isRecording ? settings_grid::kSelectedOutline : settings_grid::kCardOutline;
+    painter.setPen(
+        QPen(theme_.color(isRecording ? ColorRole::accent : ColorRole::hairline), outline));
+    painter.setBrush(theme_.color(underMouse() && !isRecording ? ColorRole::controlHovered
+                                                               : ColorRole::control));
+    painter.drawRoundedRect(
+        QRectF(rect()).adjusted(outline / 2, outline / 2, -outline / 2, -outline / 2),
+        settings_grid::kButtonCorner - outline / 2, settings_grid::kButtonCorner - outline / 2);
+    const QString shown = style.elided(QString::fromStdString(text.text), width() - 2 * kPadding);
+    style.draw(painter,
+               QPointF((width() - style.width(shown)) / 2,
+                       (height() - style.lineHeight()) / 2 + style.ascent()),
+               shown,
+               theme_.color(text.isPlaceholder ? ColorRole::secondaryText : ColorRole::text));
+}
+
+}  // namespace tarnwick::qt
