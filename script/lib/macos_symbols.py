@@ -84,7 +84,7 @@ def weak_symbols(nm, files):
     """Symbols that several objects may define: inline functions and templates."""
     output = subprocess.run([nm, "--format=darwin", "--extern-only", *files],
                             check=True, capture_output=True, text=True).stdout
-    return set(re.findall(r" weak (?:private )?external (?:automatically hidden )?(\S+)", output))
+    return set(re.findall(r" weak (?:private )?external .*?(\S+)$", output, re.M))
 
 
 def check(build, architecture, sdk, nm, *libraries):
@@ -94,6 +94,7 @@ def check(build, architecture, sdk, nm, *libraries):
     faults = [f"defined twice: {name} in {' and '.join(sorted(where))}"
               for name, where in sorted(defined.items()) if len(where) > 1 and name not in weak]
 
+    undefined.setdefault("_main", {"the start of the program"})
     stubs = set()
     for path in sorted(pathlib.Path(sdk).rglob("*.tbd")):
         stubs |= exported_by_stub(path, architecture)

@@ -116,8 +116,12 @@ class Symbols(unittest.TestCase):
         self.assertIn("defined twice: _main",
                       self.failure({"a.o": {"_main": "T"}, "b.o": {"_main": "T"}}))
 
+    def test_a_program_without_a_start_is_a_fault(self):
+        self.assertIn("defined nowhere: _main", self.failure({"a.o": {"_helper": "T"}}))
+
     def test_inline_functions_may_have_two_definitions(self):
-        self.check({"a.o": {"_inline": "T"}, "b.o": {"_inline": "T"}}, weak=["_inline"])
+        self.check({"a.o": {"_main": "T", "_inline": "T"}, "b.o": {"_inline": "T"}},
+                   weak=["_inline"])
 
 
 if __name__ == "__main__":

@@ -1,0 +1,149 @@
+#include "ui/appkit/display_mode_card.h"
+
+#include <string>
+
+#include "ui/appkit/style.h"
+
+namespace {
+
+using tarnwick::DisplayModeCard;
+using tarnwick::DisplayModePreview;
+using tarnwick::appkit::FontRole;
+using tarnwick::appkit::label;
+using tarnwick::appkit::settingsColumn;
+using tarnwick::appkit::settingsRow;
+using tarnwick::appkit::string;
+using tarnwick::appkit::symbolView;
+
+constexpr CGFloat kGap = 8;
+
+NSFont* previewFont() {
+    NSFont* body = [NSFont preferredFontForTextStyle:NSFontTextStyleBody options:@{}];
+    NSFontDescriptor* rounded =
+        [[NSFont systemFontOfSize:body.pointSize weight:NSFontWeightMedium].fontDescriptor
+            fontDescriptorWithDesign:NSFontDescriptorSystemDesignRounded];
+    return rounded == nil ? body : [NSFont fontWithDescriptor:rounded size:body.pointSize];
+}
+
+NSView* previewOf(const DisplayModePreview& preview) {
+    NSMutableArray<NSView*>* views = [NSMutableArray
+        arrayWithObject:symbolView(std::string(preview.icon()),
+                                   tarnwick::appkit::color(preview.tint()), FontRole::headline)];
+    if (!preview.text().empty()) {
+        NSTextField* text = [NSTextField labelWithString:string(preview.text())];
+        text.font = previewFont();
+        [views addObject:text];
+    }
+    NSStackView* strip = [[NSStackView alloc] initWithFrame:NSZeroRect];
+    strip.spacing = kGap;
+    [strip setViews:views inGravity:NSStackViewGravityCenter];
+    [strip.heightAnchor constraintEqualToConstant:DisplayModePreview::kHeight].active = YES;
+    return strip;
+}
+
+NSView* bodyOf(const DisplayModeCard& card) {
+    NSColor* tint = card.isSelected() ? NSColor.controlAccentColor : NSColor.secondaryLabelColor;
+    NSImageView* radio = symbolView(std::string(card.radioIcon()), tint, FontRole::headline);
+    NSFont* title3 = [NSFont preferredFontForTextStyle:NSFontTextStyleTitle3 options:@{}];
+    radio.symbolConfiguration =
+        [NSImageSymbolConfiguration configurationWithPointSize:title3.pointSize
+                                                        weight:NSFontWeightRegular];
+    NSTextField* title = label(std::string(card.title()), FontRole::headline, NSColor.labelColor);
+    return settingsColumn(
+        @[
+            settingsRow(@[ radio, title ], kGap),
+            tarnwick::appkit::captionLabel(card.description()), previewOf(card.preview())
+        ],
+        kGap);
+}
+
+}  // namespace
+
+/// Pressed anywhere, or by the space bar, it selects its mode.
+@interface TNWDisplayModeCard : TNWCard <TNWSettingsItemView>
+- (instancetype)initWithView:(tarnwick::SettingsView*)view;
+@end
+
+@implementation TNWDisplayModeCard {
+    tarnwick::SettingsView* _view;
+    std::optional<DisplayModeCard> _card;
+}
+
+- (instancetype)initWithView:(tarnwick::SettingsView*)view {
+    self = [super initWithFrame:NSZeroRect];
+    if (self != nil) {
+        _view = view;
+        self.accessibilityElement = YES;
+        self.accessibilityRole = NSAccessibilityRadioButtonRole;
+    }
+    return self;
+}
+
+- (BOOL)showItem:(const tarnwick::SettingsItem&)item {
+    const auto* card = std::get_if<DisplayModeCard>(&item);
+    if (card == nullptr || (_card && _card->mode != card->mode)) {
+        return NO;
+    }
+    if (_card != *card) {
+        _card = *card;
+        [self setBody:bodyOf(*card)];
+        self.accessibilityLabel = string(card->title());
+        self.accessibilityHelp = string(card->description());
+        self.accessibilityValue = @(card->isSelected());
+    }
+    return YES;
+}
+
+- (void)select {
+    _view->selectDisplayMode(_card->mode);
+}
+
+- (NSView*)hitTest:(NSPoint)point {
+    return [super hitTest:point] == nil ? nil : self;
+}
+
+- (void)mouseDown:(NSEvent*)event {
+    (void)event;
+    [self select];
+}
+
+- (BOOL)acceptsFirstResponder {
+    return YES;
+}
+
+- (BOOL)canBecomeKeyView {
+    return YES;
+}
+
+- (void)keyDown:(NSEvent*)event {
+    if ([event.characters isEqualToString:@" "]) {
+        [self select];
+    } else {
+        [super keyDown:event];
+    }
+}
+
+- (void)drawFocusRingMask {
+    NSRectFill(self.bounds);
+}
+
+- (NSRect)focusRingMaskBounds {
+    return self.bounds;
+}
+
+- (BOOL)accessibilityPerformPress {
+    [self select];
+    return YES;
+}
+
+@end
+
+namespace tarnwick::appkit {
+
+NSView<TNWSettingsItemView>* makeDisplayModeCard(const SettingsItem& item, SettingsView& view) {
+    TNWDisplayModeCard* card = [[TNWDisplayModeCard alloc] initWithView:&view];
+    [card showItem:item];
+    return card;
+}
+
+}  // namespace tarnwick::appkit

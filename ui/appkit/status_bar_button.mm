@@ -1,0 +1,26 @@
+#include "ui/appkit/status_bar_button.h"
+
+namespace tarnwick::appkit {
+
+NSStatusBarButton* statusBarButtonIn(NSView* view) {
+    if ([view isKindOfClass:NSStatusBarButton.class]) {
+        return static_cast<NSStatusBarButton*>(view);
+    }
+    for (NSView* each in view.subviews) {
+        if (NSStatusBarButton* button = statusBarButtonIn(each)) {
+            return button;
+        }
+    }
+    return nil;
+}
+
+NSStatusBarButton* statusBarButton() {
+    for (NSWindow* window in NSApplication.sharedApplication.windows) {
+        if (NSStatusBarButton* button = statusBarButtonIn(window.contentView)) {
+            return button;
+        }
+    }
+    return nil;
+}
+
+}  // namespace tarnwick::appkit

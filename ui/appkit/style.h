@@ -1,0 +1,34 @@
+// The fonts, colours and symbols that every view draws with. For Objective-C++ only.
+#pragma once
+
+#import <AppKit/AppKit.h>
+#include <string>
+#include <string_view>
+
+#include "core/tint.h"
+
+namespace tarnwick::appkit {
+
+enum class FontRole {
+    headline,
+    subheadline,
+    subheadlineMedium,
+    caption,
+    captionMedium,
+};
+
+/// Follows the text size that the user has chosen.
+NSFont* font(FontRole role);
+
+/// Follows light and dark by itself.
+NSColor* color(Tint tint);
+
+/// The system's symbol of that name in one colour, beside text of `role`.
+NSImageView* symbolView(const std::string& name, NSColor* color, FontRole role);
+
+NSString* string(std::string_view utf8);
+
+/// One line, cut at its end with an ellipsis.
+NSTextField* label(const std::string& text, FontRole role, NSColor* color);
+
+}  // namespace tarnwick::appkit

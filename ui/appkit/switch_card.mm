@@ -1,0 +1,69 @@
+#include "ui/appkit/switch_card.h"
+
+#include <string>
+
+#include "ui/appkit/style.h"
+
+@interface TNWSwitchCard : TNWCard <TNWSettingsItemView>
+- (instancetype)initWithRow:(const tarnwick::SwitchRow&)row view:(tarnwick::SettingsView*)view;
+@end
+
+@implementation TNWSwitchCard {
+    tarnwick::SettingsView* _view;
+    tarnwick::SettingsSwitch _setting;
+    NSSwitch* _switch;
+}
+
+- (instancetype)initWithRow:(const tarnwick::SwitchRow&)row view:(tarnwick::SettingsView*)view {
+    using namespace tarnwick::appkit;
+    self = [super initWithFrame:NSZeroRect];
+    if (self != nil) {
+        _view = view;
+        _setting = row.setting;
+        _switch = [[NSSwitch alloc] initWithFrame:NSZeroRect];
+        _switch.target = self;
+        _switch.action = @selector(switched:);
+        _switch.accessibilityLabel = string(row.title);
+        _switch.accessibilityHelp = string(row.caption);
+        NSStackView* top = settingsRow(
+            @[ label(std::string(row.title), FontRole::headline, NSColor.labelColor) ], 8);
+        [top addView:_switch inGravity:NSStackViewGravityTrailing];
+        [self setBody:settingsColumn(@[ top, captionLabel(row.caption) ], 4)];
+        [self showState:row.isOn];
+    }
+    return self;
+}
+
+- (void)showState:(bool)isOn {
+    _switch.state = isOn ? NSControlStateValueOn : NSControlStateValueOff;
+}
+
+- (BOOL)showItem:(const tarnwick::SettingsItem&)item {
+    const auto* card = std::get_if<tarnwick::SettingsCard>(&item);
+    const auto* row = card == nullptr ? nullptr : std::get_if<tarnwick::SwitchRow>(&card->content);
+    if (row == nullptr || row->setting != _setting) {
+        return NO;
+    }
+    [self showState:row->isOn];
+    return YES;
+}
+
+- (void)switched:(id)sender {
+    (void)sender;
+    _view->setSwitch(_setting, _switch.state == NSControlStateValueOn);
+    // A preference that the system refuses is back at once.
+    [self showState:_setting == tarnwick::SettingsSwitch::launchOnLogin
+                        ? _view->settings().launchOnLogin()
+                        : _view->settings().remindRestartAfterWeek()];
+}
+
+@end
+
+namespace tarnwick::appkit {
+
+NSView<TNWSettingsItemView>* makeSwitchCard(const SettingsItem& item, SettingsView& view) {
+    const auto& row = std::get<SwitchRow>(std::get<SettingsCard>(item).content);
+    return [[TNWSwitchCard alloc] initWithRow:row view:&view];
+}
+
+}  // namespace tarnwick::appkit
