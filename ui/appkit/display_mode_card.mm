@@ -75,6 +75,7 @@ NSView* bodyOf(const DisplayModeCard& card) {
         _view = view;
         self.accessibilityElement = YES;
         self.accessibilityRole = NSAccessibilityRadioButtonRole;
+        self.accessibilityChildren = @[];
     }
     return self;
 }

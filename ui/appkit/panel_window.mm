@@ -43,6 +43,7 @@ TNWPanel* makePanel(TNWPageView* page) {
                     backing:NSBackingStoreBuffered
                       defer:NO];
     panel.releasedWhenClosed = NO;
+    panel.autorecalculatesKeyViewLoop = YES;
     panel.floatingPanel = YES;
     panel.level = NSPopUpMenuWindowLevel;
     panel.hidesOnDeactivate = NO;

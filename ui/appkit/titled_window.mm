@@ -44,6 +44,7 @@ class TitledWindow final : public platform::Window {
                                           backing:NSBackingStoreBuffered
                                             defer:NO];
         window_.releasedWhenClosed = NO;
+        window_.autorecalculatesKeyViewLoop = YES;
         window_.delegate = delegate_;
     }
     TitledWindow(const TitledWindow&) = delete;
