@@ -4,7 +4,7 @@
 macos_symbols.py objects BUILD
     The program's object files, one a line, as the build names them.
 macos_symbols.py check BUILD ARCHITECTURE SDK NM [LIBRARY...]
-    Fails when a symbol is defined nowhere, or twice. The libraries are LLVM's C++ library for this
+    Fails when a symbol is defined nowhere, by nothing that the build links, or twice. The libraries are LLVM's C++ library for this
     system, which has the symbols that the one of macOS has.
 """
 
@@ -45,6 +45,36 @@ def exported_by_stub(path, architecture):
             elif kind == "objc-ivars":
                 names.update(f"_OBJC_IVAR_$_{name}" for name in listed)
     return names
+
+
+def listed(text, key):
+    """The quoted values of every list under a key."""
+    lists = re.findall(rf"\b{key}:\s*\[([^\]]*)\]", text)
+    return [name for each in lists for name in re.findall(r"'([^']*)'", each)]
+
+
+def linked_frameworks(build):
+    """What the build names on the program's command line to the linker."""
+    return set(re.findall(r"-framework (\w+)", (build / "build.ninja").read_text()))
+
+
+def linked_stubs(sdk, frameworks):
+    """The stubs that a linker reads: of the frameworks, of what every program is linked with, and
+    of whatever these pass on."""
+    by_library = {}
+    for path in sorted(pathlib.Path(sdk).rglob("*.tbd")):
+        for library in re.findall(r"^install-name:\s*'?([^'\n]*)'?$", path.read_text(), re.M):
+            by_library.setdefault(library, path)
+    wanted = [library for library in by_library
+              if pathlib.Path(library).name in frameworks
+              or re.fullmatch(r"/usr/lib/(libSystem|libc\+\+|libobjc)\.[^/]*", library)]
+    stubs = set()
+    while wanted:
+        path = by_library.get(wanted.pop())
+        if path is not None and path not in stubs:
+            stubs.add(path)
+            wanted += listed(path.read_text().partition("\nexports:")[0], "libraries")
+    return stubs
 
 
 def runtime_symbols():
@@ -96,7 +126,7 @@ def check(build, architecture, sdk, nm, *libraries):
 
     undefined.setdefault("_main", {"the start of the program"})
     stubs = set()
-    for path in sorted(pathlib.Path(sdk).rglob("*.tbd")):
+    for path in linked_stubs(sdk, linked_frameworks(build)):
         stubs |= exported_by_stub(path, architecture)
     runtime = dict.fromkeys(library_symbols(nm, libraries), "C++ library") | runtime_symbols()
     owners = {}

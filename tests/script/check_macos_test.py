@@ -30,6 +30,14 @@ exports:
     weak-symbols:    [ _weak ]
 ...
 """
+OTHER_STUB = """--- !tapi-tbd
+tbd-version:     4
+install-name:    '/usr/lib/libother.dylib'
+exports:
+  - targets:         [ x86_64-macos, arm64-macos ]
+    symbols:         [ _passedOn ]
+...
+"""
 
 
 def load(name):
@@ -69,7 +77,7 @@ class Symbols(unittest.TestCase):
         self.folder = pathlib.Path(folder.name)
         (self.folder / "sdk").mkdir()
         (self.folder / "sdk" / "some.tbd").write_text(STUB)
-        self.names = {}
+        (self.folder / "sdk" / "other.tbd").write_text(OTHER_STUB)
 
     def test_a_stub_exports_what_it_lists_for_the_processor(self):
         common = {"_first", "_$quoted", "_last", "_weak", "_OBJC_CLASS_$_NSThing",
@@ -78,10 +86,11 @@ class Symbols(unittest.TestCase):
         self.assertEqual(self.symbols.exported_by_stub(stub, "arm64"), common)
         self.assertEqual(self.symbols.exported_by_stub(stub, "x86_64"), common | {"_intelOnly"})
 
-    def check(self, objects, weak=()):
+    def check(self, objects, weak=(), framework="Some"):
         """Judges objects, each with the kinds of its symbols, as nm would print them."""
         build = self.folder / "build"
         build.mkdir()
+        (build / "build.ninja").write_text(f"  LINK_LIBRARIES = libone.a  -framework {framework}\n")
         commands = [{"command": f"cc -o {name} -c x.cpp"} for name in objects]
         commands.append({"command": "cc -o CMakeFiles/tarnwick_core_alone.dir/x.o -c x.cpp"})
         (build / "compile_commands.json").write_text(json.dumps(commands))
@@ -96,9 +105,9 @@ class Symbols(unittest.TestCase):
         nm.chmod(0o755)
         self.symbols.check(build, "arm64", self.folder / "sdk", nm)
 
-    def failure(self, objects, weak=()):
+    def failure(self, objects, **options):
         with self.assertRaises(SystemExit) as raised:
-            self.check(objects, weak)
+            self.check(objects, **options)
         return str(raised.exception.code)
 
     def test_every_symbol_has_one_definition(self):
@@ -108,6 +117,13 @@ class Symbols(unittest.TestCase):
     def test_a_symbol_that_nobody_defines_is_a_fault(self):
         self.assertIn("defined nowhere: _missing",
                       self.failure({"a.o": {"_main": "T", "_missing": "U"}}))
+
+    def test_a_library_passes_on_what_others_define(self):
+        self.check({"a.o": {"_main": "T", "_passedOn": "U"}})
+
+    def test_a_symbol_of_a_framework_that_is_not_linked_is_a_fault(self):
+        self.assertIn("defined nowhere: _first",
+                      self.failure({"a.o": {"_main": "T", "_first": "U"}}, framework="Else"))
 
     def test_a_symbol_of_the_other_processor_is_a_fault(self):
         self.assertIn("defined nowhere: _intelOnly", self.failure({"a.o": {"_intelOnly": "U"}}))
