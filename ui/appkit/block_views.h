@@ -8,6 +8,9 @@
 
 namespace tarnwick::appkit {
 
+/// Points between the panel's edge and its content.
+inline constexpr CGFloat kPagePadding = 16;
+
 /// A view that shows the block for good; another block needs another view.
 NSView* makeBlockView(const PanelBlock& block, const PressHandler& press);
 

@@ -31,6 +31,7 @@ NSStackView* column(NSArray<NSView*>* views, CGFloat gap) {
     NSStackView* stack = [NSStackView stackViewWithViews:views];
     stack.orientation = NSUserInterfaceLayoutOrientationVertical;
     stack.alignment = NSLayoutAttributeLeading;
+    stack.distribution = NSStackViewDistributionFill;
     stack.spacing = gap;
     for (NSView* view in views) {
         [view.widthAnchor constraintLessThanOrEqualToAnchor:stack.widthAnchor].active = YES;
@@ -83,6 +84,7 @@ struct Maker {
         summary.font = font(FontRole::caption);
         summary.textColor = NSColor.secondaryLabelColor;
         summary.selectable = NO;
+        summary.preferredMaxLayoutWidth = kPanelWidth - 2 * kPagePadding;
         NSView* top = row(@[ title ], buttons, kSymbolGap);
         NSStackView* view = column(@[ top, summary ], kTitleGap);
         fillWidth(top, view);

@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr CGFloat kPadding = 16;
+using tarnwick::appkit::kPagePadding;
 
 struct Row {
     tarnwick::PageItem item;
@@ -28,7 +28,8 @@ struct Row {
         _press = std::move(press);
         self.orientation = NSUserInterfaceLayoutOrientationVertical;
         self.alignment = NSLayoutAttributeLeading;
-        self.edgeInsets = NSEdgeInsetsMake(kPadding, kPadding, kPadding, kPadding);
+        self.distribution = NSStackViewDistributionFill;
+        self.edgeInsets = NSEdgeInsetsMake(kPagePadding, kPagePadding, kPagePadding, kPagePadding);
         [self.widthAnchor constraintEqualToConstant:tarnwick::kPanelWidth].active = YES;
     }
     return self;
@@ -62,7 +63,7 @@ struct Row {
         const auto index = static_cast<NSInteger>(i);
         if (view.superview != self) {
             [self insertArrangedSubview:view atIndex:index];
-            [view.widthAnchor constraintEqualToConstant:tarnwick::kPanelWidth - 2 * kPadding]
+            [view.widthAnchor constraintEqualToConstant:tarnwick::kPanelWidth - 2 * kPagePadding]
                 .active = YES;
         } else if (self.arrangedSubviews[i] != view) {
             [self removeArrangedSubview:view];

@@ -11,7 +11,7 @@
 @end
 
 /// Draws its body on a rounded card.
-@interface TNWCard : NSBox
+@interface TNWCard : NSView
 - (void)setBody:(NSView*)body;
 @end
 

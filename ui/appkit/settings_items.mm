@@ -10,16 +10,39 @@
 #include "ui/appkit/switch_card.h"
 #include "ui/appkit/threshold_card.h"
 
-@implementation TNWCard
+namespace {
+
+constexpr CGFloat kCardCorner = 8;
+constexpr CGFloat kCardPadding = 12;
+
+}  // namespace
+
+@implementation TNWCard {
+    NSView* _body;
+}
 
 - (void)setBody:(NSView*)body {
-    self.boxType = NSBoxCustom;
-    self.titlePosition = NSNoTitle;
-    self.cornerRadius = 8;
-    self.fillColor = NSColor.controlBackgroundColor;
-    self.borderColor = NSColor.separatorColor;
-    self.contentViewMargins = NSMakeSize(12, 12);
-    self.contentView = body;
+    [_body removeFromSuperview];
+    _body = body;
+    body.translatesAutoresizingMaskIntoConstraints = NO;
+    [self addSubview:body];
+    [NSLayoutConstraint activateConstraints:@[
+        [body.topAnchor constraintEqualToAnchor:self.topAnchor constant:kCardPadding],
+        [body.bottomAnchor constraintEqualToAnchor:self.bottomAnchor constant:-kCardPadding],
+        [body.leadingAnchor constraintEqualToAnchor:self.leadingAnchor constant:kCardPadding],
+        [body.trailingAnchor constraintEqualToAnchor:self.trailingAnchor constant:-kCardPadding],
+    ]];
+}
+
+- (void)drawRect:(NSRect)dirtyRect {
+    (void)dirtyRect;
+    NSBezierPath* card = [NSBezierPath bezierPathWithRoundedRect:NSInsetRect(self.bounds, 0.5, 0.5)
+                                                         xRadius:kCardCorner
+                                                         yRadius:kCardCorner];
+    [NSColor.controlBackgroundColor setFill];
+    [card fill];
+    [NSColor.separatorColor setStroke];
+    [card stroke];
 }
 
 @end
@@ -63,6 +86,8 @@ namespace tarnwick::appkit {
 namespace {
 
 constexpr CGFloat kGap = 8;
+/// Where a caption breaks its line: it fits into a card of the window, beside a symbol, too.
+constexpr CGFloat kCaptionWidth = 430;
 
 NSView<TNWSettingsItemView>* resetRow(SettingsView& view) {
     TNWPressButton* button = [[TNWPressButton alloc] initWithFrame:NSZeroRect];
@@ -167,6 +192,7 @@ NSStackView* settingsColumn(NSArray<NSView*>* views, CGFloat gap) {
     NSStackView* stack = [NSStackView stackViewWithViews:views];
     stack.orientation = NSUserInterfaceLayoutOrientationVertical;
     stack.alignment = NSLayoutAttributeLeading;
+    stack.distribution = NSStackViewDistributionFill;
     stack.spacing = gap;
     for (NSView* view in views) {
         [view.widthAnchor constraintEqualToAnchor:stack.widthAnchor].active = YES;
@@ -186,6 +212,7 @@ NSTextField* captionLabel(std::string_view text) {
     field.font = font(FontRole::caption);
     field.textColor = NSColor.secondaryLabelColor;
     field.selectable = NO;
+    field.preferredMaxLayoutWidth = kCaptionWidth;
     return field;
 }
 

@@ -32,6 +32,7 @@ struct Row {
         _view = view;
         self.orientation = NSUserInterfaceLayoutOrientationVertical;
         self.alignment = NSLayoutAttributeLeading;
+        self.distribution = NSStackViewDistributionFill;
         self.edgeInsets = NSEdgeInsetsMake(kPadding, kPadding, kPadding, kPadding);
         self.translatesAutoresizingMaskIntoConstraints = NO;
     }

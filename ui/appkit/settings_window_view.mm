@@ -27,6 +27,7 @@
     if (self != nil) {
         _view = view;
         self.orientation = NSUserInterfaceLayoutOrientationVertical;
+        self.distribution = NSStackViewDistributionFill;
         self.edgeInsets = NSEdgeInsetsMake(12, 0, 0, 0);
         [self addTabs];
         _page = [[TNWSettingsPageView alloc] initWithView:view];
@@ -36,7 +37,10 @@
         _scroll.documentView = _page;
         [self addArrangedSubview:_scroll];
         [_scroll.widthAnchor constraintEqualToAnchor:self.widthAnchor].active = YES;
-        [_page.widthAnchor constraintEqualToAnchor:_scroll.contentView.widthAnchor].active = YES;
+        NSClipView* visible = _scroll.contentView;
+        [_page.topAnchor constraintEqualToAnchor:visible.topAnchor].active = YES;
+        [_page.leadingAnchor constraintEqualToAnchor:visible.leadingAnchor].active = YES;
+        [_page.widthAnchor constraintEqualToAnchor:visible.widthAnchor].active = YES;
         [self showContent:view->content()];
         __weak TNWSettingsRoot* weakSelf = self;
         view->setObserver([weakSelf](const tarnwick::SettingsView::Content& content) {
