@@ -72,7 +72,9 @@ void SettingsSwitchWidget::paintEvent(QPaintEvent*) {
 
 SettingsButton::SettingsButton(const Theme& theme, Kind kind, std::string_view title,
                                QWidget* parent)
-    : QPushButton(fromUtf8(title), parent), theme_(theme), kind_(kind) {
+    : QPushButton(parent), theme_(theme), kind_(kind) {
+    // Not in the base's constructor, where assistive technology would take it for any button.
+    setText(fromUtf8(title));
     setAccessibleName(text());
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);

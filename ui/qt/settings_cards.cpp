@@ -33,10 +33,8 @@ SettingsLabel* makeCaption(const Theme& theme, std::string_view text, QWidget* p
 
 SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
                                    std::function<void(bool)> toggle, QWidget* parent)
-    : SettingsCardWidget(theme, parent), switch_(new SettingsSwitchWidget(theme, this)) {
-    switch_->setAccessibleName(fromUtf8(row.title));
-    switch_->setAccessibleDescription(fromUtf8(row.caption));
-    switch_->setObjectName("switch");
+    : SettingsCardWidget(theme, parent) {
+    // Assistive technology reads what is on a card in the order in which it is made.
     auto* line = new QHBoxLayout;
     line->setSpacing(grid::kColumnGap);
     auto* texts = new QVBoxLayout;
@@ -45,6 +43,10 @@ SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
         new SettingsLabel(theme, FontRole::headline, ColorRole::text, this, row.title));
     texts->addWidget(makeCaption(theme, row.caption, this));
     line->addLayout(texts, 1);
+    switch_ = new SettingsSwitchWidget(theme, this);
+    switch_->setAccessibleName(fromUtf8(row.title));
+    switch_->setAccessibleDescription(fromUtf8(row.caption));
+    switch_->setObjectName("switch");
     line->addWidget(switch_);
     column()->addLayout(line);
     connect(switch_, &QAbstractButton::clicked, this,
@@ -54,14 +56,14 @@ SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
 
 ShortcutCardWidget::ShortcutCardWidget(const Theme& theme, ShortcutField& field, KeyCodes keyCodes,
                                        std::function<void()> clear, QWidget* parent)
-    : SettingsCardWidget(theme, parent),
-      field_(new ShortcutFieldWidget(field, theme, std::move(keyCodes), this)),
-      clear_(
-          new SettingsButton(theme, SettingsButton::Kind::bordered, ShortcutEditor::kClear, this)) {
-    clear_->setObjectName("clear");
+    : SettingsCardWidget(theme, parent) {
     column()->addWidget(new SettingsLabel(theme, FontRole::headline, ColorRole::text, this,
                                           ShortcutEditor::kTitle));
     column()->addWidget(makeCaption(theme, ShortcutEditor::kCaption, this));
+    field_ = new ShortcutFieldWidget(field, theme, std::move(keyCodes), this);
+    clear_ =
+        new SettingsButton(theme, SettingsButton::Kind::bordered, ShortcutEditor::kClear, this);
+    clear_->setObjectName("clear");
     auto* row = new QHBoxLayout;
     row->setSpacing(settings_grid::kPartGap);
     row->addWidget(field_);
@@ -148,10 +150,12 @@ void ThresholdPillWidget::paintEvent(QPaintEvent*) {
 
 ThresholdCardWidget::ThresholdCardWidget(const Theme& theme, const ThresholdEditorCard& card,
                                          DualThresholdSlider& slider, QWidget* parent)
-    : SettingsCardWidget(theme, parent),
-      pills_{new ThresholdPillWidget(theme, this), new ThresholdPillWidget(theme, this)},
-      slider_(new ThresholdSliderWidget(slider, theme, this)) {
+    : SettingsCardWidget(theme, parent) {
     column()->addLayout(makeHeadline(theme, card.icon, card.title, this));
+    for (ThresholdPillWidget*& pill : pills_) {
+        pill = new ThresholdPillWidget(theme, this);
+    }
+    slider_ = new ThresholdSliderWidget(slider, theme, this);
     auto* row = new QHBoxLayout;
     row->setSpacing(ThresholdEditorCard::kPillSpacing);
     for (ThresholdPillWidget* pill : pills_) {

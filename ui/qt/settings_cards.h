@@ -25,7 +25,7 @@ class SwitchCardWidget final : public SettingsCardWidget {
     void setRow(const SwitchRow& row) { switch_->setChecked(row.isOn); }
 
  private:
-    SettingsSwitchWidget* switch_;
+    SettingsSwitchWidget* switch_ = nullptr;
 };
 
 /// The recorder's field with what is said about it.
@@ -47,9 +47,9 @@ class ShortcutCardWidget final : public SettingsCardWidget {
 
     Line makeLine();
 
-    ShortcutFieldWidget* field_;
-    SettingsButton* clear_;
-    std::array<Line, 2> lines_;
+    ShortcutFieldWidget* field_ = nullptr;
+    SettingsButton* clear_ = nullptr;
+    std::array<Line, 2> lines_{};
 };
 
 /// A dot and a text on a capsule.
@@ -83,8 +83,8 @@ class ThresholdCardWidget final : public SettingsCardWidget {
     void setCard(const ThresholdEditorCard& card);
 
  private:
-    std::array<ThresholdPillWidget*, 2> pills_;
-    ThresholdSliderWidget* slider_;
+    std::array<ThresholdPillWidget*, 2> pills_{};
+    ThresholdSliderWidget* slider_ = nullptr;
 };
 
 /// What the program is called.

@@ -15,10 +15,11 @@ SettingsWidget::SettingsWidget(UserSettings& settings, const Theme& theme,
     : view_(settings, std::move(environment)),
       theme_(theme),
       keyCodes_(std::move(keyCodes)),
-      tabs_(new SettingsTabBar(
-          theme, [this](Tab tab) { view_.selectTab(tab); }, this)),
       pages_(new QStackedLayout) {
+    // Before the first widget that it is about: what is asked for once is kept.
     installSettingsAccessibility();
+    tabs_ = new SettingsTabBar(
+        theme, [this](Tab tab) { view_.selectTab(tab); }, this);
     setLayoutDirection(Qt::LeftToRight);
     auto* column = new QVBoxLayout(this);
     column->setContentsMargins(0, 0, 0, 0);

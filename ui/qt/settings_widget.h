@@ -34,7 +34,7 @@ class SettingsWidget final : public QWidget {
     SettingsView view_;
     const Theme& theme_;
     KeyCodes keyCodes_;
-    SettingsTabBar* tabs_;
+    SettingsTabBar* tabs_ = nullptr;
     QStackedLayout* pages_;
     /// Null for a tab that has not been selected yet.
     std::array<SettingsPageWidget*, kTabs.size()> made_{};

@@ -1,6 +1,7 @@
 // What the controls of the settings window do and show.
 #include <QAccessible>
 #include <QAccessibleInterface>
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
@@ -176,6 +177,37 @@ TEST_F(SettingsControls, TabsAreTabsToAssistiveTechnology) {
     EXPECT_EQ(widget->view().selectedTab(), Tab::customize);
     EXPECT_TRUE(customize->state().selected);
     EXPECT_FALSE(accessible(find("tab.General"))->state().selected);
+}
+
+TEST_F(SettingsControls, CardsAreReadFromTopToBottom) {
+    storeShortcut(37, kCommand);
+    settings.setShortcutRegistrationState(RegistrationState::active);
+    catchUp();
+    for (const TabItem& item : kTabs) {
+        select(item.tab);
+        std::vector<QWidget*> read;
+        const std::function<void(QAccessibleInterface*)> walk = [&](QAccessibleInterface* from) {
+            for (int i = 0; i < from->childCount(); ++i) {
+                QAccessibleInterface* child = from->child(i);
+                auto* found = qobject_cast<QWidget*>(child->object());
+                if (found != nullptr && found->isVisible() &&
+                    !child->text(QAccessible::Name).isEmpty()) {
+                    read.push_back(found);
+                }
+                walk(child);
+            }
+        };
+        walk(accessible(find("page")));
+        ASSERT_GT(read.size(), 7U);
+        for (std::size_t i = 1; i < read.size(); ++i) {
+            const QRect before(read[i - 1]->mapTo(widget.get(), QPoint()), read[i - 1]->size());
+            const QRect after(read[i]->mapTo(widget.get(), QPoint()), read[i]->size());
+            EXPECT_TRUE(after.top() >= before.top() || after.left() > before.left() ||
+                        after.contains(before.center()))
+                << accessible(read[i])->text(QAccessible::Name).toStdString() << " after "
+                << accessible(read[i - 1])->text(QAccessible::Name).toStdString();
+        }
+    }
 }
 
 TEST_F(SettingsControls, ClearIsThereOnlyWhileAShortcutIsStored) {

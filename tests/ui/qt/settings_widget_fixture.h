@@ -1,6 +1,7 @@
 // The content of the settings window on a screen without a display, over a store in memory.
 #pragma once
 
+#include <QAccessible>
 #include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -24,7 +25,11 @@ inline constexpr std::int64_t kShift = 0x20000;
 
 class SettingsWidgetFixture : public ::testing::Test {
  protected:
-    SettingsWidgetFixture() { make(); }
+    SettingsWidgetFixture() {
+        // As if assistive technology listened from the beginning.
+        QAccessible::setActive(true);
+        make();
+    }
     ~SettingsWidgetFixture() override {
         widget.reset();
         settle();
