@@ -1,5 +1,6 @@
 #include "ui/qt/settings_page_widget.h"
 
+#include <QApplication>
 #include <QVBoxLayout>
 #include <utility>
 
@@ -53,6 +54,13 @@ SettingsPageWidget::SettingsPageWidget(SettingsView& view, Tab tab, const Theme&
         addSection(section);
     }
     column_->addStretch();
+    // The toolkit scrolls to what a key leads to and to nothing else.
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* focused) {
+        if (focused != nullptr && widget()->isAncestorOf(focused) &&
+            QApplication::mouseButtons() == Qt::NoButton) {
+            ensureWidgetVisible(focused);
+        }
+    });
     auto* ring = new SettingsFocusRing(theme, content);
     ring->watchControls();
     setPage(page);

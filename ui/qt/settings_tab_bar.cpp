@@ -116,10 +116,7 @@ void SettingsTabBar::selectNeighbour(int step) {
                      [](const SettingsTabButton* button) { return button->isChecked(); });
     const auto next = static_cast<int>(current - buttons_.begin()) + step;
     SettingsTabButton* button = buttons_[static_cast<std::size_t>((next + count) % count)];
-    if (std::any_of(buttons_.begin(), buttons_.end(),
-                    [](const SettingsTabButton* each) { return each->hasFocus(); })) {
-        button->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-    }
+    button->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     select_(button->tab());
 }
 

@@ -47,8 +47,7 @@ class SettingsTabBar final : public QWidget {
     void setSelected(Tab tab);
     /// Gives the keyboard to the first tab.
     void focusFirst();
-    /// Selects the tab that lies `step` further, around the ends, and gives it the keyboard where
-    /// another tab has it.
+    /// Selects the tab that lies `step` further, around the ends, and gives it the keyboard.
     void selectNeighbour(int step);
 
  protected:

@@ -8,12 +8,13 @@ _BUS = ("org.a11y.Bus", "/org/a11y/bus", "org.a11y.Bus")
 _REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
 _ACCESSIBLE = "org.a11y.atspi.Accessible"
 _ACTION = "org.a11y.atspi.Action"
+_COMPONENT = "org.a11y.atspi.Component"
 _VALUE = "org.a11y.atspi.Value"
 _PROPERTIES = "org.freedesktop.DBus.Properties"
 _CALL_MS = 20000
 # Bits of a state set, by the numbers of the interface.
-_STATES = {"enabled": 8, "focusable": 11, "focused": 12, "sensitive": 24, "showing": 25,
-           "visible": 30}
+_STATES = {"checked": 4, "enabled": 8, "focusable": 11, "focused": 12, "selected": 23,
+           "sensitive": 24, "showing": 25, "visible": 30}
 
 
 class AccessibilityBus:
@@ -114,6 +115,14 @@ class Accessible:
             return None
         return tuple(self._get(_VALUE, name)
                      for name in ("MinimumValue", "CurrentValue", "MaximumValue"))
+
+    def set_value(self, value):
+        self._call(_PROPERTIES, "Set",
+                   GLib.Variant("(ssv)", (_VALUE, "CurrentValue", GLib.Variant("d", value))))
+
+    def place(self):
+        """(x, y, width, height) on the screen."""
+        return self._call(_COMPONENT, "GetExtents", GLib.Variant("(u)", (0,)))[0]
 
     def actions(self):
         """Names of what can be done with it."""

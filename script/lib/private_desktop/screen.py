@@ -166,6 +166,16 @@ class Screen:
         xtest.fake_input(self._display, X.ButtonRelease, button)
         self._display.sync()
 
+    def drag(self, start, *places):
+        """A press of the main button, moves with it, and its release at the last place."""
+        self.move_pointer(start)
+        xtest.fake_input(self._display, X.ButtonPress, 1)
+        self._display.sync()
+        for place in places:
+            self.move_pointer(place)
+        xtest.fake_input(self._display, X.ButtonRelease, 1)
+        self._display.sync()
+
     def press_key(self, name):
         """A press and a release of a key, by its X name."""
         code = self._display.keysym_to_keycode(XK.string_to_keysym(name))

@@ -3,6 +3,7 @@
 
 #include <QPointer>
 #include <QScrollBar>
+#include <QShortcut>
 #include <QWheelEvent>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -140,6 +141,27 @@ TEST_F(SettingsWidgetTest, WhatTheKeyboardComesToIsMarkedAndScrolledIntoView) {
     EXPECT_GT(scrollBar()->value(), 0);
     visible<ThresholdThumbWidget>().at(7)->setFocus(Qt::MouseFocusReason);
     EXPECT_EQ(find("focusRing"), nullptr);
+}
+
+TEST_F(SettingsWidgetTest, WhatAssistiveTechnologyGivesTheKeyboardIsScrolledIntoView) {
+    select(Tab::customize);
+    QWidget* last = visible<ThresholdThumbWidget>().at(7);
+    last->setFocus(Qt::OtherFocusReason);
+    catchUp();
+    EXPECT_TRUE(widget->rect().contains(QRect(last->mapTo(widget.get(), QPoint()), last->size())));
+}
+
+TEST_F(SettingsWidgetTest, AShortcutLeadsToTheNextTabFromAnywhere) {
+    find("switch")->setFocus(Qt::TabFocusReason);
+    const auto shortcuts = widget->findChildren<QShortcut*>();
+    ASSERT_EQ(shortcuts.size(), 2);
+    emit shortcuts[0]->activated();
+    catchUp();
+    EXPECT_EQ(widget->view().selectedTab(), Tab::customize);
+    EXPECT_EQ(focusName(), "tab.Customize");
+    emit shortcuts[1]->activated();
+    catchUp();
+    EXPECT_EQ(focusName(), "tab.General");
 }
 
 TEST_F(SettingsWidgetTest, EachTabScrollsByItself) {
