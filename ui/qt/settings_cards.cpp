@@ -95,6 +95,11 @@ ShortcutCardWidget::Line ShortcutCardWidget::makeLine() {
     return {row, symbol, text};
 }
 
+void ShortcutCardWidget::resizeEvent(QResizeEvent* event) {
+    SettingsCardWidget::resizeEvent(event);
+    emit heightChanged();
+}
+
 void ShortcutCardWidget::setEditor(const ShortcutEditor& editor) {
     field_->update();
     clear_->setVisible(editor.hasClear);

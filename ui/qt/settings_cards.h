@@ -38,6 +38,13 @@ class ShortcutCardWidget final : public SettingsCardWidget {
 
     void setEditor(const ShortcutEditor& editor);
 
+ signals:
+    /// There are more or fewer lines now.
+    void heightChanged();
+
+ protected:
+    void resizeEvent(QResizeEvent* event) override;
+
  private:
     struct Line {
         QWidget* row;

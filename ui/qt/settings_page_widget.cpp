@@ -54,16 +54,24 @@ SettingsPageWidget::SettingsPageWidget(SettingsView& view, Tab tab, const Theme&
         addSection(section);
     }
     column_->addStretch();
-    // The toolkit scrolls to what a key leads to and to nothing else.
-    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, QWidget* focused) {
-        if (focused != nullptr && widget()->isAncestorOf(focused) &&
-            QApplication::mouseButtons() == Qt::NoButton) {
-            ensureWidgetVisible(focused);
-        }
-    });
+    connect(qApp, &QApplication::focusChanged, this,
+            [this](QWidget*, QWidget* focused) { scrollTo(focused); });
     auto* ring = new SettingsFocusRing(theme, content);
     ring->watchControls();
     setPage(page);
+}
+
+/// The toolkit scrolls to what a key leads to and to nothing else.
+void SettingsPageWidget::scrollTo(QWidget* focused) {
+    if (focused == nullptr || !widget()->isAncestorOf(focused)) {
+        return;
+    }
+    if (qobject_cast<ShortcutFieldWidget*>(focused) != nullptr) {
+        // What is said about the shortcut stands below.
+        ensureWidgetVisible(focused->parentWidget(), 0, settings_grid::kMargin);
+    } else if (QApplication::mouseButtons() == Qt::NoButton) {
+        ensureWidgetVisible(focused);
+    }
 }
 
 void SettingsPageWidget::addSection(const SettingsSection& section) {
@@ -129,6 +137,10 @@ QWidget* SettingsPageWidget::makeCard(const SettingsCard& card, QWidget* parent)
     if (std::holds_alternative<ShortcutEditor>(card.content)) {
         auto* made = new ShortcutCardWidget(
             theme_, view_.shortcutField(), keyCodes_, [this] { view_.clearShortcut(); }, parent);
+        // Later: the page is not as high yet as the card will make it.
+        connect(
+            made, &ShortcutCardWidget::heightChanged, this,
+            [this] { scrollTo(QApplication::focusWidget()); }, Qt::QueuedConnection);
         setters_.push_back(cardSetter(made, &ShortcutCardWidget::setEditor));
         return made;
     }

@@ -27,6 +27,7 @@ class SettingsPageWidget final : public QScrollArea {
  private:
     using Setter = std::function<void(const SettingsItem&)>;
 
+    void scrollTo(QWidget* focused);
     void addSection(const SettingsSection& section);
     QWidget* makeItem(const SettingsItem& item, QWidget* parent);
     QWidget* makeCard(const SettingsCard& card, QWidget* parent);

@@ -324,6 +324,18 @@ TEST_F(ShortcutFieldControl, APlainKeyIsRejectedAndRecordingGoesOn) {
     EXPECT_EQ(settings.shortcutKeyCode(), -1);
 }
 
+TEST_F(ShortcutFieldControl, WhatIsSaidWhileItRecordsIsInView) {
+    storeShortcut(37, kCommand);
+    settings.setShortcutRegistrationState(RegistrationState::conflict);
+    catchUp();
+    startRecording();
+    nativeKey(QEvent::KeyPress, 40, Qt::NoModifier, Qt::Key_K);
+    catchUp();
+    const QWidget* card = visible<ShortcutCardWidget>().at(0);
+    EXPECT_LE(card->mapTo(widget.get(), QPoint(0, card->height())).y(), widget->height());
+    ASSERT_EQ(lines().size(), 2U);
+}
+
 TEST_F(ShortcutFieldControl, EscapeCancels) {
     storeShortcut(37, kCommand);
     startRecording();
