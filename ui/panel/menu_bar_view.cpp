@@ -48,6 +48,7 @@ void MenuBarView::disappear() {
     settingsSubscription_.cancel();
     lastPage_.clear();
     activeTab_ = MenuTab::home;
+    lastDetail_ = MenuTab::home;
     statsManager_.popoverDidDisappear();
 }
 
@@ -154,8 +155,34 @@ void MenuBarView::perform(PanelAction action) {
     }
 }
 
+bool MenuBarView::cancel() {
+    if (activeTab_ == MenuTab::home) {
+        return false;
+    }
+    perform(PanelAction::goBack);
+    return true;
+}
+
+std::optional<PanelAction> MenuBarView::entryAction() const {
+    if (activeTab_ != MenuTab::home) {
+        return PanelAction::goBack;
+    }
+    switch (lastDetail_) {
+        case MenuTab::home:
+            break;
+        case MenuTab::memoryDetail:
+            return PanelAction::showMemoryDetail;
+        case MenuTab::performanceDetail:
+            return PanelAction::showPerformanceDetail;
+    }
+    return std::nullopt;
+}
+
 void MenuBarView::show(MenuTab tab) {
     activeTab_ = tab;
+    if (tab != MenuTab::home) {
+        lastDetail_ = tab;
+    }
     rebuild();
 }
 

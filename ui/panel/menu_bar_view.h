@@ -3,6 +3,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <set>
 
 #include "core/published.h"
@@ -72,6 +73,12 @@ class MenuBarView {
     bool canPerform(PanelAction action) const;
     /// Does nothing for an action that cannot be performed.
     void perform(PanelAction action);
+    /// What Escape does: leads back from a detail page. False, doing nothing, on the home page,
+    /// from where it closes the panel.
+    bool cancel();
+    /// The button to go on from by keyboard when another page has come: on a detail page the way
+    /// back, on the home page the button that led away last. Absent as long as none has.
+    std::optional<PanelAction> entryAction() const;
 
  private:
     void scheduleRebuild();
@@ -86,6 +93,8 @@ class MenuBarView {
     PanelTargets targets_;
     MenuBarViewEnvironment environment_;
     MenuTab activeTab_ = MenuTab::home;
+    /// The detail page shown last; home before there was one.
+    MenuTab lastDetail_ = MenuTab::home;
     bool isVisible_ = false;
     bool isRebuildScheduled_ = false;
     /// The page announced last while visible.

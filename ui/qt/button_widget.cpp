@@ -178,6 +178,11 @@ void ButtonWidget::keyPressEvent(QKeyEvent* event) {
         click();
         return;
     }
+    if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down) {
+        // Walks or scrolls, as there is room for the page.
+        event->ignore();
+        return;
+    }
     QAbstractButton::keyPressEvent(event);
 }
 

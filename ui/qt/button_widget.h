@@ -33,6 +33,7 @@ class ButtonWidget final : public QAbstractButton {
 
     /// Paints again only when the button differs from the one shown.
     void setButton(const PanelButton& button);
+    PanelAction action() const { return button_.action; }
     /// The size that shows the whole title; of a navigation button the least width.
     QSize sizeHint() const override;
     /// Radius of its corners.

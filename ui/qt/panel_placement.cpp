@@ -4,12 +4,19 @@
 
 namespace tarnwick::qt {
 
+namespace {
+
+bool opensUpwards(const QRect& anchor, const QRect& screen) {
+    return anchor.center().y() > screen.center().y();
+}
+
+}  // namespace
+
 QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& screen,
                      const QRect& available) {
-    const bool opensUpwards = anchor.center().y() > screen.center().y();
     const int x = anchor.left() + (anchor.width() - panel.width()) / 2;
-    const int y = opensUpwards ? anchor.top() - kPanelGap - panel.height()
-                               : anchor.top() + anchor.height() + kPanelGap;
+    const int y = opensUpwards(anchor, screen) ? anchor.top() - kPanelGap - panel.height()
+                                               : anchor.top() + anchor.height() + kPanelGap;
     const QRect inside =
         available.adjusted(kScreenMargin, kScreenMargin, -kScreenMargin, -kScreenMargin);
     const int lastX = inside.left() + inside.width() - panel.width();
@@ -17,6 +24,17 @@ QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& scree
     return {QPoint(std::max(inside.left(), std::min(x, lastX)),
                    std::max(inside.top(), std::min(y, lastY))),
             panel};
+}
+
+QRect panelReplacement(const QRect& current, const QSize& panel, const QRect& anchor,
+                       const QRect& screen, const QRect& available) {
+    QRect place = panelPlacement(panel, anchor, screen, available);
+    if (opensUpwards(anchor, screen)) {
+        place.moveBottom(std::max(place.bottom(), current.bottom()));
+    } else {
+        place.moveTop(std::min(place.top(), current.top()));
+    }
+    return place;
 }
 
 QRect cornerAnchor(const QRect& screen, const QRect& available) {

@@ -17,6 +17,11 @@ inline constexpr int kScreenMargin = 6;
 QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& screen,
                      const QRect& available);
 
+/// The same when an open panel at `current` gets another size: the edge beside the anchor stays
+/// where it is, wherever that leaves the panel inside.
+QRect panelReplacement(const QRect& current, const QSize& panel, const QRect& anchor,
+                       const QRect& screen, const QRect& available);
+
 /// What the panel opens beside while the item's place is not known: the right corner where a tray
 /// most likely is, at the bottom when only that edge has a bar, else at the top.
 QRect cornerAnchor(const QRect& screen, const QRect& available);

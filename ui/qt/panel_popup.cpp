@@ -6,11 +6,13 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTimer>
 #include <QWindow>
 #include <algorithm>
 #include <utility>
 
+#include "ui/qt/button_widget.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/panel_placement.h"
 #include "ui/qt/shadow.h"
@@ -72,6 +74,16 @@ PanelPopup::PanelPopup(const Theme& theme, const Page& page, PressHandler press,
     connect(view_, &PanelView::heightChanged, this, &PanelPopup::place);
 }
 
+void PanelPopup::turnTo(const Page& page, std::optional<PanelAction> entry) {
+    const ButtonWidget* button = view_->focusedButton();
+    const bool isByKey = isCancelling_ || (button != nullptr && button->showsFocus());
+    view_->turnTo(page, entry, isByKey ? Qt::ShortcutFocusReason : Qt::OtherFocusReason);
+    scroller_->verticalScrollBar()->setValue(0);
+    if (QWidget* focused = view_->focusedButton()) {
+        scroller_->ensureWidgetVisible(focused, 0, grid::kPadding);
+    }
+}
+
 void PanelPopup::popUp(const QRect& anchor) {
     anchor_ = anchor;
     place();
@@ -110,9 +122,11 @@ void PanelPopup::dismiss() {
 void PanelPopup::place() {
     const QScreen* screen = screenOf(anchor_);
     const QRect available = screen->availableGeometry();
-    const QRect panel = panelPlacement(
-        QSize(view_->width(), std::min(view_->height(), available.height() - 2 * kScreenMargin)),
-        anchor_, screen->geometry(), available);
+    const QSize size(view_->width(),
+                     std::min(view_->height(), available.height() - 2 * kScreenMargin));
+    const QRect panel = isVisible() ? panelReplacement(panelRect().translated(pos()), size, anchor_,
+                                                       screen->geometry(), available)
+                                    : panelPlacement(size, anchor_, screen->geometry(), available);
     const int margin = isTranslucent_ ? kShadowMargin : 0;
     const QRect window = panel.adjusted(-margin, -margin, margin, margin);
     scroller_->setGeometry(QRect(QPoint(margin, margin), panel.size()));
@@ -145,10 +159,47 @@ void PanelPopup::paintEvent(QPaintEvent* event) {
 
 void PanelPopup::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Cancel)) {
-        hide();
+        cancel();
         return;
     }
-    QWidget::keyPressEvent(event);
+    if (!scroll(event->key())) {
+        QWidget::keyPressEvent(event);
+    }
+}
+
+void PanelPopup::cancel() {
+    isCancelling_ = true;
+    const bool stays = cancel_ && cancel_();
+    isCancelling_ = false;
+    if (!stays) {
+        hide();
+    }
+}
+
+bool PanelPopup::scroll(int key) {
+    QScrollBar* bar = scroller_->verticalScrollBar();
+    switch (key) {
+        case Qt::Key_Up:
+            bar->triggerAction(QScrollBar::SliderSingleStepSub);
+            return true;
+        case Qt::Key_Down:
+            bar->triggerAction(QScrollBar::SliderSingleStepAdd);
+            return true;
+        case Qt::Key_PageUp:
+            bar->triggerAction(QScrollBar::SliderPageStepSub);
+            return true;
+        case Qt::Key_PageDown:
+            bar->triggerAction(QScrollBar::SliderPageStepAdd);
+            return true;
+        case Qt::Key_Home:
+            bar->triggerAction(QScrollBar::SliderToMinimum);
+            return true;
+        case Qt::Key_End:
+            bar->triggerAction(QScrollBar::SliderToMaximum);
+            return true;
+        default:
+            return false;
+    }
 }
 
 void PanelPopup::mousePressEvent(QMouseEvent* event) {

@@ -14,7 +14,8 @@
 namespace tarnwick::qt {
 
 /// A borderless window around a page. Where windows can be translucent it has smooth corners and a
-/// shadow, else it is cut to shape. A page that is higher than the screen scrolls. Escape, a press
+/// shadow, else it is cut to shape. A page that is higher than the screen scrolls: with the wheel,
+/// with the keys that do so elsewhere, and to the button that gets the focus. Escape, a press
 /// outside and another program's window becoming active hide it.
 class PanelPopup final : public QWidget {
     Q_OBJECT
@@ -23,6 +24,11 @@ class PanelPopup final : public QWidget {
     PanelPopup(const Theme& theme, const Page& page, PressHandler press, bool isTranslucent);
 
     void setPage(const Page& page) { view_->setPage(page); }
+    /// Shows another page in the same place, from its top on or from where the button of `entry`
+    /// is. That button gets the focus, which is seen when a key led here.
+    void turnTo(const Page& page, std::optional<PanelAction> entry);
+    /// What Escape does before it hides the panel: with true it stays.
+    void setCancelHandler(std::function<bool()> handler) { cancel_ = std::move(handler); }
     /// Shows the panel beside `anchor` (screen coordinates), where it stays also when its height
     /// changes.
     void popUp(const QRect& anchor);
@@ -44,7 +50,10 @@ class PanelPopup final : public QWidget {
     /// The panel's ground in the window's coordinates.
     QRect panelRect() const { return scroller_->geometry(); }
     void place();
+    void cancel();
     void dismiss();
+    /// Scrolls as the key asks for; false when it is none of those.
+    bool scroll(int key);
     /// Sees to it that presses outside and keys come here, or tries again soon.
     void takeInput(int attempt);
 
@@ -52,6 +61,9 @@ class PanelPopup final : public QWidget {
     bool isTranslucent_;
     QScrollArea* scroller_;
     PanelView* view_;
+    std::function<bool()> cancel_;
+    /// The page is being turned by Escape.
+    bool isCancelling_ = false;
     QRect anchor_;
     std::optional<ForeignActivation> foreignActivation_;
     /// The button is down since a press outside.

@@ -1,6 +1,7 @@
 #include "ui/qt/panel_view.h"
 
 #include <QEvent>
+#include <QKeyEvent>
 #include <algorithm>
 #include <utility>
 
@@ -27,14 +28,13 @@ BlockWidget* PanelView::takeWidget(const std::string& id) {
     return row == rows_.end() ? nullptr : std::exchange(row->widget, nullptr);
 }
 
-void PanelView::setPage(const Page& page) {
+std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
     std::vector<Row> rows;
+    std::vector<BlockWidget*> gone;
     for (const PageItem& item : page) {
         BlockWidget* widget = takeWidget(item.id);
         if (widget != nullptr && !widget->setBlock(item.block)) {
-            widget->deleteLater();
-            widget->hide();
-            widget = nullptr;
+            gone.push_back(std::exchange(widget, nullptr));
         }
         if (widget == nullptr) {
             widget = makeBlockWidget(item.block, theme_, press_, this);
@@ -47,15 +47,44 @@ void PanelView::setPage(const Page& page) {
         }
         rows.push_back({item, widget});
     }
-    for (const Row& gone : rows_) {
-        if (gone.widget != nullptr) {
-            gone.widget->hide();
-            gone.widget->deleteLater();
+    for (const Row& left : rows_) {
+        if (left.widget != nullptr) {
+            gone.push_back(left.widget);
         }
     }
     rows_ = std::move(rows);
     chainButtons();
+    return gone;
+}
+
+void PanelView::remove(const std::vector<BlockWidget*>& widgets) {
+    for (BlockWidget* widget : widgets) {
+        widget->hide();
+        widget->deleteLater();
+    }
+}
+
+void PanelView::setPage(const Page& page) {
+    remove(takePage(page));
     placeWidgets();
+}
+
+void PanelView::turnTo(const Page& page, std::optional<PanelAction> entry, Qt::FocusReason reason) {
+    const std::vector<BlockWidget*> gone = takePage(page);
+    // Before the focused button goes, which would hand the focus to any other.
+    for (const Row& row : rows_) {
+        for (ButtonWidget* button : row.widget->findChildren<ButtonWidget*>()) {
+            if (entry == button->action()) {
+                button->setFocus(reason);
+            }
+        }
+    }
+    remove(gone);
+    placeWidgets();
+}
+
+ButtonWidget* PanelView::focusedButton() const {
+    return qobject_cast<ButtonWidget*>(focusWidget());
 }
 
 /// Lets the keyboard walk through the buttons in the order of the page.
@@ -87,6 +116,17 @@ void PanelView::placeWidgets() {
         setFixedSize(kPanelWidth, y);
         emit heightChanged();
     }
+}
+
+// Up and down walk through the buttons; on a page that is cut off they are left to scroll it.
+void PanelView::keyPressEvent(QKeyEvent* event) {
+    const bool isWalk = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
+    const bool isCutOff = parentWidget() != nullptr && parentWidget()->height() < height();
+    if (!isWalk || isCutOff) {
+        QWidget::keyPressEvent(event);
+        return;
+    }
+    focusNextPrevChild(event->key() == Qt::Key_Down);
 }
 
 void PanelView::changeEvent(QEvent* event) {

@@ -3,6 +3,7 @@
 
 #include <QWidget>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,7 @@
 
 namespace tarnwick::qt {
 
+class ButtonWidget;
 class FocusRing;
 
 /// kPanelWidth wide and as high as its page. A page that follows another touches only the widgets
@@ -23,7 +25,13 @@ class PanelView final : public QWidget {
  public:
     PanelView(const Theme& theme, PressHandler press, QWidget* parent);
 
+    /// Figures of the page that is shown, or the first page.
     void setPage(const Page& page);
+    /// Another page in place of the one shown. The button of `entry`, if there is one, gets the
+    /// keyboard's focus for that reason.
+    void turnTo(const Page& page, std::optional<PanelAction> entry, Qt::FocusReason reason);
+    /// The button that has the focus; null without one.
+    ButtonWidget* focusedButton() const;
 
  signals:
     /// A page of another height was set, or the fonts changed.
@@ -31,6 +39,7 @@ class PanelView final : public QWidget {
 
  protected:
     void changeEvent(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
  private:
     struct Row {
@@ -38,7 +47,10 @@ class PanelView final : public QWidget {
         BlockWidget* widget;
     };
 
+    /// Makes the rows of the page out of those there are; the widgets that are left over.
+    std::vector<BlockWidget*> takePage(const Page& page);
     BlockWidget* takeWidget(const std::string& id);
+    static void remove(const std::vector<BlockWidget*>& widgets);
     void chainButtons();
     void placeWidgets();
 

@@ -9,11 +9,7 @@ namespace tarnwick::qt {
 
 PanelWindow::PanelWindow(MenuBarView& view, const Theme& theme, const platform::Dispatch& dispatch)
     : view_(view), theme_(theme), dispatch_(dispatch) {
-    view_.setPageObserver([this](const Page& page) {
-        if (popup_ != nullptr) {
-            popup_->setPage(page);
-        }
-    });
+    view_.setPageObserver([this](const Page& page) { pageChanged(page); });
 }
 
 PanelWindow::~PanelWindow() {
@@ -36,8 +32,21 @@ void PanelWindow::open(const QRect& anchor) {
     popup_ = new PanelPopup(
         theme_, view_.appear(), [this](PanelAction action) { view_.perform(action); },
         hasCompositor());
+    shownTab_ = view_.activeTab();
+    popup_->setCancelHandler([this] { return view_.cancel(); });
     connect(popup_, &PanelPopup::hidden, this, &PanelWindow::popupHidden);
     popup_->popUp(anchor);
+}
+
+void PanelWindow::pageChanged(const Page& page) {
+    if (popup_ == nullptr) {
+        return;
+    }
+    if (std::exchange(shownTab_, view_.activeTab()) == view_.activeTab()) {
+        popup_->setPage(page);
+    } else {
+        popup_->turnTo(page, view_.entryAction());
+    }
 }
 
 void PanelWindow::close() {

@@ -42,12 +42,15 @@ class PanelWindow final : public QObject {
     void widgetsFreed();
 
  private:
+    void pageChanged(const Page& page);
     void popupHidden();
 
     MenuBarView& view_;
     const Theme& theme_;
     const platform::Dispatch& dispatch_;
     QPointer<PanelPopup> popup_;
+    /// The page that the pop-up shows.
+    MenuTab shownTab_ = MenuTab::home;
     /// When a press outside closed the panel last, in seconds of the dispatch's clock; negative
     /// when something else did.
     double dismissedAt_ = -1;

@@ -278,6 +278,35 @@ TEST_F(MenuBarViewTest, NavigationLeadsToTheDetailPagesAndBack) {
     EXPECT_EQ(block<DetailHeader>(pages.back(), "header").title, "Performance");
 }
 
+TEST_F(MenuBarViewTest, EscapeLeadsBackFromADetailPageAndNowhereFromTheHomePage) {
+    view->appear();
+    for (const PanelAction way :
+         {PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail}) {
+        view->perform(way);
+        pages.clear();
+        EXPECT_TRUE(view->cancel());
+        EXPECT_EQ(view->activeTab(), MenuTab::home);
+        EXPECT_THAT(pages, ElementsAre(view->page()));
+        EXPECT_FALSE(view->cancel());
+        EXPECT_EQ(pages.size(), 1U);
+    }
+}
+
+TEST_F(MenuBarViewTest, TheKeyboardGoesOnFromTheWayBackAndFromTheButtonThatLedAway) {
+    view->appear();
+    EXPECT_EQ(view->entryAction(), std::nullopt);
+    for (const PanelAction way :
+         {PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail}) {
+        view->perform(way);
+        EXPECT_EQ(view->entryAction(), PanelAction::goBack);
+        view->perform(PanelAction::goBack);
+        EXPECT_EQ(view->entryAction(), way);
+    }
+    view->disappear();
+    view->appear();
+    EXPECT_EQ(view->entryAction(), std::nullopt);
+}
+
 TEST_F(MenuBarViewTest, OpensWithTheHomePageAgain) {
     view->appear();
     view->perform(PanelAction::showPerformanceDetail);

@@ -38,6 +38,35 @@ TEST(PanelPlacement, StaysInsideBesideAVerticalBar) {
     EXPECT_TRUE(rightOfTheBar.contains(panel));
 }
 
+TEST(PanelReplacement, KeepsTheEdgeBesideTheItem) {
+    const QRect top(1000, 4, 22, 22);
+    const QRect below = panelPlacement(kPanel, top, kScreen, kBelowTheBar);
+    EXPECT_EQ(panelReplacement(below, QSize(320, 700), top, kScreen, kBelowTheBar),
+              QRect(851, 36, 320, 700));
+    const QRect bottom(1000, 1052, 22, 22);
+    const QRect aboveTheBar(0, 0, 1920, 1050);
+    const QRect above = panelPlacement(kPanel, bottom, kScreen, aboveTheBar);
+    EXPECT_EQ(panelReplacement(above, QSize(320, 300), bottom, kScreen, aboveTheBar),
+              QRect(851, 744, 320, 300));
+}
+
+TEST(PanelReplacement, MovesAPanelThatNoLongerFitsAndThenLeavesItThere) {
+    const QRect item(1000, 500, 22, 22);
+    const QRect first = panelPlacement(kPanel, item, kScreen, kBelowTheBar);
+    EXPECT_EQ(first.top(), 528);
+    const QRect grown = panelReplacement(first, QSize(320, 800), item, kScreen, kBelowTheBar);
+    EXPECT_EQ(grown, QRect(851, 274, 320, 800));
+    EXPECT_EQ(panelReplacement(grown, kPanel, item, kScreen, kBelowTheBar),
+              QRect(851, 274, 320, 500));
+
+    const QRect lower(1000, 600, 22, 22);
+    const QRect above = panelPlacement(kPanel, lower, kScreen, kBelowTheBar);
+    const QRect higher = panelReplacement(above, QSize(320, 800), lower, kScreen, kBelowTheBar);
+    EXPECT_EQ(higher, QRect(851, 36, 320, 800));
+    EXPECT_EQ(panelReplacement(higher, kPanel, lower, kScreen, kBelowTheBar),
+              QRect(851, 336, 320, 500));
+}
+
 TEST(PanelPlacement, StaysOnTheScreenOfTheItem) {
     const QRect right(1920, 0, 1280, 1024);
     const QRect panel = panelPlacement(kPanel, QRect(1925, 2, 22, 22), right, right);

@@ -5,6 +5,8 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScreen>
+#include <QScrollBar>
+#include <QWheelEvent>
 #include <gtest/gtest.h>
 
 #include "tests/core/stats_manager_fixture.h"
@@ -53,6 +55,31 @@ class PanelWindowTest : public testing::StatsManagerTest {
     void open() {
         window->open(anchor);
         qt::settle();
+    }
+    static QRect panelPlace() {
+        const auto* panel = popup()->findChild<QScrollArea*>();
+        return {panel->mapToGlobal(QPoint()), panel->size()};
+    }
+    static QWidget* find(const char* name) { return popup()->findChild<QWidget*>(name); }
+    static void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
+        QWidget* focused = QApplication::focusWidget();
+        QWidget* receiver = focused != nullptr ? focused : popup();
+        for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, key, modifiers);
+            QApplication::sendEvent(receiver, &event);
+        }
+        qt::settle();
+    }
+    static std::string focused() {
+        const QWidget* widget = QApplication::focusWidget();
+        return widget == nullptr ? "" : widget->objectName().toStdString();
+    }
+    static void click(const char* name) {
+        popup()->findChild<QAbstractButton*>(name)->click();
+        qt::settle();
+    }
+    static bool isOnScreen(const QWidget* widget) {
+        return panelPlace().contains(QRect(widget->mapToGlobal(QPoint()), widget->size()));
     }
     static void sendMouse(QEvent::Type type, const QPoint& position) {
         const bool isDown = type == QEvent::MouseButtonPress;
@@ -272,6 +299,129 @@ TEST_F(PanelWindowTest, KeepsItsPlaceWhenThePageGrows) {
     EXPECT_EQ(panel->mapToGlobal(QPoint()), place);
 }
 
+TEST_F(PanelWindowTest, AnotherPageKeepsThePlaceUnderTheItem) {
+    open();
+    const QRect home = panelPlace();
+    for (const char* way : {"button.showMemoryDetail", "button.showPerformanceDetail"}) {
+        click(way);
+        EXPECT_NE(panelPlace().height(), home.height());
+        EXPECT_EQ(panelPlace().topLeft(), home.topLeft());
+        EXPECT_EQ(panelPlace().width(), home.width());
+        click("button.goBack");
+        EXPECT_EQ(panelPlace(), home);
+    }
+}
+
+TEST_F(PanelWindowTest, AnotherPageKeepsThePlaceAboveTheItem) {
+    const QFont old = QApplication::font();
+    QFont small = old;
+    small.setPointSizeF(4);
+    QApplication::setFont(small);
+    const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+    window->open(QRect(screen.center().x(), screen.bottom() - 22, 22, 22));
+    qt::settle();
+    const QRect home = panelPlace();
+    click("button.showMemoryDetail");
+    EXPECT_NE(panelPlace().height(), home.height());
+    EXPECT_EQ(panelPlace().bottomLeft(), home.bottomLeft());
+    click("button.goBack");
+    EXPECT_EQ(panelPlace(), home);
+    QApplication::setFont(old);
+}
+
+TEST_F(PanelWindowTest, EscapeGoesBackFromADetailPageAndClosesFromTheHomePage) {
+    for (const char* way : {"button.showMemoryDetail", "button.showPerformanceDetail"}) {
+        open();
+        click(way);
+        key(Qt::Key_Escape);
+        ASSERT_TRUE(window->isOpen());
+        EXPECT_EQ(view.activeTab(), MenuTab::home);
+        EXPECT_NE(find("bar.cpu"), nullptr);
+        key(Qt::Key_Escape);
+        EXPECT_FALSE(window->isOpen());
+    }
+}
+
+TEST_F(PanelWindowTest, NoButtonHasTheFocusAtFirst) {
+    open();
+    EXPECT_EQ(focused(), "");
+    key(Qt::Key_Tab);
+    EXPECT_EQ(focused(), "button.refresh");
+}
+
+TEST_F(PanelWindowTest, ByKeyTheFocusGoesToTheWayBackAndReturnsToWhereItCameFrom) {
+    open();
+    for (const char* way : {"button.showMemoryDetail", "button.showPerformanceDetail"}) {
+        for (const Qt::Key back : {Qt::Key_Return, Qt::Key_Space, Qt::Key_Escape}) {
+            find(way)->setFocus(Qt::TabFocusReason);
+            key(Qt::Key_Return);
+            EXPECT_EQ(focused(), "button.goBack");
+            EXPECT_TRUE(find("focusRing")->isVisible());
+            key(back);
+            EXPECT_EQ(focused(), way);
+            EXPECT_TRUE(find("focusRing")->isVisible());
+        }
+    }
+}
+
+TEST_F(PanelWindowTest, ByPointerTheFocusReturnsUnseen) {
+    open();
+    click("button.showPerformanceDetail");
+    EXPECT_EQ(focused(), "button.goBack");
+    EXPECT_FALSE(find("focusRing")->isVisible());
+    click("button.goBack");
+    EXPECT_EQ(focused(), "button.showPerformanceDetail");
+    EXPECT_FALSE(find("focusRing")->isVisible());
+    click("button.showPerformanceDetail");
+    key(Qt::Key_Escape);
+    EXPECT_EQ(focused(), "button.showPerformanceDetail");
+    EXPECT_TRUE(find("focusRing")->isVisible());
+}
+
+TEST_F(PanelWindowTest, NewFiguresLeaveTheFocusWhereItIs) {
+    open();
+    settle();
+    find("button.quit")->setFocus(Qt::TabFocusReason);
+    // Another block comes before it.
+    manager->cpuInfo.set(testing::makeCPU(99, 4));
+    manual.runMain();
+    qt::settle();
+    EXPECT_NE(find("topCPU"), nullptr);
+    EXPECT_EQ(focused(), "button.quit");
+    const QWidget* quit = find("button.quit");
+    EXPECT_EQ(
+        find("focusRing")->geometry().center(),
+        QRect(quit->mapTo(find("focusRing")->parentWidget(), QPoint()), quit->size()).center());
+}
+
+TEST_F(PanelWindowTest, TabWalksThroughADetailPageBothWays) {
+    open();
+    click("button.showMemoryDetail");
+    EXPECT_EQ(focused(), "button.goBack");
+    key(Qt::Key_Tab);
+    EXPECT_EQ(focused(), "button.refresh");
+    key(Qt::Key_Tab);
+    EXPECT_EQ(focused(), "button.goBack");
+    key(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(focused(), "button.refresh");
+    key(Qt::Key_Backtab, Qt::ShiftModifier);
+    EXPECT_EQ(focused(), "button.goBack");
+}
+
+TEST_F(PanelWindowTest, ArrowsWalkThroughTheButtonsOfAPageThatFits) {
+    QFont small = QApplication::font();
+    const QFont old = small;
+    small.setPointSizeF(4);
+    QApplication::setFont(small);
+    open();
+    key(Qt::Key_Tab);
+    key(Qt::Key_Down);
+    EXPECT_EQ(focused(), "button.showMemoryDetail");
+    key(Qt::Key_Up);
+    EXPECT_EQ(focused(), "button.refresh");
+    QApplication::setFont(old);
+}
+
 TEST_F(PanelWindowTest, RefreshAndQuitRun) {
     open();
     settle();
@@ -307,6 +457,88 @@ TEST_F(PanelWindowTest, StaysInsideAScreenThatIsTooLowAndScrolls) {
     scroller->ensureWidgetVisible(quit);
     EXPECT_TRUE(screen.contains(quit->mapToGlobal(quit->rect().center())));
     QApplication::setFont(old);
+}
+
+/// With fonts so large that no page fits on the screen.
+class LargePanelWindowTest : public PanelWindowTest {
+ protected:
+    LargePanelWindowTest() {
+        QFont huge = old;
+        huge.setPointSizeF(50);
+        QApplication::setFont(huge);
+        open();
+    }
+    ~LargePanelWindowTest() override { QApplication::setFont(old); }
+    static int offset() { return popup()->findChild<QScrollArea*>()->verticalScrollBar()->value(); }
+    static int furthest() {
+        return popup()->findChild<QScrollArea*>()->verticalScrollBar()->maximum();
+    }
+
+    QFont old = QApplication::font();
+};
+
+TEST_F(LargePanelWindowTest, TheFocusedButtonIsScrolledIntoView) {
+    EXPECT_FALSE(isOnScreen(find("button.quit")));
+    key(Qt::Key_Tab);
+    for (const char* name : {"button.refresh", "button.showMemoryDetail",
+                             "button.showPerformanceDetail", "button.quit"}) {
+        EXPECT_EQ(focused(), name);
+        EXPECT_TRUE(isOnScreen(find(name))) << name;
+        EXPECT_TRUE(isOnScreen(find("focusRing"))) << name;
+        key(Qt::Key_Tab);
+    }
+    EXPECT_EQ(focused(), "button.refresh");
+    EXPECT_TRUE(isOnScreen(find("button.refresh")));
+}
+
+TEST_F(LargePanelWindowTest, AnotherPageBeginsAtItsTopAndGoingBackAtTheButtonOneCameFrom) {
+    find("button.showPerformanceDetail")->setFocus(Qt::TabFocusReason);
+    key(Qt::Key_End);
+    ASSERT_GT(offset(), 0);
+    key(Qt::Key_Return);
+    EXPECT_EQ(offset(), 0);
+    EXPECT_TRUE(isOnScreen(find("button.goBack")));
+    key(Qt::Key_Escape);
+    EXPECT_EQ(focused(), "button.showPerformanceDetail");
+    EXPECT_TRUE(isOnScreen(find("button.showPerformanceDetail")));
+    EXPECT_TRUE(isOnScreen(find("focusRing")));
+}
+
+TEST_F(LargePanelWindowTest, KeysScrollToWhatHasNoButton) {
+    click("button.showMemoryDetail");
+    ASSERT_GT(furthest(), 0);
+    key(Qt::Key_Down);
+    const int step = offset();
+    EXPECT_GT(step, 0);
+    key(Qt::Key_PageDown);
+    EXPECT_GT(offset(), step);
+    key(Qt::Key_End);
+    EXPECT_EQ(offset(), furthest());
+    EXPECT_TRUE(isOnScreen(find("topMemory.list")));
+    key(Qt::Key_Up);
+    EXPECT_LT(offset(), furthest());
+    key(Qt::Key_PageUp);
+    key(Qt::Key_Home);
+    EXPECT_EQ(offset(), 0);
+}
+
+TEST_F(LargePanelWindowTest, TheWheelScrolls) {
+    QWidget* viewport = popup()->findChild<QScrollArea*>()->viewport();
+    const QPointF middle = viewport->rect().center();
+    QWheelEvent wheel(middle, viewport->mapToGlobal(middle), QPoint(), QPoint(0, -120),
+                      Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+    QApplication::sendEvent(viewport, &wheel);
+    EXPECT_GT(offset(), 0);
+}
+
+TEST_F(LargePanelWindowTest, NewFiguresLeaveThePageWhereItIs) {
+    settle();
+    key(Qt::Key_End);
+    const int before = offset();
+    manager->cpuInfo.set(testing::makeCPU(63, 4));
+    manual.runMain();
+    qt::settle();
+    EXPECT_EQ(offset(), before);
 }
 
 TEST(PanelPopup, IsCutToShapeWhereNothingIsTranslucent) {
