@@ -13,6 +13,7 @@ namespace {
 
 struct Maker {
     const Theme& theme;
+    const std::shared_ptr<Motion>& motion;
     const PressHandler& press;
     QWidget* parent;
 
@@ -21,7 +22,9 @@ struct Maker {
     }
     BlockWidget* operator()(const StatusRow&) const { return new StatusRowWidget(theme, parent); }
     BlockWidget* operator()(const NoticeRow&) const { return new NoticeRowWidget(theme, parent); }
-    BlockWidget* operator()(const UsageBar&) const { return new UsageBarWidget(theme, parent); }
+    BlockWidget* operator()(const UsageBar&) const {
+        return new UsageBarWidget(theme, motion, parent);
+    }
     BlockWidget* operator()(const SectionHeader&) const {
         return new SectionHeaderWidget(theme, parent);
     }
@@ -51,9 +54,10 @@ struct Maker {
 
 }  // namespace
 
-BlockWidget* makeBlockWidget(const PanelBlock& block, const Theme& theme, const PressHandler& press,
+BlockWidget* makeBlockWidget(const PanelBlock& block, const Theme& theme,
+                             const std::shared_ptr<Motion>& motion, const PressHandler& press,
                              QWidget* parent) {
-    BlockWidget* widget = std::visit(Maker{theme, press, parent}, block);
+    BlockWidget* widget = std::visit(Maker{theme, motion, press, parent}, block);
     widget->setBlock(block);
     return widget;
 }

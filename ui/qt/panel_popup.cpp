@@ -52,12 +52,13 @@ QBitmap roundedMask(const QSize& size) {
 
 }  // namespace
 
-PanelPopup::PanelPopup(const Theme& theme, const Page& page, PressHandler press, bool isTranslucent)
+PanelPopup::PanelPopup(const Theme& theme, const Page& page, PressHandler press, bool isTranslucent,
+                       std::shared_ptr<Motion> motion)
     : QWidget(nullptr, windowKind()),
       theme_(theme),
       isTranslucent_(isTranslucent),
       scroller_(new QScrollArea(this)),
-      view_(new PanelView(theme, std::move(press), scroller_)) {
+      view_(new PanelView(theme, std::move(press), scroller_, std::move(motion))) {
     setObjectName("panel");
     setWindowTitle("Tarnwick");
     setAccessibleName("Tarnwick");

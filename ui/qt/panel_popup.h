@@ -4,6 +4,7 @@
 #include <QScrollArea>
 #include <QWidget>
 #include <functional>
+#include <memory>
 #include <optional>
 
 #include "ui/panel/page.h"
@@ -21,7 +22,9 @@ class PanelPopup final : public QWidget {
     Q_OBJECT
 
  public:
-    PanelPopup(const Theme& theme, const Page& page, PressHandler press, bool isTranslucent);
+    /// The page's bars move with `motion`; without one they jump.
+    PanelPopup(const Theme& theme, const Page& page, PressHandler press, bool isTranslucent,
+               std::shared_ptr<Motion> motion = nullptr);
 
     void setPage(const Page& page) { view_->setPage(page); }
     /// Shows another page in the same place, from its top on or from where the button of `entry`

@@ -13,10 +13,12 @@
 
 namespace tarnwick::qt {
 
-PanelView::PanelView(const Theme& theme, PressHandler press, QWidget* parent)
+PanelView::PanelView(const Theme& theme, PressHandler press, QWidget* parent,
+                     std::shared_ptr<Motion> motion)
     : QWidget(parent),
       theme_(theme),
       press_(std::move(press)),
+      motion_(std::move(motion)),
       focusRing_(new FocusRing(theme, this)) {
     setLayoutDirection(Qt::LeftToRight);
 }
@@ -37,7 +39,7 @@ std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
             gone.push_back(std::exchange(widget, nullptr));
         }
         if (widget == nullptr) {
-            widget = makeBlockWidget(item.block, theme_, press_, this);
+            widget = makeBlockWidget(item.block, theme_, motion_, press_, this);
             widget->setObjectName(QString::fromStdString(item.id));
             widget->show();
         }

@@ -3,10 +3,12 @@
 
 #include <QWidget>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "ui/panel/motion.h"
 #include "ui/panel/page.h"
 #include "ui/qt/block_widget.h"
 #include "ui/qt/theme.h"
@@ -23,7 +25,9 @@ class PanelView final : public QWidget {
     Q_OBJECT
 
  public:
-    PanelView(const Theme& theme, PressHandler press, QWidget* parent);
+    /// Bars move with `motion`; without one they jump.
+    PanelView(const Theme& theme, PressHandler press, QWidget* parent,
+              std::shared_ptr<Motion> motion = nullptr);
 
     /// Figures of the page that is shown, or the first page.
     void setPage(const Page& page);
@@ -56,6 +60,7 @@ class PanelView final : public QWidget {
 
     const Theme& theme_;
     PressHandler press_;
+    std::shared_ptr<Motion> motion_;
     std::vector<Row> rows_;
     FocusRing* focusRing_;
 };

@@ -7,8 +7,8 @@
 
 namespace tarnwick::qt {
 
-PanelWindow::PanelWindow(MenuBarView& view, const Theme& theme, const platform::Dispatch& dispatch)
-    : view_(view), theme_(theme), dispatch_(dispatch) {
+PanelWindow::PanelWindow(MenuBarView& view, const Theme& theme, platform::Dispatch& dispatch)
+    : view_(view), theme_(theme), dispatch_(dispatch), motion_(std::make_shared<Motion>(dispatch)) {
     view_.setPageObserver([this](const Page& page) { pageChanged(page); });
 }
 
@@ -31,7 +31,7 @@ void PanelWindow::open(const QRect& anchor) {
     }
     popup_ = new PanelPopup(
         theme_, view_.appear(), [this](PanelAction action) { view_.perform(action); },
-        hasCompositor());
+        hasCompositor(), motion_);
     shownTab_ = view_.activeTab();
     popup_->setCancelHandler([this] { return view_.cancel(); });
     connect(popup_, &PanelPopup::hidden, this, &PanelWindow::popupHidden);

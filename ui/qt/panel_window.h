@@ -4,9 +4,11 @@
 #include <QObject>
 #include <QPointer>
 #include <QRect>
+#include <memory>
 
 #include "platform/dispatch.h"
 #include "ui/panel/menu_bar_view.h"
+#include "ui/panel/motion.h"
 #include "ui/qt/theme.h"
 
 namespace tarnwick::qt {
@@ -20,10 +22,12 @@ class PanelWindow final : public QObject {
 
  public:
     /// All outlive the window.
-    PanelWindow(MenuBarView& view, const Theme& theme, const platform::Dispatch& dispatch);
+    PanelWindow(MenuBarView& view, const Theme& theme, platform::Dispatch& dispatch);
     ~PanelWindow() override;
 
     bool isOpen() const;
+    /// The desktop asks for less motion: bars jump.
+    void setMotionReduced(bool isReduced) { motion_->setReduced(isReduced); }
     /// Opens beside `anchor`, the status item's place on the screen; a rectangle of one pixel where
     /// only a point is known. Does nothing while open.
     void open(const QRect& anchor);
@@ -47,7 +51,8 @@ class PanelWindow final : public QObject {
 
     MenuBarView& view_;
     const Theme& theme_;
-    const platform::Dispatch& dispatch_;
+    platform::Dispatch& dispatch_;
+    std::shared_ptr<Motion> motion_;
     QPointer<PanelPopup> popup_;
     /// The page that the pop-up shows.
     MenuTab shownTab_ = MenuTab::home;

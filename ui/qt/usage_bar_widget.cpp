@@ -1,7 +1,12 @@
 #include "ui/qt/usage_bar_widget.h"
 
+#include <QPaintEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QtMath>
+#include <algorithm>
+#include <cmath>
+#include <utility>
 
 #include "ui/qt/grid.h"
 #include "ui/qt/row_content.h"
@@ -10,13 +15,17 @@ namespace tarnwick::qt {
 
 namespace {
 
-void paintBar(QPainter& painter, const UsageBar& bar, const Theme& theme, const QRectF& rect) {
+/// Steps shorter than this, logical pixels, are no movement to see.
+constexpr double kLeastStep = 2;
+
+void paintBar(QPainter& painter, double fraction, const QColor& color, const Theme& theme,
+              const QRectF& rect) {
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     QPainterPath track;
     track.addRoundedRect(rect, grid::kBarCorner, grid::kBarCorner);
     painter.fillPath(track, theme.color(ColorRole::track));
-    const qreal filled = rect.width() * bar.fraction();
+    const qreal filled = rect.width() * fraction;
     if (filled <= 0) {
         return;
     }
@@ -27,22 +36,51 @@ void paintBar(QPainter& painter, const UsageBar& bar, const Theme& theme, const 
             ? QRectF(rect.left() + filled - rect.width(), rect.top(), rect.width(), rect.height())
             : QRectF(rect.left(), rect.top(), filled, rect.height()),
         grid::kBarCorner, grid::kBarCorner);
-    painter.fillPath(filled < 2 * grid::kBarCorner ? fill.intersected(track) : fill,
-                     theme.color(bar.tint));
+    painter.fillPath(filled < 2 * grid::kBarCorner ? fill.intersected(track) : fill, color);
 }
 
 }  // namespace
+
+UsageBarWidget::UsageBarWidget(const Theme& theme, std::shared_ptr<Motion> motion, QWidget* parent)
+    : ValueBlockWidget(theme, parent), fraction_(std::move(motion), [this] { barMoved(); }) {}
+
+void UsageBarWidget::valueChanged() {
+    const double next = value().fraction();
+    const bool isStep = std::abs(next - fraction_.value()) * width() >= kLeastStep;
+    if (std::exchange(isBegun_, true) && isStep) {
+        fraction_.moveTo(next);
+    } else {
+        fraction_.jumpTo(next);
+    }
+    drawnFraction_ = fraction_.value();
+}
+
+QRect UsageBarWidget::barRect() const {
+    return {0, height() - grid::kBarHeight, width(), grid::kBarHeight};
+}
+
+// Paints no more than the stretch that the end of the bar has passed over.
+void UsageBarWidget::barMoved() {
+    const double from = std::min(drawnFraction_, fraction_.value());
+    const double to = std::max(drawnFraction_, fraction_.value());
+    drawnFraction_ = fraction_.value();
+    const QRect bar = barRect();
+    const int left = qFloor(from * bar.width() - 2 * grid::kBarCorner) - 1;
+    const int right = qCeil(to * bar.width() + 2 * grid::kBarCorner) + 1;
+    update(bar.intersected(QRect(left, bar.top(), right - left, bar.height())));
+}
 
 int UsageBarWidget::heightFor(int) const {
     return rowHeight(rowContent(value(), theme()), theme()) + grid::kBarGap + grid::kBarHeight;
 }
 
-void UsageBarWidget::paintEvent(QPaintEvent*) {
+void UsageBarWidget::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    const RowContent row = rowContent(value(), theme());
-    paintRow(painter, row, theme(), QRect(0, 0, width(), rowHeight(row, theme())));
-    paintBar(painter, value(), theme(),
-             QRectF(0, height() - grid::kBarHeight, width(), grid::kBarHeight));
+    if (!barRect().contains(event->rect())) {
+        const RowContent row = rowContent(value(), theme());
+        paintRow(painter, row, theme(), QRect(0, 0, width(), rowHeight(row, theme())));
+    }
+    paintBar(painter, fraction_.value(), theme().color(value().tint), theme(), barRect());
 }
 
 QString UsageBarWidget::cutTextAt(const QPoint&) const {

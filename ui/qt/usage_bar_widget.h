@@ -1,19 +1,36 @@
 // Draws a usage bar.
 #pragma once
 
+#include <memory>
+
+#include "ui/panel/motion.h"
 #include "ui/qt/block_widget.h"
 
 namespace tarnwick::qt {
 
+/// The bar moves to a new value; its texts are new at once.
 class UsageBarWidget final : public ValueBlockWidget<UsageBar> {
  public:
-    using ValueBlockWidget::ValueBlockWidget;
+    /// Without a motion the bar jumps.
+    UsageBarWidget(const Theme& theme, std::shared_ptr<Motion> motion, QWidget* parent);
 
     int heightFor(int width) const override;
 
  protected:
+    void valueChanged() override;
     void paintEvent(QPaintEvent* event) override;
     QString cutTextAt(const QPoint& position) const override;
+
+ private:
+    QRect barRect() const;
+    void barMoved();
+
+    /// The share of the bar that is filled now.
+    MovingValue fraction_;
+    /// The bar has shown a value.
+    bool isBegun_ = false;
+    /// The share that the screen shows, but for what is waiting to be painted.
+    double drawnFraction_ = 0;
 };
 
 }  // namespace tarnwick::qt

@@ -10,10 +10,10 @@
 #include <QtMath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <map>
 #include <memory>
 
 #include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/qt/paint_counter.h"
 #include "tests/ui/qt/settle.h"
 #include "ui/panel/spoken_text.h"
 #include "ui/qt/button_widget.h"
@@ -24,26 +24,13 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::Pair;
 using ::testing::UnorderedElementsAre;
-
-/// Counts the paint events of every named widget.
-class PaintCounter final : public QObject {
- public:
-    PaintCounter() { qApp->installEventFilter(this); }
-
-    bool eventFilter(QObject* object, QEvent* event) override {
-        if (event->type() == QEvent::Paint && object->isWidgetType() &&
-            !object->objectName().isEmpty()) {
-            ++paints[object->objectName().toStdString()];
-        }
-        return false;
-    }
-
-    std::map<std::string, int> paints;
-};
 
 class PanelViewTest : public ::testing::Test {
  protected:
+    PanelViewTest() { view.setObjectName("view"); }
+
     void show(const HomePageInputs& inputs) {
         view.setPage(homePage(inputs, formatter));
         view.show();
@@ -165,7 +152,9 @@ TEST_F(PanelViewTest, OnlyWhatChangedIsPaintedAgain) {
     PaintCounter counter;
     inputs.cpuInfo.usagePercentage = 43;
     show(inputs);
-    EXPECT_THAT(counter.paints, UnorderedElementsAre(::testing::Pair("bar.cpu", 1)));
+    EXPECT_THAT(counter.paints, UnorderedElementsAre(Pair("bar.cpu", 1), Pair("view", 1)));
+    // The ground behind it, and nothing of any other block.
+    EXPECT_EQ(counter.regions["view"].boundingRect(), find("bar.cpu")->geometry());
 }
 
 TEST_F(PanelViewTest, TheSamePageIsNotPaintedAgain) {

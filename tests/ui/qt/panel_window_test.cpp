@@ -7,10 +7,12 @@
 #include <QScreen>
 #include <QScrollBar>
 #include <QWheelEvent>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "tests/core/stats_manager_fixture.h"
 #include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/qt/paint_counter.h"
 #include "tests/ui/qt/settle.h"
 #include "ui/qt/panel_placement.h"
 #include "ui/qt/panel_popup.h"
@@ -420,6 +422,81 @@ TEST_F(PanelWindowTest, ArrowsWalkThroughTheButtonsOfAPageThatFits) {
     key(Qt::Key_Up);
     EXPECT_EQ(focused(), "button.refresh");
     QApplication::setFont(old);
+}
+
+TEST_F(PanelWindowTest, ARefreshWithTheSameFiguresPaintsNothing) {
+    for (const char* way : {"", "button.showMemoryDetail", "button.showPerformanceDetail"}) {
+        open();
+        settle();
+        if (*way != '\0') {
+            click(way);
+        }
+        // The histories are full of the same figure.
+        for (int tick = 0; tick < 40; ++tick) {
+            manager->refreshNow();
+            settle();
+        }
+        qt::settle();
+        PaintCounter counter;
+        takeCalls();
+        manager->refreshNow();
+        settle();
+        qt::settle();
+        EXPECT_GT(count("cpu"), 0U);
+        EXPECT_THAT(counter.paints, ::testing::IsEmpty()) << way;
+        window->close();
+        qt::settle();
+    }
+}
+
+TEST_F(PanelWindowTest, ANewFigureIsPaintedInItsBlockAlone) {
+    open();
+    settle();
+    qt::settle();
+    PaintCounter counter;
+    manager->cpuInfo.set(testing::makeCPU(12, 4));
+    manual.runMain();
+    qt::settle();
+    const QRect block = find("bar.cpu")->geometry();
+    EXPECT_EQ(counter.paints["bar.cpu"], 1);
+    // Below it lie the page, what it scrolls in and the panel.
+    EXPECT_EQ(counter.paints.size(), 5U);
+    for (const auto& [name, region] : counter.regions) {
+        EXPECT_EQ(region.boundingRect().size(), block.size()) << name;
+    }
+}
+
+TEST_F(PanelWindowTest, BarsMoveUnlessLessMotionIsAskedFor) {
+    open();
+    settle();
+    manager->cpuInfo.set(testing::makeCPU(70, 4));
+    manual.runMain();
+    qt::settle();
+    PaintCounter counter;
+    manual.advance(Motion::kFrame);
+    qt::settle();
+    EXPECT_EQ(counter.paints["bar.cpu"], 1);
+
+    window->setMotionReduced(true);
+    manager->cpuInfo.set(testing::makeCPU(20, 4));
+    manual.runMain();
+    qt::settle();
+    counter.clear();
+    manual.advance(Motion::kFrame);
+    qt::settle();
+    EXPECT_EQ(counter.paints.count("bar.cpu"), 0U);
+}
+
+TEST_F(PanelWindowTest, NothingMovesOnceItIsClosed) {
+    open();
+    settle();
+    const std::size_t before = manual.wakeUps();
+    manager->cpuInfo.set(testing::makeCPU(70, 4));
+    manual.runMain();
+    window->close();
+    qt::settle();
+    manual.advance(1);
+    EXPECT_EQ(manual.wakeUps(), before);
 }
 
 TEST_F(PanelWindowTest, RefreshAndQuitRun) {

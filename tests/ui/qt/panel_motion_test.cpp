@@ -1,0 +1,196 @@
+// What of the panel moves, and what is painted for it.
+#include <QApplication>
+#include <QPainter>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "platform/testing/manual_dispatch.h"
+#include "tests/ui/panel/detail_fixtures.h"
+#include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/qt/paint_counter.h"
+#include "tests/ui/qt/settle.h"
+#include "ui/panel/motion.h"
+#include "ui/qt/grid.h"
+#include "ui/qt/panel_view.h"
+
+namespace tarnwick::qt {
+namespace {
+
+using ::testing::IsEmpty;
+using ::testing::Pair;
+using ::testing::UnorderedElementsAre;
+
+class PanelMotionTest : public ::testing::Test {
+ protected:
+    PanelMotionTest() { view.setObjectName("view"); }
+
+    void show(const HomePageInputs& machine) {
+        view.setPage(homePage(machine, formatter));
+        view.show();
+        settle();
+    }
+    /// Turns the clock to the next frame and lets it be painted.
+    void nextFrame() {
+        manual.advance(Motion::kFrame);
+        settle();
+    }
+    QWidget* find(const char* name) const { return view.findChild<QWidget*>(name); }
+    /// Pixels of the bar's middle line that are in its colour.
+    int length(const char* name, Tint tint = Tint::green) const {
+        QWidget* bar = find(name);
+        QImage image(bar->size(), QImage::Format_RGB32);
+        image.fill(theme.color(ColorRole::panel));
+        bar->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        int count = 0;
+        for (int x = 0; x < image.width(); ++x) {
+            count += image.pixel(x, image.height() - 3) == theme.color(tint).rgb() ? 1 : 0;
+        }
+        return count;
+    }
+
+    Theme theme;
+    testing::PlainByteCountFormatter formatter;
+    platform::testing::ManualDispatch manual;
+    std::shared_ptr<Motion> motion = std::make_shared<Motion>(manual);
+    PanelView view{theme, [](PanelAction) {}, nullptr, motion};
+    HomePageInputs inputs = testing::calmMachine();
+};
+
+TEST_F(PanelMotionTest, BarsBeginAtTheirValue) {
+    inputs.cpuInfo.usagePercentage = 50;
+    show(inputs);
+    EXPECT_FALSE(motion->isRunning());
+    EXPECT_NEAR(length("bar.cpu"), 144, 2);
+}
+
+TEST_F(PanelMotionTest, ABarMovesToItsNewValueWithinAFifthOfASecond) {
+    inputs.cpuInfo.usagePercentage = 25;
+    show(inputs);
+    inputs.cpuInfo.usagePercentage = 75;
+    show(inputs);
+    int last = length("bar.cpu");
+    EXPECT_NEAR(last, 72, 2);
+    for (int frame = 1; frame <= 6; ++frame) {
+        nextFrame();
+        EXPECT_GT(length("bar.cpu"), last) << frame;
+        last = length("bar.cpu");
+    }
+    EXPECT_LE(6 * Motion::kFrame, 0.2);
+    EXPECT_NEAR(last, 216, 2);
+    EXPECT_FALSE(motion->isRunning());
+}
+
+TEST_F(PanelMotionTest, TextsAndColoursAreNewAtOnce) {
+    show(inputs);
+    inputs.cpuInfo.usagePercentage = 99;
+    show(inputs);
+    EXPECT_EQ(length("bar.cpu", Tint::green), 0);
+    EXPECT_GT(length("bar.cpu", Tint::red), 0);
+    EXPECT_EQ(find("bar.cpu")->accessibleName(), "CPU, 99.0%, high");
+}
+
+TEST_F(PanelMotionTest, AFramePaintsOnlyWhatTheBarHasPassedOver) {
+    inputs.cpuInfo.usagePercentage = 25;
+    show(inputs);
+    inputs.cpuInfo.usagePercentage = 75;
+    show(inputs);
+    PaintCounter counter;
+    QRegion passed;
+    for (int frame = 1; frame <= 6; ++frame) {
+        counter.clear();
+        nextFrame();
+        EXPECT_THAT(counter.paints, UnorderedElementsAre(Pair("bar.cpu", 1), Pair("view", 1)));
+        passed += counter.regions["bar.cpu"];
+    }
+    const int height = find("bar.cpu")->height();
+    // A quarter to three quarters of 288, and the round ends.
+    EXPECT_TRUE(QRect(64, height - 6, 160, 6).contains(passed.boundingRect()));
+    EXPECT_TRUE(passed.boundingRect().contains(QRect(72, height - 6, 144, 6)));
+}
+
+TEST_F(PanelMotionTest, NothingIsPaintedOnceItHasArrived) {
+    show(inputs);
+    inputs.cpuInfo.usagePercentage = 99;
+    show(inputs);
+    manual.advance(1);
+    settle();
+    PaintCounter counter;
+    const std::size_t wakeUps = manual.wakeUps();
+    manual.advance(3600);
+    settle();
+    EXPECT_THAT(counter.paints, IsEmpty());
+    EXPECT_EQ(manual.wakeUps(), wakeUps);
+}
+
+TEST_F(PanelMotionTest, AllBarsShareTheirFrames) {
+    show(inputs);
+    inputs.cpuInfo.usagePercentage = 10;
+    inputs.gpuInfo.usagePercentage = 60;
+    inputs.memoryInfo.used = testing::kGiB;
+    inputs.storageInfo.front().usedSpace = 10 * testing::kGB;
+    show(inputs);
+    PaintCounter counter;
+    const std::size_t wakeUps = manual.wakeUps();
+    manual.advance(1);
+    EXPECT_EQ(manual.wakeUps(), wakeUps + 6);
+    settle();
+    EXPECT_THAT(counter.paints,
+                UnorderedElementsAre(Pair("bar.cpu", 1), Pair("bar.gpu", 1), Pair("bar.memory", 1),
+                                     Pair("bar.storage", 1), Pair("view", 1)));
+}
+
+TEST_F(PanelMotionTest, StepsTooSmallToSeeAreNoMovement) {
+    inputs.cpuInfo.usagePercentage = 50;
+    show(inputs);
+    inputs.cpuInfo.usagePercentage = 50.6;
+    show(inputs);
+    EXPECT_FALSE(motion->isRunning());
+    inputs.cpuInfo.usagePercentage = 51.4;
+    show(inputs);
+    EXPECT_TRUE(motion->isRunning());
+}
+
+TEST_F(PanelMotionTest, BarsJumpWhereLessMotionIsAskedFor) {
+    inputs.cpuInfo.usagePercentage = 25;
+    show(inputs);
+    motion->setReduced(true);
+    inputs.cpuInfo.usagePercentage = 75;
+    show(inputs);
+    EXPECT_FALSE(motion->isRunning());
+    EXPECT_NEAR(length("bar.cpu"), 216, 2);
+}
+
+TEST_F(PanelMotionTest, NothingButBarsMoves) {
+    const auto states = testing::performanceDetailStates();
+    const auto page = [this](const PerformanceDetailInputs& state) {
+        return performanceDetailPage(state, formatter);
+    };
+    view.setPage(page(states.front().inputs));
+    view.show();
+    settle();
+    for (const auto& state : states) {
+        view.setPage(page(state.inputs));
+        settle();
+        EXPECT_FALSE(motion->isRunning()) << state.name;
+    }
+    for (const auto& state : testing::memoryDetailStates()) {
+        view.setPage(memoryDetailPage(state.inputs, formatter));
+        settle();
+        EXPECT_FALSE(motion->isRunning()) << state.name;
+    }
+}
+
+TEST_F(PanelMotionTest, APageThatIsTurnedStopsWhatMoves) {
+    show(inputs);
+    inputs.cpuInfo.usagePercentage = 99;
+    show(inputs);
+    ASSERT_TRUE(motion->isRunning());
+    view.setPage(memoryDetailPage(testing::memoryDetailStates().front().inputs, formatter));
+    settle();
+    EXPECT_FALSE(motion->isRunning());
+    view.setPage(homePage(inputs, formatter));
+    EXPECT_FALSE(motion->isRunning());
+}
+
+}  // namespace
+}  // namespace tarnwick::qt
