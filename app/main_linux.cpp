@@ -21,6 +21,7 @@
 #include "platform/linux/desktop/portal_introduction.h"
 #include "platform/linux/desktop/qt_dispatch.h"
 #include "platform/linux/desktop/quit_signals.h"
+#include "platform/linux/desktop/reduced_motion.h"
 #include "platform/linux/desktop/session_bus.h"
 #include "platform/linux/desktop/session_keyboard.h"
 #include "platform/linux/desktop/single_instance.h"
@@ -179,6 +180,8 @@ int run(QApplication& application, platform::StartConditions conditions) {
                                           .quit = quit});
     qt::PanelWindow panel(view, theme, *platform::current().dispatch);
     closePanel = [&panel] { panel.close(); };
+    const platform::ReducedMotion reducedMotion(
+        bus, [&panel](bool isReduced) { panel.setMotionReduced(isReduced); });
     QObject::connect(&panel, &qt::PanelWindow::widgetsFreed, &platform::giveBackFreedMemory);
     const auto openPanel = [&app, &panel, &item] {
         app.appDelegate().panelWasAskedFor();

@@ -1,11 +1,11 @@
 #include "platform/linux/desktop/color_scheme.h"
 
-#include <QDBusVirtualObject>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <vector>
 
 #include "tests/platform/linux/desktop/private_bus.h"
+#include "tests/platform/linux/desktop/scripted_settings_portal.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -14,61 +14,14 @@ using testing::ask;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::PrivateBus;
+using testing::ScriptedSettingsPortal;
 using testing::waitUntil;
 
-constexpr auto kPath = "/org/freedesktop/portal/desktop";
-constexpr auto kInterface = "org.freedesktop.portal.Settings";
-
-/// A settings portal that says what a test sets.
-class ScriptedPortal final : public QDBusVirtualObject {
- public:
-    explicit ScriptedPortal(QDBusConnection bus) : bus_(std::move(bus)) {}
-    ~ScriptedPortal() override { end(); }
-
-    void begin() {
-        bus_.registerVirtualObject(kPath, this);
-        bus_.registerService("org.freedesktop.portal.Desktop");
-    }
-    void end() {
-        bus_.unregisterService("org.freedesktop.portal.Desktop");
-        bus_.unregisterObject(kPath);
-    }
-    void change(const QString& space, const QString& key, const QVariant& to) {
-        QDBusMessage signal = QDBusMessage::createSignal(kPath, kInterface, "SettingChanged");
-        signal.setArguments({space, key, QVariant::fromValue(QDBusVariant(to))});
-        bus_.send(signal);
-    }
-    QString introspect(const QString&) const override { return {}; }
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override {
-        const QVariantList arguments = message.arguments();
-        if (message.member() == "Register") {
-            names.append(arguments.value(0).toString());
-            readsBeforeName = reads;
-            return bus.send(message.createErrorReply("org.freedesktop.DBus.Error.UnknownMethod",
-                                                     "No such interface"));
-        }
-        if (message.member() != "Read" ||
-            arguments.value(0).toString() != "org.freedesktop.appearance" ||
-            arguments.value(1).toString() != "color-scheme") {
-            return false;
-        }
-        ++reads;
-        const QVariant inner = QVariant::fromValue(QDBusVariant(value));
-        return bus.send(message.createReply(QVariant::fromValue(QDBusVariant(inner))));
-    }
-
-    QVariant value = 0U;
-    int reads = 0;
-    QStringList names;
-    /// How much was read when a name came last.
-    int readsBeforeName = 0;
-
- private:
-    QDBusConnection bus_;
-};
+constexpr auto kScheme = "org.freedesktop.appearance color-scheme";
 
 class Scheme : public ::testing::Test {
  protected:
+    Scheme() { portal_.values[kScheme] = 0U; }
     void follow() {
         scheme_ = std::make_unique<ColorScheme>(itemBus_,
                                                 [this](bool dark) { changes_.push_back(dark); });
@@ -81,13 +34,14 @@ class Scheme : public ::testing::Test {
         }
     }
     void ping() {
-        ask(itemBus_, QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop", kPath,
+        ask(itemBus_, QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop",
+                                                     ScriptedSettingsPortal::kPath,
                                                      "org.freedesktop.DBus.Peer", "Ping"));
     }
 
     PrivateBus bus_;
     QDBusConnection itemBus_ = bus_.connect();
-    ScriptedPortal portal_{bus_.connect()};
+    ScriptedSettingsPortal portal_{bus_.connect()};
     std::vector<bool> changes_;
     std::unique_ptr<ColorScheme> scheme_;
 };
@@ -101,7 +55,7 @@ TEST_F(Scheme, IsAskedForByName) {
 }
 
 TEST_F(Scheme, IsDarkWhenThePortalSaysSo) {
-    portal_.value = 1U;
+    portal_.values[kScheme] = 1U;
     portal_.begin();
     follow();
     EXPECT_FALSE(scheme_->dark());
@@ -113,7 +67,7 @@ TEST_F(Scheme, IsLightForEveryOtherAnswer) {
     portal_.begin();
     for (const QVariant& value :
          {QVariant(0U), QVariant(2U), QVariant(17U), QVariant("dark"), QVariant(1.0)}) {
-        portal_.value = value;
+        portal_.values[kScheme] = value;
         const int before = portal_.reads;
         follow();
         ASSERT_TRUE(waitUntil([&] { return portal_.reads > before; }));
@@ -150,18 +104,18 @@ TEST_F(Scheme, StaysLightWithoutAPortalAndAsksWhenOneComes) {
     follow();
     settle();
     EXPECT_FALSE(scheme_->dark());
-    portal_.value = 1U;
+    portal_.values[kScheme] = 1U;
     portal_.begin();
     EXPECT_TRUE(waitUntil([&] { return scheme_->dark(); }));
 }
 
 TEST_F(Scheme, AsksAgainWhenThePortalWasRestarted) {
-    portal_.value = 1U;
+    portal_.values[kScheme] = 1U;
     portal_.begin();
     follow();
     ASSERT_TRUE(waitUntil([&] { return scheme_->dark(); }));
     portal_.end();
-    portal_.value = 0U;
+    portal_.values[kScheme] = 0U;
     portal_.begin();
     EXPECT_TRUE(waitUntil([&] { return !scheme_->dark(); }));
 }
