@@ -13,6 +13,15 @@ Tint levelTint(double value, double normal, double high) {
                                   : MetricSeverity::ok);
 }
 
+std::string_view levelMark(Tint level) {
+    for (const MetricSeverity severity : {MetricSeverity::info, MetricSeverity::warning}) {
+        if (tint(severity) == level) {
+            return symbolName(severity);
+        }
+    }
+    return {};
+}
+
 Tint cpuTint(const CPUInfo& cpu, const MetricThresholds& thresholds) {
     return levelTint(cpu.usagePercentage, thresholds.cpuNormal, thresholds.cpuHigh);
 }

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "core/metric_records.h"
 #include "core/tint.h"
@@ -13,6 +14,10 @@ namespace tarnwick {
 
 /// Red at or above `high`, else yellow at or above `normal`, else green.
 Tint levelTint(double value, double normal, double high);
+
+/// Symbol that stands beside a figure of that colour, so that the level is told by more than the
+/// colour; empty for green, which is as it should be, and for colours that are no level.
+std::string_view levelMark(Tint tint);
 
 // The level of a metric of now.
 Tint cpuTint(const CPUInfo& cpu, const MetricThresholds& thresholds);

@@ -32,17 +32,6 @@ std::string_view levelWord(Tint tint) {
     return {};
 }
 
-std::string spokenRows(const std::vector<ProcessRow>& rows) {
-    if (rows.empty()) {
-        return std::string(TopAppsList::kEmptyText);
-    }
-    std::string text;
-    for (const ProcessRow& row : rows) {
-        text += (text.empty() ? "" : ", ") + row.process.name + " " + row.valueText(row.process);
-    }
-    return text;
-}
-
 struct Speaker {
     std::string operator()(const PanelHeader& header) const {
         return joined(header.title, header.summary);
@@ -55,12 +44,8 @@ struct Speaker {
     std::string operator()(const SectionHeader& header) const { return header.title; }
     std::string operator()(const CaptionText& caption) const { return caption.text; }
     std::string operator()(const InfoRow& row) const { return joined(row.label, row.value); }
-    std::string operator()(const NavigationButton& navigation) const {
-        return navigation.button.title;
-    }
-    std::string operator()(const TopAppsSection& section) const {
-        return joined(section.title, spokenRows(section.rows()));
-    }
+    std::string operator()(const NavigationButton&) const { return {}; }
+    std::string operator()(const TopAppsSection& section) const { return section.title; }
     std::string operator()(const PanelDivider&) const { return {}; }
     std::string operator()(const FooterRow&) const { return {}; }
     std::string operator()(const DetailHeader& header) const { return header.title; }
@@ -68,7 +53,7 @@ struct Speaker {
     std::string operator()(const TrendRow& row) const {
         return joined(joined(row.title, row.value), levelWord(row.color));
     }
-    std::string operator()(const TopAppsList& list) const { return spokenRows(list.rows()); }
+    std::string operator()(const TopAppsList&) const { return {}; }
 };
 
 }  // namespace

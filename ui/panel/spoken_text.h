@@ -8,7 +8,7 @@
 namespace tarnwick {
 
 /// Name, value and, for a bar, its level in words: "CPU, 42.0%, normal". Empty for a block that is
-/// mere decoration. The buttons in a block speak for themselves.
+/// mere decoration. The buttons in a block and the rows of a list speak for themselves.
 std::string spokenText(const PanelBlock& block);
 
 }  // namespace tarnwick

@@ -9,6 +9,13 @@ QString BlockWidget::cutTextAt(const QPoint&) const {
     return {};
 }
 
+void BlockWidget::announceValue() {
+    if (QAccessible::isActive()) {
+        QAccessibleValueChangeEvent change(this, accessibleValue().value_or(0));
+        QAccessible::updateAccessibility(&change);
+    }
+}
+
 bool BlockWidget::event(QEvent* event) {
     if (event->type() != QEvent::ToolTip) {
         return QWidget::event(event);

@@ -1,6 +1,7 @@
 // A widget that draws one building block of a page from its value alone.
 #pragma once
 
+#include <QAccessible>
 #include <QWidget>
 #include <functional>
 #include <optional>
@@ -28,8 +29,17 @@ class BlockWidget : public QWidget {
     /// Pixels by which what is drawn may reach beyond that height, above as well as below: the
     /// widget is so much higher on both sides, less than the space to its neighbours.
     virtual int overhang() const { return 0; }
+    virtual QAccessible::Role accessibleRole() const { return QAccessible::StaticText; }
+    /// The share that the block shows, percent; absent when it shows none.
+    virtual std::optional<double> accessibleValue() const { return std::nullopt; }
+
+ signals:
+    /// heightFor() may say something else although no other block was set.
+    void heightChanged();
 
  protected:
+    /// Tells screen readers of a new accessibleValue().
+    void announceValue();
     const Theme& theme() const { return theme_; }
     /// The full text of what is cut at this point, for a tool tip.
     virtual QString cutTextAt(const QPoint& position) const;
@@ -53,7 +63,9 @@ class ValueBlockWidget : public BlockWidget {
         if (value_ != *value) {
             value_ = *value;
             valueChanged();
-            update();
+            if (paintsItself()) {
+                update();
+            }
         }
         return true;
     }
@@ -62,6 +74,8 @@ class ValueBlockWidget : public BlockWidget {
     /// Set from the first setBlock() on.
     const Value& value() const { return *value_; }
     virtual void valueChanged() {}
+    /// False for a block whose parts see to their painting.
+    virtual bool paintsItself() const { return true; }
 
  private:
     std::optional<Value> value_;

@@ -138,11 +138,24 @@ void DetailHeaderWidget::paintEvent(QPaintEvent*) {
     const TextStyle& style = theme().style(FontRole::headline);
     const int left = buttons_.front()->geometry().right() + 1;
     const int right = buttons_.back()->geometry().left();
-    const QString title = style.elided(QString::fromStdString(value().title), right - left);
+    const QString title = shownTitle();
     const qreal centred = (width() - style.width(title)) / 2;
     const qreal x = std::max<qreal>(left, std::min(centred, right - style.width(title)));
     style.draw(painter, QPointF(x, (height() - style.lineHeight()) / 2 + style.ascent()), title,
                theme().color(ColorRole::text));
+}
+
+QString DetailHeaderWidget::shownTitle() const {
+    const int left = buttons_.front()->geometry().right() + 1;
+    const int right = buttons_.back()->geometry().left();
+    return theme()
+        .style(FontRole::headline)
+        .elided(QString::fromStdString(value().title), right - left);
+}
+
+QString DetailHeaderWidget::cutTextAt(const QPoint&) const {
+    const QString title = QString::fromStdString(value().title);
+    return shownTitle() == title ? QString() : title;
 }
 
 FooterRowWidget::FooterRowWidget(const Theme& theme, PressHandler press, QWidget* parent)

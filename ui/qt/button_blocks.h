@@ -15,6 +15,7 @@ class PanelHeaderWidget final : public ValueBlockWidget<PanelHeader> {
     PanelHeaderWidget(const Theme& theme, PressHandler press, QWidget* parent);
 
     int heightFor(int width) const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::Heading; }
 
  protected:
     void valueChanged() override;
@@ -36,6 +37,7 @@ class NavigationButtonWidget final : public ValueBlockWidget<NavigationButton> {
     NavigationButtonWidget(const Theme& theme, PressHandler press, QWidget* parent);
 
     int heightFor(int width) const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
 
  protected:
     void valueChanged() override;
@@ -53,14 +55,18 @@ class DetailHeaderWidget final : public ValueBlockWidget<DetailHeader> {
     DetailHeaderWidget(const Theme& theme, PressHandler press, QWidget* parent);
 
     int heightFor(int width) const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::Heading; }
 
  protected:
     void valueChanged() override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    QString cutTextAt(const QPoint& position) const override;
 
  private:
     void placeButtons();
+    /// The title, cut where the row has no room for all of it.
+    QString shownTitle() const;
 
     PressHandler press_;
     /// Two.
@@ -72,6 +78,7 @@ class FooterRowWidget final : public ValueBlockWidget<FooterRow> {
     FooterRowWidget(const Theme& theme, PressHandler press, QWidget* parent);
 
     int heightFor(int width) const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::Grouping; }
 
  protected:
     void valueChanged() override;

@@ -13,6 +13,7 @@ class DividerWidget final : public ValueBlockWidget<PanelDivider> {
     using ValueBlockWidget::ValueBlockWidget;
 
     int heightFor(int) const override { return grid::kHairline; }
+    QAccessible::Role accessibleRole() const override { return QAccessible::Separator; }
 
  protected:
     void paintEvent(QPaintEvent*) override {

@@ -3,9 +3,11 @@
 #include <QEvent>
 #include <QKeyEvent>
 #include <algorithm>
+#include <mutex>
 #include <utility>
 
 #include "ui/panel/spoken_text.h"
+#include "ui/qt/accessible_block.h"
 #include "ui/qt/block_factory.h"
 #include "ui/qt/button_widget.h"
 #include "ui/qt/focus_ring.h"
@@ -21,6 +23,8 @@ PanelView::PanelView(const Theme& theme, PressHandler press, QWidget* parent,
       motion_(std::move(motion)),
       focusRing_(new FocusRing(theme, this)) {
     setLayoutDirection(Qt::LeftToRight);
+    static std::once_flag isDescribed;
+    std::call_once(isDescribed, describeBlocksForScreenReaders);
 }
 
 /// The widget of that id, which the view then no longer has; null without one.
@@ -41,6 +45,7 @@ std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
         if (widget == nullptr) {
             widget = makeBlockWidget(item.block, theme_, motion_, press_, this);
             widget->setObjectName(QString::fromStdString(item.id));
+            connect(widget, &BlockWidget::heightChanged, this, &PanelView::placeWidgets);
             widget->show();
         }
         const QString spoken = QString::fromStdString(spokenText(item.block));

@@ -3,6 +3,7 @@
 #include <QPainter>
 #include <algorithm>
 
+#include "ui/panel/panel_figures.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/symbols.h"
 
@@ -34,7 +35,7 @@ Fitted fitted(const RowContent& row, const Theme& theme, qreal width) {
     const TextStyle& leadingStyle = theme.style(row.leading.font);
     const TextStyle& trailingStyle = theme.style(row.trailing.font);
     const qreal leadingX = row.symbol ? grid::kSymbolSize + grid::kSymbolGap : 0;
-    const qreal room = width - leadingX;
+    const qreal room = width - leadingX - (row.mark ? row.mark->size + grid::kMarkGap : 0);
     if (row.trailing.text.isEmpty()) {
         return {leadingX, leadingStyle.elided(row.leading.text, room), {}, 0};
     }
@@ -66,7 +67,8 @@ RowContent rowContent(const NoticeRow& row, const Theme& theme) {
 RowContent rowContent(const UsageBar& bar, const Theme& theme) {
     return {symbol(bar.icon, theme, ColorRole::text),
             {text(bar.title), FontRole::subheadline, ColorRole::text},
-            {text(bar.detail), FontRole::caption, ColorRole::secondaryText}};
+            {text(bar.detail), FontRole::caption, ColorRole::secondaryText},
+            levelMarkSymbol(bar.tint, theme)};
 }
 
 RowContent rowContent(const SectionHeader& header, const Theme& theme) {
@@ -95,6 +97,14 @@ RowContent rowContent(const ProcessRow& row, const Theme&) {
             {text(row.valueText(row.process)), FontRole::caption, ColorRole::secondaryText}};
 }
 
+std::optional<RowContent::Symbol> levelMarkSymbol(Tint tint, const Theme& theme) {
+    const std::string_view name = levelMark(tint);
+    if (name.empty()) {
+        return std::nullopt;
+    }
+    return RowContent::Symbol{std::string(name), theme.color(tint), grid::kMarkSize};
+}
+
 int rowHeight(const RowContent& row, const Theme& theme) {
     return std::max(
         {row.symbol ? row.symbol->size : 0, theme.style(row.leading.font).lineHeight(),
@@ -113,6 +123,13 @@ void paintRow(QPainter& painter, const RowContent& row, const Theme& theme, cons
     const int baseline = rect.top() + (rect.height() - leading.lineHeight()) / 2 + leading.ascent();
     leading.draw(painter, QPointF(rect.left() + fit.leadingX, baseline), fit.leading,
                  theme.color(row.leading.colour));
+    if (row.mark) {
+        paintSymbol(painter, row.mark->name, row.mark->colour,
+                    QPointF(rect.left() + rect.width() - fit.trailingWidth - grid::kMarkGap -
+                                row.mark->size,
+                            rect.top() + (rect.height() - row.mark->size) / 2),
+                    row.mark->size);
+    }
     theme.style(row.trailing.font)
         .draw(painter, QPointF(rect.left() + rect.width() - fit.trailingWidth, baseline),
               fit.trailing, theme.color(row.trailing.colour));

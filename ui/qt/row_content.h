@@ -17,6 +17,8 @@ struct RowText {
     QString text;
     FontRole font = FontRole::caption;
     ColorRole colour = ColorRole::secondaryText;
+
+    bool operator==(const RowText&) const = default;
 };
 
 struct RowContent {
@@ -25,12 +27,18 @@ struct RowContent {
         QColor colour;
         /// Logical pixels; a smaller symbol stands in the middle of the same room.
         int size;
+
+        bool operator==(const Symbol&) const = default;
     };
 
     std::optional<Symbol> symbol;
     RowText leading;
     /// Empty text: the leading text has the whole row.
     RowText trailing;
+    /// Stands before the trailing text.
+    std::optional<Symbol> mark{};
+
+    bool operator==(const RowContent&) const = default;
 };
 
 RowContent rowContent(const StatusRow& row, const Theme& theme);
@@ -41,6 +49,9 @@ RowContent rowContent(const CaptionText& caption, const Theme& theme);
 RowContent rowContent(const InfoRow& row, const Theme& theme);
 RowContent rowContent(const GroupTitle& group, const Theme& theme);
 RowContent rowContent(const ProcessRow& row, const Theme& theme);
+
+/// What marks the level of a figure in that colour; absent for what needs none.
+std::optional<RowContent::Symbol> levelMarkSymbol(Tint tint, const Theme& theme);
 
 int rowHeight(const RowContent& row, const Theme& theme);
 /// Texts that do not fit are cut at the end: the trailing one only when it alone would take most of

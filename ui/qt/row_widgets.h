@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QPainter>
+#include <type_traits>
 
 #include "ui/qt/block_widget.h"
 #include "ui/qt/row_content.h"
@@ -15,6 +16,11 @@ class RowWidget final : public ValueBlockWidget<Value> {
     using ValueBlockWidget<Value>::ValueBlockWidget;
 
     int heightFor(int) const override { return rowHeight(content(), this->theme()); }
+    QAccessible::Role accessibleRole() const override {
+        return std::is_same_v<Value, GroupTitle> || std::is_same_v<Value, SectionHeader>
+                   ? QAccessible::Heading
+                   : QAccessible::StaticText;
+    }
 
  protected:
     void paintEvent(QPaintEvent*) override {

@@ -1,6 +1,7 @@
 #include "ui/qt/top_apps_widget.h"
 
 #include <QPainter>
+#include <QStringList>
 #include <QtMath>
 #include <string>
 #include <type_traits>
@@ -18,61 +19,123 @@ int indent(const List& list) {
     return 0;
 }
 
+QString spoken(const RowContent& line) {
+    QStringList texts{line.leading.text, line.trailing.text};
+    texts.removeAll(QString());
+    return texts.join(", ");
+}
+
 }  // namespace
 
-template <class List>
-std::vector<RowContent> ProcessListWidget<List>::lines() const {
-    std::vector<RowContent> lines;
-    if constexpr (std::is_same_v<List, TopAppsSection>) {
-        lines.push_back(rowContent(GroupTitle{this->value().title}, this->theme()));
+void ListLine::setContent(const RowContent& content, const QString& spoken) {
+    if (accessibleName() != spoken) {
+        setAccessibleName(spoken);
     }
-    for (const ProcessRow& row : this->value().rows()) {
-        lines.push_back(rowContent(row, this->theme()));
+    if (content_ != content) {
+        content_ = content;
+        update();
     }
-    if (this->value().processes.empty()) {
-        lines.push_back(rowContent(CaptionText{std::string(List::kEmptyText)}, this->theme()));
-    }
-    return lines;
+}
+
+void ListLine::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    paintRow(painter, content_, theme_, rect());
 }
 
 template <class List>
-template <class Visit>
-int ProcessListWidget<List>::forEachLine(int width, Visit visit) const {
+std::vector<RowContent> ProcessListWidget<List>::contents() const {
+    std::vector<RowContent> contents;
+    if constexpr (std::is_same_v<List, TopAppsSection>) {
+        contents.push_back(rowContent(GroupTitle{this->value().title}, this->theme()));
+    }
+    for (const auto& process : order_) {
+        contents.push_back(
+            process ? rowContent(ProcessRow{*process, this->value().valueText}, this->theme())
+                    : RowContent{});
+    }
+    if (order_.empty()) {
+        contents.push_back(rowContent(CaptionText{std::string(List::kEmptyText)}, this->theme()));
+    }
+    return contents;
+}
+
+template <class List>
+void ProcessListWidget<List>::valueChanged() {
+    const auto& processes = this->value().processes;
+    const bool isHeld = this->underMouse() && !processes.empty();
+    order_ =
+        isHeld ? heldOrder(order_, processes) : ProcessSlots(processes.begin(), processes.end());
+    showLines();
+}
+
+template <class List>
+void ProcessListWidget<List>::leaveEvent(QEvent* event) {
+    ValueBlockWidget<List>::leaveEvent(event);
+    const auto& processes = this->value().processes;
+    ProcessSlots latest(processes.begin(), processes.end());
+    if (order_ != latest) {
+        const bool isOtherHeight = order_.size() != latest.size();
+        order_ = std::move(latest);
+        showLines();
+        if (isOtherHeight) {
+            emit this->heightChanged();
+        }
+    }
+}
+
+template <class List>
+void ProcessListWidget<List>::showLines() {
+    const std::vector<RowContent> contents = this->contents();
+    while (lines_.size() > contents.size()) {
+        lines_.back()->hide();
+        lines_.back()->deleteLater();
+        lines_.pop_back();
+    }
+    for (std::size_t i = 0; i < contents.size(); ++i) {
+        if (i == lines_.size()) {
+            lines_.push_back(new ListLine(this->theme(), this));
+            lines_.back()->show();
+        }
+        // The whole list is named by its title.
+        const bool isTitle = std::is_same_v<List, TopAppsSection> && i == 0;
+        lines_[i]->setContent(contents[i], isTitle ? QString() : spoken(contents[i]));
+    }
+    placeLines();
+}
+
+template <class List>
+void ProcessListWidget<List>::placeLines() {
     const int x = indent(this->value());
     int y = 0;
-    for (const RowContent& line : lines()) {
-        if (y > 0) {
-            y += kRowSpacing;
-        }
-        const int height = rowHeight(line, this->theme());
-        visit(line, QRect(x, y, width - x, height));
-        y += height;
+    for (ListLine* line : lines_) {
+        const int height = rowHeight(line->content(), this->theme());
+        line->setGeometry(x, y, this->width() - x, height);
+        y += height + kRowSpacing;
     }
-    return y;
 }
 
 template <class List>
-int ProcessListWidget<List>::heightFor(int width) const {
-    return forEachLine(width, [](const RowContent&, const QRect&) {});
+void ProcessListWidget<List>::resizeEvent(QResizeEvent*) {
+    placeLines();
 }
 
 template <class List>
-void ProcessListWidget<List>::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    forEachLine(this->width(), [&](const RowContent& line, const QRect& rect) {
-        paintRow(painter, line, this->theme(), rect);
-    });
+int ProcessListWidget<List>::heightFor(int) const {
+    int height = -kRowSpacing;
+    for (const ListLine* line : lines_) {
+        height += rowHeight(line->content(), this->theme()) + kRowSpacing;
+    }
+    return height;
 }
 
 template <class List>
 QString ProcessListWidget<List>::cutTextAt(const QPoint& position) const {
-    QString text;
-    forEachLine(this->width(), [&](const RowContent& line, const QRect& rect) {
-        if (rect.contains(position)) {
-            text = cutText(line, this->theme(), rect.width());
+    for (const ListLine* line : lines_) {
+        if (line->geometry().contains(position)) {
+            return cutText(line->content(), this->theme(), line->width());
         }
-    });
-    return text;
+    }
+    return {};
 }
 
 template class ProcessListWidget<TopAppsSection>;

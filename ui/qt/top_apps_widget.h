@@ -3,29 +3,56 @@
 
 #include <vector>
 
+#include "ui/panel/held_order.h"
 #include "ui/qt/block_widget.h"
 #include "ui/qt/row_content.h"
 
 namespace tarnwick::qt {
 
-/// The lines of a list, from top to bottom.
+/// One line of a list: reads as "name, figure" and paints again only when it says something else.
+class ListLine final : public QWidget {
+    Q_OBJECT
+
+ public:
+    ListLine(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {}
+
+    /// `spoken` is what a screen reader says.
+    void setContent(const RowContent& content, const QString& spoken);
+    const RowContent& content() const { return content_; }
+
+ protected:
+    void paintEvent(QPaintEvent* event) override;
+
+ private:
+    const Theme& theme_;
+    RowContent content_;
+};
+
+/// The lines of a list, from top to bottom. While the pointer is over them every process keeps its
+/// line, with its latest figure; the latest order comes when the pointer has left.
 template <class List>
 class ProcessListWidget : public ValueBlockWidget<List> {
  public:
     using ValueBlockWidget<List>::ValueBlockWidget;
 
     int heightFor(int width) const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::List; }
 
  protected:
-    void paintEvent(QPaintEvent* event) override;
+    void valueChanged() override;
+    bool paintsItself() const override { return false; }
+    void resizeEvent(QResizeEvent* event) override;
+    void leaveEvent(QEvent* event) override;
     QString cutTextAt(const QPoint& position) const override;
 
  private:
     /// The title, where the list has one, then the rows.
-    std::vector<RowContent> lines() const;
-    /// Calls `visit` with each line and its place, from top to bottom; the height of all.
-    template <class Visit>
-    int forEachLine(int width, Visit visit) const;
+    std::vector<RowContent> contents() const;
+    void showLines();
+    void placeLines();
+
+    ProcessSlots order_;
+    std::vector<ListLine*> lines_;
 };
 
 using TopAppsWidget = ProcessListWidget<TopAppsSection>;

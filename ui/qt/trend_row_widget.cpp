@@ -5,6 +5,11 @@
 #include <QtMath>
 #include <algorithm>
 
+#include "core/percentage.h"
+#include "ui/qt/grid.h"
+#include "ui/qt/row_content.h"
+#include "ui/qt/symbols.h"
+
 namespace tarnwick::qt {
 
 int TrendRowWidget::textHeight() const {
@@ -24,6 +29,13 @@ int TrendRowWidget::overhang() const {
     return qCeil(SparklineView::kLineWidth / 2 * SparklineView::kMiterLimit);
 }
 
+std::optional<double> TrendRowWidget::accessibleValue() const {
+    if (value().values.empty()) {
+        return std::nullopt;
+    }
+    return clampedPercentage(value().values.back());
+}
+
 void TrendRowWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const TextStyle& title = theme().style(FontRole::caption);
@@ -32,10 +44,19 @@ void TrendRowWidget::paintEvent(QPaintEvent*) {
     title.draw(painter, QPointF(0, top + title.ascent()),
                title.elided(QString::fromStdString(value().title), textRoom()),
                theme().color(ColorRole::secondaryText));
-    figure.draw(painter,
-                QPointF(0, top + title.lineHeight() + TrendRow::kTextSpacing + figure.ascent()),
-                figure.elided(QString::fromStdString(value().value), textRoom()),
+    const auto mark = levelMarkSymbol(value().color, theme());
+    const qreal markRoom = mark ? mark->size + grid::kMarkGap : 0;
+    const QString text =
+        figure.elided(QString::fromStdString(value().value), textRoom() - markRoom);
+    const int figureTop = top + title.lineHeight() + TrendRow::kTextSpacing;
+    figure.draw(painter, QPointF(0, figureTop + figure.ascent()), text,
                 theme().color(ColorRole::text));
+    if (mark) {
+        paintSymbol(painter, mark->name, mark->colour,
+                    QPointF(figure.width(text) + grid::kMarkGap,
+                            figureTop + (figure.lineHeight() - mark->size) / 2),
+                    mark->size);
+    }
     paintSparkline(
         painter, value().sparkline(), theme(),
         QRectF(width() - TrendRow::kSparklineWidth, (height() - TrendRow::kSparklineHeight) / 2.0,
@@ -43,9 +64,21 @@ void TrendRowWidget::paintEvent(QPaintEvent*) {
 }
 
 QString TrendRowWidget::cutTextAt(const QPoint& position) const {
+    if (position.x() >= textRoom()) {
+        return {};
+    }
+    const auto mark = levelMarkSymbol(value().color, theme());
+    const qreal markRoom = mark ? mark->size + grid::kMarkGap : 0;
+    QStringList cut;
     const QString title = QString::fromStdString(value().title);
-    const bool isCut = theme().style(FontRole::caption).width(title) > textRoom();
-    return isCut && position.x() < textRoom() ? title : QString();
+    if (theme().style(FontRole::caption).width(title) > textRoom()) {
+        cut << title;
+    }
+    const QString figure = QString::fromStdString(value().value);
+    if (theme().style(FontRole::captionMedium).width(figure) > textRoom() - markRoom) {
+        cut << figure;
+    }
+    return cut.join('\n');
 }
 
 void paintSparkline(QPainter& painter, const SparklineView& sparkline, const Theme& theme,

@@ -14,8 +14,12 @@ class TrendRowWidget final : public ValueBlockWidget<TrendRow> {
     int heightFor(int width) const override;
     /// Half of the line lies outside the frame where it follows an edge, and the tip of a peak.
     int overhang() const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::Chart; }
+    /// The latest value of the line.
+    std::optional<double> accessibleValue() const override;
 
  protected:
+    void valueChanged() override { announceValue(); }
     void paintEvent(QPaintEvent* event) override;
     QString cutTextAt(const QPoint& position) const override;
 

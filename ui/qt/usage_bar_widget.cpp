@@ -53,6 +53,7 @@ void UsageBarWidget::valueChanged() {
         fraction_.jumpTo(next);
     }
     drawnFraction_ = fraction_.value();
+    announceValue();
 }
 
 QRect UsageBarWidget::barRect() const {

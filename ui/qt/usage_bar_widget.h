@@ -15,6 +15,8 @@ class UsageBarWidget final : public ValueBlockWidget<UsageBar> {
     UsageBarWidget(const Theme& theme, std::shared_ptr<Motion> motion, QWidget* parent);
 
     int heightFor(int width) const override;
+    QAccessible::Role accessibleRole() const override { return QAccessible::ProgressBar; }
+    std::optional<double> accessibleValue() const override { return value().fraction() * 100; }
 
  protected:
     void valueChanged() override;

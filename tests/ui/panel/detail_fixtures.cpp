@@ -107,6 +107,23 @@ std::vector<MemoryDetailState> memoryDetailStates() {
         inputs.memoryInfo.free = 900;
         inputs.memoryInfo.compressed = 150;
     });
+    // A little on this side of it.
+    add("good_available", [](MemoryDetailInputs& inputs) {
+        inputs.memoryInfo = {.total = 1000, .free = 151, .cached = 50};
+    });
+    add("below_high_available", [](MemoryDetailInputs& inputs) {
+        inputs.memoryInfo = {.total = 1000, .free = 51, .cached = 50};
+    });
+    add("below_normal_compressed", [](MemoryDetailInputs& inputs) {
+        inputs.memoryInfo = {.total = 1000, .free = 900, .compressed = 79};
+    });
+    add("below_high_compressed", [](MemoryDetailInputs& inputs) {
+        inputs.memoryInfo = {.total = 1000, .free = 900, .compressed = 149};
+    });
+    add("more_than_there_is", [](MemoryDetailInputs& inputs) {
+        inputs.memoryInfo = {.total = 1000, .free = 900, .cached = kMost};
+    });
+    add("without_total", [](MemoryDetailInputs& inputs) { inputs.memoryInfo.total = 0; });
     add("long", [](MemoryDetailInputs& inputs) {
         inputs.memoryInfo = {.total = kMost,
                              .used = kMost,
@@ -157,6 +174,30 @@ std::vector<PerformanceDetailState> performanceDetailStates() {
         inputs.gpuUsageHistory = course(2, 20, 60);
         inputs.memoryUsageHistory = {};
         inputs.storageUsageHistory = course(31, 20, 60);
+    });
+    add("samples", [](PerformanceDetailInputs& inputs) {
+        inputs.cpuUsageHistory = course(45, 0, 100);
+        inputs.gpuUsageHistory = course(31, 0, 100);
+        inputs.memoryUsageHistory = course(30, 0, 100);
+        inputs.storageUsageHistory = course(29, 0, 100);
+    });
+    add("no_volume", [](PerformanceDetailInputs& inputs) {
+        inputs.storageInfo.clear();
+        inputs.memoryInfo.total = 0;
+    });
+    add("beyond", [](PerformanceDetailInputs& inputs) {
+        inputs.cpuInfo.usagePercentage = 100.04;
+        inputs.gpuInfo.usagePercentage = 101;
+        inputs.gpuInfo.rendererUtilizationPercentage = -1;
+        inputs.gpuInfo.tilerUtilizationPercentage = std::numeric_limits<double>::infinity();
+        inputs.networkInfo.downloadBytesPerSecond = 0;
+        inputs.networkInfo.uploadBytesPerSecond = 0.4;
+        inputs.thermalState = 2;
+    });
+    add("below_high", [](PerformanceDetailInputs& inputs) {
+        inputs.cpuInfo.usagePercentage = inputs.thresholds.cpuHigh - 0.01;
+        inputs.gpuInfo.usagePercentage = inputs.thresholds.gpuHigh - 0.01;
+        inputs.thermalState = -1;
     });
     add("long", [](PerformanceDetailInputs& inputs) {
         inputs.cpuInfo.usagePercentage = 1e300;

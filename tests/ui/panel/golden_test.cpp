@@ -1,5 +1,5 @@
-// Whole pages against tests/golden/*.txt. After a change that is meant, run the tests with
-// TARNWICK_RENEW_GOLDEN=1 to write the files anew, and read the difference before committing it.
+// Whole pages against tests/golden/*.txt. After a change that is meant, run script/golden, which
+// writes the files anew and shows the difference, and read that before committing it.
 #include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>

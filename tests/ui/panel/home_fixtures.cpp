@@ -128,6 +128,92 @@ HomePageInputs longMachine() {
     return inputs;
 }
 
+/// Sets every usage to a share of its thresholds: all at the normal ones for 0, at the high ones
+/// for 1; `less` percentage points below.
+void setUsages(HomePageInputs& inputs, bool isHigh, double less) {
+    const MetricThresholds& at = inputs.thresholds;
+    inputs.cpuInfo.usagePercentage = (isHigh ? at.cpuHigh : at.cpuNormal) - less;
+    inputs.gpuInfo.usagePercentage = (isHigh ? at.gpuHigh : at.gpuNormal) - less;
+    constexpr double parts = 10000;
+    const double memory = (isHigh ? at.memoryHigh : at.memoryNormal) - less;
+    inputs.memoryInfo.total = static_cast<std::uint64_t>(parts);
+    inputs.memoryInfo.used = static_cast<std::uint64_t>(std::llround(memory / 100 * parts));
+    const double storage = (isHigh ? at.storageHigh : at.storageNormal) - less;
+    constexpr std::int64_t space = 1'000'000 * kGB;
+    StorageInfo& volume = inputs.storageInfo.front();
+    volume.totalSpace = space;
+    volume.usedSpace = static_cast<std::int64_t>(std::llround(storage / 100 * parts)) *
+                       (space / static_cast<std::int64_t>(parts));
+    volume.availableSpace = space / 2;
+}
+
+/// Each at the very edge, or a little on this side of it.
+void addBounds(std::vector<HomeState>& states) {
+    constexpr std::int64_t lowSpace = std::int64_t{20} << 30;
+    const auto add = [&states](std::string_view name, auto change) {
+        HomePageInputs inputs = calmMachine();
+        change(inputs);
+        states.push_back({name, inputs});
+    };
+    add("checking_battery", [](HomePageInputs& in) {
+        in.batteryDetectionComplete = false;
+        in.batteryInfo = {};
+    });
+    add("registry_battery", [](HomePageInputs& in) {
+        in.batteryInfo.healthSource = BatteryHealthSource::ioRegistry;
+    });
+    add("blank_condition", [](HomePageInputs& in) { in.batteryInfo.healthCondition = " \t\n"; });
+    add("no_volume", [](HomePageInputs& in) { in.storageInfo.clear(); });
+    add("volume_without_space", [](HomePageInputs& in) {
+        in.storageInfo.front().totalSpace = 0;
+        in.storageInfo.front().availableSpace = 0;
+    });
+    add("memory_without_total", [](HomePageInputs& in) { in.memoryInfo.total = 0; });
+    add("below_normal", [](HomePageInputs& in) { setUsages(in, false, 0.01); });
+    add("at_normal", [](HomePageInputs& in) { setUsages(in, false, 0); });
+    add("below_high", [](HomePageInputs& in) { setUsages(in, true, 0.01); });
+    add("at_high", [](HomePageInputs& in) { setUsages(in, true, 0); });
+    add("at_high_collecting", [](HomePageInputs& in) {
+        setUsages(in, true, 0);
+        in.topCPUProcesses.clear();
+    });
+    add("above_hundred", [](HomePageInputs& in) {
+        in.cpuInfo.usagePercentage = 100.04;
+        in.gpuInfo.usagePercentage = -3;
+    });
+    add("no_number", [](HomePageInputs& in) {
+        in.cpuInfo.usagePercentage = std::numeric_limits<double>::quiet_NaN();
+        in.gpuInfo.usagePercentage = std::numeric_limits<double>::infinity();
+    });
+    add("hour_to_come", [](HomePageInputs& in) { in.systemInfo.uptime = 3599.9; });
+    add("hour", [](HomePageInputs& in) { in.systemInfo.uptime = 3600; });
+    add("week_without_reminder", [](HomePageInputs& in) { in.systemInfo.uptime = 604800; });
+    add("week_to_come", [](HomePageInputs& in) {
+        in.systemInfo.uptime = 604799.9;
+        in.remindRestartAfterWeek = true;
+    });
+    add("low_space", [](HomePageInputs& in) {
+        in.storageInfo.front().totalSpace = 10 * lowSpace - 10;
+        in.storageInfo.front().availableSpace = lowSpace;
+        in.storageInfo.front().usedSpace = lowSpace;
+    });
+    add("low_space_to_come", [](HomePageInputs& in) {
+        in.storageInfo.front().totalSpace = 10 * lowSpace;
+        in.storageInfo.front().availableSpace = lowSpace + 1;
+        in.storageInfo.front().usedSpace = lowSpace;
+    });
+    add("tenth_free", [](HomePageInputs& in) {
+        in.storageInfo.front().totalSpace = 1000 * kGB;
+        in.storageInfo.front().availableSpace = 100 * kGB;
+    });
+    add("more_than_a_tenth_free", [](HomePageInputs& in) {
+        in.storageInfo.front().totalSpace = 1000 * kGB;
+        in.storageInfo.front().availableSpace = 100 * kGB + 1;
+    });
+    add("serious", [](HomePageInputs& in) { in.thermalState = 2; });
+    add("unknown_thermals", [](HomePageInputs& in) { in.thermalState = 4; });
+}
+
 }  // namespace
 
 std::vector<HomeState> homeStates() {
@@ -158,6 +244,7 @@ std::vector<HomeState> homeStates() {
     inputs.systemInfo.uptime = 604800;
     inputs.remindRestartAfterWeek = true;
     states.push_back({"reminder", inputs});
+    addBounds(states);
     return states;
 }
 

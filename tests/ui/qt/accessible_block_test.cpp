@@ -1,0 +1,103 @@
+#include "ui/qt/accessible_block.h"
+
+#include <QAccessible>
+#include <gtest/gtest.h>
+
+#include "tests/ui/panel/detail_fixtures.h"
+#include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/qt/settle.h"
+#include "ui/qt/button_widget.h"
+#include "ui/qt/panel_view.h"
+#include "ui/qt/top_apps_widget.h"
+
+namespace tarnwick::qt {
+namespace {
+
+class AccessibleBlockTest : public ::testing::Test {
+ protected:
+    void show(const Page& page) {
+        view.setPage(page);
+        settle();
+    }
+    QAccessibleInterface* find(const char* name) const {
+        return QAccessible::queryAccessibleInterface(view.findChild<QWidget*>(name));
+    }
+
+    Theme theme;
+    testing::PlainByteCountFormatter formatter;
+    PanelView view{theme, [](PanelAction) {}, nullptr};
+};
+
+TEST_F(AccessibleBlockTest, ABarHasAValueAndADescription) {
+    HomePageInputs inputs = testing::calmMachine();
+    show(homePage(inputs, formatter));
+    QAccessibleInterface* bar = find("bar.cpu");
+    EXPECT_EQ(bar->role(), QAccessible::ProgressBar);
+    EXPECT_EQ(bar->text(QAccessible::Name), "CPU, 42.0%, normal");
+    EXPECT_EQ(bar->text(QAccessible::Description), "CPU, 42.0%, normal");
+    ASSERT_NE(bar->valueInterface(), nullptr);
+    EXPECT_EQ(bar->valueInterface()->currentValue().toDouble(), 42);
+    EXPECT_EQ(bar->valueInterface()->minimumValue().toDouble(), 0);
+    EXPECT_EQ(bar->valueInterface()->maximumValue().toDouble(), 100);
+
+    inputs.cpuInfo.usagePercentage = 1e300;
+    show(homePage(inputs, formatter));
+    EXPECT_EQ(bar->valueInterface()->currentValue().toDouble(), 100);
+    EXPECT_EQ(bar->text(QAccessible::Description), "CPU, 100.0%, high");
+    // It cannot be set.
+    bar->valueInterface()->setCurrentValue(5);
+    EXPECT_EQ(bar->valueInterface()->currentValue().toDouble(), 100);
+}
+
+TEST_F(AccessibleBlockTest, ASparklineHasItsLatestValueAndADescription) {
+    view.setPage({{"trend", 0, TrendRow{"Memory", "84%", {80, 90, 84.5}, Tint::yellow}},
+                  {"none", 0, TrendRow{"CPU", "0%", {}, Tint::green}}});
+    settle();
+    QAccessibleInterface* trend = find("trend");
+    EXPECT_EQ(trend->role(), QAccessible::Chart);
+    EXPECT_EQ(trend->text(QAccessible::Description), "Memory, 84%, elevated");
+    ASSERT_NE(trend->valueInterface(), nullptr);
+    EXPECT_EQ(trend->valueInterface()->currentValue().toDouble(), 84.5);
+    EXPECT_EQ(find("none")->valueInterface(), nullptr);
+    EXPECT_EQ(find("none")->text(QAccessible::Name), "CPU, 0%, normal");
+}
+
+TEST_F(AccessibleBlockTest, EveryBlockHasItsRole) {
+    HomePageInputs inputs = testing::calmMachine();
+    inputs.cpuInfo.usagePercentage = 99;
+    show(homePage(inputs, formatter));
+    EXPECT_EQ(find("header")->role(), QAccessible::Heading);
+    EXPECT_EQ(find("uptime")->role(), QAccessible::StaticText);
+    EXPECT_EQ(find("battery")->role(), QAccessible::Heading);
+    EXPECT_EQ(find("battery.cycles")->role(), QAccessible::StaticText);
+    EXPECT_EQ(find("battery.cycles")->valueInterface(), nullptr);
+    EXPECT_EQ(find("navigation.memory")->role(), QAccessible::Grouping);
+    EXPECT_EQ(find("button.quit")->role(), QAccessible::Button);
+    EXPECT_EQ(find("divider")->role(), QAccessible::Separator);
+    QAccessibleInterface* section = find("topCPU");
+    EXPECT_EQ(section->role(), QAccessible::List);
+    EXPECT_EQ(section->text(QAccessible::Name), "Top CPU Apps");
+    ASSERT_EQ(section->childCount(), 4);
+    EXPECT_EQ(section->child(1)->role(), QAccessible::ListItem);
+    EXPECT_EQ(section->child(1)->text(QAccessible::Name), "Firefox, 112.5%");
+
+    show(performanceDetailPage(testing::performanceDetailStates().front().inputs, formatter));
+    EXPECT_EQ(find("trends")->role(), QAccessible::Heading);
+    EXPECT_EQ(find("header")->text(QAccessible::Name), "Performance");
+}
+
+TEST_F(AccessibleBlockTest, EveryButtonOffersToBePressed) {
+    show(homePage(testing::calmMachine(), formatter));
+    for (ButtonWidget* button : view.findChildren<ButtonWidget*>()) {
+        QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(button);
+        EXPECT_EQ(interface->role(), QAccessible::Button);
+        ASSERT_NE(interface->actionInterface(), nullptr);
+        // What is disabled cannot be pressed.
+        EXPECT_EQ(interface->actionInterface()->actionNames().contains(
+                      QAccessibleActionInterface::pressAction()),
+                  button->isEnabled());
+    }
+}
+
+}  // namespace
+}  // namespace tarnwick::qt

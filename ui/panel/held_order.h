@@ -1,0 +1,19 @@
+// The order of a list that somebody is pointing at.
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "core/metric_records.h"
+
+namespace tarnwick {
+
+/// The rows of a list from top to bottom; an empty one has nobody in it.
+using ProcessSlots = std::vector<std::optional<AppProcessInfo>>;
+
+/// The latest processes, each with its latest figures, in the rows where they are shown: whoever is
+/// still among them keeps its row, whoever is new takes the first free one, and those that find
+/// none follow below. A row that nobody takes is left empty, so that none below it moves.
+ProcessSlots heldOrder(const ProcessSlots& shown, const std::vector<AppProcessInfo>& latest);
+
+}  // namespace tarnwick

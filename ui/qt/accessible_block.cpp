@@ -1,0 +1,58 @@
+#include "ui/qt/accessible_block.h"
+
+#include <QAccessible>
+#include <QAccessibleWidget>
+
+#include "ui/qt/block_widget.h"
+#include "ui/qt/top_apps_widget.h"
+
+namespace tarnwick::qt {
+namespace {
+
+constexpr double kLeast = 0;
+constexpr double kGreatest = 100;
+
+/// A block that shows a share says its name as its description, too: where the value alone is read
+/// out, the description says of what it is and how high that is.
+class AccessibleBlock final : public QAccessibleWidget, public QAccessibleValueInterface {
+ public:
+    explicit AccessibleBlock(BlockWidget* block)
+        : QAccessibleWidget(block, block->accessibleRole()) {}
+
+    QString text(QAccessible::Text kind) const override {
+        if (kind == QAccessible::Description && hasValue()) {
+            return widget()->accessibleName();
+        }
+        return QAccessibleWidget::text(kind);
+    }
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::ValueInterface && hasValue()
+                   ? static_cast<QAccessibleValueInterface*>(this)
+                   : QAccessibleWidget::interface_cast(type);
+    }
+    QVariant currentValue() const override { return block().accessibleValue().value_or(kLeast); }
+    void setCurrentValue(const QVariant&) override {}
+    QVariant minimumValue() const override { return kLeast; }
+    QVariant maximumValue() const override { return kGreatest; }
+    QVariant minimumStepSize() const override { return 0.0; }
+
+ private:
+    const BlockWidget& block() const { return *static_cast<BlockWidget*>(widget()); }
+    bool hasValue() const { return block().accessibleValue().has_value(); }
+};
+
+QAccessibleInterface* make(const QString&, QObject* object) {
+    if (auto* block = qobject_cast<BlockWidget*>(object)) {
+        return new AccessibleBlock(block);
+    }
+    auto* line = qobject_cast<ListLine*>(object);
+    return line == nullptr ? nullptr : new QAccessibleWidget(line, QAccessible::ListItem);
+}
+
+}  // namespace
+
+void describeBlocksForScreenReaders() {
+    QAccessible::installFactory(make);
+}
+
+}  // namespace tarnwick::qt
