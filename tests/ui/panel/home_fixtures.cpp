@@ -159,9 +159,8 @@ void addBounds(std::vector<HomeState>& states) {
         in.batteryDetectionComplete = false;
         in.batteryInfo = {};
     });
-    add("registry_battery", [](HomePageInputs& in) {
-        in.batteryInfo.healthSource = BatteryHealthSource::ioRegistry;
-    });
+    add("registry_battery",
+        [](HomePageInputs& in) { in.batteryInfo.healthSource = BatteryHealthSource::ioRegistry; });
     add("blank_condition", [](HomePageInputs& in) { in.batteryInfo.healthCondition = " \t\n"; });
     add("no_volume", [](HomePageInputs& in) { in.storageInfo.clear(); });
     add("volume_without_space", [](HomePageInputs& in) {

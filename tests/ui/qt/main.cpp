@@ -10,7 +10,7 @@ int main(int argc, char** argv) {
     qputenv("HOME", home.path().toUtf8());
     qputenv("XDG_RUNTIME_DIR", home.path().toUtf8());
     // As many points at every scale.
-    const int pixels = 800 * std::max(1, qEnvironmentVariableIntValue("QT_SCALE_FACTOR"));
+    const int pixels = qRound(800 * std::max(1.0, qgetenv("QT_SCALE_FACTOR").toDouble()));
     const QByteArray size = QByteArray::number(pixels);
     QFile screens(home.filePath("screens.json"));
     if (!screens.open(QIODevice::WriteOnly) ||

@@ -17,6 +17,7 @@
 #include "tests/ui/qt/settle.h"
 #include "ui/panel/spoken_text.h"
 #include "ui/qt/button_widget.h"
+#include "ui/qt/row_content.h"
 #include "ui/qt/symbols.h"
 
 namespace tarnwick::qt {
@@ -123,6 +124,33 @@ TEST_P(PanelViewStates, ButtonsAreInsideTheirBlocksAndApart) {
     }
 }
 
+TEST_P(PanelViewStates, WithLargerFontsNothingOverlaps) {
+    const QFont old = QApplication::font();
+    QFont larger = old;
+    larger.setPointSizeF(old.pointSizeF() * 1.5);
+    QApplication::setFont(larger);
+    show(GetParam().inputs);
+    int bottom = 16;
+    for (const PageItem& item : homePage(GetParam().inputs, formatter)) {
+        const QWidget* widget = find(item.id.c_str());
+        EXPECT_EQ(widget->y(), bottom + item.spaceAbove) << item.id;
+        bottom = widget->y() + widget->height();
+        EXPECT_LE(widget->geometry().right(), kPanelWidth - 16) << item.id;
+    }
+    EXPECT_EQ(view.height(), bottom + 16);
+    const QList<ButtonWidget*> buttons = view.findChildren<ButtonWidget*>();
+    for (const ButtonWidget* button : buttons) {
+        EXPECT_TRUE(button->parentWidget()->rect().contains(button->geometry()));
+        for (const ButtonWidget* other : buttons) {
+            if (other != button && other->parentWidget() == button->parentWidget()) {
+                EXPECT_FALSE(other->geometry().intersects(button->geometry()));
+            }
+        }
+    }
+    QApplication::setFont(old);
+    settle();
+}
+
 TEST_P(PanelViewStates, EveryBlockIsReadOut) {
     show(GetParam().inputs);
     for (const PageItem& item : homePage(GetParam().inputs, formatter)) {
@@ -212,6 +240,39 @@ TEST_F(PanelViewTest, LargerFontsMakeItHigherAtTheSameWidth) {
     QApplication::setFont(old);
     settle();
     EXPECT_EQ(view.height(), height);
+}
+
+TEST_F(PanelViewTest, LevelsAreToldApartByMoreThanTheirColour) {
+    const auto mark = [this](Tint tint) {
+        const auto found = rowContent(UsageBar{"CPU", "cpu", 42, "42.0%", tint}, theme).mark;
+        return found ? found->name : std::string();
+    };
+    EXPECT_EQ(mark(Tint::green), "");
+    EXPECT_EQ(mark(Tint::yellow), "info.circle.fill");
+    EXPECT_EQ(mark(Tint::red), "exclamationmark.triangle.fill");
+    EXPECT_EQ(mark(Tint::gray), "");
+
+    // The same in a trend: what stands behind its figure.
+    const auto inkBehindFigure = [this](Tint tint) {
+        view.setPage({{"trend", 0, TrendRow{"CPU", "42%", {1, 2}, tint}}});
+        view.show();
+        settle();
+        QWidget* trend = find("trend");
+        QImage image(trend->size(), QImage::Format_RGB32);
+        image.fill(theme.color(ColorRole::panel));
+        trend->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
+        const int left = qCeil(theme.style(FontRole::captionMedium).width("42%")) + 3;
+        int count = 0;
+        for (int x = left; x < left + 16; ++x) {
+            for (int y = image.height() / 2; y < image.height(); ++y) {
+                count += image.pixel(x, y) != theme.color(ColorRole::panel).rgb() ? 1 : 0;
+            }
+        }
+        return count;
+    };
+    EXPECT_EQ(inkBehindFigure(Tint::green), 0);
+    EXPECT_GT(inkBehindFigure(Tint::yellow), 40);
+    EXPECT_GT(inkBehindFigure(Tint::red), 40);
 }
 
 TEST_F(PanelViewTest, CutTextsAreWholeInTheToolTip) {
