@@ -15,7 +15,7 @@ _COLUMNS = 6
 _ROWS = 2
 # What the name of a picture begins with, apart from machines, which make a sheet each.
 _KIND = re.compile(r"machine_[^_]+|[^_]+")
-_LOOK = re.compile(r"_(light|dark)_(\d+)x$")
+_LOOK = re.compile(r"_(light|dark)_([\d.]+)x$")
 
 
 def sheets(folder):

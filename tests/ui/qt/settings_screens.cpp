@@ -65,11 +65,15 @@ class Scene {
     std::unique_ptr<SettingsWidget> widget_;
 };
 
-bool makePictures(const QDir& folder, const Theme& theme, const QString& look, qreal ratio) {
+/// `size` goes into the names of the pictures.
+bool makePictures(const QDir& folder, const Theme& theme, const QString& size, qreal ratio) {
     Scene scene(theme);
     bool isWritten = true;
     const auto keep = [&](const char* name) {
-        const QString path = folder.filePath(QString("settings_%1_%2.png").arg(name, look));
+        const QString path = folder.filePath(QString("settings_%1%2_%3_%4x.png")
+                                                 .arg(name, size)
+                                                 .arg(theme.isDark() ? "dark" : "light")
+                                                 .arg(ratio));
         if (!scene.picture(ratio).save(path)) {
             QTextStream(stderr) << "cannot write " << path << '\n';
             isWritten = false;
@@ -94,17 +98,15 @@ bool makePictures(const QDir& folder, const Theme& theme, const QString& look, q
 int makePictures(const QDir& folder, QFont font) {
     for (const bool isDark : {false, true}) {
         const Theme theme(isDark);
-        const QString shade = isDark ? "dark" : "light";
-        for (const int percent : {100, 150, 200}) {
-            const QString look = QString("%1_%2x").arg(shade).arg(percent / 100.0);
-            if (!makePictures(folder, theme, look, percent / 100.0)) {
+        for (const qreal ratio : {1.0, 1.5, 2.0}) {
+            if (!makePictures(folder, theme, {}, ratio)) {
                 return 1;
             }
         }
         const qreal points = font.pointSizeF();
         font.setPointSizeF(points * 1.5);
         QApplication::setFont(font);
-        const bool isWritten = makePictures(folder, theme, shade + "_large_font", 1);
+        const bool isWritten = makePictures(folder, theme, "_large_font", 1);
         font.setPointSizeF(points);
         QApplication::setFont(font);
         if (!isWritten) {
