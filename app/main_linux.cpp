@@ -3,7 +3,9 @@
 #include <QDesktopServices>
 #include <QScreen>
 #include <QSessionManager>
+#include <QTimer>
 #include <QUrl>
+#include <chrono>
 #include <cstdlib>
 #include <string>
 #include <utility>
@@ -40,6 +42,7 @@
 #include "platform/linux/standard_error.h"
 #include "platform/linux/start_command.h"
 #include "platform/platform.h"
+#include "platform/qt/font_memory.h"
 #include "ui/panel/menu_bar_view.h"
 #include "ui/qt/accessible_application.h"
 #include "ui/qt/panel_placement.h"
@@ -51,6 +54,9 @@
 
 namespace tarnwick {
 namespace {
+
+/// By then the item is in its tray, and what only the start needed has gone.
+constexpr std::chrono::seconds kStartIsOver(15);
 
 const char* environment(const char* name) {
     return std::getenv(name);
@@ -92,7 +98,7 @@ void installPlatform(platform::UserDefaults& userDefaults, const QDBusConnection
 }
 
 QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
-    return qt::symbolImage(symbol, qt::Theme::color(tint, dark), pixels);
+    return qt::drawnSymbol(symbol, qt::Theme::color(tint, dark), pixels);
 }
 
 /// Where the panel opens: at the item or, where its place is not known, in a corner.
@@ -182,7 +188,11 @@ int run(QApplication& application, platform::StartConditions conditions) {
     closePanel = [&panel] { panel.close(); };
     const platform::ReducedMotion reducedMotion(
         bus, [&panel](bool isReduced) { panel.setMotionReduced(isReduced); });
-    QObject::connect(&panel, &qt::PanelWindow::widgetsFreed, &platform::giveBackFreedMemory);
+    QObject::connect(&panel, &qt::PanelWindow::widgetsFreed, [] {
+        qt::freeUnusedFonts();
+        platform::giveBackFreedMemory();
+    });
+    QTimer::singleShot(kStartIsOver, &application, &platform::giveBackFreedMemory);
     const auto openPanel = [&app, &panel, &item] {
         app.appDelegate().panelWasAskedFor();
         panel.open(panelAnchor(item));

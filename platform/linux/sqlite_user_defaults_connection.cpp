@@ -116,6 +116,12 @@ std::optional<DefaultsValue> decode(sqlite3_stmt* row) {
     return std::nullopt;
 }
 
+/// Memory for pages is asked for page by page: each store has a few, and SQLite would set memory
+/// for twenty aside for each cache. Counts for the whole program, before it opens its first store.
+void keepPagesOneByOne() {
+    [[maybe_unused]] static const int once = sqlite3_config(SQLITE_CONFIG_PAGECACHE, nullptr, 0, 0);
+}
+
 /// A file that is never written needs no locks and no companions beside it.
 std::string immutableURI(const std::filesystem::path& file) {
     std::string uri = "file:";
@@ -218,6 +224,7 @@ void SqliteUserDefaultsConnection::connect() {
         flags |= SQLITE_OPEN_READONLY | SQLITE_OPEN_URI;
         name = immutableURI(file_);
     }
+    keepPagesOneByOne();
     sqlite3* database = nullptr;
     const int opened = sqlite3_open_v2(name.c_str(), &database, flags, nullptr);
     database_.reset(database);

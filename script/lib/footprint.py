@@ -20,6 +20,8 @@ _OPEN_PERCENT_LIMIT = 0.5
 # How many processes the machine has while the panel is open: an ordinary desktop, a large server.
 _ORDINARY_CROWD = 300
 _CROWDS = (_ORDINARY_CROWD, 3000)
+# Processes of others, such as of a second measurement, cost as much as one's own.
+_CROWDED = 1.2
 # Forks as many processes as its argument says; they and it wait for their end.
 _CROWD_PROGRAM = """
 import os, signal, sys
@@ -43,6 +45,8 @@ class Costs:
     open_rates: usage.Rates = None
     # With the panel open, by the number of processes on the machine.
     crowd_rates: dict = dataclasses.field(default_factory=dict)
+    # How many there really were, by the number that there should have been.
+    populations: dict = dataclasses.field(default_factory=dict)
 
 
 def started(program):
@@ -89,7 +93,9 @@ def measure_crowds(program, costs, seconds):
             program.open_panel()
             program.desktop.screen.move_pointer(program.desktop.nowhere)
             time.sleep(_SETTLE)
+            before = population()
             costs.crowd_rates[number] = open_rates(program, seconds)
+            costs.populations[number] = max(before, population())
             program.close_panel()
 
 
@@ -146,6 +152,8 @@ def report(floor, own):
         print(line(f"processor time, {number:,} processes", floor.open_rates.processor_percent,
                    rates.processor_percent, "%",
                    _OPEN_PERCENT_LIMIT if number == _ORDINARY_CROWD else None, None))
+        if own.populations[number] > _CROWDED * number:
+            print(f"there were {own.populations[number]:,} processes then, of others too")
     for name, each in (("bare tray", floor), ("Tarnwick", own)):
         lost = sum(rates.lost_threads for rates in
                    (each.hidden_rates, each.open_rates, *each.crowd_rates.values()))

@@ -48,7 +48,17 @@ QPainterPath painterPath(const SymbolPart& part) {
     return path;
 }
 
-QImage rendered(std::string_view name, const QColor& colour, int pixels) {
+QString fromUtf8(std::string_view text) {
+    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+}  // namespace
+
+bool hasSymbol(std::string_view name) {
+    return drawing(name) != nullptr;
+}
+
+QImage drawnSymbol(std::string_view name, const QColor& colour, int pixels) {
     const SymbolDrawing* found = drawing(name);
     if (!found || pixels < 1) {
         return {};
@@ -77,16 +87,6 @@ QImage rendered(std::string_view name, const QColor& colour, int pixels) {
     return image.copy();
 }
 
-QString fromUtf8(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
-}  // namespace
-
-bool hasSymbol(std::string_view name) {
-    return drawing(name) != nullptr;
-}
-
 QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
                    qreal devicePixelRatio) {
     static QCache<QString, QImage> cache(kSymbolCacheBytes);
@@ -97,7 +97,7 @@ QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
     if (const QImage* kept = cache.object(key)) {
         image = *kept;
     } else {
-        image = rendered(name, colour, pixels);
+        image = drawnSymbol(name, colour, pixels);
         if (!image.isNull()) {
             cache.insert(key, new QImage(image), image.sizeInBytes());
         }

@@ -19,6 +19,9 @@ bool hasSymbol(std::string_view name);
 QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
                    qreal devicePixelRatio = 1);
 
+/// The same, drawn anew and not kept: for what is drawn once in a while. `pixels` wide.
+QImage drawnSymbol(std::string_view name, const QColor& colour, int pixels);
+
 /// Paints symbolImage() with its upper left corner at `position`, at the painter's own scale.
 void paintSymbol(QPainter& painter, std::string_view name, const QColor& colour,
                  const QPointF& position, qreal size);

@@ -139,5 +139,10 @@ TEST(PaintSymbol, PaintsAtTheScaleOfThePainter) {
     EXPECT_EQ(canvas.copy(4, 4, 32, 32), expected);
 }
 
+TEST(SymbolImage, IsTheSameWhenItIsDrawnAnew) {
+    EXPECT_EQ(drawnSymbol("cpu", Qt::blue, 24), symbolImage("cpu", Qt::blue, 24));
+    EXPECT_TRUE(drawnSymbol("no such symbol", Qt::blue, 24).isNull());
+}
+
 }  // namespace
 }  // namespace tarnwick::qt

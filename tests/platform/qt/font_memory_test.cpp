@@ -1,0 +1,49 @@
+#include "platform/qt/font_memory.h"
+
+#include <QFont>
+#include <QFontMetricsF>
+#include <QImage>
+#include <QPainter>
+#include <QtGui/private/qfont_p.h>
+#include <gtest/gtest.h>
+
+namespace tarnwick::qt {
+namespace {
+
+QImage drawn(const QFont& font) {
+    QImage image(200, 40, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    painter.setFont(font);
+    painter.drawText(4, 28, "Memory 42%");
+    return image;
+}
+
+TEST(UnusedFonts, AreLetGoOf) {
+    drawn(QFont(QString(), 23));
+    EXPECT_GT(QFontCache::instance()->engineDataCache.size(), 0);
+    freeUnusedFonts();
+    EXPECT_EQ(QFontCache::instance()->engineDataCache.size(), 0);
+}
+
+TEST(UnusedFonts, AreLoadedAgainWhenTheyAreUsed) {
+    const QFont font(QString(), 17);
+    const QImage before = drawn(font);
+    const qreal width = QFontMetricsF(font).horizontalAdvance("Memory");
+    freeUnusedFonts();
+    EXPECT_EQ(drawn(font), before);
+    EXPECT_EQ(drawn(QFont(QString(), 17)), before);
+    EXPECT_EQ(QFontMetricsF(font).horizontalAdvance("Memory"), width);
+}
+
+TEST(UnusedFonts, MayBeLetGoOfWhileOneIsInUse) {
+    const QFont font(QString(), 17);
+    const QFontMetricsF metrics(font);
+    const qreal width = metrics.horizontalAdvance("Memory");
+    freeUnusedFonts();
+    freeUnusedFonts();
+    EXPECT_EQ(metrics.horizontalAdvance("Memory"), width);
+}
+
+}  // namespace
+}  // namespace tarnwick::qt
