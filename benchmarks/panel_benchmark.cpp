@@ -1,0 +1,178 @@
+// What the panel costs beside a bare window of the same toolkit with as many texts.
+//
+//   panel_benchmark [--check] [options of the benchmark library]
+//   panel_benchmark --rounds=10000
+//
+// Times are those of the main thread, without a display: from the click, or from the moment at
+// which the samplers are done, until everything is painted. A person sees no delay below 60 ms, and
+// a refresh is to take 4 ms at most. With --rounds the panel is opened, refreshed and closed so
+// many times, and what the program holds more than before is printed. Only figures of an optimised
+// build mean anything.
+#include <QApplication>
+#include <QLabel>
+#include <QVBoxLayout>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <malloc.h>
+#include <string>
+#include <string_view>
+#include <unistd.h>
+
+#include "benchmarks/pairs.h"
+#include "benchmarks/turned_panel.h"
+
+namespace {
+
+using tarnwick::PanelAction;
+using tarnwick::benchmarks::Pair;
+using tarnwick::benchmarks::TurnedPanel;
+
+/// A window of the panel's size with as many texts as the panel has: titles and values.
+class BareWindow {
+ public:
+    static constexpr int kTexts = 28;
+
+    BareWindow() : window_(nullptr, Qt::Popup | Qt::FramelessWindowHint) {
+        auto* rows = new QVBoxLayout(&window_);
+        for (QLabel*& label : labels_) {
+            label = new QLabel(&window_);
+            rows->addWidget(label);
+        }
+        turn();
+        window_.setFixedSize(376, 616);
+        window_.show();
+        paint();
+    }
+
+    void turn() {
+        ++round_;
+        for (QLabel* label : labels_) {
+            label->setText(QString("A text with a number, %1").arg(round_));
+        }
+    }
+    void paint() {
+        // Once for the window itself, once for what the layout asked for.
+        for (int turn = 0; turn < 2; ++turn) {
+            QApplication::processEvents();
+        }
+    }
+
+ private:
+    QWidget window_;
+    QLabel* labels_[kTexts];
+    int round_ = 0;
+};
+
+void openBareWindow(benchmark::State& state) {
+    for (auto iteration : state) {
+        BareWindow window;
+    }
+}
+
+void openPanel(benchmark::State& state) {
+    TurnedPanel panel;
+    for (auto iteration : state) {
+        panel.open();
+        panel.close();
+    }
+}
+
+void turnBareWindow(benchmark::State& state) {
+    BareWindow window;
+    for (auto iteration : state) {
+        window.turn();
+        window.paint();
+    }
+}
+
+void tickOn(benchmark::State& state, PanelAction page) {
+    TurnedPanel panel;
+    panel.open();
+    if (page != PanelAction::goBack) {
+        panel.press(page);
+    }
+    for (auto iteration : state) {
+        panel.tick();
+    }
+}
+
+void tickOnHomePage(benchmark::State& state) {
+    tickOn(state, PanelAction::goBack);
+}
+
+void tickOnMemoryPage(benchmark::State& state) {
+    tickOn(state, PanelAction::showMemoryDetail);
+}
+
+void tickOnPerformancePage(benchmark::State& state) {
+    tickOn(state, PanelAction::showPerformanceDetail);
+}
+
+constexpr Pair kPairs[] = {
+    {"open and close the panel", openPanel, openBareWindow, 2},
+    {"all figures change on the home page", tickOnHomePage, turnBareWindow, 2},
+    {"all figures change on the memory page", tickOnMemoryPage, turnBareWindow, 2},
+    {"all figures change on the performance page", tickOnPerformancePage, turnBareWindow, 2},
+};
+
+struct Held {
+    /// Bytes that the program has asked for and not given back.
+    long long heap;
+    /// Bytes in memory.
+    long long resident;
+};
+
+Held held() {
+    ::malloc_trim(0);
+    std::ifstream statm("/proc/self/statm");
+    long long pages = 0;
+    statm >> pages >> pages;
+    return {static_cast<long long>(::mallinfo2().uordblks) +
+                static_cast<long long>(::mallinfo2().hblkhd),
+            pages * ::sysconf(_SC_PAGESIZE)};
+}
+
+void openAndClose(TurnedPanel& panel, int rounds) {
+    for (int round = 0; round < rounds; ++round) {
+        panel.open();
+        panel.tick();
+        // Every page now and then.
+        if (round % 8 == 0) {
+            panel.press(PanelAction::showMemoryDetail);
+            panel.press(PanelAction::goBack);
+            panel.press(PanelAction::showPerformanceDetail);
+        }
+        panel.close();
+    }
+}
+
+int printGrowth(int rounds) {
+    TurnedPanel panel;
+    // Histories are full and caches as large as they get.
+    openAndClose(panel, 500);
+    const Held before = held();
+    openAndClose(panel, rounds);
+    const Held after = held();
+    std::printf(
+        "%d times open and closed: heap %+lld bytes of %lld, resident %+lld kB of %lld kB\n",
+        rounds, after.heap - before.heap, before.heap, (after.resident - before.resident) / 1024,
+        before.resident / 1024);
+    return EXIT_SUCCESS;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
+    ::setenv("QT_LOGGING_RULES", "*.warning=false", 1);
+    // Paints at once instead of a few milliseconds later.
+    ::setenv("QT_QPA_UPDATE_IDLE_TIME", "0", 1);
+    int none = 1;
+    QApplication application(none, argv);
+    constexpr std::string_view rounds = "--rounds=";
+    if (argc == 2 && std::string_view(argv[1]).starts_with(rounds)) {
+        return printGrowth(std::atoi(argv[1] + rounds.size()));
+    }
+    return tarnwick::benchmarks::runPairs(argc, argv, kPairs);
+}

@@ -1,0 +1,210 @@
+#include "benchmarks/turned_panel.h"
+
+#include <QApplication>
+#include <QEvent>
+#include <QWidget>
+#include <cstdint>
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+#include "core/stats_manager.h"
+#include "platform/linux/byte_count_text.h"
+#include "platform/testing/manual_dispatch.h"
+#include "platform/testing/memory_user_defaults.h"
+#include "platform/testing/scripted_login_service.h"
+#include "ui/qt/panel_window.h"
+
+namespace tarnwick::benchmarks {
+namespace {
+
+constexpr std::int64_t kGB = 1'000'000'000;
+constexpr QRect kAnchor(300, 2, 22, 22);
+/// Far more turns of the event loop than anything needs.
+constexpr int kMostTurns = 1000;
+
+class CalmProcessInfo final : public platform::ProcessInfo {
+ public:
+    std::int64_t activeProcessorCount() override { return 8; }
+    std::int64_t thermalState() override { return 0; }
+};
+
+class FixedBattery final : public BatteryReader {
+ public:
+    BatteryInfo currentBatteryInfo(bool) override { return battery(); }
+    BatteryInfo batteryInfoWithHealth(bool) override { return battery(); }
+
+ private:
+    static BatteryInfo battery() {
+        BatteryInfo info;
+        info.hasBattery = true;
+        info.percentage = 80;
+        info.health = 93;
+        info.healthSource = BatteryHealthSource::systemProfiler;
+        info.cycleCount = 120;
+        info.healthCondition = "Normal";
+        return info;
+    }
+};
+
+/// Figures that are never twice the same in a row.
+class Figures {
+ public:
+    void turn() { ++round_; }
+    /// A value that goes up and down between two bounds.
+    double between(double least, double most) const {
+        constexpr unsigned period = 17;
+        return least + (most - least) * (round_ * 7 % period) / (period - 1);
+    }
+    std::uint64_t bytes(double least, double most) const {
+        return static_cast<std::uint64_t>(between(least, most) * static_cast<double>(kGB));
+    }
+
+ private:
+    unsigned round_ = 0;
+};
+
+}  // namespace
+
+struct TurnedPanel::Machine {
+    Figures figures;
+    platform::testing::ManualDispatch dispatch;
+    platform::testing::MemoryUserDefaults store;
+    platform::testing::ScriptedLoginService loginService;
+    CalmProcessInfo processInfo;
+    platform::PlainByteCountFormatter formatter;
+    UserSettings settings{store, loginService};
+    StatsManager manager{
+        &settings,
+        std::make_shared<FixedBattery>(),
+        30,
+        120,
+        {dispatch, sources(), [this] { return dispatch.now(); }, platform::Logger()}};
+    qt::Theme theme;
+    MenuBarView view{manager,
+                     {.showSettings = [] {}, .openActivityMonitor = [] {}, .quit = [] {}},
+                     {dispatch, processInfo, formatter}};
+    qt::PanelWindow window{view, theme, dispatch};
+
+    MetricSources sources();
+    TopProcessLists processes() const;
+};
+
+TopProcessLists TurnedPanel::Machine::processes() const {
+    TopProcessLists lists;
+    for (int row = 0; row < StatsManager::kTopProcessLimit; ++row) {
+        const AppProcessInfo process{.id = row + 1,
+                                     .name = "Application number " + std::to_string(row + 1),
+                                     .cpuUsage = figures.between(10, 90) / (row + 1),
+                                     .memoryUsage = figures.bytes(1, 2)};
+        lists.cpu.push_back(process);
+        lists.memory.push_back(process);
+    }
+    return lists;
+}
+
+MetricSources TurnedPanel::Machine::sources() {
+    return {.readCPUInfo =
+                [this] {
+                    figures.turn();
+                    CPUInfo cpu;
+                    cpu.usagePercentage = figures.between(90, 99);
+                    cpu.coreCount = 8;
+                    return cpu;
+                },
+            .readGPUInfo =
+                [this] {
+                    GPUInfo gpu;
+                    gpu.isAvailable = true;
+                    gpu.usagePercentage = figures.between(5, 95);
+                    gpu.rendererUtilizationPercentage = figures.between(5, 90);
+                    gpu.tilerUtilizationPercentage = figures.between(5, 80);
+                    return gpu;
+                },
+            .readMemoryInfo =
+                [this] {
+                    return MemoryInfo{.total = 32 * kGB,
+                                      .used = figures.bytes(4, 30),
+                                      .free = figures.bytes(1, 2),
+                                      .app = figures.bytes(2, 9),
+                                      .wired = figures.bytes(2, 8),
+                                      .compressed = figures.bytes(0.1, 5),
+                                      .cached = figures.bytes(1, 5),
+                                      .swapUsed = figures.bytes(0.1, 1),
+                                      .swapTotal = 2 * kGB};
+                },
+            .readNetworkInfo =
+                [this] {
+                    return NetworkInfo{.downloadBytesPerSecond = figures.between(1e3, 9e6),
+                                       .uploadBytesPerSecond = figures.between(1e3, 2e6),
+                                       .hasSample = true};
+                },
+            .readTopProcesses = [this](int) { return processes(); },
+            .pruneStaleProcesses = [] {},
+            .releaseProcessCaches = [] {},
+            .readStorageInfo =
+                [this] {
+                    const auto used = static_cast<std::int64_t>(figures.bytes(100, 480));
+                    StorageInfo storage;
+                    storage.name = "Disk";
+                    storage.totalSpace = 500 * kGB;
+                    storage.usedSpace = used;
+                    storage.availableSpace = 500 * kGB - used;
+                    return storage;
+                },
+            .readUptime = [this] { return 60 * dispatch.now(); }};
+}
+
+TurnedPanel::TurnedPanel() : machine_(std::make_unique<Machine>()) {
+    machine_->dispatch.runMain();
+    QApplication::instance()->installEventFilter(this);
+}
+
+TurnedPanel::~TurnedPanel() {
+    close();
+}
+
+bool TurnedPanel::eventFilter(QObject* object, QEvent* event) {
+    // A window paints what has changed when its turn has come.
+    isPainted_ = isPainted_ || (event->type() == QEvent::UpdateRequest && object->isWidgetType());
+    return false;
+}
+
+void TurnedPanel::waitUntilPainted() {
+    isPainted_ = false;
+    for (int turn = 0; turn < kMostTurns && !isPainted_; ++turn) {
+        QApplication::processEvents();
+    }
+    if (!isPainted_) {
+        std::abort();
+    }
+    // Whatever the painting has left behind.
+    QApplication::processEvents();
+}
+
+void TurnedPanel::open() {
+    machine_->window.open(kAnchor);
+    machine_->dispatch.runMain();
+    waitUntilPainted();
+}
+
+void TurnedPanel::close() {
+    machine_->window.close();
+    machine_->dispatch.runMain();
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QApplication::processEvents();
+}
+
+void TurnedPanel::press(PanelAction action) {
+    machine_->view.perform(action);
+    waitUntilPainted();
+}
+
+void TurnedPanel::tick() {
+    machine_->manager.refreshNow();
+    machine_->dispatch.sleep(StatsManager::kFastVisibleInterval);
+    machine_->dispatch.runMain();
+    waitUntilPainted();
+}
+
+}  // namespace tarnwick::benchmarks
