@@ -51,6 +51,22 @@ TEST_F(SettingsWidgetTest, OpensOnTheFirstTabWhichHasTheKeyboard) {
     EXPECT_EQ(find("focusRing"), nullptr);
 }
 
+TEST_F(SettingsWidgetTest, TheFirstTabWaitsForTheKeyboardOfAWindowBehindOthers) {
+    widget = nullptr;
+    SettingsWidget behind(settings, theme, SettingsViewEnvironment{dispatch, layout},
+                          [](std::uint32_t) { return std::nullopt; });
+    behind.setAttribute(Qt::WA_ShowWithoutActivating);
+    behind.show();
+    ASSERT_NE(behind.focusWidget(), nullptr);
+    EXPECT_EQ(behind.focusWidget()->objectName(), "tab.General");
+}
+
+TEST_F(SettingsWidgetTest, TextsHaveTheirOwnColourOnButtonsToo) {
+    for (const SettingsLabel* label : visible<SettingsLabel>()) {
+        EXPECT_EQ(label->foregroundRole(), QPalette::WindowText) << label->text().toStdString();
+    }
+}
+
 TEST_F(SettingsWidgetTest, TabsStandSideBySideInTheMiddle) {
     const QWidget* general = find("tab.General");
     const QWidget* customize = find("tab.Customize");
