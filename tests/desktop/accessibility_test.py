@@ -75,10 +75,24 @@ class AccessibilityTest(DesktopTestCase):
             self.assertLessEqual({"enabled", "focusable", "showing", "visible"}, each.states(),
                                  each.name)
 
+    def assert_values(self, role, titles):
+        """What shows a share has it as its value, and its level in words as its description."""
+        shares = [each for each in self.panel() if each.role == role]
+        # Not every machine has graphics whose use can be told.
+        shares = [each for each in shares if not each.name.startswith("GPU")]
+        self.assertEqual([re.match("[A-Za-z]+", each.name).group() for each in shares], titles)
+        for each in shares:
+            self.assertRegex(each.description, f", {_LEVEL}$")
+            least, value, most = each.value()
+            self.assertEqual((least, most), (0, 100), each.name)
+            self.assertTrue(0 <= value <= 100, (each.name, value))
+            self.assertNotIn("focusable", each.states())
+
     def test_every_page_is_found_read_and_left(self):
         self.assert_reads(_HOME)
         self.assert_buttons({"Settings", "Refresh", "What's Using Memory?",
                              "Performance & Network", "Activity Monitor", "Quit"})
+        self.assert_values("progress bar", ["CPU", "Memory", "Storage"])
         self.press(self.program, "What's Using Memory?")
         self.assert_reads(_MEMORY)
         self.assert_buttons({"Back", "Refresh"})
@@ -87,6 +101,7 @@ class AccessibilityTest(DesktopTestCase):
         self.press(self.program, "Performance & Network")
         self.assert_reads(_PERFORMANCE)
         self.assert_buttons({"Back", "Refresh"})
+        self.assert_values("chart", ["CPU", "Memory", "Storage"])
         # Nothing to be seen comes of it here; the page stays.
         self.press(self.program, "Refresh")
         self.assert_reads(_PERFORMANCE)
