@@ -7,7 +7,7 @@ import unittest
 
 ROOT = pathlib.Path(os.environ["TARNWICK_SCRIPTS"]).parent
 
-# What a block is made of where it is made: functions that give a value in the form to be drawn.
+# Functions that give a value in the form to be drawn, for fronts that do not take it as it is.
 GIVEN_BY = {
     ("UsageBar", "value"): "fraction",
     ("TrendRow", "values"): "sparkline",
@@ -38,9 +38,9 @@ def fields(name, folder):
     for header in sorted((ROOT / folder).glob("*.h")):
         body = re.search(rf"^struct {name} {{\n(.*?)^}};", header.read_text(), re.DOTALL | re.M)
         if body:
-            declared = re.findall(r"^    (?!static|using|return)[\w:<>, ]+ (\w+)(?: = [^;()]*|{})?;$",
-                                  body.group(1), re.M)
-            return declared
+            return re.findall(
+                r"^    (?! |static|using|return)[\w:<>, ]+ (\w+)(?: = [^;()]*|{})?;$",
+                body.group(1), re.M)
     raise AssertionError(f"{name} is declared nowhere in {folder}")
 
 
@@ -56,10 +56,11 @@ class Fronts(unittest.TestCase):
         text = source(front)
         for name in names:
             with self.subTest(block=name, front=front):
-                self.assertRegex(text, rf"operator\(\)\(const {name}&", "is not drawn")
+                self.assertTrue(re.search(rf"operator\(\)\(const {name}&", text), "is not drawn")
                 for field in fields(name, folder):
-                    used = GIVEN_BY.get((name, field), field)
-                    self.assertRegex(text, rf"(\.|->){used}\b", f"{field} is not used")
+                    used = "|".join({field, GIVEN_BY.get((name, field), field)})
+                    self.assertTrue(re.search(rf"(\.|->)({used})\b", text),
+                                    f"{field} is not used")
 
     def test_the_panel_has_blocks_with_values(self):
         self.assertIn("UsageBar", blocks_of_the_panel())
@@ -80,7 +81,7 @@ class Fronts(unittest.TestCase):
             text = source(front)
             for name in items_of_the_settings():
                 with self.subTest(item=name, front=front):
-                    self.assertRegex(text, rf"\b{name}\b", "is not drawn")
+                    self.assertTrue(re.search(rf"\b{name}\b", text), "is not drawn")
 
 
 if __name__ == "__main__":
