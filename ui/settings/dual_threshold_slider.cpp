@@ -99,7 +99,7 @@ void DualThresholdSlider::setValue(Thumb thumb, double value) {
 
 void DualThresholdSlider::drag(Thumb thumb, double location, double width) {
     dragged_ = thumb;
-    isUndecided_ = false;
+    undecidedFrom_.reset();
     setValue(thumb, valueAt(location, width));
 }
 
@@ -109,31 +109,34 @@ bool DualThresholdSlider::isUnder(Thumb thumb, double location, double distanceF
            std::abs(distanceFromAxis) <= kHitSize / 2;
 }
 
-std::optional<DualThresholdSlider::Thumb> DualThresholdSlider::movable(double location,
+std::optional<DualThresholdSlider::Thumb> DualThresholdSlider::movable(double pressed,
+                                                                       double location,
                                                                        double width) const {
     const double raw = valueAt(location, width);
-    const bool normalCan = clamped(Thumb::normal, raw) != value(Thumb::normal);
-    const bool highCan = clamped(Thumb::high, raw) != value(Thumb::high);
-    if (normalCan && highCan) {
-        const auto distance = [&](Thumb thumb) {
-            return std::abs(location - thumbCenter(thumb, width));
-        };
-        return distance(Thumb::high) < distance(Thumb::normal) ? Thumb::high : Thumb::normal;
+    const auto canMove = [&](Thumb thumb) { return clamped(thumb, raw) != value(thumb); };
+    const auto distance = [&](Thumb thumb) {
+        return std::abs(pressed - thumbCenter(thumb, width));
+    };
+    const bool isHighNearer = distance(Thumb::high) < distance(Thumb::normal);
+    const Thumb nearer = isHighNearer ? Thumb::high : Thumb::normal;
+    if (canMove(nearer)) {
+        return nearer;
     }
-    if (normalCan || highCan) {
-        return normalCan ? Thumb::normal : Thumb::high;
-    }
-    return std::nullopt;
+    const Thumb other = isHighNearer ? Thumb::normal : Thumb::high;
+    const bool isThere = std::round(raw) == value(nearer);
+    return !isThere && canMove(other) ? std::optional(other) : std::nullopt;
 }
 
 bool DualThresholdSlider::beginDrag(double location, double distanceFromAxis, double width) {
+    // Nobody may have told of the end of the last one.
+    endDrag();
     const bool onNormal = isUnder(Thumb::normal, location, distanceFromAxis, width);
     const bool onHigh = isUnder(Thumb::high, location, distanceFromAxis, width);
     if (!onNormal && !onHigh) {
         return false;
     }
     if (onNormal && onHigh) {
-        isUndecided_ = true;
+        undecidedFrom_ = location;
         continueDrag(location, width);
     } else {
         drag(onNormal ? Thumb::normal : Thumb::high, location, width);
@@ -142,7 +145,7 @@ bool DualThresholdSlider::beginDrag(double location, double distanceFromAxis, do
 }
 
 void DualThresholdSlider::continueDrag(double location, double width) {
-    const auto thumb = isUndecided_ ? movable(location, width) : dragged_;
+    const auto thumb = undecidedFrom_ ? movable(*undecidedFrom_, location, width) : dragged_;
     if (thumb) {
         drag(*thumb, location, width);
     }
@@ -150,7 +153,7 @@ void DualThresholdSlider::continueDrag(double location, double width) {
 
 void DualThresholdSlider::endDrag() {
     dragged_.reset();
-    isUndecided_ = false;
+    undecidedFrom_.reset();
 }
 
 void DualThresholdSlider::adjust(Thumb thumb, Adjustment adjustment) {

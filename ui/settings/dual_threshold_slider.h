@@ -21,8 +21,8 @@ struct ClosedRange {
 std::string wholePercentText(double value);
 
 /// Two thumbs on one track from 0 to 100 percent. Keeps no values: reads them through the bindings
-/// and writes whole numbers, the normal one at least one below the high one as far as the ranges
-/// allow. Lengths and places are points in the slider's own coordinates, in which it is `width`
+/// and writes whole numbers where those at its limits are whole, the normal one at least one below
+/// the high one as far as the ranges allow. Lengths and places are points in the slider's own coordinates, in which it is `width`
 /// wide. Main thread only.
 class DualThresholdSlider {
  public:
@@ -77,9 +77,10 @@ class DualThresholdSlider {
     Segments segments(double width) const;
 
     /// Begins a drag at a place: takes the thumb that is under the pointer, and moves it there. Of
-    /// two thumbs under the pointer it is the one that can move to it; of two that can, the nearer.
-    /// While neither can, the drag waits for the pointer to move. False, and nothing happens, away
-    /// from both thumbs; `distanceFromAxis` is how far from the slider's middle line the place is.
+    /// two thumbs under the pointer it is the nearer, unless that one cannot move to the pointer and
+    /// the other can; a nearer one that is there already waits for the pointer to move. False, and
+    /// nothing happens, away from both thumbs; `distanceFromAxis` is how far from the slider's middle
+    /// line the place is.
     bool beginDrag(double location, double distanceFromAxis, double width);
     /// Every change of a drag, also its beginning.
     void drag(Thumb thumb, double location, double width);
@@ -105,8 +106,8 @@ class DualThresholdSlider {
     /// What the thumb would be set to for a value that the user points at.
     double clamped(Thumb thumb, double raw) const;
     bool isUnder(Thumb thumb, double location, double distanceFromAxis, double width) const;
-    /// Of two thumbs under the pointer, the one to be dragged to it.
-    std::optional<Thumb> movable(double location, double width) const;
+    /// Of two thumbs that were under the pointer at `pressed`, the one to be dragged to it.
+    std::optional<Thumb> movable(double pressed, double location, double width) const;
 
     std::string title_;
     Binding<double> normal_;
@@ -115,8 +116,8 @@ class DualThresholdSlider {
     ClosedRange highRange_;
     bool keyboardNavigationEnabled_;
     std::optional<Thumb> dragged_;
-    /// A drag that began on both thumbs and has moved neither yet.
-    bool isUndecided_ = false;
+    /// Where a drag began that began on both thumbs and has moved neither yet.
+    std::optional<double> undecidedFrom_;
 };
 
 }  // namespace tarnwick

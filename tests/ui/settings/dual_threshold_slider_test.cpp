@@ -1,5 +1,6 @@
 #include "ui/settings/dual_threshold_slider.h"
 
+#include <algorithm>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -266,6 +267,45 @@ TEST_F(DualThresholdSliderTest, OfTwoThumbsThatCanMoveTheNearerIsTaken) {
     slider.beginDrag(at(73), 0, kWidth);
     EXPECT_TRUE(slider.isDraggingHigh());
     EXPECT_EQ(high, 73);
+}
+
+TEST_F(DualThresholdSliderTest, APressOnAThumbMovesNoOther) {
+    for (const double gap : {1, 2, 3, 4, 5, 6}) {
+        normal = 80;
+        high = 80 + gap;
+        for (const double pressed : {normal, high}) {
+            ASSERT_TRUE(slider.beginDrag(at(pressed), 0, kWidth));
+            EXPECT_EQ(normal, 80) << gap;
+            EXPECT_EQ(high, 80 + gap) << gap;
+            slider.endDrag();
+        }
+    }
+}
+
+TEST_F(DualThresholdSliderTest, AThumbThatWasPressedIsTakenInEitherDirection) {
+    for (const double to : {60, 81, 95}) {
+        normal = 80;
+        high = 82;
+        ASSERT_TRUE(slider.beginDrag(at(82), 0, kWidth));
+        slider.continueDrag(at(to), kWidth);
+        EXPECT_EQ(normal, 80) << to;
+        EXPECT_EQ(high, std::max(81.0, to));
+        slider.endDrag();
+        high = 82;
+        ASSERT_TRUE(slider.beginDrag(at(80), 0, kWidth));
+        slider.continueDrag(at(to), kWidth);
+        EXPECT_EQ(normal, std::min(81.0, to));
+        EXPECT_EQ(high, 82) << to;
+        slider.endDrag();
+    }
+}
+
+TEST_F(DualThresholdSliderTest, ADragWhoseEndWasLostIsOverWithTheNextPress) {
+    ASSERT_TRUE(slider.beginDrag(at(70), 0, kWidth));
+    EXPECT_FALSE(slider.beginDrag(at(30), 0, kWidth));
+    slider.continueDrag(at(40), kWidth);
+    EXPECT_EQ(normal, 70);
+    EXPECT_FALSE(slider.isDraggingNormal());
 }
 
 TEST_F(DualThresholdSliderTest, OfTwoThumbsTheOneThatCanMoveIsTaken) {
