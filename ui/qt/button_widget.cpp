@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "ui/panel/navigation_button.h"
+#include "ui/qt/click_by_return.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/symbols.h"
 
@@ -174,8 +175,7 @@ bool ButtonWidget::event(QEvent* event) {
 }
 
 void ButtonWidget::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
-        click();
+    if (clickByReturn(*this, *event)) {
         return;
     }
     if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down) {

@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QPainter>
+#include <utility>
 
 #include "ui/qt/button_widget.h"
 #include "ui/qt/grid.h"
@@ -29,12 +30,14 @@ void FocusRing::follow() {
         return;
     }
     constexpr int margin = grid::kFocusGap + grid::kFocusRing;
-    corner_ = button->corner() + margin;
+    if (std::exchange(corner_, button->corner() + margin) != button->corner() + margin) {
+        update();
+    }
+    // Painted again by the toolkit where these change something.
     setGeometry(QRect(button->mapTo(parentWidget(), QPoint()), button->size())
                     .adjusted(-margin, -margin, margin, margin));
     raise();
     show();
-    update();
 }
 
 void FocusRing::paintEvent(QPaintEvent*) {

@@ -25,7 +25,7 @@ namespace {
 // Each wait is twice as long as the one before; some seconds in all, which is longer than anybody
 // keeps a button pressed by mistake.
 constexpr int kInputAttempts = 8;
-constexpr int kFirstInputDelay = 15;
+constexpr int kFirstInputDelay = 30;
 
 /// A Wayland pop-up needs a window of the program to belong to; the panel has none there and is a
 /// small window that goes when another one becomes active.
@@ -88,6 +88,10 @@ void PanelPopup::turnTo(const Page& page, std::optional<PanelAction> entry) {
 void PanelPopup::popUp(const QRect& anchor) {
     anchor_ = anchor;
     place();
+    if (windowType() != Qt::Popup) {
+        // Or the toolkit gives the keyboard to the first button, unseen, once the window is active.
+        setFocus(Qt::OtherFocusReason);
+    }
     show();
     activateWindow();
     if (windowType() == Qt::Popup && QGuiApplication::platformName() == "xcb") {
@@ -110,7 +114,7 @@ void PanelPopup::takeInput(int attempt) {
     window->setMouseGrabEnabled(true);
     const bool hasKeyboard = window->setKeyboardGrabEnabled(true);
     if ((!hasPointer || !hasKeyboard) && attempt < kInputAttempts) {
-        QTimer::singleShot(kFirstInputDelay * (1 << attempt), this,
+        QTimer::singleShot(kFirstInputDelay * (1 << (attempt - 1)), this,
                            [this, attempt] { takeInput(attempt + 1); });
     }
 }
@@ -160,7 +164,10 @@ void PanelPopup::paintEvent(QPaintEvent* event) {
 
 void PanelPopup::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Cancel)) {
-        cancel();
+        // Held down, it would lead back and close in one go.
+        if (!event->isAutoRepeat()) {
+            cancel();
+        }
         return;
     }
     if (!scroll(event->key())) {

@@ -34,19 +34,19 @@ BlockWidget* PanelView::takeWidget(const std::string& id) {
     return row == rows_.end() ? nullptr : std::exchange(row->widget, nullptr);
 }
 
-std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
+PanelView::Change PanelView::takeRows(const Page& page) {
     std::vector<Row> rows;
-    std::vector<BlockWidget*> gone;
+    Change change;
     for (const PageItem& item : page) {
         BlockWidget* widget = takeWidget(item.id);
         if (widget != nullptr && !widget->setBlock(item.block)) {
-            gone.push_back(std::exchange(widget, nullptr));
+            change.gone.push_back(std::exchange(widget, nullptr));
         }
         if (widget == nullptr) {
             widget = makeBlockWidget(item.block, theme_, motion_, press_, this);
             widget->setObjectName(QString::fromStdString(item.id));
             connect(widget, &BlockWidget::heightChanged, this, &PanelView::placeWidgets);
-            widget->show();
+            change.fresh.push_back(widget);
         }
         const QString spoken = QString::fromStdString(spokenText(item.block));
         if (widget->accessibleName() != spoken) {
@@ -56,12 +56,25 @@ std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
     }
     for (const Row& left : rows_) {
         if (left.widget != nullptr) {
-            gone.push_back(left.widget);
+            change.gone.push_back(left.widget);
         }
     }
     rows_ = std::move(rows);
+    return change;
+}
+
+// Shown before it is placed, a widget would take a pointer in the corner for one above itself.
+std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
+    const Change change = takeRows(page);
     chainButtons();
-    return gone;
+    if (!change.fresh.empty()) {
+        orderWidgets();
+    }
+    placeWidgets();
+    for (BlockWidget* widget : change.fresh) {
+        widget->show();
+    }
+    return change.gone;
 }
 
 void PanelView::remove(const std::vector<BlockWidget*>& widgets) {
@@ -73,7 +86,6 @@ void PanelView::remove(const std::vector<BlockWidget*>& widgets) {
 
 void PanelView::setPage(const Page& page) {
     remove(takePage(page));
-    placeWidgets();
 }
 
 void PanelView::turnTo(const Page& page, std::optional<PanelAction> entry, Qt::FocusReason reason) {
@@ -87,7 +99,6 @@ void PanelView::turnTo(const Page& page, std::optional<PanelAction> entry, Qt::F
         }
     }
     remove(gone);
-    placeWidgets();
 }
 
 ButtonWidget* PanelView::focusedButton() const {
@@ -105,6 +116,15 @@ void PanelView::chainButtons() {
             previous = button;
         }
     }
+}
+
+/// Lets screen readers, which read the widgets from the lowest to the highest, read the page in its
+/// order.
+void PanelView::orderWidgets() {
+    for (const Row& row : rows_) {
+        row.widget->raise();
+    }
+    focusRing_->raise();
 }
 
 void PanelView::placeWidgets() {

@@ -51,11 +51,19 @@ class PanelView final : public QWidget {
         BlockWidget* widget;
     };
 
-    /// Makes the rows of the page out of those there are; the widgets that are left over.
+    struct Change {
+        std::vector<BlockWidget*> fresh;
+        std::vector<BlockWidget*> gone;
+    };
+
+    /// Makes the rows of the page out of those there are, and shows the new ones in their places.
+    /// The widgets that are left over are still there.
     std::vector<BlockWidget*> takePage(const Page& page);
+    Change takeRows(const Page& page);
     BlockWidget* takeWidget(const std::string& id);
     static void remove(const std::vector<BlockWidget*>& widgets);
     void chainButtons();
+    void orderWidgets();
     void placeWidgets();
 
     const Theme& theme_;

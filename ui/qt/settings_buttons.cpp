@@ -5,6 +5,7 @@
 #include <QtMath>
 
 #include "settings/shortcut_field.h"
+#include "ui/qt/click_by_return.h"
 #include "ui/qt/settings_grid.h"
 #include "ui/qt/settings_label.h"
 
@@ -26,16 +27,6 @@ ColorRole groundOf(const QAbstractButton& button) {
 }
 
 }  // namespace
-
-bool clickByReturn(QAbstractButton& button, const QKeyEvent& event) {
-    if (event.key() != Qt::Key_Return && event.key() != Qt::Key_Enter) {
-        return false;
-    }
-    if (!event.isAutoRepeat()) {
-        button.click();
-    }
-    return true;
-}
 
 SettingsSwitchWidget::SettingsSwitchWidget(const Theme& theme, QWidget* parent)
     : QCheckBox(parent), theme_(theme) {

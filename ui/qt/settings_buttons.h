@@ -58,7 +58,4 @@ class SettingsButton final : public QPushButton, public FocusShape {
     Kind kind_;
 };
 
-/// Return presses a button as the space bar does. False for other keys.
-bool clickByReturn(QAbstractButton& button, const QKeyEvent& event);
-
 }  // namespace tarnwick::qt

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QVBoxLayout>
 
+#include "ui/qt/click_by_return.h"
 #include "ui/qt/settings_buttons.h"
 #include "ui/qt/settings_card_widget.h"
 #include "ui/qt/settings_grid.h"

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "ui/qt/click_by_return.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/settings_buttons.h"
 #include "ui/qt/settings_grid.h"

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "settings/shortcut.h"
+#include "ui/qt/click_by_return.h"
 #include "ui/qt/settings_buttons.h"
 #include "ui/qt/settings_grid.h"
 #include "ui/settings/shortcut_editor.h"

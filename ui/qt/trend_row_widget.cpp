@@ -104,7 +104,7 @@ void paintSparkline(QPainter& painter, const SparklineView& sparkline, const The
         line << frame.topLeft() + QPointF(point.x, point.y);
     }
     QPen pen(theme.color(sparkline.color), SparklineView::kLineWidth, Qt::SolidLine, Qt::FlatCap,
-             Qt::MiterJoin);
+             Qt::SvgMiterJoin);
     pen.setMiterLimit(SparklineView::kMiterLimit);
     painter.setPen(pen);
     painter.setBrush(Qt::NoBrush);

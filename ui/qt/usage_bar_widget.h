@@ -16,7 +16,10 @@ class UsageBarWidget final : public ValueBlockWidget<UsageBar> {
 
     int heightFor(int width) const override;
     QAccessible::Role accessibleRole() const override { return QAccessible::ProgressBar; }
-    std::optional<double> accessibleValue() const override { return value().fraction() * 100; }
+    std::optional<double> accessibleValue() const override {
+        // A bar in no level's colour stands for what is not known yet.
+        return value().tint == Tint::gray ? std::nullopt : std::optional(value().fraction() * 100);
+    }
 
  protected:
     void valueChanged() override;

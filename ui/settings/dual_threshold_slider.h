@@ -22,8 +22,8 @@ std::string wholePercentText(double value);
 
 /// Two thumbs on one track from 0 to 100 percent. Keeps no values: reads them through the bindings
 /// and writes whole numbers where those at its limits are whole, the normal one at least one below
-/// the high one as far as the ranges allow. Lengths and places are points in the slider's own coordinates, in which it is `width`
-/// wide. Main thread only.
+/// the high one as far as the ranges allow. Lengths and places are points in the slider's own
+/// coordinates, in which it is `width` wide. Main thread only.
 class DualThresholdSlider {
  public:
     enum class Thumb { normal, high };
@@ -77,10 +77,10 @@ class DualThresholdSlider {
     Segments segments(double width) const;
 
     /// Begins a drag at a place: takes the thumb that is under the pointer, and moves it there. Of
-    /// two thumbs under the pointer it is the nearer, unless that one cannot move to the pointer and
-    /// the other can; a nearer one that is there already waits for the pointer to move. False, and
-    /// nothing happens, away from both thumbs; `distanceFromAxis` is how far from the slider's middle
-    /// line the place is.
+    /// two thumbs under the pointer it is the nearer, unless that one cannot move to the pointer
+    /// and the other can; a nearer one that is there already waits for the pointer to move. False,
+    /// and nothing happens, away from both thumbs; `distanceFromAxis` is how far from the slider's
+    /// middle line the place is.
     bool beginDrag(double location, double distanceFromAxis, double width);
     /// Every change of a drag, also its beginning.
     void drag(Thumb thumb, double location, double width);

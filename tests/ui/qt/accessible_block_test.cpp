@@ -49,6 +49,26 @@ TEST_F(AccessibleBlockTest, ABarHasAValueAndADescription) {
     EXPECT_EQ(bar->valueInterface()->currentValue().toDouble(), 100);
 }
 
+TEST_F(AccessibleBlockTest, ABarWithoutDataHasNoValue) {
+    HomePageInputs inputs = testing::calmMachine();
+    inputs.storageInfo.clear();
+    show(homePage(inputs, formatter));
+    QAccessibleInterface* bar = find("bar.storage");
+    EXPECT_EQ(bar->text(QAccessible::Name), "Storage (Main Disk), Loading...");
+    EXPECT_EQ(bar->valueInterface(), nullptr);
+}
+
+TEST_F(AccessibleBlockTest, ARowThatComesBetweenIsReadThere) {
+    const auto row = [](const char* id) { return PageItem{id, 0, GroupTitle{id}}; };
+    show({row("first"), row("last")});
+    show({row("first"), row("between"), row("last")});
+    std::vector<std::string> names;
+    for (const BlockWidget* block : view.findChildren<BlockWidget*>(Qt::FindDirectChildrenOnly)) {
+        names.push_back(block->objectName().toStdString());
+    }
+    EXPECT_EQ(names, (std::vector<std::string>{"first", "between", "last"}));
+}
+
 TEST_F(AccessibleBlockTest, ASparklineHasItsLatestValueAndADescription) {
     view.setPage({{"trend", 0, TrendRow{"Memory", "84%", {80, 90, 84.5}, Tint::yellow}},
                   {"none", 0, TrendRow{"CPU", "0%", {}, Tint::green}}});

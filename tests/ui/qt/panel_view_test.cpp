@@ -352,6 +352,17 @@ TEST_F(PanelViewTest, KeysPressTheFocusedButton) {
     EXPECT_THAT(pressed, ElementsAre(PanelAction::quit, PanelAction::quit, PanelAction::quit));
 }
 
+TEST_F(PanelViewTest, AHeldKeyPressesOnce) {
+    show(testing::calmMachine());
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        for (const bool isRepeated : {false, true, true}) {
+            QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, QString(), isRepeated);
+            QApplication::sendEvent(find("button.quit"), &event);
+        }
+    }
+    EXPECT_THAT(pressed, ElementsAre(PanelAction::quit, PanelAction::quit));
+}
+
 TEST_F(PanelViewTest, TabWalksThroughTheEnabledButtonsInPageOrder) {
     HomePageInputs inputs = testing::calmMachine();
     inputs.enabledActions.insert(PanelAction::showPerformanceDetail);

@@ -344,6 +344,16 @@ TEST_F(PanelWindowTest, EscapeGoesBackFromADetailPageAndClosesFromTheHomePage) {
     }
 }
 
+TEST_F(PanelWindowTest, AHeldEscapeDoesNotCloseWhatItLedBackTo) {
+    open();
+    click("button.showMemoryDetail");
+    key(Qt::Key_Escape);
+    ASSERT_EQ(view.activeTab(), MenuTab::home);
+    QKeyEvent held(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, QString(), true);
+    QApplication::sendEvent(popup(), &held);
+    EXPECT_TRUE(window->isOpen());
+}
+
 TEST_F(PanelWindowTest, NoButtonHasTheFocusAtFirst) {
     open();
     EXPECT_EQ(focused(), "");
@@ -464,6 +474,20 @@ TEST_F(PanelWindowTest, ANewFigureIsPaintedInItsBlockAlone) {
     for (const auto& [name, region] : counter.regions) {
         EXPECT_EQ(region.boundingRect().size(), block.size()) << name;
     }
+}
+
+TEST_F(PanelWindowTest, ANewFigureLeavesTheFocusRingAlone) {
+    open();
+    key(Qt::Key_Tab);
+    settle();
+    qt::settle();
+    ASSERT_TRUE(find("focusRing")->isVisible());
+    PaintCounter counter;
+    manager->cpuInfo.set(testing::makeCPU(12, 4));
+    manual.runMain();
+    qt::settle();
+    EXPECT_EQ(counter.paints["bar.cpu"], 1);
+    EXPECT_EQ(counter.paints["focusRing"], 0);
 }
 
 TEST_F(PanelWindowTest, BarsMoveUnlessLessMotionIsAskedFor) {
