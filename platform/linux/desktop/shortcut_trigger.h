@@ -8,7 +8,7 @@
 
 namespace tarnwick::platform {
 
-/// The combination as the shortcuts specification of desktops writes it, such as "SHIFT+LOGO+l".
+/// The combination as the desktops have agreed to write it, such as "SHIFT+LOGO+l".
 /// `modifiers` is a sum of hot_key_modifier bits.
 std::string triggerText(std::uint32_t modifiers, std::string_view keysymName);
 
