@@ -61,6 +61,12 @@ SettingsPageWidget::SettingsPageWidget(SettingsView& view, Tab tab, const Theme&
     setPage(page);
 }
 
+// A control that goes with the page gives the focus back, when no more than a plain widget is left
+// of the page.
+SettingsPageWidget::~SettingsPageWidget() {
+    disconnect(qApp, nullptr, this, nullptr);
+}
+
 /// The toolkit scrolls to what a key leads to and to nothing else.
 void SettingsPageWidget::scrollTo(QWidget* focused) {
     if (focused == nullptr || !widget()->isAncestorOf(focused)) {

@@ -21,6 +21,7 @@ class SettingsPageWidget final : public QScrollArea {
  public:
     SettingsPageWidget(SettingsView& view, Tab tab, const Theme& theme, KeyCodes keyCodes,
                        QWidget* parent);
+    ~SettingsPageWidget() override;
 
     void setPage(const SettingsPage& page);
 
