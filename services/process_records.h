@@ -25,6 +25,9 @@ inline constexpr std::int32_t kTaskInformationFlavour = 4;
 inline constexpr std::size_t kProcessRecordSize = 648;
 inline constexpr std::size_t kTaskInformationSize = 96;
 
+/// Room for the path of an executable and the zero behind it, bytes.
+inline constexpr std::size_t kExecutablePathSize = 4096;
+
 /// Where the fields of `kp_proc` lie in `kinfo_proc`, bytes: the signed 32-bit identifier, and the
 /// command as a C string in a field of its own.
 inline constexpr std::size_t kProcessIdentifierOffset = 40;

@@ -12,9 +12,6 @@
 namespace tarnwick {
 namespace {
 
-/// Longest path that the system gives, bytes.
-constexpr std::size_t kPathSize = 4096;
-
 class RecordedProcess final : public platform::ProcessEntry {
  public:
     RecordedProcess(platform::RawProcessTable& raw, const ProcessRecord& record)
@@ -60,7 +57,7 @@ platform::ProcessListing ProcessTableReader::forEachProcess(const Visit& visit) 
 }
 
 std::optional<std::string> ProcessTableReader::executablePath(std::int32_t identifier) {
-    std::array<std::byte, kPathSize> bytes{};
+    std::array<std::byte, kExecutablePathSize> bytes{};
     if (raw_.procPidPath(identifier, bytes) < 1) {
         return std::nullopt;
     }

@@ -35,6 +35,8 @@ static_assert(modifier_flag::kShift == NSEventModifierFlagShift);
 static_assert(modifier_flag::kControl == NSEventModifierFlagControl);
 static_assert(modifier_flag::kOption == NSEventModifierFlagOption);
 static_assert(modifier_flag::kCommand == NSEventModifierFlagCommand);
+static_assert((modifier_flag::kMask & ~NSEventModifierFlagDeviceIndependentFlagsMask) == 0);
+static_assert(NSEventModifierFlagDeviceIndependentFlagsMask == 0xFFFF0000);
 
 // Keys.
 static_assert(key_code::kReturn == kVK_Return && key_code::kL == kVK_ANSI_L);

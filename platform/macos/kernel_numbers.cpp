@@ -37,6 +37,7 @@ static_assert(CPU_STATE_MAX == 4 && CPU_STATE_USER == 0 && CPU_STATE_SYSTEM == 1
 static_assert(kHostVMInfo64Flavour == HOST_VM_INFO64);
 static_assert(kVMStatisticsSize >= sizeof(vm_statistics64));
 static_assert(kHostVMInfo64Count >= HOST_VM_INFO64_COUNT);
+static_assert(kVMStatisticsSize == kHostVMInfo64Count * sizeof(integer_t));
 static_assert(kFreeCountOffset == offsetof(vm_statistics64, free_count));
 static_assert(kWireCountOffset == offsetof(vm_statistics64, wire_count));
 static_assert(kPurgeableCountOffset == offsetof(vm_statistics64, purgeable_count));
@@ -74,6 +75,7 @@ static_assert(kProcessIdentifierOffset == offsetof(kinfo_proc, kp_proc.p_pid) &&
               sizeof(extern_proc::p_pid) == 4);
 static_assert(kProcessCommandOffset == offsetof(kinfo_proc, kp_proc.p_comm) &&
               kProcessCommandSize == sizeof(extern_proc::p_comm));
+static_assert(kExecutablePathSize == PROC_PIDPATHINFO_MAXSIZE);
 static_assert(kTaskInformationFlavour == PROC_PIDTASKINFO);
 static_assert(kTaskInformationSize == sizeof(proc_taskinfo) &&
               kTaskInformationSize == PROC_PIDTASKINFO_SIZE);

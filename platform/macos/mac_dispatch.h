@@ -8,7 +8,7 @@ namespace tarnwick::platform {
 /// The main thread runs the application's event loop. Timers are `NSTimer`s of its default mode.
 class MacDispatch final : public Dispatch {
  public:
-    /// The clock of dates, which the fire dates of timers are in: seconds since 2001.
+    /// Seconds since the machine was started, without those that it slept: nobody sets this clock.
     double now() const override;
     void async(std::function<void()> work) override;
     void asyncAfter(double seconds, std::function<void()> work) override;

@@ -6,6 +6,11 @@
 namespace tarnwick::platform {
 namespace {
 
+/// The clock that timers follow; their dates are only told in that of dates.
+double uptime() {
+    return NSProcessInfo.processInfo.systemUptime;
+}
+
 class RunLoopTimer final : public Timer {
  public:
     explicit RunLoopTimer(NSTimer* timer) : timer_(timer) {}
@@ -13,9 +18,9 @@ class RunLoopTimer final : public Timer {
     RunLoopTimer& operator=(const RunLoopTimer&) = delete;
     ~RunLoopTimer() override { [timer_ invalidate]; }
 
-    double fireTime() const override { return timer_.fireDate.timeIntervalSinceReferenceDate; }
+    double fireTime() const override { return uptime() + timer_.fireDate.timeIntervalSinceNow; }
     void setFireTime(double seconds) override {
-        timer_.fireDate = [NSDate dateWithTimeIntervalSinceReferenceDate:seconds];
+        timer_.fireDate = [NSDate dateWithTimeIntervalSinceNow:seconds - uptime()];
     }
     double tolerance() const override { return timer_.tolerance; }
     void setTolerance(double seconds) override { timer_.tolerance = seconds; }
@@ -28,7 +33,7 @@ class RunLoopTimer final : public Timer {
 }  // namespace
 
 double MacDispatch::now() const {
-    return NSDate.timeIntervalSinceReferenceDate;
+    return uptime();
 }
 
 void MacDispatch::async(std::function<void()> work) {
