@@ -26,7 +26,7 @@ class Program {
           view_(app_.statsManager(), {.showSettings = [this] { showSettings(); },
                                       .openActivityMonitor = platform::openActivityMonitor,
                                       .quit = quit}),
-          panel_(view_),
+          panel_(view_, *platform::current().dispatch),
           wakeNotification_([this] { app_.machineDidWake(); }) {
         item_.setActions({.click =
                               [this] {
@@ -89,6 +89,12 @@ NSMenu* makeMenu() {
     self.program->didFinishLaunching();
 }
 
+/// What is kept of windows from one run to the next, which is nothing, is read safely.
+- (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)sender {
+    (void)sender;
+    return YES;
+}
+
 /// Started again while it runs: the panel opens, also where the menu bar has no room for the item.
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)sender hasVisibleWindows:(BOOL)hasWindows {
     (void)sender;
@@ -105,7 +111,8 @@ int main() {
         application.activationPolicy = NSApplicationActivationPolicyAccessory;
         application.mainMenu = tarnwick::makeMenu();
         tarnwick::platform::install(tarnwick::platform::makeMacPlatform());
-        TNWAppDelegate* delegate = [[TNWAppDelegate alloc] init];
+        // The application holds it weakly.
+        NS_VALID_UNTIL_END_OF_SCOPE TNWAppDelegate* delegate = [[TNWAppDelegate alloc] init];
         // Never destroyed: the application ends by ending its process.
         delegate.program = new tarnwick::Program();
         application.delegate = delegate;

@@ -2,16 +2,44 @@
 #pragma once
 
 #import <AppKit/AppKit.h>
+#include <functional>
+#include <memory>
 
 #include "ui/appkit/press_button.h"
+#include "ui/panel/motion.h"
 #include "ui/panel/page.h"
+
+@protocol TNWBlockView
+/// Shows another value of the same block; NO, and nothing changes, where it cannot.
+- (BOOL)showBlock:(const tarnwick::PanelBlock&)block;
+@end
 
 namespace tarnwick::appkit {
 
 /// Points between the panel's edge and its content.
 inline constexpr CGFloat kPagePadding = 16;
+/// Width of every block.
+inline constexpr CGFloat kBlockWidth = kPanelWidth - 2 * kPagePadding;
 
-/// A view that shows the block for good; another block needs another view.
-NSView* makeBlockView(const PanelBlock& block, const PressHandler& press);
+/// What the blocks of a page share.
+struct BlockEnvironment {
+    PressHandler press{};
+    /// Bars move with it; without one they jump.
+    std::shared_ptr<Motion> motion{};
+    /// A block has another height for a reason of its own.
+    std::function<void()> heightChanged{};
+};
+
+/// Shows nothing yet.
+NSView<TNWBlockView>* makeBlockView(const PanelBlock& block, const BlockEnvironment& environment);
+
+/// Shows the block and names it for screen readers; false, and nothing changes, where the view
+/// cannot show it.
+bool showBlock(NSView<TNWBlockView>* view, const PanelBlock& block);
+
+/// Views side by side, some at the leading and some at the trailing edge.
+NSStackView* blockRow(NSArray<NSView*>* leading, NSArray<NSView*>* trailing, CGFloat gap);
+/// Turns `stack` into a column from top to bottom.
+void makeColumn(NSStackView* stack, NSArray<NSView*>* views, CGFloat gap);
 
 }  // namespace tarnwick::appkit

@@ -1,5 +1,7 @@
 #include "ui/appkit/charts.h"
 
+#include <cmath>
+#include <utility>
 #include <vector>
 
 #include "ui/appkit/style.h"
@@ -8,15 +10,40 @@ namespace {
 
 constexpr CGFloat kBarHeight = 6;
 constexpr CGFloat kBarCorner = 3;
+/// Steps shorter than this, points, are no movement to see.
+constexpr CGFloat kLeastStep = 2;
+/// How far beyond its points a line reaches where it has a peak.
+constexpr CGFloat kOverhang =
+    tarnwick::SparklineView::kLineWidth / 2 * tarnwick::SparklineView::kMiterLimit;
 
 }  // namespace
 
 @implementation TNWBarView {
-    tarnwick::UsageBar _bar;
+    std::unique_ptr<tarnwick::MovingValue> _fraction;
+    tarnwick::Tint _tint;
+    BOOL _isBegun;
+}
+
+- (instancetype)initWithMotion:(std::shared_ptr<tarnwick::Motion>)motion {
+    self = [super initWithFrame:NSZeroRect];
+    if (self != nil) {
+        __weak TNWBarView* weakSelf = self;
+        _fraction = std::make_unique<tarnwick::MovingValue>(
+            std::move(motion), [weakSelf] { weakSelf.needsDisplay = YES; });
+    }
+    return self;
 }
 
 - (void)setBar:(const tarnwick::UsageBar&)bar {
-    _bar = bar;
+    const double next = bar.fraction();
+    const CGFloat step = std::abs(next - _fraction->value()) * self.bounds.size.width;
+    if (_isBegun && step >= kLeastStep) {
+        _fraction->moveTo(next);
+    } else {
+        _fraction->jumpTo(next);
+    }
+    _isBegun = YES;
+    _tint = bar.tint;
     self.needsDisplay = YES;
 }
 
@@ -34,8 +61,8 @@ constexpr CGFloat kBarCorner = 3;
     // Cut out of the same shape, so that a short bar has its round end, too.
     [track addClip];
     NSRect filled = self.bounds;
-    filled.size.width *= _bar.fraction();
-    [tarnwick::appkit::color(_bar.tint) setFill];
+    filled.size.width *= _fraction->value();
+    [tarnwick::appkit::color(_tint) setFill];
     NSRectFill(filled);
 }
 
@@ -54,30 +81,38 @@ constexpr CGFloat kBarCorner = 3;
     return YES;
 }
 
+- (NSEdgeInsets)alignmentRectInsets {
+    return NSEdgeInsetsMake(kOverhang, kOverhang, kOverhang, kOverhang);
+}
+
 - (void)drawRect:(NSRect)dirtyRect {
     (void)dirtyRect;
-    const NSSize size = self.bounds.size;
-    const std::vector<tarnwick::SparklinePoint> points = _sparkline.points(size.width, size.height);
+    const NSRect chart = NSInsetRect(self.bounds, kOverhang, kOverhang);
+    const std::vector<tarnwick::SparklinePoint> points =
+        _sparkline.points(chart.size.width, chart.size.height);
     if (points.empty()) {
-        [self drawPlaceholder];
+        [self drawPlaceholderIn:chart];
         return;
     }
     NSBezierPath* line = [NSBezierPath bezierPath];
     line.lineWidth = tarnwick::SparklineView::kLineWidth;
     line.miterLimit = tarnwick::SparklineView::kMiterLimit;
-    [line moveToPoint:NSMakePoint(points.front().x, points.front().y)];
     for (const tarnwick::SparklinePoint& point : points) {
-        [line lineToPoint:NSMakePoint(point.x, point.y)];
+        const NSPoint place = NSMakePoint(NSMinX(chart) + point.x, NSMinY(chart) + point.y);
+        if (line.empty) {
+            [line moveToPoint:place];
+        } else {
+            [line lineToPoint:place];
+        }
     }
     [tarnwick::appkit::color(_sparkline.color) setStroke];
     [line stroke];
 }
 
-- (void)drawPlaceholder {
+- (void)drawPlaceholderIn:(NSRect)chart {
     using View = tarnwick::SparklineView;
-    const NSSize size = self.bounds.size;
-    const NSRect bar = NSMakeRect(0, (size.height - View::kPlaceholderHeight) / 2, size.width,
-                                  View::kPlaceholderHeight);
+    const NSRect bar = NSMakeRect(NSMinX(chart), NSMidY(chart) - View::kPlaceholderHeight / 2,
+                                  chart.size.width, View::kPlaceholderHeight);
     // A corner cannot be rounder than half of the bar.
     NSBezierPath* path = [NSBezierPath bezierPathWithRoundedRect:bar
                                                          xRadius:View::kPlaceholderCorner

@@ -3,12 +3,15 @@
 
 #import <AppKit/AppKit.h>
 
+#include "ui/appkit/block_views.h"
 #include "ui/appkit/press_button.h"
 #include "ui/panel/page.h"
 
-/// kPanelWidth wide and as high as its page. A page that follows another gives new views only to
-/// the items that differ.
+/// kPanelWidth wide and as high as its page. A page that follows another touches only the items
+/// that differ; a view stays as long as an item of its id and kind does.
 @interface TNWPageView : NSStackView
-- (instancetype)initWithPress:(tarnwick::appkit::PressHandler)press;
+- (instancetype)initWithEnvironment:(tarnwick::appkit::BlockEnvironment)environment;
 - (void)setPage:(const tarnwick::Page&)page;
+/// The button of an action; nil when there is none on the page.
+- (TNWPressButton*)buttonOf:(tarnwick::PanelAction)action;
 @end

@@ -4,28 +4,26 @@
 #include <utility>
 #include <vector>
 
-#include "ui/appkit/block_views.h"
-
 namespace {
 
 using tarnwick::appkit::kPagePadding;
 
 struct Row {
     tarnwick::PageItem item;
-    NSView* view;
+    NSView<TNWBlockView>* view;
 };
 
 }  // namespace
 
 @implementation TNWPageView {
-    tarnwick::appkit::PressHandler _press;
+    tarnwick::appkit::BlockEnvironment _environment;
     std::vector<Row> _rows;
 }
 
-- (instancetype)initWithPress:(tarnwick::appkit::PressHandler)press {
+- (instancetype)initWithEnvironment:(tarnwick::appkit::BlockEnvironment)environment {
     self = [super initWithFrame:NSZeroRect];
     if (self != nil) {
-        _press = std::move(press);
+        _environment = std::move(environment);
         self.orientation = NSUserInterfaceLayoutOrientationVertical;
         self.alignment = NSLayoutAttributeLeading;
         self.distribution = NSStackViewDistributionFill;
@@ -35,20 +33,36 @@ struct Row {
     return self;
 }
 
-/// The view of an equal item, which the page then no longer has; nil without one.
-- (NSView*)takeViewOf:(const tarnwick::PageItem&)item {
+/// Pages scroll from their top.
+- (BOOL)isFlipped {
+    return YES;
+}
+
+/// The view of the item's id, which shows the item now and which the page then no longer has; nil
+/// without one that can.
+- (NSView<TNWBlockView>*)takeViewOf:(const tarnwick::PageItem&)item {
     const auto row = std::find_if(_rows.begin(), _rows.end(), [&item](const Row& each) {
-        return each.view != nil && each.item.id == item.id && each.item.block == item.block;
+        return each.view != nil && each.item.id == item.id;
     });
-    return row == _rows.end() ? nil : std::exchange(row->view, nil);
+    if (row == _rows.end()) {
+        return nil;
+    }
+    const bool isShown =
+        row->item.block == item.block || tarnwick::appkit::showBlock(row->view, item.block);
+    return isShown ? std::exchange(row->view, nil) : nil;
+}
+
+- (NSView<TNWBlockView>*)makeViewOf:(const tarnwick::PageItem&)item {
+    NSView<TNWBlockView>* view = tarnwick::appkit::makeBlockView(item.block, _environment);
+    tarnwick::appkit::showBlock(view, item.block);
+    return view;
 }
 
 - (void)setPage:(const tarnwick::Page&)page {
     std::vector<Row> rows;
     for (const tarnwick::PageItem& item : page) {
-        NSView* view = [self takeViewOf:item];
-        rows.push_back(
-            {item, view != nil ? view : tarnwick::appkit::makeBlockView(item.block, _press)});
+        NSView<TNWBlockView>* view = [self takeViewOf:item];
+        rows.push_back({item, view != nil ? view : [self makeViewOf:item]});
     }
     for (const Row& gone : _rows) {
         [gone.view removeFromSuperview];
@@ -57,14 +71,17 @@ struct Row {
     [self placeViews];
 }
 
+- (TNWPressButton*)buttonOf:(tarnwick::PanelAction)action {
+    return [self viewWithTag:tarnwick::appkit::tagOf(action)];
+}
+
 - (void)placeViews {
     for (std::size_t i = 0; i < _rows.size(); ++i) {
         NSView* view = _rows[i].view;
         const auto index = static_cast<NSInteger>(i);
         if (view.superview != self) {
             [self insertArrangedSubview:view atIndex:index];
-            [view.widthAnchor constraintEqualToConstant:tarnwick::kPanelWidth - 2 * kPagePadding]
-                .active = YES;
+            [view.widthAnchor constraintEqualToConstant:tarnwick::appkit::kBlockWidth].active = YES;
         } else if (self.arrangedSubviews[i] != view) {
             [self removeArrangedSubview:view];
             [self insertArrangedSubview:view atIndex:index];

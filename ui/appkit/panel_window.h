@@ -4,18 +4,20 @@
 #include <memory>
 #include <optional>
 
+#include "platform/dispatch.h"
 #include "ui/appkit/screen_frame.h"
 #include "ui/panel/menu_bar_view.h"
+#include "ui/panel/motion.h"
 
 namespace tarnwick::appkit {
 
-/// A borderless floating panel under the status item. It closes on a press elsewhere and on Escape.
-/// Its views are made when it opens and let go when it closes; in between the view knows that it is
-/// visible. Main thread.
+/// A borderless floating panel under the status item. It closes on a press elsewhere; Escape leads
+/// back from a detail page and closes it on the home page. Its views are made when it opens and let
+/// go when it closes; in between the view knows that it is visible. Main thread.
 class PanelWindow {
  public:
-    /// `view` outlives the window.
-    explicit PanelWindow(MenuBarView& view);
+    /// Both outlive the window.
+    PanelWindow(MenuBarView& view, platform::Dispatch& dispatch);
     PanelWindow(const PanelWindow&) = delete;
     PanelWindow& operator=(const PanelWindow&) = delete;
     ~PanelWindow();
@@ -29,7 +31,12 @@ class PanelWindow {
  private:
     struct State;
 
+    void pageChanged(const Page& page);
+    void watchPresses();
+    void cancel();
+
     MenuBarView& view_;
+    std::shared_ptr<Motion> motion_;
     std::unique_ptr<State> state_;
 };
 

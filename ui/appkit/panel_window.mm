@@ -2,110 +2,89 @@
 
 #import <AppKit/AppKit.h>
 #include <algorithm>
+#include <utility>
 
-#include "ui/appkit/page_view.h"
+#include "ui/appkit/floating_panel.h"
 #include "ui/appkit/status_bar_button.h"
-
-/// Takes the keyboard although it has no title bar.
-@interface TNWPanel : NSPanel
-@property(nonatomic) std::function<void()> cancelled;
-@end
-
-@implementation TNWPanel
-
-- (BOOL)canBecomeKeyWindow {
-    return YES;
-}
-
-- (void)cancelOperation:(id)sender {
-    (void)sender;
-    const std::function<void()> cancelled = self.cancelled;
-    if (cancelled) {
-        cancelled();
-    }
-}
-
-@end
 
 namespace tarnwick::appkit {
 namespace {
 
-constexpr CGFloat kCorner = 12;
 /// Between the panel and the item, and the edges of the screen.
 constexpr CGFloat kMargin = 4;
 constexpr NSEventMask kPresses =
     NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown;
 
-TNWPanel* makePanel(TNWPageView* page) {
-    TNWPanel* panel = [[TNWPanel alloc]
-        initWithContentRect:NSZeroRect
-                  styleMask:NSWindowStyleMaskBorderless | NSWindowStyleMaskNonactivatingPanel
-                    backing:NSBackingStoreBuffered
-                      defer:NO];
-    panel.releasedWhenClosed = NO;
-    panel.autorecalculatesKeyViewLoop = YES;
-    panel.floatingPanel = YES;
-    panel.level = NSPopUpMenuWindowLevel;
-    panel.hidesOnDeactivate = NO;
-    panel.opaque = NO;
-    panel.backgroundColor = NSColor.clearColor;
-    panel.hasShadow = YES;
-    panel.collectionBehavior =
-        NSWindowCollectionBehaviorCanJoinAllSpaces | NSWindowCollectionBehaviorFullScreenAuxiliary;
-    panel.accessibilityLabel = @"Tarnwick";
+bool reducesMotion() {
+    return NSWorkspace.sharedWorkspace.accessibilityDisplayShouldReduceMotion;
+}
 
-    NSVisualEffectView* ground = [[NSVisualEffectView alloc] initWithFrame:NSZeroRect];
-    ground.material = NSVisualEffectMaterialPopover;
-    ground.state = NSVisualEffectStateActive;
-    ground.wantsLayer = YES;
-    ground.layer.cornerRadius = kCorner;
-    ground.layer.masksToBounds = YES;
-    page.translatesAutoresizingMaskIntoConstraints = NO;
-    [ground addSubview:page];
-    [page.topAnchor constraintEqualToAnchor:ground.topAnchor].active = YES;
-    [page.leadingAnchor constraintEqualToAnchor:ground.leadingAnchor].active = YES;
-    panel.contentView = ground;
-    return panel;
+NSRect rectOf(const std::optional<ScreenFrame>& frame) {
+    return frame ? NSMakeRect(frame->x, frame->y, frame->width, frame->height) : NSZeroRect;
 }
 
 }  // namespace
 
 struct PanelWindow::State {
-    TNWPageView* page;
-    TNWPanel* panel;
-    /// The panel's upper edge stays where it is, whatever the page.
-    NSPoint topLeft;
+    TNWPageView* page = nil;
+    TNWPanel* panel = nil;
+    MenuTab tab = MenuTab::home;
+    /// Of the status item.
+    NSRect anchor = NSZeroRect;
+    /// The panel's upper edge stays where it is, whatever the page; it is no higher than its room.
+    NSPoint topLeft = NSZeroPoint;
+    CGFloat room = 0;
+    /// Escape is what leads to another page.
+    bool isCancelling = false;
     id ownEvents = nil;
     id otherEvents = nil;
 
-    void setPage(const Page& next) {
-        [page setPage:next];
-        [panel setContentSize:page.fittingSize];
+    void fit() {
+        const CGFloat height = std::min(page.fittingSize.height, room);
+        [panel setContentSize:NSMakeSize(kPanelWidth, height)];
         [panel setFrameTopLeftPoint:topLeft];
     }
 
-    void placeUnder(const std::optional<ScreenFrame>& anchor) {
+    void setPage(const Page& next) {
+        [page setPage:next];
+        fit();
+    }
+
+    /// Another page begins at its top. Whoever goes by keyboard goes on from `entry`.
+    void turnTo(const Page& next, std::optional<PanelAction> entry) {
+        const bool isByKey =
+            isCancelling || [panel.firstResponder isKindOfClass:TNWPressButton.class];
+        setPage(next);
+        [panel layoutIfNeeded];
+        [panel.scroller scrollToTop];
+        TNWPressButton* button = isByKey && entry ? [page buttonOf:*entry] : nil;
+        if (button.acceptsFirstResponder) {
+            [panel makeFirstResponder:button];
+            [button scrollRectToVisible:button.bounds];
+        }
+    }
+
+    void placeUnder(const std::optional<ScreenFrame>& item) {
+        anchor = rectOf(item);
         NSScreen* screen = NSScreen.mainScreen;
-        if (anchor) {
-            const NSPoint middle = NSMakePoint(anchor->x + anchor->width / 2, anchor->y);
+        if (item) {
             for (NSScreen* each in NSScreen.screens) {
+                const NSPoint middle = NSMakePoint(NSMidX(anchor), NSMinY(anchor));
                 screen = NSPointInRect(middle, each.frame) ? each : screen;
             }
         }
-        const NSRect room = NSInsetRect(screen.visibleFrame, kMargin, kMargin);
-        const CGFloat furthest = std::max(NSMinX(room), NSMaxX(room) - kPanelWidth);
-        const CGFloat wanted = anchor ? anchor->x + anchor->width / 2 - kPanelWidth / 2 : furthest;
-        const CGFloat top = anchor ? anchor->y - kMargin : NSMaxY(room);
-        topLeft = NSMakePoint(std::clamp(wanted, NSMinX(room), furthest), top);
+        const NSRect inside = NSInsetRect(screen.visibleFrame, kMargin, kMargin);
+        const CGFloat furthest = std::max(NSMinX(inside), NSMaxX(inside) - kPanelWidth);
+        const CGFloat wanted = item ? NSMidX(anchor) - kPanelWidth / 2.0 : furthest;
+        const CGFloat top = item ? NSMinY(anchor) - kMargin : NSMaxY(inside);
+        topLeft = NSMakePoint(std::clamp(wanted, NSMinX(inside), furthest), top);
+        room = top - NSMinY(inside);
     }
 };
 
-PanelWindow::PanelWindow(MenuBarView& view) : view_(view) {
-    view_.setPageObserver([this](const Page& page) {
-        if (state_) {
-            state_->setPage(page);
-        }
-    });
+PanelWindow::PanelWindow(MenuBarView& view, platform::Dispatch& dispatch)
+    : view_(view), motion_(std::make_shared<Motion>(dispatch)) {
+    view_.setPageObserver([this](const Page& page) { pageChanged(page); });
 }
 
 PanelWindow::~PanelWindow() {
@@ -117,23 +96,48 @@ bool PanelWindow::isOpen() const {
     return state_ != nullptr;
 }
 
+void PanelWindow::pageChanged(const Page& page) {
+    if (!isOpen()) {
+        return;
+    }
+    motion_->setReduced(reducesMotion());
+    if (std::exchange(state_->tab, view_.activeTab()) == view_.activeTab()) {
+        state_->setPage(page);
+    } else {
+        state_->turnTo(page, view_.entryAction());
+    }
+}
+
 void PanelWindow::open(const std::optional<ScreenFrame>& anchor) {
     if (isOpen()) {
         return;
     }
     state_ = std::make_unique<State>();
-    state_->page =
-        [[TNWPageView alloc] initWithPress:[this](PanelAction action) { view_.perform(action); }];
-    state_->panel = makePanel(state_->page);
-    state_->panel.cancelled = [this] { close(); };
+    state_->page = [[TNWPageView alloc]
+        initWithEnvironment:{.press = [this](PanelAction action) { view_.perform(action); },
+                             .motion = motion_,
+                             .heightChanged =
+                                 [this] {
+                                     if (isOpen()) {
+                                         state_->fit();
+                                     }
+                                 }}];
+    state_->panel = [[TNWPanel alloc] initWithPage:state_->page];
+    state_->panel.cancelled = [this] { cancel(); };
     state_->placeUnder(anchor);
+    motion_->setReduced(reducesMotion());
     state_->setPage(view_.appear());
+    state_->tab = view_.activeTab();
+    watchPresses();
+    [state_->panel makeKeyAndOrderFront:nil];
+}
 
+// A press of the item closes the panel by itself.
+void PanelWindow::watchPresses() {
     TNWPanel* panel = state_->panel;
     state_->ownEvents =
         [NSEvent addLocalMonitorForEventsMatchingMask:kPresses
                                               handler:^NSEvent*(NSEvent* event) {
-                                                // A press of the item closes the panel by itself.
                                                 NSWindow* window = event.window;
                                                 if (window != panel &&
                                                     statusBarButtonIn(window.contentView) == nil) {
@@ -141,11 +145,23 @@ void PanelWindow::open(const std::optional<ScreenFrame>& anchor) {
                                                 }
                                                 return event;
                                               }];
-    state_->otherEvents = [NSEvent addGlobalMonitorForEventsMatchingMask:kPresses
-                                                                 handler:^(NSEvent*) {
-                                                                   close();
-                                                                 }];
-    [panel makeKeyAndOrderFront:nil];
+    const NSRect item = state_->anchor;
+    state_->otherEvents =
+        [NSEvent addGlobalMonitorForEventsMatchingMask:kPresses
+                                               handler:^(NSEvent*) {
+                                                 if (!NSPointInRect(NSEvent.mouseLocation, item)) {
+                                                     close();
+                                                 }
+                                               }];
+}
+
+void PanelWindow::cancel() {
+    state_->isCancelling = true;
+    if (view_.cancel()) {
+        state_->isCancelling = false;
+    } else {
+        close();
+    }
 }
 
 void PanelWindow::close() {

@@ -20,8 +20,13 @@ using PressHandler = std::function<void(PanelAction)>;
 
 namespace tarnwick::appkit {
 
+/// The tag of every button below, by which it is found.
+NSInteger tagOf(PanelAction action);
+
 /// A button with its title and the symbol, if any, before it.
 TNWPressButton* titledButton(const PanelButton& button, const PressHandler& press);
+/// The same without a border.
+TNWPressButton* plainTitledButton(const PanelButton& button, const PressHandler& press);
 /// Shows the symbol alone; its title is its tool tip and its accessible name.
 TNWPressButton* iconButton(const PanelButton& button, const PressHandler& press);
 /// As wide as the page, with a symbol at the trailing end.

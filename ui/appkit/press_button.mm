@@ -29,24 +29,30 @@
 namespace tarnwick::appkit {
 namespace {
 
-NSImage* symbol(std::string_view name) {
-    return [NSImage imageWithSystemSymbolName:string(name) accessibilityDescription:nil];
-}
+/// Of a button without a border and a title: what a press must hit.
+constexpr CGFloat kIconButtonSize = 26;
+constexpr CGFloat kNavigationHeight = 28;
 
-TNWPressButton* plainButton(const PanelButton& button, const PressHandler& press) {
+TNWPressButton* untitledButton(const PanelButton& button, const PressHandler& press) {
     TNWPressButton* view = [[TNWPressButton alloc] initWithFrame:NSZeroRect];
     view.buttonType = NSButtonTypeMomentaryPushIn;
     view.title = string(button.title);
     view.accessibilityLabel = string(button.title);
     view.enabled = button.isEnabled;
+    view.tag = tagOf(button.action);
     [view setPressed:[press, action = button.action] { press(action); }];
     return view;
 }
 
 }  // namespace
 
+// Other controls have the tags 0 and -1.
+NSInteger tagOf(PanelAction action) {
+    return static_cast<NSInteger>(action) + 1;
+}
+
 TNWPressButton* titledButton(const PanelButton& button, const PressHandler& press) {
-    TNWPressButton* view = plainButton(button, press);
+    TNWPressButton* view = untitledButton(button, press);
     view.bezelStyle = NSBezelStyleRounded;
     view.controlSize = NSControlSizeSmall;
     view.font = font(FontRole::caption);
@@ -57,23 +63,32 @@ TNWPressButton* titledButton(const PanelButton& button, const PressHandler& pres
     return view;
 }
 
+TNWPressButton* plainTitledButton(const PanelButton& button, const PressHandler& press) {
+    TNWPressButton* view = titledButton(button, press);
+    view.bordered = NO;
+    return view;
+}
+
 TNWPressButton* iconButton(const PanelButton& button, const PressHandler& press) {
-    TNWPressButton* view = plainButton(button, press);
+    TNWPressButton* view = untitledButton(button, press);
     view.bordered = NO;
     view.image = symbol(button.icon);
     view.imagePosition = NSImageOnly;
     view.toolTip = string(button.title);
+    [view.widthAnchor constraintEqualToConstant:kIconButtonSize].active = YES;
+    [view.heightAnchor constraintEqualToConstant:kIconButtonSize].active = YES;
     return view;
 }
 
 TNWPressButton* navigationButton(const PanelButton& button, const PressHandler& press) {
-    TNWPressButton* view = plainButton(button, press);
+    TNWPressButton* view = untitledButton(button, press);
     view.bordered = NO;
     view.alignment = NSTextAlignmentNatural;
     view.font = font(FontRole::subheadline);
     view.image = symbol(NavigationButton::kTrailingIcon);
     view.imagePosition = NSImageTrailing;
     view.imageHugsTitle = NO;
+    [view.heightAnchor constraintGreaterThanOrEqualToConstant:kNavigationHeight].active = YES;
     return view;
 }
 

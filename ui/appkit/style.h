@@ -23,12 +23,18 @@ NSFont* font(FontRole role);
 /// Follows light and dark by itself.
 NSColor* color(Tint tint);
 
-/// The system's symbol of that name in one colour, beside text of `role`.
+/// The system's symbol of that name; nil without one.
+NSImage* symbol(std::string_view name);
+
+/// A symbol in one colour, beside text of `role`.
 NSImageView* symbolView(const std::string& name, NSColor* color, FontRole role);
+NSImageView* emptySymbolView();
+void showSymbol(NSImageView* view, const std::string& name, NSColor* color, FontRole role);
 
 NSString* string(std::string_view utf8);
 
 /// One line, cut at its end with an ellipsis.
 NSTextField* label(const std::string& text, FontRole role, NSColor* color);
+void showText(NSTextField* field, const std::string& text, FontRole role, NSColor* color);
 
 }  // namespace tarnwick::appkit

@@ -50,26 +50,43 @@ NSString* string(std::string_view utf8) {
     return text == nil ? @"" : text;
 }
 
-NSImageView* symbolView(const std::string& name, NSColor* color, FontRole role) {
-    NSImage* image = [NSImage imageWithSystemSymbolName:string(name) accessibilityDescription:nil];
+NSImage* symbol(std::string_view name) {
+    return [NSImage imageWithSystemSymbolName:string(name) accessibilityDescription:nil];
+}
+
+NSImageView* emptySymbolView() {
     NSImageView* view = [[NSImageView alloc] initWithFrame:NSZeroRect];
-    view.image = image;
-    view.contentTintColor = color;
-    view.symbolConfiguration =
-        [NSImageSymbolConfiguration configurationWithPointSize:font(role).pointSize
-                                                        weight:NSFontWeightRegular];
     [view setContentHuggingPriority:NSLayoutPriorityRequired
                      forOrientation:NSLayoutConstraintOrientationHorizontal];
     return view;
 }
 
+NSImageView* symbolView(const std::string& name, NSColor* color, FontRole role) {
+    NSImageView* view = emptySymbolView();
+    showSymbol(view, name, color, role);
+    return view;
+}
+
+void showSymbol(NSImageView* view, const std::string& name, NSColor* color, FontRole role) {
+    view.image = symbol(name);
+    view.contentTintColor = color;
+    view.symbolConfiguration =
+        [NSImageSymbolConfiguration configurationWithPointSize:font(role).pointSize
+                                                        weight:NSFontWeightRegular];
+}
+
 NSTextField* label(const std::string& text, FontRole role, NSColor* color) {
-    NSTextField* field = [NSTextField labelWithString:string(text)];
-    field.font = font(role);
-    field.textColor = color;
+    NSTextField* field = [NSTextField labelWithString:@""];
     field.lineBreakMode = NSLineBreakByTruncatingTail;
     field.allowsExpansionToolTips = YES;
+    showText(field, text, role, color);
     return field;
+}
+
+void showText(NSTextField* field, const std::string& text, FontRole role, NSColor* color) {
+    field.stringValue = string(text);
+    field.font = font(role);
+    field.textColor = color;
 }
 
 }  // namespace tarnwick::appkit

@@ -1,0 +1,91 @@
+#include "ui/appkit/figure_blocks.h"
+
+#include <utility>
+
+#include "ui/appkit/charts.h"
+#include "ui/appkit/row_view.h"
+#include "ui/appkit/style.h"
+
+namespace {
+
+using tarnwick::TrendRow;
+using tarnwick::UsageBar;
+
+/// Between a bar and its label.
+constexpr CGFloat kBarGap = 6;
+/// Between a figure and the mark of its level.
+constexpr CGFloat kMarkGap = 4;
+
+}  // namespace
+
+@implementation TNWUsageBarBlock {
+    TNWRowView* _row;
+    TNWBarView* _bar;
+}
+
+- (instancetype)initWithMotion:(std::shared_ptr<tarnwick::Motion>)motion {
+    self = [super initWithFrame:NSZeroRect];
+    if (self != nil) {
+        _row = [[TNWRowView alloc] initWithFrame:NSZeroRect];
+        _bar = [[TNWBarView alloc] initWithMotion:std::move(motion)];
+        tarnwick::appkit::makeColumn(self, @[ _row, _bar ], kBarGap);
+        [_row.widthAnchor constraintEqualToAnchor:self.widthAnchor].active = YES;
+        [_bar.widthAnchor constraintEqualToAnchor:self.widthAnchor].active = YES;
+    }
+    return self;
+}
+
+- (BOOL)showBlock:(const tarnwick::PanelBlock&)block {
+    const auto* bar = std::get_if<UsageBar>(&block);
+    if (bar == nullptr) {
+        return NO;
+    }
+    [_row setContent:tarnwick::appkit::rowContent(*bar)];
+    [_bar setBar:*bar];
+    return YES;
+}
+
+@end
+
+@implementation TNWTrendBlock {
+    NSTextField* _title;
+    NSTextField* _value;
+    NSImageView* _mark;
+    TNWSparklineView* _line;
+}
+
+- (instancetype)initWithFrame:(NSRect)frame {
+    using namespace tarnwick::appkit;
+    self = [super initWithFrame:frame];
+    if (self != nil) {
+        _title = label({}, FontRole::caption, NSColor.secondaryLabelColor);
+        _value = label({}, FontRole::captionMedium, NSColor.labelColor);
+        _mark = emptySymbolView();
+        _line = [[TNWSparklineView alloc] initWithFrame:NSZeroRect];
+        [_line.widthAnchor constraintEqualToConstant:TrendRow::kSparklineWidth].active = YES;
+        [_line.heightAnchor constraintEqualToConstant:TrendRow::kSparklineHeight].active = YES;
+        NSStackView* texts = [[NSStackView alloc] initWithFrame:NSZeroRect];
+        makeColumn(texts, @[ _title, blockRow(@[ _value, _mark ], @[], kMarkGap) ],
+                   TrendRow::kTextSpacing);
+        self.orientation = NSUserInterfaceLayoutOrientationHorizontal;
+        self.alignment = NSLayoutAttributeCenterY;
+        self.spacing = TrendRow::kSpacing;
+        [self setViews:@[ texts ] inGravity:NSStackViewGravityLeading];
+        [self setViews:@[ _line ] inGravity:NSStackViewGravityTrailing];
+    }
+    return self;
+}
+
+- (BOOL)showBlock:(const tarnwick::PanelBlock&)block {
+    const auto* trend = std::get_if<TrendRow>(&block);
+    if (trend == nullptr) {
+        return NO;
+    }
+    _title.stringValue = tarnwick::appkit::string(trend->title);
+    _value.stringValue = tarnwick::appkit::string(trend->value);
+    tarnwick::appkit::showLevelMark(_mark, trend->color);
+    [_line setSparkline:trend->sparkline()];
+    return YES;
+}
+
+@end
