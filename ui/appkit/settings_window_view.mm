@@ -4,86 +4,10 @@
 #include <optional>
 #include <string>
 
-#include "ui/appkit/press_button.h"
-#include "ui/appkit/settings_page_view.h"
+#include "ui/appkit/settings_tabs.h"
 #include "ui/appkit/style.h"
 #include "ui/appkit/view_holder.h"
 #include "ui/settings/settings_view.h"
-
-/// The tabs above the page of the selected one, which scrolls.
-@interface TNWSettingsRoot : NSStackView
-- (instancetype)initWithView:(tarnwick::SettingsView*)view;
-@end
-
-@implementation TNWSettingsRoot {
-    tarnwick::SettingsView* _view;
-    NSSegmentedControl* _tabs;
-    NSScrollView* _scroll;
-    TNWSettingsPageView* _page;
-}
-
-- (instancetype)initWithView:(tarnwick::SettingsView*)view {
-    self = [super initWithFrame:NSZeroRect];
-    if (self != nil) {
-        _view = view;
-        self.orientation = NSUserInterfaceLayoutOrientationVertical;
-        self.distribution = NSStackViewDistributionFill;
-        self.edgeInsets = NSEdgeInsetsMake(12, 0, 0, 0);
-        [self addTabs];
-        _page = [[TNWSettingsPageView alloc] initWithView:view];
-        _scroll = [[NSScrollView alloc] initWithFrame:NSZeroRect];
-        _scroll.hasVerticalScroller = YES;
-        _scroll.drawsBackground = NO;
-        _scroll.documentView = _page;
-        [self addArrangedSubview:_scroll];
-        [_scroll.widthAnchor constraintEqualToAnchor:self.widthAnchor].active = YES;
-        NSClipView* visible = _scroll.contentView;
-        [_page.topAnchor constraintEqualToAnchor:visible.topAnchor].active = YES;
-        [_page.leadingAnchor constraintEqualToAnchor:visible.leadingAnchor].active = YES;
-        [_page.widthAnchor constraintEqualToAnchor:visible.widthAnchor].active = YES;
-        [self showContent:view->content()];
-        __weak TNWSettingsRoot* weakSelf = self;
-        view->setObserver([weakSelf](const tarnwick::SettingsView::Content& content) {
-            [weakSelf showContent:content];
-        });
-    }
-    return self;
-}
-
-- (void)addTabs {
-    using tarnwick::appkit::string;
-    const auto count = static_cast<NSInteger>(tarnwick::kTabs.size());
-    _tabs = [[NSSegmentedControl alloc] initWithFrame:NSZeroRect];
-    _tabs.segmentCount = count;
-    _tabs.trackingMode = NSSegmentSwitchTrackingSelectOne;
-    for (NSInteger i = 0; i < count; ++i) {
-        const tarnwick::TabItem& item = tarnwick::kTabs[static_cast<std::size_t>(i)];
-        [_tabs setLabel:string(item.label) forSegment:i];
-        [_tabs setImage:[NSImage imageWithSystemSymbolName:string(item.icon)
-                                  accessibilityDescription:nil]
-             forSegment:i];
-    }
-    _tabs.target = self;
-    _tabs.action = @selector(tabSelected:);
-    [self addArrangedSubview:_tabs];
-}
-
-- (void)tabSelected:(id)sender {
-    (void)sender;
-    const auto index = static_cast<std::size_t>(_tabs.selectedSegment);
-    _view->selectTab(tarnwick::kTabs[index].tab);
-}
-
-- (void)showContent:(const tarnwick::SettingsView::Content&)content {
-    for (std::size_t i = 0; i < tarnwick::kTabs.size(); ++i) {
-        if (tarnwick::kTabs[i].tab == content.tab) {
-            _tabs.selectedSegment = static_cast<NSInteger>(i);
-        }
-    }
-    [_page setPage:content.page];
-}
-
-@end
 
 namespace tarnwick::appkit {
 namespace {
@@ -112,23 +36,23 @@ SettingsViewEnvironment environment(platform::Dispatch& dispatch,
     };
 }
 
-/// The native view lies in the window and reads from the view of values; both go together.
+/// The native views lie in the window and read from the view of values; both go together.
 class SettingsHolder final : public ViewHolder {
  public:
     explicit SettingsHolder(std::unique_ptr<SettingsView> settingsView)
-        : ViewHolder([[TNWSettingsRoot alloc] initWithView:settingsView.get()]),
+        : ViewHolder([[TNWSettingsTabs alloc] initWithView:settingsView.get()]),
           settingsView_(std::move(settingsView)) {}
     SettingsHolder(const SettingsHolder&) = delete;
     SettingsHolder& operator=(const SettingsHolder&) = delete;
+    // A control that is let go of later has nothing to call any more.
     ~SettingsHolder() override {
-        settingsView_->setObserver(nullptr);
-        // A control that is let go of later has nothing to call any more.
+        [static_cast<TNWSettingsTabs*>(controller()) forgetView];
         settingsView_->shortcutField().makeFirstResponder = nullptr;
         settingsView_->shortcutField().onRefresh = nullptr;
     }
 
  private:
-    std::unique_ptr<SettingsView> settingsView_;
+    const std::unique_ptr<SettingsView> settingsView_;
 };
 
 }  // namespace

@@ -57,7 +57,14 @@ class TitledWindow final : public platform::Window {
     void setTitle(const std::string& title) override { window_.title = string(title); }
     void setContentView(std::unique_ptr<platform::View> view) override {
         const auto* holder = static_cast<ViewHolder*>(view.get());
-        window_.contentView = holder == nullptr ? nil : holder->view();
+        if (holder == nullptr) {
+            window_.contentView = nil;
+        } else {
+            // The window would take the size of what it is given.
+            const NSSize size = [window_ contentRectForFrameRect:window_.frame].size;
+            window_.contentViewController = holder->controller();
+            [window_ setContentSize:size];
+        }
         view_ = std::move(view);
     }
     void setDelegate(platform::WindowDelegate* delegate) override { delegate_.receiver = delegate; }

@@ -1,4 +1,4 @@
-// A native view as what a window shows. For Objective-C++ only.
+// Native views as what a window shows. For Objective-C++ only.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -10,12 +10,12 @@ namespace tarnwick::appkit {
 /// Every view that a TitledWindow is given is one of these. Main thread.
 class ViewHolder : public platform::View {
  public:
-    explicit ViewHolder(NSView* view) : view_(view) {}
+    explicit ViewHolder(NSViewController* controller) : controller_(controller) {}
 
-    NSView* view() const { return view_; }
+    NSViewController* controller() const { return controller_; }
 
  private:
-    NSView* const view_;
+    NSViewController* const controller_;
 };
 
 }  // namespace tarnwick::appkit
