@@ -8,7 +8,7 @@
 #include "ui/panel/sparkline_view.h"
 #include "ui/panel/usage_bar.h"
 
-/// The bar itself, filled from its leading end.
+/// The bar itself, filled from the left.
 @interface TNWBarView : NSView
 /// The end of the filled part moves with `motion`; without one it jumps.
 - (instancetype)initWithMotion:(std::shared_ptr<tarnwick::Motion>)motion;

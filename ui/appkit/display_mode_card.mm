@@ -91,6 +91,7 @@ NSView* bodyOf(const DisplayModeCard& card) {
         self.accessibilityLabel = string(card->title());
         self.accessibilityHelp = string(card->description());
         self.accessibilityValue = @(card->isSelected());
+        NSAccessibilityPostNotification(self, NSAccessibilityValueChangedNotification);
     }
     return YES;
 }
@@ -105,15 +106,17 @@ NSView* bodyOf(const DisplayModeCard& card) {
 
 - (void)mouseDown:(NSEvent*)event {
     (void)event;
-    [self select];
 }
 
+- (void)mouseUp:(NSEvent*)event {
+    if (NSPointInRect([self convertPoint:event.locationInWindow fromView:nil], self.bounds)) {
+        [self select];
+    }
+}
+
+/// As with buttons, only where the keyboard goes to all controls.
 - (BOOL)acceptsFirstResponder {
-    return YES;
-}
-
-- (BOOL)canBecomeKeyView {
-    return YES;
+    return NSApplication.sharedApplication.fullKeyboardAccessEnabled;
 }
 
 - (void)keyDown:(NSEvent*)event {

@@ -76,7 +76,7 @@ NSImageView* iconOf(const StatusItemContent& content) {
 NSTextField* textOf(const std::string& text) {
     NSTextField* field = [NSTextField labelWithString:string(text)];
     field.font = itemFont();
-    field.alignment = NSTextAlignmentLeft;
+    field.alignment = NSTextAlignmentNatural;
     field.lineBreakMode = NSLineBreakByTruncatingTail;
     [field.widthAnchor constraintLessThanOrEqualToConstant:StatusItemContent::kTextWidth].active =
         YES;

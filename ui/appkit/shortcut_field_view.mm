@@ -83,18 +83,37 @@
     }
 }
 
+/// The space bar presses the field, as it presses other buttons; held down, it is not recorded.
 - (void)keyDown:(NSEvent*)event {
-    if (!_field->keyDown(event.keyCode, [self flagsOf:event])) {
+    if (_field->isRecording() && event.isARepeat) {
+        return;
+    }
+    if (!_field->isRecording() && [event.characters isEqualToString:@" "]) {
+        _field->mouseDown();
+    } else if (!_field->keyDown(event.keyCode, [self flagsOf:event])) {
         [super keyDown:event];
     }
 }
 
-/// Keys with Command come here, before any menu sees them.
+/// Keys with Command come here, before any menu sees them. Held down after they were recorded, they
+/// still are no command of a menu.
 - (BOOL)performKeyEquivalent:(NSEvent*)event {
-    if (_field->isRecording() && self.window.firstResponder == self) {
-        return _field->keyDown(event.keyCode, [self flagsOf:event]);
+    if (self.window.firstResponder != self) {
+        return [super performKeyEquivalent:event];
     }
-    return [super performKeyEquivalent:event];
+    if (event.isARepeat && (event.modifierFlags & NSEventModifierFlagCommand) != 0) {
+        return YES;
+    }
+    return _field->isRecording() ? _field->keyDown(event.keyCode, [self flagsOf:event])
+                                 : [super performKeyEquivalent:event];
+}
+
+/// Leaving the window, as with its tab, is losing the keyboard, too.
+- (void)viewWillMoveToWindow:(NSWindow*)window {
+    [super viewWillMoveToWindow:window];
+    if (window == nil && self.window != nil && _field->isRecording()) {
+        _field->resignFirstResponder();
+    }
 }
 
 - (BOOL)resignFirstResponder {

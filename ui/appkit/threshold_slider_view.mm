@@ -55,9 +55,14 @@ constexpr CGFloat kDot = 8;
     [self interpretKeyEvents:@[ event ]];
 }
 
+- (void)valueChanged {
+    _changed();
+    NSAccessibilityPostNotification(self, NSAccessibilityValueChangedNotification);
+}
+
 - (void)move:(Slider::MoveCommand)command {
     _slider->move(_thumb, command);
-    _changed();
+    [self valueChanged];
 }
 
 - (void)moveUp:(id)sender {
@@ -96,13 +101,13 @@ constexpr CGFloat kDot = 8;
 
 - (BOOL)accessibilityPerformIncrement {
     _slider->adjust(_thumb, Slider::Adjustment::increment);
-    _changed();
+    [self valueChanged];
     return YES;
 }
 
 - (BOOL)accessibilityPerformDecrement {
     _slider->adjust(_thumb, Slider::Adjustment::decrement);
-    _changed();
+    [self valueChanged];
     return YES;
 }
 
@@ -179,8 +184,14 @@ constexpr CGFloat kDot = 8;
     [self fill:&track width:segments.red color:color(Tint::red)];
     [NSGraphicsContext restoreGraphicsState];
 
-    [self drawThumb:Thumb::normal color:color(Tint::yellow)];
-    [self drawThumb:Thumb::high color:color(Tint::red)];
+    // The one that is dragged lies above the other.
+    if (_slider->isDraggingNormal()) {
+        [self drawThumb:Thumb::high color:color(Tint::red)];
+        [self drawThumb:Thumb::normal color:color(Tint::yellow)];
+    } else {
+        [self drawThumb:Thumb::normal color:color(Tint::yellow)];
+        [self drawThumb:Thumb::high color:color(Tint::red)];
+    }
 }
 
 /// Fills the start of the track, which then begins behind it.
@@ -212,22 +223,45 @@ constexpr CGFloat kDot = 8;
     return [self convertPoint:event.locationInWindow fromView:nil];
 }
 
+/// A press beside the thumbs is not the slider's.
 - (void)mouseDown:(NSEvent*)event {
     const NSPoint place = [self placeOf:event];
     const NSSize size = self.bounds.size;
-    _slider->beginDrag(place.x, std::abs(place.y - size.height / 2), size.width);
-    [self refresh];
+    if (!_slider->beginDrag(place.x, std::abs(place.y - size.height / 2), size.width)) {
+        [super mouseDown:event];
+        return;
+    }
+    [self dragged];
 }
 
 - (void)mouseDragged:(NSEvent*)event {
     _slider->continueDrag([self placeOf:event].x, self.bounds.size.width);
-    [self refresh];
+    [self dragged];
 }
 
 - (void)mouseUp:(NSEvent*)event {
     (void)event;
     _slider->endDrag();
     [self refresh];
+}
+
+/// The thumb that is dragged has the keyboard, where thumbs have it at all.
+- (void)dragged {
+    TNWThumbView* thumb = _slider->isDraggingNormal() ? _normal
+                          : _slider->isDraggingHigh() ? _high
+                                                      : nil;
+    if (thumb.acceptsFirstResponder && self.window.firstResponder != thumb) {
+        [self.window makeFirstResponder:thumb];
+    }
+    [self refresh];
+}
+
+/// What leaves the window is dragged no more.
+- (void)viewWillMoveToWindow:(NSWindow*)window {
+    [super viewWillMoveToWindow:window];
+    if (window == nil && self.window != nil) {
+        _slider->endDrag();
+    }
 }
 
 @end
