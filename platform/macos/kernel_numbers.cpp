@@ -95,6 +95,7 @@ static_assert(kMessageVersionOffset == offsetof(if_msghdr2, ifm_version) &&
               sizeof(if_msghdr2::ifm_version) == 1);
 static_assert(kMessageTypeOffset == offsetof(if_msghdr2, ifm_type) &&
               sizeof(if_msghdr2::ifm_type) == 1);
+static_assert(kMessageHeaderSize == offsetof(if_msghdr2, ifm_addrs));
 static_assert(kMessageVersion == RTM_VERSION);
 static_assert(kInterfaceInfo2Type == RTM_IFINFO2);
 static_assert(kInterfaceInfo2Size == sizeof(if_msghdr2));

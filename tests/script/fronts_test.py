@@ -16,7 +16,32 @@ GIVEN_BY = {
     ("TopAppsSection", "valueText"): "rows",
     ("TopAppsList", "processes"): "rows",
     ("TopAppsList", "valueText"): "rows",
+    ("ThresholdEditorCard", "normal"): "pills",
+    ("ThresholdEditorCard", "high"): "pills",
 }
+
+PROGRAMS = {"qt": "app/main_linux.cpp", "appkit": "app/main_macos.mm"}
+
+# What the portable code decides and every front has to ask for, besides the values.
+DECISIONS = [
+    # Marks beside the colours, and what a screen reader says.
+    "levelMark", "spokenText", "accessibilityLabel", "accessibilityValue", "kAccessibilityLabel",
+    "kAccessibilityHelp",
+    # Rows that keep their places under the pointer.
+    "heldOrder",
+    # Bars that move, unless less motion is wanted.
+    "MovingValue", "moveTo", "jumpTo", "setReduced",
+    # The panel's comings and goings, Escape, and where the keyboard goes on.
+    "appear", "disappear", "setPageObserver", "cancel", "entryAction", "spaceAbove",
+    # The slider's thumbs.
+    "beginDrag", "continueDrag", "endDrag", "isDraggingNormal", "isDraggingHigh",
+    "keyboardNavigationEnabled", "thumbCenter", "segments",
+    # The recorder.
+    "makeFirstResponder", "onRefresh", "resignFirstResponder", "flagsChanged", "isPlaceholder",
+    # The settings.
+    "selectTab", "selectDisplayMode", "setSwitch", "clearShortcut", "resetThresholds",
+    "openMakerSite", "sectionSpacing",
+]
 
 
 def blocks_of_the_panel():
@@ -33,6 +58,18 @@ def items_of_the_settings():
     return [name for name in names if name != "SettingsCard"]
 
 
+def parts_of_the_settings():
+    return items_of_the_settings() + ["DisplayModePreview", "FeatureRow", "SettingsSection",
+                                      "StatusLine", "TabItem", "ThresholdValuePill"]
+
+
+def measures(folder):
+    """The names of all constants that a folder's headers declare."""
+    return {name for header in (ROOT / folder).glob("*.h")
+            for name in re.findall(r"(?:static|inline) constexpr [^;={(]*?\b(k[A-Z]\w*)\b",
+                                   header.read_text())}
+
+
 def fields(name, folder):
     """The values of a struct, wherever in the folder it is declared."""
     for header in sorted((ROOT / folder).glob("*.h")):
@@ -45,10 +82,10 @@ def fields(name, folder):
 
 
 def source(front):
-    """Everything that a front consists of."""
+    """Everything that a front consists of, without comments."""
     files = sorted(path for path in (ROOT / "ui" / front).iterdir()
                    if path.suffix in (".h", ".cpp", ".mm"))
-    return "\n".join(path.read_text() for path in files)
+    return re.sub("//.*", "", "\n".join(path.read_text() for path in files))
 
 
 class Fronts(unittest.TestCase):
@@ -82,6 +119,31 @@ class Fronts(unittest.TestCase):
             for name in items_of_the_settings():
                 with self.subTest(item=name, front=front):
                     self.assertTrue(re.search(rf"\b{name}\b", text), "is not drawn")
+
+    def test_no_front_leaves_out_a_value_of_the_settings_that_the_other_uses(self):
+        sources = [source(front) for front in ("qt", "appkit")]
+        for name in parts_of_the_settings():
+            for field in fields(name, "ui/settings"):
+                used = "|".join({field, GIVEN_BY.get((name, field), field)})
+                with self.subTest(item=name, value=field):
+                    self.assertEqual(*(bool(re.search(rf"(\.|->)({used})\b", text))
+                                       for text in sources))
+
+    def test_no_front_has_a_measure_of_its_own_for_one_that_the_other_takes(self):
+        self.assertIn("kSparklineWidth", measures("ui/panel"))
+        self.assertIn("kThumbSize", measures("ui/settings"))
+        sources = [source(front) for front in ("qt", "appkit")]
+        for name in sorted(measures("ui/panel") | measures("ui/settings")):
+            with self.subTest(measure=name):
+                self.assertEqual(*(bool(re.search(rf"\b{name}\b", text)) for text in sources))
+
+    def test_both_ask_for_what_is_decided_elsewhere(self):
+        for front in ("qt", "appkit"):
+            # A program tells its front what the desktop wants.
+            text = source(front) + (ROOT / PROGRAMS[front]).read_text()
+            for name in DECISIONS:
+                with self.subTest(front=front, decision=name):
+                    self.assertTrue(re.search(rf"\b{name}\b", text), "is not asked for")
 
 
 if __name__ == "__main__":
