@@ -17,21 +17,13 @@ using tarnwick::appkit::symbolView;
 
 constexpr CGFloat kGap = 8;
 
-NSFont* previewFont() {
-    NSFont* body = [NSFont preferredFontForTextStyle:NSFontTextStyleBody options:@{}];
-    NSFontDescriptor* rounded =
-        [[NSFont systemFontOfSize:body.pointSize weight:NSFontWeightMedium].fontDescriptor
-            fontDescriptorWithDesign:NSFontDescriptorSystemDesignRounded];
-    return rounded == nil ? body : [NSFont fontWithDescriptor:rounded size:body.pointSize];
-}
-
 NSView* previewOf(const DisplayModePreview& preview) {
     NSMutableArray<NSView*>* views = [NSMutableArray
-        arrayWithObject:symbolView(std::string(preview.icon()),
-                                   tarnwick::appkit::color(preview.tint()), FontRole::headline)];
+        arrayWithObject:tarnwick::appkit::statusSymbolView(preview.icon(), preview.tint())];
     if (!preview.text().empty()) {
+        NSFont* body = [NSFont preferredFontForTextStyle:NSFontTextStyleBody options:@{}];
         NSTextField* text = [NSTextField labelWithString:string(preview.text())];
-        text.font = previewFont();
+        text.font = tarnwick::appkit::statusFont(body.pointSize);
         [views addObject:text];
     }
     NSStackView* strip = [[NSStackView alloc] initWithFrame:NSZeroRect];

@@ -46,31 +46,17 @@ using platform::StatusItemContent;
 /// Between the row and the ends of the item.
 constexpr CGFloat kPadding = 4;
 
-/// Rounded design, digits of one width.
+/// Digits are of one width.
 NSFont* itemFont() {
-    NSFontDescriptor* descriptor = [NSFont systemFontOfSize:StatusItemContent::kFontSize
-                                                     weight:NSFontWeightMedium]
-                                       .fontDescriptor;
-    NSFontDescriptor* rounded =
-        [descriptor fontDescriptorWithDesign:NSFontDescriptorSystemDesignRounded];
+    NSFont* font = statusFont(StatusItemContent::kFontSize);
     NSDictionary* digits = @{
         NSFontFeatureTypeIdentifierKey : @(kNumberSpacingType),
         NSFontFeatureSelectorIdentifierKey : @(kMonospacedNumbersSelector),
     };
-    descriptor = [(rounded == nil ? descriptor : rounded) fontDescriptorByAddingAttributes:@{
+    NSFontDescriptor* descriptor = [font.fontDescriptor fontDescriptorByAddingAttributes:@{
         NSFontFeatureSettingsAttribute : @[ digits ]
     }];
     return [NSFont fontWithDescriptor:descriptor size:StatusItemContent::kFontSize];
-}
-
-NSImageView* iconOf(const StatusItemContent& content) {
-    NSImage* image = [NSImage imageWithSystemSymbolName:string(content.symbol)
-                               accessibilityDescription:nil];
-    NSImageView* view = [[NSImageView alloc] initWithFrame:NSZeroRect];
-    view.image = image;
-    view.symbolConfiguration =
-        [NSImageSymbolConfiguration configurationWithHierarchicalColor:color(content.tint)];
-    return view;
 }
 
 NSTextField* textOf(const std::string& text) {
@@ -118,7 +104,8 @@ void MacStatusItem::setContent(const StatusItemContent& content) {
         return;
     }
     state_->content = content;
-    NSMutableArray<NSView*>* views = [NSMutableArray arrayWithObject:iconOf(content)];
+    NSMutableArray<NSView*>* views =
+        [NSMutableArray arrayWithObject:statusSymbolView(content.symbol, content.tint)];
     if (content.text) {
         [views addObject:textOf(*content.text)];
     }

@@ -31,6 +31,11 @@ NSImageView* symbolView(const std::string& name, NSColor* color, FontRole role);
 NSImageView* emptySymbolView();
 void showSymbol(NSImageView* view, const std::string& name, NSColor* color, FontRole role);
 
+/// A symbol as the menu bar shows it: hierarchical, in its tint.
+NSImageView* statusSymbolView(std::string_view name, Tint tint);
+/// Medium, rounded design.
+NSFont* statusFont(CGFloat size);
+
 NSString* string(std::string_view utf8);
 
 /// One line, cut at its end with an ellipsis.

@@ -75,6 +75,21 @@ void showSymbol(NSImageView* view, const std::string& name, NSColor* color, Font
                                                         weight:NSFontWeightRegular];
 }
 
+NSImageView* statusSymbolView(std::string_view name, Tint tint) {
+    NSImageView* view = emptySymbolView();
+    view.image = symbol(name);
+    view.symbolConfiguration =
+        [NSImageSymbolConfiguration configurationWithHierarchicalColor:color(tint)];
+    return view;
+}
+
+NSFont* statusFont(CGFloat size) {
+    NSFont* plain = [NSFont systemFontOfSize:size weight:NSFontWeightMedium];
+    NSFontDescriptor* rounded =
+        [plain.fontDescriptor fontDescriptorWithDesign:NSFontDescriptorSystemDesignRounded];
+    return rounded == nil ? plain : [NSFont fontWithDescriptor:rounded size:size];
+}
+
 NSTextField* label(const std::string& text, FontRole role, NSColor* color) {
     NSTextField* field = [NSTextField labelWithString:@""];
     field.lineBreakMode = NSLineBreakByTruncatingTail;
