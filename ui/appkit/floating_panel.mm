@@ -1,5 +1,7 @@
 #include "ui/appkit/floating_panel.h"
 
+#include "settings/key_codes.h"
+
 namespace {
 
 constexpr CGFloat kCorner = 12;
@@ -55,7 +57,9 @@ NSVisualEffectView* makeGround(NSView* content) {
 }
 
 - (void)keyDown:(NSEvent*)event {
-    if (![_scroller scrollByKey:event.keyCode]) {
+    if (event.keyCode == tarnwick::key_code::kEscape) {
+        [self cancelOperation:self];
+    } else if (![_scroller scrollByKey:event.keyCode]) {
         [super keyDown:event];
     }
 }

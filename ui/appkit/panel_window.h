@@ -11,8 +11,9 @@
 
 namespace tarnwick::appkit {
 
-/// A borderless floating panel under the status item. It closes on a press elsewhere; Escape leads
-/// back from a detail page and closes it on the home page. Its views are made when it opens and let
+/// A borderless floating panel under the status item. It closes on a press elsewhere and when
+/// another application comes to the front; Escape leads back from a detail page and closes it on
+/// the home page. Its views are made when it opens and let
 /// go when it closes; in between the view knows that it is visible. Main thread.
 class PanelWindow {
  public:
@@ -33,6 +34,7 @@ class PanelWindow {
 
     void pageChanged(const Page& page);
     void watchPresses();
+    void watchActivations();
     void cancel();
 
     MenuBarView& view_;

@@ -38,6 +38,7 @@ struct PanelWindow::State {
     bool isCancelling = false;
     id ownEvents = nil;
     id otherEvents = nil;
+    id activations = nil;
 
     void fit() {
         const CGFloat height = std::min(page.fittingSize.height, room);
@@ -129,6 +130,7 @@ void PanelWindow::open(const std::optional<ScreenFrame>& anchor) {
     state_->setPage(view_.appear());
     state_->tab = view_.activeTab();
     watchPresses();
+    watchActivations();
     [state_->panel makeKeyAndOrderFront:nil];
 }
 
@@ -155,6 +157,20 @@ void PanelWindow::watchPresses() {
                                                }];
 }
 
+// The user has gone on to another application without a press, as by keyboard.
+void PanelWindow::watchActivations() {
+    state_->activations = [NSWorkspace.sharedWorkspace.notificationCenter
+        addObserverForName:NSWorkspaceDidActivateApplicationNotification
+                    object:nil
+                     queue:nil
+                usingBlock:^(NSNotification* notification) {
+                  NSRunningApplication* active = notification.userInfo[NSWorkspaceApplicationKey];
+                  if (![active isEqual:NSRunningApplication.currentApplication]) {
+                      close();
+                  }
+                }];
+}
+
 void PanelWindow::cancel() {
     state_->isCancelling = true;
     if (view_.cancel()) {
@@ -171,6 +187,7 @@ void PanelWindow::close() {
     const std::unique_ptr<State> closing = std::move(state_);
     [NSEvent removeMonitor:closing->ownEvents];
     [NSEvent removeMonitor:closing->otherEvents];
+    [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:closing->activations];
     [closing->panel orderOut:nil];
     view_.disappear();
     // Whatever is being pressed in it is still running.
