@@ -82,6 +82,19 @@ class DesktopTestCase(unittest.TestCase):
         except Timeout as timeout:
             self.fail(str(timeout))
 
+    def until_equal(self, read, expected, what):
+        """Waits until `read` gives what is expected; a failure tells what it gave instead."""
+        found = []
+
+        def is_equal():
+            found[:] = [read()]
+            return found == [expected]
+
+        try:
+            until(is_equal, what)
+        except Timeout:
+            self.fail(f"{what} is {found[0]!r} instead of {expected!r}")
+
     def press(self, program, name):
         """Presses a button of an open window as a screen reader does; the desktop has one."""
         with self.desktop.accessibility_bus() as bus:
@@ -96,6 +109,26 @@ class DesktopTestCase(unittest.TestCase):
                 return False
 
             self.until(pressed, f"{name} is pressed")
+
+    def choose_settings(self, program):
+        """What a tray host says of a press on the menu's entry."""
+        item = program.wait_for_item()
+
+        def chosen():
+            # A busy program may not answer in time.
+            with contextlib.suppress(GLib.Error):
+                menu = (item.name, self.desktop.bus.item_property(item, "Menu") or "/",
+                        "com.canonical.dbusmenu")
+                _, (_, _, entries) = self.desktop.bus.call(
+                    menu, "GetLayout", GLib.Variant("(iias)", (0, -1, [])))
+                number = next(each for each, properties, _ in entries
+                              if properties.get("label") == "Settings")
+                self.desktop.bus.call(menu, "Event", GLib.Variant(
+                    "(isvu)", (number, "clicked", GLib.Variant("s", ""), 0)))
+                return True
+            return False
+
+        self.until(chosen, "the menu's entry is chosen")
 
     def assert_open(self, program):
         self.until(program.panel_picture, "the panel is open and drawn")
