@@ -119,8 +119,7 @@ qt::SettingsContentEnvironment settingsEnvironment() {
                          [](const std::string& address) {
                              QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
                          }},
-            .keyCodes = platform::virtualKeyCode,
-            .gone = platform::giveBackFreedMemory};
+            .keyCodes = platform::virtualKeyCode};
 }
 
 int run(QApplication& application, platform::StartConditions conditions) {
@@ -160,7 +159,11 @@ int run(QApplication& application, platform::StartConditions conditions) {
         item.setDark(dark);
     });
 
-    qt::TitledWindows windows;
+    const auto giveBackMemory = [] {
+        qt::freeUnusedFonts();
+        platform::giveBackFreedMemory();
+    };
+    qt::TitledWindows windows(giveBackMemory);
     TarnwickApp app(TarnwickAppDesktop{item, windows, [&theme](UserSettings& settings) {
                                            return qt::makeSettingsContent(settings, theme,
                                                                           settingsEnvironment());
@@ -188,10 +191,7 @@ int run(QApplication& application, platform::StartConditions conditions) {
     closePanel = [&panel] { panel.close(); };
     const platform::ReducedMotion reducedMotion(
         bus, [&panel](bool isReduced) { panel.setMotionReduced(isReduced); });
-    QObject::connect(&panel, &qt::PanelWindow::widgetsFreed, [] {
-        qt::freeUnusedFonts();
-        platform::giveBackFreedMemory();
-    });
+    QObject::connect(&panel, &qt::PanelWindow::widgetsFreed, giveBackMemory);
     QTimer::singleShot(kStartIsOver, &application, &platform::giveBackFreedMemory);
     const auto openPanel = [&app, &panel, &item] {
         app.appDelegate().panelWasAskedFor();

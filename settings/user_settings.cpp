@@ -2,6 +2,7 @@
 
 #include "platform/platform.h"
 #include "settings/key_codes.h"
+#include "settings/shortcut.h"
 
 namespace tarnwick {
 namespace {
@@ -32,7 +33,7 @@ constexpr Property<bool> kHasPresentedInitialSettings{"settings.hasPresentedInit
 
 /// Command-L: the shortcut of those who used the program before it could be chosen.
 constexpr std::int64_t kLegacyShortcutKeyCode = key_code::kL;
-constexpr std::int64_t kLegacyShortcutModifiers = 0x100000;
+constexpr std::int64_t kLegacyShortcutModifiers = modifier_flag::kCommand;
 
 bool read(platform::UserDefaults& store, const Property<bool>& property) {
     return store.boolean(property.key).value_or(property.fallback);

@@ -4,6 +4,7 @@
 #include <QAccessibleWidget>
 
 #include "ui/qt/settings_buttons.h"
+#include "ui/qt/settings_cards.h"
 #include "ui/qt/settings_mode_card.h"
 #include "ui/qt/settings_tab_bar.h"
 #include "ui/qt/shortcut_field_widget.h"
@@ -15,7 +16,7 @@ namespace {
 
 /// A press is a click at once. The toolkit's own interfaces would change what a switch shows and
 /// tell nobody.
-class AccessibleButton final : public QAccessibleWidget {
+class AccessibleButton : public QAccessibleWidget {
  public:
     AccessibleButton(QAbstractButton& button, QAccessible::Role role)
         : QAccessibleWidget(&button, role), button_(button) {}
@@ -46,6 +47,62 @@ class AccessibleButton final : public QAccessibleWidget {
     bool hasToggle() const { return role() == QAccessible::CheckBox; }
 
     QAbstractButton& button_;
+};
+
+/// A button with a text on it that is worth reading: the shortcut, or that one is waited for.
+class AccessibleShortcutField final : public AccessibleButton, public QAccessibleTextInterface {
+ public:
+    explicit AccessibleShortcutField(ShortcutFieldWidget& field)
+        : AccessibleButton(field, QAccessible::PushButton), field_(field) {}
+
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        return type == QAccessible::TextInterface ? static_cast<QAccessibleTextInterface*>(this)
+                                                  : AccessibleButton::interface_cast(type);
+    }
+    QAccessible::State state() const override {
+        QAccessible::State state = AccessibleButton::state();
+        state.pressed = field_.isRecording();
+        return state;
+    }
+    QString text(QAccessible::Text kind) const override {
+        switch (kind) {
+            case QAccessible::Value:
+                return field_.shownText();
+            case QAccessible::Description:
+                // Screen readers say what it has become while it has the focus.
+                return field_.isRecording() ? field_.shownText() : help();
+            case QAccessible::Help:
+                return help();
+            default:
+                return AccessibleButton::text(kind);
+        }
+    }
+
+    QString text(int start, int end) const override {
+        return field_.shownText().mid(start, end - start);
+    }
+    int characterCount() const override { return static_cast<int>(field_.shownText().size()); }
+    // Nothing in it can be selected or pointed at.
+    void selection(int, int* start, int* end) const override { *start = *end = 0; }
+    int selectionCount() const override { return 0; }
+    void addSelection(int, int) override {}
+    void removeSelection(int) override {}
+    void setSelection(int, int, int) override {}
+    int cursorPosition() const override { return 0; }
+    void setCursorPosition(int) override {}
+    QRect characterRect(int) const override { return rect(); }
+    int offsetAtPoint(const QPoint&) const override { return -1; }
+    void scrollToSubstring(int, int) override {}
+    QString attributes(int, int* start, int* end) const override {
+        *start = 0;
+        *end = characterCount();
+        return {};
+    }
+
+ private:
+    QString help() const { return field_.accessibleDescription(); }
+
+    ShortcutFieldWidget& field_;
 };
 
 /// A slider of its own for each thumb.
@@ -113,7 +170,7 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
         return new AccessibleButton(*toggle, QAccessible::CheckBox);
     }
     if (auto* field = qobject_cast<ShortcutFieldWidget*>(object)) {
-        return new AccessibleButton(*field, QAccessible::PushButton);
+        return new AccessibleShortcutField(*field);
     }
     if (auto* button = qobject_cast<SettingsButton*>(object)) {
         return new AccessibleButton(*button, button->kind() == SettingsButton::Kind::link
@@ -122,6 +179,9 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
     }
     if (auto* bar = qobject_cast<SettingsTabBar*>(object)) {
         return new QAccessibleWidget(bar, QAccessible::PageTabList);
+    }
+    if (auto* pill = qobject_cast<ThresholdPillWidget*>(object)) {
+        return new QAccessibleWidget(pill, QAccessible::StaticText);
     }
     if (auto* thumb = qobject_cast<ThresholdThumbWidget*>(object)) {
         return new AccessibleThumb(*thumb);

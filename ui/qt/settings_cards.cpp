@@ -32,7 +32,7 @@ SettingsLabel* makeCaption(const Theme& theme, std::string_view text, QWidget* p
 }  // namespace
 
 SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
-                                   std::function<void(bool)> toggle, QWidget* parent)
+                                   std::function<void()> toggle, QWidget* parent)
     : SettingsCardWidget(theme, parent) {
     // Assistive technology reads what is on a card in the order in which it is made.
     auto* line = new QHBoxLayout;
@@ -49,8 +49,7 @@ SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
     switch_->setObjectName("switch");
     line->addWidget(switch_);
     column()->addLayout(line);
-    connect(switch_, &QAbstractButton::clicked, this,
-            [this, toggle = std::move(toggle)] { toggle(!switch_->isChecked()); });
+    connect(switch_, &QAbstractButton::clicked, this, [toggle = std::move(toggle)] { toggle(); });
     setRow(row);
 }
 

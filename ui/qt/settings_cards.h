@@ -14,12 +14,12 @@
 
 namespace tarnwick::qt {
 
-/// Two texts and a switch, which calls `toggle` with what it is to become.
+/// Two texts and a switch, a press of which calls `toggle`.
 class SwitchCardWidget final : public SettingsCardWidget {
     Q_OBJECT
 
  public:
-    SwitchCardWidget(const Theme& theme, const SwitchRow& row, std::function<void(bool)> toggle,
+    SwitchCardWidget(const Theme& theme, const SwitchRow& row, std::function<void()> toggle,
                      QWidget* parent);
 
     void setRow(const SwitchRow& row) { switch_->setChecked(row.isOn); }

@@ -1,7 +1,6 @@
 // What the settings window shows.
 #pragma once
 
-#include <functional>
 #include <memory>
 
 #include "platform/windows.h"
@@ -17,8 +16,6 @@ struct SettingsContentEnvironment {
     SettingsViewEnvironment view;
     /// How keys are named where they are recorded.
     KeyCodes keyCodes{};
-    /// The content has gone, and its memory with it; called on a later turn. May be empty.
-    std::function<void()> gone{};
 };
 
 /// The tabs with what stands on them. `settings` and `theme` must outlive it.

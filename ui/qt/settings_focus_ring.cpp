@@ -26,8 +26,11 @@ SettingsFocusRing::SettingsFocusRing(const Theme& theme, QWidget* parent)
 void SettingsFocusRing::watchControls() {
     for (QWidget* widget : parentWidget()->findChildren<QWidget*>()) {
         if (dynamic_cast<FocusShape*>(widget) != nullptr) {
-            widget->removeEventFilter(this);
-            widget->installEventFilter(this);
+            // And what it stands on, with which it moves.
+            for (QWidget* each = widget; each != parentWidget(); each = each->parentWidget()) {
+                each->removeEventFilter(this);
+                each->installEventFilter(this);
+            }
         }
     }
 }
@@ -49,7 +52,8 @@ bool SettingsFocusRing::eventFilter(QObject* watched, QEvent* event) {
             break;
         case QEvent::Move:
         case QEvent::Resize:
-            if (watched == control_) {
+            if (control_ != nullptr &&
+                (watched == control_ || static_cast<QWidget*>(watched)->isAncestorOf(control_))) {
                 follow();
             }
             break;

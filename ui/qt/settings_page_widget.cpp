@@ -54,8 +54,16 @@ SettingsPageWidget::SettingsPageWidget(SettingsView& view, Tab tab, const Theme&
         addSection(section);
     }
     column_->addStretch();
-    connect(qApp, &QApplication::focusChanged, this,
-            [this](QWidget*, QWidget* focused) { scrollTo(focused); });
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget* before, QWidget* focused) {
+        // A window that becomes the active one again gives the focus back where it was.
+        const bool isBack = before == nullptr && focused != nullptr && focused == lastFocused_;
+        if (!isBack) {
+            scrollTo(focused);
+        }
+        if (focused != nullptr) {
+            lastFocused_ = focused;
+        }
+    });
     auto* ring = new SettingsFocusRing(theme, content);
     ring->watchControls();
     setPage(page);
@@ -135,8 +143,7 @@ QWidget* SettingsPageWidget::makeItem(const SettingsItem& item, QWidget* parent)
 QWidget* SettingsPageWidget::makeCard(const SettingsCard& card, QWidget* parent) {
     if (const auto* row = std::get_if<SwitchRow>(&card.content)) {
         auto* made = new SwitchCardWidget(
-            theme_, *row, [this, setting = row->setting](bool on) { view_.setSwitch(setting, on); },
-            parent);
+            theme_, *row, [this, setting = row->setting] { view_.toggleSwitch(setting); }, parent);
         setters_.push_back(cardSetter(made, &SwitchCardWidget::setRow));
         return made;
     }
@@ -146,7 +153,11 @@ QWidget* SettingsPageWidget::makeCard(const SettingsCard& card, QWidget* parent)
         // Later: the page is not as high yet as the card will make it.
         connect(
             made, &ShortcutCardWidget::heightChanged, this,
-            [this] { scrollTo(QApplication::focusWidget()); }, Qt::QueuedConnection);
+            [this] {
+                auto* field = qobject_cast<ShortcutFieldWidget*>(QApplication::focusWidget());
+                scrollTo(field);
+            },
+            Qt::QueuedConnection);
         setters_.push_back(cardSetter(made, &ShortcutCardWidget::setEditor));
         return made;
     }

@@ -1,6 +1,7 @@
 // What a tab of the settings window shows, scrolled where it is higher than the window.
 #pragma once
 
+#include <QPointer>
 #include <QScrollArea>
 #include <functional>
 #include <vector>
@@ -37,6 +38,7 @@ class SettingsPageWidget final : public QScrollArea {
     const Theme& theme_;
     KeyCodes keyCodes_;
     QVBoxLayout* column_;
+    QPointer<QWidget> lastFocused_;
     /// One for each item of the page, in order.
     std::vector<Setter> setters_;
 };

@@ -85,7 +85,7 @@ SettingsTabBar::SettingsTabBar(const Theme& theme, std::function<void(Tab)> sele
     row->addStretch();
     for (const TabItem& item : kTabs) {
         auto* button = new SettingsTabButton(theme, item, this);
-        connect(button, &QAbstractButton::clicked, this, [this, tab = item.tab] { select_(tab); });
+        connect(button, &QAbstractButton::clicked, this, [this, tab = item.tab] { choose(tab); });
         row->addWidget(button);
         buttons_.push_back(button);
     }
@@ -94,7 +94,13 @@ SettingsTabBar::SettingsTabBar(const Theme& theme, std::function<void(Tab)> sele
     ring->watchControls();
 }
 
+void SettingsTabBar::choose(Tab tab) {
+    selected_ = tab;
+    select_(tab);
+}
+
 void SettingsTabBar::setSelected(Tab tab) {
+    selected_ = tab;
     for (SettingsTabButton* button : buttons_) {
         if (button->isChecked() != (button->tab() == tab)) {
             button->setChecked(button->tab() == tab);
@@ -112,13 +118,13 @@ void SettingsTabBar::focusFirst() {
 
 void SettingsTabBar::selectNeighbour(int step) {
     const auto count = static_cast<int>(buttons_.size());
-    const auto current =
-        std::find_if(buttons_.begin(), buttons_.end(),
-                     [](const SettingsTabButton* button) { return button->isChecked(); });
+    const auto current = std::find_if(
+        buttons_.begin(), buttons_.end(),
+        [this](const SettingsTabButton* button) { return button->tab() == selected_; });
     const auto next = static_cast<int>(current - buttons_.begin()) + step;
     SettingsTabButton* button = buttons_[static_cast<std::size_t>((next + count) % count)];
     button->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-    select_(button->tab());
+    choose(button->tab());
 }
 
 void SettingsTabBar::keyPressEvent(QKeyEvent* event) {

@@ -55,9 +55,13 @@ class SettingsTabBar final : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
  private:
+    void choose(Tab tab);
+
     const Theme& theme_;
     std::function<void(Tab)> select_;
     std::vector<SettingsTabButton*> buttons_;
+    /// By the last press; what is shown follows.
+    Tab selected_ = Tab::general;
 };
 
 }  // namespace tarnwick::qt

@@ -1,11 +1,14 @@
 #include "ui/qt/shortcut_field_widget.h"
 
+#include <QAccessible>
+#include <QApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <algorithm>
 #include <utility>
 
+#include "settings/key_codes.h"
 #include "settings/shortcut.h"
 #include "ui/qt/click_by_return.h"
 #include "ui/qt/settings_buttons.h"
@@ -23,21 +26,20 @@ constexpr int kPadding = 8;
 /// absent for a key that is no modifier.
 std::optional<std::int64_t> modifierOf(std::uint8_t virtualKeyCode) {
     switch (virtualKeyCode) {
-        case 0x36:
-        case 0x37:
+        case key_code::kCommand:
+        case key_code::kRightCommand:
             return modifier_flag::kCommand;
-        case 0x38:
-        case 0x3C:
+        case key_code::kShift:
+        case key_code::kRightShift:
             return modifier_flag::kShift;
-        case 0x3A:
-        case 0x3D:
+        case key_code::kOption:
+        case key_code::kRightOption:
             return modifier_flag::kOption;
-        case 0x3B:
-        case 0x3E:
+        case key_code::kControl:
+        case key_code::kRightControl:
             return modifier_flag::kControl;
-        // The lock of the capital letters, and Fn.
-        case 0x39:
-        case 0x3F:
+        case key_code::kCapsLock:
+        case key_code::kFunction:
             return 0;
         default:
             return std::nullopt;
@@ -65,7 +67,11 @@ std::int64_t flagsOf(Qt::KeyboardModifiers modifiers) {
 
 ShortcutFieldWidget::ShortcutFieldWidget(ShortcutField& field, const Theme& theme,
                                          KeyCodes keyCodes, QWidget* parent)
-    : QPushButton(parent), field_(field), theme_(theme), keyCodes_(std::move(keyCodes)) {
+    : QPushButton(parent),
+      field_(field),
+      theme_(theme),
+      keyCodes_(std::move(keyCodes)),
+      toldText_(shownText()) {
     setAccessibleName(ShortcutField::kAccessibilityLabel);
     setAccessibleDescription(ShortcutField::kAccessibilityHelp);
     setObjectName("shortcut");
@@ -80,12 +86,54 @@ ShortcutFieldWidget::ShortcutFieldWidget(ShortcutField& field, const Theme& them
             setFocus(Qt::MouseFocusReason);
         }
     };
-    field_.onRefresh = [this] { update(); };
+    field_.onRefresh = [this] { follow(); };
 }
 
 ShortcutFieldWidget::~ShortcutFieldWidget() {
     field_.makeFirstResponder = nullptr;
     field_.onRefresh = nullptr;
+}
+
+QString ShortcutFieldWidget::shownText() const {
+    return QString::fromStdString(field_.text().text);
+}
+
+bool ShortcutFieldWidget::isRecording() const {
+    return field_.isRecording();
+}
+
+/// Draws what the field shows now, and tells assistive technology of it.
+void ShortcutFieldWidget::follow() {
+    update();
+    if (const bool isOther = std::exchange(wasRecording_, isRecording()) != isRecording();
+        isOther && isRecording()) {
+        qApp->installEventFilter(this);
+    } else if (isOther) {
+        qApp->removeEventFilter(this);
+    }
+    const QString before = std::exchange(toldText_, shownText());
+    if (before == toldText_) {
+        return;
+    }
+    QAccessible::State changed;
+    changed.pressed = true;
+    QAccessibleStateChangeEvent state(this, changed);
+    QAccessible::updateAccessibility(&state);
+    QAccessibleTextUpdateEvent text(this, 0, before, toldText_);
+    QAccessible::updateAccessibility(&text);
+    // What a screen reader reads out of the control that has the focus.
+    QAccessibleEvent description(this, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&description);
+}
+
+/// A press anywhere else cancels, also where the focus stays.
+bool ShortcutFieldWidget::eventFilter(QObject* watched, QEvent* event) {
+    const bool isPress =
+        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+    if (isPress && watched != this && watched->isWidgetType()) {
+        field_.resignFirstResponder();
+    }
+    return QPushButton::eventFilter(watched, event);
 }
 
 QSize ShortcutFieldWidget::sizeHint() const {
@@ -104,7 +152,7 @@ void ShortcutFieldWidget::begin() {
 }
 
 void ShortcutFieldWidget::feed(const QKeyEvent& event) {
-    const auto code = keyCodes_(event.nativeScanCode());
+    const auto code = keyCodes_ ? keyCodes_(event.nativeScanCode()) : std::nullopt;
     if (!code || event.isAutoRepeat()) {
         return;
     }

@@ -12,7 +12,8 @@
 
 namespace tarnwick::qt {
 
-/// The virtual key code of a key by its native scan code; absent for keys without one.
+/// The virtual key code of a key by its native scan code; absent for keys without one. Empty where
+/// there is no keyboard: nothing can be recorded then.
 using KeyCodes = std::function<std::optional<std::uint8_t>(std::uint32_t nativeScanCode)>;
 
 /// Feeds a field with what happens to it and draws its text. `field` must outlive the widget. While
@@ -25,6 +26,10 @@ class ShortcutFieldWidget final : public QPushButton, public FocusShape {
                         QWidget* parent);
     ~ShortcutFieldWidget() override;
 
+    /// The text on it.
+    QString shownText() const;
+    /// It waits for a shortcut.
+    bool isRecording() const;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
     QRect focusRect() const override { return rect(); }
@@ -32,6 +37,7 @@ class ShortcutFieldWidget final : public QPushButton, public FocusShape {
 
  protected:
     bool event(QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
@@ -41,10 +47,14 @@ class ShortcutFieldWidget final : public QPushButton, public FocusShape {
  private:
     void feed(const QKeyEvent& event);
     void begin();
+    void follow();
 
     ShortcutField& field_;
     const Theme& theme_;
     KeyCodes keyCodes_;
+    bool wasRecording_ = false;
+    /// As assistive technology heard of it last.
+    QString toldText_;
 };
 
 }  // namespace tarnwick::qt

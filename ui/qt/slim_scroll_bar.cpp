@@ -1,6 +1,8 @@
 #include "ui/qt/slim_scroll_bar.h"
 
+#include <QApplication>
 #include <QPainter>
+#include <QPointer>
 #include <QProxyStyle>
 #include <QStyleOptionSlider>
 #include <algorithm>
@@ -15,9 +17,19 @@ constexpr int kShortestHandle = 28;
 /// Between the bar's ends and its handle.
 constexpr int kEndGap = 2;
 
-/// A groove from end to end, without buttons.
+/// A groove from end to end, without buttons. One for all bars: each holds a style of the
+/// toolkit's.
 class SlimStyle final : public QProxyStyle {
  public:
+    static SlimStyle* shared() {
+        static QPointer<SlimStyle> style;
+        if (style == nullptr) {
+            style = new SlimStyle;
+            style->setParent(qApp);
+        }
+        return style;
+    }
+
     QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
                          const QWidget* widget) const override {
         const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
@@ -54,9 +66,7 @@ class SlimStyle final : public QProxyStyle {
 
 SlimScrollBar::SlimScrollBar(const Theme& theme, QWidget* parent)
     : QScrollBar(Qt::Vertical, parent), theme_(theme) {
-    auto* slim = new SlimStyle;
-    slim->setParent(this);
-    setStyle(slim);
+    setStyle(SlimStyle::shared());
 }
 
 QSize SlimScrollBar::sizeHint() const {

@@ -50,6 +50,9 @@ bool isOther(double one, double other) {
 void tellValue(QWidget* thumb, double value) {
     QAccessibleValueChangeEvent event(thumb, value);
     QAccessible::updateAccessibility(&event);
+    // Which says the value, too.
+    QAccessibleEvent described(thumb, QAccessible::DescriptionChanged);
+    QAccessible::updateAccessibility(&described);
 }
 
 }  // namespace
@@ -127,6 +130,8 @@ ThresholdSliderWidget::ThresholdSliderWidget(DualThresholdSlider& slider, const 
       normalValue_(slider.value(Thumb::normal)),
       highValue_(slider.value(Thumb::high)) {
     setFixedHeight(kHit);
+    // A pointer that moves without a button has let go.
+    setMouseTracking(true);
     setLayoutDirection(Qt::LeftToRight);
 }
 
@@ -148,13 +153,9 @@ void ThresholdSliderWidget::refresh() {
     }
 }
 
-/// Values that nobody could have set stay within reach.
 void ThresholdSliderWidget::place(ThresholdThumbWidget& thumb) {
     const double center = slider_.thumbCenter(thumb.thumb(), width());
-    const double least = DualThresholdSlider::kThumbSize / 2;
-    const double most = least + DualThresholdSlider::usableWidth(width());
-    const double shown = std::isnan(center) ? least : std::clamp(center, least, most);
-    thumb.move(static_cast<int>(std::lround(shown)) - kHit / 2, (height() - kHit) / 2);
+    thumb.move(static_cast<int>(std::lround(center)) - kHit / 2, (height() - kHit) / 2);
 }
 
 bool ThresholdSliderWidget::isDragging(Thumb thumb) const {
@@ -162,9 +163,19 @@ bool ThresholdSliderWidget::isDragging(Thumb thumb) const {
 }
 
 void ThresholdSliderWidget::endDrag() {
+    for (ThresholdThumbWidget* thumb : {normal_, high_}) {
+        if (isDragging(thumb->thumb())) {
+            thumb->update();
+        }
+    }
     slider_.endDrag();
-    normal_->update();
-    high_->update();
+}
+
+bool ThresholdSliderWidget::event(QEvent* event) {
+    if (event->type() == QEvent::WindowDeactivate) {
+        endDrag();
+    }
+    return QWidget::event(event);
 }
 
 void ThresholdSliderWidget::hideEvent(QHideEvent* event) {
@@ -184,6 +195,11 @@ void ThresholdSliderWidget::mousePressEvent(QMouseEvent* event) {
 
 void ThresholdSliderWidget::mouseMoveEvent(QMouseEvent* event) {
     if (event->type() == QEvent::MouseMove) {
+        if (!event->buttons().testFlag(Qt::LeftButton)) {
+            // Its release went elsewhere.
+            endDrag();
+            return;
+        }
         slider_.continueDrag(event->position().x(), width());
     }
     for (ThresholdThumbWidget* thumb : {normal_, high_}) {

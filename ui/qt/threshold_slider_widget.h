@@ -46,6 +46,7 @@ class ThresholdSliderWidget final : public QWidget {
     void refresh();
 
  protected:
+    bool event(QEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;

@@ -32,8 +32,16 @@ QScreen* currentScreen() {
 /// expects of a window with a title.
 class TitledWindow::Frame final : public QMainWindow {
  public:
-    Frame(TitledWindow& owner, Qt::WindowFlags flags)
-        : QMainWindow(nullptr, flags), owner_(&owner) {}
+    Frame(TitledWindow& owner, Qt::WindowFlags flags, std::function<void()> gone)
+        : QMainWindow(nullptr, flags), owner_(&owner), gone_(std::move(gone)) {}
+    Frame(const Frame&) = delete;
+    Frame& operator=(const Frame&) = delete;
+    ~Frame() override {
+        if (gone_) {
+            QMetaObject::invokeMethod(QCoreApplication::instance(), std::move(gone_),
+                                      Qt::QueuedConnection);
+        }
+    }
 
     /// Nobody owns the frame any more.
     void letGo() {
@@ -57,11 +65,12 @@ class TitledWindow::Frame final : public QMainWindow {
 
  private:
     TitledWindow* owner_;
+    std::function<void()> gone_;
     bool isClosing_ = false;
 };
 
-TitledWindow::TitledWindow(const platform::WindowOptions& options)
-    : frame_(new Frame(*this, windowKind(options))) {
+TitledWindow::TitledWindow(const platform::WindowOptions& options, std::function<void()> gone)
+    : frame_(new Frame(*this, windowKind(options), std::move(gone))) {
     if (options.isResizable) {
         frame_->resize(options.width, options.height);
     } else {
@@ -104,7 +113,7 @@ void TitledWindow::makeKeyAndOrderFront() {
 
 std::unique_ptr<platform::Window> TitledWindows::makeWindow(
     const platform::WindowOptions& options) {
-    return std::make_unique<TitledWindow>(options);
+    return std::make_unique<TitledWindow>(options, gone_);
 }
 
 void TitledWindows::activateIgnoringOtherApps() {

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/windows.h"
 #include "ui/qt/widget_view.h"
@@ -13,7 +15,9 @@ namespace tarnwick::qt {
 /// Main thread.
 class TitledWindow final : public platform::Window {
  public:
-    explicit TitledWindow(const platform::WindowOptions& options);
+    /// `gone` is called on a later turn when the window has gone with all that was in it; may be
+    /// empty.
+    explicit TitledWindow(const platform::WindowOptions& options, std::function<void()> gone = {});
     TitledWindow(const TitledWindow&) = delete;
     TitledWindow& operator=(const TitledWindow&) = delete;
     ~TitledWindow() override;
@@ -36,8 +40,14 @@ class TitledWindow final : public platform::Window {
 
 class TitledWindows final : public platform::Windows {
  public:
+    /// `gone` as that of each window.
+    explicit TitledWindows(std::function<void()> gone = {}) : gone_(std::move(gone)) {}
+
     std::unique_ptr<platform::Window> makeWindow(const platform::WindowOptions& options) override;
     void activateIgnoringOtherApps() override;
+
+ private:
+    std::function<void()> gone_;
 };
 
 }  // namespace tarnwick::qt

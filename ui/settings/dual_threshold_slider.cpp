@@ -57,7 +57,9 @@ double DualThresholdSlider::position(double value, double width) {
 }
 
 double DualThresholdSlider::thumbCenter(Thumb thumb, double width) const {
-    return position(value(thumb), width) + kThumbSize / 2;
+    const double track = usableWidth(width);
+    const double x = position(value(thumb), width);
+    return (std::isnan(x) ? 0 : std::clamp(x, 0.0, track)) + kThumbSize / 2;
 }
 
 DualThresholdSlider::Segments DualThresholdSlider::segments(double width) const {

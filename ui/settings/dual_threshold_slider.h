@@ -71,7 +71,8 @@ class DualThresholdSlider {
     /// Distance of a value from the start of the track, which lies kThumbSize / 2 within the
     /// slider.
     static double position(double value, double width);
-    /// Centre of a thumb along the slider.
+    /// Centre of a thumb along the slider; never beyond the ends of the track, whose start is the
+    /// place of what is not a number: a thumb can always be seen and taken.
     double thumbCenter(Thumb thumb, double width) const;
     /// None is below 0.
     Segments segments(double width) const;

@@ -152,6 +152,12 @@ void SettingsView::setSwitch(SettingsSwitch setting, bool on) {
     }
 }
 
+void SettingsView::toggleSwitch(SettingsSwitch setting) {
+    setSwitch(setting, setting == SettingsSwitch::launchOnLogin
+                           ? !settings_.launchOnLogin()
+                           : !settings_.remindRestartAfterWeek());
+}
+
 // A change that the system refuses puts the preference back, which is a change, too. The system's
 // own state ends this: what it is cannot be put back.
 void SettingsView::followLaunchOnLogin() {

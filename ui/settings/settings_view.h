@@ -61,6 +61,8 @@ class SettingsView {
     /// The card of the selected mode does nothing.
     void selectDisplayMode(MenuBarDisplayMode mode);
     void setSwitch(SettingsSwitch setting, bool on);
+    /// To the other of what is stored, which may not be shown yet.
+    void toggleSwitch(SettingsSwitch setting);
     /// The recorder's field, for the control that feeds it.
     ShortcutField& shortcutField() { return recorder_.field(); }
     void clearShortcut();

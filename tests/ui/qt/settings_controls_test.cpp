@@ -5,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/ui/qt/accessible_events.h"
 #include "tests/ui/qt/settings_widget_fixture.h"
 #include "ui/qt/settings_buttons.h"
 #include "ui/qt/settings_cards.h"
@@ -113,6 +114,36 @@ TEST_F(SettingsControls, ASwitchIsPressed) {
     click(button("switch"));
     EXPECT_FALSE(settings.launchOnLogin());
     EXPECT_FALSE(button("switch")->isChecked());
+}
+
+TEST_F(SettingsControls, TwoPressesInOneTurnAreTwo) {
+    const auto pressTwice = [this](const char* name) {
+        for (int press = 0; press < 2; ++press) {
+            QWidget* target = find(name);
+            mouse(target, QEvent::MouseButtonPress, target->rect().center());
+            mouse(target, QEvent::MouseButtonRelease, target->rect().center());
+        }
+    };
+    pressTwice("switch");
+    EXPECT_FALSE(settings.launchOnLogin());
+    click(find("mode.iconOnly"));
+    for (const char* name : {"mode.advanced", "mode.iconOnly"}) {
+        mouse(find(name), QEvent::MouseButtonPress, QPointF(20, 20));
+        mouse(find(name), QEvent::MouseButtonRelease, QPointF(20, 20));
+    }
+    catchUp();
+    EXPECT_EQ(settings.menuBarDisplayMode(), MenuBarDisplayMode::iconOnly);
+    select(Tab::customize);
+    pressTwice("switch");
+    EXPECT_FALSE(settings.remindRestartAfterWeek());
+}
+
+TEST_F(SettingsControls, PillsAreTextsToAssistiveTechnology) {
+    select(Tab::customize);
+    const auto pills = visible<ThresholdPillWidget>();
+    ASSERT_EQ(pills.size(), 8);
+    EXPECT_EQ(accessible(pills[0])->role(), QAccessible::StaticText);
+    EXPECT_EQ(accessible(pills[0])->text(QAccessible::Name), "Normal 80%");
 }
 
 TEST_F(SettingsControls, SwitchesArePressedByKeys) {
@@ -388,6 +419,87 @@ TEST_F(ShortcutFieldControl, LosingTheKeyboardCancels) {
     catchUp();
     EXPECT_FALSE(field().isRecording());
     EXPECT_THAT(lines(), IsEmpty());
+}
+
+TEST_F(ShortcutFieldControl, APressOnNothingCancels) {
+    startRecording();
+    nativeKey(QEvent::KeyPress, 40, Qt::NoModifier, Qt::Key_K);
+    clickAt(find("page"), QPoint(3, 3));
+    EXPECT_FALSE(field().isRecording());
+    EXPECT_THAT(lines(), IsEmpty());
+    startRecording();
+    clickAt(widget.get(), QPoint(3, 3));
+    EXPECT_FALSE(field().isRecording());
+}
+
+TEST_F(ShortcutFieldControl, APressOnAControlCancelsAndDoesWhatItDoes) {
+    storeShortcut(37, kCommand);
+    startRecording();
+    click(find("switch"));
+    EXPECT_FALSE(field().isRecording());
+    EXPECT_TRUE(settings.launchOnLogin());
+    startRecording();
+    click(find("mode.iconOnly"));
+    EXPECT_FALSE(field().isRecording());
+    EXPECT_EQ(settings.menuBarDisplayMode(), MenuBarDisplayMode::iconOnly);
+    EXPECT_EQ(settings.shortcutKeyCode(), 37);
+    startRecording();
+    click(find("clear"));
+    EXPECT_FALSE(field().isRecording());
+    EXPECT_EQ(settings.shortcutKeyCode(), -1);
+    startRecording();
+    click(find("tab.About"));
+    EXPECT_FALSE(field().isRecording());
+    EXPECT_EQ(widget->view().selectedTab(), Tab::about);
+}
+
+TEST_F(ShortcutFieldControl, APressInAnotherWindowCancels) {
+    startRecording();
+    QWidget other;
+    other.setAttribute(Qt::WA_ShowWithoutActivating);
+    other.show();
+    mouse(&other, QEvent::MouseButtonPress, QPointF(1, 1));
+    EXPECT_FALSE(field().isRecording());
+    startRecording();
+    other.activateWindow();
+    settle();
+    EXPECT_FALSE(field().isRecording());
+}
+
+TEST_F(ShortcutFieldControl, APressOnTheFieldItselfGoesOnRecording) {
+    startRecording();
+    nativeKey(QEvent::KeyPress, 40, Qt::NoModifier, Qt::Key_K);
+    startRecording();
+    EXPECT_TRUE(field().isRecording());
+    EXPECT_THAT(lines(), IsEmpty());
+}
+
+TEST_F(ShortcutFieldControl, AssistiveTechnologyLearnsWhatItShows) {
+    QAccessibleInterface* interface = accessible(find("shortcut"));
+    QAccessibleTextInterface* text = interface->textInterface();
+    ASSERT_NE(text, nullptr);
+    const auto shown = [&] { return text->text(0, text->characterCount()); };
+    EXPECT_EQ(shown(), "Click to record");
+    EXPECT_EQ(interface->text(QAccessible::Value), "Click to record");
+    EXPECT_FALSE(interface->state().pressed);
+    const testing::AccessibleEvents events;
+    startRecording();
+    EXPECT_EQ(shown(), "Press ⌘ + key…");
+    EXPECT_EQ(text->text(0, 5), "Press");
+    EXPECT_EQ(interface->text(QAccessible::Value), "Press ⌘ + key…");
+    EXPECT_EQ(interface->text(QAccessible::Description), "Press ⌘ + key…");
+    EXPECT_EQ(interface->text(QAccessible::Help), ShortcutField::kAccessibilityHelp);
+    EXPECT_TRUE(interface->state().pressed);
+    for (const auto type :
+         {QAccessible::StateChanged, QAccessible::TextUpdated, QAccessible::DescriptionChanged}) {
+        EXPECT_GE(events.count(find("shortcut"), type), 1);
+    }
+    const int before = events.count(find("shortcut"), QAccessible::TextUpdated);
+    nativeKey(QEvent::KeyPress, 40, Qt::MetaModifier, Qt::Key_K);
+    EXPECT_EQ(shown(), "⌘K");
+    EXPECT_EQ(interface->text(QAccessible::Description), ShortcutField::kAccessibilityHelp);
+    EXPECT_FALSE(interface->state().pressed);
+    EXPECT_EQ(events.count(find("shortcut"), QAccessible::TextUpdated), before + 1);
 }
 
 TEST_F(ShortcutFieldControl, AnotherTabCancels) {

@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 #include <map>
 
+#include "tests/ui/qt/accessible_events.h"
 #include "tests/ui/qt/settings_widget_fixture.h"
 #include "ui/qt/settings_cards.h"
 
@@ -173,6 +174,56 @@ TEST_F(ThresholdSliderWidgetTest, WhatNobodyCouldHaveSetStaysWithinReach) {
     EXPECT_NEAR(centre("thumb.high"), at(0).x(), 0.5);
 }
 
+TEST_F(ThresholdSliderWidgetTest, WhatNobodyCouldHaveSetCanBeDragged) {
+    settings.setCPUNormal(std::nan(""));
+    settings.setCPUHigh(1e9);
+    catchUp();
+    drag(100, {95});
+    EXPECT_EQ(settings.cpuHigh(), 95);
+    drag(0, {50});
+    EXPECT_EQ(settings.cpuNormal(), 50);
+}
+
+TEST_F(ThresholdSliderWidgetTest, ADragEndsWithTheButtonWhereverItIsReleased) {
+    mouse(slider, QEvent::MouseButtonPress, at(80));
+    QMouseEvent hover(QEvent::MouseMove, at(50), slider->mapToGlobal(at(50)), Qt::NoButton,
+                      Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(slider, &hover);
+    EXPECT_FALSE(widget->view().slider(JudgedMetric::cpu).isDraggingNormal());
+    mouse(slider, QEvent::MouseMove, at(50));
+    EXPECT_EQ(settings.cpuNormal(), 80);
+}
+
+TEST_F(ThresholdSliderWidgetTest, ADragEndsWhenTheWindowGoesToTheBack) {
+    mouse(slider, QEvent::MouseButtonPress, at(80));
+    mouse(slider, QEvent::MouseMove, at(60));
+    QWidget other;
+    other.show();
+    other.activateWindow();
+    settle();
+    EXPECT_FALSE(widget->view().slider(JudgedMetric::cpu).isDraggingNormal());
+    mouse(slider, QEvent::MouseMove, at(50));
+    EXPECT_EQ(settings.cpuNormal(), 60);
+}
+
+TEST_F(ThresholdSliderWidgetTest, ADragEndsWhenTheSliderIsHidden) {
+    mouse(slider, QEvent::MouseButtonPress, at(80));
+    select(Tab::about);
+    EXPECT_FALSE(widget->view().slider(JudgedMetric::cpu).isDraggingNormal());
+}
+
+TEST_F(ThresholdSliderWidgetTest, AssistiveTechnologyHearsOfEachChangeOnce) {
+    const testing::AccessibleEvents events;
+    thumb("thumb.normal")->setFocus(Qt::TabFocusReason);
+    key(Qt::Key_Right);
+    EXPECT_THAT(
+        events.of(thumb("thumb.normal")),
+        ::testing::IsSupersetOf({QAccessible::ValueChanged, QAccessible::DescriptionChanged}));
+    EXPECT_EQ(events.count(thumb("thumb.normal"), QAccessible::ValueChanged), 1);
+    EXPECT_EQ(events.count(thumb("thumb.normal"), QAccessible::DescriptionChanged), 1);
+    EXPECT_EQ(events.count(thumb("thumb.high"), QAccessible::ValueChanged), 0);
+}
+
 TEST_F(ThresholdSliderWidgetTest, EachThumbIsASliderToAssistiveTechnology) {
     struct Row {
         const char* card;
@@ -245,6 +296,31 @@ TEST_F(ThresholdSliderWidgetTest, IsDrawnInItsColours) {
         EXPECT_EQ(colour(90, -7), QColor(level, level, level));
         EXPECT_EQ(colour(30, 5), theme.color(ColorRole::card));
     }
+}
+
+TEST_F(ThresholdSliderWidgetTest, ThresholdsPastEachOtherLeaveTheTrackFilledAsFarAsTheyReach) {
+    settings.setCPUNormal(70);
+    settings.setCPUHigh(40);
+    catchUp();
+    const QImage image = picture();
+    const auto colour = [&](double percent) { return image.pixelColor(at(percent).toPoint()); };
+    // Up to normal, nothing between them, and from there as long as high is from the end.
+    EXPECT_EQ(colour(20), theme.color(Tint::green));
+    EXPECT_EQ(colour(55), theme.color(Tint::green));
+    EXPECT_EQ(colour(85), theme.color(Tint::red));
+}
+
+TEST_F(ThresholdSliderWidgetTest, TheGroundOfTheTrackIsSeenWhereNothingCoversIt) {
+    settings.setCPUNormal(std::nan(""));
+    settings.setCPUHigh(std::nan(""));
+    catchUp();
+    const QColor ground = theme.color(ColorRole::secondaryText);
+    const QColor below = theme.color(ColorRole::card);
+    constexpr double opacity = DualThresholdSlider::kTrackOpacity;
+    const QColor seen = picture().pixelColor(at(60).toPoint());
+    EXPECT_NEAR(seen.red(), below.red() + (ground.red() - below.red()) * opacity, 2);
+    EXPECT_NEAR(seen.blue(), below.blue() + (ground.blue() - below.blue()) * opacity, 2);
+    EXPECT_NE(seen, below);
 }
 
 TEST_F(ThresholdSliderWidgetTest, ADragOf500ChangesPaintsOnlyWhatItMovesOnceATurn) {

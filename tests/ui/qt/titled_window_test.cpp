@@ -137,6 +137,33 @@ TEST_F(TitledWindowTest, GoesAtOnceWithItsContent) {
     EXPECT_EQ(shown, nullptr);
 }
 
+TEST_F(TitledWindowTest, TellsWhenItHasGoneWithItsFrame) {
+    int told = 0;
+    QPointer<QWidget> shown;
+    windows = TitledWindows([&] {
+        EXPECT_EQ(shown, nullptr);
+        EXPECT_EQ(frame(), nullptr);
+        ++told;
+    });
+    // Closed by the user, then by the program.
+    for (const bool isClosed : {true, false}) {
+        window = windows.makeWindow({.width = 520, .height = 500});
+        window->setDelegate(this);
+        show(*window);
+        shown = frame();
+        settle();
+        told = 0;
+        if (isClosed) {
+            frame()->close();
+        } else {
+            window.reset();
+        }
+        EXPECT_EQ(told, 0);
+        settle();
+        EXPECT_EQ(told, 1);
+    }
+}
+
 TEST_F(TitledWindowTest, ANewContentTakesTheOldOnesPlace) {
     const QPointer<QWidget> first = show(*window);
     const QWidget* second = show(*window);

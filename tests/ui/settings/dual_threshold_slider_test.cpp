@@ -79,6 +79,32 @@ TEST_F(DualThresholdSliderTest, ThumbsAreCentredHalfAThumbFurther) {
     EXPECT_EQ(slider.thumbCenter(Thumb::high, kWidth), 190);
 }
 
+TEST_F(DualThresholdSliderTest, ThumbsWhoseValuesNobodyCouldHaveSetCanBeTaken) {
+    for (const double value : {-500.0, std::nan(""), -std::numeric_limits<double>::infinity()}) {
+        normal = value;
+        high = 90;
+        EXPECT_EQ(slider.thumbCenter(Thumb::normal, kWidth), at(0));
+        EXPECT_TRUE(slider.beginDrag(at(1), 0, kWidth));
+        EXPECT_TRUE(slider.isDraggingNormal());
+        slider.continueDrag(at(40), kWidth);
+        EXPECT_EQ(normal, 40);
+    }
+    for (const double value : {1e9, std::numeric_limits<double>::infinity()}) {
+        normal = 40;
+        high = value;
+        EXPECT_EQ(slider.thumbCenter(Thumb::high, kWidth), at(100));
+        EXPECT_TRUE(slider.beginDrag(at(99), 0, kWidth));
+        EXPECT_TRUE(slider.isDraggingHigh());
+        slider.continueDrag(at(60), kWidth);
+        EXPECT_EQ(high, 60);
+    }
+    // Both at one place.
+    normal = std::nan("");
+    high = std::nan("");
+    EXPECT_TRUE(slider.beginDrag(at(0), 0, kWidth));
+    slider.endDrag();
+}
+
 TEST_F(DualThresholdSliderTest, TheThreeSegmentsFillTheTrack) {
     const auto segments = slider.segments(kWidth);
     EXPECT_EQ(segments.green, 140);

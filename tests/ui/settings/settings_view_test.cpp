@@ -121,6 +121,21 @@ TEST_F(SettingsViewTest, ASwitchIsStoredAtOnce) {
     EXPECT_FALSE(settings.launchOnLogin());
 }
 
+TEST_F(SettingsViewTest, APressOfASwitchCountsFromWhatIsStored) {
+    for (const SettingsSwitch each :
+         {SettingsSwitch::launchOnLogin, SettingsSwitch::remindRestartAfterWeek}) {
+        const auto isOn = [&] {
+            return each == SettingsSwitch::launchOnLogin ? settings.launchOnLogin()
+                                                         : settings.remindRestartAfterWeek();
+        };
+        view->toggleSwitch(each);
+        EXPECT_TRUE(isOn());
+        // Before anything has followed from the first press.
+        view->toggleSwitch(each);
+        EXPECT_FALSE(isOn());
+    }
+}
+
 TEST_F(SettingsViewTest, LaunchOnLoginRegistersTheProgramAndRemovesIt) {
     loginService.clearCalls();
     view->setSwitch(SettingsSwitch::launchOnLogin, true);
