@@ -95,6 +95,13 @@ class DesktopTestCase(unittest.TestCase):
         except Timeout:
             self.fail(f"{what} is {found[0]!r} instead of {expected!r}")
 
+    @contextlib.contextmanager
+    def memory_in_use(self, share):
+        """So much of the machine's memory more is in use."""
+        held = b"x" * round(os.sysconf("SC_PHYS_PAGES") * os.sysconf("SC_PAGE_SIZE") * share)
+        yield
+        del held
+
     def press(self, program, name):
         """Presses a button of an open window as a screen reader does; the desktop has one."""
         with self.desktop.accessibility_bus() as bus:
@@ -212,12 +219,20 @@ class DesktopTestCase(unittest.TestCase):
 
     def keep_picture(self, name=None):
         """Keeps a picture of the screen as it is now, under the test's own name unless told."""
-        if self.desktop.screen is None:
-            return
+        if self.desktop.screen is not None:
+            name = name or self.id().rpartition(".")[2]
+            self.desktop.screen.picture().save(self._kept(name + ".png"))
+
+    def keep_text(self, name, text):
+        """Keeps a text beside the pictures."""
+        with open(self._kept(name + ".txt"), "w", encoding="utf-8") as file:
+            file.write(text)
+
+    @staticmethod
+    def _kept(name):
         folder = os.environ["TARNWICK_SCREENS"]
         os.makedirs(folder, exist_ok=True)
-        name = name or self.id().rpartition(".")[2]
-        self.desktop.screen.picture().save(os.path.join(folder, name + ".png"))
+        return os.path.join(folder, name)
 
 
 def bytes_read(program):

@@ -1,7 +1,5 @@
 """The status item in the tray of each real host, driven with the pointer."""
 
-import contextlib
-import os
 import time
 
 from PIL import ImageChops
@@ -289,13 +287,6 @@ class HostsTest(DesktopTestCase):
             if is_wide:
                 self.until(self.shows_text, "the text is beside the icon")
                 self.keep("text")
-
-    @contextlib.contextmanager
-    def memory_in_use(self, share):
-        """So much of the machine's memory more is in use."""
-        held = b"x" * round(os.sysconf("SC_PHYS_PAGES") * os.sysconf("SC_PAGE_SIZE") * share)
-        yield
-        del held
 
 
 main()

@@ -9,6 +9,7 @@ _REGISTRY = ("org.a11y.atspi.Registry", "/org/a11y/atspi/accessible/root")
 _ACCESSIBLE = "org.a11y.atspi.Accessible"
 _ACTION = "org.a11y.atspi.Action"
 _COMPONENT = "org.a11y.atspi.Component"
+_TEXT = "org.a11y.atspi.Text"
 _VALUE = "org.a11y.atspi.Value"
 _PROPERTIES = "org.freedesktop.DBus.Properties"
 _CALL_MS = 20000
@@ -108,6 +109,15 @@ class Accessible:
 
     def interfaces(self):
         return {each.rpartition(".")[2] for each in self._call(_ACCESSIBLE, "GetInterfaces")[0]}
+
+    def parent(self):
+        return Accessible(self._connection, *self._get(_ACCESSIBLE, "Parent"))
+
+    def text(self):
+        """The text that it shows, or None for what is no text."""
+        if "Text" not in self.interfaces():
+            return None
+        return self._call(_TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))[0]
 
     def value(self):
         """(least, current, greatest), or None for what has no value."""

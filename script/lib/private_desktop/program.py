@@ -85,7 +85,7 @@ class Program:
         if docked is not None:
             return docked.centre
         item = self.desktop.bus.item_of(self.pid) if self.desktop.bus else None
-        colour = item and self._icon_colour(item)
+        colour = item and icon_colour(self.desktop.bus.item_property(item, "IconPixmap"))
         if not colour:
             return None
         for window in self.desktop.host_windows():
@@ -98,18 +98,6 @@ class Program:
         """Where the item can be clicked, or None while it still comes or moves."""
         place = self.item_place()
         return place if place is not None and place == self.item_place() else None
-
-    def _icon_colour(self, item):
-        """The colour that the item's picture has most of, greys aside."""
-        pictures = self.desktop.bus.item_property(item, "IconPixmap")
-        counts = {}
-        for _width, _height, pixels in pictures or []:
-            data = bytes(pixels)
-            for at in range(0, len(data), 4):
-                alpha, *colour = data[at:at + 4]
-                if alpha == 0xFF and max(colour) - min(colour) >= _SATURATED:
-                    counts[tuple(colour)] = counts.get(tuple(colour), 0) + 1
-        return max(counts, key=counts.get) if counts else None
 
     def wait_for_greeting(self, patience=3.0):
         """Whether a first start opens the panel by itself, which it does soon or not at all."""
@@ -140,6 +128,18 @@ class Program:
             return None
         picture = self.desktop.screen.picture(panel.box)
         return picture if is_drawn(picture) else None
+
+
+def icon_colour(pictures):
+    """The colour that an item's pictures have most of, greys aside; None for no colour."""
+    counts = {}
+    for _width, _height, pixels in pictures or []:
+        data = bytes(pixels)
+        for at in range(0, len(data), 4):
+            alpha, *colour = data[at:at + 4]
+            if alpha == 0xFF and max(colour) - min(colour) >= _SATURATED:
+                counts[tuple(colour)] = counts.get(tuple(colour), 0) + 1
+    return max(counts, key=counts.get) if counts else None
 
 
 def is_drawn(picture):

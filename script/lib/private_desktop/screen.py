@@ -1,5 +1,6 @@
 """The X display: its windows, a pointer and a keyboard, pictures of what is on it."""
 
+import contextlib
 import dataclasses
 import time
 
@@ -166,15 +167,19 @@ class Screen:
         xtest.fake_input(self._display, X.ButtonRelease, button)
         self._display.sync()
 
-    def drag(self, start, *places):
-        """A press of the main button, moves with it, and its release at the last place."""
+    @contextlib.contextmanager
+    def dragged(self, start, *places):
+        """A press of the main button, moves with it, and its release at the end of the context."""
         self.move_pointer(start)
         xtest.fake_input(self._display, X.ButtonPress, 1)
         self._display.sync()
-        for place in places:
-            self.move_pointer(place)
-        xtest.fake_input(self._display, X.ButtonRelease, 1)
-        self._display.sync()
+        try:
+            for place in places:
+                self.move_pointer(place)
+            yield
+        finally:
+            xtest.fake_input(self._display, X.ButtonRelease, 1)
+            self._display.sync()
 
     def press_key(self, name):
         """A press and a release of a key, by its X name."""

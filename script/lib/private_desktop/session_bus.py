@@ -108,6 +108,14 @@ class SessionBus:
     def item_of(self, pid):
         return next((item for item in self.items() if item.pid == pid), None)
 
+    def item_properties(self, item):
+        """All properties of an item at one moment; none when it does not answer."""
+        try:
+            return self.call((item.name, item.path, _PROPERTIES), "GetAll",
+                             GLib.Variant("(s)", (_ITEM,)))[0]
+        except GLib.Error:
+            return {}
+
     def item_property(self, item, name):
         """One property of an item, or None when it has no such property."""
         try:
