@@ -222,7 +222,6 @@ int run(QApplication& application, platform::StartConditions conditions) {
     const int status = application.exec();
     // A session's end comes without a call of quit().
     instance.release();
-    panel.close();
     userDefaults.synchronize();
     return status;
 }

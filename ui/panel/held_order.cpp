@@ -5,6 +5,9 @@
 namespace tarnwick {
 
 ProcessSlots heldOrder(const ProcessSlots& shown, const std::vector<AppProcessInfo>& latest) {
+    if (shown.empty()) {
+        return {latest.begin(), latest.end()};
+    }
     ProcessSlots rows(shown.size());
     std::vector<AppProcessInfo> newcomers;
     for (const AppProcessInfo& process : latest) {
@@ -22,11 +25,9 @@ ProcessSlots heldOrder(const ProcessSlots& shown, const std::vector<AppProcessIn
     for (const AppProcessInfo& process : newcomers) {
         row = std::find(row, rows.end(), std::nullopt);
         if (row == rows.end()) {
-            rows.emplace_back(process);
-            row = rows.end();
-        } else {
-            *row = process;
+            break;
         }
+        *row = process;
     }
     return rows;
 }

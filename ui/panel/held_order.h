@@ -13,7 +13,8 @@ using ProcessSlots = std::vector<std::optional<AppProcessInfo>>;
 
 /// The latest processes, each with its latest figures, in the rows where they are shown: whoever is
 /// still among them keeps its row, whoever is new takes the first free one, and those that find
-/// none follow below. A row that nobody takes is left empty, so that none below it moves.
+/// none wait. A row that nobody takes is left empty. So there are as many rows as were shown, and
+/// none moves; where none was shown there is nothing to hold.
 ProcessSlots heldOrder(const ProcessSlots& shown, const std::vector<AppProcessInfo>& latest);
 
 }  // namespace tarnwick

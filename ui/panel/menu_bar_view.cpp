@@ -31,6 +31,9 @@ const Page& MenuBarView::appear() {
         return lastPage_;
     }
     isVisible_ = true;
+    // Whatever was pressed while nothing was to be seen.
+    activeTab_ = MenuTab::home;
+    lastDetail_ = MenuTab::home;
     statsSubscription_ = statsManager_.objectWillChange([this] { scheduleRebuild(); });
     settingsSubscription_ =
         statsManager_.settings().objectWillChange([this] { scheduleRebuild(); });

@@ -4,6 +4,7 @@
 #include <QAccessibleWidget>
 
 #include "ui/qt/block_widget.h"
+#include "ui/qt/panel_popup.h"
 #include "ui/qt/top_apps_widget.h"
 
 namespace tarnwick::qt {
@@ -45,14 +46,24 @@ QAccessibleInterface* make(const QString&, QObject* object) {
     if (auto* block = qobject_cast<BlockWidget*>(object)) {
         return new AccessibleBlock(block);
     }
-    auto* line = qobject_cast<ListLine*>(object);
-    return line == nullptr ? nullptr : new QAccessibleWidget(line, QAccessible::ListItem);
+    if (auto* line = qobject_cast<ListLine*>(object)) {
+        return new QAccessibleWidget(line, line->accessibleRole());
+    }
+    auto* panel = qobject_cast<PanelPopup*>(object);
+    return panel == nullptr ? nullptr : new QAccessibleWidget(panel, QAccessible::Dialog);
 }
 
 }  // namespace
 
 void describeBlocksForScreenReaders() {
     QAccessible::installFactory(make);
+}
+
+void announceValue(BlockWidget& block, double percent) {
+    if (QAccessible::isActive()) {
+        QAccessibleValueChangeEvent change(&block, percent);
+        QAccessible::updateAccessibility(&change);
+    }
 }
 
 }  // namespace tarnwick::qt

@@ -1,10 +1,15 @@
-// What screen readers are told of the panel's blocks beyond their names.
+// What screen readers are told of the panel and its blocks beyond their names.
 #pragma once
 
 namespace tarnwick::qt {
 
-/// From now on every building block has its role and, where it shows a share, its value. Once for
-/// the process.
+class BlockWidget;
+
+/// From now on the panel and every building block has its role and, where it shows a share, its
+/// value. Once for the process.
 void describeBlocksForScreenReaders();
+
+/// Tells them of another value of a block. Costs nothing while nobody listens.
+void announceValue(BlockWidget& block, double percent);
 
 }  // namespace tarnwick::qt

@@ -2,6 +2,7 @@
 
 #include <QHelpEvent>
 #include <QToolTip>
+#include <utility>
 
 namespace tarnwick::qt {
 
@@ -10,9 +11,9 @@ QString BlockWidget::cutTextAt(const QPoint&) const {
 }
 
 void BlockWidget::announceValue() {
-    if (QAccessible::isActive()) {
-        QAccessibleValueChangeEvent change(this, accessibleValue().value_or(0));
-        QAccessible::updateAccessibility(&change);
+    const std::optional<double> value = accessibleValue();
+    if (std::exchange(announcedValue_, value) != value && value) {
+        emit accessibleValueChanged(*value);
     }
 }
 

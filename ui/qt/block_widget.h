@@ -30,15 +30,21 @@ class BlockWidget : public QWidget {
     /// widget is so much higher on both sides, less than the space to its neighbours.
     virtual int overhang() const { return 0; }
     virtual QAccessible::Role accessibleRole() const { return QAccessible::StaticText; }
+    /// Somebody is pointing at what must not move.
+    virtual bool isHeld() const { return false; }
+    /// Finds out what the pointer is over. It need not have moved: what moved under it counts, too.
+    virtual void lookForPointer() {}
     /// The share that the block shows, percent; absent when it shows none.
     virtual std::optional<double> accessibleValue() const { return std::nullopt; }
 
  signals:
-    /// heightFor() may say something else although no other block was set.
-    void heightChanged();
+    /// heightFor() or isHeld() may say something else although no other block was set.
+    void placeChanged();
+    /// accessibleValue() is another one than the last time.
+    void accessibleValueChanged(double percent);
 
  protected:
-    /// Tells screen readers of a new accessibleValue().
+    /// Tells of accessibleValue() where there is one and it is another one than the last time.
     void announceValue();
     const Theme& theme() const { return theme_; }
     /// The full text of what is cut at this point, for a tool tip.
@@ -47,6 +53,7 @@ class BlockWidget : public QWidget {
 
  private:
     const Theme& theme_;
+    std::optional<double> announcedValue_;
 };
 
 /// Holds the value.

@@ -1,8 +1,8 @@
 #include "ui/qt/button_blocks.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <algorithm>
-#include <utility>
 
 #include "ui/qt/grid.h"
 #include "ui/qt/wrapped_text.h"
@@ -15,36 +15,49 @@ constexpr int kSummaryLines = 2;
 /// Between the header's title row and its summary.
 constexpr int kSummaryGap = 2;
 
-/// Makes as many buttons as there are values, and shows them.
-void showButtons(std::vector<ButtonWidget*>& widgets, const std::vector<PanelButton>& buttons,
-                 ButtonKind kind, const Theme& theme, const PressHandler& press, QWidget* parent) {
-    while (widgets.size() > buttons.size()) {
-        widgets.back()->hide();
-        widgets.back()->deleteLater();
-        widgets.pop_back();
-    }
-    for (std::size_t i = 0; i < buttons.size(); ++i) {
-        if (i == widgets.size()) {
-            widgets.push_back(new ButtonWidget(kind, buttons[i], theme, press, parent));
-            widgets.back()->show();
-        } else {
-            widgets[i]->setButton(buttons[i]);
-        }
-    }
-}
-
 }  // namespace
 
-PanelHeaderWidget::PanelHeaderWidget(const Theme& theme, PressHandler press, QWidget* parent)
-    : ValueBlockWidget(theme, parent), press_(std::move(press)) {}
-
-void PanelHeaderWidget::valueChanged() {
-    showButtons(buttons_, value().buttons, ButtonKind::icon, theme(), press_, this);
+template <class Value>
+void ButtonBlockWidget<Value>::showButtons(const std::vector<PanelButton>& buttons,
+                                           ButtonKind kind) {
+    while (buttons_.size() > buttons.size()) {
+        buttons_.back()->hide();
+        buttons_.back()->deleteLater();
+        buttons_.pop_back();
+    }
+    for (std::size_t i = 0; i < buttons.size(); ++i) {
+        if (i == buttons_.size()) {
+            buttons_.push_back(new ButtonWidget(kind, buttons[i], this->theme(), press_, this));
+            buttons_.back()->show();
+        } else {
+            buttons_[i]->setButton(buttons[i]);
+        }
+    }
     placeButtons();
 }
 
-void PanelHeaderWidget::resizeEvent(QResizeEvent*) {
-    placeButtons();
+template <class Value>
+void ButtonBlockWidget<Value>::resizeEvent(QResizeEvent*) {
+    if (!buttons_.empty()) {
+        placeButtons();
+    }
+}
+
+template <class Value>
+void ButtonBlockWidget<Value>::changeEvent(QEvent* event) {
+    ValueBlockWidget<Value>::changeEvent(event);
+    if (event->type() == QEvent::FontChange && !buttons_.empty()) {
+        placeButtons();
+    }
+}
+
+template class ButtonBlockWidget<PanelHeader>;
+template class ButtonBlockWidget<NavigationButton>;
+template class ButtonBlockWidget<DetailHeader>;
+template class ButtonBlockWidget<FooterRow>;
+
+void PanelHeaderWidget::valueChanged() {
+    showButtons(value().buttons, ButtonKind::icon);
 }
 
 int PanelHeaderWidget::titleRowHeight() const {
@@ -56,9 +69,14 @@ QStringList PanelHeaderWidget::summaryLines(int width) const {
                    kSummaryLines);
 }
 
+QString PanelHeaderWidget::shownTitle() const {
+    const int right = buttons().front()->x() - grid::kIconButtonGap;
+    return theme().style(FontRole::headline).elided(QString::fromStdString(value().title), right);
+}
+
 void PanelHeaderWidget::placeButtons() {
     int right = width();
-    for (auto button = buttons_.rbegin(); button != buttons_.rend(); ++button) {
+    for (auto button = buttons().rbegin(); button != buttons().rend(); ++button) {
         const QSize size = (*button)->sizeHint();
         (*button)->setGeometry(right - size.width(), (titleRowHeight() - size.height()) / 2,
                                size.width(), size.height());
@@ -75,7 +93,7 @@ void PanelHeaderWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const TextStyle& title = theme().style(FontRole::headline);
     title.draw(painter, QPointF(0, (titleRowHeight() - title.lineHeight()) / 2 + title.ascent()),
-               QString::fromStdString(value().title), theme().color(ColorRole::text));
+               shownTitle(), theme().color(ColorRole::text));
     const TextStyle& caption = theme().style(FontRole::caption);
     int baseline = titleRowHeight() + kSummaryGap + caption.ascent();
     for (const QString& line : summaryLines(width())) {
@@ -85,59 +103,47 @@ void PanelHeaderWidget::paintEvent(QPaintEvent*) {
 }
 
 QString PanelHeaderWidget::cutTextAt(const QPoint& position) const {
-    const QString summary = QString::fromStdString(value().summary);
-    return position.y() >= titleRowHeight() && summaryLines(width()).join(' ') != summary
-               ? summary
-               : QString();
+    const bool isTitle = position.y() < titleRowHeight();
+    const QString whole = QString::fromStdString(isTitle ? value().title : value().summary);
+    const QString shown = isTitle ? shownTitle() : summaryLines(width()).join(' ');
+    return shown == whole ? QString() : whole;
 }
-
-NavigationButtonWidget::NavigationButtonWidget(const Theme& theme, PressHandler press,
-                                               QWidget* parent)
-    : ValueBlockWidget(theme, parent), press_(std::move(press)) {}
 
 void NavigationButtonWidget::valueChanged() {
-    showButtons(buttons_, {value().button}, ButtonKind::navigation, theme(), press_, this);
+    showButtons({value().button}, ButtonKind::navigation);
 }
 
-void NavigationButtonWidget::resizeEvent(QResizeEvent*) {
-    buttons_.front()->setGeometry(rect());
+void NavigationButtonWidget::placeButtons() {
+    buttons().front()->setGeometry(rect());
 }
 
 int NavigationButtonWidget::heightFor(int) const {
-    return buttons_.front()->sizeHint().height();
+    return buttons().front()->sizeHint().height();
 }
-
-DetailHeaderWidget::DetailHeaderWidget(const Theme& theme, PressHandler press, QWidget* parent)
-    : ValueBlockWidget(theme, parent), press_(std::move(press)) {}
 
 void DetailHeaderWidget::valueChanged() {
-    showButtons(buttons_, {value().back, value().refresh}, ButtonKind::link, theme(), press_, this);
-    placeButtons();
-}
-
-void DetailHeaderWidget::resizeEvent(QResizeEvent*) {
-    placeButtons();
+    showButtons({value().back, value().refresh}, ButtonKind::link);
 }
 
 // The words, not the grounds under the pointer, end where the page's other texts do.
 void DetailHeaderWidget::placeButtons() {
-    const QSize back = buttons_.front()->sizeHint();
-    const QSize refresh = buttons_.back()->sizeHint();
-    buttons_.front()->setGeometry(0, (height() - back.height()) / 2, back.width(), back.height());
-    buttons_.back()->setGeometry(width() - refresh.width(), (height() - refresh.height()) / 2,
-                                 refresh.width(), refresh.height());
+    const QSize back = buttons().front()->sizeHint();
+    const QSize refresh = buttons().back()->sizeHint();
+    buttons().front()->setGeometry(0, (height() - back.height()) / 2, back.width(), back.height());
+    buttons().back()->setGeometry(width() - refresh.width(), (height() - refresh.height()) / 2,
+                                  refresh.width(), refresh.height());
 }
 
 int DetailHeaderWidget::heightFor(int) const {
-    return std::max({buttons_.front()->sizeHint().height(), buttons_.back()->sizeHint().height(),
+    return std::max({buttons().front()->sizeHint().height(), buttons().back()->sizeHint().height(),
                      theme().style(FontRole::headline).lineHeight()});
 }
 
 void DetailHeaderWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const TextStyle& style = theme().style(FontRole::headline);
-    const int left = buttons_.front()->geometry().right() + 1;
-    const int right = buttons_.back()->geometry().left();
+    const int left = buttons().front()->geometry().right() + 1;
+    const int right = buttons().back()->geometry().left();
     const QString title = shownTitle();
     const qreal centred = (width() - style.width(title)) / 2;
     const qreal x = std::max<qreal>(left, std::min(centred, right - style.width(title)));
@@ -146,8 +152,8 @@ void DetailHeaderWidget::paintEvent(QPaintEvent*) {
 }
 
 QString DetailHeaderWidget::shownTitle() const {
-    const int left = buttons_.front()->geometry().right() + 1;
-    const int right = buttons_.back()->geometry().left();
+    const int left = buttons().front()->geometry().right() + 1;
+    const int right = buttons().back()->geometry().left();
     return theme()
         .style(FontRole::headline)
         .elided(QString::fromStdString(value().title), right - left);
@@ -158,21 +164,13 @@ QString DetailHeaderWidget::cutTextAt(const QPoint&) const {
     return shownTitle() == title ? QString() : title;
 }
 
-FooterRowWidget::FooterRowWidget(const Theme& theme, PressHandler press, QWidget* parent)
-    : ValueBlockWidget(theme, parent), press_(std::move(press)) {}
-
 void FooterRowWidget::valueChanged() {
-    showButtons(buttons_, value().buttons, ButtonKind::title, theme(), press_, this);
-    placeButtons();
-}
-
-void FooterRowWidget::resizeEvent(QResizeEvent*) {
-    placeButtons();
+    showButtons(value().buttons, ButtonKind::title);
 }
 
 int FooterRowWidget::heightFor(int) const {
     int height = 0;
-    for (const ButtonWidget* button : buttons_) {
+    for (const ButtonWidget* button : buttons()) {
         height = std::max(height, button->sizeHint().height());
     }
     return height;
@@ -181,18 +179,15 @@ int FooterRowWidget::heightFor(int) const {
 // From the leading edge on, with the last one at the trailing edge; each gets its share of the row
 // at most, so that none covers another.
 void FooterRowWidget::placeButtons() {
-    if (buttons_.empty()) {
-        return;
-    }
-    const int count = static_cast<int>(buttons_.size());
+    const int count = static_cast<int>(buttons().size());
     const int room = width() - (count - 1) * FooterRow::kSpacing;
     int wanted = 0;
-    for (const ButtonWidget* button : buttons_) {
+    for (const ButtonWidget* button : buttons()) {
         wanted += button->sizeHint().width();
     }
     int x = 0;
     for (int i = 0; i < count; ++i) {
-        ButtonWidget* button = buttons_[static_cast<std::size_t>(i)];
+        ButtonWidget* button = buttons()[static_cast<std::size_t>(i)];
         const QSize size = button->sizeHint();
         const int buttonWidth =
             wanted <= room ? size.width() : std::max(0, size.width() * room / wanted);

@@ -170,7 +170,8 @@ void PanelPopup::keyPressEvent(QKeyEvent* event) {
         }
         return;
     }
-    if (!scroll(event->key())) {
+    // No button has the focus, or it has left the key to the page.
+    if (!view_->walk(event->key()) && !scroll(event->key())) {
         QWidget::keyPressEvent(event);
     }
 }

@@ -34,19 +34,22 @@ BlockWidget* PanelView::takeWidget(const std::string& id) {
     return row == rows_.end() ? nullptr : std::exchange(row->widget, nullptr);
 }
 
-PanelView::Change PanelView::takeRows(const Page& page) {
-    std::vector<Row> rows;
-    Change change;
+std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
+    Rows rows;
+    std::vector<BlockWidget*> gone;
+    bool isOrdered = true;
     for (const PageItem& item : page) {
         BlockWidget* widget = takeWidget(item.id);
         if (widget != nullptr && !widget->setBlock(item.block)) {
-            change.gone.push_back(std::exchange(widget, nullptr));
+            gone.push_back(std::exchange(widget, nullptr));
         }
         if (widget == nullptr) {
             widget = makeBlockWidget(item.block, theme_, motion_, press_, this);
             widget->setObjectName(QString::fromStdString(item.id));
-            connect(widget, &BlockWidget::heightChanged, this, &PanelView::placeWidgets);
-            change.fresh.push_back(widget);
+            connect(widget, &BlockWidget::accessibleValueChanged, widget,
+                    [widget](double percent) { announceValue(*widget, percent); });
+            connect(widget, &BlockWidget::placeChanged, this, [this] { placeWidgets(heldRow()); });
+            isOrdered = false;
         }
         const QString spoken = QString::fromStdString(spokenText(item.block));
         if (widget->accessibleName() != spoken) {
@@ -56,25 +59,16 @@ PanelView::Change PanelView::takeRows(const Page& page) {
     }
     for (const Row& left : rows_) {
         if (left.widget != nullptr) {
-            change.gone.push_back(left.widget);
+            gone.push_back(left.widget);
         }
     }
     rows_ = std::move(rows);
-    return change;
-}
-
-// Shown before it is placed, a widget would take a pointer in the corner for one above itself.
-std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
-    const Change change = takeRows(page);
     chainButtons();
-    if (!change.fresh.empty()) {
+    if (!isOrdered) {
         orderWidgets();
     }
-    placeWidgets();
-    for (BlockWidget* widget : change.fresh) {
-        widget->show();
-    }
-    return change.gone;
+    placeWidgets(heldRow());
+    return gone;
 }
 
 void PanelView::remove(const std::vector<BlockWidget*>& widgets) {
@@ -127,14 +121,34 @@ void PanelView::orderWidgets() {
     focusRing_->raise();
 }
 
-void PanelView::placeWidgets() {
+PanelView::Rows::iterator PanelView::heldRow() {
+    return std::find_if(rows_.begin(), rows_.end(),
+                        [](const Row& row) { return row.widget->isHeld(); });
+}
+
+// Above the held row nothing may need more room than there was: what is new there waits, and what
+// has grown is cut. What needs less leaves the rest free.
+void PanelView::placeWidgets(Rows::iterator held) {
     constexpr int width = kPanelWidth - 2 * grid::kPadding;
     int y = grid::kPadding;
-    for (const Row& row : rows_) {
-        y += row.item.spaceAbove;
-        const int height = row.widget->heightFor(width);
-        const int overhang = row.widget->overhang();
-        row.widget->setGeometry(grid::kPadding, y - overhang, width, height + 2 * overhang);
+    for (auto row = rows_.begin(); row != rows_.end(); ++row) {
+        BlockWidget& widget = *row->widget;
+        const bool isAboveHeld = held != rows_.end() && row < held;
+        if (isAboveHeld && widget.isHidden()) {
+            continue;
+        }
+        const int overhang = widget.overhang();
+        int height = widget.heightFor(width);
+        y += row->item.spaceAbove;
+        if (isAboveHeld) {
+            height = std::min(height, widget.height() - 2 * overhang);
+        } else if (row == held) {
+            y = std::max(y, widget.y() + overhang);
+        }
+        // Shown before it is placed, a widget would take a pointer in the corner for one above
+        // itself.
+        widget.setGeometry(grid::kPadding, y - overhang, width, height + 2 * overhang);
+        widget.show();
         y += height;
     }
     y += grid::kPadding;
@@ -143,24 +157,41 @@ void PanelView::placeWidgets() {
         setFixedSize(kPanelWidth, y);
         emit heightChanged();
     }
+    lookForPointer();
 }
 
-// Up and down walk through the buttons; on a page that is cut off they are left to scroll it.
-void PanelView::keyPressEvent(QKeyEvent* event) {
-    const bool isWalk = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
-    const bool isCutOff = parentWidget() != nullptr && parentWidget()->height() < height();
-    if (!isWalk || isCutOff) {
-        QWidget::keyPressEvent(event);
-        return;
+void PanelView::lookForPointer() {
+    for (const Row& row : rows_) {
+        row.widget->lookForPointer();
     }
-    focusNextPrevChild(event->key() == Qt::Key_Down);
+}
+
+bool PanelView::walk(int key) {
+    const bool isCutOff = parentWidget() != nullptr && parentWidget()->height() < height();
+    if ((key != Qt::Key_Up && key != Qt::Key_Down) || isCutOff) {
+        return false;
+    }
+    focusNextPrevChild(key == Qt::Key_Down);
+    return true;
+}
+
+void PanelView::keyPressEvent(QKeyEvent* event) {
+    if (!walk(event->key())) {
+        QWidget::keyPressEvent(event);
+    }
 }
 
 void PanelView::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange) {
-        placeWidgets();
+        placeWidgets(rows_.end());
     }
+}
+
+// The page has been scrolled.
+void PanelView::moveEvent(QMoveEvent* event) {
+    QWidget::moveEvent(event);
+    lookForPointer();
 }
 
 }  // namespace tarnwick::qt

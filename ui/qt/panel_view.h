@@ -36,6 +36,9 @@ class PanelView final : public QWidget {
     void turnTo(const Page& page, std::optional<PanelAction> entry, Qt::FocusReason reason);
     /// The button that has the focus; null without one.
     ButtonWidget* focusedButton() const;
+    /// Up and down walk through the buttons. False, doing nothing, for another key, and for a page
+    /// that is cut off: there they scroll.
+    bool walk(int key);
 
  signals:
     /// A page of another height was set, or the fonts changed.
@@ -44,32 +47,32 @@ class PanelView final : public QWidget {
  protected:
     void changeEvent(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
 
  private:
     struct Row {
         PageItem item;
         BlockWidget* widget;
     };
-
-    struct Change {
-        std::vector<BlockWidget*> fresh;
-        std::vector<BlockWidget*> gone;
-    };
+    using Rows = std::vector<Row>;
 
     /// Makes the rows of the page out of those there are, and shows the new ones in their places.
-    /// The widgets that are left over are still there.
+    /// The widgets that are left over, which it returns, are still there.
     std::vector<BlockWidget*> takePage(const Page& page);
-    Change takeRows(const Page& page);
     BlockWidget* takeWidget(const std::string& id);
     static void remove(const std::vector<BlockWidget*>& widgets);
     void chainButtons();
     void orderWidgets();
-    void placeWidgets();
+    /// The row that somebody is pointing at and that must not move; the end without one.
+    Rows::iterator heldRow();
+    /// Shows the rows one below the other, with `held` where it is.
+    void placeWidgets(Rows::iterator held);
+    void lookForPointer();
 
     const Theme& theme_;
     PressHandler press_;
     std::shared_ptr<Motion> motion_;
-    std::vector<Row> rows_;
+    Rows rows_;
     FocusRing* focusRing_;
 };
 

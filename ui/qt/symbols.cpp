@@ -7,6 +7,7 @@
 #include <QtMath>
 #include <algorithm>
 
+#include "ui/qt/device_pixels.h"
 #include "ui/symbols/symbol_drawing.h"
 
 namespace tarnwick::qt {
@@ -110,7 +111,7 @@ void paintSymbol(QPainter& painter, std::string_view name, const QColor& colour,
                  const QPointF& position, qreal size) {
     // Not the ratio of the device: a painter of a widget names the widget, wherever it draws.
     const qreal scale = painter.deviceTransform().m11();
-    painter.drawImage(position, symbolImage(name, colour, size, scale));
+    painter.drawImage(onPixel(painter, position), symbolImage(name, colour, size, scale));
 }
 
 }  // namespace tarnwick::qt

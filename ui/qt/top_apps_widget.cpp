@@ -1,10 +1,12 @@
 #include "ui/qt/top_apps_widget.h"
 
+#include <QCursor>
 #include <QPainter>
 #include <QStringList>
 #include <QtMath>
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace tarnwick::qt {
 
@@ -27,10 +29,12 @@ QString spoken(const RowContent& line) {
 
 }  // namespace
 
-void ListLine::setContent(const RowContent& content, const QString& spoken) {
-    if (accessibleName() != spoken) {
-        setAccessibleName(spoken);
+void ListLine::setContent(const RowContent& content) {
+    const QString name = spoken(content);
+    if (accessibleName() != name) {
+        setAccessibleName(name);
     }
+    setVisible(!name.isEmpty());
     if (content_ != content) {
         content_ = content;
         update();
@@ -62,25 +66,43 @@ std::vector<RowContent> ProcessListWidget<List>::contents() const {
 template <class List>
 void ProcessListWidget<List>::valueChanged() {
     const auto& processes = this->value().processes;
-    const bool isHeld = this->underMouse() && !processes.empty();
+    const bool isHeld = isHovered_ && !processes.empty();
     order_ =
         isHeld ? heldOrder(order_, processes) : ProcessSlots(processes.begin(), processes.end());
     showLines();
 }
 
 template <class List>
+void ProcessListWidget<List>::enterEvent(QEnterEvent* event) {
+    ValueBlockWidget<List>::enterEvent(event);
+    setHovered(true);
+}
+
+template <class List>
 void ProcessListWidget<List>::leaveEvent(QEvent* event) {
     ValueBlockWidget<List>::leaveEvent(event);
+    setHovered(false);
+}
+
+// A pointer that rests says nothing when the page scrolls below it.
+template <class List>
+void ProcessListWidget<List>::lookForPointer() {
+    setHovered(this->window()->underMouse() &&
+               this->visibleRegion().contains(this->mapFromGlobal(QCursor::pos())));
+}
+
+template <class List>
+void ProcessListWidget<List>::setHovered(bool isHovered) {
+    if (std::exchange(isHovered_, isHovered) == isHovered) {
+        return;
+    }
     const auto& processes = this->value().processes;
     ProcessSlots latest(processes.begin(), processes.end());
-    if (order_ != latest) {
-        const bool isOtherHeight = order_.size() != latest.size();
+    if (!isHovered && order_ != latest) {
         order_ = std::move(latest);
         showLines();
-        if (isOtherHeight) {
-            emit this->heightChanged();
-        }
     }
+    emit this->placeChanged();
 }
 
 template <class List>
@@ -93,12 +115,11 @@ void ProcessListWidget<List>::showLines() {
     }
     for (std::size_t i = 0; i < contents.size(); ++i) {
         if (i == lines_.size()) {
-            lines_.push_back(new ListLine(this->theme(), this));
-            lines_.back()->show();
+            const bool isTitle = std::is_same_v<List, TopAppsSection> && i == 0;
+            lines_.push_back(new ListLine(
+                this->theme(), isTitle ? QAccessible::Heading : QAccessible::ListItem, this));
         }
-        // The whole list is named by its title.
-        const bool isTitle = std::is_same_v<List, TopAppsSection> && i == 0;
-        lines_[i]->setContent(contents[i], isTitle ? QString() : spoken(contents[i]));
+        lines_[i]->setContent(contents[i]);
     }
     placeLines();
 }

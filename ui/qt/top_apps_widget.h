@@ -10,21 +10,24 @@
 namespace tarnwick::qt {
 
 /// One line of a list: reads as "name, figure" and paints again only when it says something else.
+/// A line that says nothing is not there for anybody, though its place is.
 class ListLine final : public QWidget {
     Q_OBJECT
 
  public:
-    ListLine(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {}
+    ListLine(const Theme& theme, QAccessible::Role role, QWidget* parent)
+        : QWidget(parent), theme_(theme), role_(role) {}
 
-    /// `spoken` is what a screen reader says.
-    void setContent(const RowContent& content, const QString& spoken);
+    void setContent(const RowContent& content);
     const RowContent& content() const { return content_; }
+    QAccessible::Role accessibleRole() const { return role_; }
 
  protected:
     void paintEvent(QPaintEvent* event) override;
 
  private:
     const Theme& theme_;
+    const QAccessible::Role role_;
     RowContent content_;
 };
 
@@ -37,11 +40,15 @@ class ProcessListWidget : public ValueBlockWidget<List> {
 
     int heightFor(int width) const override;
     QAccessible::Role accessibleRole() const override { return QAccessible::List; }
+    /// The pointer is over the lines.
+    bool isHeld() const override { return isHovered_; }
+    void lookForPointer() override;
 
  protected:
     void valueChanged() override;
     bool paintsItself() const override { return false; }
     void resizeEvent(QResizeEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     QString cutTextAt(const QPoint& position) const override;
 
@@ -50,7 +57,9 @@ class ProcessListWidget : public ValueBlockWidget<List> {
     std::vector<RowContent> contents() const;
     void showLines();
     void placeLines();
+    void setHovered(bool isHovered);
 
+    bool isHovered_ = false;
     ProcessSlots order_;
     std::vector<ListLine*> lines_;
 };

@@ -6,6 +6,7 @@
 #include <algorithm>
 
 #include "core/percentage.h"
+#include "ui/qt/device_pixels.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/row_content.h"
 #include "ui/qt/symbols.h"
@@ -25,8 +26,11 @@ int TrendRowWidget::heightFor(int) const {
     return std::max(TrendRow::kSparklineHeight, textHeight());
 }
 
+// Two rows share the space between them, so that neither is painted for the other. The tip of the
+// steepest peak of a whole history reaches six pixels beyond its frame; of the last of them, which
+// only fonts that leave the frame the whole row can cut off, nothing is to be seen.
 int TrendRowWidget::overhang() const {
-    return qCeil(SparklineView::kLineWidth / 2 * SparklineView::kMiterLimit);
+    return kBarSpacing / 2;
 }
 
 std::optional<double> TrendRowWidget::accessibleValue() const {
@@ -93,10 +97,9 @@ void paintSparkline(QPainter& painter, const SparklineView& sparkline, const The
         // Corners cannot be rounder than the bar is high.
         const qreal corner =
             std::min(SparklineView::kPlaceholderCorner, SparklineView::kPlaceholderHeight / 2);
-        painter.drawRoundedRect(
-            QRectF(frame.left(), frame.center().y() - SparklineView::kPlaceholderHeight / 2,
-                   frame.width(), SparklineView::kPlaceholderHeight),
-            corner, corner);
+        const QRectF bar(frame.left(), frame.center().y() - SparklineView::kPlaceholderHeight / 2,
+                         frame.width(), SparklineView::kPlaceholderHeight);
+        painter.drawRoundedRect(onPixelRows(painter, bar), corner, corner);
         return;
     }
     QPolygonF line;

@@ -8,6 +8,7 @@
 #include <cmath>
 #include <utility>
 
+#include "ui/qt/device_pixels.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/row_content.h"
 
@@ -19,7 +20,8 @@ namespace {
 constexpr double kLeastStep = 2;
 
 void paintBar(QPainter& painter, double fraction, const QColor& color, const Theme& theme,
-              const QRectF& rect) {
+              const QRectF& place) {
+    const QRectF rect = onPixelRows(painter, place);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
     QPainterPath track;
@@ -60,12 +62,17 @@ QRect UsageBarWidget::barRect() const {
     return {0, height() - grid::kBarHeight, width(), grid::kBarHeight};
 }
 
+QRect UsageBarWidget::barRoom() const {
+    // Drawn on whole pixels, it may reach so far above its place.
+    return barRect().adjusted(0, -1, 0, 0);
+}
+
 // Paints no more than the stretch that the end of the bar has passed over.
 void UsageBarWidget::barMoved() {
     const double from = std::min(drawnFraction_, fraction_.value());
     const double to = std::max(drawnFraction_, fraction_.value());
     drawnFraction_ = fraction_.value();
-    const QRect bar = barRect();
+    const QRect bar = barRoom();
     const int left = qFloor(from * bar.width() - 2 * grid::kBarCorner) - 1;
     const int right = qCeil(to * bar.width() + 2 * grid::kBarCorner) + 1;
     update(bar.intersected(QRect(left, bar.top(), right - left, bar.height())));
@@ -77,7 +84,7 @@ int UsageBarWidget::heightFor(int) const {
 
 void UsageBarWidget::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    if (!barRect().contains(event->rect())) {
+    if (!barRoom().contains(event->rect())) {
         const RowContent row = rowContent(value(), theme());
         paintRow(painter, row, theme(), QRect(0, 0, width(), rowHeight(row, theme())));
     }

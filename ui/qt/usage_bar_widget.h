@@ -28,6 +28,8 @@ class UsageBarWidget final : public ValueBlockWidget<UsageBar> {
 
  private:
     QRect barRect() const;
+    /// Where the bar may paint.
+    QRect barRoom() const;
     void barMoved();
 
     /// The share of the bar that is filled now.

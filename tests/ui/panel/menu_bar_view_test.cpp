@@ -400,5 +400,13 @@ TEST_F(MenuBarViewTest, AHiddenViewAnnouncesNoPage) {
     EXPECT_TRUE(pages.empty());
 }
 
+TEST_F(MenuBarViewTest, AppearsOnTheHomePageWhateverWasPressedWhileItWasHidden) {
+    view->perform(PanelAction::showPerformanceDetail);
+    const Page page = view->appear();
+    EXPECT_EQ(view->activeTab(), MenuTab::home);
+    EXPECT_TRUE(std::holds_alternative<PanelHeader>(page.front().block));
+    EXPECT_EQ(view->entryAction(), std::nullopt);
+}
+
 }  // namespace
 }  // namespace tarnwick

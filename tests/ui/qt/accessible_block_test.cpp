@@ -2,11 +2,14 @@
 
 #include <QAccessible>
 #include <gtest/gtest.h>
+#include <string>
+#include <vector>
 
 #include "tests/ui/panel/detail_fixtures.h"
 #include "tests/ui/panel/home_fixtures.h"
 #include "tests/ui/qt/settle.h"
 #include "ui/qt/button_widget.h"
+#include "ui/qt/panel_popup.h"
 #include "ui/qt/panel_view.h"
 #include "ui/qt/top_apps_widget.h"
 
@@ -98,12 +101,42 @@ TEST_F(AccessibleBlockTest, EveryBlockHasItsRole) {
     EXPECT_EQ(section->role(), QAccessible::List);
     EXPECT_EQ(section->text(QAccessible::Name), "Top CPU Apps");
     ASSERT_EQ(section->childCount(), 4);
+    EXPECT_EQ(section->child(0)->role(), QAccessible::Heading);
+    EXPECT_EQ(section->child(0)->text(QAccessible::Name), "Top CPU Apps");
     EXPECT_EQ(section->child(1)->role(), QAccessible::ListItem);
     EXPECT_EQ(section->child(1)->text(QAccessible::Name), "Firefox, 112.5%");
 
     show(performanceDetailPage(testing::performanceDetailStates().front().inputs, formatter));
     EXPECT_EQ(find("trends")->role(), QAccessible::Heading);
     EXPECT_EQ(find("header")->text(QAccessible::Name), "Performance");
+}
+
+TEST_F(AccessibleBlockTest, ThePanelIsADialogWithAName) {
+    PanelPopup popup(
+        theme, homePage(testing::calmMachine(), formatter), [](PanelAction) {}, true);
+    QAccessibleInterface* panel = QAccessible::queryAccessibleInterface(&popup);
+    EXPECT_EQ(panel->role(), QAccessible::Dialog);
+    EXPECT_EQ(panel->text(QAccessible::Name), "Tarnwick");
+}
+
+TEST_F(AccessibleBlockTest, ANewValueIsAnnouncedAndANewTextAloneIsNot) {
+    std::vector<double> announced;
+    const auto bar = [](double value, const char* detail, Tint tint) {
+        return Page{{"bar", 0, UsageBar{"Storage", "internaldrive", value, detail, tint}}};
+    };
+    show(bar(40, "a", Tint::green));
+    QObject::connect(view.findChild<BlockWidget*>("bar"), &BlockWidget::accessibleValueChanged,
+                     [&announced](double percent) { announced.push_back(percent); });
+    show(bar(40, "b", Tint::green));
+    show(bar(40, "b", Tint::red));
+    EXPECT_EQ(announced, std::vector<double>());
+    show(bar(41, "b", Tint::red));
+    EXPECT_EQ(announced, std::vector<double>{41});
+    // Nothing is known any more, and nothing is not a share of 0.
+    show(bar(0, "Loading...", Tint::gray));
+    EXPECT_EQ(announced, std::vector<double>{41});
+    show(bar(41, "b", Tint::red));
+    EXPECT_EQ(announced, (std::vector<double>{41, 41}));
 }
 
 TEST_F(AccessibleBlockTest, EveryButtonOffersToBePressed) {

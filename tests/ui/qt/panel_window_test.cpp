@@ -434,6 +434,19 @@ TEST_F(PanelWindowTest, ArrowsWalkThroughTheButtonsOfAPageThatFits) {
     QApplication::setFont(old);
 }
 
+TEST_F(PanelWindowTest, ArrowsBeginTheWalkWhereNoButtonHasTheFocus) {
+    QFont small = QApplication::font();
+    const QFont old = small;
+    small.setPointSizeF(4);
+    QApplication::setFont(small);
+    open();
+    ASSERT_EQ(focused(), "");
+    key(Qt::Key_Down);
+    EXPECT_EQ(focused(), "button.refresh");
+    EXPECT_TRUE(find("focusRing")->isVisible());
+    QApplication::setFont(old);
+}
+
 TEST_F(PanelWindowTest, ARefreshWithTheSameFiguresPaintsNothing) {
     for (const char* way : {"", "button.showMemoryDetail", "button.showPerformanceDetail"}) {
         open();

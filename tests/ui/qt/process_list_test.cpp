@@ -1,6 +1,5 @@
 // Lists of processes, and what they do under the pointer.
 #include <QApplication>
-#include <QEnterEvent>
 #include <QHelpEvent>
 #include <QToolTip>
 #include <algorithm>
@@ -10,6 +9,7 @@
 #include "tests/ui/panel/detail_fixtures.h"
 #include "tests/ui/panel/home_fixtures.h"
 #include "tests/ui/qt/paint_counter.h"
+#include "tests/ui/qt/pointer.h"
 #include "tests/ui/qt/settle.h"
 #include "ui/qt/panel_view.h"
 #include "ui/qt/top_apps_widget.h"
@@ -23,7 +23,11 @@ using ::testing::SizeIs;
 
 class ProcessListTest : public ::testing::Test {
  protected:
-    ProcessListTest() { inputs.memoryInfo.total = 100; }
+    ProcessListTest() {
+        inputs.memoryInfo.total = 100;
+        movePointer(kElsewhere);
+    }
+    ~ProcessListTest() override { movePointer(kElsewhere); }
 
     void show(const std::vector<AppProcessInfo>& processes) {
         inputs.topMemoryProcesses = processes;
@@ -46,16 +50,8 @@ class ProcessListTest : public ::testing::Test {
         }
         return all;
     }
-    void enter() const {
-        const QPointF middle = list()->rect().center();
-        QEnterEvent event(middle, middle, list()->mapToGlobal(middle));
-        QApplication::sendEvent(list(), &event);
-    }
-    void leave() const {
-        QEvent event(QEvent::Leave);
-        QApplication::sendEvent(list(), &event);
-        settle();
-    }
+    void enter() const { movePointer(list()->mapToGlobal(list()->rect().center())); }
+    static void leave() { movePointer(kElsewhere); }
     static AppProcessInfo process(int id, std::uint64_t bytes) {
         return {.id = id, .name = "app " + std::to_string(id), .memoryUsage = bytes};
     }
@@ -71,6 +67,40 @@ TEST_F(ProcessListTest, ReadsARowAsNameAndFigure) {
     EXPECT_THAT(texts(), ElementsAre("app 1, 50.0% (50 bytes)", "app 2, 25.0% (25 bytes)"));
     show({});
     EXPECT_THAT(texts(), ElementsAre("Collecting data..."));
+}
+
+TEST_F(ProcessListTest, WithoutProcessesAListSaysThatItIsCollectingThem) {
+    const TopAppsSection section{"Top CPU Apps", {}, [](const AppProcessInfo&) { return ""; }};
+    const TopAppsList list{{}, 0, section.valueText};
+    view.setPage({{"section", 0, section}, {"list", 0, list}});
+    view.show();
+    settle();
+    const auto linesOf = [this](const char* name) {
+        return view.findChild<QWidget*>(name)->findChildren<ListLine*>();
+    };
+    ASSERT_THAT(linesOf("section"), SizeIs(2));
+    ASSERT_THAT(linesOf("list"), SizeIs(1));
+    EXPECT_TRUE(linesOf("section")[0]->content() == rowContent(GroupTitle{"Top CPU Apps"}, theme));
+    for (const ListLine* line : {linesOf("section")[1], linesOf("list")[0]}) {
+        EXPECT_TRUE(line->content() == rowContent(CaptionText{"Collecting data..."}, theme));
+        EXPECT_EQ(line->accessibleName(), "Collecting data...");
+        EXPECT_TRUE(line->isVisible());
+    }
+}
+
+TEST_F(ProcessListTest, RowsAreIndentedAndReachTheOtherEdge) {
+    view.setPage(
+        {{"list", 0, TopAppsList{{process(1, 1), process(2, 1)}, 12, [](const AppProcessInfo&) {
+                                     return "1%";
+                                 }}}});
+    view.show();
+    settle();
+    const QWidget* indented = view.findChild<QWidget*>("list");
+    ASSERT_THAT(indented->findChildren<ListLine*>(), SizeIs(2));
+    for (const ListLine* line : indented->findChildren<ListLine*>()) {
+        EXPECT_EQ(line->x(), 12);
+        EXPECT_EQ(line->geometry().right(), indented->rect().right());
+    }
 }
 
 TEST_F(ProcessListTest, FollowsTheLatestOrder) {
@@ -99,6 +129,10 @@ TEST_F(ProcessListTest, ARowWhoseProcessHasGoneIsEmptyUntilThePointerLeaves) {
     show({process(2, 60)});
     EXPECT_THAT(texts(), ElementsAre("", "app 2, 60.0% (60 bytes)", ""));
     EXPECT_EQ(lines()[1]->y(), second);
+    // Nobody is told of the empty ones.
+    EXPECT_FALSE(lines()[0]->isVisible());
+    EXPECT_TRUE(lines()[1]->isVisible());
+    EXPECT_FALSE(lines()[2]->isVisible());
     EXPECT_EQ(view.height(), height);
     leave();
     EXPECT_THAT(texts(), ElementsAre("app 2, 60.0% (60 bytes)"));
@@ -135,10 +169,10 @@ TEST_F(ProcessListTest, ALongNameIsWholeInTheToolTip) {
     AppProcessInfo endless = process(1, 50);
     endless.name = std::string(300, 'W');
     show({process(2, 60), endless});
-    const auto tip = [this](const QWidget* line) {
-        const QPoint position = line->geometry().center();
-        QHelpEvent help(QEvent::ToolTip, position, list()->mapToGlobal(position));
-        QApplication::sendEvent(list(), &help);
+    const auto tip = [](QWidget* line) {
+        const QPoint position = line->rect().center();
+        QHelpEvent help(QEvent::ToolTip, position, line->mapToGlobal(position));
+        QApplication::sendEvent(line, &help);
         return QToolTip::text();
     };
     EXPECT_TRUE(tip(lines()[1]).contains(QString(300, 'W')));
@@ -151,17 +185,18 @@ TEST_F(ProcessListTest, TheSectionOfTheHomePageHoldsItsRowsToo) {
     const auto showHome = [&](const std::vector<AppProcessInfo>& processes) {
         home.topCPUProcesses = processes;
         view.setPage(homePage(home, formatter));
+        view.show();
         settle();
     };
     showHome({{.id = 1, .name = "a", .cpuUsage = 20}, {.id = 2, .name = "b", .cpuUsage = 10}});
     QWidget* section = view.findChild<QWidget*>("topCPU");
     EXPECT_EQ(section->accessibleName(), "Top CPU Apps");
-    QEnterEvent event({}, {}, {});
-    QApplication::sendEvent(section, &event);
+    movePointer(section->mapToGlobal(section->rect().center()));
     showHome({{.id = 2, .name = "b", .cpuUsage = 90}, {.id = 1, .name = "a", .cpuUsage = 30}});
     const QList<ListLine*> found = section->findChildren<ListLine*>();
     ASSERT_THAT(found, SizeIs(3));
     EXPECT_EQ(found[0]->content().leading.text, "Top CPU Apps");
+    EXPECT_EQ(found[0]->accessibleName(), "Top CPU Apps");
     EXPECT_EQ(found[1]->accessibleName(), "a, 30.0%");
     EXPECT_EQ(found[2]->accessibleName(), "b, 90.0%");
 }

@@ -1,0 +1,244 @@
+// The rows of a process list stay under the pointer, whatever happens around them.
+#include <QScrollArea>
+#include <QScrollBar>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "tests/ui/panel/detail_fixtures.h"
+#include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/qt/pointer.h"
+#include "tests/ui/qt/settle.h"
+#include "ui/qt/panel_view.h"
+#include "ui/qt/top_apps_widget.h"
+
+namespace tarnwick::qt {
+namespace {
+
+using ::testing::ElementsAre;
+
+class PanelHoverTest : public ::testing::Test {
+ protected:
+    PanelHoverTest() {
+        scroller.setFrameShape(QFrame::NoFrame);
+        scroller.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        scroller.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        scroller.setWidget(view);
+        scroller.setGeometry(0, 0, kPanelWidth, 780);
+        movePointer(kElsewhere);
+        inputs.cpuInfo.usagePercentage = 99;
+        inputs.systemInfo.uptime = 60;
+        inputs.remindRestartAfterWeek = true;
+        inputs.batteryDetectionComplete = false;
+        inputs.topCPUProcesses = {{.id = 1, .name = "a", .cpuUsage = 20},
+                                  {.id = 2, .name = "b", .cpuUsage = 10}};
+        show();
+    }
+    ~PanelHoverTest() override { movePointer(kElsewhere); }
+
+    void show() {
+        view->setPage(page());
+        scroller.show();
+        settle();
+    }
+    QWidget* find(const char* name) const { return view->findChild<QWidget*>(name); }
+    QWidget* list() const { return find("topCPU"); }
+    QPoint middleOfList() const { return list()->mapToGlobal(list()->rect().center()); }
+    /// The other way round.
+    void turnProcesses() {
+        std::swap(inputs.topCPUProcesses.front(), inputs.topCPUProcesses.back());
+        show();
+    }
+    std::vector<std::string> names() const {
+        std::vector<std::string> all;
+        const QList<ListLine*> lines = list()->findChildren<ListLine*>();
+        for (int i = 1; i < lines.size(); ++i) {
+            all.push_back(lines[i]->content().leading.text.toStdString());
+        }
+        return all;
+    }
+    Page page() const { return homePage(inputs, formatter); }
+    /// The panel looks as it would if it had been opened now.
+    void expectLatest() const {
+        PanelView fresh(
+            theme, [](PanelAction) {}, nullptr);
+        fresh.setPage(page());
+        EXPECT_EQ(view->height(), fresh.height());
+        for (const PageItem& item : page()) {
+            const auto* expected = fresh.findChild<QWidget*>(QString::fromStdString(item.id));
+            EXPECT_EQ(find(item.id.c_str())->geometry(), expected->geometry()) << item.id;
+            EXPECT_TRUE(find(item.id.c_str())->isVisible()) << item.id;
+        }
+    }
+
+    Theme theme;
+    testing::PlainByteCountFormatter formatter;
+    HomePageInputs inputs = testing::calmMachine();
+    QScrollArea scroller;
+    PanelView* view = new PanelView(
+        theme, [](PanelAction) {}, &scroller);
+};
+
+/// What may happen above the list.
+struct Change {
+    const char* name;
+    void (*apply)(HomePageInputs&);
+};
+
+constexpr Change kChanges[] = {
+    {"a row comes", [](HomePageInputs& in) { in.systemInfo.uptime = 604800; }},
+    {"a bar goes", [](HomePageInputs& in) { in.gpuInfo.isAvailable = false; }},
+    {"one comes and one goes",
+     [](HomePageInputs& in) {
+         in.systemInfo.uptime = 604800;
+         in.gpuInfo.isAvailable = false;
+     }},
+    {"the summary takes a second line",
+     [](HomePageInputs& in) {
+         in.displaySummary.popoverText =
+             "A summary that says so much about so many things that it needs another line";
+     }},
+    {"rows take the place of another",
+     [](HomePageInputs& in) { in.batteryDetectionComplete = true; }},
+};
+
+TEST_F(PanelHoverTest, TheListStaysWhereItIsUntilThePointerLeaves) {
+    for (const Change& change : kChanges) {
+        SCOPED_TRACE(change.name);
+        const HomePageInputs before = inputs;
+        movePointer(middleOfList());
+        const QRect place = list()->geometry();
+        const int height = view->height();
+        change.apply(inputs);
+        turnProcesses();
+        EXPECT_EQ(list()->geometry(), place);
+        EXPECT_EQ(view->height(), height);
+        EXPECT_THAT(names(), ElementsAre("a", "b"));
+        // Nothing lies on anything else meanwhile.
+        int bottom = 0;
+        for (const PageItem& item : page()) {
+            const QWidget* row = find(item.id.c_str());
+            if (row->isVisible()) {
+                EXPECT_GE(row->y(), bottom) << item.id;
+                bottom = row->geometry().bottom() + 1;
+            }
+        }
+        movePointer(kElsewhere);
+        EXPECT_THAT(names(), ElementsAre("b", "a"));
+        expectLatest();
+        inputs = before;
+        show();
+        expectLatest();
+    }
+}
+
+TEST_F(PanelHoverTest, ThePointerBesideTheListHoldsNothing) {
+    movePointer(find("bar.cpu")->mapToGlobal(QPoint(5, 5)));
+    const int y = list()->y();
+    inputs.systemInfo.uptime = 604800;
+    turnProcesses();
+    EXPECT_GT(list()->y(), y);
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
+    expectLatest();
+}
+
+TEST_F(PanelHoverTest, NewFiguresAboveAreShownAtOnce) {
+    movePointer(middleOfList());
+    inputs.cpuInfo.usagePercentage = 98;
+    inputs.systemInfo.uptime = 604800;
+    show();
+    EXPECT_EQ(find("bar.cpu")->accessibleName(), "CPU, 98.0%, high");
+    EXPECT_FALSE(find("restart")->isVisible());
+    // Also with figures that say the same.
+    show();
+    EXPECT_FALSE(find("restart")->isVisible());
+}
+
+TEST_F(PanelHoverTest, ARowThatCameAndWentWhileItWaitedIsNeverSeen) {
+    movePointer(middleOfList());
+    inputs.systemInfo.uptime = 604800;
+    show();
+    inputs.systemInfo.uptime = 60;
+    show();
+    EXPECT_EQ(find("restart"), nullptr);
+    movePointer(kElsewhere);
+    expectLatest();
+}
+
+TEST_F(PanelHoverTest, AListThatIsScrolledUnderAPointerAtRestIsHeld) {
+    scroller.resize(kPanelWidth, 200);
+    movePointer(scroller.mapToGlobal(QPoint(160, 100)));
+    scroller.verticalScrollBar()->setValue(list()->geometry().center().y() - 100);
+    settle();
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("a", "b"));
+    // And let go once it is scrolled away.
+    scroller.verticalScrollBar()->setValue(0);
+    settle();
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("a", "b"));
+}
+
+TEST_F(PanelHoverTest, AListThatMovesUnderAPointerAtRestIsHeld) {
+    // Below the last line, where the list will be once there is one more row.
+    const QPoint below(160, list()->geometry().bottom() + 4);
+    movePointer(view->mapToGlobal(below));
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
+    inputs.systemInfo.uptime = 604800;
+    show();
+    ASSERT_TRUE(list()->geometry().contains(below));
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
+}
+
+TEST_F(PanelHoverTest, APointerThatIsOnNoWindowAnyMoreHoldsNothing) {
+    movePointer(middleOfList());
+    // As where it has left and nobody tells where it is.
+    QEvent leave(QEvent::Leave);
+    QApplication::sendEvent(&scroller, &leave);
+    QApplication::sendEvent(list(), &leave);
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
+}
+
+TEST_F(PanelHoverTest, WidgetsThatComeTakeNoPointerBeforeTheyAreInTheirPlace) {
+    // Where a widget is before it is placed, and where no page has one.
+    movePointer(scroller.mapToGlobal(QPoint(8, 8)));
+    const Page detail = memoryDetailPage(testing::memoryDetailStates()[1].inputs, formatter);
+    for (const Page& next : {detail, page(), detail}) {
+        view->turnTo(next, std::nullopt, Qt::OtherFocusReason);
+        settle();
+        for (const QWidget* widget : view->findChildren<QWidget*>()) {
+            EXPECT_FALSE(widget->underMouse()) << widget->objectName().toStdString();
+        }
+    }
+}
+
+TEST_F(PanelHoverTest, OtherFontsAreShownAtOnce) {
+    movePointer(middleOfList());
+    const QFont old = QApplication::font();
+    QFont larger = old;
+    larger.setPointSizeF(old.pointSizeF() * 1.2);
+    QApplication::setFont(larger);
+    settle();
+    expectLatest();
+    QApplication::setFont(old);
+    settle();
+}
+
+TEST_F(PanelHoverTest, AListThatGoesWhilePointedAtLetsGo) {
+    movePointer(middleOfList());
+    inputs.cpuInfo.usagePercentage = 5;
+    inputs.systemInfo.uptime = 604800;
+    show();
+    EXPECT_EQ(list(), nullptr);
+    expectLatest();
+}
+
+}  // namespace
+}  // namespace tarnwick::qt

@@ -1,0 +1,210 @@
+// What holds of every page, whatever the machine is like.
+#include <algorithm>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+#include "tests/ui/qt/paint_counter.h"
+#include "tests/ui/qt/panel_view_fixture.h"
+#include "ui/panel/spoken_text.h"
+#include "ui/qt/button_widget.h"
+#include "ui/qt/symbols.h"
+#include "ui/qt/top_apps_widget.h"
+
+namespace tarnwick::qt {
+namespace {
+
+struct State {
+    std::string name;
+    Page page;
+};
+
+class PanelStates : public PanelViewTest {
+ protected:
+    PanelStates() {
+        for (const auto& [name, inputs] : testing::homeStates()) {
+            states.push_back({"home " + std::string(name), homePage(inputs, formatter)});
+        }
+        for (const auto& [name, inputs] : testing::memoryDetailStates()) {
+            states.push_back({"memory " + std::string(name), memoryDetailPage(inputs, formatter)});
+        }
+        for (const auto& [name, inputs] : testing::performanceDetailStates()) {
+            states.push_back(
+                {"performance " + std::string(name), performanceDetailPage(inputs, formatter)});
+        }
+    }
+    ~PanelStates() override {
+        QApplication::setFont(font);
+        settle();
+    }
+
+    void enlargeFonts(qreal factor) const {
+        QFont larger = font;
+        larger.setPointSizeF(font.pointSizeF() * factor);
+        QApplication::setFont(larger);
+        settle();
+    }
+    BlockWidget* block(const PageItem& item) const {
+        return view.findChild<BlockWidget*>(QString::fromStdString(item.id),
+                                            Qt::FindDirectChildrenOnly);
+    }
+    void expectAColumn(const Page& page) const {
+        EXPECT_EQ(view.width(), kPanelWidth);
+        int bottom = 16;
+        const BlockWidget* above = nullptr;
+        for (const PageItem& item : page) {
+            SCOPED_TRACE(item.id);
+            const BlockWidget* widget = block(item);
+            ASSERT_NE(widget, nullptr);
+            EXPECT_TRUE(widget->isVisible());
+            EXPECT_EQ(widget->x(), 16);
+            EXPECT_EQ(widget->width(), 288);
+            EXPECT_EQ(widget->y() + widget->overhang(), bottom + item.spaceAbove);
+            const int height = widget->height() - 2 * widget->overhang();
+            EXPECT_GT(height, 0);
+            bottom += item.spaceAbove + height;
+            if (above != nullptr) {
+                EXPECT_FALSE(widget->geometry().intersects(above->geometry()));
+            }
+            above = widget;
+        }
+        EXPECT_EQ(view.height(), bottom + 16);
+    }
+    void expectButtonsApart() const {
+        for (const ButtonWidget* button : view.findChildren<ButtonWidget*>()) {
+            SCOPED_TRACE(button->objectName().toStdString());
+            EXPECT_TRUE(button->parentWidget()->rect().contains(button->geometry()));
+            for (const ButtonWidget* other :
+                 button->parentWidget()->findChildren<ButtonWidget*>()) {
+                EXPECT_TRUE(other == button || !other->geometry().intersects(button->geometry()));
+            }
+        }
+    }
+
+    const QFont font = QApplication::font();
+    std::vector<State> states;
+};
+
+TEST_F(PanelStates, BlocksAreInsideInOrderAndApart) {
+    for (const State& state : states) {
+        SCOPED_TRACE(state.name);
+        show(state.page);
+        expectAColumn(state.page);
+    }
+}
+
+TEST_F(PanelStates, ButtonsAreInsideTheirBlocksAndApart) {
+    for (const State& state : states) {
+        SCOPED_TRACE(state.name);
+        show(state.page);
+        const bool isHome = std::holds_alternative<PanelHeader>(state.page.front().block);
+        EXPECT_EQ(view.findChildren<ButtonWidget*>().size(), isHome ? 6 : 2);
+        expectButtonsApart();
+    }
+}
+
+TEST_F(PanelStates, WithLargerFontsNothingOverlaps) {
+    for (const qreal factor : {1.5, 3.3}) {
+        SCOPED_TRACE(factor);
+        enlargeFonts(factor);
+        for (const State& state : states) {
+            SCOPED_TRACE(state.name);
+            show(state.page);
+            expectAColumn(state.page);
+            expectButtonsApart();
+        }
+    }
+}
+
+TEST_F(PanelStates, FontsThatGrowWhileItIsOpenMakeTheSamePage) {
+    for (const State& state : states) {
+        SCOPED_TRACE(state.name);
+        show(state.page);
+        enlargeFonts(1.5);
+        expectAColumn(state.page);
+        expectButtonsApart();
+        PanelView fresh(
+            theme, [](PanelAction) {}, nullptr);
+        fresh.setPage(state.page);
+        fresh.show();
+        settle();
+        EXPECT_EQ(view.height(), fresh.height());
+        for (const ButtonWidget* button : fresh.findChildren<ButtonWidget*>()) {
+            EXPECT_EQ(find(button->objectName().toUtf8())->geometry(), button->geometry())
+                << button->objectName().toStdString();
+        }
+        QApplication::setFont(font);
+        settle();
+    }
+}
+
+TEST_F(PanelStates, TheSamePageIsNotPaintedAgain) {
+    for (const State& state : states) {
+        SCOPED_TRACE(state.name);
+        show(state.page);
+        PaintCounter counter;
+        show(state.page);
+        EXPECT_THAT(counter.paints, ::testing::IsEmpty());
+    }
+}
+
+TEST_F(PanelStates, EveryBlockIsReadOut) {
+    for (const State& state : states) {
+        SCOPED_TRACE(state.name);
+        show(state.page);
+        for (const PageItem& item : state.page) {
+            EXPECT_EQ(block(item)->accessibleName().toStdString(), spokenText(item.block));
+        }
+    }
+}
+
+TEST_F(PanelStates, EveryProcessHasItsLine) {
+    for (const State& state : states) {
+        SCOPED_TRACE(state.name);
+        show(state.page);
+        for (const PageItem& item : state.page) {
+            std::visit(
+                [&](const auto& list) {
+                    if constexpr (requires { list.processes; }) {
+                        constexpr bool hasTitle =
+                            std::is_same_v<std::remove_cvref_t<decltype(list)>, TopAppsSection>;
+                        const std::size_t lines = std::max<std::size_t>(list.processes.size(), 1);
+                        EXPECT_EQ(
+                            static_cast<std::size_t>(block(item)->findChildren<ListLine*>().size()),
+                            lines + (hasTitle ? 1 : 0));
+                    }
+                },
+                item.block);
+        }
+    }
+}
+
+TEST_F(PanelStates, EverySymbolIsDrawn) {
+    const auto expectDrawn = [](const std::string& name) {
+        EXPECT_TRUE(name.empty() || hasSymbol(name)) << name;
+    };
+    for (const State& state : states) {
+        for (const PageItem& item : state.page) {
+            std::visit(
+                [&](const auto& block) {
+                    if constexpr (requires { block.icon; }) {
+                        EXPECT_NE(block.icon, "");
+                        expectDrawn(block.icon);
+                    } else if constexpr (requires { block.buttons; }) {
+                        for (const PanelButton& button : block.buttons) {
+                            expectDrawn(button.icon);
+                        }
+                    } else if constexpr (requires { block.back; }) {
+                        expectDrawn(block.back.icon);
+                    }
+                },
+                item.block);
+        }
+    }
+    EXPECT_TRUE(hasSymbol(NavigationButton::kTrailingIcon));
+}
+
+}  // namespace
+}  // namespace tarnwick::qt

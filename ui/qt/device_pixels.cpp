@@ -1,0 +1,36 @@
+#include "ui/qt/device_pixels.h"
+
+#include <QPainter>
+#include <QTransform>
+#include <QtMath>
+#include <algorithm>
+
+namespace tarnwick::qt {
+
+namespace {
+
+/// Parts of a pixel that are no more than the error of the arithmetic.
+constexpr qreal kTolerance = 1e-3;
+
+int pixel(qreal coordinate) {
+    return qFloor(coordinate + kTolerance);
+}
+
+}  // namespace
+
+QRectF onPixelRows(const QPainter& painter, const QRectF& rect) {
+    // Not the device's own ratio: a painter of a widget names the widget, wherever it draws.
+    const QTransform& device = painter.deviceTransform();
+    const int bottom = pixel(device.map(rect.bottomLeft()).y());
+    const int height = std::max(1, qRound(rect.height() * device.m22()));
+    const qreal top = device.inverted().map(QPointF(0, bottom - height)).y();
+    return {rect.left(), top, rect.width(), height / device.m22()};
+}
+
+QPointF onPixel(const QPainter& painter, const QPointF& position) {
+    const QTransform& device = painter.deviceTransform();
+    const QPointF mapped = device.map(position);
+    return device.inverted().map(QPointF(pixel(mapped.x()), pixel(mapped.y())));
+}
+
+}  // namespace tarnwick::qt
