@@ -25,6 +25,11 @@ class MedianReporter final : public benchmark::ConsoleReporter {
         }
     }
 
+    // Processor time of the work of a pair, milliseconds, or 0 when it did not run.
+    double milliseconds(const std::string& name) const {
+        const auto work = medians_.find(name);
+        return work != medians_.end() ? work->second / 1e6 : 0;
+    }
     // The ratio of a pair, or 0 when one of them did not run.
     double ratio(const std::string& name) const {
         const auto work = medians_.find(name);
@@ -80,6 +85,12 @@ int runPairs(int argc, char** argv, std::span<const Pair> pairs) {
             std::printf("%s: not measured\n", pair.name);
         }
         within = within && ratio > 0 && ratio <= pair.budget;
+        const double milliseconds = reporter.milliseconds(pair.name);
+        if (ratio > 0 && pair.milliseconds > 0) {
+            std::printf("%s: %.2f ms of processor time, budget %.0f ms\n", pair.name, milliseconds,
+                        pair.milliseconds);
+            within = within && milliseconds <= pair.milliseconds;
+        }
     }
     return check && !within ? 1 : 0;
 }

@@ -24,17 +24,22 @@ class TurnedPanel final : public QObject {
     void close();
     /// A press on one of its buttons; returns once what follows is painted.
     void press(PanelAction action);
-    /// Lets the time of one refresh pass; returns once the new figures are painted.
+    /// Has everything sampled anew; returns once the new figures are painted and every frame of
+    /// what then moves.
     void tick();
+    /// How many frames of moving bars have been painted.
+    int frames() const { return frames_; }
 
     bool eventFilter(QObject* object, QEvent* event) override;
 
  private:
     struct Machine;
     void waitUntilPainted();
+    void showFrames();
 
     std::unique_ptr<Machine> machine_;
     bool isPainted_ = false;
+    int frames_ = 0;
 };
 
 }  // namespace tarnwick::benchmarks
