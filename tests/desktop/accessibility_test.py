@@ -40,13 +40,16 @@ class AccessibilityTest(DesktopTestCase):
         self.assert_open(self.program)
         self.bus = self.enterContext(self.desktop.accessibility_bus())
 
+    def window(self):
+        """The panel among the program's windows, or None."""
+        root = self.bus.program(self.program.pid)
+        return next((each for each in (root.children() if root else ())
+                     if each.name == "Tarnwick"), None)
+
     def panel(self):
         """All that a screen reader finds on the panel, in reading order."""
-        root = self.bus.program(self.program.pid)
-        for window in root.children() if root else ():
-            if window.name == "Tarnwick":
-                return list(window.descendants())
-        return []
+        window = self.window()
+        return list(window.descendants()) if window else []
 
     def names(self):
         # What goes away while it is asked is asked again.
@@ -87,6 +90,14 @@ class AccessibilityTest(DesktopTestCase):
 
         self.assert_each("push button", look)
 
+    def assert_no_item_is_unnamed(self):
+        def look(items):
+            for each in items:
+                if "visible" in each.states():
+                    self.assertNotEqual(each.name, "")
+
+        self.assert_each("list item", look)
+
     def assert_values(self, role, titles):
         """What shows a share has it as its value, and its level in words as its description."""
         def look(shares):
@@ -104,12 +115,14 @@ class AccessibilityTest(DesktopTestCase):
 
     def test_every_page_is_found_read_and_left(self):
         self.assert_reads(_HOME)
+        self.until(lambda: self.window().role == "dialog", "the panel is a dialog")
         self.assert_buttons({"Settings", "Refresh", "What's Using Memory?",
                              "Performance & Network", "Activity Monitor", "Quit"})
         self.assert_values("progress bar", ["CPU", "Memory", "Storage"])
         self.press(self.program, "What's Using Memory?")
         self.assert_reads(_MEMORY)
         self.assert_buttons({"Back", "Refresh"})
+        self.assert_no_item_is_unnamed()
         self.press(self.program, "Back")
         self.assert_reads(_HOME)
         self.press(self.program, "Performance & Network")

@@ -114,13 +114,17 @@ class PanelTest(DesktopTestCase):
     def test_middle_click_refreshes(self):
         program = self.start_known_to_user()
         place = self.until(program.settled_item_place, "the item is on the screen")
-        self.wait_for_refresh(program)
-        start = bytes_read(program)
-        self.desktop.screen.click(place, button=2)
-        begin = time.monotonic()
-        self.until(lambda: bytes_read(program) >= start + REFRESH_BYTES,
-                   "a refresh after a middle click")
-        self.assertLess(time.monotonic() - begin, 5, "that was the next refresh by itself")
+        # A refresh by itself comes in twice the time; a busy machine may need the click again.
+        for _ in range(3):
+            self.wait_for_refresh(program)
+            start = bytes_read(program)
+            begin = time.monotonic()
+            self.desktop.screen.click(place, button=2)
+            self.until(lambda: bytes_read(program) >= start + REFRESH_BYTES, "a refresh")
+            if time.monotonic() - begin < 5:
+                break
+        else:
+            self.fail("every refresh after a middle click was the next one by itself")
         self.assertIsNone(program.panel())
 
     def test_keeps_the_files_of_processes_open_only_while_it_is_open(self):
