@@ -181,12 +181,18 @@ class SettingsTourCase(DesktopTestCase):
                    f"{name} is {'' if expected else 'not '}{state}")
 
     def wait_until_recording(self):
+        """It is seen, heard and told as the state of a button."""
         def is_recording():
             x, y, width, height = self.control(*RECORDER).place()
             recorder = self.desktop.screen.picture((x, y, x + width, y + height))
-            return _RECORDING in recorder.getdata() and self.is_focused(*RECORDER)
+            return _RECORDING in recorder.getdata() and \
+                {"focused", "pressed"} <= self.states(*RECORDER)
 
         self.until(is_recording, "a shortcut is recorded")
+        self.assert_recorder_reads("Press ⌘ + key…")
+
+    def assert_recorder_reads(self, text):
+        self.until_equal(lambda: self.control(*RECORDER).text(), text, "the recorder's text")
 
     def wait_until_closed(self):
         self.until(lambda: self.look(lambda window: window is None), "the window is closed")

@@ -14,8 +14,8 @@ _VALUE = "org.a11y.atspi.Value"
 _PROPERTIES = "org.freedesktop.DBus.Properties"
 _CALL_MS = 20000
 # Bits of a state set, by the numbers of the interface.
-_STATES = {"checked": 4, "enabled": 8, "focusable": 11, "focused": 12, "selected": 23,
-           "sensitive": 24, "showing": 25, "visible": 30}
+_STATES = {"checked": 4, "enabled": 8, "focusable": 11, "focused": 12, "pressed": 20,
+           "selected": 23, "sensitive": 24, "showing": 25, "visible": 30}
 
 
 class AccessibilityBus:
