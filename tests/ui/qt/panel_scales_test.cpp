@@ -110,23 +110,27 @@ TEST_P(PanelViewScales, SymbolsAreDrawnInEveryPixel) {
     }
 }
 
-TEST_P(PanelViewScales, TheDividerIsAHairlineAcrossThePage) {
-    show(inputs);
+TEST_P(PanelViewScales, DividersAreEquallyThinHairlinesAcrossThePage) {
+    // At odd and at even places.
+    show(Page{{"first", 0, PanelDivider{}},
+              {"second", 12, PanelDivider{}},
+              {"third", 12, PanelDivider{}}});
     const QImage image = pixels(view, theme, ratio);
-    const QRect place = find("divider")->geometry();
-    EXPECT_EQ(place.height(), 1);
-    const std::vector<int> heights =
-        stripes(image, pixel(place.left() + 100), pixel(place.top() - 3), pixel(place.top() + 5));
-    ASSERT_EQ(heights.size(), 3U);
-    EXPECT_GE(heights[1], qFloor(ratio));
-    EXPECT_LE(heights[1], qCeil(ratio));
-    const int row = pixel(place.top() - 3) + heights[0];
-    const QRgb hairline = image.pixel(pixel(place.left()), row);
-    for (int x = pixel(place.left()); x < pixel(place.right() + 1); ++x) {
-        ASSERT_EQ(image.pixel(x, row), hairline) << x;
+    for (const char* id : {"first", "second", "third"}) {
+        const QRect place = find(id)->geometry();
+        EXPECT_EQ(place.height(), 1);
+        const int top = pixel(place.top() - 3);
+        const std::vector<int> heights =
+            stripes(image, pixel(place.left() + 100), top, pixel(place.top() + 5));
+        ASSERT_THAT(heights, ElementsAre(::testing::_, qFloor(ratio), ::testing::_)) << id;
+        const int row = top + heights[0];
+        const QRgb hairline = image.pixel(pixel(place.left()), row);
+        for (int x = pixel(place.left()); x < pixel(place.right() + 1); ++x) {
+            ASSERT_EQ(image.pixel(x, row), hairline) << x;
+        }
+        EXPECT_EQ(image.pixel(pixel(place.left()) - 1, row), ground());
+        EXPECT_EQ(image.pixel(pixel(place.right() + 1), row), ground());
     }
-    EXPECT_EQ(image.pixel(pixel(place.left()) - 1, row), ground());
-    EXPECT_EQ(image.pixel(pixel(place.right() + 1), row), ground());
 }
 
 TEST_P(PanelViewScales, ValuesAtTheRightShareOneEdge) {
