@@ -1,0 +1,77 @@
+#include "benchmarks/settings_drag.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QTemporaryDir>
+#include <stdexcept>
+
+#include "platform/linux/sqlite_user_defaults.h"
+#include "platform/testing/manual_dispatch.h"
+#include "platform/testing/scripted_keyboard_layout.h"
+#include "platform/testing/scripted_login_service.h"
+#include "ui/qt/settings_cards.h"
+#include "ui/qt/settings_widget.h"
+
+namespace tarnwick::benchmarks {
+
+struct SettingsDrag::Window {
+    QTemporaryDir folder;
+    platform::SqliteUserDefaults store{folder.filePath("settings.sqlite").toStdString()};
+    platform::testing::ScriptedLoginService loginService;
+    platform::testing::ManualDispatch dispatch;
+    platform::testing::ScriptedKeyboardLayout layout;
+    UserSettings settings{store, loginService};
+    qt::Theme theme{false};
+    qt::SettingsWidget widget{settings, theme, SettingsViewEnvironment{dispatch, layout}, {}};
+    qt::ThresholdSliderWidget* slider = nullptr;
+
+    Window() {
+        widget.setFixedSize(520, 500);
+        widget.show();
+        widget.view().selectTab(Tab::customize);
+        paint();
+        slider = widget.findChild<qt::ThresholdSliderWidget*>();
+        if (slider == nullptr) {
+            throw std::logic_error("there is no slider");
+        }
+        mouse(QEvent::MouseButtonPress, settings.cpuNormal());
+        paint();
+    }
+
+    void mouse(QEvent::Type type, double percent) {
+        const QPointF place(10 + (slider->width() - 20) * percent / 100, slider->height() / 2.0);
+        QMouseEvent event(type, place, slider->mapToGlobal(place), Qt::LeftButton, Qt::LeftButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(slider, &event);
+    }
+    void paint() {
+        // Once for what moved, once for what the layout asked for.
+        for (int turn = 0; turn < 2; ++turn) {
+            dispatch.runMain();
+            QApplication::processEvents();
+        }
+    }
+};
+
+SettingsDrag::SettingsDrag() : window_(std::make_unique<Window>()) {}
+
+SettingsDrag::~SettingsDrag() = default;
+
+void SettingsDrag::change() {
+    // To and fro between 20 and 79.
+    const int step = changes_++ % 118;
+    percent_ = 20 + (step < 59 ? step : 118 - step);
+    window_->mouse(QEvent::MouseMove, percent_);
+    window_->paint();
+}
+
+void SettingsDrag::rest() {
+    window_->mouse(QEvent::MouseMove, percent_ + 0.3);
+    window_->paint();
+}
+
+double SettingsDrag::stored() const {
+    return window_->settings.cpuNormal();
+}
+
+}  // namespace tarnwick::benchmarks

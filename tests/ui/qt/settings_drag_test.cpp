@@ -1,0 +1,48 @@
+// What a drag in the settings window writes onto the disk.
+#include "benchmarks/settings_drag.h"
+
+#include <atomic>
+#include <gtest/gtest.h>
+#include <sys/syscall.h>
+#include <unistd.h>
+
+namespace {
+std::atomic<int> syncs{0};
+}  // namespace
+
+/// Stands before the C library's: counts how often a file is forced onto the disk.
+extern "C" int fdatasync(int descriptor) {
+    ++syncs;
+    return static_cast<int>(::syscall(SYS_fdatasync, descriptor));
+}
+
+namespace tarnwick::benchmarks {
+namespace {
+
+TEST(SettingsDragTest, EachOf500ChangesIsOnTheDiskAtOnceAndOnce) {
+    constexpr int changes = 500;
+    SettingsDrag drag;
+    const int start = syncs;
+    for (int change = 0; change < changes; ++change) {
+        const int before = syncs;
+        const double value = drag.stored();
+        drag.change();
+        ASSERT_NE(drag.stored(), value) << change;
+        ASSERT_GT(syncs, before) << change;
+    }
+    // And now and then the log is brought into the file itself.
+    EXPECT_LE(syncs - start, changes + changes / 8);
+}
+
+TEST(SettingsDragTest, AnEqualValueLeavesTheDiskAlone) {
+    SettingsDrag drag;
+    drag.change();
+    const int before = syncs;
+    for (int move = 0; move < 50; ++move) {
+        drag.rest();
+    }
+    EXPECT_EQ(syncs, before);
+}
+
+}  // namespace
+}  // namespace tarnwick::benchmarks
