@@ -168,6 +168,8 @@ void ThresholdSliderWidget::endDrag() {
             thumb->update();
         }
     }
+    // Screen readers go by the order on the screen, from the bottom up.
+    high_->raise();
     slider_.endDrag();
 }
 

@@ -224,6 +224,14 @@ TEST_F(ThresholdSliderWidgetTest, AssistiveTechnologyHearsOfEachChangeOnce) {
     EXPECT_EQ(events.count(thumb("thumb.high"), QAccessible::ValueChanged), 0);
 }
 
+TEST_F(ThresholdSliderWidgetTest, ADragLeavesTheOrderForAssistiveTechnology) {
+    drag(80, {70});
+    QAccessibleInterface* whole = QAccessible::queryAccessibleInterface(slider);
+    ASSERT_EQ(whole->childCount(), 2);
+    EXPECT_EQ(whole->child(0)->object(), thumb("thumb.normal"));
+    EXPECT_EQ(whole->child(1)->object(), thumb("thumb.high"));
+}
+
 TEST_F(ThresholdSliderWidgetTest, EachThumbIsASliderToAssistiveTechnology) {
     struct Row {
         const char* card;
