@@ -119,7 +119,7 @@ void HotKeyService::unregister() {
 
 void HotKeyService::applyShortcut(UserSettings& settings) {
     const std::int64_t keyCode = settings.shortcutKeyCode();
-    const std::int64_t modifiers = settings.shortcutModifiers() & modifier_flag::kMask;
+    const std::int64_t modifiers = settings.shortcutModifiers();
     if (isValidShortcut(keyCode, modifiers)) {
         settings.setShortcutRegistrationState(registerShortcut(keyCode, modifiers));
     } else {

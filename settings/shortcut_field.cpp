@@ -82,12 +82,10 @@ void ShortcutField::setMessage(const std::optional<std::string>& message) {
 }
 
 void ShortcutField::refresh() {
-    // Whatever else the store may hold is ignored.
-    const std::int64_t modifiers = currentModifiers_ & modifier_flag::kMask;
     if (isRecording_) {
         text_ = {"Press \u2318 + key\u2026", true};
-    } else if (isValidShortcut(currentKeyCode_, modifiers)) {
-        text_ = {shortcutDisplayString(currentKeyCode_, modifiers, layout_), false};
+    } else if (isValidShortcut(currentKeyCode_, currentModifiers_)) {
+        text_ = {shortcutDisplayString(currentKeyCode_, currentModifiers_, layout_), false};
     } else {
         text_ = {"Click to record", true};
     }

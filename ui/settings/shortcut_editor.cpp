@@ -12,15 +12,15 @@ StatusLine warning(std::string text) {
 
 std::optional<StatusLine> registrationLine(const ShortcutStatus& status,
                                            platform::KeyboardLayout& layout) {
-    const std::int64_t modifiers = status.modifiers & modifier_flag::kMask;
     switch (status.registrationState) {
         case RegistrationState::inactive:
             break;
         case RegistrationState::active:
-            if (isValidShortcut(status.keyCode, modifiers)) {
+            if (isValidShortcut(status.keyCode, status.modifiers)) {
                 return StatusLine{
                     "checkmark.circle.fill", Tint::green,
-                    "Shortcut active: " + shortcutDisplayString(status.keyCode, modifiers, layout)};
+                    "Shortcut active: " +
+                        shortcutDisplayString(status.keyCode, status.modifiers, layout)};
             }
             break;
         case RegistrationState::conflict:

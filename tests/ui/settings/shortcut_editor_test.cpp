@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <limits>
 
 #include "platform/testing/scripted_keyboard_layout.h"
 
@@ -46,13 +45,6 @@ TEST_F(StatusLinesTest, AnInvalidShortcutIsNotCalledActive) {
     EXPECT_THAT(statusLines({std::nullopt, RegistrationState::active, -1, kCommand}, layout),
                 IsEmpty());
     EXPECT_THAT(layout.asked, IsEmpty());
-}
-
-TEST_F(StatusLinesTest, OfStoredModifiersOnlyThoseThatCountAreRead) {
-    constexpr std::int64_t leftmost = std::numeric_limits<std::int64_t>::min();
-    EXPECT_THAT(lines(std::nullopt, RegistrationState::active, leftmost | kCommand),
-                ElementsAre(kActive));
-    EXPECT_THAT(lines(std::nullopt, RegistrationState::active, -1), IsEmpty());
 }
 
 TEST_F(StatusLinesTest, ConflictAndFailureAreToldOfAnyShortcut) {
