@@ -170,10 +170,25 @@ TEST_F(HomePage, UsagesThatAreNoPercentageReadZero) {
 }
 
 TEST_F(HomePage, LevelsAreJudgedBeforeTheUsageIsClamped) {
-    in.cpuInfo.usagePercentage = kInfinity;
-    EXPECT_EQ(block<UsageBar>(build(), "bar.cpu").tint, Tint::red);
-    in.cpuInfo.usagePercentage = kNaN;
-    EXPECT_EQ(block<UsageBar>(build(), "bar.cpu").tint, Tint::green);
+    const auto expectTints = [this](double usage, Tint tint) {
+        in.cpuInfo.usagePercentage = usage;
+        in.gpuInfo.usagePercentage = usage;
+        const Page page = build();
+        EXPECT_EQ(block<UsageBar>(page, "bar.cpu").tint, tint) << usage;
+        EXPECT_EQ(block<UsageBar>(page, "bar.gpu").tint, tint) << usage;
+    };
+    expectTints(kInfinity, Tint::red);
+    expectTints(kNaN, Tint::green);
+    expectTints(-kInfinity, Tint::green);
+    // Thresholds that no usage within the bounds reaches, and one that a negative usage does.
+    in.thresholds.cpuHigh = 110;
+    in.thresholds.gpuHigh = 110;
+    expectTints(111, Tint::red);
+    expectTints(109, Tint::yellow);
+    in.thresholds.cpuNormal = -1;
+    in.thresholds.gpuNormal = -1;
+    expectTints(-1, Tint::yellow);
+    expectTints(-2, Tint::green);
 }
 
 /// One metric, its bar and its thresholds, away from those of the others.
@@ -298,6 +313,26 @@ TEST_F(HomePage, StorageWithoutCapacityIsEmpty) {
     volume().totalSpace = 0;
     volume().usedSpace = 0;
     volume().availableSpace = 0;
+    const Page page = build();
+    EXPECT_EQ(block<UsageBar>(page, "bar.storage"),
+              (UsageBar{"Storage (home)", "internaldrive", 0, "0 B file / 0 B file", Tint::green}));
+    EXPECT_FALSE(contains(page, "lowStorage"));
+}
+
+TEST_F(HomePage, StorageOfASingleByteHasACapacity) {
+    volume().totalSpace = 1;
+    volume().usedSpace = 1;
+    volume().availableSpace = 0;
+    const Page page = build();
+    EXPECT_EQ(block<UsageBar>(page, "bar.storage"),
+              (UsageBar{"Storage (home)", "internaldrive", 100, "1 B file / 1 B file", Tint::red}));
+    EXPECT_EQ(block<NoticeRow>(page, "lowStorage").text, "Low storage: 0 B file free");
+}
+
+TEST_F(HomePage, StorageOfANegativeSizeHasNone) {
+    volume().totalSpace = -1000;
+    volume().usedSpace = -990;
+    volume().availableSpace = -10;
     const Page page = build();
     EXPECT_EQ(block<UsageBar>(page, "bar.storage"),
               (UsageBar{"Storage (home)", "internaldrive", 0, "0 B file / 0 B file", Tint::green}));

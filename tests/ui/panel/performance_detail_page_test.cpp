@@ -15,6 +15,7 @@ using testing::contains;
 using ::testing::ElementsAre;
 
 constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 /// A history with the values 0, 1, 2 and so on.
 std::vector<UsageSample> history(int count) {
@@ -118,6 +119,39 @@ TEST_F(PerformanceDetailPageTest, ColoursFollowTheLevels) {
     EXPECT_THAT(tints(19.9, 39.9, 599, 799),
                 ElementsAre(Tint::yellow, Tint::yellow, Tint::yellow, Tint::yellow));
     EXPECT_THAT(tints(20, 40, 600, 800), ElementsAre(Tint::red, Tint::red, Tint::red, Tint::red));
+}
+
+TEST_F(PerformanceDetailPageTest, LevelsAreJudgedBeforeTheUsageIsClamped) {
+    const std::pair<double, Tint> levels[] = {
+        {kInfinity, Tint::red}, {kNaN, Tint::green}, {-kInfinity, Tint::green}};
+    for (const auto& [usage, tint] : levels) {
+        SCOPED_TRACE(usage);
+        inputs.cpuInfo.usagePercentage = usage;
+        inputs.gpuInfo.usagePercentage = usage;
+        for (const char* id : {"trend.cpu", "trend.gpu"}) {
+            EXPECT_EQ(trend(id).color, tint);
+            EXPECT_EQ(trend(id).value, "0%");
+        }
+    }
+    inputs.thresholds.cpuHigh = 110;
+    inputs.thresholds.gpuHigh = 110;
+    inputs.cpuInfo.usagePercentage = 111;
+    inputs.gpuInfo.usagePercentage = 111;
+    EXPECT_EQ(trend("trend.cpu").color, Tint::red);
+    EXPECT_EQ(trend("trend.gpu").color, Tint::red);
+    EXPECT_EQ(trend("trend.cpu").value, "100%");
+}
+
+TEST_F(PerformanceDetailPageTest, StorageOfASingleByteHasACapacityAndOneOfNegativeSizeNone) {
+    StorageInfo volume;
+    volume.totalSpace = 1;
+    volume.usedSpace = 1;
+    inputs.storageInfo = {volume};
+    EXPECT_EQ(trend("trend.storage").value, "100%");
+    EXPECT_EQ(trend("trend.storage").color, Tint::red);
+    inputs.storageInfo.front().totalSpace = -1;
+    EXPECT_EQ(trend("trend.storage").value, "0%");
+    EXPECT_EQ(trend("trend.storage").color, Tint::green);
 }
 
 TEST_F(PerformanceDetailPageTest, TrendsShowTheLastThirtySamples) {
