@@ -41,6 +41,11 @@ static_assert(NSEventModifierFlagDeviceIndependentFlagsMask == 0xFFFF0000);
 // Keys.
 static_assert(key_code::kReturn == kVK_Return && key_code::kL == kVK_ANSI_L);
 static_assert(key_code::kTab == kVK_Tab && key_code::kSpace == kVK_Space);
+static_assert(key_code::kCommand == kVK_Command && key_code::kRightCommand == kVK_RightCommand);
+static_assert(key_code::kShift == kVK_Shift && key_code::kRightShift == kVK_RightShift);
+static_assert(key_code::kOption == kVK_Option && key_code::kRightOption == kVK_RightOption);
+static_assert(key_code::kControl == kVK_Control && key_code::kRightControl == kVK_RightControl);
+static_assert(key_code::kCapsLock == kVK_CapsLock && key_code::kFunction == kVK_Function);
 static_assert(key_code::kDelete == kVK_Delete && key_code::kForwardDelete == kVK_ForwardDelete);
 static_assert(key_code::kEscape == kVK_Escape);
 static_assert(key_code::kF1 == kVK_F1 && key_code::kF2 == kVK_F2 && key_code::kF3 == kVK_F3);

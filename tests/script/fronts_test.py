@@ -39,7 +39,7 @@ DECISIONS = [
     # The recorder.
     "makeFirstResponder", "onRefresh", "resignFirstResponder", "flagsChanged", "isPlaceholder",
     # The settings.
-    "selectTab", "selectDisplayMode", "setSwitch", "clearShortcut", "resetThresholds",
+    "selectTab", "selectDisplayMode", "toggleSwitch", "clearShortcut", "resetThresholds",
     "openMakerSite", "sectionSpacing",
 ]
 

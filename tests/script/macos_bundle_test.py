@@ -30,8 +30,9 @@ class Bundle(unittest.TestCase):
 
     def test_versions_come_from_the_project(self):
         lists = (ROOT / "app/CMakeLists.txt").read_text()
-        for name in ("SHORT_VERSION_STRING", "BUNDLE_VERSION"):
-            self.assertIn(f'MACOSX_BUNDLE_{name} "${{PROJECT_VERSION}}"', lists)
+        for name, version in (("SHORT_VERSION_STRING", "PROJECT_VERSION"),
+                              ("BUNDLE_VERSION", "TARNWICK_BUILD_VERSION")):
+            self.assertIn(f'MACOSX_BUNDLE_{name} "${{{version}}}"', lists)
 
     def test_entitlements_make_no_exception_and_hold_no_comment(self):
         text = (PACKAGING / "tarnwick.entitlements").read_text()

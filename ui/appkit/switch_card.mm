@@ -50,7 +50,7 @@
 
 - (void)switched:(id)sender {
     (void)sender;
-    _view->setSwitch(_setting, _switch.state == NSControlStateValueOn);
+    _view->toggleSwitch(_setting);
     // A preference that the system refuses is back at once.
     [self showState:_setting == tarnwick::SettingsSwitch::launchOnLogin
                         ? _view->settings().launchOnLogin()

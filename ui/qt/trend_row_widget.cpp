@@ -13,6 +13,13 @@
 
 namespace tarnwick::qt {
 
+namespace {
+
+/// Less than half the space between two rows.
+constexpr int kOverhang = 5;
+
+}  // namespace
+
 int TrendRowWidget::textHeight() const {
     return theme().style(FontRole::caption).lineHeight() + TrendRow::kTextSpacing +
            theme().style(FontRole::captionMedium).lineHeight();
@@ -30,7 +37,7 @@ int TrendRowWidget::heightFor(int) const {
 // steepest peak of a whole history reaches six pixels beyond its frame; of the last of them, which
 // only fonts that leave the frame the whole row can cut off, nothing is to be seen.
 int TrendRowWidget::overhang() const {
-    return kBarSpacing / 2;
+    return kOverhang;
 }
 
 std::optional<double> TrendRowWidget::accessibleValue() const {
