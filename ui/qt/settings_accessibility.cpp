@@ -2,6 +2,7 @@
 
 #include <QAccessible>
 #include <QAccessibleWidget>
+#include <algorithm>
 
 #include "ui/qt/settings_buttons.h"
 #include "ui/qt/settings_cards.h"
@@ -68,18 +69,15 @@ class AccessibleShortcutField final : public AccessibleButton, public QAccessibl
         switch (kind) {
             case QAccessible::Value:
                 return field_.shownText();
-            case QAccessible::Description:
-                // Screen readers say what it has become while it has the focus.
-                return field_.isRecording() ? field_.shownText() : help();
             case QAccessible::Help:
-                return help();
+                return field_.accessibleDescription();
             default:
                 return AccessibleButton::text(kind);
         }
     }
 
     QString text(int start, int end) const override {
-        return field_.shownText().mid(start, end - start);
+        return field_.shownText().mid(start, std::max(0, end - start));
     }
     int characterCount() const override { return static_cast<int>(field_.shownText().size()); }
     // Nothing in it can be selected or pointed at.
@@ -100,8 +98,6 @@ class AccessibleShortcutField final : public AccessibleButton, public QAccessibl
     }
 
  private:
-    QString help() const { return field_.accessibleDescription(); }
-
     ShortcutFieldWidget& field_;
 };
 
@@ -159,6 +155,26 @@ class AccessibleThumb final : public QAccessibleWidget, public QAccessibleValueI
     ThresholdThumbWidget& thumb_;
 };
 
+/// Both thumbs, the lower threshold first, whichever lies above the other on the screen.
+class AccessibleThresholds final : public QAccessibleWidget {
+ public:
+    explicit AccessibleThresholds(ThresholdSliderWidget& slider)
+        : QAccessibleWidget(&slider, QAccessible::Grouping), slider_(slider) {}
+
+    int childCount() const override { return 2; }
+    QAccessibleInterface* child(int index) const override {
+        ThresholdThumbWidget* const thumbs[] = {&slider_.normal(), &slider_.high()};
+        return index >= 0 && index < 2 ? QAccessible::queryAccessibleInterface(thumbs[index])
+                                       : nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface* wanted) const override {
+        return child(0) == wanted ? 0 : child(1) == wanted ? 1 : -1;
+    }
+
+ private:
+    ThresholdSliderWidget& slider_;
+};
+
 QAccessibleInterface* makeInterface(const QString&, QObject* object) {
     if (auto* tab = qobject_cast<SettingsTabButton*>(object)) {
         return new AccessibleButton(*tab, QAccessible::PageTab);
@@ -185,6 +201,9 @@ QAccessibleInterface* makeInterface(const QString&, QObject* object) {
     }
     if (auto* thumb = qobject_cast<ThresholdThumbWidget*>(object)) {
         return new AccessibleThumb(*thumb);
+    }
+    if (auto* slider = qobject_cast<ThresholdSliderWidget*>(object)) {
+        return new AccessibleThresholds(*slider);
     }
     return nullptr;
 }

@@ -105,33 +105,32 @@ bool ShortcutFieldWidget::isRecording() const {
 /// Draws what the field shows now, and tells assistive technology of it.
 void ShortcutFieldWidget::follow() {
     update();
-    if (const bool isOther = std::exchange(wasRecording_, isRecording()) != isRecording();
-        isOther && isRecording()) {
+    const bool isOther = std::exchange(wasRecording_, isRecording()) != isRecording();
+    if (isOther && isRecording()) {
         qApp->installEventFilter(this);
     } else if (isOther) {
         qApp->removeEventFilter(this);
     }
-    const QString before = std::exchange(toldText_, shownText());
-    if (before == toldText_) {
-        return;
+    if (isOther) {
+        QAccessible::State changed;
+        changed.pressed = true;
+        QAccessibleStateChangeEvent state(this, changed);
+        QAccessible::updateAccessibility(&state);
     }
-    QAccessible::State changed;
-    changed.pressed = true;
-    QAccessibleStateChangeEvent state(this, changed);
-    QAccessible::updateAccessibility(&state);
-    QAccessibleTextUpdateEvent text(this, 0, before, toldText_);
-    QAccessible::updateAccessibility(&text);
-    // What a screen reader reads out of the control that has the focus.
-    QAccessibleEvent description(this, QAccessible::DescriptionChanged);
-    QAccessible::updateAccessibility(&description);
+    const QString before = std::exchange(toldText_, shownText());
+    if (before != toldText_) {
+        QAccessibleTextUpdateEvent text(this, 0, before, toldText_);
+        QAccessible::updateAccessibility(&text);
+    }
 }
 
-/// A press anywhere else cancels, also where the focus stays.
+/// A click anywhere else cancels, also where the focus stays. Once the button is up and the click
+/// has done what it does: what is said about the shortcut goes with the recording, and what is
+/// below would move away between press and release.
 bool ShortcutFieldWidget::eventFilter(QObject* watched, QEvent* event) {
-    const bool isPress =
-        event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
-    if (isPress && watched != this && watched->isWidgetType()) {
-        field_.resignFirstResponder();
+    if (event->type() == QEvent::MouseButtonRelease && watched != this && watched->isWidgetType()) {
+        QMetaObject::invokeMethod(
+            this, [this] { field_.resignFirstResponder(); }, Qt::QueuedConnection);
     }
     return QPushButton::eventFilter(watched, event);
 }

@@ -168,8 +168,6 @@ void ThresholdSliderWidget::endDrag() {
             thumb->update();
         }
     }
-    // Screen readers go by the order on the screen, from the bottom up.
-    high_->raise();
     slider_.endDrag();
 }
 

@@ -44,6 +44,8 @@ class ThresholdSliderWidget final : public QWidget {
 
     /// The thresholds may be others now.
     void refresh();
+    ThresholdThumbWidget& normal() const { return *normal_; }
+    ThresholdThumbWidget& high() const { return *high_; }
 
  protected:
     bool event(QEvent* event) override;

@@ -57,8 +57,10 @@ class SettingsWidgetFixture : public ::testing::Test {
     }
     /// Everything has followed from what was done.
     void catchUp() {
-        dispatch.runMain();
-        settle();
+        for (int turn = 0; turn < 2; ++turn) {
+            dispatch.runMain();
+            settle();
+        }
     }
     void select(Tab tab) {
         widget->view().selectTab(tab);
