@@ -66,4 +66,11 @@ void announceValue(BlockWidget& block, double percent) {
     }
 }
 
+void announceDescription(BlockWidget& block) {
+    if (QAccessible::isActive() && block.accessibleValue()) {
+        QAccessibleEvent change(&block, QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&change);
+    }
+}
+
 }  // namespace tarnwick::qt

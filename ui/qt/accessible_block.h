@@ -11,5 +11,8 @@ void describeBlocksForScreenReaders();
 
 /// Tells them of another value of a block. Costs nothing while nobody listens.
 void announceValue(BlockWidget& block, double percent);
+/// Tells them that a block is described otherwise, which it is with its name where it shows a
+/// share.
+void announceDescription(BlockWidget& block);
 
 }  // namespace tarnwick::qt

@@ -64,9 +64,16 @@ int PanelHeaderWidget::titleRowHeight() const {
     return std::max(grid::kIconButtonSize, theme().style(FontRole::headline).lineHeight());
 }
 
-QStringList PanelHeaderWidget::summaryLines(int width) const {
+QStringList PanelHeaderWidget::summaryLines(int width, int most) const {
     return wrapped(QString::fromStdString(value().summary), theme().style(FontRole::caption), width,
-                   kSummaryLines);
+                   most);
+}
+
+/// As many as there is room for: the header may have to wait for the height that it asks for.
+QStringList PanelHeaderWidget::shownSummary() const {
+    const int room = height() - titleRowHeight() - kSummaryGap;
+    const int most = room / theme().style(FontRole::caption).lineHeight();
+    return summaryLines(width(), std::clamp(most, 1, kSummaryLines));
 }
 
 QString PanelHeaderWidget::shownTitle() const {
@@ -85,7 +92,7 @@ void PanelHeaderWidget::placeButtons() {
 }
 
 int PanelHeaderWidget::heightFor(int width) const {
-    const int lines = static_cast<int>(summaryLines(width).size());
+    const int lines = static_cast<int>(summaryLines(width, kSummaryLines).size());
     return titleRowHeight() + kSummaryGap + lines * theme().style(FontRole::caption).lineHeight();
 }
 
@@ -96,7 +103,7 @@ void PanelHeaderWidget::paintEvent(QPaintEvent*) {
                shownTitle(), theme().color(ColorRole::text));
     const TextStyle& caption = theme().style(FontRole::caption);
     int baseline = titleRowHeight() + kSummaryGap + caption.ascent();
-    for (const QString& line : summaryLines(width())) {
+    for (const QString& line : shownSummary()) {
         caption.draw(painter, QPointF(0, baseline), line, theme().color(ColorRole::secondaryText));
         baseline += caption.lineHeight();
     }
@@ -105,7 +112,7 @@ void PanelHeaderWidget::paintEvent(QPaintEvent*) {
 QString PanelHeaderWidget::cutTextAt(const QPoint& position) const {
     const bool isTitle = position.y() < titleRowHeight();
     const QString whole = QString::fromStdString(isTitle ? value().title : value().summary);
-    const QString shown = isTitle ? shownTitle() : summaryLines(width()).join(' ');
+    const QString shown = isTitle ? shownTitle() : shownSummary().join(' ');
     return shown == whole ? QString() : whole;
 }
 

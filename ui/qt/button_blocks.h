@@ -49,7 +49,8 @@ class PanelHeaderWidget final : public ButtonBlockWidget<PanelHeader> {
     int titleRowHeight() const;
     /// The title, cut where the buttons leave no room for all of it.
     QString shownTitle() const;
-    QStringList summaryLines(int width) const;
+    QStringList summaryLines(int width, int most) const;
+    QStringList shownSummary() const;
 };
 
 class NavigationButtonWidget final : public ButtonBlockWidget<NavigationButton> {

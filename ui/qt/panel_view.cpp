@@ -1,5 +1,6 @@
 #include "ui/qt/panel_view.h"
 
+#include <QCursor>
 #include <QEvent>
 #include <QKeyEvent>
 #include <algorithm>
@@ -14,6 +15,14 @@
 #include "ui/qt/grid.h"
 
 namespace tarnwick::qt {
+
+namespace {
+
+/// For so many pages a pointer at rest keeps what would move the list under it waiting, which takes
+/// some seconds: nothing that the page has to say may wait for ever.
+constexpr int kPagesAtRest = 4;
+
+}  // namespace
 
 PanelView::PanelView(const Theme& theme, PressHandler press, QWidget* parent,
                      std::shared_ptr<Motion> motion)
@@ -35,6 +44,8 @@ BlockWidget* PanelView::takeWidget(const std::string& id) {
 }
 
 std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
+    const QPoint pointer = QCursor::pos();
+    pagesAtRest_ = std::exchange(pointer_, pointer) == pointer ? pagesAtRest_ + 1 : 0;
     Rows rows;
     std::vector<BlockWidget*> gone;
     bool isOrdered = true;
@@ -48,12 +59,16 @@ std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
             widget->setObjectName(QString::fromStdString(item.id));
             connect(widget, &BlockWidget::accessibleValueChanged, widget,
                     [widget](double percent) { announceValue(*widget, percent); });
-            connect(widget, &BlockWidget::placeChanged, this, [this] { placeWidgets(heldRow()); });
+            // Later: it may be heard of while a page is being taken.
+            connect(
+                widget, &BlockWidget::placeChanged, this, [this] { placeWidgets(heldRow()); },
+                Qt::QueuedConnection);
             isOrdered = false;
         }
         const QString spoken = QString::fromStdString(spokenText(item.block));
         if (widget->accessibleName() != spoken) {
             widget->setAccessibleName(spoken);
+            announceDescription(*widget);
         }
         rows.push_back({item, widget});
     }
@@ -122,6 +137,9 @@ void PanelView::orderWidgets() {
 }
 
 PanelView::Rows::iterator PanelView::heldRow() {
+    if (pagesAtRest_ > kPagesAtRest) {
+        return rows_.end();
+    }
     return std::find_if(rows_.begin(), rows_.end(),
                         [](const Row& row) { return row.widget->isHeld(); });
 }

@@ -1,6 +1,7 @@
 // The column of building blocks of a page.
 #pragma once
 
+#include <QPoint>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -63,7 +64,8 @@ class PanelView final : public QWidget {
     static void remove(const std::vector<BlockWidget*>& widgets);
     void chainButtons();
     void orderWidgets();
-    /// The row that somebody is pointing at and that must not move; the end without one.
+    /// The row that somebody is pointing at and that must not move; the end without one, and where
+    /// the pointer has been at rest for long.
     Rows::iterator heldRow();
     /// Shows the rows one below the other, with `held` where it is.
     void placeWidgets(Rows::iterator held);
@@ -73,6 +75,9 @@ class PanelView final : public QWidget {
     PressHandler press_;
     std::shared_ptr<Motion> motion_;
     Rows rows_;
+    /// Where the pointer was when the last page was set, and how many pages it has been there.
+    QPoint pointer_;
+    int pagesAtRest_ = 0;
     FocusRing* focusRing_;
 };
 

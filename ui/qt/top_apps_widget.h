@@ -16,7 +16,10 @@ class ListLine final : public QWidget {
 
  public:
     ListLine(const Theme& theme, QAccessible::Role role, QWidget* parent)
-        : QWidget(parent), theme_(theme), role_(role) {}
+        : QWidget(parent), theme_(theme), role_(role) {
+        // A line that comes or goes under the pointer must not tell the list that it was left.
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
 
     void setContent(const RowContent& content);
     const RowContent& content() const { return content_; }

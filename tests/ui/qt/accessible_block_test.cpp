@@ -7,6 +7,7 @@
 
 #include "tests/ui/panel/detail_fixtures.h"
 #include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/qt/accessible_events.h"
 #include "tests/ui/qt/settle.h"
 #include "ui/qt/button_widget.h"
 #include "ui/qt/panel_popup.h"
@@ -27,12 +28,12 @@ class AccessibleBlockTest : public ::testing::Test {
     }
 
     Theme theme;
-    testing::PlainByteCountFormatter formatter;
+    tarnwick::testing::PlainByteCountFormatter formatter;
     PanelView view{theme, [](PanelAction) {}, nullptr};
 };
 
 TEST_F(AccessibleBlockTest, ABarHasAValueAndADescription) {
-    HomePageInputs inputs = testing::calmMachine();
+    HomePageInputs inputs = tarnwick::testing::calmMachine();
     show(homePage(inputs, formatter));
     QAccessibleInterface* bar = find("bar.cpu");
     EXPECT_EQ(bar->role(), QAccessible::ProgressBar);
@@ -53,7 +54,7 @@ TEST_F(AccessibleBlockTest, ABarHasAValueAndADescription) {
 }
 
 TEST_F(AccessibleBlockTest, ABarWithoutDataHasNoValue) {
-    HomePageInputs inputs = testing::calmMachine();
+    HomePageInputs inputs = tarnwick::testing::calmMachine();
     inputs.storageInfo.clear();
     show(homePage(inputs, formatter));
     QAccessibleInterface* bar = find("bar.storage");
@@ -86,7 +87,7 @@ TEST_F(AccessibleBlockTest, ASparklineHasItsLatestValueAndADescription) {
 }
 
 TEST_F(AccessibleBlockTest, EveryBlockHasItsRole) {
-    HomePageInputs inputs = testing::calmMachine();
+    HomePageInputs inputs = tarnwick::testing::calmMachine();
     inputs.cpuInfo.usagePercentage = 99;
     show(homePage(inputs, formatter));
     EXPECT_EQ(find("header")->role(), QAccessible::Heading);
@@ -106,41 +107,58 @@ TEST_F(AccessibleBlockTest, EveryBlockHasItsRole) {
     EXPECT_EQ(section->child(1)->role(), QAccessible::ListItem);
     EXPECT_EQ(section->child(1)->text(QAccessible::Name), "Firefox, 112.5%");
 
-    show(performanceDetailPage(testing::performanceDetailStates().front().inputs, formatter));
+    show(performanceDetailPage(tarnwick::testing::performanceDetailStates().front().inputs,
+                               formatter));
     EXPECT_EQ(find("trends")->role(), QAccessible::Heading);
     EXPECT_EQ(find("header")->text(QAccessible::Name), "Performance");
 }
 
 TEST_F(AccessibleBlockTest, ThePanelIsADialogWithAName) {
     PanelPopup popup(
-        theme, homePage(testing::calmMachine(), formatter), [](PanelAction) {}, true);
+        theme, homePage(tarnwick::testing::calmMachine(), formatter), [](PanelAction) {}, true);
     QAccessibleInterface* panel = QAccessible::queryAccessibleInterface(&popup);
     EXPECT_EQ(panel->role(), QAccessible::Dialog);
     EXPECT_EQ(panel->text(QAccessible::Name), "Tarnwick");
 }
 
 TEST_F(AccessibleBlockTest, ANewValueIsAnnouncedAndANewTextAloneIsNot) {
-    std::vector<double> announced;
+    const testing::AccessibleEvents events;
     const auto bar = [](double value, const char* detail, Tint tint) {
         return Page{{"bar", 0, UsageBar{"Storage", "internaldrive", value, detail, tint}}};
     };
     show(bar(40, "a", Tint::green));
-    QObject::connect(view.findChild<BlockWidget*>("bar"), &BlockWidget::accessibleValueChanged,
-                     [&announced](double percent) { announced.push_back(percent); });
+    const auto* widget = view.findChild<QWidget*>("bar");
+    const auto told = [&] { return events.count(widget, QAccessible::ValueChanged); };
+    const int before = told();
     show(bar(40, "b", Tint::green));
     show(bar(40, "b", Tint::red));
-    EXPECT_EQ(announced, std::vector<double>());
+    EXPECT_EQ(told(), before);
     show(bar(41, "b", Tint::red));
-    EXPECT_EQ(announced, std::vector<double>{41});
+    EXPECT_EQ(told(), before + 1);
     // Nothing is known any more, and nothing is not a share of 0.
     show(bar(0, "Loading...", Tint::gray));
-    EXPECT_EQ(announced, std::vector<double>{41});
+    EXPECT_EQ(told(), before + 1);
     show(bar(41, "b", Tint::red));
-    EXPECT_EQ(announced, (std::vector<double>{41, 41}));
+    EXPECT_EQ(told(), before + 2);
+}
+
+TEST_F(AccessibleBlockTest, AnotherDescriptionIsAnnounced) {
+    HomePageInputs inputs = tarnwick::testing::calmMachine();
+    show(homePage(inputs, formatter));
+    const testing::AccessibleEvents events;
+    const auto told = [&](const char* name) {
+        return events.count(view.findChild<QWidget*>(name), QAccessible::DescriptionChanged);
+    };
+    show(homePage(inputs, formatter));
+    EXPECT_EQ(told("bar.cpu"), 0);
+    inputs.cpuInfo.usagePercentage = 99;
+    show(homePage(inputs, formatter));
+    EXPECT_EQ(told("bar.cpu"), 1);
+    EXPECT_EQ(told("bar.memory"), 0);
 }
 
 TEST_F(AccessibleBlockTest, EveryButtonOffersToBePressed) {
-    show(homePage(testing::calmMachine(), formatter));
+    show(homePage(tarnwick::testing::calmMachine(), formatter));
     for (ButtonWidget* button : view.findChildren<ButtonWidget*>()) {
         QAccessibleInterface* interface = QAccessible::queryAccessibleInterface(button);
         EXPECT_EQ(interface->role(), QAccessible::Button);

@@ -46,7 +46,7 @@ class AccessibleEvents {
     /// Nobody listens on a screen without a display.
     static void listen(bool on) {
         QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(on);
-        QAccessible::setActive(true);
+        QAccessible::setActive(on);
     }
     static Heard& heard() {
         static Heard events;

@@ -1,6 +1,8 @@
 // The rows of a process list stay under the pointer, whatever happens around them.
+#include <QHelpEvent>
 #include <QScrollArea>
 #include <QScrollBar>
+#include <QToolTip>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
@@ -155,6 +157,56 @@ TEST_F(PanelHoverTest, NewFiguresAboveAreShownAtOnce) {
     // Also with figures that say the same.
     show();
     EXPECT_FALSE(find("restart")->isVisible());
+}
+
+TEST_F(PanelHoverTest, APointerAtRestKeepsNothingWaitingForEver) {
+    movePointer(middleOfList());
+    inputs.systemInfo.uptime = 604800;
+    const int y = list()->y();
+    for (int page = 0; page < 5; ++page) {
+        show();
+        EXPECT_FALSE(find("restart")->isVisible()) << page;
+    }
+    show();
+    expectLatest();
+    EXPECT_GT(list()->y(), y);
+    // Moved again, it holds again.
+    inputs.remindRestartAfterWeek = false;
+    show();
+    movePointer(middleOfList() + QPoint(1, 0));
+    inputs.remindRestartAfterWeek = true;
+    show();
+    EXPECT_FALSE(find("restart")->isVisible());
+}
+
+TEST_F(PanelHoverTest, ASummaryThatHasToWaitForItsRoomIsCutWithAToolTip) {
+    movePointer(middleOfList());
+    const QString all = "A summary that says so much that it needs another line of its own";
+    inputs.displaySummary.popoverText = all.toStdString();
+    show();
+    auto* header = find("header");
+    const QPoint position(5, header->height() - 3);
+    QHelpEvent help(QEvent::ToolTip, position, header->mapToGlobal(position));
+    QApplication::sendEvent(header, &help);
+    EXPECT_TRUE(QToolTip::text().contains(all)) << QToolTip::text().toStdString();
+    QToolTip::hideText();
+}
+
+TEST_F(PanelHoverTest, LinesThatComeAndGoUnderAPointerThatNobodyHasToldOfYetAreShown) {
+    // The pointer has moved on from the last line, and that is not heard of before the next page,
+    // which has no such line.
+    movePointer(list()->mapToGlobal(QPoint(40, list()->height() - 4)));
+    QCursor::setPos(find("bar.cpu")->mapToGlobal(QPoint(5, 5)));
+    inputs.topCPUProcesses.clear();
+    view->setPage(page());
+    settle();
+    QCursor::setPos(middleOfList());
+    inputs.topCPUProcesses = {{.id = 3, .name = "c", .cpuUsage = 20},
+                              {.id = 4, .name = "d", .cpuUsage = 10},
+                              {.id = 5, .name = "e", .cpuUsage = 5}};
+    view->setPage(page());
+    settle();
+    EXPECT_THAT(names(), ElementsAre("c", "d", "e"));
 }
 
 TEST_F(PanelHoverTest, ARowThatCameAndWentWhileItWaitedIsNeverSeen) {
