@@ -20,7 +20,8 @@ class MedianReporter final : public benchmark::ConsoleReporter {
         for (const Run& run : runs) {
             // A single repetition has no median; it stands for itself.
             if (run.run_type == Run::RT_Iteration || run.aggregate_name == "median") {
-                medians_[run.run_name.function_name] = run.GetAdjustedCPUTime();
+                medians_[run.run_name.function_name] =
+                    run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);
             }
         }
     }
@@ -28,7 +29,7 @@ class MedianReporter final : public benchmark::ConsoleReporter {
     // Processor time of the work of a pair, milliseconds, or 0 when it did not run.
     double milliseconds(const std::string& name) const {
         const auto work = medians_.find(name);
-        return work != medians_.end() ? work->second / 1e6 : 0;
+        return work != medians_.end() ? work->second * 1e3 : 0;
     }
     // The ratio of a pair, or 0 when one of them did not run.
     double ratio(const std::string& name) const {
