@@ -164,8 +164,8 @@ constexpr long long kMostGrowth = 65536;
 
 int printGrowth(int rounds) {
     TurnedPanel panel;
-    // Histories are full and caches as large as they get.
-    openAndClose(panel, 500);
+    // Histories are full and the toolkit's tables as large as they get.
+    openAndClose(panel, 1500);
     const Held before = held();
     openAndClose(panel, rounds);
     const Held after = held();
