@@ -52,8 +52,9 @@ class BareStore {
 
     void write() {
         sqlite3_bind_double(write_, 1, ++writes_);
-        sqlite3_step(write_);
-        sqlite3_reset(write_);
+        if (sqlite3_step(write_) != SQLITE_DONE || sqlite3_reset(write_) != SQLITE_OK) {
+            throw std::runtime_error("the bare store does not keep what is written");
+        }
     }
 
  private:

@@ -14,7 +14,7 @@
 
 namespace tarnwick::benchmarks {
 
-struct SettingsDrag::Window {
+struct SettingsDrag::Window final : public QObject {
     QTemporaryDir folder;
     platform::SqliteUserDefaults store{folder.filePath("settings.sqlite").toStdString()};
     platform::testing::ScriptedLoginService loginService;
@@ -24,6 +24,7 @@ struct SettingsDrag::Window {
     qt::Theme theme{false};
     qt::SettingsWidget widget{settings, theme, SettingsViewEnvironment{dispatch, layout}, {}};
     qt::ThresholdSliderWidget* slider = nullptr;
+    int paints = 0;
 
     Window() {
         widget.setFixedSize(520, 500);
@@ -34,8 +35,14 @@ struct SettingsDrag::Window {
         if (slider == nullptr) {
             throw std::logic_error("there is no slider");
         }
+        slider->installEventFilter(this);
         mouse(QEvent::MouseButtonPress, settings.cpuNormal());
         paint();
+    }
+
+    bool eventFilter(QObject*, QEvent* event) override {
+        paints += event->type() == QEvent::Paint ? 1 : 0;
+        return false;
     }
 
     void mouse(QEvent::Type type, double percent) {
@@ -61,8 +68,12 @@ void SettingsDrag::change() {
     // To and fro between 20 and 79.
     const int step = changes_++ % 118;
     percent_ = 20 + (step < 59 ? step : 118 - step);
+    const int before = window_->paints;
     window_->mouse(QEvent::MouseMove, percent_);
     window_->paint();
+    if (window_->paints == before) {
+        throw std::logic_error("a change is not painted");
+    }
 }
 
 void SettingsDrag::rest() {

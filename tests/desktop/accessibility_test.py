@@ -92,6 +92,7 @@ class AccessibilityTest(DesktopTestCase):
 
     def assert_no_item_is_unnamed(self):
         def look(items):
+            self.assertTrue(items)
             for each in items:
                 if "visible" in each.states():
                     self.assertNotEqual(each.name, "")

@@ -1,6 +1,5 @@
 #include "platform/linux/sqlite_user_defaults.h"
 
-#include <atomic>
 #include <cmath>
 #include <cstdint>
 #include <gmock/gmock.h>
@@ -10,24 +9,13 @@
 #include <optional>
 #include <string>
 #include <sys/stat.h>
-#include <sys/syscall.h>
 #include <thread>
-#include <unistd.h>
 #include <vector>
 
 #include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/counted_syncs.h"
 #include "tests/platform/linux/raw_database.h"
 #include "tests/platform/linux/sqlite_user_defaults_fixture.h"
-
-namespace {
-std::atomic<int> syncs{0};
-}  // namespace
-
-/// Stands before the C library's: counts how often a file is forced onto the disk.
-extern "C" int fdatasync(int descriptor) {
-    ++syncs;
-    return static_cast<int>(::syscall(SYS_fdatasync, descriptor));
-}
 
 namespace tarnwick::platform {
 namespace {
@@ -38,6 +26,7 @@ using tarnwick::testing::RawDatabase;
 using tarnwick::testing::SqliteUserDefaultsFixture;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using testing::syncs;
 
 using SqliteUserDefaultsTest = SqliteUserDefaultsFixture;
 

@@ -1,23 +1,14 @@
 // What a drag in the settings window writes onto the disk.
 #include "benchmarks/settings_drag.h"
 
-#include <atomic>
 #include <gtest/gtest.h>
-#include <sys/syscall.h>
-#include <unistd.h>
 
-namespace {
-std::atomic<int> syncs{0};
-}  // namespace
-
-/// Stands before the C library's: counts how often a file is forced onto the disk.
-extern "C" int fdatasync(int descriptor) {
-    ++syncs;
-    return static_cast<int>(::syscall(SYS_fdatasync, descriptor));
-}
+#include "tests/platform/linux/counted_syncs.h"
 
 namespace tarnwick::benchmarks {
 namespace {
+
+using platform::testing::syncs;
 
 TEST(SettingsDragTest, EachOf500ChangesIsOnTheDiskAtOnceAndOnce) {
     constexpr int changes = 500;
