@@ -8,6 +8,9 @@ fail() {
     exit 1
 }
 
+# For the scripts that need more than the program; script/run may have left the rest out.
+readonly with_tests=(-DTARNWICK_TESTS=ON -DTARNWICK_BENCHMARKS=ON)
+
 # build <preset> [cmake option...] [--target name...]: configures and builds, quietly unless
 # something goes wrong; everything, or the targets alone.
 build() {

@@ -301,7 +301,8 @@ TEST_F(CPUServiceTest, AnArrayTooShortLeavesThePreviousTicksAlone) {
 }
 
 TEST_F(CPUServiceTest, AnEmptyArrayIsTooShortForOneProcessor) {
-    const CPUInfo info = read({.result = 0, .processorCount = 1, .words = {{}}});
+    const CPUInfo info =
+        read({.result = 0, .processorCount = 1, .words = std::vector<std::uint32_t>{}});
     EXPECT_THAT(info.coreUsages, IsEmpty());
     EXPECT_THAT(log.lines(), IsEmpty());
 }
