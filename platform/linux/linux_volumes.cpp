@@ -45,15 +45,13 @@ std::string homeDirectory(const std::optional<std::string>& choice) {
     return variable != nullptr && variable[0] == '/' ? variable : homeFromPasswordDatabase();
 }
 
-// Absent with the system's error code in `error`.
-std::optional<VolumeCapacity> capacityOf(const std::string& path, int& error) {
+std::optional<VolumeCapacity> capacityOf(const std::string& path) {
     struct statvfs figures {};
     int result = 0;
     do {
         result = ::statvfs(path.c_str(), &figures);
     } while (result != 0 && errno == EINTR);
-    error = result != 0 ? errno : 0;
-    return error != 0 ? std::nullopt : std::optional(volumeCapacity(figures));
+    return result != 0 ? std::nullopt : std::optional(volumeCapacity(figures));
 }
 
 }  // namespace
@@ -68,10 +66,9 @@ std::string LinuxVolumes::homeDirectoryForCurrentUser() {
 
 std::variant<VolumeResourceValues, VolumeError> LinuxVolumes::resourceValues(
     const std::string& path) {
-    int error = 0;
-    const std::optional<VolumeCapacity> capacity = capacityOf(belowRoot(root_, path), error);
+    const std::optional<VolumeCapacity> capacity = capacityOf(belowRoot(root_, path));
     if (!capacity) {
-        return VolumeError{.localizedDescription = std::generic_category().message(error)};
+        return VolumeResourceValues{.name = nameOfVolume(path, 0)};
     }
     return VolumeResourceValues{.name = nameOfVolume(path, capacity->fileSystem),
                                 .totalCapacity = capacity->total,
@@ -81,22 +78,23 @@ std::variant<VolumeResourceValues, VolumeError> LinuxVolumes::resourceValues(
 
 std::optional<FileSystemAttributes> LinuxVolumes::attributesOfFileSystemForPath(
     const std::string& path) {
-    int error = 0;
-    const std::optional<VolumeCapacity> capacity = capacityOf(belowRoot(root_, path), error);
+    const std::optional<VolumeCapacity> capacity = capacityOf(belowRoot(root_, path));
     if (!capacity) {
         return std::nullopt;
     }
     return FileSystemAttributes{.size = capacity->total, .freeSize = capacity->available};
 }
 
-std::optional<std::string> LinuxVolumes::nameOfVolume(const std::string& path,
-                                                      unsigned long fileSystem) {
+std::string LinuxVolumes::nameOfVolume(const std::string& path, unsigned long fileSystem) {
     const std::lock_guard guard(lock_);
     const double now = sinceBoot_();
     if (!known_ || known_->path != path || known_->fileSystem != fileSystem ||
         now < known_->foundAt || now - known_->foundAt >= longestAgeOfName) {
-        known_ = KnownName{
-            .path = path, .fileSystem = fileSystem, .foundAt = now, .name = findName(path)};
+        // Every path lies below the root, whatever the mount table says or does not say.
+        known_ = KnownName{.path = path,
+                           .fileSystem = fileSystem,
+                           .foundAt = now,
+                           .name = findName(path).value_or("/")};
     }
     return known_->name;
 }
@@ -111,7 +109,7 @@ std::optional<std::string> LinuxVolumes::findName(const std::string& path) const
     std::error_code error;
     const std::filesystem::path root = std::filesystem::canonical(root_, error);
     const std::filesystem::path real =
-        std::filesystem::canonical(belowRoot(root_, path), error).lexically_relative(root);
+        std::filesystem::weakly_canonical(belowRoot(root_, path), error).lexically_relative(root);
     if (error || real.empty()) {
         return std::nullopt;
     }

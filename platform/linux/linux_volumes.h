@@ -23,9 +23,10 @@ class LinuxVolumes final : public Volumes {
 
     /// "/" for a user of whom nothing is known.
     std::string homeDirectoryForCurrentUser() override;
-    /// The name is the file system's label, else its mount point; it is looked up again after a
-    /// minute or when another file system is mounted there. There is no important-usage capacity.
-    /// Available is what a user without privileges may fill.
+    /// Never an error: a volume that cannot be asked has a name and no capacity. The name is the
+    /// file system's label, else its mount point, else "/"; it is looked up again after a minute or
+    /// when another file system is mounted there. There is no important-usage capacity. Available
+    /// is what a user without privileges may fill; the total leaves out what only the system may.
     std::variant<VolumeResourceValues, VolumeError> resourceValues(
         const std::string& path) override;
     std::optional<FileSystemAttributes> attributesOfFileSystemForPath(
@@ -36,10 +37,10 @@ class LinuxVolumes final : public Volumes {
         std::string path;
         unsigned long fileSystem = 0;
         double foundAt = 0;
-        std::optional<std::string> name;
+        std::string name;
     };
 
-    std::optional<std::string> nameOfVolume(const std::string& path, unsigned long fileSystem);
+    std::string nameOfVolume(const std::string& path, unsigned long fileSystem);
     std::optional<std::string> findName(const std::string& path) const;
 
     const std::string root_;
