@@ -1,5 +1,7 @@
 #include "settings/user_settings.h"
 
+#include <limits>
+
 #include "platform/platform.h"
 #include "settings/key_codes.h"
 #include "settings/shortcut.h"
@@ -43,8 +45,11 @@ double read(platform::UserDefaults& store, const Property<double>& property) {
     return store.number(property.key).value_or(property.fallback);
 }
 
-std::int64_t read(platform::UserDefaults& store, const Property<std::int64_t>& property) {
-    return store.integer(property.key).value_or(property.fallback);
+/// A value outside of these bounds is as good as none: anybody can write into the store.
+std::int64_t read(platform::UserDefaults& store, const Property<std::int64_t>& property,
+                  std::int64_t lowest, std::int64_t highest) {
+    const std::int64_t value = store.integer(property.key).value_or(property.fallback);
+    return value >= lowest && value <= highest ? value : property.fallback;
 }
 
 std::string read(platform::UserDefaults& store, const Property<std::string_view>& property) {
@@ -207,7 +212,8 @@ void UserSettings::setRemindRestartAfterWeek(bool on) {
 }
 
 std::int64_t UserSettings::shortcutKeyCode() const {
-    return read(store_, kShortcutKeyCode);
+    // Codes that a hot key can be registered for, and -1.
+    return read(store_, kShortcutKeyCode, -1, std::numeric_limits<std::uint32_t>::max());
 }
 
 void UserSettings::setShortcutKeyCode(std::int64_t code) {
@@ -215,7 +221,7 @@ void UserSettings::setShortcutKeyCode(std::int64_t code) {
 }
 
 std::int64_t UserSettings::shortcutModifiers() const {
-    return read(store_, kShortcutModifiers);
+    return read(store_, kShortcutModifiers, 0, std::numeric_limits<std::int64_t>::max());
 }
 
 void UserSettings::setShortcutModifiers(std::int64_t modifiers) {

@@ -45,8 +45,8 @@ enum class RegistrationState {
 
 /// Every property but the registration state reads through to the store and writes straight to
 /// it; each write, also one of an equal value, announces the change while the store still holds the
-/// old one. A missing or ill-typed value reads as its default, which a read never writes. Main
-/// thread only.
+/// old one. A missing, ill-typed or impossible value reads as its default, which a read never
+/// writes. Main thread only.
 class UserSettings final : public ObservableObject {
  public:
     /// Migrates a legacy shortcut, then brings the start-at-login preference in step with the
@@ -94,11 +94,12 @@ class UserSettings final : public ObservableObject {
     bool remindRestartAfterWeek() const;
     void setRemindRestartAfterWeek(bool on);
 
-    /// Virtual key code of the platform keyboard; -1 means no shortcut.
+    /// Virtual key code of the platform keyboard; -1 means no shortcut, and so does a stored number
+    /// below -1 or of more than 32 bits.
     std::int64_t shortcutKeyCode() const;
     void setShortcutKeyCode(std::int64_t code);
     /// Device-independent modifier bits: Shift 0x20000, Control 0x40000, Option 0x80000, Command
-    /// 0x100000. Other bits are to be ignored.
+    /// 0x100000. Other bits are to be ignored; a stored negative number reads as 0.
     std::int64_t shortcutModifiers() const;
     void setShortcutModifiers(std::int64_t modifiers);
 

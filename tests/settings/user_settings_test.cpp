@@ -205,12 +205,35 @@ TEST_F(UserSettingsTest, AnIntegerIsNoTruthValue) {
     EXPECT_FALSE(UserSettings(store, service).remindRestartAfterWeek());
 }
 
-TEST_F(UserSettingsTest, TheWholeRangeOfIntegersIsKept) {
+TEST_F(UserSettingsTest, EveryPossibleShortcutIsKept) {
     UserSettings settings(store, service);
-    settings.setShortcutModifiers(std::numeric_limits<std::int64_t>::min());
-    EXPECT_EQ(settings.shortcutModifiers(), std::numeric_limits<std::int64_t>::min());
-    settings.setShortcutModifiers(std::numeric_limits<std::int64_t>::max());
-    EXPECT_EQ(settings.shortcutModifiers(), std::numeric_limits<std::int64_t>::max());
+    for (const std::int64_t code :
+         {std::int64_t{-1}, std::int64_t{0}, std::int64_t{127}, std::int64_t{4'294'967'295}}) {
+        settings.setShortcutKeyCode(code);
+        EXPECT_EQ(settings.shortcutKeyCode(), code);
+    }
+    for (const std::int64_t modifiers :
+         {std::int64_t{0}, std::int64_t{0x1E0000}, std::numeric_limits<std::int64_t>::max()}) {
+        settings.setShortcutModifiers(modifiers);
+        EXPECT_EQ(settings.shortcutModifiers(), modifiers);
+    }
+}
+
+TEST_F(UserSettingsTest, AnImpossibleStoredShortcutReadsAsTheDefaultAndIsLeftThere) {
+    UserSettings settings(store, service);
+    for (const std::int64_t code :
+         {std::numeric_limits<std::int64_t>::min(), std::int64_t{-2}, std::int64_t{4'294'967'296},
+          std::numeric_limits<std::int64_t>::max()}) {
+        store.set("settings.shortcutKeyCode", code);
+        EXPECT_EQ(settings.shortcutKeyCode(), -1) << code;
+        EXPECT_EQ(stored("settings.shortcutKeyCode"), DefaultsValue(code));
+    }
+    for (const std::int64_t modifiers :
+         {std::numeric_limits<std::int64_t>::min(), std::int64_t{-1}}) {
+        store.set("settings.shortcutModifiers", modifiers);
+        EXPECT_EQ(settings.shortcutModifiers(), 0) << modifiers;
+        EXPECT_EQ(stored("settings.shortcutModifiers"), DefaultsValue(modifiers));
+    }
 }
 
 TEST_F(UserSettingsTest, ManyObserversAreAllCalled) {
