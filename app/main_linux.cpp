@@ -147,7 +147,7 @@ int run(QApplication& application, platform::StartConditions conditions) {
 
     auto& userDefaults = *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
     // The last chance for what could not be written yet.
-    const platform::DisplayEnd displayEnd([&userDefaults] { userDefaults.synchronize(); });
+    const platform::DisplayEnd displayEnd([&userDefaults] { userDefaults.close(); });
     installPlatform(userDefaults, bus);
     platform::applyInterfaceFont();
 
@@ -222,7 +222,7 @@ int run(QApplication& application, platform::StartConditions conditions) {
     const int status = application.exec();
     // A session's end comes without a call of quit().
     instance.release();
-    userDefaults.synchronize();
+    userDefaults.close();
     return status;
 }
 

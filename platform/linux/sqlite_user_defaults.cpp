@@ -43,14 +43,18 @@ SqliteUserDefaults::SqliteUserDefaults(std::filesystem::path file, Notice notice
     : file_(std::move(file)), notice_(std::move(notice)), patience_(patience) {}
 
 SqliteUserDefaults::~SqliteUserDefaults() {
-    synchronize();
+    close();
 }
 
-void SqliteUserDefaults::synchronize() {
+void SqliteUserDefaults::close() {
     const std::lock_guard guard(lock_);
     if (!pending_.empty()) {
         patient_ = true;
         flush();
+    }
+    if (connection_) {
+        connection_->checkpoint();
+        connection_.reset();
     }
 }
 

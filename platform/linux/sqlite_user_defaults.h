@@ -47,15 +47,17 @@ class SqliteUserDefaults final : public UserDefaults {
     /// once one has waited in vain, none waits until one got through.
     explicit SqliteUserDefaults(std::filesystem::path file, Notice notice = &platform::notice,
                                 std::chrono::milliseconds patience = kPatience);
-    /// synchronize()
+    /// close()
     ~SqliteUserDefaults() override;
 
     std::optional<DefaultsValue> object(std::string_view key) override;
     void set(std::string_view key, const DefaultsValue& value) override;
     /// Says yes, too, where the file cannot be read and may hold the key.
     bool contains(std::string_view key) override;
-    /// Tries once more, patiently, to write what is only in memory: for the end of the program.
-    void synchronize();
+    /// For the end of the program: tries once more, patiently, to write what is only in memory, and
+    /// closes the file, which then holds everything by itself and can be copied. A later access
+    /// opens it again.
+    void close();
 
     static constexpr std::chrono::milliseconds kPatience{250};
 

@@ -310,6 +310,11 @@ void SqliteUserDefaultsConnection::write(const Values& values) {
     }
 }
 
+void SqliteUserDefaultsConnection::checkpoint() {
+    sqlite3_wal_checkpoint_v2(database_.get(), nullptr, SQLITE_CHECKPOINT_PASSIVE, nullptr,
+                              nullptr);
+}
+
 /// Finds out whose file this is, and begins a store in an empty one.
 void SqliteUserDefaultsConnection::examine() {
     // One transaction, should another process begin the file at this moment. Where a question

@@ -69,6 +69,8 @@ class SqliteUserDefaultsConnection {
     std::optional<Row> read(std::string_view key);
     /// Writes all values or none; on the disk when it returns.
     void write(const Values& values);
+    /// Brings what is only in the log into the file, as far as no other process hinders it.
+    void checkpoint();
 
  private:
     struct Closer {

@@ -5,6 +5,7 @@ import os
 import re
 import shutil
 import sqlite3
+import tempfile
 import time
 import unittest
 
@@ -186,6 +187,8 @@ class DesktopTestCase(unittest.TestCase):
         self.assertLess(took, ENDS_WITHIN)
         self.assertEqual(program.process.returncode, status, program.output())
         self.assert_store_is_whole()
+        if status == 0:
+            self.assert_file_holds_the_store()
 
     def store(self):
         return self.desktop.path("home/.local/share/tarnwick/settings.sqlite")
@@ -208,6 +211,14 @@ class DesktopTestCase(unittest.TestCase):
         with contextlib.closing(self._open_store()) as store:
             self.assertEqual(store.execute("PRAGMA integrity_check").fetchall(), [("ok",)])
         self.assertTrue(self.is_in_store("settings.hasPresentedInitialSettings"))
+
+    def assert_file_holds_the_store(self):
+        """The file alone, without what the database keeps beside it, holds the settings."""
+        with tempfile.TemporaryDirectory() as folder:
+            copy = shutil.copy(self.store(), folder)
+            with contextlib.closing(sqlite3.connect(copy)) as store:
+                keys = [key for key, in store.execute("SELECT key FROM defaults")]
+        self.assertIn("settings.hasPresentedInitialSettings", keys)
 
     def _open_store(self):
         return sqlite3.connect(f"file:{self.store()}?mode=ro", uri=True)

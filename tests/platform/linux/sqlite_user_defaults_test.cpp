@@ -173,6 +173,43 @@ TEST_F(SqliteUserDefaultsTest, OneFileIsLeftAfterTheStoreIsClosed) {
     EXPECT_THAT(names(), ElementsAre("settings.sqlite"));
 }
 
+TEST_F(SqliteUserDefaultsTest, AFileThatWasClosedHoldsEverythingByItself) {
+    const auto store = open();
+    store->set("key", std::string("first"));
+    store->close();
+    EXPECT_THAT(names(), ElementsAre("settings.sqlite"));
+    const auto copy = folder / "copy.sqlite";
+    std::filesystem::copy_file(file, copy);
+    EXPECT_EQ(openAt(copy)->text("key"), "first");
+    // The store goes on.
+    EXPECT_EQ(store->text("key"), "first");
+    store->set("key", std::string("second"));
+    EXPECT_EQ(store->text("key"), "second");
+}
+
+TEST_F(SqliteUserDefaultsTest, ACopyOfTheFileCanBeRestored) {
+    open()->set("key", std::string("first"));
+    const auto copy = folder / "copy.sqlite";
+    std::filesystem::copy_file(file, copy);
+    const auto store = open();
+    store->set("key", std::string("second"));
+    // As at the end of the program, where nothing is destroyed.
+    store->close();
+    std::filesystem::copy_file(copy, file, std::filesystem::copy_options::overwrite_existing);
+    EXPECT_EQ(open()->text("key"), "first");
+}
+
+TEST_F(SqliteUserDefaultsTest, AFileThatOthersHaveOpenHoldsEverythingToo) {
+    const auto other = open();
+    const auto store = open();
+    store->set("key", std::string("value"));
+    EXPECT_EQ(other->text("key"), "value");
+    store->close();
+    const auto copy = folder / "copy.sqlite";
+    std::filesystem::copy_file(file, copy);
+    EXPECT_EQ(openAt(copy)->text("key"), "value");
+}
+
 TEST_F(SqliteUserDefaultsTest, TheFileHoldsOneTableOfTypedValues) {
     open()->set("settings.cpuHighThreshold", 91.5);
     RawDatabase raw(file);
