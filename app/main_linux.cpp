@@ -1,6 +1,7 @@
 // The program on a Linux desktop: puts the machine, the toolkit and the shell together.
 #include <QApplication>
 #include <QDesktopServices>
+#include <QLoggingCategory>
 #include <QScreen>
 #include <QSessionManager>
 #include <QTimer>
@@ -11,36 +12,36 @@
 #include <utility>
 
 #include "app/tarnwick_app.h"
-#include "platform/linux/autostart_login_service.h"
-#include "platform/linux/byte_count_text.h"
-#include "platform/linux/descriptor_limit.h"
-#include "platform/linux/desktop/activity_monitor.h"
-#include "platform/linux/desktop/color_scheme.h"
-#include "platform/linux/desktop/display_end.h"
-#include "platform/linux/desktop/interface_font.h"
-#include "platform/linux/desktop/key_codes.h"
-#include "platform/linux/desktop/linux_status_item.h"
-#include "platform/linux/desktop/portal_introduction.h"
-#include "platform/linux/desktop/qt_dispatch.h"
-#include "platform/linux/desktop/quit_signals.h"
-#include "platform/linux/desktop/reduced_motion.h"
-#include "platform/linux/desktop/session_bus.h"
-#include "platform/linux/desktop/session_keyboard.h"
-#include "platform/linux/desktop/single_instance.h"
-#include "platform/linux/desktop/sleep_signals.h"
-#include "platform/linux/desktop/toolkit_environment.h"
-#include "platform/linux/detached_program.h"
-#include "platform/linux/freed_memory.h"
-#include "platform/linux/linux_accelerators.h"
-#include "platform/linux/linux_kernel.h"
-#include "platform/linux/linux_network_interfaces.h"
-#include "platform/linux/linux_power_sources.h"
-#include "platform/linux/linux_process_info.h"
-#include "platform/linux/linux_process_table.h"
-#include "platform/linux/linux_volumes.h"
-#include "platform/linux/sqlite_user_defaults.h"
-#include "platform/linux/standard_error.h"
-#include "platform/linux/start_command.h"
+#include "platform/byte_count_text.h"
+#include "platform/linux/desktop/keyboard/key_codes.h"
+#include "platform/linux/desktop/keyboard/session_keyboard.h"
+#include "platform/linux/desktop/session/activity_monitor.h"
+#include "platform/linux/desktop/session/color_scheme.h"
+#include "platform/linux/desktop/session/display_end.h"
+#include "platform/linux/desktop/session/interface_font.h"
+#include "platform/linux/desktop/session/portal_introduction.h"
+#include "platform/linux/desktop/session/qt_dispatch.h"
+#include "platform/linux/desktop/session/quit_signals.h"
+#include "platform/linux/desktop/session/reduced_motion.h"
+#include "platform/linux/desktop/session/session_bus.h"
+#include "platform/linux/desktop/session/single_instance.h"
+#include "platform/linux/desktop/session/sleep_signals.h"
+#include "platform/linux/desktop/session/toolkit_environment.h"
+#include "platform/linux/desktop/tray/linux_status_item.h"
+#include "platform/linux/events/descriptor_limit.h"
+#include "platform/linux/events/detached_program.h"
+#include "platform/linux/events/freed_memory.h"
+#include "platform/linux/events/standard_error.h"
+#include "platform/linux/graphics/linux_accelerators.h"
+#include "platform/linux/kernel/linux_kernel.h"
+#include "platform/linux/kernel/linux_process_info.h"
+#include "platform/linux/network/linux_network_interfaces.h"
+#include "platform/linux/power/linux_power_sources.h"
+#include "platform/linux/processes/linux_process_table.h"
+#include "platform/linux/settings/autostart_login_service.h"
+#include "platform/linux/settings/sqlite_user_defaults.h"
+#include "platform/linux/settings/start_command.h"
+#include "platform/linux/volumes/linux_volumes.h"
 #include "platform/platform.h"
 #include "platform/qt/font_memory.h"
 #include "ui/panel/menu_bar_view.h"
@@ -239,6 +240,8 @@ int main(int argc, char* argv[]) {
                                          platform::raiseDescriptorLimit()};
     auto environment = std::make_optional<platform::ToolkitEnvironment>();
     qt::listPopUpsForScreenReaders();
+    // Newer toolkits print a line whenever assistive technology asks for a widget that has gone.
+    QLoggingCategory::setFilterRules("qt.accessibility.atspi.warning=false");
     QApplication application(argc, argv);
     environment.reset();
     QApplication::setApplicationName("tarnwick");

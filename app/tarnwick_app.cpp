@@ -33,10 +33,10 @@ TarnwickApp::TarnwickApp(TarnwickAppDesktop desktop, TarnwickAppEnvironment envi
                        &settings = environment_.settings] { return make(settings); }),
       shortcutKeyCode_(environment_.settings.shortcutKeyCode()),
       shortcutModifiers_(environment_.settings.shortcutModifiers()),
-      statsSubscription_(statsManager_.objectWillChange([this] { labelWillChange(); })),
+      statsSubscription_(statsManager_.objectWillChange([this] { nextLabel_.schedule(); })),
       settingsSubscription_(environment_.settings.objectWillChange([this] {
-          labelWillChange();
-          shortcutWillChange();
+          nextLabel_.schedule();
+          nextShortcut_.schedule();
       })) {
     showLabel();
     labelDidAppear();
@@ -46,23 +46,7 @@ TarnwickApp::~TarnwickApp() {
     environment_.hotKeys.setRegistrationChanged(nullptr);
 }
 
-void TarnwickApp::later(std::function<void(TarnwickApp&)> work) {
-    environment_.stats.dispatch.async([weak = std::weak_ptr(self_), work = std::move(work)] {
-        if (const auto self = weak.lock()) {
-            work(**self);
-        }
-    });
-}
-
-void TarnwickApp::labelWillChange() {
-    // However many fields change in one turn, the label is rebuilt once, after all were written.
-    if (!std::exchange(isLabelStale_, true)) {
-        later([](TarnwickApp& app) { app.showLabel(); });
-    }
-}
-
 void TarnwickApp::showLabel() {
-    isLabelStale_ = false;
     const MetricDisplaySummary summary =
         statsManager_.menuBarSummary(environment_.stats.wallClock());
     MenuBarLabel label = menuBarLabel(summary, environment_.settings.menuBarDisplayModeRawValue());
@@ -78,39 +62,26 @@ void TarnwickApp::labelDidAppear() {
         [this] { HotKeyService::toggleMenuBarPanel(statusItem_, environment_.logger); },
         HotKeyServiceEnvironment{environment_.hotKeys, environment_.stats.dispatch,
                                  environment_.logger});
-    environment_.hotKeys.setRegistrationChanged([this] { registrationDidChange(); });
+    environment_.hotKeys.setRegistrationChanged([this] { nextRegistration_.schedule(); });
     hotKeyService_->applyShortcut(environment_.settings);
 }
 
-void TarnwickApp::shortcutWillChange() {
-    // Both halves of a shortcut are written before either is looked at.
-    if (!std::exchange(isShortcutStale_, true)) {
-        later([](TarnwickApp& app) { app.noticeShortcut(); });
-    }
-}
-
 void TarnwickApp::noticeShortcut() {
-    isShortcutStale_ = false;
     const std::int64_t keyCode = environment_.settings.shortcutKeyCode();
     const std::int64_t modifiers = environment_.settings.shortcutModifiers();
     const bool isOtherKey = std::exchange(shortcutKeyCode_, keyCode) != keyCode;
     const bool areOtherModifiers = std::exchange(shortcutModifiers_, modifiers) != modifiers;
     // Each setting applies the shortcut for itself; twice in a row is as good as once.
     if (isOtherKey) {
-        shortcutDidChange();
+        applyShortcut();
     }
     if (areOtherModifiers) {
-        shortcutDidChange();
+        applyShortcut();
     }
 }
 
-void TarnwickApp::shortcutDidChange() {
+void TarnwickApp::applyShortcut() {
     hotKeyService_->applyShortcut(environment_.settings);
-}
-
-void TarnwickApp::registrationDidChange() {
-    // Registering again from inside the desktop's call would take away what calls.
-    later([](TarnwickApp& app) { app.hotKeyService_->applyShortcut(app.environment_.settings); });
 }
 
 }  // namespace tarnwick

@@ -8,12 +8,13 @@
 
 #include "app/app_delegate.h"
 #include "app/settings_window.h"
-#include "core/published.h"
+#include "core/records/published.h"
 #include "core/stats_manager.h"
 #include "platform/desktop.h"
 #include "platform/dispatch.h"
 #include "platform/hot_keys.h"
 #include "platform/log.h"
+#include "platform/next_turn.h"
 #include "platform/windows.h"
 #include "settings/hot_key_service.h"
 #include "settings/user_settings.h"
@@ -69,14 +70,9 @@ class TarnwickApp {
     void machineDidWake() { statsManager_.refreshNow(); }
 
  private:
-    void labelWillChange();
     void showLabel();
-    void shortcutWillChange();
     void noticeShortcut();
-    void shortcutDidChange();
-    void registrationDidChange();
-    /// Runs `work` on a later turn, unless the application has gone by then.
-    void later(std::function<void(TarnwickApp&)> work);
+    void applyShortcut();
 
     platform::StatusItem& statusItem_;
     TarnwickAppEnvironment environment_;
@@ -90,8 +86,12 @@ class TarnwickApp {
     // The shortcut that was stored when it was looked at last.
     std::int64_t shortcutKeyCode_;
     std::int64_t shortcutModifiers_;
-    bool isLabelStale_ = false;
-    bool isShortcutStale_ = false;
+    /// However many fields change in one turn, the label is rebuilt once, after all were written.
+    platform::NextTurn nextLabel_{environment_.stats.dispatch, [this] { showLabel(); }};
+    /// Both halves of a shortcut are written before either is looked at.
+    platform::NextTurn nextShortcut_{environment_.stats.dispatch, [this] { noticeShortcut(); }};
+    /// Registering again from inside the desktop's call would take away what calls.
+    platform::NextTurn nextRegistration_{environment_.stats.dispatch, [this] { applyShortcut(); }};
     Subscription statsSubscription_;
     Subscription settingsSubscription_;
 };

@@ -6,7 +6,7 @@
 #include <string>
 #include <unistd.h>
 
-#include "platform/linux/process_identifiers.h"
+#include "platform/linux/processes/process_identifiers.h"
 
 namespace tarnwick::benchmarks {
 

@@ -11,10 +11,10 @@
 
 #include "benchmarks/bare_link_dump.h"
 #include "benchmarks/pairs.h"
-#include "platform/linux/linux_kernel.h"
-#include "platform/linux/linux_network_interfaces.h"
+#include "platform/linux/kernel/linux_kernel.h"
+#include "platform/linux/network/linux_network_interfaces.h"
 #include "services/network_service.h"
-#include "tests/platform/linux/network_namespace.h"
+#include "tests/platform/linux/network/network_namespace.h"
 
 namespace {
 
@@ -22,7 +22,7 @@ using tarnwick::NetworkService;
 using tarnwick::platform::LinuxKernel;
 using tarnwick::platform::LinuxNetworkInterfaces;
 
-constexpr int cables = 250;
+constexpr int kCables = 250;
 
 void networkFloor(benchmark::State& state) {
     tarnwick::benchmarks::BareLinkDump links;
@@ -40,7 +40,7 @@ void network(benchmark::State& state) {
     }
 }
 
-constexpr tarnwick::benchmarks::Pair pairs[] = {
+constexpr tarnwick::benchmarks::Pair kPairs[] = {
     {"network at 500 interfaces", network, networkFloor, 1.3},
 };
 
@@ -51,7 +51,7 @@ std::string makeInterfaces() {
         if (const std::string reason = net::enterEmptyNetwork(); !reason.empty()) {
             return reason;
         }
-        for (int cable = 0; cable < cables; ++cable) {
+        for (int cable = 0; cable < kCables; ++cable) {
             const std::string number = std::to_string(cable);
             net::addCable("a" + number, "b" + number);
             net::setUp("a" + number);
@@ -71,5 +71,5 @@ int main(int argc, char** argv) {
         std::printf("not measured: %s\n", reason.c_str());
         return argc > 1 && std::string(argv[1]) == "--check" ? 1 : 0;
     }
-    return tarnwick::benchmarks::runPairs(argc, argv, pairs);
+    return tarnwick::benchmarks::runPairs(argc, argv, kPairs);
 }

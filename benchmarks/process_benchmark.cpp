@@ -22,9 +22,9 @@
 
 #include "benchmarks/bare_process_loop.h"
 #include "benchmarks/pairs.h"
-#include "platform/linux/descriptor_limit.h"
-#include "platform/linux/linux_kernel.h"
-#include "platform/linux/linux_process_table.h"
+#include "platform/linux/events/descriptor_limit.h"
+#include "platform/linux/kernel/linux_kernel.h"
+#include "platform/linux/processes/linux_process_table.h"
 #include "services/process_service.h"
 
 namespace {
@@ -36,9 +36,9 @@ using tarnwick::benchmarks::population;
 using tarnwick::platform::LinuxKernel;
 using tarnwick::platform::LinuxProcessTable;
 
-constexpr int rows = 3;
+constexpr int kRows = 3;
 // What most systems let a program open unless it asks for more, and some even then.
-constexpr rlim_t usualDescriptors = 1024;
+constexpr rlim_t kUsualDescriptors = 1024;
 
 // Processes that sleep until they are ended, each by its own identifier.
 class Sleepers {
@@ -97,9 +97,9 @@ void pass(benchmark::State& state) {
     LinuxProcessTable table;
     ProcessService service(table, kernel);
     // The first opens the files, the others keep them.
-    service.readTopProcesses(rows);
+    service.readTopProcesses(kRows);
     for ([[maybe_unused]] const auto turn : state) {
-        benchmark::DoNotOptimize(service.readTopProcesses(rows));
+        benchmark::DoNotOptimize(service.readTopProcesses(kRows));
     }
     countProcesses(state);
 }
@@ -107,7 +107,7 @@ void pass(benchmark::State& state) {
 void passWithUsualDescriptors(benchmark::State& state) {
     rlimit own{};
     ::getrlimit(RLIMIT_NOFILE, &own);
-    const rlimit usual{.rlim_cur = std::min(own.rlim_cur, usualDescriptors),
+    const rlimit usual{.rlim_cur = std::min(own.rlim_cur, kUsualDescriptors),
                        .rlim_max = own.rlim_max};
     ::setrlimit(RLIMIT_NOFILE, &usual);
     pass(state);
@@ -119,7 +119,7 @@ void firstPass(benchmark::State& state) {
     LinuxProcessTable table;
     ProcessService service(table, kernel);
     for ([[maybe_unused]] const auto turn : state) {
-        benchmark::DoNotOptimize(service.readTopProcesses(rows));
+        benchmark::DoNotOptimize(service.readTopProcesses(kRows));
         service.releaseCaches();
     }
     countProcesses(state);
@@ -149,7 +149,7 @@ int takeProcesses(int& argc, char** argv) {
 
 // Where files are kept, the time saved pays for everything that the bare loop does not do: listing
 // the processes, above all. Where few or none are, that comes on top.
-constexpr Pair pairs[] = {
+constexpr Pair kPairs[] = {
     {"process pass", pass, bareLoop, 1.0},
     {"process pass with 1024 descriptors", passWithUsualDescriptors, bareLoop, 1.25},
     {"first process pass", firstPass, bareLoop, 1.5},
@@ -158,7 +158,7 @@ constexpr Pair pairs[] = {
 int measure(int argc, char** argv) {
     std::printf("\n%zu processes\n", population().size());
     std::fflush(stdout);
-    return tarnwick::benchmarks::runPairs(argc, argv, pairs);
+    return tarnwick::benchmarks::runPairs(argc, argv, kPairs);
 }
 
 // In a process of its own: the library runs once in each.

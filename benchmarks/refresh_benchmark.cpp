@@ -16,10 +16,10 @@
 #include "benchmarks/bare_link_dump.h"
 #include "benchmarks/bare_process_loop.h"
 #include "benchmarks/pairs.h"
-#include "platform/linux/linux_kernel.h"
-#include "platform/linux/linux_network_interfaces.h"
-#include "platform/linux/linux_process_table.h"
-#include "platform/linux/linux_volumes.h"
+#include "platform/linux/kernel/linux_kernel.h"
+#include "platform/linux/network/linux_network_interfaces.h"
+#include "platform/linux/processes/linux_process_table.h"
+#include "platform/linux/volumes/linux_volumes.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
 #include "services/network_service.h"
@@ -92,11 +92,11 @@ class FastRefresh {
     }
     void readWithProcesses() {
         read();
-        benchmark::DoNotOptimize(processes_.readTopProcesses(rows));
+        benchmark::DoNotOptimize(processes_.readTopProcesses(kRows));
     }
 
  private:
-    static constexpr int rows = 3;
+    static constexpr int kRows = 3;
 
     LinuxKernel kernel_;
     CPUService processors_{kernel_};
@@ -156,7 +156,7 @@ void storage(benchmark::State& state) {
     }
 }
 
-constexpr tarnwick::benchmarks::Pair pairs[] = {
+constexpr tarnwick::benchmarks::Pair kPairs[] = {
     {"fast refresh without processes", fastRefresh, fastRefreshFloor, 1.3},
     {"fast refresh with processes", fastRefreshWithProcesses, fastRefreshWithProcessesFloor, 1.0},
     {"storage", storage, storageFloor, 1.3},
@@ -165,5 +165,5 @@ constexpr tarnwick::benchmarks::Pair pairs[] = {
 }  // namespace
 
 int main(int argc, char** argv) {
-    return tarnwick::benchmarks::runPairs(argc, argv, pairs);
+    return tarnwick::benchmarks::runPairs(argc, argv, kPairs);
 }

@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <stdexcept>
 
-#include "platform/linux/sqlite_user_defaults.h"
+#include "platform/linux/settings/sqlite_user_defaults.h"
 #include "platform/testing/manual_dispatch.h"
 #include "platform/testing/scripted_keyboard_layout.h"
 #include "platform/testing/scripted_login_service.h"

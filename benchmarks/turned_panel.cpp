@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "core/stats_manager.h"
-#include "platform/linux/byte_count_text.h"
+#include "platform/byte_count_text.h"
 #include "platform/testing/manual_dispatch.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_login_service.h"

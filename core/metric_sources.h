@@ -3,7 +3,7 @@
 
 #include <functional>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "services/top_process_lists.h"
 
 namespace tarnwick {

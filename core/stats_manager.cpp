@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "core/checked_math.h"
+#include "core/records/checked_math.h"
 #include "platform/platform.h"
 
 namespace tarnwick {

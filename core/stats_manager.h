@@ -8,17 +8,16 @@
 #include <optional>
 #include <vector>
 
-#include "core/metric_records.h"
 #include "core/metric_sources.h"
-#include "core/published.h"
+#include "core/records/metric_records.h"
+#include "core/records/published.h"
+#include "evaluation/metric_summary_resolver.h"
 #include "platform/dispatch.h"
 #include "platform/log.h"
 #include "services/battery_reader.h"
 #include "settings/user_settings.h"
 
 namespace tarnwick {
-
-struct MetricDisplaySummary;
 
 /// What a stats manager runs on; the defaults are the process-wide ones.
 struct StatsManagerEnvironment {

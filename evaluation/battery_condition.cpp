@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "core/text.h"
+#include "core/records/text.h"
 
 namespace tarnwick {
 namespace {

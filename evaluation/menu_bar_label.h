@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/tint.h"
+#include "core/records/tint.h"
 #include "evaluation/metric_summary_resolver.h"
 
 namespace tarnwick {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-#include "core/tint.h"
+#include "core/records/tint.h"
 
 namespace tarnwick {
 

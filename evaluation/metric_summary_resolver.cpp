@@ -4,7 +4,7 @@
 #include <string_view>
 #include <utility>
 
-#include "core/text.h"
+#include "core/records/text.h"
 
 namespace tarnwick::MetricSummaryResolver {
 namespace {

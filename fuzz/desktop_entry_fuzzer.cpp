@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/application_unit.h"
-#include "platform/linux/desktop_entry.h"
+#include "platform/linux/applications/application_unit.h"
+#include "platform/linux/applications/desktop_entry.h"
 #include "platform/utf8.h"
 
 using tarnwick::fuzz::require;

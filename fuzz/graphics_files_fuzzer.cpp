@@ -3,8 +3,8 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/graphics_files.h"
-#include "platform/linux/graphics_names.h"
+#include "platform/linux/graphics/graphics_files.h"
+#include "platform/linux/graphics/graphics_names.h"
 
 using tarnwick::fuzz::require;
 

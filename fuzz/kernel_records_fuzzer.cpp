@@ -3,7 +3,7 @@
 #include <span>
 
 #include "fuzz/fuzzer.h"
-#include "services/kernel_records.h"
+#include "platform/macos/readers/kernel_records.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/link_dump.h"
+#include "platform/linux/network/link_dump.h"
 
 namespace {
 

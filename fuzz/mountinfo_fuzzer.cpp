@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/mountinfo.h"
-#include "platform/linux/volume_label.h"
+#include "platform/linux/volumes/mountinfo.h"
+#include "platform/linux/volumes/volume_label.h"
 
 using tarnwick::fuzz::require;
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/power_supply.h"
+#include "platform/linux/power/power_supply.h"
 
 namespace {
 

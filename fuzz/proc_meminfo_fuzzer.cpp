@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/proc_meminfo.h"
+#include "platform/linux/kernel/proc_meminfo.h"
 
 using tarnwick::fuzz::require;
 

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/proc_net_dev.h"
+#include "platform/linux/network/proc_net_dev.h"
 
 using tarnwick::fuzz::require;
 

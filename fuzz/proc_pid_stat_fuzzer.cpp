@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/proc_pid_stat.h"
-#include "platform/linux/process_identifiers.h"
+#include "platform/linux/processes/proc_pid_stat.h"
+#include "platform/linux/processes/process_identifiers.h"
 #include "platform/utf8.h"
 
 using tarnwick::fuzz::require;

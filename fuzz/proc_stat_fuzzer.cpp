@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/proc_stat.h"
-#include "platform/linux/processor_positions.h"
+#include "platform/linux/kernel/proc_stat.h"
+#include "platform/linux/kernel/processor_positions.h"
 
 using tarnwick::fuzz::require;
 using tarnwick::platform::ProcessorTicks;

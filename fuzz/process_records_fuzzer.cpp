@@ -11,9 +11,9 @@
 #include <vector>
 
 #include "fuzz/fuzzer.h"
-#include "platform/testing/scripted_process_table.h"
-#include "services/process_records.h"
-#include "services/process_table_reader.h"
+#include "platform/macos/readers/process_records.h"
+#include "platform/macos/readers/process_table_reader.h"
+#include "tests/platform/macos/readers/scripted_raw_process_table.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "services/profiler_health.h"
+#include "platform/macos/readers/profiler_health.h"
 
 using tarnwick::fuzz::require;
 

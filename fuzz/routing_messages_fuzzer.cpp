@@ -5,7 +5,7 @@
 #include <span>
 
 #include "fuzz/fuzzer.h"
-#include "services/routing_messages.h"
+#include "platform/macos/readers/routing_messages.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/online_processors.h"
-#include "platform/linux/proc_uptime.h"
-#include "platform/linux/thermal_zone.h"
+#include "platform/linux/kernel/online_processors.h"
+#include "platform/linux/kernel/proc_uptime.h"
+#include "platform/linux/power/thermal_zone.h"
 
 using tarnwick::fuzz::require;
 

@@ -2,7 +2,7 @@
 #include <span>
 
 #include "fuzz/fuzzer.h"
-#include "platform/linux/xsettings.h"
+#include "platform/linux/desktop/session/xsettings.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     using namespace tarnwick;

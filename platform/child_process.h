@@ -41,7 +41,7 @@ class ChildProcess {
     /// Reads what is there, up to the size of `buffer`, without waiting.
     virtual PipeRead read(std::span<char> buffer) = 0;
     /// Absent while the child runs; then its exit status, or the number of the signal that ended it
-    /// with a minus sign, or `unknownStatus`.
+    /// with a minus sign, or `kUnknownStatus`.
     virtual std::optional<std::int32_t> status() = 0;
     /// Asks the child to end, ends it by force when it does not within a moment, and takes its
     /// status. Returns within about a second whatever the child does; nothing happens when it has
@@ -49,7 +49,7 @@ class ChildProcess {
     virtual void terminate() = 0;
 
     /// The status of a child that somebody else has taken.
-    static constexpr std::int32_t unknownStatus = -1'000'000;
+    static constexpr std::int32_t kUnknownStatus = -1'000'000;
 };
 
 /// Any thread.

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "core/tint.h"
+#include "core/records/tint.h"
 
 namespace tarnwick::platform {
 

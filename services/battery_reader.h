@@ -1,7 +1,7 @@
 // What a slow refresh asks about the battery.
 #pragma once
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 
 namespace tarnwick {
 

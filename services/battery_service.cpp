@@ -29,15 +29,15 @@ constexpr platform::Date kDistantPast{-62'135'596'800};
 
 BatteryService::BatteryService(platform::UserDefaults& store, ReadHealth health,
                                ReadBattery battery, Now wallClock, ElapsedTime elapsed)
-    : readHealth(std::move(health)),
-      readBattery(std::move(battery)),
-      now(std::move(wallClock)),
-      elapsedTime(std::move(elapsed)),
-      defaults(store),
-      cachedHealth(defaults.integer(kHealthKey)),
-      cachedCondition(defaults.text(kConditionKey)),
-      lastHealthAttempt(defaults.date(kLastFetchKey).value_or(kDistantPast)),
-      lastAttemptFailed(defaults.boolean(kLastAttemptFailedKey).value_or(false)) {}
+    : readHealth_(std::move(health)),
+      readBattery_(std::move(battery)),
+      now_(std::move(wallClock)),
+      elapsedTime_(std::move(elapsed)),
+      defaults_(store),
+      cachedHealth_(defaults_.integer(kHealthKey)),
+      cachedCondition_(defaults_.text(kConditionKey)),
+      lastHealthAttempt_(defaults_.date(kLastFetchKey).value_or(kDistantPast)),
+      lastAttemptFailed_(defaults_.boolean(kLastAttemptFailedKey).value_or(false)) {}
 
 std::shared_ptr<BatteryService> BatteryService::shared() {
     // Never destroyed: background work may still use it while the process ends.
@@ -69,76 +69,77 @@ BatteryService::ElapsedTime BatteryService::systemElapsedTime() {
 
 BatteryInfo BatteryService::currentBatteryInfo(bool force) {
     const std::lock_guard guard(lock);
-    const double time = elapsedTime();
-    if (!force && !lastGoodInfo && time < nextDetectionAttempt) {
+    const double time = elapsedTime_();
+    if (!force && !lastGoodInfo_ && time < nextDetectionAttempt_) {
         return {};
     }
-    std::optional<BatteryInfo> info = readBattery();
+    std::optional<BatteryInfo> info = readBattery_();
     if (info && info->hasBattery) {
-        missingSamples = 0;
-        nextDetectionAttempt = 0;
-        sourceCondition = info->healthCondition;
+        missingSamples_ = 0;
+        nextDetectionAttempt_ = 0;
+        sourceCondition_ = info->healthCondition;
         mergeCache(*info);
-        lastGoodInfo = std::move(info);
-        return *lastGoodInfo;
+        lastGoodInfo_ = std::move(info);
+        return *lastGoodInfo_;
     }
     // A battery once seen does not go away: a read that fails now and then must not hide it.
-    if (lastGoodInfo) {
-        return *lastGoodInfo;
+    if (lastGoodInfo_) {
+        return *lastGoodInfo_;
     }
-    missingSamples = std::min(missingSamples + 1, kMissesUntilPause);
-    if (missingSamples == kMissesUntilPause) {
-        nextDetectionAttempt = time + kDetectionPause;
+    missingSamples_ = std::min(missingSamples_ + 1, kMissesUntilPause);
+    if (missingSamples_ == kMissesUntilPause) {
+        nextDetectionAttempt_ = time + kDetectionPause;
     }
     return {};
 }
 
 BatteryInfo BatteryService::batteryInfoWithHealth(bool force) {
     const std::lock_guard guard(lock);
-    if (!lastGoodInfo) {
+    if (!lastGoodInfo_) {
         return {};
     }
-    const platform::Date moment = now();
+    const platform::Date moment = now_();
     if (force || isHealthDue(moment.secondsSince1970)) {
         fetchHealth(moment);
-        mergeCache(*lastGoodInfo);
+        mergeCache(*lastGoodInfo_);
     }
-    return *lastGoodInfo;
+    return *lastGoodInfo_;
 }
 
 bool BatteryService::isHealthDue(double moment) const {
-    const double age = moment - lastHealthAttempt.secondsSince1970;
-    const double interval = lastAttemptFailed ? kHealthRetryInterval : kHealthInterval;
+    const double age = moment - lastHealthAttempt_.secondsSince1970;
+    const double interval = lastAttemptFailed_ ? kHealthRetryInterval : kHealthInterval;
     // A clock that was set back says nothing about the age.
-    return !cachedCondition || !(age >= 0 && age < interval);
+    return !cachedCondition_ || !(age >= 0 && age < interval);
 }
 
 void BatteryService::fetchHealth(platform::Date moment) {
-    const std::optional<HealthReading> reading = readHealth();
+    const std::optional<HealthReading> reading = readHealth_();
     if (reading && reading->health) {
-        cachedHealth = reading->health;
-        defaults.set(kHealthKey, *cachedHealth);
+        cachedHealth_ = reading->health;
+        defaults_.set(kHealthKey, *cachedHealth_);
     }
     if (reading && reading->condition && !reading->condition->empty()) {
-        cachedCondition = reading->condition;
-    } else if (!cachedCondition) {
+        cachedCondition_ = reading->condition;
+    } else if (!cachedCondition_) {
         // From now on the interval counts, also after a failure.
-        cachedCondition.emplace();
+        cachedCondition_.emplace();
     }
-    lastAttemptFailed = !reading;
-    lastHealthAttempt = moment;
-    defaults.set(kConditionKey, *cachedCondition);
-    defaults.set(kLastAttemptFailedKey, lastAttemptFailed);
-    defaults.set(kLastFetchKey, lastHealthAttempt);
+    lastAttemptFailed_ = !reading;
+    lastHealthAttempt_ = moment;
+    defaults_.set(kConditionKey, *cachedCondition_);
+    defaults_.set(kLastAttemptFailedKey, lastAttemptFailed_);
+    defaults_.set(kLastFetchKey, lastHealthAttempt_);
 }
 
 void BatteryService::mergeCache(BatteryInfo& info) const {
-    if (cachedHealth) {
-        info.health = cachedHealth;
+    if (cachedHealth_) {
+        info.health = cachedHealth_;
         info.healthSource = BatteryHealthSource::systemProfiler;
     }
     // The live word wins; an earlier one from the cache does not count as live.
-    info.healthCondition = sourceCondition.empty() ? cachedCondition.value_or("") : sourceCondition;
+    info.healthCondition =
+        sourceCondition_.empty() ? cachedCondition_.value_or("") : sourceCondition_;
 }
 
 }  // namespace tarnwick

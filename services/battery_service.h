@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/power_sources.h"
 #include "platform/user_defaults.h"
 #include "services/battery_reader.h"
@@ -54,29 +54,29 @@ class BatteryService final : public BatteryReader {
     void fetchHealth(platform::Date now);
     void mergeCache(BatteryInfo& info) const;
 
-    const ReadHealth readHealth;
-    const ReadBattery readBattery;
-    const Now now;
-    const ElapsedTime elapsedTime;
-    platform::UserDefaults& defaults;
+    const ReadHealth readHealth_;
+    const ReadBattery readBattery_;
+    const Now now_;
+    const ElapsedTime elapsedTime_;
+    platform::UserDefaults& defaults_;
 
     std::mutex lock;
     // Guarded by `lock`.
     /// The last record with a battery, merged with the cache; absent until one has been seen.
-    std::optional<BatteryInfo> lastGoodInfo;
+    std::optional<BatteryInfo> lastGoodInfo_;
     /// The condition word as last read, before any merge.
-    std::string sourceCondition;
+    std::string sourceCondition_;
     /// Reads in a row that found no battery while none had ever been seen; stops at 3.
-    std::int64_t missingSamples = 0;
+    std::int64_t missingSamples_ = 0;
     /// On the elapsed-time clock: before it, an unforced call does not look for a battery.
-    double nextDetectionAttempt = 0;
+    double nextDetectionAttempt_ = 0;
     /// Percent.
-    std::optional<std::int64_t> cachedHealth;
+    std::optional<std::int64_t> cachedHealth_;
     /// Present, be it empty, once the health has been asked for.
-    std::optional<std::string> cachedCondition;
-    platform::Date lastHealthAttempt;
+    std::optional<std::string> cachedCondition_;
+    platform::Date lastHealthAttempt_;
     /// The last attempt gave no reading at all.
-    bool lastAttemptFailed = false;
+    bool lastAttemptFailed_ = false;
 };
 
 }  // namespace tarnwick

@@ -5,7 +5,7 @@
 #include <string>
 #include <utility>
 
-#include "core/checked_math.h"
+#include "core/records/checked_math.h"
 #include "platform/platform.h"
 
 namespace tarnwick {

@@ -5,10 +5,10 @@
 #include <optional>
 #include <vector>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/kernel.h"
 #include "platform/log.h"
-#include "services/kernel_records.h"
+#include "services/processor_loads.h"
 
 namespace tarnwick {
 

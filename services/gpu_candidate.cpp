@@ -6,7 +6,7 @@
 #include <variant>
 #include <vector>
 
-#include "core/percentage.h"
+#include "core/records/percentage.h"
 #include "services/property_text.h"
 
 namespace tarnwick {

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/accelerators.h"
 
 namespace tarnwick {

@@ -1,7 +1,7 @@
 // Use of the graphics processor.
 #pragma once
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/accelerators.h"
 #include "platform/log.h"
 

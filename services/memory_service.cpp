@@ -3,13 +3,13 @@
 #include <algorithm>
 #include <string>
 
-#include "core/checked_math.h"
+#include "core/records/checked_math.h"
 #include "platform/platform.h"
 
 namespace tarnwick {
 
 MemoryService::MemoryService(platform::Kernel& kernel, platform::Logger logger)
-    : kernel_(kernel), logger_(logger), pageSize(kernel.pageSize()) {}
+    : kernel_(kernel), logger_(logger), pageSize_(kernel.pageSize()) {}
 
 MemoryService& MemoryService::shared() {
     // Never destroyed: background work may still use it while the process ends.
@@ -33,7 +33,7 @@ MemoryInfo MemoryService::readMemoryInfo() {
 
     const platform::VMStatistics& pages = answer.statistics;
     const auto bytes = [this](std::uint32_t count) {
-        return checkedMultiply<std::uint64_t>(count, pageSize);
+        return checkedMultiply<std::uint64_t>(count, pageSize_);
     };
     // Speculative pages are part of the free ones, but the system has plans for them.
     info.free = bytes(pages.free_count - std::min(pages.speculative_count, pages.free_count));

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/kernel.h"
 #include "platform/log.h"
 
@@ -25,7 +25,7 @@ class MemoryService {
     platform::Kernel& kernel_;
     platform::Logger logger_;
     /// Bytes; asked for once, when the service is made.
-    const std::uint64_t pageSize;
+    const std::uint64_t pageSize_;
 };
 
 }  // namespace tarnwick

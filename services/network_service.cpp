@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "core/checked_math.h"
+#include "core/records/checked_math.h"
 #include "platform/platform.h"
 
 namespace tarnwick {
@@ -50,7 +50,7 @@ NetworkService::ReadCounters counterReader(platform::NetworkInterfaces& interfac
 }  // namespace
 
 NetworkService::NetworkService(ReadCounters read, Now clock)
-    : readCounters(std::move(read)), now(std::move(clock)) {}
+    : readCounters_(std::move(read)), now_(std::move(clock)) {}
 
 NetworkService::NetworkService(platform::NetworkInterfaces& interfaces, platform::Kernel& kernel,
                                platform::Logger logger)
@@ -66,11 +66,11 @@ NetworkService& NetworkService::shared() {
 
 NetworkInfo NetworkService::readNetworkInfo() {
     const std::lock_guard guard(lock);
-    std::optional<InterfaceTable> interfaces = readCounters();
+    std::optional<InterfaceTable> interfaces = readCounters_();
     if (!interfaces) {
         return {};
     }
-    const double timestamp = now();
+    const double timestamp = now_();
 
     NetworkInfo info;
     addTotals(info, *interfaces);

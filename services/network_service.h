@@ -5,7 +5,7 @@
 #include <mutex>
 #include <optional>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/kernel.h"
 #include "platform/log.h"
 #include "platform/network_interfaces.h"
@@ -43,8 +43,8 @@ class NetworkService {
     /// Guarded by `lock`; absent until the first table was read, never cleared.
     std::optional<Snapshot> previousSnapshot;
     std::mutex lock;
-    const ReadCounters readCounters;
-    const Now now;
+    const ReadCounters readCounters_;
+    const Now now_;
 };
 
 }  // namespace tarnwick

@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/power_sources.h"
 
 namespace tarnwick {

@@ -6,7 +6,7 @@
 #include <string>
 #include <utility>
 
-#include "core/checked_math.h"
+#include "core/records/checked_math.h"
 #include "platform/platform.h"
 #include "platform/utf8.h"
 #include "services/application_name.h"

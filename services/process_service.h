@@ -6,7 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/kernel.h"
 #include "platform/log.h"
 #include "platform/process_table.h"

@@ -7,7 +7,7 @@
 #include <sstream>
 #include <system_error>
 
-#include "core/text.h"
+#include "core/records/text.h"
 
 namespace tarnwick {
 

@@ -1,7 +1,7 @@
 // Capacity of the volume that holds the user's home directory.
 #pragma once
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/log.h"
 #include "platform/volumes.h"
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 
 namespace tarnwick {
 

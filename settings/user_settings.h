@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/published.h"
+#include "core/records/published.h"
 #include "platform/log.h"
 #include "platform/login_service.h"
 #include "platform/user_defaults.h"

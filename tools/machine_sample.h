@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 
 namespace tarnwick::probe {
 

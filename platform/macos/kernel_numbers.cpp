@@ -13,11 +13,12 @@
 #include <sys/time.h>
 #include <time.h>
 
+#include "platform/macos/readers/interface_counter_reader.h"
+#include "platform/macos/readers/kernel_records.h"
+#include "platform/macos/readers/process_records.h"
+#include "platform/macos/readers/routing_messages.h"
 #include "platform/network_interfaces.h"
-#include "services/interface_counter_reader.h"
-#include "services/kernel_records.h"
-#include "services/process_records.h"
-#include "services/routing_messages.h"
+#include "services/processor_loads.h"
 
 namespace tarnwick {
 namespace {

@@ -8,7 +8,8 @@
 #include <time.h>
 
 #include "platform/macos/owned.h"
-#include "services/kernel_records.h"
+#include "platform/macos/readers/kernel_records.h"
+#include "services/processor_loads.h"
 
 namespace tarnwick::platform {
 namespace {

@@ -13,11 +13,11 @@
 #include "platform/macos/mac_raw_process_table.h"
 #include "platform/macos/mac_user_defaults.h"
 #include "platform/macos/mac_volumes.h"
-#include "platform/posix/posix_child_processes.h"
-#include "services/interface_counter_reader.h"
+#include "platform/macos/posix/posix_child_processes.h"
+#include "platform/macos/readers/interface_counter_reader.h"
+#include "platform/macos/readers/process_table_reader.h"
+#include "platform/macos/readers/profiler_health.h"
 #include "services/process_runner.h"
-#include "services/process_table_reader.h"
-#include "services/profiler_health.h"
 
 namespace tarnwick::platform {
 

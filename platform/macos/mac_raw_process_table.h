@@ -1,7 +1,7 @@
 // The calls behind the process table.
 #pragma once
 
-#include "platform/raw_process_table.h"
+#include "platform/macos/readers/raw_process_table.h"
 
 namespace tarnwick::platform {
 

@@ -12,10 +12,11 @@ HEADERS = [
     "platform/hot_keys.h",
     "platform/network_interfaces.h",
     "platform/process_table.h",
-    "services/interface_counter_reader.h",
-    "services/kernel_records.h",
-    "services/process_records.h",
-    "services/routing_messages.h",
+    "platform/macos/readers/interface_counter_reader.h",
+    "platform/macos/readers/kernel_records.h",
+    "platform/macos/readers/process_records.h",
+    "platform/macos/readers/routing_messages.h",
+    "services/processor_loads.h",
     "settings/hot_key_service.h",
     "settings/key_codes.h",
     "settings/shortcut.h",
@@ -43,7 +44,7 @@ def tied():
 
 class Numbers(unittest.TestCase):
     def test_are_found_where_they_stand(self):
-        self.assertIn("kProcessRecordSize", numbers("services/process_records.h"))
+        self.assertIn("kProcessRecordSize", numbers("platform/macos/readers/process_records.h"))
         self.assertIn("kExists", numbers("platform/hot_keys.h"))
         self.assertIn("kCommand", numbers("settings/shortcut.h"))
 

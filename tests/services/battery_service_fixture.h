@@ -9,7 +9,7 @@
 #include <string>
 #include <utility>
 
-#include "platform/linux/sqlite_user_defaults.h"
+#include "platform/linux/settings/sqlite_user_defaults.h"
 #include "services/battery_service.h"
 #include "tests/platform/linux/temporary_folder.h"
 

@@ -11,7 +11,6 @@
 #include "platform/testing/recording_log.h"
 #include "platform/testing/scripted_kernel.h"
 #include "platform/testing/scripted_network_interfaces.h"
-#include "services/interface_counter_reader.h"
 
 namespace tarnwick {
 namespace {
@@ -264,18 +263,6 @@ TEST(NetworkService, TheDefaultLogRecordsNothing) {
     service.readNetworkInfo();
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-}
-
-TEST(NetworkService, AFailureOfTheCallsBelowTheCounterReaderIsLogged) {
-    platform::testing::ScriptedKernel kernel;
-    platform::testing::ScriptedInterfaceCalls calls;
-    platform::testing::RecordingLog log;
-    InterfaceCounterReader reader(calls);
-    NetworkService service(reader, kernel, platform::Logger(log));
-    EXPECT_FALSE(service.readNetworkInfo().hasSample);
-    EXPECT_THAT(log.lines(),
-                ElementsAre(std::pair{platform::LogLevel::error,
-                                      std::string("Network counter readers unavailable")}));
 }
 
 TEST(Counters, AreEqualWhenAllThreeFieldsAre) {

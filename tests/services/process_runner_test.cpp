@@ -56,7 +56,7 @@ TEST_F(ProcessRunnerTest, GivesAnEmptyTextWhenACommandThatSucceedsPrintsNothing)
 }
 
 TEST_F(ProcessRunnerTest, GivesNothingWhenTheStatusIsNotZero) {
-    for (const std::int32_t status : {1, 3, 255, -15, platform::ChildProcess::unknownStatus}) {
+    for (const std::int32_t status : {1, 3, 255, -15, platform::ChildProcess::kUnknownStatus}) {
         print("text", status);
         EXPECT_EQ(run(), std::nullopt) << status;
     }

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/sqlite_user_defaults.h"
+#include "platform/linux/settings/sqlite_user_defaults.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_login_service.h"
 #include "settings/user_settings.h"

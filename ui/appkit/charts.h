@@ -4,9 +4,9 @@
 #import <AppKit/AppKit.h>
 #include <memory>
 
+#include "ui/panel/blocks.h"
 #include "ui/panel/motion.h"
 #include "ui/panel/sparkline_view.h"
-#include "ui/panel/usage_bar.h"
 
 /// The bar itself, filled from the left.
 @interface TNWBarView : NSView

@@ -4,7 +4,7 @@
 #import <AppKit/AppKit.h>
 #include <functional>
 
-#include "ui/panel/panel_button.h"
+#include "ui/panel/blocks.h"
 
 namespace tarnwick::appkit {
 

@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "ui/appkit/style.h"
-#include "ui/panel/navigation_button.h"
+#include "ui/panel/blocks.h"
 
 @implementation TNWPressButton {
     std::function<void()> _pressed;

@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 
 namespace tarnwick {
 

@@ -3,8 +3,8 @@
 #include <string>
 #include <utility>
 
-#include "core/percentage.h"
-#include "core/text.h"
+#include "core/records/percentage.h"
+#include "core/records/text.h"
 #include "evaluation/battery_condition.h"
 #include "services/system_uptime.h"
 #include "ui/panel/page_builder.h"

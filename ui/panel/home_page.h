@@ -5,7 +5,7 @@
 #include <set>
 #include <vector>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "evaluation/metric_summary_resolver.h"
 #include "platform/byte_count_formatter.h"
 #include "settings/metric_thresholds.h"

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "core/text.h"
+#include "core/records/text.h"
 #include "ui/panel/memory_pressure.h"
 #include "ui/panel/page_builder.h"
 #include "ui/panel/panel_figures.h"

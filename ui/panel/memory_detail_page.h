@@ -4,7 +4,7 @@
 #include <set>
 #include <vector>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 #include "platform/byte_count_formatter.h"
 #include "ui/panel/page.h"
 

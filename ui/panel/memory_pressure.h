@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "core/metric_records.h"
+#include "core/records/metric_records.h"
 
 namespace tarnwick {
 

@@ -34,9 +34,9 @@ const Page& MenuBarView::appear() {
     // Whatever was pressed while nothing was to be seen.
     activeTab_ = MenuTab::home;
     lastDetail_ = MenuTab::home;
-    statsSubscription_ = statsManager_.objectWillChange([this] { scheduleRebuild(); });
+    statsSubscription_ = statsManager_.objectWillChange([this] { nextRebuild_.schedule(); });
     settingsSubscription_ =
-        statsManager_.settings().objectWillChange([this] { scheduleRebuild(); });
+        statsManager_.settings().objectWillChange([this] { nextRebuild_.schedule(); });
     statsManager_.popoverDidAppear();
     lastPage_ = page();
     return lastPage_;
@@ -187,18 +187,6 @@ void MenuBarView::show(MenuTab tab) {
         lastDetail_ = tab;
     }
     rebuild();
-}
-
-void MenuBarView::scheduleRebuild() {
-    if (std::exchange(isRebuildScheduled_, true)) {
-        return;
-    }
-    environment_.dispatch.async([weak = std::weak_ptr(self_)] {
-        if (const auto self = weak.lock()) {
-            (*self)->isRebuildScheduled_ = false;
-            (*self)->rebuild();
-        }
-    });
 }
 
 void MenuBarView::rebuild() {

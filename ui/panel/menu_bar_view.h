@@ -2,19 +2,19 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <set>
 
-#include "core/published.h"
+#include "core/records/published.h"
 #include "core/stats_manager.h"
 #include "platform/byte_count_formatter.h"
 #include "platform/dispatch.h"
+#include "platform/next_turn.h"
 #include "platform/process_info.h"
+#include "ui/panel/blocks.h"
 #include "ui/panel/home_page.h"
 #include "ui/panel/memory_detail_page.h"
 #include "ui/panel/page.h"
-#include "ui/panel/panel_button.h"
 #include "ui/panel/performance_detail_page.h"
 
 namespace tarnwick {
@@ -81,7 +81,6 @@ class MenuBarView {
     std::optional<PanelAction> entryAction() const;
 
  private:
-    void scheduleRebuild();
     void rebuild();
     void show(MenuTab tab);
     std::set<PanelAction> enabledActions() const;
@@ -96,14 +95,12 @@ class MenuBarView {
     /// The detail page shown last; home before there was one.
     MenuTab lastDetail_ = MenuTab::home;
     bool isVisible_ = false;
-    bool isRebuildScheduled_ = false;
     /// The page announced last while visible.
     Page lastPage_;
     std::function<void(const Page&)> observer_;
+    platform::NextTurn nextRebuild_{environment_.dispatch, [this] { rebuild(); }};
     Subscription statsSubscription_;
     Subscription settingsSubscription_;
-    /// Expires with the view; what runs later holds it weakly.
-    std::shared_ptr<MenuBarView*> self_ = std::make_shared<MenuBarView*>(this);
 };
 
 }  // namespace tarnwick

@@ -5,21 +5,7 @@
 #include <variant>
 #include <vector>
 
-#include "ui/panel/caption_text.h"
-#include "ui/panel/detail_header.h"
-#include "ui/panel/footer_row.h"
-#include "ui/panel/group_title.h"
-#include "ui/panel/info_row.h"
-#include "ui/panel/navigation_button.h"
-#include "ui/panel/notice_row.h"
-#include "ui/panel/panel_divider.h"
-#include "ui/panel/panel_header.h"
-#include "ui/panel/section_header.h"
-#include "ui/panel/status_row.h"
-#include "ui/panel/top_apps_list.h"
-#include "ui/panel/top_apps_section.h"
-#include "ui/panel/trend_row.h"
-#include "ui/panel/usage_bar.h"
+#include "ui/panel/blocks.h"
 
 namespace tarnwick {
 

@@ -5,8 +5,8 @@
 #include <string>
 #include <string_view>
 
-#include "core/metric_records.h"
-#include "core/tint.h"
+#include "core/records/metric_records.h"
+#include "core/records/tint.h"
 #include "platform/byte_count_formatter.h"
 #include "settings/metric_thresholds.h"
 

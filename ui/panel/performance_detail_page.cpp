@@ -4,8 +4,8 @@
 #include <string>
 #include <utility>
 
-#include "core/percentage.h"
-#include "core/text.h"
+#include "core/records/percentage.h"
+#include "core/records/text.h"
 #include "services/rate_text.h"
 #include "ui/panel/page_builder.h"
 #include "ui/panel/panel_figures.h"

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "core/tint.h"
+#include "core/records/tint.h"
 
 namespace tarnwick {
 

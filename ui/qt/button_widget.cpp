@@ -7,7 +7,7 @@
 #include <QtMath>
 #include <utility>
 
-#include "ui/panel/navigation_button.h"
+#include "ui/panel/blocks.h"
 #include "ui/qt/click_by_return.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/symbols.h"

@@ -3,7 +3,7 @@
 
 #include <QAbstractButton>
 
-#include "ui/panel/panel_button.h"
+#include "ui/panel/blocks.h"
 #include "ui/qt/block_widget.h"
 #include "ui/qt/theme.h"
 

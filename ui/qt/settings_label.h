@@ -5,7 +5,7 @@
 #include <string_view>
 #include <variant>
 
-#include "core/tint.h"
+#include "core/records/tint.h"
 #include "ui/qt/theme.h"
 
 namespace tarnwick::qt {

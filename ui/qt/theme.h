@@ -6,7 +6,7 @@
 #include <optional>
 #include <vector>
 
-#include "core/tint.h"
+#include "core/records/tint.h"
 #include "platform/qt/text_style.h"
 
 namespace tarnwick::qt {

@@ -5,7 +5,7 @@
 #include <QtMath>
 #include <algorithm>
 
-#include "core/percentage.h"
+#include "core/records/percentage.h"
 #include "ui/qt/device_pixels.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/row_content.h"

@@ -3,7 +3,7 @@
 
 #include <string_view>
 
-#include "core/tint.h"
+#include "core/records/tint.h"
 #include "settings/user_settings.h"
 
 namespace tarnwick {

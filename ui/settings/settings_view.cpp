@@ -54,7 +54,7 @@ SettingsView::SettingsView(UserSettings& settings, SettingsViewEnvironment envir
                setValidationMessage(std::move(message));
            }}),
       launchOnLogin_(settings.launchOnLogin()),
-      settingsSubscription_(settings.objectWillChange([this] { scheduleRebuild(); })) {
+      settingsSubscription_(settings.objectWillChange([this] { nextRebuild_.schedule(); })) {
     for (const ThresholdEditor& editor : kThresholdEditors) {
         const StoredThresholds values = stored(editor.metric);
         sliders_.emplace_back(std::string(editor.title),
@@ -132,7 +132,7 @@ void SettingsView::setObserver(std::function<void(const Content&)> observer) {
 
 void SettingsView::selectTab(Tab tab) {
     selectedTab_ = tab;
-    scheduleRebuild();
+    nextRebuild_.schedule();
 }
 
 void SettingsView::selectDisplayMode(MenuBarDisplayMode mode) {
@@ -186,19 +186,7 @@ void SettingsView::openMakerSite() {
 // Whatever becomes of the field, it says so here.
 void SettingsView::setValidationMessage(std::optional<std::string> message) {
     shortcutValidationMessage_ = std::move(message);
-    scheduleRebuild();
-}
-
-void SettingsView::scheduleRebuild() {
-    if (std::exchange(isRebuildScheduled_, true)) {
-        return;
-    }
-    environment_.dispatch.async([weak = std::weak_ptr(self_)] {
-        if (const auto self = weak.lock()) {
-            (*self)->isRebuildScheduled_ = false;
-            (*self)->rebuild();
-        }
-    });
+    nextRebuild_.schedule();
 }
 
 void SettingsView::rebuild() {

@@ -7,9 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "core/published.h"
+#include "core/records/published.h"
 #include "platform/dispatch.h"
 #include "platform/keyboard_layout.h"
+#include "platform/next_turn.h"
 #include "settings/shortcut_recorder_view.h"
 #include "settings/user_settings.h"
 #include "ui/settings/settings_page.h"
@@ -76,23 +77,20 @@ class SettingsView {
     SettingsPage aboutPage() const;
     void setValidationMessage(std::optional<std::string> message);
     void followLaunchOnLogin();
-    void scheduleRebuild();
     void rebuild();
 
     UserSettings& settings_;
     SettingsViewEnvironment environment_;
+    platform::NextTurn nextRebuild_{environment_.dispatch, [this] { rebuild(); }};
     Tab selectedTab_ = Tab::general;
     std::optional<std::string> shortcutValidationMessage_;
     ShortcutRecorderView recorder_;
     std::vector<DualThresholdSlider> sliders_;
     /// As it was when it was looked at last.
     bool launchOnLogin_;
-    bool isRebuildScheduled_ = false;
     Content lastContent_;
     std::function<void(const Content&)> observer_;
     Subscription settingsSubscription_;
-    /// Expires with the view; what runs later holds it weakly.
-    std::shared_ptr<SettingsView*> self_ = std::make_shared<SettingsView*>(this);
 };
 
 }  // namespace tarnwick

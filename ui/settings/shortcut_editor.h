@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "core/tint.h"
+#include "core/records/tint.h"
 #include "platform/keyboard_layout.h"
 #include "settings/shortcut_field.h"
 #include "settings/user_settings.h"

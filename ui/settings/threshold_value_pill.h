@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "core/tint.h"
+#include "core/records/tint.h"
 #include "ui/settings/dual_threshold_slider.h"
 
 namespace tarnwick {

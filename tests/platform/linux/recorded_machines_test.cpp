@@ -7,10 +7,10 @@
 #include <variant>
 #include <vector>
 
-#include "platform/linux/kept_file.h"
-#include "platform/linux/linux_kernel.h"
-#include "platform/linux/linux_process_info.h"
-#include "platform/linux/linux_volumes.h"
+#include "platform/linux/files/kept_file.h"
+#include "platform/linux/kernel/linux_kernel.h"
+#include "platform/linux/kernel/linux_process_info.h"
+#include "platform/linux/volumes/linux_volumes.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
 #include "services/storage_service.h"

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/linux_power_sources.h"
+#include "platform/linux/power/linux_power_sources.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "services/battery_service.h"
 #include "services/power_source_reader.h"

@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "ui/panel/trend_row.h"
+#include "ui/panel/blocks.h"
 
 namespace tarnwick {
 namespace {

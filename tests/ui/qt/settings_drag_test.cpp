@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/platform/linux/counted_syncs.h"
+#include "tests/platform/linux/settings/counted_syncs.h"
 
 namespace tarnwick::benchmarks {
 namespace {

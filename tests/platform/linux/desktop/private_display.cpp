@@ -3,8 +3,8 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
-#include "platform/linux/desktop/x11_reply.h"
-#include "platform/linux/desktop/x11_xkb.h"
+#include "platform/linux/desktop/keyboard/x11_reply.h"
+#include "platform/linux/desktop/keyboard/x11_xkb.h"
 
 namespace tarnwick::platform::testing {
 namespace {

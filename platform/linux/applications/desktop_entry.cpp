@@ -1,0 +1,184 @@
+#include "platform/linux/applications/desktop_entry.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "platform/utf8.h"
+
+namespace tarnwick::platform {
+
+namespace {
+
+std::string_view takeLine(std::string_view& text) {
+    std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    if (line.ends_with('\r')) {
+        line.remove_suffix(1);
+    }
+    return line;
+}
+
+std::string_view withoutSpaces(std::string_view text) {
+    constexpr std::string_view spaces = " \t";
+    text.remove_prefix(std::min(text.find_first_not_of(spaces), text.size()));
+    return text.substr(0, text.find_last_not_of(spaces) + 1);
+}
+
+// Goes through the keys of the main group: hands each with its value, without spaces around them,
+// to `visit` until that returns false.
+template <class Visit>
+void visitKeys(std::string_view text, Visit visit) {
+    bool isInGroup = false;
+    while (!text.empty()) {
+        const std::string_view line = takeLine(text);
+        if (line.starts_with('[')) {
+            if (isInGroup) {
+                break;
+            }
+            isInGroup = line == "[Desktop Entry]";
+            continue;
+        }
+        const std::size_t equals = line.find('=');
+        if (!isInGroup || line.starts_with('#') || equals == std::string_view::npos) {
+            continue;
+        }
+        if (!visit(withoutSpaces(line.substr(0, equals)), withoutSpaces(line.substr(equals + 1)))) {
+            break;
+        }
+    }
+}
+
+// How good the name under this key is, smaller being better; absent for any other key.
+std::optional<std::size_t> rankOfName(std::string_view key, std::span<const std::string> suffixes) {
+    constexpr std::string_view name = "Name";
+    if (!key.starts_with(name)) {
+        return std::nullopt;
+    }
+    key.remove_prefix(name.size());
+    if (key.empty()) {
+        return suffixes.size();
+    }
+    if (!key.starts_with('[') || !key.ends_with(']')) {
+        return std::nullopt;
+    }
+    const auto found = std::ranges::find(suffixes, key.substr(1, key.size() - 2));
+    if (found == suffixes.end()) {
+        return std::nullopt;
+    }
+    return static_cast<std::size_t>(found - suffixes.begin());
+}
+
+// Adds the suffixes of one locale, such as "de_AT.UTF-8@euro".
+void addSuffixes(std::string_view locale, std::vector<std::string>& suffixes) {
+    const std::size_t at = std::min(locale.find('@'), locale.size());
+    const std::string modifier(locale.substr(at));
+    locale = locale.substr(0, at);
+    const std::string place(locale.substr(0, locale.find('.')));
+    const std::string language = place.substr(0, place.find('_'));
+    if (language.empty() || language == "C" || language == "POSIX") {
+        return;
+    }
+    for (const std::string& suffix : {place + modifier, place, language + modifier, language}) {
+        if (std::ranges::find(suffixes, suffix) == suffixes.end()) {
+            suffixes.push_back(suffix);
+        }
+    }
+}
+
+}  // namespace
+
+std::optional<std::string_view> desktopEntryValue(std::string_view text, std::string_view key) {
+    std::optional<std::string_view> found;
+    visitKeys(text, [&](std::string_view each, std::string_view value) {
+        if (each == key) {
+            found = value;
+        }
+        return true;
+    });
+    return found;
+}
+
+std::string desktopEntryText(std::string_view value) {
+    std::string text;
+    while (!value.empty()) {
+        char character = value.front();
+        value.remove_prefix(1);
+        if (character == '\\' && !value.empty()) {
+            switch (value.front()) {
+                case 's':
+                    character = ' ';
+                    break;
+                case 'n':
+                    character = '\n';
+                    break;
+                case 't':
+                    character = '\t';
+                    break;
+                case 'r':
+                    character = '\r';
+                    break;
+                default:
+                    character = value.front();
+                    break;
+            }
+            value.remove_prefix(1);
+        }
+        text += character;
+    }
+    return text;
+}
+
+std::vector<std::string> localeSuffixes(
+    const std::function<const char*(const char*)>& environment) {
+    const auto value = [&environment](const char* name) {
+        const char* const text = environment(name);
+        return std::string_view(text != nullptr ? text : "");
+    };
+    std::string_view locale;
+    for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+        locale = value(name);
+        if (!locale.empty()) {
+            break;
+        }
+    }
+    std::vector<std::string> ofLocale;
+    addSuffixes(locale, ofLocale);
+    // A list of languages counts only where a language is used at all.
+    std::vector<std::string> suffixes;
+    std::string_view languages = ofLocale.empty() ? std::string_view() : value("LANGUAGE");
+    while (!languages.empty()) {
+        const std::string_view language = languages.substr(0, languages.find(':'));
+        addSuffixes(language, suffixes);
+        languages.remove_prefix(std::min(language.size() + 1, languages.size()));
+    }
+    addSuffixes(locale, suffixes);
+    return suffixes;
+}
+
+std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
+                                              std::span<const std::string> suffixes) {
+    DesktopEntry entry;
+    std::size_t rank = suffixes.size() + 1;
+    bool isApplication = true;
+    visitKeys(text, [&](std::string_view key, std::string_view value) {
+        if ((key == "Type" && value != "Application") || (key == "Hidden" && value == "true")) {
+            isApplication = false;
+            return false;
+        }
+        if (key == "NoDisplay") {
+            entry.isShown = value != "true";
+        }
+        const std::optional<std::size_t> found = rankOfName(key, suffixes);
+        if (found && *found < rank && !value.empty()) {
+            rank = *found;
+            entry.name = repairedUTF8(desktopEntryText(value));
+        }
+        return true;
+    });
+    if (!isApplication || entry.name.empty()) {
+        return std::nullopt;
+    }
+    return entry;
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,225 @@
+#include "platform/linux/desktop/keyboard/portal_hot_keys.h"
+
+#include <QMetaObject>
+#include <utility>
+
+#include "platform/linux/desktop/keyboard/keysym_name.h"
+
+namespace tarnwick::platform {
+namespace {
+
+using State = PortalShortcut::State;
+
+/// Whoever registers tells these apart, and no other ones.
+enum class Outcome { held, taken, failed };
+
+Outcome outcomeOf(std::int32_t status) {
+    switch (status) {
+        case hot_key_status::kSuccess:
+            return Outcome::held;
+        case hot_key_status::kExists:
+            return Outcome::taken;
+        default:
+            return Outcome::failed;
+    }
+}
+
+}  // namespace
+
+class PortalHotKeys::Handle final : public HotKeyHandle {
+ public:
+    Handle(PortalHotKeys& owner, int number) : owner_(owner), number_(number) {}
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+    ~Handle() override { owner_.release(number_); }
+
+    std::string description() const override {
+        return "shortcut " + std::to_string(number_) + " of the portal";
+    }
+
+ private:
+    PortalHotKeys& owner_;
+    const int number_;
+};
+
+void PortalHotKeys::Closer::operator()(PortalShortcut* shortcut) const {
+    shortcut->close();
+    // It may be what is calling.
+    shortcut->deleteLater();
+}
+
+PortalHotKeys::PortalHotKeys(QDBusConnection bus, KeysymLayout& layout,
+                             std::chrono::milliseconds patience)
+    : bus_(std::move(bus)), layout_(layout), patience_(patience) {
+    begin_.setSingleShot(true);
+    connect(&begin_, &QTimer::timeout, this, &PortalHotKeys::begin);
+    drop_.setSingleShot(true);
+    connect(&drop_, &QTimer::timeout, this, &PortalHotKeys::dropUnclaimed);
+    if (!bus_.isConnected()) {
+        return;
+    }
+    portalWatcher_.setConnection(bus_);
+    portalWatcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
+    portalWatcher_.addWatchedService(kPortalService);
+    connect(&portalWatcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
+            [this](const QString&, const QString&, const QString& owner) { portalChanged(owner); });
+    bus_.connect("", "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
+                 this, SLOT(disconnected()));
+}
+
+PortalHotKeys::~PortalHotKeys() = default;
+
+HotKeys::HandlerResult PortalHotKeys::installEventHandler(HotKeyHandler handler) {
+    return {hot_key_status::kSuccess, handlers_.add(std::move(handler))};
+}
+
+HotKeys::RegistrationResult PortalHotKeys::registerEventHotKey(std::uint32_t keyCode,
+                                                               std::uint32_t modifiers,
+                                                               HotKeyID id) {
+    id_ = id;
+    if (!shortcut_ || keyCode != keyCode_ || modifiers != modifiers_) {
+        keyCode_ = keyCode;
+        modifiers_ = modifiers;
+        holder_ = 0;
+        drop();
+        awaitsPortal_ = false;
+        const std::string name = keysymName(keyCode, layout_);
+        if (name.empty()) {
+            return {told_ = portal_hot_key_status::kNoSuchKey, nullptr};
+        }
+        if (!bus_.isConnected()) {
+            return {told_ = portal_hot_key_status::kUnavailable, nullptr};
+        }
+        shortcut_.reset(new PortalShortcut(bus_, modifiers, name));
+        shortcut_->setParent(this);
+        begin_.start(0);
+    }
+    told_ = status();
+    if (told_ != hot_key_status::kSuccess) {
+        return {told_, nullptr};
+    }
+    holder_ = ++handles_;
+    if (std::exchange(hasPress_, false)) {
+        QMetaObject::invokeMethod(this, &PortalHotKeys::pressed, Qt::QueuedConnection);
+    }
+    return {told_, std::make_unique<Handle>(*this, holder_)};
+}
+
+void PortalHotKeys::withdrawRegistration() {
+    if (holder_ != 0) {
+        return;
+    }
+    drop();
+    awaitsPortal_ = false;
+    told_ = status();
+}
+
+void PortalHotKeys::setRegistrationChanged(std::function<void()> changed) {
+    changed_ = std::move(changed);
+}
+
+std::int32_t PortalHotKeys::status() const {
+    if (!shortcut_) {
+        return portal_hot_key_status::kUnavailable;
+    }
+    switch (shortcut_->state()) {
+        case State::asking:
+            return portal_hot_key_status::kAsking;
+        case State::bound:
+            return hot_key_status::kSuccess;
+        case State::unbound:
+            return portal_hot_key_status::kUnbound;
+        case State::taken:
+            return hot_key_status::kExists;
+        case State::refused:
+        case State::closed:
+            return portal_hot_key_status::kRefused;
+        case State::unavailable:
+            break;
+    }
+    return portal_hot_key_status::kUnavailable;
+}
+
+void PortalHotKeys::begin() {
+    if (shortcut_) {
+        shortcut_->start([this] { stateChanged(); }, [this] { pressed(); });
+    }
+}
+
+void PortalHotKeys::stateChanged() {
+    awaitsPortal_ = shortcut_->state() == State::unavailable;
+    if (holder_ == 0) {
+        drop_.start(patience_);
+    }
+    tellIfChanged();
+}
+
+void PortalHotKeys::pressed() {
+    if (holder_ != 0) {
+        handlers_.press(id_);
+    } else {
+        hasPress_ = isTelling_;
+    }
+}
+
+void PortalHotKeys::portalChanged(const QString& owner) {
+    // While the first answer is on its way, the portal is only starting.
+    if (shortcut_ && shortcut_->portal() != owner &&
+        (!shortcut_->portal().isEmpty() || shortcut_->state() == State::unavailable)) {
+        holder_ = 0;
+        drop();
+        awaitsPortal_ = true;
+        tellIfChanged();
+    }
+    if (!owner.isEmpty() && !shortcut_ && std::exchange(awaitsPortal_, false)) {
+        tellLater();
+    }
+}
+
+void PortalHotKeys::disconnected() {
+    portalChanged(QString());
+}
+
+void PortalHotKeys::release(int handle) {
+    if (holder_ == handle) {
+        holder_ = 0;
+        drop_.start(patience_);
+    }
+}
+
+void PortalHotKeys::dropUnclaimed() {
+    const bool mayStillBeBound =
+        shortcut_ && (shortcut_->state() == State::asking || shortcut_->state() == State::unbound);
+    if (holder_ == 0 && !mayStillBeBound) {
+        drop();
+    }
+}
+
+void PortalHotKeys::drop() {
+    drop_.stop();
+    hasPress_ = false;
+    shortcut_.reset();
+}
+
+void PortalHotKeys::tellIfChanged() {
+    if (outcomeOf(status()) != outcomeOf(told_)) {
+        told_ = status();
+        tellLater();
+    }
+}
+
+void PortalHotKeys::tellLater() {
+    if (!std::exchange(isTelling_, true)) {
+        QMetaObject::invokeMethod(this, &PortalHotKeys::tell, Qt::QueuedConnection);
+    }
+}
+
+void PortalHotKeys::tell() {
+    // Who is told may want to hear of nothing more.
+    if (const auto changed = changed_) {
+        changed();
+    }
+    isTelling_ = false;
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,37 @@
+#include "platform/linux/desktop/keyboard/portal_types.h"
+
+#include <QDBusMetaType>
+
+namespace tarnwick::platform {
+
+PortalShortcutEntries shortcutEntriesIn(const QVariant& value) {
+    if (value.metaType() == QMetaType::fromType<PortalShortcutEntries>()) {
+        return value.value<PortalShortcutEntries>();
+    }
+    if (value.metaType() != QMetaType::fromType<QDBusArgument>() ||
+        value.value<QDBusArgument>().currentSignature() != "a(sa{sv})") {
+        return {};
+    }
+    return qdbus_cast<PortalShortcutEntries>(value);
+}
+
+QDBusArgument& operator<<(QDBusArgument& argument, const PortalShortcutEntry& value) {
+    argument.beginStructure();
+    argument << value.id << value.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShortcutEntry& value) {
+    argument.beginStructure();
+    argument >> value.id >> value.properties;
+    argument.endStructure();
+    return argument;
+}
+
+void registerPortalTypes() {
+    qDBusRegisterMetaType<PortalShortcutEntry>();
+    qDBusRegisterMetaType<PortalShortcutEntries>();
+}
+
+}  // namespace tarnwick::platform

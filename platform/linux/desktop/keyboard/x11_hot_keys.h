@@ -1,0 +1,85 @@
+// Hot keys of an X server, by passive grabs of its keyboard.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <vector>
+#include <xcb/xcb.h>
+
+#include "platform/dispatch.h"
+#include "platform/hot_keys.h"
+#include "platform/linux/desktop/keyboard/hot_key_handlers.h"
+#include "platform/linux/desktop/keyboard/x11_key_grab.h"
+#include "platform/linux/desktop/keyboard/x11_modifiers.h"
+
+namespace tarnwick::platform {
+
+/// Command is Super, Option is Alt. Keys are taken by their place, so a layout cannot move them;
+/// it can move the modifiers, and then the grabs move with them. Reads no events itself: whoever
+/// does passes them to handle(). Main thread.
+///
+/// Whether a press is the first one or a repetition is told by the times of the events, as the
+/// server sends them by itself: the connection must not ask for detectable auto-repeat, which
+/// Qt does not.
+class X11HotKeys : public HotKeys {
+ public:
+    /// The keyboard lacks the key, or a key for one of the modifiers (`eventHotKeyInvalidErr`).
+    static constexpr std::int32_t kInvalid = -9879;
+
+    /// Both outlive the hot keys.
+    X11HotKeys(xcb_connection_t* connection, Dispatch& dispatch);
+    ~X11HotKeys() override;
+    X11HotKeys(const X11HotKeys&) = delete;
+    X11HotKeys& operator=(const X11HotKeys&) = delete;
+
+    HandlerResult installEventHandler(HotKeyHandler handler) override;
+    /// Any other refusal of the server is its own error code.
+    RegistrationResult registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
+                                           HotKeyID id) override;
+    void withdrawRegistration() override;
+    void setRegistrationChanged(std::function<void()> changed) override;
+
+    /// Takes an event of the connection. True when it was a press of a hot key and is used up.
+    bool handle(const xcb_generic_event_t& event);
+
+ private:
+    class Handle;
+    struct Registration;
+
+    void followKeyboard();
+    bool isKeyboardChange(const xcb_generic_event_t& event) const;
+    bool pressed(const xcb_key_press_event_t& event);
+    void keyboardChanged();
+    void update();
+    std::optional<KeyCombination> combination(const Registration& registration) const;
+    bool isHeldHere(const KeyCombination& combination) const;
+    /// Grabs what the registration stands for now, and remembers how that went.
+    void grab(Registration& registration);
+    void release(Registration& registration);
+    bool hasNews() const;
+    void tellNews();
+    void remove(const std::shared_ptr<Registration>& registration);
+
+    xcb_connection_t* connection_;
+    Dispatch& dispatch_;
+    HotKeyHandlers handlers_;
+    std::function<void()> changed_;
+    X11Modifiers modifiers_;
+    /// First event code of the keyboard extension; 0 without the extension.
+    std::uint8_t keyboardEvent_ = 0;
+    std::vector<std::shared_ptr<Registration>> registrations_;
+    /// The last one asked for, where it was refused.
+    std::shared_ptr<Registration> refused_;
+    int count_ = 0;
+    /// A change of the keyboard waits to be looked at.
+    bool isStale_ = false;
+    // The last release of any key.
+    xcb_keycode_t releasedKey_ = 0;
+    xcb_timestamp_t releasedAt_ = 0;
+    /// Expires with the object; what is queued holds it weakly.
+    std::shared_ptr<X11HotKeys*> self_ = std::make_shared<X11HotKeys*>(this);
+};
+
+}  // namespace tarnwick::platform

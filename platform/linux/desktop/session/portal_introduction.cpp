@@ -1,0 +1,19 @@
+#include "platform/linux/desktop/session/portal_introduction.h"
+
+#include <QDBusMessage>
+#include <QVariantMap>
+#include <utility>
+
+#include "platform/linux/desktop/session/bus_calls.h"
+
+namespace tarnwick::platform {
+
+void introduceToPortal(const QDBusConnection& bus, QObject* owner, std::function<void()> then) {
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
+        "org.freedesktop.host.portal.Registry", "Register");
+    call.setArguments({QString(kDesktopEntryName), QVariantMap()});
+    callAsync(bus, call, owner, [then = std::move(then)](const QDBusMessage&) { then(); });
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,57 @@
+#include "platform/linux/desktop/session/reduced_motion.h"
+
+#include <utility>
+
+namespace tarnwick::platform {
+namespace {
+
+// 0: no preference, 1: less motion.
+constexpr uint kReduced = 1;
+
+bool saysReduced(const QVariant& value) {
+    return value.metaType() == QMetaType::fromType<uint>() && value.toUInt() == kReduced;
+}
+
+bool saysOff(const QVariant& value) {
+    return value.metaType() == QMetaType::fromType<bool>() && !value.toBool();
+}
+
+/// Plasma keeps its numbers as text.
+bool saysInstant(const QVariant& value) {
+    bool isNumber = false;
+    const double factor = value.toString().toDouble(&isNumber);
+    return isNumber && factor <= 0;
+}
+
+}  // namespace
+
+ReducedMotion::ReducedMotion(const QDBusConnection& bus,
+                             std::function<void(bool isReduced)> changed)
+    : changed_(std::move(changed)),
+      settings_(bus, {{"org.freedesktop.appearance", "reduced-motion",
+                       [this](const QVariant& value) {
+                           isAskedFor_ = saysReduced(value);
+                           update();
+                       }},
+                      {"org.gnome.desktop.interface", "enable-animations",
+                       [this](const QVariant& value) {
+                           animationsAreOff_ = saysOff(value);
+                           update();
+                       }},
+                      {"org.kde.kdeglobals.KDE", "AnimationDurationFactor",
+                       [this](const QVariant& value) {
+                           animationsAreInstant_ = saysInstant(value);
+                           update();
+                       }}}) {}
+
+void ReducedMotion::update() {
+    const bool isReduced = isAskedFor_ || animationsAreOff_ || animationsAreInstant_;
+    if (isReduced_ != isReduced) {
+        isReduced_ = isReduced;
+        if (changed_) {
+            changed_(isReduced);
+        }
+    }
+}
+
+}  // namespace tarnwick::platform

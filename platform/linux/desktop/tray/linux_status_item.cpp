@@ -1,0 +1,212 @@
+#include "platform/linux/desktop/tray/linux_status_item.h"
+
+#include <QGuiApplication>
+#include <utility>
+
+#include "platform/linux/desktop/tray/pointer_place.h"
+#include "platform/linux/events/standard_error.h"
+
+namespace tarnwick::platform {
+namespace {
+
+constexpr auto kMenuPath = "/StatusNotifierMenu";
+constexpr auto kActivationToken = "XDG_ACTIVATION_TOKEN";
+
+bool onX11() {
+    return QGuiApplication::platformName() == "xcb";
+}
+
+void run(const std::function<void()>& action) {
+    if (action) {
+        action();
+    }
+}
+
+}  // namespace
+
+LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bool dark) {
+    Options options;
+    options.painter = std::move(painter);
+    options.dark = dark;
+    options.notice = platform::notice;
+    options.runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
+    return options;
+}
+
+LinuxStatusItem::LinuxStatusItem(QDBusConnection bus, Options options)
+    : bus_(std::move(bus)), options_(std::move(options)), pictureFile_(options_.runtimeFolder) {
+    entries_ = {
+        {.label = "Open Panel", .chosen = [this] { run(actions_.openPanel); }},
+        {.label = "Settings", .chosen = [this] { run(actions_.showSettings); }},
+        {.label = {}, .chosen = nullptr},
+        {.label = "Quit", .chosen = [this] { run(actions_.quit); }},
+    };
+}
+
+LinuxStatusItem::~LinuxStatusItem() = default;
+
+void LinuxStatusItem::setActions(StatusItemActions actions) {
+    actions_ = std::move(actions);
+}
+
+void LinuxStatusItem::setContent(const StatusItemContent& content) {
+    if (content_ == content) {
+        return;
+    }
+    content_ = content;
+    if (!started_) {
+        started_ = true;
+        start();
+    }
+    update();
+}
+
+void LinuxStatusItem::setDark(bool dark) {
+    if (options_.dark != dark) {
+        options_.dark = dark;
+        update();
+    }
+}
+
+bool LinuxStatusItem::performClick() {
+    if (!inTray()) {
+        return false;
+    }
+    run(actions_.toggle);
+    return true;
+}
+
+bool LinuxStatusItem::inTray() const {
+    if (registration_ && registration_->state() == NotifierRegistration::State::present) {
+        return true;
+    }
+    return embedded_ && embedded_->inTray();
+}
+
+void LinuxStatusItem::start() {
+    if (bus_.isConnected()) {
+        // The pointer is on the item now; by the time an entry is chosen it is on that.
+        menu_ = std::make_unique<DBusMenu>(bus_, kMenuPath, entries_,
+                                           [this] { anchor_ = placeUnderPointer(); });
+        notifier_ = std::make_unique<StatusNotifierItem>(
+            bus_, kMenuPath,
+            NotifierActions{
+                .activate = [this] { clicked(); },
+                .secondaryActivate = [this] { run(actions_.refresh); },
+                .activationToken = [this](const QString& token) { keepActivationToken(token); }});
+        activationToken_.setSingleShot(true);
+        activationToken_.setInterval(options_.tokenMilliseconds);
+        connect(&activationToken_, &QTimer::timeout, this, [] { qunsetenv(kActivationToken); });
+    }
+    withoutTray_.setSingleShot(true);
+    withoutTray_.setInterval(options_.noTrayMilliseconds);
+    connect(&withoutTray_, &QTimer::timeout, this, [this] { tellIfNoTray(); });
+    registration_ =
+        std::make_unique<NotifierRegistration>(bus_, options_.programOf, options_.retryDelays);
+    registration_->start([this] { hostChanged(); });
+    countTimeWithoutTray();
+}
+
+void LinuxStatusItem::keepActivationToken(const QString& token) {
+    // Here the toolkit looks for one when a window is activated next, and takes it away. One that
+    // no window came for must not be used for another press.
+    qputenv(kActivationToken, token.toUtf8());
+    activationToken_.start();
+}
+
+void LinuxStatusItem::hostChanged() {
+    anchor_.reset();
+    if (registration_->state() != NotifierRegistration::State::absent) {
+        embedded_.reset();
+    } else if (!embedded_ && onX11()) {
+        embedded_ = std::make_unique<EmbeddedTray>(
+            entries_, [this] { clicked(); }, [this] { run(actions_.refresh); },
+            [this] { countTimeWithoutTray(); });
+    }
+    update();
+    countTimeWithoutTray();
+}
+
+void LinuxStatusItem::countTimeWithoutTray() {
+    if (inTray()) {
+        withoutTray_.stop();
+    } else if (!withoutTray_.isActive()) {
+        withoutTray_.start();
+    }
+}
+
+void LinuxStatusItem::update() {
+    if (!content_) {
+        return;
+    }
+    if (embedded_) {
+        embedded_->setIcon(options_.painter, icon());
+        embedded_->setText(QString::fromStdString(content_->accessibilityLabel));
+    }
+    // Nobody looks while there is no host; the latest content is set when one comes.
+    const NotifierRegistration::State state = registration_->state();
+    if (state == NotifierRegistration::State::registering ||
+        state == NotifierRegistration::State::present) {
+        const TrayPresentation presentation = trayPresentation(registration_->program());
+        notifier_->setContent(notifierContent(presentation), presentation.fetches);
+    }
+}
+
+std::optional<QRect> LinuxStatusItem::anchor() const {
+    const std::optional<QRect> embedded = embedded_ ? embedded_->place() : std::nullopt;
+    return embedded ? embedded : anchor_;
+}
+
+void LinuxStatusItem::clicked() {
+    // Hosts do not agree on what the position in their message is relative to.
+    anchor_ = placeUnderPointer();
+    run(actions_.click);
+}
+
+ItemIcon LinuxStatusItem::icon() const {
+    return {.symbol = content_->symbol, .tint = content_->tint, .dark = options_.dark};
+}
+
+const IconPixmaps& LinuxStatusItem::squares() {
+    if (squaresOf_ != icon()) {
+        squaresOf_ = icon();
+        squares_ = squarePixmaps(options_.painter, *squaresOf_);
+    }
+    return squares_;
+}
+
+IconPixmap LinuxStatusItem::rowWithText(const QString& text, int height) {
+    if (rowIconOf_ != icon() || rowIcon_.height() != wideIconSize(height)) {
+        rowIconOf_ = icon();
+        rowIcon_ = squarePicture(options_.painter, *rowIconOf_, wideIconSize(height));
+    }
+    return toPixmap(widePicture(rowIcon_, text, options_.dark, height));
+}
+
+NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& presentation) {
+    // By whether there is a text and never by which, so that the width is the display mode's.
+    const bool hasText = content_->text.has_value();
+    const QString text = QString::fromStdString(content_->text.value_or(std::string()));
+    NotifierContent content;
+    content.text = QString::fromStdString(content_->accessibilityLabel);
+    if (hasText && presentation.text == TextPlace::picture) {
+        content.icon = {rowWithText(text, presentation.pictureHeight)};
+    } else {
+        content.icon = squares();
+    }
+    if (presentation.iconFromFile) {
+        content.iconName = pictureFile_.path(options_.painter, icon());
+    }
+    if (hasText && presentation.text == TextPlace::label) {
+        content.label = text;
+    }
+    return content;
+}
+
+void LinuxStatusItem::tellIfNoTray() {
+    if (!inTray() && options_.notice && !std::exchange(hasTold_, true)) {
+        options_.notice("no tray was found; start Tarnwick again to open its panel");
+    }
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,185 @@
+#include "platform/linux/desktop/tray/status_notifier_item.h"
+
+#include <QDBusObjectPath>
+#include <utility>
+
+#include "platform/linux/desktop/tray/property_calls.h"
+
+namespace tarnwick::platform {
+namespace {
+
+constexpr auto kIntrospection = R"xml(
+<interface name="org.kde.StatusNotifierItem">
+  <property name="Category" type="s" access="read"/>
+  <property name="Id" type="s" access="read"/>
+  <property name="Title" type="s" access="read"/>
+  <property name="Status" type="s" access="read"/>
+  <property name="WindowId" type="i" access="read"/>
+  <property name="IconThemePath" type="s" access="read"/>
+  <property name="IconName" type="s" access="read"/>
+  <property name="IconPixmap" type="a(iiay)" access="read"/>
+  <property name="IconAccessibleDesc" type="s" access="read"/>
+  <property name="OverlayIconName" type="s" access="read"/>
+  <property name="OverlayIconPixmap" type="a(iiay)" access="read"/>
+  <property name="AttentionIconName" type="s" access="read"/>
+  <property name="AttentionIconPixmap" type="a(iiay)" access="read"/>
+  <property name="AttentionAccessibleDesc" type="s" access="read"/>
+  <property name="AttentionMovieName" type="s" access="read"/>
+  <property name="ToolTip" type="(sa(iiay)ss)" access="read"/>
+  <property name="ItemIsMenu" type="b" access="read"/>
+  <property name="Menu" type="o" access="read"/>
+  <property name="XAyatanaOrderingIndex" type="u" access="read"/>%1
+  <method name="Activate">
+    <arg name="x" type="i" direction="in"/><arg name="y" type="i" direction="in"/>
+  </method>
+  <method name="SecondaryActivate">
+    <arg name="x" type="i" direction="in"/><arg name="y" type="i" direction="in"/>
+  </method>
+  <method name="XAyatanaSecondaryActivate"><arg name="timestamp" type="u" direction="in"/></method>
+  <method name="ContextMenu">
+    <arg name="x" type="i" direction="in"/><arg name="y" type="i" direction="in"/>
+  </method>
+  <method name="ProvideXdgActivationToken"><arg name="token" type="s" direction="in"/></method>
+  <method name="Scroll">
+    <arg name="delta" type="i" direction="in"/><arg name="orientation" type="s" direction="in"/>
+  </method>
+  <signal name="NewTitle"/>
+  <signal name="NewIcon"/>
+  <signal name="NewAttentionIcon"/>
+  <signal name="NewOverlayIcon"/>
+  <signal name="NewToolTip"/>
+  <signal name="NewStatus"><arg name="status" type="s"/></signal>
+  <signal name="XAyatanaNewLabel">
+    <arg name="label" type="s"/><arg name="guide" type="s"/>
+  </signal>
+</interface>
+)xml";
+constexpr auto kLabelIntrospection = R"xml(
+  <property name="XAyatanaLabel" type="s" access="read"/>
+  <property name="XAyatanaLabelGuide" type="s" access="read"/>)xml";
+
+// The widest of all texts: hosts keep this much room, so that what is beside the item stays where
+// it is.
+constexpr auto kLabelGuide = "Disk 100%";
+
+}  // namespace
+
+StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QString menuPath,
+                                       NotifierActions actions)
+    : bus_(std::move(bus)), menuPath_(std::move(menuPath)), actions_(std::move(actions)) {
+    registerBusTypes();
+    bus_.registerVirtualObject(kPath, this);
+}
+
+StatusNotifierItem::~StatusNotifierItem() {
+    bus_.unregisterObject(kPath);
+}
+
+void StatusNotifierItem::setContent(NotifierContent content, HostFetches fetches) {
+    const NotifierContent old = std::exchange(content_, std::move(content));
+    struct Signal {
+        bool due;
+        const char* name;
+        QVariantList arguments;
+    };
+    const bool newText = content_.text != old.text;
+    const Signal candidates[] = {
+        {content_.icon != old.icon || content_.iconName != old.iconName, "NewIcon", {}},
+        {content_.label != old.label,
+         "XAyatanaNewLabel",
+         {content_.label.value_or(QString()), QString(content_.label ? kLabelGuide : "")}},
+        {newText, "NewToolTip", {}},
+        {newText && fetches == HostFetches::named, "NewTitle", {}},
+    };
+    for (const Signal& each : candidates) {
+        if (each.due) {
+            emitSignal(each.name, each.arguments);
+            if (fetches == HostFetches::everything) {
+                return;
+            }
+        }
+    }
+}
+
+QVariantMap StatusNotifierItem::properties() const {
+    const QVariant noPicture = QVariant::fromValue(IconPixmaps());
+    QVariantMap map{
+        {"Category", "SystemServices"},
+        {"Id", "tarnwick"},
+        {"Title", content_.text},
+        {"Status", "Active"},
+        {"WindowId", 0},
+        {"IconThemePath", ""},
+        {"IconName", content_.iconName},
+        {"IconPixmap", QVariant::fromValue(content_.icon)},
+        {"IconAccessibleDesc", content_.text},
+        {"OverlayIconName", ""},
+        {"OverlayIconPixmap", noPicture},
+        {"AttentionIconName", ""},
+        {"AttentionIconPixmap", noPicture},
+        {"AttentionAccessibleDesc", ""},
+        {"AttentionMovieName", ""},
+        {"ToolTip", QVariant::fromValue(ToolTip{{}, {}, content_.text, {}})},
+        {"ItemIsMenu", false},
+        {"Menu", QVariant::fromValue(QDBusObjectPath(menuPath_))},
+        // The host's own order.
+        {"XAyatanaOrderingIndex", 0U},
+    };
+    if (content_.label) {
+        map.insert("XAyatanaLabel", *content_.label);
+        map.insert("XAyatanaLabelGuide", kLabelGuide);
+    }
+    return map;
+}
+
+void StatusNotifierItem::emitSignal(const QString& name, const QVariantList& arguments) {
+    QDBusMessage message = QDBusMessage::createSignal(kPath, kInterface, name);
+    message.setArguments(arguments);
+    bus_.send(message);
+}
+
+QString StatusNotifierItem::introspect(const QString& path) const {
+    return path == kPath ? QString(kIntrospection).arg(content_.label ? kLabelIntrospection : "")
+                         : QString();
+}
+
+bool StatusNotifierItem::handleMessage(const QDBusMessage& message,
+                                       const QDBusConnection& connection) {
+    if (message.interface() == "org.freedesktop.DBus.Properties") {
+        return answerPropertyCall(message, connection, kInterface, properties());
+    }
+    if (!message.interface().isEmpty() && message.interface() != kInterface) {
+        return false;
+    }
+    const QString member = message.member();
+    const std::function<void()> nothing = [] {};
+    const std::function<void()> takeToken = [this, &message] {
+        if (actions_.activationToken) {
+            actions_.activationToken(message.arguments().value(0).toString());
+        }
+    };
+    const std::function<void()>* action = nullptr;
+    if (member == "Activate") {
+        action = &actions_.activate;
+    } else if (member == "SecondaryActivate" || member == "XAyatanaSecondaryActivate") {
+        action = &actions_.secondaryActivate;
+    } else if (member == "ProvideXdgActivationToken") {
+        action = &takeToken;
+    } else if (member == "ContextMenu" || member == "Scroll") {
+        // Hosts draw the menu themselves; turning the wheel means nothing here.
+        action = &nothing;
+    }
+    if (action == nullptr) {
+        return false;
+    }
+    // The answer first: the host must not wait while a panel is being built.
+    if (message.isReplyRequired()) {
+        connection.send(message.createReply());
+    }
+    if (*action) {
+        (*action)();
+    }
+    return true;
+}
+
+}  // namespace tarnwick::platform

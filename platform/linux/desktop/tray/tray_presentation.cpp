@@ -1,0 +1,42 @@
+#include "platform/linux/desktop/tray/tray_presentation.h"
+
+#include <array>
+
+namespace tarnwick::platform {
+namespace {
+
+struct KnownHost {
+    std::string_view program;
+    TrayPresentation presentation;
+};
+
+// plasmashell (kded), swaybar and whatever is not listed shrink a wide picture to a square or
+// refuse it. MATE's applet has labels too, but drops the icon for one.
+constexpr std::array kKnownHosts = {
+    KnownHost{"ayatana-indicator-application-service",
+              {.text = TextPlace::label, .iconFromFile = true}},
+    KnownHost{"gnome-shell", {.text = TextPlace::label}},
+    KnownHost{"lxqt-panel", {.fetches = HostFetches::namedButTitle}},
+    KnownHost{
+        "notification-area-applet",
+        {.text = TextPlace::picture, .pictureHeight = 22, .fetches = HostFetches::namedButTitle}},
+    KnownHost{
+        "waybar",
+        {.text = TextPlace::picture, .pictureHeight = 44, .fetches = HostFetches::everything}},
+    // What runs the plug-ins of xfce4-panel.
+    KnownHost{"wrapper-2.0", {.fetches = HostFetches::everything}},
+    KnownHost{"xfce4-panel", {.fetches = HostFetches::everything}},
+};
+
+}  // namespace
+
+TrayPresentation trayPresentation(std::string_view program) {
+    for (const KnownHost& host : kKnownHosts) {
+        if (host.program == program) {
+            return host.presentation;
+        }
+    }
+    return {};
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,22 @@
+#include "platform/linux/events/descriptor_limit.h"
+
+#include <algorithm>
+#include <sys/resource.h>
+
+namespace tarnwick::platform {
+
+std::optional<std::size_t> raiseDescriptorLimit() {
+    rlimit limit{};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= kWantedDescriptors) {
+        return std::nullopt;
+    }
+    const rlim_t before = limit.rlim_cur;
+    limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, kWantedDescriptors);
+    // Fewer will do where the system says no.
+    if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) {
+        return std::nullopt;
+    }
+    return before;
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,123 @@
+#include "platform/linux/files/kept_file.h"
+
+#include <array>
+#include <cerrno>
+#include <fcntl.h>
+#include <unistd.h>
+#include <utility>
+
+namespace tarnwick::platform {
+
+namespace {
+
+// Far above what any machine has in these files; a guard against reading without end.
+constexpr std::size_t kLargestFile = std::size_t{16} << 20;
+
+constexpr int kOpeningFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+
+}  // namespace
+
+FileDescriptor::FileDescriptor(const std::string& path)
+    : descriptor_(::open(path.c_str(), kOpeningFlags)) {}
+
+FileDescriptor::FileDescriptor(const FileDescriptor& folder, const char* relative)
+    : descriptor_(::openat(folder.get(), relative, kOpeningFlags)) {}
+
+FileDescriptor::FileDescriptor(FileDescriptor&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+FileDescriptor& FileDescriptor::operator=(FileDescriptor&& other) noexcept {
+    if (this != &other) {
+        close();
+        descriptor_ = std::exchange(other.descriptor_, -1);
+    }
+    return *this;
+}
+
+FileDescriptor::~FileDescriptor() {
+    close();
+}
+
+void FileDescriptor::close() {
+    if (isOpen()) {
+        ::close(std::exchange(descriptor_, -1));
+    }
+}
+
+KeptFile::KeptFile(std::string path, std::size_t expectedSize)
+    : path_(std::move(path)), buffer_(expectedSize) {}
+
+std::optional<std::string_view> KeptFile::read() {
+    std::ptrdiff_t size = file_.isOpen() ? readFromStart() : -1;
+    if (size < 0) {
+        file_ = FileDescriptor(path_);
+        if (!file_.isOpen()) {
+            error_ = errno;
+            return std::nullopt;
+        }
+        size = readFromStart();
+    }
+    if (size < 0) {
+        file_.close();
+        return std::nullopt;
+    }
+    return std::string_view(buffer_.data(), static_cast<std::size_t>(size));
+}
+
+std::ptrdiff_t KeptFile::readFromStart() {
+    while (true) {
+        const ssize_t size = ::pread(file_.get(), buffer_.data(), buffer_.size(), 0);
+        if (size < 0) {
+            if (errno == EINTR) {
+                continue;
+            }
+            error_ = errno;
+            return -1;
+        }
+        // A full buffer may have cut the file short. Everything is read again, so that the parts
+        // belong to one moment.
+        if (static_cast<std::size_t>(size) < buffer_.size()) {
+            return size;
+        }
+        if (buffer_.size() >= kLargestFile) {
+            error_ = EFBIG;
+            return -1;
+        }
+        buffer_.resize(buffer_.size() * 2 + 64);
+    }
+}
+
+std::optional<std::string> readWholeFile(const std::string& path) {
+    const FileDescriptor file(path);
+    if (!file.isOpen()) {
+        return std::nullopt;
+    }
+    std::string content;
+    std::array<char, 4096> part;
+    while (content.size() < kLargestFile) {
+        const ssize_t size = ::read(file.get(), part.data(), part.size());
+        if (size == 0) {
+            return content;
+        }
+        if (size > 0) {
+            content.append(part.data(), static_cast<std::size_t>(size));
+        } else if (errno != EINTR) {
+            return std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
+std::string belowRoot(const std::string& root, std::string_view relative) {
+    while (relative.starts_with('/')) {
+        relative.remove_prefix(1);
+    }
+    std::string path = root;
+    if (!path.ends_with('/')) {
+        path += '/';
+    }
+    path += relative;
+    return path;
+}
+
+}  // namespace tarnwick::platform

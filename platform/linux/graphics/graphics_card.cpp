@@ -1,0 +1,81 @@
+#include "platform/linux/graphics/graphics_card.h"
+
+#include <string_view>
+#include <utility>
+
+#include "platform/linux/files/kept_file.h"
+#include "platform/linux/graphics/graphics_names.h"
+
+namespace tarnwick::platform {
+
+namespace {
+
+/// Percent. Less work than this is none: what woke the card was the question.
+constexpr double kIdleBelow = 1;
+/// The card's own timer starts when the answer has been given and fires a little late.
+constexpr double kSecondsBeyondSleep = 2;
+
+}  // namespace
+
+GraphicsCard::GraphicsCard(std::string root, GraphicsDevice device,
+                           std::unique_ptr<GpuSource> source)
+    : root_(std::move(root)),
+      device_(std::move(device)),
+      source_(std::move(source)),
+      power_(device_.folder, device_.connectors) {}
+
+PropertyDictionary GraphicsCard::properties(double now) {
+    PropertyDictionary properties;
+    if (const std::optional<GpuUtilization> current = utilization(now)) {
+        PropertyDictionary statistics{{"Device Utilization %", current->device}};
+        if (current->renderer) {
+            statistics.push_back({"Renderer Utilization %", *current->renderer});
+        }
+        properties.push_back({"PerformanceStatistics", std::move(statistics)});
+    }
+    if (modelName_ && !modelName_->empty()) {
+        properties.push_back({"model", *modelName_});
+    }
+    if (coreCount_) {
+        properties.push_back({"gpu-core-count", *coreCount_});
+    }
+    return properties;
+}
+
+std::optional<GpuUtilization> GraphicsCard::utilization(double now) {
+    if (!source_) {
+        return std::nullopt;
+    }
+    if (!power_.isAwake()) {
+        source_->forget();
+        restsUntil_.reset();
+        return std::nullopt;
+    }
+    if (restsUntil_ && now < *restsUntil_) {
+        return last_;
+    }
+    restsUntil_.reset();
+    last_ = source_->read(now);
+    if (last_ && !modelName_) {
+        lookUpName();
+    }
+    if ((!last_ || last_->device < kIdleBelow) && power_.couldSleep()) {
+        restsUntil_ = now + power_.secondsUntilSleep() + kSecondsBeyondSleep;
+        source_->rest();
+    }
+    return last_;
+}
+
+void GraphicsCard::lookUpName() {
+    modelName_ = source_->modelName();
+    coreCount_ = source_->coreCount();
+    if (modelName_->empty()) {
+        const std::string text = readWholeFile(device_.folder + "/revision").value_or("");
+        const std::string_view revision = firstLineOf(text);
+        modelName_ =
+            graphicsName(root_, device_.identity.vendor, device_.identity.device,
+                         revision.starts_with("0x") ? revision.substr(2) : std::string_view());
+    }
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,90 @@
+#include "platform/linux/graphics/linux_accelerators.h"
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+#include "platform/linux/files/kept_file.h"
+#include "platform/linux/graphics/amdgpu_source.h"
+#include "platform/linux/graphics/graphics_devices.h"
+#include "platform/linux/graphics/intel_source.h"
+#include "platform/linux/graphics/nvidia_source.h"
+#include "platform/linux/kernel/clocks.h"
+#include "platform/linux/kernel/proc_uptime.h"
+
+namespace tarnwick::platform {
+
+namespace {
+
+constexpr double kSecondsBetweenSearches = 60;
+
+bool isRunningMachine(std::string_view root) {
+    return root == "/";
+}
+
+std::function<double()> clockOf(const std::string& root) {
+    if (isRunningMachine(root)) {
+        return rawMonotonicSeconds;
+    }
+    const auto uptime = std::make_shared<KeptFile>(belowRoot(root, "proc/uptime"), 64);
+    return [uptime] { return parseUptime(uptime->read().value_or("")).value_or(0); };
+}
+
+}  // namespace
+
+LinuxAccelerators::LinuxAccelerators(std::string root)
+    : LinuxAccelerators(root, clockOf(root), isRunningMachine(root) ? "libnvidia-ml.so.1" : "") {}
+
+LinuxAccelerators::LinuxAccelerators(std::string root, std::function<double()> clock,
+                                     std::string nvmlLibrary)
+    : root_(std::move(root)), clock_(std::move(clock)), nvml_(std::move(nvmlLibrary)) {}
+
+MatchingServices LinuxAccelerators::matchingServices() {
+    const std::lock_guard guard(lock_);
+    const double now = clock_();
+    if (!cardsFoundAt_ || now < *cardsFoundAt_ || now - *cardsFoundAt_ >= kSecondsBetweenSearches) {
+        findCards();
+        cardsFoundAt_ = now;
+    }
+    MatchingServices found;
+    for (const std::unique_ptr<GraphicsCard>& card : cards_) {
+        found.services.push_back(card->properties(now));
+    }
+    return found;
+}
+
+void LinuxAccelerators::findCards() {
+    std::vector<std::unique_ptr<GraphicsCard>> cards;
+    for (GraphicsDevice& device : findGraphicsDevices(root_)) {
+        // A card that is still there keeps what it has measured. A driver that told nothing may
+        // have been starting.
+        const auto known = std::find_if(cards_.begin(), cards_.end(), [&device](const auto& card) {
+            return card && card->hasSource() && card->device() == device;
+        });
+        if (known != cards_.end()) {
+            cards.push_back(std::move(*known));
+        } else {
+            std::unique_ptr<GpuSource> source = sourceFor(device);
+            cards.push_back(
+                std::make_unique<GraphicsCard>(root_, std::move(device), std::move(source)));
+        }
+    }
+    cards_ = std::move(cards);
+}
+
+std::unique_ptr<GpuSource> LinuxAccelerators::sourceFor(const GraphicsDevice& device) {
+    const GraphicsIdentity& identity = device.identity;
+    if (identity.driver == "amdgpu") {
+        return std::make_unique<AmdgpuSource>(root_, device.folder, identity.slot);
+    }
+    if ((identity.driver == "i915" || identity.driver == "xe") && !device.card.empty()) {
+        auto source = std::make_unique<IntelSource>(device.card);
+        return source->isUsable() ? std::move(source) : nullptr;
+    }
+    if (identity.driver == "nvidia" && !identity.slot.empty()) {
+        return std::make_unique<NvidiaSource>(nvml_, identity.slot);
+    }
+    return nullptr;
+}
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,48 @@
+// The graphics cards of the machine.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/accelerators.h"
+#include "platform/linux/graphics/graphics_card.h"
+#include "platform/linux/graphics/nvml.h"
+
+namespace tarnwick::platform {
+
+/// Cards in the order of their DRM numbers, then NVIDIA's without one. Their utilisation comes from
+/// amdgpu's own figure, from the sleep counters of i915 and xe, and from NVIDIA's management
+/// library; other drivers tell nothing. New cards are noticed within a minute. Any thread; calls
+/// take turns.
+class LinuxAccelerators final : public Accelerators {
+ public:
+    /// Reads the tree below a root. With another root than "/" nothing of the running machine comes
+    /// in: no management library, and the time is that of the tree, which in a recorded one stands
+    /// still.
+    explicit LinuxAccelerators(std::string root = "/");
+    /// `clock` gives seconds that do not pass while the machine sleeps; `nvmlLibrary` is the name
+    /// or path of the management library, none if empty.
+    LinuxAccelerators(std::string root, std::function<double()> clock, std::string nvmlLibrary);
+
+    /// Never fails: without cards there are no services.
+    MatchingServices matchingServices() override;
+
+ private:
+    void findCards();
+    std::unique_ptr<GpuSource> sourceFor(const GraphicsDevice& device);
+
+    const std::string root_;
+    const std::function<double()> clock_;
+
+    std::mutex lock_;
+    // Guarded by lock_.
+    Nvml nvml_;
+    std::vector<std::unique_ptr<GraphicsCard>> cards_;
+    std::optional<double> cardsFoundAt_;
+};
+
+}  // namespace tarnwick::platform

@@ -1,0 +1,33 @@
+// The memory that compressed block devices occupy.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/linux/files/kept_file.h"
+
+namespace tarnwick::platform {
+
+/// One thread at a time.
+class ZramDevices {
+ public:
+    explicit ZramDevices(const std::string& root);
+
+    /// Bytes that all devices together really use now, the largest number where they do not fit; a
+    /// device that cannot be read adds nothing.
+    /// `now` is in seconds, `swapTotal` in bytes. The devices are looked for again every minute and
+    /// when the swap space changes, since most of them hold swap.
+    std::uint64_t memoryUsed(double now, std::uint64_t swapTotal);
+
+ private:
+    void findDevices();
+
+    std::string folder_;
+    std::vector<KeptFile> statistics_;
+    bool searched_ = false;
+    double searchedAt_ = 0;
+    std::uint64_t searchedSwapTotal_ = 0;
+};
+
+}  // namespace tarnwick::platform

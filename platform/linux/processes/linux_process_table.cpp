@@ -1,0 +1,179 @@
+#include "platform/linux/processes/linux_process_table.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdlib>
+#include <limits>
+#include <string_view>
+#include <unistd.h>
+#include <utility>
+
+#include "platform/linux/applications/application_unit.h"
+#include "platform/linux/files/kept_file.h"
+#include "platform/linux/kernel/online_processors.h"
+#include "platform/linux/processes/proc_pid_stat.h"
+#include "platform/linux/processes/process_identifiers.h"
+
+namespace tarnwick::platform {
+
+namespace {
+
+constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
+
+// 146 years of processor time. No process has used more; differences and sums of such times cannot
+// overflow.
+constexpr std::uint64_t kMostNanoseconds = std::uint64_t{1} << 62;
+
+// How the kernel counts what it says of a process.
+struct Units {
+    std::uint64_t nanosecondsPerTick =
+        kNanosecondsPerSecond / static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
+    std::uint64_t pageSize = static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+};
+
+std::optional<TaskInformation> taskInformationOf(const ProcessStat& stat) {
+    static const Units units;
+    const std::uint64_t mostTicks = kMostNanoseconds / units.nanosecondsPerTick;
+    const std::uint64_t mostPages = std::numeric_limits<std::uint64_t>::max() / units.pageSize;
+    if (stat.userTicks > mostTicks || stat.systemTicks > mostTicks ||
+        stat.residentPages > mostPages) {
+        return std::nullopt;
+    }
+    return TaskInformation{.residentSize = stat.residentPages * units.pageSize,
+                           .totalUser = stat.userTicks * units.nanosecondsPerTick,
+                           .totalSystem = stat.systemTicks * units.nanosecondsPerTick};
+}
+
+class ListedProcess final : public ProcessEntry {
+ public:
+    ListedProcess(KeptProcessFiles& files, std::int32_t identifier)
+        : files_(files), identifier_(identifier) {}
+
+    std::int32_t identifier() const override { return identifier_; }
+
+    std::optional<TaskInformation> taskInformation() override {
+        read();
+        return stat_ ? taskInformationOf(*stat_) : std::nullopt;
+    }
+
+    std::string_view command() override {
+        read();
+        return stat_ ? stat_->command : std::string_view();
+    }
+
+ private:
+    void read() {
+        if (std::exchange(isRead_, true)) {
+            return;
+        }
+        if (const std::optional<std::string_view> text = files_.read(identifier_)) {
+            stat_ = parseProcessStat(*text);
+        }
+    }
+
+    KeptProcessFiles& files_;
+    std::int32_t identifier_;
+    bool isRead_ = false;
+    std::optional<ProcessStat> stat_;
+};
+
+// Where a symbolic link leads, any bytes; absent when it cannot be read.
+std::optional<std::string> targetOf(const std::string& link) {
+    std::array<char, 4096> target;
+    const ssize_t size = ::readlink(link.c_str(), target.data(), target.size());
+    if (size <= 0) {
+        return std::nullopt;
+    }
+    return std::string(target.data(), static_cast<std::size_t>(size));
+}
+
+}  // namespace
+
+LinuxProcessTable::LinuxProcessTable(std::string root)
+    : LinuxProcessTable(std::move(root),
+                        applicationSources([](const char* name) { return std::getenv(name); })) {}
+
+LinuxProcessTable::LinuxProcessTable(std::string root, ApplicationSources applications)
+    : root_(std::move(root)), applications_(root_, std::move(applications)) {}
+
+ProcessListing LinuxProcessTable::forEachProcess(const Visit& visit) {
+    const std::lock_guard guard(walkLock_);
+    const std::string folder = belowRoot(root_, "proc");
+    const FileDescriptor opened(folder);
+    if (!opened.isOpen() || !listProcessIdentifiers(folder, identifiers_)) {
+        // Perhaps no descriptor is left: the next try has those of the kept files.
+        files_.release();
+        return ProcessListing::noList;
+    }
+    files_.beginWalk(opened);
+    for (const std::int32_t identifier : identifiers_) {
+        ListedProcess process(files_, identifier);
+        visit(process);
+    }
+    files_.endWalk();
+    return ProcessListing::complete;
+}
+
+std::int32_t LinuxProcessTable::ownIdentifier() {
+    const std::optional<std::string> target = targetOf(belowRoot(root_, "proc/self"));
+    return target ? parseProcessIdentifier(*target) : 0;
+}
+
+std::int64_t LinuxProcessTable::processorCount() {
+    return OnlineProcessors(root_).count().value_or(0);
+}
+
+std::optional<TimebaseInfo> LinuxProcessTable::timebaseInfo() {
+    return TimebaseInfo{.numer = 1, .denom = 1};
+}
+
+std::optional<RunningApplication> LinuxProcessTable::runningApplication(std::int32_t identifier) {
+    const std::optional<std::string> cgroups = readWholeFile(pathOf(identifier, "cgroup"));
+    if (!cgroups) {
+        return std::nullopt;
+    }
+    const std::lock_guard guard(applicationsLock_);
+    for (const std::string& name : desktopEntryCandidates(*cgroups)) {
+        if (const std::optional<DesktopEntry>& entry = applications_.find(name)) {
+            return RunningApplication{
+                .activationPolicy = entry->isShown ? RunningApplication::kRegularPolicy
+                                                   : RunningApplication::kAccessoryPolicy,
+                .localizedName = entry->name};
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> LinuxProcessTable::executablePath(std::int32_t identifier) {
+    std::optional<std::string> path = targetOf(pathOf(identifier, "exe"));
+    constexpr std::string_view mark = " (deleted)";
+    if (path && path->size() > mark.size() && path->ends_with(mark)) {
+        path->resize(path->size() - mark.size());
+    }
+    return path;
+}
+
+std::string LinuxProcessTable::displayName(const std::string& path) {
+    const std::size_t end = path.find_last_not_of('/');
+    if (end == std::string::npos) {
+        return path;
+    }
+    const std::string whole = path.substr(0, end + 1);
+    return whole.substr(whole.rfind('/') + 1);
+}
+
+void LinuxProcessTable::releaseCaches() {
+    {
+        const std::lock_guard guard(walkLock_);
+        files_.release();
+        identifiers_ = std::vector<std::int32_t>();
+    }
+    const std::lock_guard guard(applicationsLock_);
+    applications_.forget();
+}
+
+std::string LinuxProcessTable::pathOf(std::int32_t identifier, const char* file) const {
+    return belowRoot(root_, "proc/" + std::to_string(identifier) + "/" + file);
+}
+
+}  // namespace tarnwick::platform

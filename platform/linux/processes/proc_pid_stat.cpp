@@ -1,0 +1,87 @@
+#include "platform/linux/processes/proc_pid_stat.h"
+
+#include <charconv>
+#include <system_error>
+
+namespace tarnwick::platform {
+
+namespace {
+
+// Numbers of the fields as the kernel's manual counts them; the state follows the command.
+constexpr int kStateField = 3;
+constexpr int kUserField = 14;
+constexpr int kSystemField = 15;
+constexpr int kResidentField = 24;
+
+// Takes a space and the word behind it off the front; empty when there is none that is whole.
+std::string_view takeWord(std::string_view& text) {
+    if (!text.starts_with(' ')) {
+        return {};
+    }
+    text.remove_prefix(1);
+    std::size_t length = 0;
+    while (length < text.size() && text[length] != ' ' && text[length] != '\n') {
+        ++length;
+    }
+    if (length == text.size()) {
+        return {};
+    }
+    const std::string_view word = text.substr(0, length);
+    text.remove_prefix(length);
+    return word;
+}
+
+std::optional<std::uint64_t> parseCount(std::string_view word) {
+    std::uint64_t count = 0;
+    const char* const end = word.data() + word.size();
+    const auto [rest, error] = std::from_chars(word.data(), end, count);
+    if (error != std::errc() || rest != end) {
+        return std::nullopt;
+    }
+    return count;
+}
+
+// The kernel keeps this count in parts and may find their sum a little below zero.
+std::optional<std::uint64_t> parsePages(std::string_view word) {
+    if (!word.starts_with('-')) {
+        return parseCount(word);
+    }
+    return parseCount(word.substr(1)) ? std::optional<std::uint64_t>(0) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<ProcessStat> parseProcessStat(std::string_view text) {
+    const std::size_t open = text.find('(');
+    // A command may hold brackets of its own; no field behind it does.
+    const std::size_t close = text.rfind(')');
+    if (open == std::string_view::npos || close == std::string_view::npos || close < open) {
+        return std::nullopt;
+    }
+    std::string_view rest = text.substr(close + 1);
+    std::optional<std::uint64_t> user;
+    std::optional<std::uint64_t> system;
+    std::optional<std::uint64_t> pages;
+    for (int field = kStateField; field <= kResidentField; ++field) {
+        const std::string_view word = takeWord(rest);
+        if (word.empty()) {
+            return std::nullopt;
+        }
+        if (field == kUserField) {
+            user = parseCount(word);
+        } else if (field == kSystemField) {
+            system = parseCount(word);
+        } else if (field == kResidentField) {
+            pages = parsePages(word);
+        }
+    }
+    if (!user || !system || !pages) {
+        return std::nullopt;
+    }
+    return ProcessStat{.command = text.substr(open + 1, close - open - 1),
+                       .userTicks = *user,
+                       .systemTicks = *system,
+                       .residentPages = *pages};
+}
+
+}  // namespace tarnwick::platform

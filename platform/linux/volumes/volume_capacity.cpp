@@ -1,0 +1,33 @@
+#include "platform/linux/volumes/volume_capacity.h"
+
+#include <limits>
+
+namespace tarnwick::platform {
+
+namespace {
+
+constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
+
+std::int64_t bytesOf(std::uint64_t blocks, std::uint64_t blockSize) {
+    if (blockSize != 0 && blocks > static_cast<std::uint64_t>(kLargest) / blockSize) {
+        return kLargest;
+    }
+    return static_cast<std::int64_t>(blocks * blockSize);
+}
+
+}  // namespace
+
+VolumeCapacity volumeCapacity(const struct statvfs& figures) {
+    // Where blocks of the system's reserve are in use, some file systems give a negative count.
+    const bool negative = static_cast<std::int64_t>(figures.f_bavail) < 0;
+    const std::int64_t available = negative ? 0 : bytesOf(figures.f_bavail, figures.f_frsize);
+    // Some network file systems count more blocks free than there are.
+    const bool hasUsed = figures.f_blocks > figures.f_bfree;
+    const std::int64_t used =
+        hasUsed ? bytesOf(figures.f_blocks - figures.f_bfree, figures.f_frsize) : 0;
+    return {.total = used > kLargest - available ? kLargest : used + available,
+            .available = available,
+            .fileSystem = figures.f_fsid};
+}
+
+}  // namespace tarnwick::platform

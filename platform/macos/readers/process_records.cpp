@@ -1,0 +1,42 @@
+#include "platform/macos/readers/process_records.h"
+
+#include <cstring>
+
+namespace tarnwick {
+namespace {
+
+/// The number at `offset`; the caller has made sure that it lies within the bytes.
+template <class T>
+T numberAt(std::span<const std::byte> bytes, std::size_t offset) {
+    T number{};
+    std::memcpy(&number, bytes.subspan(offset, sizeof number).data(), sizeof number);
+    return number;
+}
+
+}  // namespace
+
+std::optional<ProcessRecord> decodeProcessRecord(std::span<const std::byte> bytes) {
+    if (bytes.size() < kProcessRecordSize) {
+        return std::nullopt;
+    }
+    // The last byte of the field is there for the zero that ends the longest command.
+    const auto field = bytes.subspan(kProcessCommandOffset, kProcessCommandSize - 1);
+    const std::string_view command(reinterpret_cast<const char*>(field.data()), field.size());
+    return ProcessRecord{
+        .p_pid = numberAt<std::int32_t>(bytes, kProcessIdentifierOffset),
+        .p_comm = command.substr(0, command.find('\0')),
+    };
+}
+
+std::optional<platform::TaskInformation> decodeTaskInformation(std::span<const std::byte> bytes) {
+    if (bytes.size() < kTaskInformationSize) {
+        return std::nullopt;
+    }
+    return platform::TaskInformation{
+        .residentSize = numberAt<std::uint64_t>(bytes, kResidentSizeOffset),
+        .totalUser = numberAt<std::uint64_t>(bytes, kTotalUserOffset),
+        .totalSystem = numberAt<std::uint64_t>(bytes, kTotalSystemOffset),
+    };
+}
+
+}  // namespace tarnwick

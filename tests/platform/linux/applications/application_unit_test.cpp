@@ -1,0 +1,122 @@
+#include "platform/linux/applications/application_unit.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+
+namespace tarnwick::platform {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+/// The candidates of a process in this unit of a user's session.
+std::vector<std::string> candidatesOf(const std::string& unit) {
+    return desktopEntryCandidates("0::/user.slice/user-1000.slice/user@1000.service/app.slice/" +
+                                  unit + "\n");
+}
+
+TEST(ApplicationUnit, AScopeNamesTheEntryBetweenLauncherAndProcess) {
+    EXPECT_THAT(candidatesOf("app-gnome-org.gnome.Maps-4711.scope"),
+                ElementsAre("org.gnome.Maps", "gnome-org.gnome.Maps"));
+    EXPECT_THAT(candidatesOf("app-org.kde.konsole-4711.scope"), ElementsAre("org.kde.konsole"));
+    EXPECT_THAT(candidatesOf("app-flatpak-org.mozilla.firefox-99.scope"),
+                ElementsAre("org.mozilla.firefox", "flatpak-org.mozilla.firefox"));
+}
+
+TEST(ApplicationUnit, ADashWithinTheEntryIsEscaped) {
+    EXPECT_THAT(candidatesOf("app-gnome-google\\x2dchrome-4711.scope"),
+                ElementsAre("google-chrome", "gnome-google-chrome"));
+}
+
+TEST(ApplicationUnit, ADashThatALauncherForgotToEscapeIsFoundInTheEnd) {
+    EXPECT_THAT(candidatesOf("app-google-chrome-4711.scope"),
+                ElementsAre("chrome", "google-chrome"));
+    EXPECT_THAT(candidatesOf("app-a-b-c-1.scope"), ElementsAre("c", "b-c", "a-b-c"));
+}
+
+TEST(ApplicationUnit, AServiceNamesTheEntryBeforeItsInstance) {
+    EXPECT_THAT(candidatesOf("app-org.kde.kate@1f2e3d4c.service"), ElementsAre("org.kde.kate"));
+    EXPECT_THAT(candidatesOf("app-org.kde.kate.service"), ElementsAre("org.kde.kate"));
+    EXPECT_THAT(candidatesOf("app-gnome\\x2dkeyring@autostart.service"),
+                ElementsAre("gnome-keyring"));
+    EXPECT_THAT(candidatesOf("app-gnome-firefox@0.service"),
+                ElementsAre("firefox", "gnome-firefox"));
+}
+
+TEST(ApplicationUnit, AnOlderFlatpakScopeHasNoLauncher) {
+    EXPECT_THAT(candidatesOf("flatpak-org.gimp.GIMP-4711.scope"), ElementsAre("org.gimp.GIMP"));
+}
+
+TEST(ApplicationUnit, ASnapNamesPackageAndApplication) {
+    const std::string unique = "4f2b9a4e-0d6c-4e7e-9a39-0c1d2e3f4a5b";
+    EXPECT_THAT(candidatesOf("snap.firefox.firefox-" + unique + ".scope"),
+                ElementsAre("firefox_firefox"));
+    EXPECT_THAT(candidatesOf("snap.firefox.firefox." + unique + ".scope"),
+                ElementsAre("firefox_firefox"));
+    EXPECT_THAT(candidatesOf("snap.gnome-calculator.gnome-calculator-" + unique + ".scope"),
+                ElementsAre("gnome-calculator_gnome-calculator"));
+    EXPECT_THAT(candidatesOf("snap.libreoffice.writer-" + unique + ".scope"),
+                ElementsAre("libreoffice_writer", "libreoffice_libreoffice"));
+    EXPECT_THAT(candidatesOf("snap.cups.cupsd.service"), ElementsAre("cups_cupsd", "cups_cups"));
+    EXPECT_THAT(candidatesOf("snap.firefox.scope"), IsEmpty());
+}
+
+TEST(ApplicationUnit, AnApplicationStartedThroughTheBusIsNamedByItsBusName) {
+    EXPECT_THAT(candidatesOf("dbus.slice/dbus-:1.2-org.gnome.Nautilus@0.service"),
+                ElementsAre("org.gnome.Nautilus"));
+    EXPECT_THAT(candidatesOf("dbus-:1.2.service"), IsEmpty());
+}
+
+TEST(ApplicationUnit, GroupsThatTheApplicationMadeForItselfDoNotMatter) {
+    EXPECT_THAT(candidatesOf("app-org.example.Box-1.scope/payload/inner"),
+                ElementsAre("org.example.Box"));
+}
+
+TEST(ApplicationUnit, TheInnermostUnitDecides) {
+    // A shell in a terminal has a scope of its own.
+    EXPECT_THAT(candidatesOf("app-org.gnome.Terminal.slice/vte-spawn-0af1.scope"), IsEmpty());
+    EXPECT_THAT(candidatesOf("app-org.kde.konsole-1.scope/tab(33).scope"), IsEmpty());
+    EXPECT_THAT(candidatesOf("app-a-1.scope/app-b-2.scope"), ElementsAre("b"));
+}
+
+TEST(ApplicationUnit, OtherUnitsAreNoApplications) {
+    for (const char* unit : {"dbus.service", "session-3.scope", "init.scope", "pipewire.service",
+                             "docker-0123abcd.scope", "app-.scope", "app.scope", "app-1.slice",
+                             "apps-a-1.scope", ""}) {
+        EXPECT_THAT(candidatesOf(unit), IsEmpty()) << unit;
+    }
+}
+
+TEST(ApplicationUnit, ComesFromTheServiceManagersGroupAmongOldOnes) {
+    const std::string old =
+        "12:pids:/user.slice/app-wrong-1.scope\n"
+        "1:name=systemd:/user.slice/user@1000.service/app-right-1.scope\n";
+    EXPECT_THAT(desktopEntryCandidates(old), ElementsAre("right"));
+    EXPECT_THAT(desktopEntryCandidates("0::/\n" + old), ElementsAre("right"));
+    EXPECT_THAT(desktopEntryCandidates(old + "0::/\n"), ElementsAre("right"));
+    EXPECT_THAT(desktopEntryCandidates("0::/app-new-1.scope\n" + old), ElementsAre("new"));
+}
+
+TEST(ApplicationUnit, NoNameLeadsOutOfTheFolders) {
+    EXPECT_THAT(candidatesOf("app-\\x2f..\\x2fetc\\x2fpasswd-1.scope"), IsEmpty());
+    EXPECT_THAT(candidatesOf("app-a\\x00b-1.scope"), IsEmpty());
+}
+
+TEST(ApplicationUnit, AnEscapeThatIsNoneStays) {
+    EXPECT_THAT(candidatesOf("app-a\\x2-1.scope"), ElementsAre("a\\x2"));
+    EXPECT_THAT(candidatesOf("app-a\\xzz-1.scope"), ElementsAre("a\\xzz"));
+    EXPECT_THAT(candidatesOf("app-a\\-1.scope"), ElementsAre("a\\"));
+}
+
+TEST(ApplicationUnit, OfDamagedTextIsNone) {
+    for (const char* text : {"", "\n", "0", "0:", "0::", "0::/", ":::::", "0:cpu:/app-a-1.scope",
+                             "garbage\n\n\n", "::"}) {
+        EXPECT_THAT(desktopEntryCandidates(text), IsEmpty()) << text;
+    }
+    // A missing line break is no damage.
+    EXPECT_THAT(desktopEntryCandidates("0::/app-a-1.scope"), ElementsAre("a"));
+}
+
+}  // namespace
+}  // namespace tarnwick::platform

@@ -1,0 +1,134 @@
+// Hot keys of an X server of the test's own, which sees every event that comes for them.
+#pragma once
+
+#include <QDeadlineTimer>
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <gtest/gtest.h>
+#include <memory>
+#include <poll.h>
+#include <utility>
+#include <vector>
+
+#include "platform/linux/desktop/keyboard/x11_hot_keys.h"
+#include "platform/linux/desktop/keyboard/x11_reply.h"
+#include "platform/testing/manual_dispatch.h"
+#include "tests/platform/linux/desktop/private_display.h"
+
+namespace tarnwick::platform::testing {
+
+inline constexpr std::uint32_t kSignature = 0x54524E57;
+inline constexpr std::uint32_t kCommandL = 1;
+inline constexpr std::uint32_t kOther = 2;
+
+// Virtual key codes.
+inline constexpr std::uint32_t kL = 37;
+inline constexpr std::uint32_t kF19 = 80;
+
+// X11 key codes.
+inline constexpr std::uint8_t kX11L = 46;
+inline constexpr std::uint8_t kX11M = 58;
+inline constexpr std::uint8_t kX11F19 = 197;
+inline constexpr std::uint8_t kSuper = 133;
+inline constexpr std::uint8_t kRightSuper = 134;
+inline constexpr std::uint8_t kShift = 50;
+inline constexpr std::uint8_t kControl = 37;
+inline constexpr std::uint8_t kAlt = 64;
+inline constexpr std::uint8_t kScrollLock = 78;
+/// Keys of the usual keymap that no keyboard has and that mean Super.
+inline constexpr std::uint8_t kVirtualSuper = 206;
+
+inline constexpr int kMod3 = 5;
+inline constexpr int kMod4 = 6;
+inline const std::vector<std::uint16_t> kLocks = {0, XCB_MOD_MASK_LOCK, XCB_MOD_MASK_2,
+                                                  XCB_MOD_MASK_LOCK | XCB_MOD_MASK_2};
+
+class X11HotKeysTest : public ::testing::Test {
+ protected:
+    explicit X11HotKeysTest(int screens = 1, const QStringList& options = {})
+        : display(screens, options), own(display.name()), other(display.name()) {
+        hotKeys = std::make_unique<X11HotKeys>(own.connection(), dispatch);
+        hotKeys->setRegistrationChanged([this] { ++changes; });
+        auto result = hotKeys->installEventHandler([this](const HotKeyEvent* event) {
+            HotKeyID id;
+            EXPECT_EQ(event->hotKeyID(id), hot_key_status::kSuccess);
+            EXPECT_EQ(id.signature, kSignature);
+            presses.push_back(id.id);
+            return hot_key_status::kSuccess;
+        });
+        EXPECT_EQ(result.status, hot_key_status::kSuccess);
+        handler = std::move(result.handle);
+    }
+
+    HotKeys::RegistrationResult add(std::uint32_t keyCode, std::uint32_t modifiers,
+                                    std::uint32_t id = kCommandL) {
+        return hotKeys->registerEventHotKey(keyCode, modifiers, {kSignature, id});
+    }
+
+    /// Hands over every event that has come.
+    void takeEvents() {
+        while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(own.connection())}) {
+            if (event->response_type == XCB_KEY_PRESS) {
+                ++keyPresses;
+            }
+            usedUp += hotKeys->handle(*event) ? 1 : 0;
+        }
+    }
+    bool takeEventsUntil(const std::function<bool()>& condition) {
+        const QDeadlineTimer deadline(30'000);
+        while (!condition()) {
+            if (deadline.hasExpired()) {
+                return false;
+            }
+            pollfd readable = {xcb_get_file_descriptor(own.connection()), POLLIN, 0};
+            ::poll(&readable, 1, 20);
+            takeEvents();
+        }
+        return true;
+    }
+    /// Presses a shortcut of its own after all else: when it arrives, everything before has, too.
+    void settle() {
+        const auto before = std::count(presses.begin(), presses.end(), kOther);
+        const auto last = add(kF19, 0, kOther);
+        ASSERT_TRUE(last.handle);
+        other.stroke({}, kX11F19);
+        ASSERT_TRUE(takeEventsUntil(
+            [&] { return std::count(presses.begin(), presses.end(), kOther) > before; }));
+        std::erase(presses, kOther);
+    }
+    /// The presses that a stroke brings.
+    std::vector<std::uint32_t> pressesOf(const std::vector<std::uint8_t>& held,
+                                         std::uint8_t stroked) {
+        presses.clear();
+        other.stroke(held, stroked);
+        settle();
+        return presses;
+    }
+    /// Nobody holds the key with these modifiers, on any screen and with any of the locks.
+    bool isFree(std::uint16_t modifiers) {
+        // What was given back is on its way.
+        own.sync();
+        return other.couldGrab(kX11L, modifiers, kLocks);
+    }
+    /// Lets the program see what the keyboard has become.
+    void takeKeyboardChange() {
+        EXPECT_TRUE(takeEventsUntil([this] { return dispatch.mainPending() > 0; }));
+        dispatch.runMain();
+    }
+
+    PrivateDisplay display;
+    DisplayClient own;
+    DisplayClient other;
+    ManualDispatch dispatch;
+    std::unique_ptr<X11HotKeys> hotKeys;
+    std::unique_ptr<HotKeyHandle> handler;
+    std::vector<std::uint32_t> presses;
+    /// Events of keys that came to this connection.
+    int keyPresses = 0;
+    /// Events that the toolkit would not see.
+    int usedUp = 0;
+    int changes = 0;
+};
+
+}  // namespace tarnwick::platform::testing

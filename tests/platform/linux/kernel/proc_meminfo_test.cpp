@@ -1,0 +1,222 @@
+#include "platform/linux/kernel/proc_meminfo.h"
+
+#include <cstdint>
+#include <gtest/gtest.h>
+#include <limits>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tests/platform/linux/machine_tree.h"
+
+namespace tarnwick::platform {
+namespace {
+
+using testing::recordedFile;
+
+constexpr std::uint64_t kB = 1024;
+constexpr std::uint64_t page = 4096;
+
+TEST(MemInfo, ReadsTheLinesItNeedsInBytes) {
+    const MemInfo info = parseMemInfo(recordedFile("laptop", "proc/meminfo"));
+    EXPECT_EQ(info.memTotal, 16122588 * kB);
+    EXPECT_EQ(info.memFree, 1284532 * kB);
+    EXPECT_EQ(info.buffers, 412816 * kB);
+    EXPECT_EQ(info.cached, 6120948 * kB);
+    EXPECT_EQ(info.swapTotal, 8061288 * kB);
+    EXPECT_EQ(info.swapFree, 6904008 * kB);
+    EXPECT_EQ(info.zswap, 65536 * kB);
+    EXPECT_EQ(info.anonPages, 5340112 * kB);
+    EXPECT_EQ(info.shmem, 948420 * kB);
+    EXPECT_EQ(info.sReclaimable, 561224 * kB);
+}
+
+TEST(MemInfo, LinesMayComeInAnyOrder) {
+    const MemInfo info = parseMemInfo(
+        "Shmem: 1 kB\nMemFree: 2 kB\nSwapCached: 9 kB\nMemTotal: 3 kB\nCached: 4 kB\n");
+    EXPECT_EQ(info.shmem, 1 * kB);
+    EXPECT_EQ(info.memFree, 2 * kB);
+    EXPECT_EQ(info.memTotal, 3 * kB);
+    EXPECT_EQ(info.cached, 4 * kB);
+}
+
+TEST(MemInfo, LinesOfANewerKernelAreAbsentInAnOldOne) {
+    const MemInfo info = parseMemInfo(recordedFile("old-kernel", "proc/meminfo"));
+    EXPECT_EQ(info.memTotal, 1035344 * kB);
+    EXPECT_EQ(info.anonPages, 187620 * kB);
+    EXPECT_EQ(info.shmem, std::nullopt);
+    EXPECT_EQ(info.sReclaimable, std::nullopt);
+    EXPECT_EQ(info.zswap, std::nullopt);
+}
+
+TEST(MemInfo, DamagedLinesAreAbsent) {
+    for (const std::string_view line :
+         {"MemTotal:", "MemTotal: kB\n", "MemTotal: 5\n", "MemTotal: 5 MB\n", "MemTotal: 5 kB",
+          "MemTotal: -5 kB\n", "MemTotal: x kB\n", "MemTotal: 5 kBx\n", "MemTotal 5 kB\n",
+          "MemTotal:\t5 kB\n", "MemTotal: 0x5 kB\n", "xMemTotal: 5 kB\n", "MemTotal: 5.0 kB\n"}) {
+        EXPECT_EQ(parseMemInfo(line).memTotal, std::nullopt) << line;
+    }
+    const MemInfo info = parseMemInfo(recordedFile("damaged", "proc/meminfo"));
+    for (const auto& field :
+         {info.memTotal, info.memFree, info.buffers, info.cached, info.swapTotal, info.swapFree,
+          info.zswap, info.anonPages, info.shmem, info.sReclaimable}) {
+        EXPECT_EQ(field, std::nullopt);
+    }
+}
+
+TEST(MemInfo, FiguresAboveAnExbibyteAreAbsent) {
+    EXPECT_EQ(parseMemInfo("MemTotal: 1125899906842624 kB\n").memTotal, std::uint64_t{1} << 60);
+    for (const std::string_view line :
+         {"MemTotal: 1125899906842625 kB\n", "MemTotal: 18446744073709551612 kB\n",
+          "MemTotal: 18446744073709551616 kB\n", "MemTotal: 99999999999999999999999999 kB\n"}) {
+        EXPECT_EQ(parseMemInfo(line).memTotal, std::nullopt) << line;
+    }
+}
+
+TEST(MemInfo, ATruncatedTextGivesEachFigureWholeOrNotAtAll) {
+    for (const std::string_view machine : {"laptop", "server", "old-kernel"}) {
+        const std::string text = recordedFile(machine, "proc/meminfo");
+        const MemInfo whole = parseMemInfo(text);
+        for (std::size_t size = 0; size < text.size(); ++size) {
+            const MemInfo part = parseMemInfo(std::string_view(text).substr(0, size));
+            for (const auto field :
+                 {&MemInfo::memTotal, &MemInfo::memFree, &MemInfo::buffers, &MemInfo::cached,
+                  &MemInfo::swapTotal, &MemInfo::swapFree, &MemInfo::zswap, &MemInfo::anonPages,
+                  &MemInfo::shmem, &MemInfo::sReclaimable}) {
+                ASSERT_TRUE(part.*field == std::nullopt || part.*field == whole.*field)
+                    << machine << size;
+            }
+        }
+    }
+}
+
+TEST(ZramMemoryUsed, IsTheThirdNumber) {
+    EXPECT_EQ(parseZramMemoryUsed(recordedFile("laptop", "sys/block/zram0/mm_stat")), 318767104U);
+    EXPECT_EQ(parseZramMemoryUsed("  1   2   3\n"), 3U);
+    EXPECT_EQ(parseZramMemoryUsed("1 2 3 4"), 3U);
+    EXPECT_EQ(parseZramMemoryUsed("0 0 18446744073709551615 0\n"),
+              std::numeric_limits<std::uint64_t>::max());
+}
+
+TEST(ZramMemoryUsed, IsAbsentWhenDamagedOrCutShort) {
+    for (const std::string_view text : {"", "\n", "1", "1 2\n", "1 2 3", "1 2 x\n", "1 2 -3\n",
+                                        "1 2 3x\n", "x 2 3\n", "1 2 18446744073709551616\n"}) {
+        EXPECT_EQ(parseZramMemoryUsed(text), std::nullopt) << text;
+    }
+}
+
+TEST(PagesOf, RoundsToTheNearestPageAndSaturates) {
+    EXPECT_EQ(pagesOf(0, page), 0U);
+    EXPECT_EQ(pagesOf(page, page), 1U);
+    EXPECT_EQ(pagesOf(page * 3 / 2 - 1, page), 1U);
+    EXPECT_EQ(pagesOf(page * 3 / 2, page), 2U);
+    EXPECT_EQ(pagesOf(page * 0xFFFFFFFF, page), 0xFFFFFFFFU);
+    EXPECT_EQ(pagesOf(page * 0x100000000, page), 0xFFFFFFFFU);
+    EXPECT_EQ(pagesOf(std::numeric_limits<std::uint64_t>::max(), page), 0xFFFFFFFFU);
+    EXPECT_EQ(pagesOf(std::numeric_limits<std::uint64_t>::max(), 1), 0xFFFFFFFFU);
+    EXPECT_EQ(pagesOf(5, 0), 0U);
+}
+
+MemInfo pages(std::uint64_t total, std::uint64_t free) {
+    MemInfo info;
+    info.memTotal = total * page;
+    info.memFree = free * page;
+    return info;
+}
+
+TEST(VMStatistics, DividesTheMemoryUp) {
+    MemInfo info = pages(1000, 100);
+    info.buffers = 10 * page;
+    info.cached = 200 * page;
+    info.sReclaimable = 30 * page;
+    info.shmem = 50 * page;
+    info.anonPages = 300 * page;
+    info.zswap = 7 * page;
+    const std::optional<VMStatistics> statistics = vmStatistics(info, 20 * page, page);
+    ASSERT_TRUE(statistics);
+    EXPECT_EQ(statistics->free_count, 100U);
+    EXPECT_EQ(statistics->external_page_count, 10U + 200U + 30U - 50U);
+    EXPECT_EQ(statistics->internal_page_count, 300U + 50U);
+    EXPECT_EQ(statistics->compressor_page_count, 27U);
+    EXPECT_EQ(statistics->wire_count, 1000U - 100U - 190U - 350U - 27U);
+    EXPECT_EQ(statistics->purgeable_count, 0U);
+    EXPECT_EQ(statistics->speculative_count, 0U);
+}
+
+TEST(VMStatistics, WiredAndCachedAreNeverNegative) {
+    MemInfo info = pages(1000, 500);
+    info.anonPages = 900 * page;
+    info.shmem = 300 * page;
+    info.cached = 200 * page;
+    const std::optional<VMStatistics> statistics = vmStatistics(info, 0, page);
+    ASSERT_TRUE(statistics);
+    EXPECT_EQ(statistics->wire_count, 0U);
+    EXPECT_EQ(statistics->external_page_count, 0U);
+}
+
+TEST(VMStatistics, LinesThatAreMissingCountAsNothing) {
+    const std::optional<VMStatistics> statistics = vmStatistics(pages(1000, 100), 0, page);
+    ASSERT_TRUE(statistics);
+    EXPECT_EQ(statistics->wire_count, 900U);
+    EXPECT_EQ(statistics->external_page_count, 0U);
+    EXPECT_EQ(statistics->internal_page_count, 0U);
+    EXPECT_EQ(statistics->compressor_page_count, 0U);
+}
+
+TEST(VMStatistics, FiguresAboveTheTotalCountAsNothing) {
+    MemInfo info = pages(1000, 100);
+    info.anonPages = 1001 * page;
+    info.zswap = std::uint64_t{1} << 60;
+    const std::optional<VMStatistics> statistics =
+        vmStatistics(info, std::numeric_limits<std::uint64_t>::max(), page);
+    ASSERT_TRUE(statistics);
+    EXPECT_EQ(statistics->internal_page_count, 0U);
+    EXPECT_EQ(statistics->compressor_page_count, 0U);
+    EXPECT_EQ(statistics->wire_count, 900U);
+}
+
+TEST(VMStatistics, NeedTheTotalAndTheFreeMemory) {
+    MemInfo info = pages(1000, 100);
+    info.memFree.reset();
+    EXPECT_FALSE(vmStatistics(info, 0, page));
+    info = pages(1000, 100);
+    info.memTotal.reset();
+    EXPECT_FALSE(vmStatistics(info, 0, page));
+    EXPECT_FALSE(vmStatistics(pages(0, 0), 0, page));
+    EXPECT_FALSE(vmStatistics(pages(1000, 1001), 0, page));
+    EXPECT_TRUE(vmStatistics(pages(1000, 1000), 0, page));
+}
+
+TEST(VMStatistics, CountsOfAMachineTooLargeForThemSaturate) {
+    const std::optional<VMStatistics> statistics =
+        vmStatistics(pages(std::uint64_t{1} << 47, std::uint64_t{1} << 46), 0, page);
+    ASSERT_TRUE(statistics);
+    EXPECT_EQ(statistics->free_count, 0xFFFFFFFFU);
+    EXPECT_EQ(statistics->wire_count, 0xFFFFFFFFU);
+}
+
+TEST(SwapUsage, IsWhatIsNotFree) {
+    MemInfo info;
+    info.swapTotal = 100;
+    info.swapFree = 30;
+    const std::optional<SwapUsage> usage = swapUsageOf(info);
+    ASSERT_TRUE(usage);
+    EXPECT_EQ(usage->total, 100U);
+    EXPECT_EQ(usage->available, 30U);
+    EXPECT_EQ(usage->used, 70U);
+}
+
+TEST(SwapUsage, IsNeverNegativeAndNeedsBothLines) {
+    MemInfo info;
+    info.swapTotal = 100;
+    EXPECT_FALSE(swapUsageOf(info));
+    info.swapFree = 130;
+    ASSERT_TRUE(swapUsageOf(info));
+    EXPECT_EQ(swapUsageOf(info)->used, 0U);
+    EXPECT_EQ(swapUsageOf(info)->available, 100U);
+    info.swapTotal.reset();
+    EXPECT_FALSE(swapUsageOf(info));
+}
+
+}  // namespace
+}  // namespace tarnwick::platform

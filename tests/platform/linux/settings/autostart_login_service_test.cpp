@@ -1,0 +1,543 @@
+#include "platform/linux/settings/autostart_login_service.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <iterator>
+#include <map>
+#include <string>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <vector>
+
+#include "platform/linux/applications/desktop_entry.h"
+#include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/temporary_folder.h"
+
+namespace tarnwick::platform {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+using Status = LoginServiceStatus;
+using tarnwick::testing::ChildProcess;
+
+constexpr uid_t kNobody = 65534;
+
+std::string contentsOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
+}
+
+mode_t modeOf(const std::filesystem::path& path) {
+    struct stat found {};
+    EXPECT_EQ(::lstat(path.c_str(), &found), 0) << path;
+    return found.st_mode;
+}
+
+class Autostart : public ::testing::Test {
+ protected:
+    Autostart() {
+        variables_ = {
+            {"HOME", (folder_ / "home").native()},
+            {"XDG_CONFIG_DIRS", (folder_ / "first").native() + ":" + (folder_ / "second").native()},
+            {"PATH", "/nowhere:" + (folder_ / "bin").native()},
+            {"XDG_CURRENT_DESKTOP", "XFCE"}};
+        std::filesystem::create_directory(folder_ / "home");
+        std::filesystem::create_directory(folder_ / "bin");
+        makeProgram(program_);
+    }
+
+    static void makeProgram(const std::filesystem::path& file) {
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file) << "#!/bin/sh\n";
+        ASSERT_EQ(::chmod(file.c_str(), 0755), 0);
+    }
+    void write(const std::filesystem::path& file, const std::string& text) {
+        std::filesystem::create_directories(file.parent_path());
+        std::ofstream(file, std::ios::trunc) << text;
+    }
+    /// An entry that starts the program, with more lines.
+    std::string entry(const std::string& lines = "") const {
+        return "[Desktop Entry]\nType=Application\nName=x\nExec=" + program_.native() + "\n" +
+               lines;
+    }
+    AutostartLoginService service() { return AutostartLoginService(command_, environment()); }
+    AutostartLoginService::Environment environment() {
+        return [this](const char* name) -> const char* {
+            const auto found = variables_.find(name);
+            return found == variables_.end() ? nullptr : found->second.c_str();
+        };
+    }
+    Status status() { return service().status(); }
+    /// What the operation tells, or nothing when it succeeds.
+    std::string registering() { return told(service().registerService()); }
+    std::string unregistering() { return told(service().unregisterService()); }
+    static std::string told(const std::optional<LoginServiceError>& error) {
+        return error ? error->localizedDescription : "";
+    }
+    std::vector<std::string> namesIn(const std::filesystem::path& folder) const {
+        std::vector<std::string> names;
+        for (const auto& each : std::filesystem::directory_iterator(folder)) {
+            names.push_back(each.path().filename().native());
+        }
+        std::ranges::sort(names);
+        return names;
+    }
+    /// Runs `body` as somebody whom permissions bind, and who owns everything.
+    template <class Body>
+    void asUser(const Body& body) {
+        if (::geteuid() == 0) {
+            ASSERT_EQ(::chown(folder_.path().c_str(), kNobody, kNobody), 0);
+            for (const auto& each : std::filesystem::recursive_directory_iterator(folder_.path())) {
+                ASSERT_EQ(::lchown(each.path().c_str(), kNobody, kNobody), 0);
+            }
+        }
+        ChildProcess child([&] {
+            if (::geteuid() == 0) {
+                ASSERT_EQ(::setresgid(kNobody, kNobody, kNobody), 0);
+                ASSERT_EQ(::setresuid(kNobody, kNobody, kNobody), 0);
+            }
+            body();
+        });
+        EXPECT_EQ(child.wait(), 0);
+    }
+
+    tarnwick::testing::TemporaryFolder folder_;
+    std::map<std::string, std::string> variables_;
+    std::filesystem::path program_ = folder_ / "opt" / "tarnwick";
+    std::vector<std::string> command_ = {program_.native()};
+    std::filesystem::path autostart_ = folder_ / "home" / ".config" / "autostart";
+    std::filesystem::path own_ = autostart_ / "tarnwick.desktop";
+    std::filesystem::path first_ = folder_ / "first" / "autostart" / "tarnwick.desktop";
+    std::filesystem::path second_ = folder_ / "second" / "autostart" / "tarnwick.desktop";
+};
+
+// What counts as enabled.
+
+TEST_F(Autostart, IsOffWithoutAnEntry) {
+    EXPECT_EQ(status(), Status::notRegistered);
+    EXPECT_THAT(namesIn(folder_ / "home"), IsEmpty());
+}
+
+TEST_F(Autostart, IsOnByTheUsersEntry) {
+    write(own_, entry());
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, IsOnByAnEntryOfTheSystem) {
+    write(second_, entry());
+    EXPECT_EQ(status(), Status::enabled);
+    write(first_, entry("Hidden=true\n"));
+    EXPECT_EQ(status(), Status::notRegistered);
+    write(first_, entry());
+    write(second_, entry("Hidden=true\n"));
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, TheUsersEntryDecidesWhateverTheSystemSays) {
+    write(first_, entry());
+    write(own_, entry("Hidden=true\n"));
+    EXPECT_EQ(status(), Status::notRegistered);
+    write(first_, entry("Hidden=true\n"));
+    write(own_, entry());
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, ADamagedEntryOfTheUserHidesTheSystems) {
+    write(first_, entry());
+    for (const std::string& text :
+         {std::string(), std::string("garbage"), std::string("[Desktop Entry]\n")}) {
+        write(own_, text);
+        EXPECT_EQ(status(), Status::notRegistered) << text;
+    }
+}
+
+TEST_F(Autostart, IsOffWhenTheEntryIsSwitchedOff) {
+    write(own_, entry("Hidden=true\n"));
+    EXPECT_EQ(status(), Status::notRegistered);
+}
+
+TEST_F(Autostart, IsSwitchedOffForTheDesktopsThatKnowTheKeyOnly) {
+    for (const char* const desktop :
+         {"GNOME", "ubuntu:GNOME", "X-Cinnamon", "MATE", "Budgie:GNOME", "Unity:Unity7"}) {
+        variables_["XDG_CURRENT_DESKTOP"] = desktop;
+        write(own_, entry("X-GNOME-Autostart-enabled=false\n"));
+        EXPECT_EQ(status(), Status::notRegistered) << desktop;
+        write(own_, entry("X-GNOME-Autostart-enabled=true\n"));
+        EXPECT_EQ(status(), Status::enabled) << desktop;
+    }
+    write(own_, entry("X-GNOME-Autostart-enabled=false\n"));
+    for (const char* const desktop : {"XFCE", "LXQt", "openbox", "sway", "NOGNOME", ""}) {
+        variables_["XDG_CURRENT_DESKTOP"] = desktop;
+        EXPECT_EQ(status(), Status::enabled) << desktop;
+    }
+    variables_.erase("XDG_CURRENT_DESKTOP");
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, IsOffWhenOnlyAConditionStartsIt) {
+    for (const char* const line :
+         {"AutostartCondition=if-exists x\n", "X-KDE-autostart-condition=rc:General:On:false\n",
+          "X-GNOME-Autostart-Phase=Panel\n", "X-systemd-skip=true\n"}) {
+        write(own_, entry(line));
+        EXPECT_EQ(status(), Status::notRegistered) << line;
+        EXPECT_EQ(registering(), "") << line;
+        EXPECT_EQ(status(), Status::enabled) << line;
+    }
+    write(own_, entry("AutostartCondition=\nX-systemd-skip=false\n"));
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, IsOffOnADesktopThatTheEntryIsNotFor) {
+    write(own_, entry("OnlyShowIn=KDE;\n"));
+    EXPECT_EQ(status(), Status::notRegistered);
+    variables_["XDG_CURRENT_DESKTOP"] = "KDE";
+    EXPECT_EQ(status(), Status::enabled);
+    write(own_, entry("NotShowIn=KDE;\n"));
+    EXPECT_EQ(status(), Status::notRegistered);
+    variables_.erase("XDG_CURRENT_DESKTOP");
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, IsOffWhenTheProgramIsMissing) {
+    write(own_, entry());
+    std::filesystem::remove(program_);
+    EXPECT_EQ(status(), Status::notFound);
+    std::filesystem::create_directory(program_);
+    EXPECT_EQ(status(), Status::notFound);
+    write(own_, "[Desktop Entry]\nType=Application\nName=x\n");
+    EXPECT_EQ(status(), Status::notFound);
+}
+
+TEST_F(Autostart, IsOffWhenTheProgramCannotBeExecuted) {
+    write(own_, entry());
+    ASSERT_EQ(::chmod(program_.c_str(), 0644), 0);
+    EXPECT_EQ(status(), Status::notFound);
+}
+
+TEST_F(Autostart, IsOffWhenTheProgramToTryIsMissing) {
+    write(own_, entry("TryExec=/nowhere/tarnwick\n"));
+    EXPECT_EQ(status(), Status::notFound);
+    write(own_, entry("TryExec=" + program_.native() + "\n"));
+    EXPECT_EQ(status(), Status::enabled);
+    write(own_, entry("TryExec=absent\n"));
+    EXPECT_EQ(status(), Status::notFound);
+}
+
+TEST_F(Autostart, LooksForAProgramWithoutAPath) {
+    write(own_, "[Desktop Entry]\nType=Application\nName=x\nExec=named --flag\n");
+    EXPECT_EQ(status(), Status::notFound);
+    makeProgram(folder_ / "bin" / "named");
+    EXPECT_EQ(status(), Status::enabled);
+    variables_.erase("PATH");
+    EXPECT_EQ(status(), Status::notFound);
+}
+
+TEST_F(Autostart, FindsNoProgramByARelativePath) {
+    write(own_, "[Desktop Entry]\nType=Application\nName=x\nExec=./sh\n");
+    std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path("/bin");
+    EXPECT_EQ(status(), Status::notFound);
+    std::filesystem::current_path(before);
+}
+
+TEST_F(Autostart, FollowsALinkToAnEntry) {
+    write(folder_ / "applications" / "tarnwick.desktop", entry());
+    std::filesystem::create_directories(autostart_);
+    std::filesystem::create_symlink(folder_ / "applications" / "tarnwick.desktop", own_);
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, WhatIsNoFileIsNoEntry) {
+    write(first_, entry());
+    std::filesystem::create_directories(own_);
+    EXPECT_EQ(status(), Status::enabled);
+    std::filesystem::remove(own_);
+    std::filesystem::create_symlink("/nowhere", own_);
+    EXPECT_EQ(status(), Status::enabled);
+    std::filesystem::remove(own_);
+    // Opening a pipe to read it would wait for its writer.
+    ASSERT_EQ(::mkfifo(own_.c_str(), 0600), 0);
+    EXPECT_EQ(status(), Status::enabled);
+    std::filesystem::remove(first_);
+    EXPECT_EQ(status(), Status::notRegistered);
+}
+
+TEST_F(Autostart, AnEntryThatCannotBeReadIsOff) {
+    write(first_, entry());
+    write(own_, entry());
+    ASSERT_EQ(::chmod(own_.c_str(), 0), 0);
+    asUser([&] { EXPECT_EQ(status(), Status::notRegistered); });
+}
+
+TEST_F(Autostart, LooksWhereTheSessionKeepsItsConfiguration) {
+    write(folder_ / "config" / "autostart" / "tarnwick.desktop", entry());
+    EXPECT_EQ(status(), Status::notRegistered);
+    variables_["XDG_CONFIG_HOME"] = (folder_ / "config").native();
+    EXPECT_EQ(status(), Status::enabled);
+    variables_["XDG_CONFIG_HOME"] = "config";
+    EXPECT_EQ(status(), Status::notRegistered);
+    write(own_, entry());
+    EXPECT_EQ(status(), Status::enabled);
+    variables_["HOME"] = "home";
+    EXPECT_EQ(status(), Status::notRegistered);
+}
+
+TEST_F(Autostart, PassesOverFoldersOfTheSystemThatAreNoPaths) {
+    write(second_, entry());
+    variables_["XDG_CONFIG_DIRS"] = ":relative::" + (folder_ / "second").native() + ":";
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+// Switching on.
+
+TEST_F(Autostart, RegisteringSwitchesItOn) {
+    EXPECT_EQ(registering(), "");
+    EXPECT_EQ(status(), Status::enabled);
+    EXPECT_EQ(desktopEntryValue(contentsOf(own_), "Exec"), program_.native());
+    EXPECT_THAT(namesIn(autostart_), ElementsAre("tarnwick.desktop"));
+}
+
+TEST_F(Autostart, RegisteringMakesTheFoldersForTheUserAlone) {
+    EXPECT_EQ(registering(), "");
+    EXPECT_EQ(modeOf(autostart_), mode_t{S_IFDIR | 0700});
+    EXPECT_EQ(modeOf(autostart_.parent_path()), mode_t{S_IFDIR | 0700});
+}
+
+TEST_F(Autostart, RegisteringTwiceChangesNothing) {
+    EXPECT_EQ(registering(), "");
+    const std::string before = contentsOf(own_);
+    EXPECT_EQ(registering(), "");
+    EXPECT_EQ(contentsOf(own_), before);
+    EXPECT_THAT(namesIn(autostart_), ElementsAre("tarnwick.desktop"));
+}
+
+TEST_F(Autostart, RegisteringReplacesWhateverTheUsersEntryWas) {
+    for (const std::string& text : {entry("Hidden=true\n"), std::string("garbage"), std::string(),
+                                    entry("OnlyShowIn=KDE;\n") + std::string(100'000, '#')}) {
+        write(own_, text);
+        EXPECT_EQ(registering(), "");
+        EXPECT_EQ(status(), Status::enabled);
+    }
+}
+
+TEST_F(Autostart, RegisteringOverridesTheSystem) {
+    write(first_, entry("Hidden=true\n"));
+    EXPECT_EQ(registering(), "");
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, RegisteringReplacesALinkAndNotWhatItLeadsTo) {
+    const std::filesystem::path target = folder_ / "applications" / "tarnwick.desktop";
+    write(target, entry("Hidden=true\n"));
+    std::filesystem::create_directories(autostart_);
+    std::filesystem::create_symlink(target, own_);
+    EXPECT_EQ(registering(), "");
+    EXPECT_EQ(contentsOf(target), entry("Hidden=true\n"));
+    EXPECT_TRUE(S_ISREG(modeOf(own_)));
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, RegisteringNeverWritesIntoTheOldFile) {
+    write(own_, entry("Hidden=true\n"));
+    std::ifstream reader(own_);
+    EXPECT_EQ(registering(), "");
+    const std::string seen{std::istreambuf_iterator<char>(reader), {}};
+    EXPECT_EQ(seen, entry("Hidden=true\n"));
+}
+
+TEST_F(Autostart, EveryPathOfTheProgramIsStarted) {
+    for (const char* name : {"a b", "$HOME", "100%", "it's", "say \"x\"", "`x`", "a\\b", "%f;&|"}) {
+        program_ = folder_ / "odd" / name / "tarnwick";
+        makeProgram(program_);
+        command_ = {program_.native()};
+        EXPECT_EQ(registering(), "") << name;
+        EXPECT_EQ(status(), Status::enabled) << name;
+    }
+}
+
+TEST_F(Autostart, APathThatNoEntryCanHoldIsRefused) {
+    command_ = {"/opt/a=b/tarnwick"};
+    EXPECT_EQ(registering(),
+              "Cannot start at login /opt/a=b/tarnwick: no autostart entry can hold this path");
+    EXPECT_EQ(status(), Status::notRegistered);
+    command_ = {};
+    EXPECT_EQ(registering(), "Cannot start at login: the program's own file is not known");
+    EXPECT_FALSE(std::filesystem::exists(autostart_));
+}
+
+TEST_F(Autostart, AFolderInPlaceOfTheEntryIsLeftThere) {
+    write(own_ / "inside", "x");
+    EXPECT_EQ(registering(), "Cannot write " + own_.native() + ": Is a directory");
+    EXPECT_EQ(status(), Status::notRegistered);
+    EXPECT_EQ(unregistering(), "");
+    EXPECT_THAT(namesIn(own_), ElementsAre("inside"));
+    EXPECT_THAT(namesIn(autostart_), ElementsAre("tarnwick.desktop"));
+}
+
+TEST_F(Autostart, AFolderThatCannotBeWrittenIsTold) {
+    std::filesystem::create_directories(autostart_);
+    ASSERT_EQ(::chmod(autostart_.c_str(), 0500), 0);
+    asUser([&] {
+        EXPECT_EQ(registering(), "Cannot write " + own_.native() + ": Permission denied");
+        EXPECT_EQ(status(), Status::notRegistered);
+        EXPECT_THAT(namesIn(autostart_), IsEmpty());
+    });
+}
+
+TEST_F(Autostart, AFolderThatCannotBeMadeIsTold) {
+    ASSERT_EQ(::chmod((folder_ / "home").c_str(), 0500), 0);
+    asUser([&] {
+        EXPECT_EQ(registering(), "Cannot make " + autostart_.native() + ": Permission denied");
+    });
+}
+
+TEST_F(Autostart, AFileInPlaceOfTheFolderIsTold) {
+    write(autostart_, "x");
+    EXPECT_EQ(registering(), "Cannot write " + own_.native() + ": Not a directory");
+    EXPECT_EQ(status(), Status::notRegistered);
+    EXPECT_EQ(unregistering(), "");
+    EXPECT_EQ(contentsOf(autostart_), "x");
+}
+
+TEST_F(Autostart, AnErrorIsOneLine) {
+    variables_["XDG_CONFIG_HOME"] = (folder_ / "a\nb").native();
+    write(folder_ / "a\nb", "x");
+    EXPECT_EQ(registering(),
+              "Cannot make " + (folder_ / "a?b/autostart").native() + ": Not a directory");
+}
+
+TEST_F(Autostart, WithoutAHomeNothingCanBeChanged) {
+    variables_.erase("HOME");
+    EXPECT_EQ(registering(), "Cannot change what starts at login: there is no home folder");
+    EXPECT_EQ(unregistering(), "");
+    write(first_, entry());
+    EXPECT_EQ(status(), Status::enabled);
+    EXPECT_EQ(unregistering(), "Cannot change what starts at login: there is no home folder");
+}
+
+// Switching off.
+
+TEST_F(Autostart, UnregisteringRemovesTheUsersEntry) {
+    EXPECT_EQ(registering(), "");
+    EXPECT_EQ(unregistering(), "");
+    EXPECT_EQ(status(), Status::notRegistered);
+    EXPECT_THAT(namesIn(autostart_), IsEmpty());
+}
+
+TEST_F(Autostart, UnregisteringWhatIsNotThereSucceedsAndMakesNothing) {
+    EXPECT_EQ(unregistering(), "");
+    EXPECT_THAT(namesIn(folder_ / "home"), IsEmpty());
+}
+
+TEST_F(Autostart, UnregisteringRemovesALinkAndNotWhatItLeadsTo) {
+    const std::filesystem::path target = folder_ / "applications" / "tarnwick.desktop";
+    write(target, entry());
+    std::filesystem::create_directories(autostart_);
+    std::filesystem::create_symlink(target, own_);
+    EXPECT_EQ(unregistering(), "");
+    EXPECT_EQ(contentsOf(target), entry());
+    EXPECT_THAT(namesIn(autostart_), IsEmpty());
+    std::filesystem::create_symlink("/nowhere", own_);
+    EXPECT_EQ(unregistering(), "");
+    EXPECT_THAT(namesIn(autostart_), IsEmpty());
+}
+
+TEST_F(Autostart, UnregisteringSwitchesOffWhatTheSystemWouldStart) {
+    write(second_, entry());
+    EXPECT_EQ(unregistering(), "");
+    EXPECT_EQ(status(), Status::notRegistered);
+    EXPECT_EQ(desktopEntryValue(contentsOf(own_), "Hidden"), "true");
+    EXPECT_EQ(contentsOf(second_), entry());
+    EXPECT_THAT(namesIn(autostart_), ElementsAre("tarnwick.desktop"));
+    EXPECT_EQ(unregistering(), "");
+    EXPECT_EQ(status(), Status::notRegistered);
+    EXPECT_EQ(registering(), "");
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, UnregisteringCountsForTheOtherDesktopsOfTheSystemsEntry) {
+    write(first_, entry("OnlyShowIn=KDE;\n"));
+    EXPECT_EQ(unregistering(), "");
+    variables_["XDG_CURRENT_DESKTOP"] = "KDE";
+    EXPECT_EQ(status(), Status::notRegistered);
+}
+
+TEST_F(Autostart, UnregisteringCountsForTheDesktopsThatKnowLessOfTheSystemsEntry) {
+    write(first_, entry("X-GNOME-Autostart-enabled=false\n"));
+    variables_["XDG_CURRENT_DESKTOP"] = "GNOME";
+    EXPECT_EQ(status(), Status::notRegistered);
+    EXPECT_EQ(unregistering(), "");
+    variables_["XDG_CURRENT_DESKTOP"] = "XFCE";
+    EXPECT_EQ(status(), Status::notRegistered);
+}
+
+TEST_F(Autostart, UnregisteringLeavesNothingWhereTheSystemStartsNothing) {
+    for (const std::string& text :
+         {entry("Hidden=true\n"), entry("TryExec=absent\n"), std::string("garbage")}) {
+        write(first_, text);
+        write(own_, entry());
+        EXPECT_EQ(unregistering(), "");
+        EXPECT_THAT(namesIn(autostart_), IsEmpty()) << text;
+        EXPECT_NE(status(), Status::enabled) << text;
+    }
+}
+
+TEST_F(Autostart, AnEntryThatCannotBeRemovedIsTold) {
+    write(own_, entry());
+    ASSERT_EQ(::chmod(autostart_.c_str(), 0500), 0);
+    asUser([&] {
+        EXPECT_EQ(unregistering(), "Cannot remove " + own_.native() + ": Permission denied");
+        EXPECT_EQ(status(), Status::enabled);
+    });
+}
+
+// Packages that bring their own surroundings.
+
+TEST_F(Autostart, InASandboxTheUsersRealFolderCounts) {
+    command_ = {"flatpak", "run", "org.tarnwick.Tarnwick"};
+    variables_["XDG_CONFIG_HOME"] = (folder_ / "sandbox").native();
+    variables_["HOST_XDG_CONFIG_HOME"] = (folder_ / "config").native();
+    std::filesystem::create_directories(folder_ / "config" / "autostart");
+    EXPECT_EQ(registering(), "");
+    EXPECT_EQ(desktopEntryValue(contentsOf(folder_ / "config" / "autostart" / "tarnwick.desktop"),
+                                "Exec"),
+              "flatpak run org.tarnwick.Tarnwick");
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "sandbox"));
+    // The sandbox hides the program that starts it.
+    EXPECT_EQ(status(), Status::enabled);
+}
+
+TEST_F(Autostart, InASandboxAFolderThatIsNotShownIsNotMade) {
+    command_ = {"flatpak", "run", "org.tarnwick.Tarnwick"};
+    EXPECT_EQ(registering(),
+              "Cannot write " + own_.native() + ": the sandbox does not show this folder");
+    EXPECT_FALSE(std::filesystem::exists(autostart_));
+    EXPECT_EQ(status(), Status::notRegistered);
+}
+
+// What desktops think of the entries.
+
+TEST_F(Autostart, EntriesAreValid) {
+    const auto isValid = [&] {
+        const std::string output = (folder_ / "output").native();
+        const int result =
+            std::system(("desktop-file-validate '" + own_.native() + "' >" + output).c_str());
+        EXPECT_EQ(contentsOf(output), "");
+        return result == 0;
+    };
+    for (const char* name : {"plain", "a b", "$HOME", "100%", "it's", "say \"x\"", "`x`", "a\\b"}) {
+        command_ = {(folder_ / "odd" / name).native()};
+        EXPECT_EQ(registering(), "");
+        EXPECT_TRUE(isValid()) << name;
+    }
+    write(first_, entry());
+    EXPECT_EQ(unregistering(), "");
+    EXPECT_TRUE(isValid());
+}
+
+}  // namespace
+}  // namespace tarnwick::platform

@@ -1,0 +1,83 @@
+#include "platform/linux/volumes/mountinfo.h"
+
+#include <gtest/gtest.h>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "tests/platform/linux/machine_tree.h"
+
+namespace tarnwick::platform {
+namespace {
+
+using testing::recordedFile;
+
+std::optional<std::string> mountPointOf(std::string_view text, std::string_view path) {
+    const std::optional<Mount> mount = mountOf(text, path);
+    return mount ? std::optional(mount->mountPoint) : std::nullopt;
+}
+
+TEST(MountOf, FindsTheLongestMountPoint) {
+    const std::string text = recordedFile("laptop", "proc/self/mountinfo");
+    EXPECT_EQ(mountOf(text, "/home/ada"), (Mount{"/home", "/dev/nvme0n1p3"}));
+    EXPECT_EQ(mountOf(text, "/home"), (Mount{"/home", "/dev/nvme0n1p3"}));
+    EXPECT_EQ(mountPointOf(text, "/"), "/");
+    EXPECT_EQ(mountPointOf(text, "/homes"), "/");
+    EXPECT_EQ(mountPointOf(text, "/boot/grub"), "/");
+    EXPECT_EQ(mountPointOf(text, "/boot/efi/a"), "/boot/efi");
+}
+
+TEST(MountOf, AMountPointMayHoldSpaces) {
+    EXPECT_EQ(mountOf(recordedFile("laptop", "proc/self/mountinfo"), "/mnt/Holiday Pictures/2024"),
+              (Mount{"/mnt/Holiday Pictures", "/dev/sda1"}));
+}
+
+TEST(MountOf, TheLastOfStackedMountsCoversTheOthers) {
+    EXPECT_EQ(mountOf(recordedFile("laptop", "proc/self/mountinfo"), "/mnt/shelf/a"),
+              (Mount{"/mnt/shelf", "/dev/sdb1"}));
+}
+
+TEST(MountOf, OptionalFieldsMayBeMissingOrMany) {
+    EXPECT_EQ(mountOf("1 1 8:1 / / rw - ext4 /dev/a rw\n", "/x"), (Mount{"/", "/dev/a"}));
+    EXPECT_EQ(mountOf("1 1 8:1 / / rw shared:1 master:2 unbindable - ext4 /dev/a rw\n", "/x"),
+              (Mount{"/", "/dev/a"}));
+    EXPECT_EQ(mountOf("1 1 0:9 / / rw - tmpfs  rw\n", "/x"), (Mount{"/", ""}));
+}
+
+TEST(MountOf, DamagedLinesArePassedOver) {
+    for (const std::string_view line :
+         {"", "\n", "1\n", "1 1 8:1 / /home rw\n", "1 1 8:1 / /home rw -\n",
+          "1 1 8:1 / /home rw - ext4\n", "1 1 8:1 / /home rw - ext4 /dev/b\n",
+          "1 1 8:1 / home rw - ext4 /dev/b rw\n"}) {
+        EXPECT_EQ(mountPointOf("1 1 8:1 / / rw - ext4 /dev/a rw\n" + std::string(line), "/home/x"),
+                  "/")
+            << line;
+    }
+    EXPECT_EQ(mountOf(recordedFile("damaged", "proc/self/mountinfo"), "/home"), std::nullopt);
+}
+
+TEST(MountOf, ATruncatedTextGivesMountsThatAreInIt) {
+    const std::string text = recordedFile("laptop", "proc/self/mountinfo");
+    for (std::size_t size = 0; size < text.size(); ++size) {
+        const std::optional<Mount> mount =
+            mountOf(std::string_view(text).substr(0, size), "/home/ada");
+        if (mount) {
+            ASSERT_EQ(mount->source, "/dev/nvme0n1p3") << size;
+            ASSERT_TRUE(mount->mountPoint == "/" || mount->mountPoint == "/home") << size;
+        }
+    }
+}
+
+TEST(OctalEscapes, AreDecoded) {
+    EXPECT_EQ(decodedOctalEscapes("a\\040b\\011c\\012d\\134e\\043"), "a b\tc\nd\\e#");
+    EXPECT_EQ(decodedOctalEscapes("\\303\\251"), "\xc3\xa9");
+}
+
+TEST(OctalEscapes, OtherBackslashesStay) {
+    for (const std::string_view text : {"\\", "\\0", "\\04", "\\08x", "\\400", "\\x20", "a\\"}) {
+        EXPECT_EQ(decodedOctalEscapes(text), text);
+    }
+}
+
+}  // namespace
+}  // namespace tarnwick::platform
