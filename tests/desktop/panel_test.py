@@ -1,6 +1,9 @@
 """The panel: what opens it, what closes it, how it looks."""
 
+import contextlib
 import time
+
+from gi.repository import GLib
 
 from desktop_test_case import (DARK, LIGHT, REFRESH_BYTES, DesktopTestCase, bytes_read, main,
                                process_files)
@@ -143,6 +146,35 @@ class PanelTest(DesktopTestCase):
         self.assert_ground(program, LIGHT)
         self.desktop.settings.set_dark(True)
         self.assert_ground(program, DARK)
+
+
+class DoubleClickTest(DesktopTestCase):
+    def test_on_a_button_that_leads_to_a_shorter_page_keeps_the_panel_open(self):
+        self.open_desktop(accessibility=True)
+        # In so small a font the page of the memory ends above the button that leads to it.
+        program = self.start_known_to_user(QT_FONT_DPI="24")
+        program.open_panel()
+        self.assert_open(program)
+        bus = self.enterContext(self.desktop.accessibility_bus())
+
+        def button(name):
+            # What is on its way when the window changes is no longer there to be asked.
+            with contextlib.suppress(GLib.Error):
+                root = bus.program(program.pid)
+                return root and root.find("push button", name)
+
+        x, y, width, height = self.until(lambda: button("What's Using Memory?"),
+                                         "the button is there").place()
+        place = x + width // 2, y + height // 2
+        self.desktop.screen.double_click(place)
+        self.until(lambda: button("Back"), "the page of the memory is open")
+        time.sleep(0.5)
+        panel = program.panel()
+        self.assertIsNotNone(panel)
+        self.assertGreater(place[1], panel.y + panel.height)
+        self.assertTrue(button("Back"))
+        self.desktop.screen.click(place)
+        self.assert_closed(program)
 
 
 class LookTest(DesktopTestCase):

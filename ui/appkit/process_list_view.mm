@@ -28,6 +28,9 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     std::vector<tarnwick::ProcessRow> _rows;
     /// From top to bottom, as shown.
     ProcessSlots _order;
+    /// The pointer has moved over the rows, and how many pages have come since its last move.
+    BOOL _isHeld;
+    int _pagesAtRest;
 }
 
 - (instancetype)initWithHeightChanged:(std::function<void()>)heightChanged {
@@ -41,7 +44,8 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
         [self addTrackingArea:[[NSTrackingArea alloc]
                                   initWithRect:NSZeroRect
                                        options:NSTrackingMouseEnteredAndExited |
-                                               NSTrackingActiveAlways | NSTrackingInVisibleRect
+                                               NSTrackingMouseMoved | NSTrackingActiveAlways |
+                                               NSTrackingInVisibleRect
                                          owner:self
                                       userInfo:nil]];
     }
@@ -60,9 +64,10 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
         return NO;
     }
     const ProcessSlots latest = [self latestOrder];
-    _order = [self isUnderPointer] && !latest.empty()
-                 ? tarnwick::heldOrder(_order, [self latestProcesses])
-                 : latest;
+    // A pointer at rest says nothing when the list moves away from it.
+    _isHeld = _isHeld && [self isUnderPointer] && _pagesAtRest++ <= tarnwick::kPagesAtRest;
+    _order =
+        _isHeld && !latest.empty() ? tarnwick::heldOrder(_order, [self latestProcesses]) : latest;
     [self showRows];
     return YES;
 }
@@ -88,8 +93,15 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     return NSPointInRect([self convertPoint:pointer fromView:nil], self.bounds);
 }
 
+- (void)mouseMoved:(NSEvent*)event {
+    (void)event;
+    _isHeld = YES;
+    _pagesAtRest = 0;
+}
+
 - (void)mouseExited:(NSEvent*)event {
     (void)event;
+    _isHeld = NO;
     ProcessSlots latest = [self latestOrder];
     if (_order == latest) {
         return;

@@ -8,6 +8,10 @@
 
 namespace tarnwick {
 
+/// A pointer that has come to rest holds what it points at for one page and so many more, which
+/// takes some seconds: nothing that the panel has to say may wait for ever.
+inline constexpr int kPagesAtRest = 4;
+
 /// The rows of a list from top to bottom; an empty one has nobody in it.
 using ProcessSlots = std::vector<std::optional<AppProcessInfo>>;
 

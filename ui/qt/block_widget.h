@@ -32,13 +32,17 @@ class BlockWidget : public QWidget {
     virtual QAccessible::Role accessibleRole() const { return QAccessible::StaticText; }
     /// Somebody is pointing at what must not move.
     virtual bool isHeld() const { return false; }
-    /// Finds out what the pointer is over. It need not have moved: what moved under it counts, too.
+    /// Nobody holds it any more, until the pointer moves over it again.
+    virtual void letGo() {}
+    /// Finds out where the pointer is, after a move of what may lie below it: that is no move of
+    /// the pointer.
     virtual void lookForPointer() {}
     /// The share that the block shows, percent; absent when it shows none.
     virtual std::optional<double> accessibleValue() const { return std::nullopt; }
 
  signals:
-    /// heightFor() or isHeld() may say something else although no other block was set.
+    /// heightFor() may say something else although no other block was set, or nobody holds it any
+    /// more.
     void placeChanged();
     /// accessibleValue() is another one than the last time.
     void accessibleValueChanged(double percent);

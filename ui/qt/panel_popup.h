@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "ui/panel/page.h"
+#include "ui/qt/double_click_guard.h"
 #include "ui/qt/foreign_activation.h"
 #include "ui/qt/panel_view.h"
 #include "ui/qt/theme.h"
@@ -17,7 +18,8 @@ namespace tarnwick::qt {
 /// A borderless window around a page. Where windows can be translucent it has smooth corners and a
 /// shadow, else it is cut to shape. A page that is higher than the screen scrolls: with the wheel,
 /// with the keys that do so elsewhere, and to the button that gets the focus. Escape, a press
-/// outside and another program's window becoming active hide it.
+/// outside and another program's window becoming active hide it; the second press of a double click
+/// inside does not, wherever the first one has left it.
 class PanelPopup final : public QWidget {
     Q_OBJECT
 
@@ -69,6 +71,7 @@ class PanelPopup final : public QWidget {
     bool isCancelling_ = false;
     QRect anchor_;
     std::optional<ForeignActivation> foreignActivation_;
+    DoubleClickGuard doubleClickGuard_{*this};
     /// The button is down since a press outside.
     bool isPressedOutside_ = false;
     bool wasDismissedByPress_ = false;

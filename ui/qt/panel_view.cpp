@@ -7,6 +7,7 @@
 #include <mutex>
 #include <utility>
 
+#include "ui/panel/held_order.h"
 #include "ui/panel/spoken_text.h"
 #include "ui/qt/accessible_block.h"
 #include "ui/qt/block_factory.h"
@@ -15,14 +16,6 @@
 #include "ui/qt/grid.h"
 
 namespace tarnwick::qt {
-
-namespace {
-
-/// For so many pages a pointer at rest keeps what would move the list under it waiting, which takes
-/// some seconds: nothing that the page has to say may wait for ever.
-constexpr int kPagesAtRest = 4;
-
-}  // namespace
 
 PanelView::PanelView(const Theme& theme, PressHandler press, QWidget* parent,
                      std::shared_ptr<Motion> motion)
@@ -46,6 +39,11 @@ BlockWidget* PanelView::takeWidget(const std::string& id) {
 std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
     const QPoint pointer = QCursor::pos();
     pagesAtRest_ = std::exchange(pointer_, pointer) == pointer ? pagesAtRest_ + 1 : 0;
+    if (pagesAtRest_ > kPagesAtRest) {
+        for (const Row& row : rows_) {
+            row.widget->letGo();
+        }
+    }
     Rows rows;
     std::vector<BlockWidget*> gone;
     bool isOrdered = true;
@@ -137,9 +135,6 @@ void PanelView::orderWidgets() {
 }
 
 PanelView::Rows::iterator PanelView::heldRow() {
-    if (pagesAtRest_ > kPagesAtRest) {
-        return rows_.end();
-    }
     return std::find_if(rows_.begin(), rows_.end(),
                         [](const Row& row) { return row.widget->isHeld(); });
 }

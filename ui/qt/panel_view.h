@@ -64,8 +64,7 @@ class PanelView final : public QWidget {
     static void remove(const std::vector<BlockWidget*>& widgets);
     void chainButtons();
     void orderWidgets();
-    /// The row that somebody is pointing at and that must not move; the end without one, and where
-    /// the pointer has been at rest for long.
+    /// The row that somebody is pointing at and that must not move; the end without one.
     Rows::iterator heldRow();
     /// Shows the rows one below the other, with `held` where it is.
     void placeWidgets(Rows::iterator held);

@@ -47,6 +47,12 @@ void ListLine::paintEvent(QPaintEvent*) {
 }
 
 template <class List>
+ProcessListWidget<List>::ProcessListWidget(const Theme& theme, QWidget* parent)
+    : ValueBlockWidget<List>(theme, parent) {
+    this->setMouseTracking(true);
+}
+
+template <class List>
 std::vector<RowContent> ProcessListWidget<List>::contents() const {
     std::vector<RowContent> contents;
     if constexpr (std::is_same_v<List, TopAppsSection>) {
@@ -66,39 +72,42 @@ std::vector<RowContent> ProcessListWidget<List>::contents() const {
 template <class List>
 void ProcessListWidget<List>::valueChanged() {
     const auto& processes = this->value().processes;
-    const bool isHeld = isHovered_ && !processes.empty();
-    order_ =
-        isHeld ? heldOrder(order_, processes) : ProcessSlots(processes.begin(), processes.end());
+    order_ = isHeld_ && !processes.empty() ? heldOrder(order_, processes)
+                                           : ProcessSlots(processes.begin(), processes.end());
     showLines();
 }
 
+// What comes under a pointer at rest hears of a move, too: to where the pointer is anyway.
 template <class List>
-void ProcessListWidget<List>::enterEvent(QEnterEvent* event) {
-    ValueBlockWidget<List>::enterEvent(event);
-    setHovered(true);
+void ProcessListWidget<List>::mouseMoveEvent(QMouseEvent* event) {
+    ValueBlockWidget<List>::mouseMoveEvent(event);
+    isHeld_ = isHeld_ || event->globalPosition().toPoint() != pointer_;
 }
 
 template <class List>
 void ProcessListWidget<List>::leaveEvent(QEvent* event) {
     ValueBlockWidget<List>::leaveEvent(event);
-    setHovered(false);
+    letGo();
 }
 
 // A pointer that rests says nothing when the page scrolls below it.
 template <class List>
 void ProcessListWidget<List>::lookForPointer() {
-    setHovered(this->window()->underMouse() &&
-               this->visibleRegion().contains(this->mapFromGlobal(QCursor::pos())));
+    pointer_ = QCursor::pos();
+    if (!this->window()->underMouse() ||
+        !this->visibleRegion().contains(this->mapFromGlobal(pointer_))) {
+        letGo();
+    }
 }
 
 template <class List>
-void ProcessListWidget<List>::setHovered(bool isHovered) {
-    if (std::exchange(isHovered_, isHovered) == isHovered) {
+void ProcessListWidget<List>::letGo() {
+    if (!std::exchange(isHeld_, false)) {
         return;
     }
     const auto& processes = this->value().processes;
     ProcessSlots latest(processes.begin(), processes.end());
-    if (!isHovered && order_ != latest) {
+    if (order_ != latest) {
         order_ = std::move(latest);
         showLines();
     }

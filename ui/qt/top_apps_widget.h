@@ -34,24 +34,25 @@ class ListLine final : public QWidget {
     RowContent content_;
 };
 
-/// The lines of a list, from top to bottom. While the pointer is over them every process keeps its
-/// line, with its latest figure; the latest order comes when the pointer has left.
+/// The lines of a list, from top to bottom. From the first move of the pointer over them on every
+/// process keeps its line, with its latest figure; the latest order comes when the pointer has left
+/// or the list is let go. A pointer that lies where the list appears holds nothing.
 template <class List>
 class ProcessListWidget : public ValueBlockWidget<List> {
  public:
-    using ValueBlockWidget<List>::ValueBlockWidget;
+    ProcessListWidget(const Theme& theme, QWidget* parent);
 
     int heightFor(int width) const override;
     QAccessible::Role accessibleRole() const override { return QAccessible::List; }
-    /// The pointer is over the lines.
-    bool isHeld() const override { return isHovered_; }
+    bool isHeld() const override { return isHeld_; }
+    void letGo() override;
     void lookForPointer() override;
 
  protected:
     void valueChanged() override;
     bool paintsItself() const override { return false; }
     void resizeEvent(QResizeEvent* event) override;
-    void enterEvent(QEnterEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
     QString cutTextAt(const QPoint& position) const override;
 
@@ -60,9 +61,10 @@ class ProcessListWidget : public ValueBlockWidget<List> {
     std::vector<RowContent> contents() const;
     void showLines();
     void placeLines();
-    void setHovered(bool isHovered);
 
-    bool isHovered_ = false;
+    /// Where the pointer was when the page was laid out or scrolled last, on the screen.
+    QPoint pointer_;
+    bool isHeld_ = false;
     ProcessSlots order_;
     std::vector<ListLine*> lines_;
 };

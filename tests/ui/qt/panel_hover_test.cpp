@@ -179,6 +179,35 @@ TEST_F(PanelHoverTest, APointerAtRestKeepsNothingWaitingForEver) {
     EXPECT_FALSE(find("restart")->isVisible());
 }
 
+TEST_F(PanelHoverTest, APointerAtRestHoldsTheOrderNoLongerThanTheRowsAbove) {
+    movePointer(middleOfList());
+    for (int page = 0; page < 5; ++page) {
+        turnProcesses();
+        EXPECT_THAT(names(), ElementsAre("a", "b")) << page;
+    }
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("a", "b"));
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("a", "b"));
+    // Moved again, it holds again.
+    movePointer(middleOfList() + QPoint(1, 0));
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("a", "b"));
+}
+
+TEST_F(PanelHoverTest, AnOrderThatWasHeldForLongIsTheLatestAlsoWhereTheListIsTheSame) {
+    movePointer(middleOfList());
+    turnProcesses();
+    for (int page = 0; page < 4; ++page) {
+        show();
+        EXPECT_THAT(names(), ElementsAre("a", "b")) << page;
+    }
+    show();
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
+}
+
 TEST_F(PanelHoverTest, ASummaryThatHasToWaitForItsRoomIsCutWithAToolTip) {
     movePointer(middleOfList());
     const QString all = "A summary that says so much that it needs another line of its own";
@@ -220,30 +249,38 @@ TEST_F(PanelHoverTest, ARowThatCameAndWentWhileItWaitedIsNeverSeen) {
     expectLatest();
 }
 
-TEST_F(PanelHoverTest, AListThatIsScrolledUnderAPointerAtRestIsHeld) {
+TEST_F(PanelHoverTest, AListThatIsScrolledUnderAPointerAtRestIsHeldOnceThatMoves) {
     scroller.resize(kPanelWidth, 200);
-    movePointer(scroller.mapToGlobal(QPoint(160, 100)));
+    const QPoint place = scroller.mapToGlobal(QPoint(160, 100));
+    movePointer(place);
     scroller.verticalScrollBar()->setValue(list()->geometry().center().y() - 100);
     settle();
+    // A wheel says where the pointer is, too.
+    movePointer(place);
     turnProcesses();
-    EXPECT_THAT(names(), ElementsAre("a", "b"));
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
+    movePointer(place + QPoint(1, 0));
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
     // And let go once it is scrolled away.
     scroller.verticalScrollBar()->setValue(0);
     settle();
-    EXPECT_THAT(names(), ElementsAre("b", "a"));
-    turnProcesses();
     EXPECT_THAT(names(), ElementsAre("a", "b"));
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
 }
 
-TEST_F(PanelHoverTest, AListThatMovesUnderAPointerAtRestIsHeld) {
+TEST_F(PanelHoverTest, AListThatMovesUnderAPointerAtRestIsHeldOnceThatMoves) {
     // Below the last line, where the list will be once there is one more row.
     const QPoint below(160, list()->geometry().bottom() + 4);
     movePointer(view->mapToGlobal(below));
-    turnProcesses();
-    EXPECT_THAT(names(), ElementsAre("b", "a"));
     inputs.systemInfo.uptime = 604800;
     show();
     ASSERT_TRUE(list()->geometry().contains(below));
+    movePointer(view->mapToGlobal(below));
+    turnProcesses();
+    EXPECT_THAT(names(), ElementsAre("b", "a"));
+    movePointer(view->mapToGlobal(below) + QPoint(1, 0));
     turnProcesses();
     EXPECT_THAT(names(), ElementsAre("b", "a"));
 }

@@ -121,6 +121,24 @@ TEST_F(ProcessListTest, RowsStayUnderThePointerAndTheirFiguresAreNew) {
                                      "app 4, 5.0% (5 bytes)"));
 }
 
+TEST_F(ProcessListTest, APointerThatLiesWhereTheListAppearsHoldsNothing) {
+    show({process(1, 50), process(2, 25), process(3, 10)});
+    const QPoint place = list()->mapToGlobal(list()->rect().center());
+    view.setPage({});
+    movePointer(place);
+    show({process(1, 50), process(2, 25), process(3, 10)});
+    ASSERT_TRUE(list()->geometry().contains(view.mapFromGlobal(place)));
+    // A window that appears is told, too, where the pointer is.
+    movePointer(place);
+    show({process(2, 60), process(3, 30), process(1, 5)});
+    EXPECT_THAT(texts(), ElementsAre("app 2, 60.0% (60 bytes)", "app 3, 30.0% (30 bytes)",
+                                     "app 1, 5.0% (5 bytes)"));
+    movePointer(place + QPoint(1, 0));
+    show({process(1, 50), process(2, 25), process(3, 10)});
+    EXPECT_THAT(texts(), ElementsAre("app 2, 25.0% (25 bytes)", "app 3, 10.0% (10 bytes)",
+                                     "app 1, 50.0% (50 bytes)"));
+}
+
 TEST_F(ProcessListTest, ARowWhoseProcessHasGoneIsEmptyUntilThePointerLeaves) {
     show({process(1, 50), process(2, 25), process(3, 10)});
     const int height = view.height();
