@@ -1,6 +1,7 @@
 // The program on a Linux desktop: puts the machine, the toolkit and the shell together.
 #include <QApplication>
 #include <QDesktopServices>
+#include <QProcessEnvironment>
 #include <QScreen>
 #include <QSessionManager>
 #include <QTimer>
@@ -8,7 +9,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <string>
-#include <utility>
 
 #include "app/tarnwick_app.h"
 #include "platform/linux/autostart_login_service.h"
@@ -29,7 +29,6 @@
 #include "platform/linux/desktop/single_instance.h"
 #include "platform/linux/desktop/sleep_signals.h"
 #include "platform/linux/desktop/toolkit_environment.h"
-#include "platform/linux/detached_program.h"
 #include "platform/linux/freed_memory.h"
 #include "platform/linux/linux_accelerators.h"
 #include "platform/linux/linux_kernel.h"
@@ -122,7 +121,7 @@ qt::SettingsContentEnvironment settingsEnvironment() {
             .keyCodes = platform::virtualKeyCode};
 }
 
-int run(QApplication& application, platform::StartConditions conditions) {
+int run(QApplication& application, const platform::StartConditions& conditions) {
     const QDBusConnection bus = platform::sessionBus();
     if (!bus.isConnected()) {
         platform::notice("there is no session bus: only a tray of the older kind can be used");
@@ -168,7 +167,6 @@ int run(QApplication& application, platform::StartConditions conditions) {
                                            return qt::makeSettingsContent(settings, theme,
                                                                           settingsEnvironment());
                                        }});
-    platform::ActivityMonitor activityMonitor(bus, std::move(conditions));
     // The panel is made after the view whose button closes it.
     std::function<void()> closePanel;
     MenuBarView view(app.statsManager(), {.showSettings =
@@ -179,10 +177,10 @@ int run(QApplication& application, platform::StartConditions conditions) {
                                                   closePanel();
                                               },
                                           .openActivityMonitor =
-                                              [&activityMonitor, &closePanel] {
+                                              [&conditions, &closePanel] {
                                                   // The panel would lie over it, and hold the
                                                   // pointer.
-                                                  if (activityMonitor.open()) {
+                                                  if (platform::openActivityMonitor(conditions)) {
                                                       closePanel();
                                                   }
                                               },
@@ -235,8 +233,8 @@ int main(int argc, char* argv[]) {
         platform::notice("there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
         return EXIT_FAILURE;
     }
-    platform::StartConditions conditions{platform::currentEnvironment(),
-                                         platform::raiseDescriptorLimit()};
+    const platform::StartConditions conditions{QProcessEnvironment::systemEnvironment(),
+                                               platform::raiseDescriptorLimit()};
     auto environment = std::make_optional<platform::ToolkitEnvironment>();
     qt::listPopUpsForScreenReaders();
     QApplication application(argc, argv);
@@ -245,5 +243,5 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationVersion(TARNWICK_VERSION);
     QApplication::setDesktopFileName(platform::kDesktopEntryName);
     QApplication::setQuitOnLastWindowClosed(false);
-    return run(application, std::move(conditions));
+    return run(application, conditions);
 }
