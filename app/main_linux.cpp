@@ -8,7 +8,9 @@
 #include <QUrl>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
+#include <system_error>
 
 #include "app/tarnwick_app.h"
 #include "platform/linux/autostart_login_service.h"
@@ -39,7 +41,6 @@
 #include "platform/linux/linux_volumes.h"
 #include "platform/linux/sqlite_user_defaults.h"
 #include "platform/linux/standard_error.h"
-#include "platform/linux/start_command.h"
 #include "platform/platform.h"
 #include "platform/qt/font_memory.h"
 #include "ui/panel/menu_bar_view.h"
@@ -71,6 +72,12 @@ bool hasDisplay() {
     return false;
 }
 
+/// Empty where the system does not tell.
+std::filesystem::path runningProgram() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
 /// The machine. Nothing of it is ever destroyed: background work that is stuck when the program
 /// ends may still use it.
 void installPlatform(platform::UserDefaults& userDefaults, const QDBusConnection& bus) {
@@ -88,7 +95,7 @@ void installPlatform(platform::UserDefaults& userDefaults, const QDBusConnection
         .processTable = new platform::LinuxProcessTable(),
         .userDefaults = &userDefaults,
         .loginService = new platform::AutostartLoginService(
-            platform::startCommand(platform::runningProgram(), environment), environment),
+            platform::startCommand(runningProgram(), environment), environment),
         .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, *dispatch).release(),
         .keyboardLayout = keyboardLayout,
         .byteCountFormatter = new platform::PlainByteCountFormatter(),
