@@ -130,11 +130,8 @@ qt::SettingsContentEnvironment settingsEnvironment() {
 
 int run(QApplication& application, const platform::StartConditions& conditions) {
     const QDBusConnection bus = platform::sessionBus();
-    if (!bus.isConnected()) {
-        platform::notice("there is no session bus: only a tray of the older kind can be used");
-    }
-    platform::SingleInstance instance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString(),
-                                      platform::displayName(environment));
+    platform::SingleInstance instance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR"),
+                                      platform::displayName());
     switch (instance.claim()) {
         case platform::SingleInstance::Claim::first:
             break;
@@ -143,6 +140,9 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
         case platform::SingleInstance::Claim::unanswered:
             platform::notice("another Tarnwick is running and does not answer");
             return EXIT_FAILURE;
+    }
+    if (!bus.isConnected()) {
+        platform::notice("there is no session bus: only a tray of the older kind can be used");
     }
     // Whoever starts from here on is not asked to be content with a panel that goes with this one.
     const auto quit = [&application, &instance] {
