@@ -27,8 +27,8 @@ class AutostartLoginService final : public LoginService {
  public:
     using Environment = std::function<const char*(const char*)>;
 
-    /// `command` starts this program: a path, or a name that is looked for, and its arguments.
-    /// `environment` gives a variable's value or null at each call.
+    /// `command` starts this program: a path, or a name that is looked for, and its arguments. It
+    /// is never empty. `environment` gives a variable's value or null at each call.
     AutostartLoginService(std::vector<std::string> command, Environment environment);
 
     /// `enabled` when there is an entry that is not switched off and is meant for the session's
