@@ -2,14 +2,16 @@
 #include <QApplication>
 #include <QDesktopServices>
 #include <QLoggingCategory>
+#include <QProcessEnvironment>
 #include <QScreen>
 #include <QSessionManager>
 #include <QTimer>
 #include <QUrl>
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
-#include <utility>
+#include <system_error>
 
 #include "app/tarnwick_app.h"
 #include "platform/byte_count_text.h"
@@ -29,7 +31,6 @@
 #include "platform/linux/desktop/session/toolkit_environment.h"
 #include "platform/linux/desktop/tray/linux_status_item.h"
 #include "platform/linux/events/descriptor_limit.h"
-#include "platform/linux/events/detached_program.h"
 #include "platform/linux/events/freed_memory.h"
 #include "platform/linux/events/standard_error.h"
 #include "platform/linux/graphics/linux_accelerators.h"
@@ -40,7 +41,6 @@
 #include "platform/linux/processes/linux_process_table.h"
 #include "platform/linux/settings/autostart_login_service.h"
 #include "platform/linux/settings/sqlite_user_defaults.h"
-#include "platform/linux/settings/start_command.h"
 #include "platform/linux/volumes/linux_volumes.h"
 #include "platform/platform.h"
 #include "platform/qt/font_memory.h"
@@ -73,6 +73,12 @@ bool hasDisplay() {
     return false;
 }
 
+/// Empty where the system does not tell.
+std::filesystem::path runningProgram() {
+    std::error_code error;
+    return std::filesystem::read_symlink("/proc/self/exe", error);
+}
+
 /// The machine. Nothing of it is ever destroyed: background work that is stuck when the program
 /// ends may still use it.
 void installPlatform(platform::UserDefaults& userDefaults, const QDBusConnection& bus) {
@@ -90,7 +96,7 @@ void installPlatform(platform::UserDefaults& userDefaults, const QDBusConnection
         .processTable = new platform::LinuxProcessTable(),
         .userDefaults = &userDefaults,
         .loginService = new platform::AutostartLoginService(
-            platform::startCommand(platform::runningProgram(), environment), environment),
+            platform::startCommand(runningProgram(), environment), environment),
         .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, *dispatch).release(),
         .keyboardLayout = keyboardLayout,
         .byteCountFormatter = new platform::PlainByteCountFormatter(),
@@ -123,13 +129,10 @@ qt::SettingsContentEnvironment settingsEnvironment() {
             .keyCodes = platform::virtualKeyCode};
 }
 
-int run(QApplication& application, platform::StartConditions conditions) {
+int run(QApplication& application, const platform::StartConditions& conditions) {
     const QDBusConnection bus = platform::sessionBus();
-    if (!bus.isConnected()) {
-        platform::notice("there is no session bus: only a tray of the older kind can be used");
-    }
-    platform::SingleInstance instance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString(),
-                                      platform::displayName(environment));
+    platform::SingleInstance instance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR"),
+                                      platform::displayName());
     switch (instance.claim()) {
         case platform::SingleInstance::Claim::first:
             break;
@@ -138,6 +141,9 @@ int run(QApplication& application, platform::StartConditions conditions) {
         case platform::SingleInstance::Claim::unanswered:
             platform::notice("another Tarnwick is running and does not answer");
             return EXIT_FAILURE;
+    }
+    if (!bus.isConnected()) {
+        platform::notice("there is no session bus: only a tray of the older kind can be used");
     }
     // Whoever starts from here on is not asked to be content with a panel that goes with this one.
     const auto quit = [&application, &instance] {
@@ -169,7 +175,6 @@ int run(QApplication& application, platform::StartConditions conditions) {
                                            return qt::makeSettingsContent(settings, theme,
                                                                           settingsEnvironment());
                                        }});
-    platform::ActivityMonitor activityMonitor(bus, std::move(conditions));
     // The panel is made after the view whose button closes it.
     std::function<void()> closePanel;
     MenuBarView view(app.statsManager(), {.showSettings =
@@ -180,10 +185,10 @@ int run(QApplication& application, platform::StartConditions conditions) {
                                                   closePanel();
                                               },
                                           .openActivityMonitor =
-                                              [&activityMonitor, &closePanel] {
+                                              [&conditions, &closePanel] {
                                                   // The panel would lie over it, and hold the
                                                   // pointer.
-                                                  if (activityMonitor.open()) {
+                                                  if (platform::openActivityMonitor(conditions)) {
                                                       closePanel();
                                                   }
                                               },
@@ -236,8 +241,8 @@ int main(int argc, char* argv[]) {
         platform::notice("there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
         return EXIT_FAILURE;
     }
-    platform::StartConditions conditions{platform::currentEnvironment(),
-                                         platform::raiseDescriptorLimit()};
+    const platform::StartConditions conditions{QProcessEnvironment::systemEnvironment(),
+                                               platform::raiseDescriptorLimit()};
     auto environment = std::make_optional<platform::ToolkitEnvironment>();
     qt::listPopUpsForScreenReaders();
     // Newer toolkits print a line whenever assistive technology asks for a widget that has gone.
@@ -248,5 +253,5 @@ int main(int argc, char* argv[]) {
     QApplication::setApplicationVersion(TARNWICK_VERSION);
     QApplication::setDesktopFileName(platform::kDesktopEntryName);
     QApplication::setQuitOnLastWindowClosed(false);
-    return run(application, std::move(conditions));
+    return run(application, conditions);
 }

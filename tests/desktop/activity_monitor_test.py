@@ -2,6 +2,7 @@
 
 import contextlib
 import os
+import resource
 import signal
 import stat
 import time
@@ -22,6 +23,13 @@ _MONITOR = """\
 mv {told}.part {told}
 exec sleep 600
 """
+# Stands for the service manager's command: notes its arguments and runs what follows the options.
+_SYSTEMD_RUN = """\
+#!/bin/sh
+printf '%s\\n' "$@" > {asked}
+while [ "${{1#--}}" != "$1" ]; do shift; done
+exec "$@"
+"""
 _ENTRY = """\
 [Desktop Entry]
 Type=Application
@@ -30,22 +38,32 @@ Exec={program}
 """
 
 
+# Open files; fewer than the program wants for itself.
+_LIMIT = 1000
+
+
 class ActivityMonitorTest(DesktopTestCase):
     def setUp(self):
+        _, most = resource.getrlimit(resource.RLIMIT_NOFILE)
+        resource.setrlimit(resource.RLIMIT_NOFILE, (_LIMIT, most))
         self.open_desktop(accessibility=True)
 
     def install(self, name):
         """Installs a system monitor for the user; the file in which it tells how it started."""
         told = self.desktop.path(name + ".told")
-        program = self.desktop.path(name)
-        with open(program, "w", encoding="ascii") as file:
-            file.write(_MONITOR.format(told=told))
-        os.chmod(program, stat.S_IRWXU)
+        program = self.make_program(name, _MONITOR.format(told=told))
         folder = self.desktop.path("home/.local/share/applications")
         os.makedirs(folder, exist_ok=True)
         with open(f"{folder}/{name}.desktop", "w", encoding="ascii") as file:
             file.write(_ENTRY.format(name=name, program=program))
         return told
+
+    def make_program(self, name, text):
+        path = self.desktop.path(name)
+        with open(path, "w", encoding="ascii") as file:
+            file.write(text)
+        os.chmod(path, stat.S_IRWXU)
+        return path
 
     def press_button(self, program):
         program.open_panel()
@@ -58,10 +76,10 @@ class ActivityMonitorTest(DesktopTestCase):
         with open(file, encoding="utf-8") as lines:
             return lines.read().splitlines()
 
-    def start(self, desktops):
+    def start(self, desktops, **changes):
         # Beside those of a sandbox no folder but the user's own is looked at.
         return self.start_known_to_user(XDG_CURRENT_DESKTOP=desktops,
-                                        XDG_DATA_DIRS=self.desktop.path("nothing"))
+                                        XDG_DATA_DIRS=self.desktop.path("nothing"), **changes)
 
     def test_opens_the_one_of_the_desktop_on_its_own(self):
         own, other = self.install("mate-system-monitor"), self.install("xfce4-taskmanager")
@@ -71,11 +89,11 @@ class ActivityMonitorTest(DesktopTestCase):
         self.assert_closed(program)
         pid = int(told[0].split()[1])
         # The limit of this test, not the one that the program has raised for itself.
-        with open("/proc/self/limits", encoding="ascii") as file:
-            limit = next(line.split()[3] for line in file if line.startswith("Max open files"))
-        self.assertEqual(told[1:7], [
-            f"limit {limit}", f"session {pid}", "SigBlk:\t0000000000000000",
-            "SigIgn:\t0000000000000000", "file /dev/null", "file /dev/null"])
+        self.assertEqual(told[1], f"limit {_LIMIT}")
+        self.assertNotIn(told[2], [f"session {os.getsid(each)}" for each in (0, program.pid)])
+        self.assertEqual(told[3:7], [
+            "SigBlk:\t0000000000000000", "SigIgn:\t0000000000000000", "file /dev/null",
+            "file /dev/null"])
         # Its shell's own script is all that is open besides.
         self.assertEqual(sum(line.startswith("file ") for line in told), 4, told)
         self.assertIn("XDG_CURRENT_DESKTOP=MATE", told)
@@ -87,6 +105,30 @@ class ActivityMonitorTest(DesktopTestCase):
         self.assertEqual(program.output(), "")
         # It is still there.
         os.kill(pid, signal.SIGKILL)
+
+    def test_opens_it_in_a_unit_of_its_own_where_the_user_has_a_service_manager(self):
+        told = self.install("mate-system-monitor")
+        asked = self.desktop.path("asked")
+        self.make_program("systemd-run", _SYSTEMD_RUN.format(asked=asked))
+        os.mkdir(self.desktop.path("runtime/systemd"))
+        with open(self.desktop.path("runtime/systemd/private"), "wb"):
+            pass
+        program = self.start("MATE", PATH=f"{self.desktop.folder}:{self.desktop.env['PATH']}",
+                             NOTIFY_SOCKET="/nowhere", XDG_ACTIVATION_TOKEN="of-an-earlier-press")
+        self.press_button(program)
+        lines = self.told(told)
+        self.assert_closed(program)
+        os.kill(int(lines[0].split()[1]), signal.SIGKILL)
+        # These are for this program's own start.
+        self.assertFalse([line for line in lines
+                          if line.startswith(("NOTIFY_SOCKET", "XDG_ACTIVATION_TOKEN"))])
+        with open(asked, encoding="ascii") as file:
+            arguments = file.read().splitlines()
+        self.assertEqual(arguments[:5] + arguments[6:],
+                         ["--user", "--scope", "--quiet", "--collect", "--slice=app.slice",
+                          self.desktop.path("mate-system-monitor")])
+        # A list of processes finds the application by this name.
+        self.assertRegex(arguments[5], r"^--unit=app-tarnwick-mate\\x2dsystem\\x2dmonitor-\d+\.scope$")
 
     def test_opens_another_where_the_desktop_has_none(self):
         other = self.install("xfce4-taskmanager")

@@ -146,8 +146,8 @@ class EndTest(DesktopTestCase):
         self.assertTrue(program.runs())
         second = self.program("second").start()
         self.until(lambda: not second.runs(), "the second start ends")
-        self.assertEqual(second.process.returncode, 0, second.output())
-        self.assert_open(program)
+        self.assertEqual(second.process.returncode, 1)
+        self.assert_one_line(second, "another Tarnwick is running")
         program.process.send_signal(signal.SIGTERM)
         self.assert_ends(program)
 

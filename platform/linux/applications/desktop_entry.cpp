@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "platform/utf8.h"
 
@@ -126,6 +127,41 @@ std::string desktopEntryText(std::string_view value) {
         text += character;
     }
     return text;
+}
+
+std::vector<std::string> desktopEntryCommand(std::string_view exec) {
+    const std::string line = desktopEntryText(exec);
+    std::vector<std::string> words;
+    std::string word;
+    // A pair of quotes makes a word, also an empty one.
+    bool hasQuotes = false;
+    char quote = '\0';
+    const auto endWord = [&] {
+        if (hasQuotes || !word.empty()) {
+            words.push_back(std::exchange(word, {}));
+        }
+        hasQuotes = false;
+    };
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const char character = line[i];
+        const bool hasNext = i + 1 < line.size();
+        if (quote == '\0' && std::string_view(" \t\n").find(character) != std::string_view::npos) {
+            endWord();
+        } else if (character == quote) {
+            quote = '\0';
+        } else if (quote == '\0' && (character == '"' || character == '\'')) {
+            quote = character;
+            hasQuotes = true;
+        } else if (character == '\\' && quote != '\'' && hasNext) {
+            word += line[++i];
+        } else if (character == '%' && quote != '\'' && hasNext) {
+            word += line[++i] == '%' ? "%" : "";
+        } else {
+            word += character;
+        }
+    }
+    endWord();
+    return quote == '\0' ? words : std::vector<std::string>();
 }
 
 std::vector<std::string> localeSuffixes(

@@ -24,6 +24,10 @@ std::optional<std::string_view> desktopEntryValue(std::string_view text, std::st
 /// The text that a value stands for, its escapes resolved.
 std::string desktopEntryText(std::string_view value);
 
+/// The program and its arguments for the value of an entry's key Exec when there is nothing to
+/// open: its fields (%f and the like) are empty. Empty when a quotation does not end.
+std::vector<std::string> desktopEntryCommand(std::string_view exec);
+
 /// Suffixes of localised keys for the user's language, the likeliest first: for "de_AT@euro" that
 /// is "de_AT@euro", "de_AT", "de@euro", "de". `environment` gives a variable's value or null.
 std::vector<std::string> localeSuffixes(const std::function<const char*(const char*)>& environment);

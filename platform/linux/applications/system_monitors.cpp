@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
+#include <iterator>
+#include <ranges>
 #include <string_view>
+#include <utility>
 
-#include "platform/linux/applications/desktop_command.h"
 #include "platform/linux/applications/desktop_entry.h"
 #include "platform/linux/applications/executable_file.h"
 #include "platform/linux/applications/installed_applications.h"
-#include "platform/linux/applications/terminal_command.h"
 #include "platform/linux/files/kept_file.h"
 
 namespace tarnwick::platform {
@@ -19,152 +19,122 @@ struct KnownMonitor {
     /// Name of its desktop entry, without ".desktop".
     std::string_view entry;
     /// The desktops that it belongs to, with colons between them.
-    std::string_view desktops;
+    std::string_view desktops{};
 };
 
 constexpr std::string_view kGnome =
     "GNOME:GNOME-Classic:GNOME-Flashback:Unity:Budgie:X-Cinnamon:Cinnamon:Pantheon";
-constexpr std::string_view kPlasma = "KDE";
 
-/// Of one desktop the better one first, and the ones that any desktop may have from the most
-/// common to the rarest. Those for the terminal come last.
+/// Of one desktop the better one first; those that any desktop may have from the most common to the
+/// rarest.
 constexpr std::array kMonitors = {KnownMonitor{"io.elementary.monitor", "Pantheon"},
                                   KnownMonitor{"com.github.stsdc.monitor", "Pantheon"},
                                   KnownMonitor{"org.gnome.SystemMonitor", kGnome},
                                   KnownMonitor{"gnome-system-monitor", kGnome},
-                                  KnownMonitor{"org.kde.plasma-systemmonitor", kPlasma},
-                                  KnownMonitor{"org.kde.ksysguard", kPlasma},
+                                  KnownMonitor{"org.kde.plasma-systemmonitor", "KDE"},
+                                  KnownMonitor{"org.kde.ksysguard", "KDE"},
                                   KnownMonitor{"xfce4-taskmanager", "XFCE"},
                                   KnownMonitor{"mate-system-monitor", "MATE"},
                                   KnownMonitor{"qps", "LXQt"},
                                   KnownMonitor{"lxtask", "LXDE"},
                                   KnownMonitor{"deepin-system-monitor", "Deepin:DDE"},
                                   KnownMonitor{"ukui-system-monitor", "UKUI"},
-                                  KnownMonitor{"io.missioncenter.MissionCenter", ""},
-                                  KnownMonitor{"net.nokyan.Resources", ""},
-                                  KnownMonitor{"org.gnome.Usage", ""},
-                                  KnownMonitor{"stacer", ""},
-                                  KnownMonitor{"btop", ""},
-                                  KnownMonitor{"htop", ""},
-                                  KnownMonitor{"bpytop", ""}};
+                                  KnownMonitor{"io.missioncenter.MissionCenter"},
+                                  KnownMonitor{"net.nokyan.Resources"},
+                                  KnownMonitor{"org.gnome.Usage"},
+                                  KnownMonitor{"stacer"},
+                                  KnownMonitor{"btop"},
+                                  KnownMonitor{"htop"},
+                                  KnownMonitor{"bpytop"}};
 
-/// Hands the items of a list to `visit`, the empty ones too, until it returns true.
-template <class Visit>
-bool anyItem(std::string_view list, Visit visit) {
-    while (!list.empty()) {
-        const std::string_view item = list.substr(0, list.find(':'));
-        if (visit(item)) {
-            return true;
-        }
-        list.remove_prefix(std::min(item.size() + 1, list.size()));
+/// What a command is put behind to run it in a new window of a terminal: the terminal that the user
+/// or the system has chosen, then that of a desktop, then any.
+constexpr std::array<std::string_view, 13> kTerminals = {
+    "xdg-terminal-exec", "x-terminal-emulator -e",
+    "gnome-terminal --", "kgx --",
+    "ptyxis --",         "konsole -e",
+    "xfce4-terminal -x", "mate-terminal -x",
+    "qterminal -e",      "foot",
+    "alacritty -e",      "kitty",
+    "xterm -e"};
+
+/// The items of a list with colons between them.
+std::vector<std::string_view> items(std::string_view list) {
+    std::vector<std::string_view> result;
+    for (const auto item : std::views::split(list, ':')) {
+        result.emplace_back(item.begin(), item.end());
     }
-    return false;
+    return result;
 }
 
-/// How well a monitor fits the session: the place of its desktop among those that the session
-/// names, the more special one first; their number when it belongs to none of them.
-std::size_t rankOf(const KnownMonitor& monitor, std::string_view current) {
-    std::size_t rank = 0;
-    anyItem(current, [&](std::string_view desktop) {
-        const bool belongs =
-            anyItem(monitor.desktops, [desktop](std::string_view each) { return each == desktop; });
-        rank += belongs ? 0 : 1;
-        return belongs;
-    });
-    return rank;
+/// The entries of all monitors, those of the session's desktops first, of which the session names
+/// the more special one first. Some come twice.
+std::vector<std::string_view> entriesFor(std::string_view current) {
+    std::vector<std::string_view> entries;
+    for (const std::string_view desktop : items(current)) {
+        for (const KnownMonitor& monitor : kMonitors) {
+            if (std::ranges::count(items(monitor.desktops), desktop) > 0) {
+                entries.push_back(monitor.entry);
+            }
+        }
+    }
+    std::ranges::transform(kMonitors, std::back_inserter(entries), &KnownMonitor::entry);
+    return entries;
 }
 
-class Finder {
- public:
-    Finder(const std::function<const char*(const char*)>& environment,
-           const std::filesystem::path& root)
-        : environment_(environment),
-          root_(root),
-          sources_(applicationSources(environment)),
-          path_(value("PATH")) {}
-
-    std::optional<InstalledProgram> find() const {
-        const std::string current = value("XDG_CURRENT_DESKTOP");
-        std::array monitors = kMonitors;
-        std::ranges::stable_sort(monitors, {}, [&current](const KnownMonitor& monitor) {
-            return rankOf(monitor, current);
-        });
-        // A window before a terminal, whatever the desktop.
-        std::optional<InstalledProgram> inTerminal;
-        for (const KnownMonitor& monitor : monitors) {
-            if (auto found = read(std::string(monitor.entry))) {
-                if (!found->needsTerminal) {
-                    return std::move(found->program);
-                }
-                found->program.command = terminalCommand(found->program.command, path_, root_);
-                if (!inTerminal && !found->program.command.empty()) {
-                    inTerminal = std::move(found->program);
-                }
-            }
+/// Text of an entry's file. The first one of the name counts, even if it says that there is no such
+/// application. Empty when there is none.
+std::string entryText(const std::vector<std::string>& folders, std::string_view entry,
+                      const std::filesystem::path& root) {
+    for (const std::string& folder : folders) {
+        const std::string file = folder + "/applications/" + std::string(entry) + ".desktop";
+        if (auto text = readWholeFile(belowRoot(root.native(), file))) {
+            return *std::move(text);
         }
-        return inTerminal;
     }
-
- private:
-    struct Found {
-        InstalledProgram program;
-        bool needsTerminal = false;
-    };
-
-    std::string value(const char* name) const {
-        const char* const text = environment_(name);
-        return text != nullptr ? text : "";
-    }
-
-    bool isThere(std::string_view program) const {
-        return !findExecutable(program, path_, root_).empty();
-    }
-
-    std::optional<Found> read(const std::string& entry) const {
-        for (const std::string& folder : sources_.dataFolders) {
-            const std::string file = folder + "/applications/" + entry + ".desktop";
-            // The first file of the name decides, even if it says that there is no such program.
-            if (const auto text = readWholeFile(belowRoot(root_.native(), file))) {
-                return parse(entry, file, *text);
-            }
-        }
-        return std::nullopt;
-    }
-
-    std::optional<Found> parse(const std::string& entry, const std::string& file,
-                               std::string_view text) const {
-        const auto description = parseDesktopEntry(text, sources_.localeSuffixes);
-        if (!description) {
-            return std::nullopt;
-        }
-        const auto key = [text](std::string_view name) {
-            return desktopEntryValue(text, name).value_or(std::string_view());
-        };
-        const std::string tryExec = desktopEntryText(key("TryExec"));
-        std::vector<std::string> command = desktopCommand(
-            key("Exec"),
-            {.name = description->name, .icon = desktopEntryText(key("Icon")), .file = file});
-        if (command.empty() || !isThere(command.front()) ||
-            (!tryExec.empty() && !isThere(tryExec))) {
-            return std::nullopt;
-        }
-        return Found{.program = {.entry = entry,
-                                 .command = std::move(command),
-                                 .folder = desktopEntryText(key("Path"))},
-                     .needsTerminal = key("Terminal") == "true"};
-    }
-
-    const std::function<const char*(const char*)>& environment_;
-    const std::filesystem::path& root_;
-    const ApplicationSources sources_;
-    const std::string path_;
-};
+    return {};
+}
 
 }  // namespace
 
 std::optional<InstalledProgram> findSystemMonitor(
     const std::function<const char*(const char*)>& environment, const std::filesystem::path& root) {
-    return Finder(environment, root).find();
+    const auto value = [&environment](const char* name) {
+        const char* const text = environment(name);
+        return std::string(text != nullptr ? text : "");
+    };
+    const auto isThere = [&root, path = value("PATH")](std::string_view program) {
+        return !findExecutable(program, path, root).empty();
+    };
+    const std::vector<std::string> folders = applicationSources(environment).dataFolders;
+    const std::string current = value("XDG_CURRENT_DESKTOP");
+    // A window before a terminal, whatever the desktop.
+    std::optional<InstalledProgram> inTerminal;
+    for (const std::string_view entry : entriesFor(current)) {
+        const std::string text = entryText(folders, entry, root);
+        const auto key = [&text](std::string_view name) {
+            return desktopEntryValue(text, name).value_or(std::string_view());
+        };
+        InstalledProgram found{.entry = std::string(entry),
+                               .command = desktopEntryCommand(key("Exec")),
+                               .folder = desktopEntryText(key("Path"))};
+        const std::string tryExec = desktopEntryText(key("TryExec"));
+        if (!parseDesktopEntry(text, {}) || found.command.empty() ||
+            !isThere(found.command.front()) || (!tryExec.empty() && !isThere(tryExec))) {
+            continue;
+        }
+        if (key("Terminal") != "true") {
+            return found;
+        }
+        for (const std::string_view terminal : kTerminals) {
+            const std::vector<std::string> words = desktopEntryCommand(terminal);
+            if (!inTerminal && isThere(words.front())) {
+                found.command.insert(found.command.begin(), words.begin(), words.end());
+                inTerminal = std::move(found);
+            }
+        }
+    }
+    return inTerminal;
 }
 
 }  // namespace tarnwick::platform

@@ -2,25 +2,26 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstddef>
 #include <cstdlib>
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <ranges>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
+#include "platform/linux/applications/desktop_entry.h"
 #include "platform/linux/applications/executable_file.h"
 #include "platform/linux/files/folders.h"
 #include "platform/linux/files/kept_file.h"
+#include "platform/utf8.h"
 
 namespace tarnwick::platform {
 namespace {
 
 constexpr auto kEntry = "autostart/tarnwick.desktop";
-
-std::error_code lastError() {
-    return {errno, std::generic_category()};
-}
+constexpr std::string_view kHead =
+    "[Desktop Entry]\nType=Application\nName=Tarnwick\nComment=System monitor for the status area\n"
+    "Icon=tarnwick\n";
 
 /// What is told to the user: one line, whatever characters the path has.
 LoginServiceError failure(std::string what, const std::filesystem::path& path,
@@ -34,23 +35,65 @@ LoginServiceError failure(std::string what, const std::filesystem::path& path,
 /// Absent when there is no file; what cannot be read is empty. Pipes, devices and folders are no
 /// entries.
 std::optional<std::string> textOf(const std::filesystem::path& file) {
-    struct stat found {};
-    if (::stat(file.c_str(), &found) != 0 || !S_ISREG(found.st_mode)) {
+    std::error_code error;
+    if (!std::filesystem::is_regular_file(file, error)) {
         return std::nullopt;
     }
     return readWholeFile(file).value_or(std::string());
 }
 
-/// Writes the whole text to the disk.
-std::error_code fill(int file, std::string_view text) {
-    while (!text.empty()) {
-        const ssize_t written = ::write(file, text.data(), text.size());
-        if (written < 0 && errno != EINTR) {
-            return lastError();
+std::string_view valueOf(std::string_view text, std::string_view key) {
+    return desktopEntryValue(text, key).value_or(std::string_view());
+}
+
+/// It describes an application and nobody has switched it off: by removing it, or as several
+/// desktops do.
+bool isOn(std::string_view text) {
+    return valueOf(text, "Type") == "Application" && valueOf(text, "Hidden") != "true" &&
+           valueOf(text, "X-GNOME-Autostart-enabled") != "false";
+}
+
+/// An entry's list of desktops names one of the session's.
+bool names(std::string_view list, std::string_view current) {
+    return std::ranges::any_of(std::views::split(current, ':'), [list](const auto desktop) {
+        return std::ranges::any_of(std::views::split(list, ';'), [&desktop](const auto item) {
+            return !item.empty() && std::ranges::equal(item, desktop);
+        });
+    });
+}
+
+bool isMeantFor(std::string_view text, std::string_view current) {
+    const auto only = desktopEntryValue(text, "OnlyShowIn");
+    return (!only || names(*only, current)) && !names(valueOf(text, "NotShowIn"), current);
+}
+
+std::string escaped(std::string_view text, std::string_view reserved) {
+    std::string result;
+    for (const char character : text) {
+        if (reserved.find(character) != std::string_view::npos) {
+            result += '\\';
         }
-        text.remove_prefix(static_cast<std::size_t>(std::max<ssize_t>(written, 0)));
+        result += character;
     }
-    return ::fsync(file) == 0 ? std::error_code() : lastError();
+    return result;
+}
+
+/// A word of a command line that stands for exactly these characters.
+std::string commandWord(std::string_view word) {
+    constexpr std::string_view reserved = " \"'\\><~|&;$*?#()`";
+    std::string text = escaped(word, "\"`$\\");
+    for (auto at = text.find('%'); at != std::string::npos; at = text.find('%', at + 2)) {
+        text.insert(at, 1, '%');
+    }
+    return word.find_first_of(reserved) == std::string_view::npos ? text : '"' + text + '"';
+}
+
+/// No entry can hold the path: it is not known, the equals sign makes it a variable, and values are
+/// lines of UTF-8.
+bool isUnusable(const std::string& path) {
+    return path.empty() || path.find('=') != std::string::npos || repairedUTF8(path) != path ||
+           std::ranges::any_of(path,
+                               [](char each) { return static_cast<unsigned char>(each) < ' '; });
 }
 
 /// Nobody ever sees half of a file, and a link is replaced instead of what it leads to.
@@ -58,78 +101,99 @@ std::error_code replaceFile(const std::filesystem::path& file, std::string_view 
     // No desktop takes a file without the suffix for an entry.
     std::string temporary = file.native() + ".XXXXXX";
     const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
-    if (descriptor < 0) {
-        return lastError();
+    bool isDone = descriptor >= 0;
+    if (isDone) {
+        // Of a disk that takes only a part of these few bytes.
+        errno = ENOSPC;
+        isDone = ::write(descriptor, text.data(), text.size()) == std::ssize(text) &&
+                 ::fsync(descriptor) == 0 && ::rename(temporary.c_str(), file.c_str()) == 0;
     }
-    std::error_code error = fill(descriptor, text);
-    if (::close(descriptor) != 0 && !error) {
-        error = lastError();
+    const std::error_code error(isDone ? 0 : errno, std::generic_category());
+    if (descriptor >= 0) {
+        ::close(descriptor);
     }
-    if (!error && ::rename(temporary.c_str(), file.c_str()) != 0) {
-        error = lastError();
-    }
-    if (error) {
+    if (descriptor >= 0 && error) {
         ::unlink(temporary.c_str());
-        return error;
     }
     makeLasting(file.parent_path());
-    return {};
+    return error;
 }
 
 }  // namespace
+
+std::vector<std::string> startCommand(const std::filesystem::path& program,
+                                      const std::function<const char*(const char*)>& environment,
+                                      const std::filesystem::path& root) {
+    const auto value = [&environment](const char* name) {
+        const char* const text = environment(name);
+        return std::string(text != nullptr ? text : "");
+    };
+    std::error_code error;
+    const std::string flatpak = value("FLATPAK_ID");
+    if (!flatpak.empty() && std::filesystem::exists(root / ".flatpak-info", error)) {
+        return {"flatpak", "run", flatpak};
+    }
+    // The variables of an image or a snap are those of the terminal, too, that this program was
+    // started from: they count only where they say where this program lies.
+    const auto liesIn = [&](const char* variable) {
+        const std::string folder = value(variable);
+        return !folder.empty() && program.native().starts_with(folder + '/');
+    };
+    if (const std::string image = value("APPIMAGE"); !image.empty() && liesIn("APPDIR")) {
+        return {image};
+    }
+    if (const std::string snap = value("SNAP_INSTANCE_NAME"); !snap.empty() && liesIn("SNAP")) {
+        return {"/snap/bin/" + snap};
+    }
+    const auto found = findExecutable(program.filename().native(), value("PATH"));
+    const bool isSame = std::filesystem::equivalent(found, program, error);
+    return {isSame ? found.native() : program.native()};
+}
 
 AutostartLoginService::AutostartLoginService(std::vector<std::string> command,
                                              Environment environment)
     : command_(std::move(command)), environment_(std::move(environment)) {}
 
 LoginServiceStatus AutostartLoginService::status() {
-    std::optional<std::string> text;
-    if (const std::filesystem::path own = ownFile(); !own.empty()) {
-        text = textOf(own);
-    }
+    std::optional<std::string> text = textOf(ownFile());
     if (!text) {
         text = systemText();
     }
-    const auto entry = text ? parseAutostartEntry(*text) : std::nullopt;
-    const std::string desktop = value("XDG_CURRENT_DESKTOP");
-    // Of a condition nothing is known here, and what is not certain does not count.
-    if (!entry || entry->isConditional || isOffFor(*entry, desktop) ||
-        !isMeantFor(*entry, desktop)) {
+    if (!text || !isOn(*text) || !isMeantFor(*text, value("XDG_CURRENT_DESKTOP"))) {
         return LoginServiceStatus::notRegistered;
     }
-    return canStart(*entry) ? LoginServiceStatus::enabled : LoginServiceStatus::notFound;
+    const std::vector<std::string> command = desktopEntryCommand(valueOf(*text, "Exec"));
+    // What started this program is there, even when a sandbox hides it.
+    const bool isThere =
+        !command.empty() && ((isSandboxed() && command == command_) ||
+                             !findExecutable(command.front(), value("PATH")).empty());
+    return isThere ? LoginServiceStatus::enabled : LoginServiceStatus::notFound;
 }
 
 std::optional<LoginServiceError> AutostartLoginService::registerService() {
-    if (command_.empty()) {
-        return LoginServiceError{"Cannot start at login: the program's own file is not known"};
+    const std::string& program = command_.front();
+    if (isUnusable(program)) {
+        return failure("Cannot start at login", program, "no autostart entry can hold this path");
     }
-    const auto text = autostartEntryText(command_);
-    if (!text) {
-        return failure("Cannot start at login", command_.front(),
-                       "no autostart entry can hold this path");
+    std::string line;
+    for (const std::string& word : command_) {
+        line += (line.empty() ? "" : " ") + commandWord(word);
     }
-    return write(*text);
+    return write(std::string(kHead) + "Exec=" + escaped(line, "\\") +
+                 "\nTryExec=" + escaped(program, "\\") +
+                 "\nTerminal=false\nStartupNotify=false\nX-GNOME-Autostart-enabled=true\n");
 }
 
 std::optional<LoginServiceError> AutostartLoginService::unregisterService() {
-    if (const auto text = systemText()) {
-        const auto entry = parseAutostartEntry(*text);
-        if (entry && !entry->isOff && canStart(*entry)) {
-            return write(switchedOffEntryText());
-        }
+    if (const auto text = systemText(); text && valueOf(*text, "Hidden") != "true") {
+        return write(std::string(kHead) + "Hidden=true\n");
     }
     const std::filesystem::path own = ownFile();
-    struct stat found {};
-    if (own.empty() || ::lstat(own.c_str(), &found) != 0) {
-        if (own.empty() || errno == ENOENT || errno == ENOTDIR) {
-            return std::nullopt;
-        }
-        return failure("Cannot remove", own, lastError().message());
-    }
-    // Nothing starts from a folder.
-    if (!S_ISDIR(found.st_mode) && ::unlink(own.c_str()) != 0 && errno != ENOENT) {
-        return failure("Cannot remove", own, lastError().message());
+    std::error_code error;
+    std::filesystem::remove(own, error);
+    // Below a file there is nothing to remove.
+    if (error && error != std::errc::not_a_directory) {
+        return failure("Cannot remove", own, error.message());
     }
     makeLasting(own.parent_path());
     return std::nullopt;
@@ -141,7 +205,7 @@ std::string AutostartLoginService::value(const char* name) const {
 }
 
 bool AutostartLoginService::isSandboxed() const {
-    return !command_.empty() && command_.front() == "flatpak";
+    return command_.front() == "flatpak";
 }
 
 std::filesystem::path AutostartLoginService::ownFile() const {
@@ -156,36 +220,20 @@ std::filesystem::path AutostartLoginService::ownFile() const {
 }
 
 std::optional<std::string> AutostartLoginService::systemText() const {
-    const std::string list = value("XDG_CONFIG_DIRS");
-    std::string_view rest = list.empty() ? std::string_view("/etc/xdg") : list;
-    while (!rest.empty()) {
-        const std::filesystem::path folder = rest.substr(0, rest.find(':'));
-        if (folder.is_absolute()) {
-            if (auto text = textOf(folder / kEntry)) {
-                return text;
-            }
+    std::string list = value("XDG_CONFIG_DIRS");
+    if (list.empty()) {
+        list = "/etc/xdg";
+    }
+    for (const auto item : std::views::split(list, ':')) {
+        const std::filesystem::path folder(item.begin(), item.end());
+        if (auto text = folder.is_absolute() ? textOf(folder / kEntry) : std::nullopt) {
+            return text;
         }
-        rest.remove_prefix(std::min(folder.native().size() + 1, rest.size()));
     }
     return std::nullopt;
 }
 
-bool AutostartLoginService::canStart(const AutostartEntry& entry) const {
-    return isProgram(entry.program) && (entry.tryExec.empty() || isProgram(entry.tryExec));
-}
-
-bool AutostartLoginService::isProgram(const std::string& name) const {
-    if (name.empty()) {
-        return false;
-    }
-    // What started this program is there, even when a sandbox hides it.
-    if (isSandboxed() && name == command_.front()) {
-        return true;
-    }
-    return !findExecutable(name, value("PATH")).empty();
-}
-
-std::optional<LoginServiceError> AutostartLoginService::write(std::string_view text) {
+std::optional<LoginServiceError> AutostartLoginService::write(std::string_view text) const {
     const std::filesystem::path own = ownFile();
     if (own.empty()) {
         return LoginServiceError{"Cannot change what starts at login: there is no home folder"};
@@ -195,13 +243,11 @@ std::optional<LoginServiceError> AutostartLoginService::write(std::string_view t
     if (isSandboxed() && !std::filesystem::is_directory(own.parent_path(), error)) {
         return failure("Cannot write", own, "the sandbox does not show this folder");
     }
-    if (error = makeFolder(own.parent_path()); error) {
-        return failure("Cannot make", own.parent_path(), error.message());
+    error = makeFolder(own.parent_path());
+    if (!error) {
+        error = replaceFile(own, text);
     }
-    if (error = replaceFile(own, text); error) {
-        return failure("Cannot write", own, error.message());
-    }
-    return std::nullopt;
+    return error ? std::optional(failure("Cannot write", own, error.message())) : std::nullopt;
 }
 
 }  // namespace tarnwick::platform

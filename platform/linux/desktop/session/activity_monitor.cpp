@@ -1,39 +1,117 @@
 #include "platform/linux/desktop/session/activity_monitor.h"
 
-#include <system_error>
-#include <utility>
+#include <QDir>
+#include <QFileInfo>
+#include <QGuiApplication>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QStandardPaths>
+#include <cstdlib>
+#include <qpa/qplatformnativeinterface.h>
+#include <string>
 
 #include "platform/linux/applications/system_monitors.h"
-#include "platform/linux/desktop/session/application_scope.h"
-#include "platform/linux/desktop/session/startup_token.h"
-#include "platform/linux/events/detached_program.h"
 #include "platform/linux/events/standard_error.h"
 
 namespace tarnwick::platform {
+namespace {
 
-ActivityMonitor::ActivityMonitor(QDBusConnection bus, StartConditions conditions)
-    : bus_(std::move(bus)), conditions_(std::move(conditions)) {}
+/// Variables of which each start has its own.
+constexpr const char* kOfOneStart[] = {"DESKTOP_STARTUP_ID",
+                                       "XDG_ACTIVATION_TOKEN",
+                                       "GIO_LAUNCHED_DESKTOP_FILE",
+                                       "GIO_LAUNCHED_DESKTOP_FILE_PID",
+                                       "INVOCATION_ID",
+                                       "JOURNAL_STREAM",
+                                       "NOTIFY_SOCKET",
+                                       "MANAGERPID",
+                                       "SYSTEMD_EXEC_PID",
+                                       "LISTEN_FDS",
+                                       "LISTEN_FDNAMES",
+                                       "LISTEN_PID"};
 
-bool ActivityMonitor::open() {
-    const auto value = [this](const char* name) {
-        return environmentValue(conditions_.environment, name);
-    };
-    const auto monitor = findSystemMonitor(value);
+/// On X11 the time of the last press, by which a window manager tells a window that the user asked
+/// for from one that pushes itself in between; else empty.
+QString startupToken() {
+    QPlatformNativeInterface* const native = QGuiApplication::platformNativeInterface();
+    if (native == nullptr || QGuiApplication::platformName() != "xcb") {
+        return {};
+    }
+    // The interface hands the server's time out as an address.
+    const auto time = reinterpret_cast<quintptr>(
+        native->nativeResourceForScreen("appusertime", QGuiApplication::primaryScreen()));
+    return time == 0 ? QString()
+                     : QString("tarnwick-%1-%2_TIME%3")
+                           .arg(QCoreApplication::applicationPid())
+                           .arg(QRandomGenerator::global()->generate())
+                           .arg(time);
+}
+
+QProcessEnvironment environmentFrom(const StartConditions& conditions) {
+    QProcessEnvironment environment = conditions.environment;
+    for (const char* const name : kOfOneStart) {
+        environment.remove(name);
+    }
+    if (const QString token = startupToken(); !token.isEmpty()) {
+        environment.insert("DESKTOP_STARTUP_ID", token);
+    }
+    return environment;
+}
+
+/// What is put before a command so that it runs in a unit of its own, named after the desktop entry
+/// as desktopEntryCandidates() reads it. Empty where no service manager of the user listens.
+QStringList scopeCommand(const QString& entry, const QProcessEnvironment& environment) {
+    const QString runtime = environment.value("XDG_RUNTIME_DIR");
+    const QString program = QStandardPaths::findExecutable(
+        "systemd-run", environment.value("PATH").split(':', Qt::SkipEmptyParts));
+    if (runtime.isEmpty() || program.isEmpty() ||
+        !QFileInfo::exists(runtime + "/systemd/private")) {
+        return {};
+    }
+    // A dash in a part of the name would divide it.
+    const QString unit = QString("app-tarnwick-%1-%2.scope")
+                             .arg(QString(entry).replace("-", "\\x2d"))
+                             .arg(QRandomGenerator::global()->generate());
+    return {program,         "--user", "--scope", "--quiet", "--collect", "--slice=app.slice",
+            "--unit=" + unit};
+}
+
+}  // namespace
+
+bool openActivityMonitor(const StartConditions& conditions) {
+    const auto monitor = findSystemMonitor([](const char* name) { return std::getenv(name); });
     if (!monitor) {
         return false;
     }
-    const char* const home = value("HOME");
-    const DetachedStart start = startDetached(
-        {.command = monitor->command,
-         .folder = monitor->folder.empty() && home != nullptr ? home : monitor->folder,
-         .environment = environmentForOthers(conditions_.environment, startupToken()),
-         .descriptorLimit = conditions_.descriptorLimit});
-    if (start.id == 0) {
+    const QProcessEnvironment environment = environmentFrom(conditions);
+    // The limit is the shell's, and then that of the program that takes its place.
+    QString script = R"(exec "$@")";
+    if (conditions.descriptorLimit) {
+        script.prepend(QString("ulimit -Sn %1; ").arg(*conditions.descriptorLimit));
+    }
+    QStringList arguments{"-c", script, "sh"};
+    arguments += scopeCommand(QString::fromStdString(monitor->entry), environment);
+    for (const std::string& word : monitor->command) {
+        arguments += QFile::decodeName(word.c_str());
+    }
+    QProcess process;
+    process.setProgram("/bin/sh");
+    process.setArguments(arguments);
+    process.setProcessEnvironment(environment);
+    for (const QString& folder :
+         {QFile::decodeName(monitor->folder.c_str()), QDir::homePath(), QDir::rootPath()}) {
+        if (process.workingDirectory().isEmpty() && QFileInfo(folder).isDir()) {
+            process.setWorkingDirectory(folder);
+        }
+    }
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    if (!process.startDetached()) {
         notice("cannot start " + monitor->command.front() + ": " +
-               std::generic_category().message(start.error));
+               process.errorString().toStdString());
         return false;
     }
-    moveToApplicationScope(bus_, monitor->entry, start.id);
     return true;
 }
 

@@ -1,8 +1,8 @@
 #include "platform/linux/desktop/session/single_instance.h"
 
-#include <QDBusError>
+#include <QDBusMessage>
 #include <QDeadlineTimer>
-#include <algorithm>
+#include <QRegularExpression>
 #include <poll.h>
 #include <utility>
 
@@ -15,103 +15,91 @@ namespace {
 constexpr int kPauseMilliseconds = 20;
 /// For the bus itself, which answers at once unless it hangs.
 constexpr int kBusMilliseconds = 5000;
-
-constexpr auto kIntrospection = R"xml(
-<interface name="org.tarnwick.Tarnwick">
-  <method name="OpenPanel"/>
-</interface>
-)xml";
+/// A first that ends lets go of its lock when it lets go of its name; one that was killed, when it
+/// is gone.
+constexpr int kLockMilliseconds = 500;
 
 }  // namespace
 
-std::string displayName(const std::function<const char*(const char*)>& environment) {
-    const auto value = [&environment](const char* name) {
-        const char* const text = environment(name);
-        return std::string(text != nullptr ? text : "");
-    };
-    std::string name = value("WAYLAND_DISPLAY");
-    if (name.empty()) {
-        name = value("DISPLAY");
-        // A screen's number follows the server's.
-        if (const auto colon = name.rfind(':'); colon != std::string::npos) {
-            name.resize(std::min(name.find('.', colon), name.size()));
-        }
-    }
-    return name;
+QString displayName() {
+    const QString compositor = qEnvironmentVariable("WAYLAND_DISPLAY");
+    // A screen's number follows the server's.
+    static const QRegularExpression screen(R"((:\d+)\.\d+$)");
+    return compositor.isEmpty() ? qEnvironmentVariable("DISPLAY").replace(screen, R"(\1)")
+                                : compositor;
 }
 
-SingleInstance::SingleInstance(QDBusConnection bus, std::string runtimeFolder,
-                               std::string_view display)
-    : bus_(std::move(bus)), lock_(std::move(runtimeFolder), display) {}
+SingleInstance::SingleInstance(QDBusConnection bus, const QString& runtimeFolder,
+                               const QString& display)
+    : bus_(std::move(bus)) {
+    if (!runtimeFolder.isEmpty()) {
+        // A display may be named by a path, and they differ at their ends.
+        lock_.emplace(runtimeFolder + "/tarnwick-" + QString(display).replace('/', '_').right(100) +
+                      ".lock");
+        // However long the program runs: the lock is another's as long as that one lives.
+        lock_->setStaleLockTime(0);
+    }
+}
 
 SingleInstance::~SingleInstance() {
     release();
-    bus_.unregisterObject(kPath);
 }
 
 void SingleInstance::release() {
-    isReleased_ = true;
+    bus_.unregisterObject(kPath);
+    // The lock first: whoever has the name wants it next.
+    if (lock_) {
+        lock_->unlock();
+    }
     if (std::exchange(ownsName_, false)) {
         bus_.send(busCall("ReleaseName", {QString(kService)}));
     }
-    lock_.release();
 }
 
 SingleInstance::Claim SingleInstance::claim(int answerMilliseconds) {
     // There before the name, so that whoever finds the name finds the object.
-    bus_.registerVirtualObject(kPath, this);
+    bus_.registerObject(kPath, this, QDBusConnection::ExportScriptableSlots);
     const QDeadlineTimer deadline(answerMilliseconds);
-    for (bool isLast = false;;) {
-        const Owner owner = take();
-        if (owner == Owner::thisProcess) {
-            return Claim::first;
-        }
-        if (isLast) {
-            bus_.unregisterObject(kPath);
+    // A first that is ending does not answer, and lets go of the name.
+    while (!takeName()) {
+        QDBusMessage call =
+            QDBusMessage::createMethodCall(kService, kPath, kInterface, "OpenPanel");
+        call.setAutoStartService(false);
+        const int remaining = static_cast<int>(deadline.remainingTime());
+        if (remaining == 0) {
+            release();
             return Claim::unanswered;
         }
-        if (ask(owner, static_cast<int>(deadline.remainingTime()))) {
-            bus_.unregisterObject(kPath);
+        if (bus_.call(call, QDBus::Block, remaining).type() == QDBusMessage::ReplyMessage) {
+            release();
             return Claim::handedOver;
         }
-        // The first may have ended while it was waited for.
-        isLast = deadline.hasExpired();
-        if (!isLast) {
-            ::poll(nullptr, 0, kPauseMilliseconds);
-        }
+        ::poll(nullptr, 0, kPauseMilliseconds);
     }
+    if (takeLock()) {
+        return Claim::first;
+    }
+    release();
+    return Claim::unanswered;
 }
 
-SingleInstance::Owner SingleInstance::take() {
-    if (bus_.isConnected()) {
-        constexpr uint kDoNotQueue = 4;
-        constexpr uint kExists = 3;
-        const QDBusMessage granted =
-            bus_.call(busCall("RequestName", {QString(kService), kDoNotQueue}), QDBus::Block,
-                      kBusMilliseconds);
-        ownsName_ = granted.type() == QDBusMessage::ReplyMessage &&
-                    granted.arguments().value(0).toUInt() != kExists;
-        if (granted.type() == QDBusMessage::ReplyMessage && !ownsName_) {
-            return Owner::onBus;
-        }
+bool SingleInstance::takeName() {
+    if (!bus_.isConnected()) {
+        return true;
     }
-    if (lock_.acquire([this] { asked(); })) {
-        return Owner::thisProcess;
-    }
-    // It started when there was no bus, or before this one.
-    if (std::exchange(ownsName_, false)) {
-        bus_.send(busCall("ReleaseName", {QString(kService)}));
-    }
-    return Owner::ofLock;
+    constexpr uint kDoNotQueue = 4;
+    constexpr uint kExists = 3;
+    const QDBusMessage answer = bus_.call(busCall("RequestName", {QString(kService), kDoNotQueue}),
+                                          QDBus::Block, kBusMilliseconds);
+    const bool isAnswered = answer.type() == QDBusMessage::ReplyMessage;
+    ownsName_ = isAnswered && answer.arguments().value(0).toUInt() != kExists;
+    // Running unguarded is better than not running.
+    return ownsName_ || !isAnswered;
 }
 
-bool SingleInstance::ask(Owner owner, int answerMilliseconds) {
-    if (owner == Owner::ofLock) {
-        return lock_.askOwner();
-    }
-    QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kInterface, "OpenPanel");
-    call.setAutoStartService(false);
-    return bus_.call(call, QDBus::Block, answerMilliseconds).type() == QDBusMessage::ReplyMessage;
+bool SingleInstance::takeLock() {
+    return !lock_ || lock_->tryLock(kLockMilliseconds) ||
+           lock_->error() != QLockFile::LockFailedError;
 }
 
 void SingleInstance::setOpenPanel(std::function<void()> openPanel) {
@@ -121,33 +109,12 @@ void SingleInstance::setOpenPanel(std::function<void()> openPanel) {
     }
 }
 
-void SingleInstance::asked() {
+void SingleInstance::OpenPanel() {
     if (openPanel_) {
         openPanel_();
     } else {
         askedEarly_ = true;
     }
-}
-
-QString SingleInstance::introspect(const QString& path) const {
-    return path == kPath ? QString(kIntrospection) : QString();
-}
-
-bool SingleInstance::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
-    const bool ours = message.interface().isEmpty() || message.interface() == kInterface;
-    if (!ours || message.member() != "OpenPanel") {
-        return false;
-    }
-    if (isReleased_) {
-        // Whoever asks is to try to be the first.
-        connection.send(message.createErrorReply(QDBusError::ServiceUnknown, "it is ending"));
-        return true;
-    }
-    if (message.isReplyRequired()) {
-        connection.send(message.createReply());
-    }
-    asked();
-    return true;
 }
 
 }  // namespace tarnwick::platform

@@ -2,24 +2,22 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusVirtualObject>
+#include <QLockFile>
+#include <QObject>
+#include <QString>
 #include <functional>
-#include <memory>
-#include <string>
-#include <string_view>
-
-#include "platform/linux/desktop/session/instance_lock.h"
+#include <optional>
 
 namespace tarnwick::platform {
 
 /// Names the display of a session: the compositor's where there is one, else the X server's,
-/// whichever of its screens. `environment` gives a variable's value or null.
-std::string displayName(const std::function<const char*(const char*)>& environment);
+/// whichever of its screens.
+QString displayName();
 
 /// Main thread.
-class SingleInstance final : public QDBusVirtualObject {
+class SingleInstance final : public QObject {
     Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.tarnwick.Tarnwick")
 
  public:
     static constexpr auto kService = "org.tarnwick.Tarnwick";
@@ -31,14 +29,14 @@ class SingleInstance final : public QDBusVirtualObject {
         first,
         /// Another one runs and was asked to open its panel: end with status 0.
         handedOver,
-        /// Another one runs and did not answer, and did not end either.
+        /// Another one runs and was not reached, and did not end either.
         unanswered,
     };
 
     /// By a name on `bus` where it is connected, and by a lock for `display` in `runtimeFolder`
-    /// (private to the user; when empty there is no lock): an instance that saw another bus, or
-    /// none, is found by the lock.
-    SingleInstance(QDBusConnection bus, std::string runtimeFolder, std::string_view display = {});
+    /// (private to the user; when empty or not usable there is no lock): it notices an instance
+    /// that sees another bus, or none, but cannot reach it.
+    SingleInstance(QDBusConnection bus, const QString& runtimeFolder, const QString& display = {});
     ~SingleInstance() override;
 
     /// Called once, at the start, before anything else is built: this is the one place that waits
@@ -54,22 +52,19 @@ class SingleInstance final : public QDBusVirtualObject {
     /// made up for now.
     void setOpenPanel(std::function<void()> openPanel);
 
-    QString introspect(const QString& path) const override;
-    bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
+    /// What another start calls.
+ public Q_SLOTS:
+    Q_SCRIPTABLE void OpenPanel();
 
  private:
-    enum class Owner { thisProcess, onBus, ofLock };
-
-    Owner take();
-    bool ask(Owner owner, int answerMilliseconds);
-    void asked();
+    bool takeName();
+    bool takeLock();
 
     QDBusConnection bus_;
-    InstanceLock lock_;
+    std::optional<QLockFile> lock_;
     std::function<void()> openPanel_;
     bool askedEarly_ = false;
     bool ownsName_ = false;
-    bool isReleased_ = false;
 };
 
 }  // namespace tarnwick::platform

@@ -150,5 +150,32 @@ TEST(DesktopEntryText, HasItsEscapesResolved) {
     EXPECT_EQ(desktopEntryText(""), "");
 }
 
+TEST(DesktopEntryCommand, IsDividedAtSpaces) {
+    EXPECT_THAT(desktopEntryCommand("qps"), ElementsAre("qps"));
+    EXPECT_THAT(desktopEntryCommand("  /usr/bin/monitor  --all\t-v "),
+                ElementsAre("/usr/bin/monitor", "--all", "-v"));
+    EXPECT_THAT(desktopEntryCommand("   "), IsEmpty());
+}
+
+TEST(DesktopEntryCommand, KeepsQuotedWordsTogether) {
+    EXPECT_THAT(desktopEntryCommand(R"("/opt/a program" "" x"y z"w)"),
+                ElementsAre("/opt/a program", "", "xy zw"));
+    // The value's own escapes come first: four backslashes are one.
+    EXPECT_THAT(desktopEntryCommand(R"(m "a\\"b\\\\c\\$d\\`e")"), ElementsAre("m", R"(a"b\c$d`e)"));
+    EXPECT_THAT(desktopEntryCommand(R"(sh -c 'exec "monitor" %u' a\\ b)"),
+                ElementsAre("sh", "-c", R"(exec "monitor" %u)", "a b"));
+}
+
+TEST(DesktopEntryCommand, HasNothingToOpen) {
+    EXPECT_THAT(desktopEntryCommand("m %f %U -x%u %i 100%% \"50%%\""),
+                ElementsAre("m", "-x", "100%", "50%"));
+}
+
+TEST(DesktopEntryCommand, WithAQuotationThatDoesNotEndIsNone) {
+    EXPECT_THAT(desktopEntryCommand("m \"a"), IsEmpty());
+    EXPECT_THAT(desktopEntryCommand("m 'a"), IsEmpty());
+    EXPECT_THAT(desktopEntryCommand(R"(m "\\)"), IsEmpty());
+}
+
 }  // namespace
 }  // namespace tarnwick::platform

@@ -176,16 +176,12 @@ TEST_F(SystemMonitors, AreFoundWhereTheSessionAndTheUserKeepThem) {
 }
 
 TEST_F(SystemMonitors, AreStartedAsTheirEntrySays) {
-    variables["LANG"] = "de_DE.UTF-8";
     installProgram("qps");
-    describe("qps", "/usr/bin/qps %i --caption %c --entry %k",
-             "Icon=qps-icon\nPath=/var/lib/qps\nName[de]=Prozesse\n");
+    describe("qps", "/usr/bin/qps --all %U", "Path=/var/lib/a\\sb\n");
     const auto found = find();
     ASSERT_TRUE(found);
-    EXPECT_THAT(found->command,
-                ElementsAre("/usr/bin/qps", "--icon", "qps-icon", "--caption", "Prozesse",
-                            "--entry", "/usr/share/applications/qps.desktop"));
-    EXPECT_EQ(found->folder, "/var/lib/qps");
+    EXPECT_THAT(found->command, ElementsAre("/usr/bin/qps", "--all"));
+    EXPECT_EQ(found->folder, "/var/lib/a b");
 }
 
 TEST_F(SystemMonitors, ThatMenusDoNotShowAreMonitorsAllTheSame) {

@@ -1,16 +1,15 @@
 #include "platform/linux/desktop/session/single_instance.h"
 
 #include <QDBusConnectionInterface>
-#include <QFile>
+#include <QDBusVirtualObject>
+#include <QDir>
 #include <QTemporaryDir>
 #include <atomic>
 #include <gtest/gtest.h>
 #include <map>
-#include <memory>
 #include <poll.h>
 #include <string>
 #include <sys/inotify.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -31,34 +30,28 @@ QDBusConnection noBus() {
 }
 
 TEST(DisplayName, IsOfTheServerAndNotOfAScreen) {
-    std::map<std::string, std::string> variables;
-    const auto name = [&variables] {
-        return displayName([&variables](const char* variable) -> const char* {
-            const auto found = variables.find(variable);
-            return found == variables.end() ? nullptr : found->second.c_str();
-        });
-    };
-    EXPECT_EQ(name(), "");
+    qunsetenv("WAYLAND_DISPLAY");
     for (const auto& [display, expected] :
-         std::map<std::string, std::string>{{":0", ":0"},
+         std::map<std::string, std::string>{{"", ""},
+                                            {":0", ":0"},
                                             {":10.2", ":10"},
-                                            {"a.example:1.0", "a.example:1"},
-                                            {"odd.name", "odd.name"}}) {
-        variables["DISPLAY"] = display;
-        EXPECT_EQ(name(), expected);
+                                            {"10.0.0.1:1.0", "10.0.0.1:1"},
+                                            {"odd.2", "odd.2"}}) {
+        qputenv("DISPLAY", display.c_str());
+        EXPECT_EQ(displayName().toStdString(), expected);
     }
-    variables["WAYLAND_DISPLAY"] = "wayland-1.5";
-    EXPECT_EQ(name(), "wayland-1.5");
-    variables["WAYLAND_DISPLAY"] = "";
-    EXPECT_EQ(name(), "odd.name");
+    qputenv("WAYLAND_DISPLAY", "wayland-1.5");
+    EXPECT_EQ(displayName(), "wayland-1.5");
+    qunsetenv("WAYLAND_DISPLAY");
+    qunsetenv("DISPLAY");
 }
 
 class OnBus : public ::testing::Test {
  protected:
     /// A second start, as a process of its own would make it: in a thread, on a connection of its
     /// own, while this thread's event loop runs.
-    Claim secondStart(const std::string& folder = {}) { return secondStart(bus_, folder); }
-    Claim secondStart(const PrivateBus& bus, const std::string& folder) {
+    Claim secondStart(const QString& folder = {}) { return secondStart(bus_, folder); }
+    Claim secondStart(const PrivateBus& bus, const QString& folder) {
         const QString address = bus.address();
         std::atomic<bool> done = false;
         Claim result = Claim::unanswered;
@@ -75,7 +68,7 @@ class OnBus : public ::testing::Test {
         return result;
     }
 
-    std::string folder() const { return folder_.path().toStdString(); }
+    QString folder() const { return folder_.path(); }
 
     QTemporaryDir folder_;
     PrivateBus bus_;
@@ -180,146 +173,97 @@ TEST_F(OnBus, AFirstThatHasLetGoSendsAwayWhoeverStillAsks) {
     EXPECT_EQ(secondStart(), Claim::first);
 }
 
-TEST_F(OnBus, TheFirstIsFoundOnAnotherBus) {
+TEST_F(OnBus, AFirstOnAnotherBusIsNoticed) {
     SingleInstance first(firstBus_, folder());
     ASSERT_EQ(first.claim(), Claim::first);
-    first.setOpenPanel([this] { ++opened_; });
-    const PrivateBus later;
-    EXPECT_EQ(secondStart(later, folder()), Claim::handedOver);
-    EXPECT_TRUE(waitUntil([&] { return opened_ == 1; }));
+    PrivateBus later;
+    EXPECT_EQ(secondStart(later, folder()), Claim::unanswered);
     // It keeps nothing there that it does not serve.
-    EXPECT_EQ(secondStart(later, folder()), Claim::handedOver);
-    EXPECT_TRUE(waitUntil([&] { return opened_ == 2; }));
+    EXPECT_FALSE(later.connect().interface()->isServiceRegistered(SingleInstance::kService));
+    first.release();
+    EXPECT_EQ(secondStart(later, folder()), Claim::first);
 }
 
-TEST_F(OnBus, AFirstThatHadNoBusIsFoundFromTheBusThatCameLater) {
+TEST_F(OnBus, AFirstThatHadNoBusIsNoticed) {
     SingleInstance first(noBus(), folder());
     ASSERT_EQ(first.claim(), Claim::first);
-    first.setOpenPanel([this] { ++opened_; });
-    EXPECT_EQ(secondStart(folder()), Claim::handedOver);
-    EXPECT_TRUE(waitUntil([&] { return opened_ == 1; }));
-    first.release();
-    EXPECT_EQ(secondStart(folder()), Claim::first);
+    EXPECT_EQ(secondStart(folder()), Claim::unanswered);
 }
 
-TEST_F(OnBus, AFirstOnABusIsFoundWithoutOne) {
+TEST_F(OnBus, AFirstOnABusIsNoticedWithoutOne) {
     SingleInstance first(firstBus_, folder());
     ASSERT_EQ(first.claim(), Claim::first);
-    first.setOpenPanel([this] { ++opened_; });
-    SingleInstance second(noBus(), folder());
-    EXPECT_EQ(second.claim(), Claim::handedOver);
-    EXPECT_TRUE(waitUntil([&] { return opened_ == 1; }));
+    EXPECT_EQ(SingleInstance(noBus(), folder()).claim(), Claim::unanswered);
 }
 
 class WithoutBus : public ::testing::Test {
  protected:
-    std::string folder() const { return folder_.path().toStdString(); }
+    Claim start(const QString& folder, const QString& display = {}) const {
+        return SingleInstance(noBus(), folder, display).claim();
+    }
+    QString folder() const { return folder_.path(); }
 
     QTemporaryDir folder_;
-    int opened_ = 0;
 };
 
-TEST_F(WithoutBus, TheSecondStartAsksTheFirstToOpenItsPanel) {
+TEST_F(WithoutBus, TheSecondStartNoticesTheFirst) {
     SingleInstance first(noBus(), folder());
     EXPECT_EQ(first.claim(), Claim::first);
-    first.setOpenPanel([this] { ++opened_; });
-    for (int start = 1; start <= 2; ++start) {
-        SingleInstance second(noBus(), folder());
-        EXPECT_EQ(second.claim(), Claim::handedOver);
-        EXPECT_TRUE(waitUntil([&] { return opened_ == start; }));
-    }
+    EXPECT_EQ(start(folder()), Claim::unanswered);
+    EXPECT_EQ(start(folder()), Claim::unanswered);
+    first.release();
+    first.release();
+    EXPECT_EQ(start(folder()), Claim::first);
+    // That one has ended.
+    EXPECT_EQ(start(folder()), Claim::first);
+}
+
+TEST_F(WithoutBus, AStartWhileTheFirstIsEndingIsTheNextFirst) {
+    SingleInstance first(noBus(), folder());
+    ASSERT_EQ(first.claim(), Claim::first);
+    const QStringList files = QDir(folder()).entryList(QDir::Files);
+    ASSERT_EQ(files.size(), 1);
+    const int watch = inotify_init1(IN_CLOEXEC);
+    ASSERT_GE(inotify_add_watch(watch, qPrintable(folder_.filePath(files.front())), IN_OPEN), 0);
+    Claim result = Claim::unanswered;
+    std::thread second([&] { result = start(folder()); });
+    // It ends once the second has found its lock and looks whose it is.
+    pollfd found{watch, POLLIN, 0};
+    EXPECT_EQ(poll(&found, 1, 30'000), 1);
+    first.release();
+    second.join();
+    close(watch);
+    EXPECT_EQ(result, Claim::first);
 }
 
 TEST_F(WithoutBus, WhatACrashLeftBehindDoesNotBlock) {
     const pid_t crashing = fork();
     if (crashing == 0) {
-        InstanceLock lock(folder());
-        _exit(lock.acquire({}) ? 0 : 1);
+        SingleInstance first(noBus(), folder());
+        _exit(first.claim() == Claim::first ? 0 : 1);
     }
     int status = 0;
     ASSERT_EQ(waitpid(crashing, &status, 0), crashing);
     ASSERT_EQ(WEXITSTATUS(status), 0);
-    ASSERT_TRUE(QFile::exists(folder_.filePath("tarnwick.lock")));
-    ASSERT_TRUE(QFile::exists(folder_.filePath("tarnwick.socket")));
-
-    SingleInstance first(noBus(), folder());
-    EXPECT_EQ(first.claim(), Claim::first);
-    first.setOpenPanel([this] { ++opened_; });
-    SingleInstance second(noBus(), folder());
-    EXPECT_EQ(second.claim(), Claim::handedOver);
-    EXPECT_TRUE(waitUntil([&] { return opened_ == 1; }));
-}
-
-TEST_F(WithoutBus, TheNextStartIsTheFirstOnceTheFirstHasEnded) {
-    {
-        SingleInstance first(noBus(), folder());
-        ASSERT_EQ(first.claim(), Claim::first);
-    }
-    SingleInstance next(noBus(), folder());
-    EXPECT_EQ(next.claim(), Claim::first);
-}
-
-TEST_F(WithoutBus, AStartWhileTheFirstIsEndingIsTheNextFirst) {
-    auto first = std::make_unique<InstanceLock>(folder());
-    ASSERT_TRUE(first->acquire({}));
-    // It has stopped listening and still holds the lock.
-    ASSERT_TRUE(QFile::remove(folder_.filePath("tarnwick.socket")));
-    const int watch = inotify_init1(IN_CLOEXEC);
-    ASSERT_GE(watch, 0);
-    ASSERT_GE(inotify_add_watch(watch, (folder() + "/tarnwick.lock").c_str(), IN_CLOSE_WRITE), 0);
-    Claim result = Claim::unanswered;
-    std::thread start([&] {
-        SingleInstance second(noBus(), folder());
-        result = second.claim(30'000);
-    });
-    // It ends once it has refused the second a first time.
-    pollfd refused{watch, POLLIN, 0};
-    EXPECT_EQ(poll(&refused, 1, 30'000), 1);
-    first.reset();
-    start.join();
-    close(watch);
-    EXPECT_EQ(result, Claim::first);
-}
-
-TEST_F(WithoutBus, LettingGoMakesRoomForTheNext) {
-    SingleInstance first(noBus(), folder());
-    ASSERT_EQ(first.claim(), Claim::first);
-    first.release();
-    first.release();
-    SingleInstance next(noBus(), folder());
-    EXPECT_EQ(next.claim(), Claim::first);
+    ASSERT_EQ(QDir(folder()).entryList(QDir::Files).size(), 1);
+    EXPECT_EQ(start(folder()), Claim::first);
 }
 
 TEST_F(WithoutBus, EveryDisplayHasItsOwn) {
     SingleInstance first(noBus(), folder(), ":0");
     ASSERT_EQ(first.claim(), Claim::first);
-    first.setOpenPanel([this] { ++opened_; });
-    SingleInstance other(noBus(), folder(), ":1");
-    EXPECT_EQ(other.claim(), Claim::first);
-    SingleInstance socket(noBus(), folder(), "/run/user/1/" + std::string(200, 'w') + "/wayland-2");
-    EXPECT_EQ(socket.claim(), Claim::first);
-    SingleInstance second(noBus(), folder(), ":0");
-    EXPECT_EQ(second.claim(), Claim::handedOver);
-    EXPECT_TRUE(waitUntil([&] { return opened_ == 1; }));
-}
-
-TEST_F(WithoutBus, SaysSoWhenTheFirstDoesNotListen) {
-    SingleInstance first(noBus(), folder());
-    ASSERT_EQ(first.claim(), Claim::first);
-    ASSERT_TRUE(QFile::remove(folder_.filePath("tarnwick.socket")));
-    SingleInstance second(noBus(), folder());
-    EXPECT_EQ(second.claim(0), Claim::unanswered);
+    EXPECT_EQ(start(folder(), ":1"), Claim::first);
+    const QString long1 = "/run/user/1/" + QString(300, 'w') + "/wayland-1";
+    SingleInstance longPath(noBus(), folder(), long1);
+    EXPECT_EQ(longPath.claim(), Claim::first);
+    EXPECT_EQ(start(folder(), long1), Claim::unanswered);
+    EXPECT_EQ(start(folder(), QString(long1).replace("wayland-1", "wayland-2")), Claim::first);
+    EXPECT_EQ(start(folder(), ":0"), Claim::unanswered);
 }
 
 TEST_F(WithoutBus, StartsUnguardedWhereTheFolderCannotBeUsed) {
-    SingleInstance nowhere(noBus(), {});
-    EXPECT_EQ(nowhere.claim(), Claim::first);
-    SingleInstance missing(noBus(), folder() + "/missing");
-    EXPECT_EQ(missing.claim(), Claim::first);
-    const std::string deep = folder() + "/" + std::string(120, 'd');
-    ASSERT_EQ(mkdir(deep.c_str(), 0700), 0);
-    SingleInstance longPath(noBus(), deep);
-    EXPECT_EQ(longPath.claim(), Claim::first);
+    EXPECT_EQ(start({}), Claim::first);
+    EXPECT_EQ(start(folder() + "/missing"), Claim::first);
 }
 
 }  // namespace
