@@ -1,27 +1,30 @@
 #include "platform/linux/desktop/portal_hot_keys.h"
 
 #include <QMetaObject>
+#include <array>
+#include <string>
 #include <utility>
-
-#include "platform/linux/desktop/keysym_name.h"
 
 namespace tarnwick::platform {
 namespace {
 
 using State = PortalShortcut::State;
 
-/// Whoever registers tells these apart, and no other ones.
-enum class Outcome { held, taken, failed };
-
-Outcome outcomeOf(std::int32_t status) {
-    switch (status) {
-        case hot_key_status::kSuccess:
-            return Outcome::held;
-        case hot_key_status::kExists:
-            return Outcome::taken;
-        default:
-            return Outcome::failed;
+/// The combination as the desktops have agreed to write it, such as "SHIFT+LOGO+l". Empty without a
+/// key.
+QString triggerText(std::uint32_t modifiers, xkb_keysym_t keysym) {
+    std::array<char, 64> name{};
+    if (keysym == XKB_KEY_NoSymbol || xkb_keysym_get_name(keysym, name.data(), name.size()) < 0) {
+        return {};
     }
+    QString text;
+    for (const auto& [bit, word] : {std::pair(hot_key_modifier::kControl, "CTRL+"),
+                                    {hot_key_modifier::kOption, "ALT+"},
+                                    {hot_key_modifier::kShift, "SHIFT+"},
+                                    {hot_key_modifier::kCommand, "LOGO+"}}) {
+        text += (modifiers & bit) != 0 ? word : "";
+    }
+    return text + name.data();
 }
 
 }  // namespace
@@ -83,14 +86,14 @@ HotKeys::RegistrationResult PortalHotKeys::registerEventHotKey(std::uint32_t key
         holder_ = 0;
         drop();
         awaitsPortal_ = false;
-        const std::string name = keysymName(keyCode, layout_);
-        if (name.empty()) {
+        const QString trigger = triggerText(modifiers, layout_.keysym(keyCode));
+        if (trigger.isEmpty()) {
             return {told_ = portal_hot_key_status::kNoSuchKey, nullptr};
         }
         if (!bus_.isConnected()) {
             return {told_ = portal_hot_key_status::kUnavailable, nullptr};
         }
-        shortcut_.reset(new PortalShortcut(bus_, modifiers, name));
+        shortcut_.reset(new PortalShortcut(bus_, trigger));
         shortcut_->setParent(this);
         begin_.start(0);
     }
@@ -129,8 +132,6 @@ std::int32_t PortalHotKeys::status() const {
             return hot_key_status::kSuccess;
         case State::unbound:
             return portal_hot_key_status::kUnbound;
-        case State::taken:
-            return hot_key_status::kExists;
         case State::refused:
         case State::closed:
             return portal_hot_key_status::kRefused;
@@ -202,7 +203,7 @@ void PortalHotKeys::drop() {
 }
 
 void PortalHotKeys::tellIfChanged() {
-    if (outcomeOf(status()) != outcomeOf(told_)) {
+    if ((status() == hot_key_status::kSuccess) != (told_ == hot_key_status::kSuccess)) {
         told_ = status();
         tellLater();
     }
