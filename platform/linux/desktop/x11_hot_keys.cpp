@@ -5,8 +5,8 @@
 #include <utility>
 
 #include "platform/linux/desktop/key_codes.h"
-#include "platform/linux/desktop/x11_reply.h"
 #include "platform/linux/desktop/x11_xkb.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -64,7 +64,7 @@ void X11HotKeys::followKeyboard() {
     if (!extension || !extension->present) {
         return;
     }
-    const X11Reply<xcb_xkb_use_extension_reply_t> use(xcb_xkb_use_extension_reply(
+    const x11::Reply<xcb_xkb_use_extension_reply_t> use(xcb_xkb_use_extension_reply(
         connection_,
         xcb_xkb_use_extension(connection_, XCB_XKB_MAJOR_VERSION, XCB_XKB_MINOR_VERSION), nullptr));
     if (!use || !use->supported) {

@@ -4,7 +4,7 @@
 #include <vector>
 #include <xcb/xinput.h>
 
-#include "platform/linux/desktop/x11_reply.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -22,7 +22,7 @@ bool hasExtension(xcb_connection_t* connection) {
     if (!extension || !extension->present) {
         return false;
     }
-    const X11Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+    const x11::Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
         connection, xcb_input_xi_query_version(connection, kMajorVersion, kMinorVersion), nullptr));
     return version && version->major_version >= kMajorVersion;
 }
@@ -43,7 +43,7 @@ bool isGrabbedByInputExtension(xcb_connection_t* connection, const KeyCombinatio
          xcb_screen_next(&screens)) {
         const xcb_window_t root = screens.data->root;
         // Only taking it tells: the answer lists what somebody else has. It selects no events.
-        const X11Reply<xcb_input_xi_passive_grab_device_reply_t> reply(
+        const x11::Reply<xcb_input_xi_passive_grab_device_reply_t> reply(
             xcb_input_xi_passive_grab_device_reply(
                 connection,
                 xcb_input_xi_passive_grab_device(

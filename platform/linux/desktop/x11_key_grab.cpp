@@ -1,7 +1,7 @@
 #include "platform/linux/desktop/x11_key_grab.h"
 
 #include "platform/linux/desktop/x11_input_grabs.h"
-#include "platform/linux/desktop/x11_reply.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -45,7 +45,7 @@ int grabKey(xcb_connection_t* connection, const KeyCombination& combination) {
     });
     int result = 0;
     for (const xcb_void_cookie_t cookie : cookies) {
-        const X11Reply<xcb_generic_error_t> error(xcb_request_check(connection, cookie));
+        const x11::Reply<xcb_generic_error_t> error(xcb_request_check(connection, cookie));
         if (error && result != XCB_ACCESS) {
             result = error->error_code;
         }

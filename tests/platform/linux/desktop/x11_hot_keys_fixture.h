@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "platform/linux/desktop/x11_hot_keys.h"
-#include "platform/linux/desktop/x11_reply.h"
+#include "platform/qt/x11.h"
 #include "platform/testing/manual_dispatch.h"
 #include "tests/platform/linux/desktop/private_display.h"
 
@@ -68,7 +68,7 @@ class X11HotKeysTest : public ::testing::Test {
 
     /// Hands over every event that has come.
     void takeEvents() {
-        while (const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(own.connection())}) {
+        while (const x11::Reply<xcb_generic_event_t> event{xcb_poll_for_event(own.connection())}) {
             if (event->response_type == XCB_KEY_PRESS) {
                 ++keyPresses;
             }
