@@ -10,8 +10,13 @@ xcb_connection_t* connection() {
     return x11 == nullptr ? nullptr : x11->connection();
 }
 
-xcb_window_t root(xcb_connection_t* connection) {
-    return xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+std::vector<xcb_window_t> roots(xcb_connection_t* connection) {
+    std::vector<xcb_window_t> found;
+    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection)); screens.rem > 0;
+         xcb_screen_next(&screens)) {
+        found.push_back(screens.data->root);
+    }
+    return found;
 }
 
 xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
@@ -44,7 +49,7 @@ void activate(xcb_window_t window) {
     event.type = atom(server, "_NET_ACTIVE_WINDOW");
     event.data.data32[0] = kByTheUser;
     event.data.data32[1] = XCB_CURRENT_TIME;
-    xcb_send_event(server, 0, root(server),
+    xcb_send_event(server, 0, roots(server).front(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&event));
     xcb_flush(server);

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <vector>
 #include <xcb/xcb.h>
 
 namespace tarnwick::x11 {
@@ -18,8 +19,8 @@ using Reply = std::unique_ptr<T, Free>;
 /// Null where the desktop is no X server's.
 xcb_connection_t* connection();
 
-/// The root window of the first screen.
-xcb_window_t root(xcb_connection_t* connection);
+/// The root window of every screen, of which there is at least one.
+std::vector<xcb_window_t> roots(xcb_connection_t* connection);
 
 /// The number of a name; XCB_NONE when the server does not answer.
 xcb_atom_t atom(xcb_connection_t* connection, const std::string& name);

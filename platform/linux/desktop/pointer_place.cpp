@@ -27,7 +27,7 @@ struct PointerAndWindow {
 /// In the pixels of the display.
 std::optional<PointerAndWindow> windowUnderPointer(xcb_connection_t* connection) {
     const x11::Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
-        connection, xcb_query_pointer(connection, x11::root(connection)), nullptr));
+        connection, xcb_query_pointer(connection, x11::roots(connection).front()), nullptr));
     if (pointer == nullptr || pointer->child == XCB_NONE) {
         return std::nullopt;
     }

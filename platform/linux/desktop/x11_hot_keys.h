@@ -5,7 +5,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
 #include <xcb/xcb.h>
 
 #include "platform/dispatch.h"
@@ -16,9 +15,10 @@
 
 namespace tarnwick::platform {
 
-/// Command is Super, Option is Alt. Keys are taken by their place, so a layout cannot move them;
-/// it can move the modifiers, and then the grabs move with them. Reads no events itself: whoever
-/// does passes them to handle(). Main thread.
+/// One hot key at a time: registering one gives the one before back. Command is Super, Option is
+/// Alt. Keys are taken by their place, so a layout cannot move them; it can move the modifiers, and
+/// then the grabs move with them. Reads no events itself: whoever does passes them to handle().
+/// Main thread.
 ///
 /// Whether a press is the first one or a repetition is told by the times of the events, as the
 /// server sends them by itself: the connection must not ask for detectable auto-repeat, which
@@ -46,21 +46,32 @@ class X11HotKeys : public HotKeys {
 
  private:
     class Handle;
-    struct Registration;
+    struct Registration {
+        std::uint32_t keyCode;
+        std::uint32_t modifiers;
+        HotKeyID id;
+        /// Number of the handle that it was answered with; 0 when it was refused.
+        int handle = 0;
+        std::int32_t status = hot_key_status::kSuccess;
+        /// The status that the program knows.
+        std::int32_t toldStatus = hot_key_status::kSuccess;
+    };
 
     void followKeyboard();
     bool isKeyboardChange(const xcb_generic_event_t& event) const;
     bool pressed(const xcb_key_press_event_t& event);
     void keyboardChanged();
     void update();
-    std::optional<KeyCombination> combination(const Registration& registration) const;
-    bool isHeldHere(const KeyCombination& combination) const;
-    /// Grabs what the registration stands for now, and remembers how that went.
-    void grab(Registration& registration);
-    void release(Registration& registration);
-    bool hasNews() const;
+    /// Calls from the event loop, unless this is gone by then.
+    void later(void (X11HotKeys::*call)());
+    /// What the registration stands for on the keyboard of now.
+    std::optional<KeyCombination> combination() const;
+    /// Grabs that, and remembers how it went.
+    void grab();
+    void release();
     void tellNews();
-    void remove(const std::shared_ptr<Registration>& registration);
+    /// The handle of that number is gone.
+    void remove(int handle);
 
     xcb_connection_t* connection_;
     Dispatch& dispatch_;
@@ -69,10 +80,11 @@ class X11HotKeys : public HotKeys {
     X11Modifiers modifiers_;
     /// First event code of the keyboard extension; 0 without the extension.
     std::uint8_t keyboardEvent_ = 0;
-    std::vector<std::shared_ptr<Registration>> registrations_;
-    /// The last one asked for, where it was refused.
-    std::shared_ptr<Registration> refused_;
-    int count_ = 0;
+    /// The last one that was asked for, until it is given back or withdrawn.
+    std::optional<Registration> registration_;
+    /// Absent while nothing is grabbed.
+    std::optional<KeyCombination> held_;
+    int handles_ = 0;
     /// A change of the keyboard waits to be looked at.
     bool isStale_ = false;
     // The last release of any key.

@@ -27,15 +27,6 @@ DisplayClient::~DisplayClient() {
     xcb_disconnect(connection_);
 }
 
-std::vector<xcb_window_t> DisplayClient::roots() const {
-    std::vector<xcb_window_t> found;
-    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_)); screens.rem > 0;
-         xcb_screen_next(&screens)) {
-        found.push_back(screens.data->root);
-    }
-    return found;
-}
-
 bool DisplayClient::grab(std::uint8_t key, std::uint16_t modifiers, xcb_window_t root) {
     const x11::Reply<xcb_generic_error_t> error(xcb_request_check(
         connection_, xcb_grab_key_checked(connection_, 0, root, modifiers, key, XCB_GRAB_MODE_ASYNC,

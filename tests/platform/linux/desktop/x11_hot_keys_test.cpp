@@ -196,18 +196,16 @@ TEST_F(X11HotKeysTest, ItsEndGivesTheCombinationBack) {
     EXPECT_THAT(pressesOf({kSuper}, kX11L), IsEmpty());
 }
 
-TEST_F(X11HotKeysTest, ASecondTimeInThisProgramExists) {
+TEST_F(X11HotKeysTest, AnotherRegistrationTakesThePlaceOfTheOneBefore) {
     auto first = add(kL, key::kCommand);
-    EXPECT_EQ(add(kL, key::kCommand, kOther).status, status::kExists);
-    EXPECT_THAT(pressesOf({kSuper}, kX11L), ElementsAre(kCommandL));
-    first.handle.reset();
-    EXPECT_EQ(add(kL, key::kCommand).status, status::kSuccess);
-}
-
-TEST_F(X11HotKeysTest, HandlesTellThemselvesApart) {
-    const auto first = add(kL, key::kCommand);
-    const auto second = add(kL, key::kCommand | key::kShift);
+    auto second = add(kL, key::kCommand | key::kShift);
     EXPECT_NE(first.handle->description(), second.handle->description());
+    EXPECT_THAT(pressesOf({kSuper}, kX11L), IsEmpty());
+    first.handle.reset();
+    EXPECT_THAT(pressesOf({kSuper, kShift}, kX11L), ElementsAre(kCommandL));
+    EXPECT_EQ(add(200, key::kCommand).status, X11HotKeys::kInvalid);
+    second.handle.reset();
+    EXPECT_TRUE(isFree(XCB_MOD_MASK_4 | XCB_MOD_MASK_SHIFT));
 }
 
 TEST_F(X11HotKeysTest, AKeyThatNoKeyboardHasIsInvalid) {
