@@ -29,22 +29,6 @@ QString triggerText(std::uint32_t modifiers, xkb_keysym_t keysym) {
 
 }  // namespace
 
-class PortalHotKeys::Handle final : public HotKeyHandle {
- public:
-    Handle(PortalHotKeys& owner, int number) : owner_(owner), number_(number) {}
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-    ~Handle() override { owner_.release(number_); }
-
-    std::string description() const override {
-        return "shortcut " + std::to_string(number_) + " of the portal";
-    }
-
- private:
-    PortalHotKeys& owner_;
-    const int number_;
-};
-
 void PortalHotKeys::Closer::operator()(PortalShortcut* shortcut) const {
     shortcut->close();
     // It may be what is calling.
@@ -105,7 +89,8 @@ HotKeys::RegistrationResult PortalHotKeys::registerEventHotKey(std::uint32_t key
     if (std::exchange(hasPress_, false)) {
         QMetaObject::invokeMethod(this, &PortalHotKeys::pressed, Qt::QueuedConnection);
     }
-    return {told_, std::make_unique<Handle>(*this, holder_)};
+    return {told_, makeHandle("shortcut " + std::to_string(holder_) + " of the portal",
+                              [this, handle = holder_] { release(handle); })};
 }
 
 void PortalHotKeys::withdrawRegistration() {

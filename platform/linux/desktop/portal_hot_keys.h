@@ -56,7 +56,6 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void disconnected();
 
  private:
-    class Handle;
     struct Closer {
         void operator()(PortalShortcut* shortcut) const;
     };

@@ -19,22 +19,9 @@ constexpr std::uint16_t kMapParts = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART
 
 }  // namespace
 
-class X11HotKeys::Handle final : public HotKeyHandle {
- public:
-    Handle(X11HotKeys& owner, int number) : owner_(owner), number_(number) {}
-    ~Handle() override { owner_.remove(number_); }
-
-    std::string description() const override { return "key grab " + std::to_string(number_); }
-
- private:
-    X11HotKeys& owner_;
-    const int number_;
-};
-
 X11HotKeys::X11HotKeys(xcb_connection_t* connection, Dispatch& dispatch)
     : connection_(connection), dispatch_(dispatch) {
     followKeyboard();
-    modifiers_ = readModifiers(connection_).value_or(X11Modifiers());
 }
 
 X11HotKeys::~X11HotKeys() = default;
@@ -49,6 +36,7 @@ void X11HotKeys::followKeyboard() {
     // Adds to what the toolkit has selected on the same connection, and takes nothing away.
     xcb_xkb_select_events(connection_, XCB_XKB_ID_USE_CORE_KBD, kKeyboardEvents, 0, kKeyboardEvents,
                           kMapParts, kMapParts, nullptr);
+    xcb_flush(connection_);
 }
 
 HotKeys::HandlerResult X11HotKeys::installEventHandler(HotKeyHandler handler) {
@@ -58,22 +46,27 @@ HotKeys::HandlerResult X11HotKeys::installEventHandler(HotKeyHandler handler) {
 HotKeys::RegistrationResult X11HotKeys::registerEventHotKey(std::uint32_t keyCode,
                                                             std::uint32_t modifiers, HotKeyID id) {
     release();
-    registration_.reset();
-    // The keyboard may have changed with its event still on the way.
-    update();
-    registration_ = Registration{keyCode, modifiers, id};
-    grab();
-    const std::int32_t status = registration_->toldStatus = registration_->status;
-    if (status != hot_key_status::kSuccess) {
-        return {status, nullptr};
+    const int number = ++registrations_;
+    modifiers_ = readModifiers(connection_).value_or(X11Modifiers());
+    const auto wanted = combination(keyCode, modifiers);
+    const int error = wanted ? grabKey(connection_, *wanted) : kInvalid;
+    if (error != 0) {
+        return {error == XCB_ACCESS ? hot_key_status::kExists : error, nullptr};
     }
-    registration_->handle = ++handles_;
-    return {status, std::make_unique<Handle>(*this, handles_)};
+    held_ = wanted;
+    id_ = id;
+    return {hot_key_status::kSuccess,
+            makeHandle("key grab " + std::to_string(number), [this, number] {
+                if (number == registrations_) {
+                    release();
+                    withdrawRegistration();
+                }
+            })};
 }
 
 void X11HotKeys::withdrawRegistration() {
-    if (registration_ && registration_->handle == 0) {
-        registration_.reset();
+    if (!held_) {
+        modifiers_.reset();
     }
 }
 
@@ -81,36 +74,21 @@ void X11HotKeys::setRegistrationChanged(std::function<void()> changed) {
     changed_ = std::move(changed);
 }
 
-std::optional<KeyCombination> X11HotKeys::combination() const {
-    const auto key = x11KeyCode(registration_->keyCode);
-    const auto bits = modifiers_.bits(registration_->modifiers);
+std::optional<KeyCombination> X11HotKeys::combination(std::uint32_t keyCode,
+                                                      std::uint32_t modifiers) const {
+    const auto key = x11KeyCode(keyCode);
+    const auto bits = modifiers_->bits(modifiers);
     const xcb_setup_t* setup = xcb_get_setup(connection_);
     if (!key || *key < setup->min_keycode || *key > setup->max_keycode || !bits) {
         return std::nullopt;
     }
-    return KeyCombination{*key, *bits, modifiers_.locks()};
-}
-
-void X11HotKeys::grab() {
-    const auto wanted = combination();
-    const int error = wanted ? grabKey(connection_, *wanted) : kInvalid;
-    registration_->status = error == XCB_ACCESS ? hot_key_status::kExists : error;
-    if (error == 0) {
-        held_ = wanted;
-    }
+    return KeyCombination{*key, *bits, modifiers_->locks()};
 }
 
 void X11HotKeys::release() {
     if (held_) {
         ungrabKey(connection_, *held_);
         held_.reset();
-    }
-}
-
-void X11HotKeys::remove(int handle) {
-    if (registration_ && registration_->handle == handle) {
-        release();
-        registration_.reset();
     }
 }
 
@@ -149,57 +127,30 @@ bool X11HotKeys::pressed(const xcb_key_press_event_t& event) {
     }
     // A key that repeats is released and pressed in the same moment.
     if (event.detail != releasedKey_ || event.time != releasedAt_) {
-        handlers_.press(registration_->id);
+        handlers_.press(id_);
     }
     return true;
 }
 
 void X11HotKeys::keyboardChanged() {
-    // A new layout comes as a burst of events.
-    if (!std::exchange(isStale_, true)) {
-        later(&X11HotKeys::update);
+    if (std::exchange(isStale_, true)) {
+        return;
     }
-}
-
-void X11HotKeys::later(void (X11HotKeys::*call)()) {
-    dispatch_.async([call, weak = std::weak_ptr(self_)] {
+    dispatch_.async([weak = std::weak_ptr(self_)] {
         if (const auto self = weak.lock()) {
-            ((*self)->*call)();
+            (*self)->tellIfModifiersMoved();
         }
     });
 }
 
-void X11HotKeys::update() {
+void X11HotKeys::tellIfModifiersMoved() {
     isStale_ = false;
     const auto modifiers = readModifiers(connection_);
-    if (!modifiers || *modifiers == modifiers_) {
-        return;
-    }
-    modifiers_ = *modifiers;
-    if (!registration_) {
-        return;
-    }
-    if (!held_ || held_ != combination()) {
-        release();
-        grab();
-    }
-    if (registration_->handle == 0) {
-        // Only to see whether it still would be refused.
-        release();
-    }
-    if (registration_->status != registration_->toldStatus) {
-        later(&X11HotKeys::tellNews);
-    }
-}
-
-void X11HotKeys::tellNews() {
-    // It may have become what it was, or have been registered anew.
-    if (!registration_ || registration_->status == registration_->toldStatus) {
-        return;
-    }
-    registration_->toldStatus = registration_->status;
-    if (const auto changed = changed_) {
-        changed();
+    if (modifiers_ && modifiers && modifiers != modifiers_) {
+        modifiers_ = modifiers;
+        if (const auto changed = changed_) {
+            changed();
+        }
     }
 }
 

@@ -17,8 +17,8 @@ namespace tarnwick::platform {
 
 /// One hot key at a time: registering one gives the one before back. Command is Super, Option is
 /// Alt. Keys are taken by their place, so a layout cannot move them; it can move the modifiers, and
-/// then the grabs move with them. Reads no events itself: whoever does passes them to handle().
-/// Main thread.
+/// then registering again is suggested. Reads no events itself: whoever does passes them to
+/// handle(). Main thread.
 ///
 /// Whether a press is the first one or a repetition is told by the times of the events, as the
 /// server sends them by itself: the connection must not ask for detectable auto-repeat, which
@@ -45,46 +45,29 @@ class X11HotKeys : public HotKeys {
     bool handle(const xcb_generic_event_t& event);
 
  private:
-    class Handle;
-    struct Registration {
-        std::uint32_t keyCode;
-        std::uint32_t modifiers;
-        HotKeyID id;
-        /// Number of the handle that it was answered with; 0 when it was refused.
-        int handle = 0;
-        std::int32_t status = hot_key_status::kSuccess;
-        /// The status that the program knows.
-        std::int32_t toldStatus = hot_key_status::kSuccess;
-    };
-
     void followKeyboard();
     bool isKeyboardChange(const xcb_generic_event_t& event) const;
     bool pressed(const xcb_key_press_event_t& event);
+    /// Looks at the keyboard in a turn of its own: a new layout comes as a burst of events.
     void keyboardChanged();
-    void update();
-    /// Calls from the event loop, unless this is gone by then.
-    void later(void (X11HotKeys::*call)());
-    /// What the registration stands for on the keyboard of now.
-    std::optional<KeyCombination> combination() const;
-    /// Grabs that, and remembers how it went.
-    void grab();
+    void tellIfModifiersMoved();
+    /// What to grab on the keyboard of now; absent where that lacks a key for it.
+    std::optional<KeyCombination> combination(std::uint32_t keyCode, std::uint32_t modifiers) const;
     void release();
-    void tellNews();
-    /// The handle of that number is gone.
-    void remove(int handle);
 
     xcb_connection_t* connection_;
     Dispatch& dispatch_;
     HotKeyHandlers handlers_;
     std::function<void()> changed_;
-    X11Modifiers modifiers_;
+    /// As the last registration found them; absent when there is none.
+    std::optional<X11Modifiers> modifiers_;
     /// First event code of the keyboard extension; 0 without the extension.
     std::uint8_t keyboardEvent_ = 0;
-    /// The last one that was asked for, until it is given back or withdrawn.
-    std::optional<Registration> registration_;
     /// Absent while nothing is grabbed.
     std::optional<KeyCombination> held_;
-    int handles_ = 0;
+    HotKeyID id_;
+    /// Counts registrations: the handle of an older one gives nothing back.
+    int registrations_ = 0;
     /// A change of the keyboard waits to be looked at.
     bool isStale_ = false;
     // The last release of any key.
