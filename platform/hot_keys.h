@@ -88,9 +88,9 @@ class HotKeys {
     /// is touched.
     virtual void withdrawRegistration() = 0;
 
-    /// `changed` is called on the main thread when the outcome of the last registration is another
-    /// one now: a desktop that asks its user first has decided, or the combination was lost with
-    /// the keyboard's layout. Registering again then gives the outcome of now, at once. Never
+    /// `changed` is called on the main thread when the outcome of the last registration may be
+    /// another one now: a desktop that asks its user first has decided, or the modifiers have moved
+    /// with the keyboard's layout. Registering again then gives the outcome of now, at once. Never
     /// called from inside the operations above.
     virtual void setRegistrationChanged(std::function<void()> changed) = 0;
 };

@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <string>
 
-#include "ui/qt/x11.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::qt {
 
@@ -19,13 +19,7 @@ bool hasCompositor() {
     if (xcb_parse_display(nullptr, &host, &display, &screen) != 0) {
         std::free(host);
     }
-    const xcb_atom_t selection = x11::atom(connection, "_NET_WM_CM_S" + std::to_string(screen));
-    if (selection == XCB_NONE) {
-        return false;
-    }
-    const x11::Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-        connection, xcb_get_selection_owner(connection, selection), nullptr));
-    return owner != nullptr && owner->owner != XCB_NONE;
+    return x11::selectionOwner(connection, "_NET_WM_CM_S" + std::to_string(screen)) != XCB_NONE;
 }
 
 }  // namespace tarnwick::qt

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/qt/x11.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::qt {
 namespace {
@@ -22,7 +22,7 @@ bool isOurs(std::uint32_t window) {
 ForeignActivation::ForeignActivation(std::function<void()> activated)
     : activated_(std::move(activated)) {
     if (xcb_connection_t* connection = x11::connection()) {
-        root_ = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
+        root_ = x11::roots(connection).front();
         property_ = x11::atom(connection, "_NET_ACTIVE_WINDOW");
         activeAtFirst_ = activeWindow();
         // The toolkit listens to the root window's properties already.

@@ -12,11 +12,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/qt/x11.h"
 #include "ui/qt/button_widget.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/panel_placement.h"
 #include "ui/qt/shadow.h"
-#include "ui/qt/x11.h"
 
 namespace tarnwick::qt {
 

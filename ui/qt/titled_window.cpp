@@ -6,7 +6,7 @@
 #include <QScreen>
 #include <utility>
 
-#include "ui/qt/x11.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::qt {
 

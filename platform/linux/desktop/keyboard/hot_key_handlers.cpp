@@ -18,33 +18,37 @@ class Press final : public HotKeyEvent {
     HotKeyID id_;
 };
 
-}  // namespace
-
-class HotKeyHandlers::Handle final : public HotKeyHandle {
+class Handle final : public HotKeyHandle {
  public:
-    Handle(HotKeyHandlers& owner, std::shared_ptr<HotKeyHandler> handler)
-        : owner_(owner), handler_(std::move(handler)) {}
-    ~Handle() override { owner_.handlers_.remove(handler_); }
+    Handle(std::string description, std::function<void()> gone)
+        : description_(std::move(description)), gone_(std::move(gone)) {}
+    Handle(const Handle&) = delete;
+    Handle& operator=(const Handle&) = delete;
+    ~Handle() override { gone_(); }
 
-    std::string description() const override { return "handler of hot keys"; }
+    std::string description() const override { return description_; }
 
  private:
-    HotKeyHandlers& owner_;
-    std::shared_ptr<HotKeyHandler> handler_;
+    const std::string description_;
+    const std::function<void()> gone_;
 };
 
+}  // namespace
+
+std::unique_ptr<HotKeyHandle> makeHandle(std::string description, std::function<void()> gone) {
+    return std::make_unique<Handle>(std::move(description), std::move(gone));
+}
+
 std::unique_ptr<HotKeyHandle> HotKeyHandlers::add(HotKeyHandler handler) {
-    handlers_.push_front(std::make_shared<HotKeyHandler>(std::move(handler)));
-    return std::make_unique<Handle>(*this, handlers_.front());
+    auto kept = std::make_shared<HotKeyHandler>(std::move(handler));
+    handler_ = kept;
+    return makeHandle("handler of hot keys", [kept = std::move(kept)] {});
 }
 
 void HotKeyHandlers::press(HotKeyID id) const {
-    const Press event(id);
-    const auto handlers = handlers_;
-    for (const auto& handler : handlers) {
-        if ((*handler)(&event) != hot_key_status::kEventNotHandled) {
-            return;
-        }
+    if (const auto handler = handler_.lock()) {
+        const Press event(id);
+        (*handler)(&event);
     }
 }
 

@@ -1,26 +1,28 @@
-// The handlers of hot key events, for whatever brings the events.
+// What the sources of hot keys share: handles, and the handler of their events.
 #pragma once
 
-#include <list>
+#include <functional>
 #include <memory>
+#include <string>
 
 #include "platform/hot_keys.h"
 
 namespace tarnwick::platform {
 
-/// Main thread.
+/// Calls `gone` when it is destroyed.
+std::unique_ptr<HotKeyHandle> makeHandle(std::string description, std::function<void()> gone);
+
+/// A program installs one handler; of several the newest is asked. Main thread.
 class HotKeyHandlers final {
  public:
-    /// The handler stays until the handle is destroyed, which must happen before this ends.
+    /// The handler stays until the handle is destroyed.
     std::unique_ptr<HotKeyHandle> add(HotKeyHandler handler);
-    /// Offers the press of a hot key to the handlers, the newest first, until one has handled it.
-    /// A handler may add and remove handlers.
+    /// Tells the handler, if there is one, of the press of a hot key. It may remove itself.
     void press(HotKeyID id) const;
 
  private:
-    class Handle;
-
-    std::list<std::shared_ptr<HotKeyHandler>> handlers_;
+    /// Its handle keeps it.
+    std::weak_ptr<HotKeyHandler> handler_;
 };
 
 }  // namespace tarnwick::platform

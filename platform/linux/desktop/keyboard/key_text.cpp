@@ -1,10 +1,11 @@
 #include "platform/linux/desktop/keyboard/key_text.h"
 
+#include <QChar>
 #include <QString>
 #include <algorithm>
 #include <array>
 #include <span>
-#include <string_view>
+#include <utility>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "platform/linux/desktop/keyboard/key_codes.h"
@@ -12,43 +13,31 @@
 namespace tarnwick::platform {
 namespace {
 
-struct DeadKey {
-    xkb_keysym_t keysym;
-    std::string_view accent;
-};
-
-/// Dead keys whose accent is a character by itself; the library gives no text for any of them.
-constexpr auto kDeadKeys = std::to_array<DeadKey>({
-    {XKB_KEY_dead_grave, "`"},
-    {XKB_KEY_dead_acute, "´"},
-    {XKB_KEY_dead_circumflex, "^"},
-    {XKB_KEY_dead_tilde, "~"},
-    {XKB_KEY_dead_macron, "¯"},
-    {XKB_KEY_dead_breve, "˘"},
-    {XKB_KEY_dead_abovedot, "˙"},
-    {XKB_KEY_dead_diaeresis, "¨"},
-    {XKB_KEY_dead_abovering, "˚"},
-    {XKB_KEY_dead_doubleacute, "˝"},
-    {XKB_KEY_dead_caron, "ˇ"},
-    {XKB_KEY_dead_cedilla, "¸"},
-    {XKB_KEY_dead_ogonek, "˛"},
-    {XKB_KEY_dead_iota, "ͺ"},
-    {XKB_KEY_dead_voiced_sound, "゛"},
-    {XKB_KEY_dead_semivoiced_sound, "゜"},
-    {XKB_KEY_dead_currency, "¤"},
-    {XKB_KEY_dead_greek, "µ"},
+/// Dead keys that layouts have without modifiers and whose accent is a character by itself; the
+/// library gives no text for any of them.
+constexpr auto kAccents = std::to_array<std::pair<xkb_keysym_t, char32_t>>({
+    {XKB_KEY_dead_grave, U'`'},
+    {XKB_KEY_dead_acute, U'´'},
+    {XKB_KEY_dead_circumflex, U'^'},
+    {XKB_KEY_dead_tilde, U'~'},
+    {XKB_KEY_dead_macron, U'¯'},
+    {XKB_KEY_dead_abovedot, U'˙'},
+    {XKB_KEY_dead_diaeresis, U'¨'},
+    {XKB_KEY_dead_abovering, U'˚'},
+    {XKB_KEY_dead_caron, U'ˇ'},
+    {XKB_KEY_dead_cedilla, U'¸'},
 });
-
-/// Longest text of one keysym: four bytes, or six in the library's eyes, and the final zero.
-constexpr std::size_t kLongestText = 8;
-
-std::string upperCase(const std::string& text) {
-    return QString::fromStdString(text).toUpper().toStdString();
-}
 
 /// A key of the keypad that moves, unless Num Lock makes a digit of it.
 bool movesOnKeypad(xkb_keysym_t keysym) {
     return keysym >= XKB_KEY_KP_Home && keysym <= XKB_KEY_KP_Delete;
+}
+
+/// A letter of the Latin script, or what belongs to no script.
+bool isOfLatinKeyboard(xkb_keysym_t keysym) {
+    const auto script = QChar::script(xkb_keysym_to_utf32(keysym));
+    return keysym != XKB_KEY_NoSymbol &&
+           (script == QChar::Script_Latin || script == QChar::Script_Common);
 }
 
 /// A key in the layout that it uses.
@@ -58,7 +47,7 @@ struct Place {
 };
 
 std::optional<Place> placeOf(xkb_keymap& keymap, xkb_layout_index_t layout,
-                             std::uint16_t virtualKeyCode) {
+                             std::uint32_t virtualKeyCode) {
     const auto key = x11KeyCode(virtualKeyCode);
     const XkbState state(xkb_state_new(&keymap));
     if (!key || !state) {
@@ -70,39 +59,53 @@ std::optional<Place> placeOf(xkb_keymap& keymap, xkb_layout_index_t layout,
     return ownLayout == XKB_LAYOUT_INVALID ? std::nullopt : std::optional(Place{*key, ownLayout});
 }
 
-std::span<const xkb_keysym_t> keysyms(xkb_keymap& keymap, const Place& place,
-                                      xkb_level_index_t level) {
+std::span<const xkb_keysym_t> keysymsAt(xkb_keymap& keymap, const Place& place,
+                                        xkb_level_index_t level) {
     const xkb_keysym_t* found = nullptr;
     const int count =
         xkb_keymap_key_get_syms_by_level(&keymap, place.key, place.layout, level, &found);
     return {found, static_cast<std::size_t>(std::max(count, 0))};
 }
 
-}  // namespace
+/// What the key produces; a key of the keypad its digit.
+std::span<const xkb_keysym_t> keysyms(xkb_keymap& keymap, const Place& place) {
+    const auto produced = keysymsAt(keymap, place, 0);
+    return !produced.empty() && movesOnKeypad(produced.front()) ? keysymsAt(keymap, place, 1)
+                                                                : produced;
+}
 
-XkbContext makeServerContext() {
-    XkbContext context(xkb_context_new(static_cast<xkb_context_flags>(
-        XKB_CONTEXT_NO_DEFAULT_INCLUDES | XKB_CONTEXT_NO_ENVIRONMENT_NAMES)));
+/// The character of a keysym; none for one whose character cannot be seen.
+QString characterOf(xkb_keysym_t keysym) {
+    const auto dead =
+        std::ranges::find(kAccents, keysym, [](const auto& each) { return each.first; });
+    const char32_t character =
+        dead != kAccents.end() ? dead->second : char32_t{xkb_keysym_to_utf32(keysym)};
+    return QChar::category(character) == QChar::Other_Control ? QString()
+                                                              : QString::fromUcs4(&character, 1);
+}
+
+XkbContext makeContext(int flags) {
+    XkbContext context(
+        xkb_context_new(static_cast<xkb_context_flags>(flags | XKB_CONTEXT_NO_ENVIRONMENT_NAMES)));
     if (context) {
-        // What is wrong with a server's keymap is nothing that the user could put right.
+        // What is wrong with a keymap is nothing that the user could put right.
         xkb_context_set_log_level(context.get(), XKB_LOG_LEVEL_CRITICAL);
     }
     return context;
 }
 
-std::string keysymText(xkb_keysym_t keysym) {
-    const auto dead = std::find_if(kDeadKeys.begin(), kDeadKeys.end(),
-                                   [keysym](const DeadKey& key) { return key.keysym == keysym; });
-    if (dead != kDeadKeys.end()) {
-        return upperCase(std::string(dead->accent));
-    }
-    std::array<char, kLongestText> text{};
-    const int size = xkb_keysym_to_utf8(keysym, text.data(), text.size());
-    // The size counts the final zero; Return, Tab and the like are control characters.
-    if (size < 2 || static_cast<unsigned char>(text[0]) < 0x20 || text[0] == 0x7F) {
-        return {};
-    }
-    return upperCase(text.data());
+}  // namespace
+
+XkbContext makeServerContext() {
+    return makeContext(XKB_CONTEXT_NO_DEFAULT_INCLUDES);
+}
+
+XkbKeymap installedKeymap(const char* layouts) {
+    const XkbContext context = makeContext(XKB_CONTEXT_NO_FLAGS);
+    const xkb_rule_names names = {"evdev", "pc105", layouts, "", ""};
+    return XkbKeymap(
+        context ? xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS)
+                : nullptr);
 }
 
 std::optional<std::string> keyText(xkb_keymap& keymap, xkb_layout_index_t layout,
@@ -111,25 +114,34 @@ std::optional<std::string> keyText(xkb_keymap& keymap, xkb_layout_index_t layout
     if (!place) {
         return std::nullopt;
     }
-    auto produced = keysyms(keymap, *place, 0);
-    if (!produced.empty() && movesOnKeypad(produced.front())) {
-        produced = keysyms(keymap, *place, 1);
+    QString text;
+    for (const xkb_keysym_t keysym : keysyms(keymap, *place)) {
+        text += characterOf(keysym);
     }
-    std::string text;
-    for (const xkb_keysym_t keysym : produced) {
-        text += keysymText(keysym);
-    }
-    return text.empty() ? std::nullopt : std::optional(text);
+    return text.isEmpty() ? std::nullopt : std::optional(text.toUpper().toStdString());
 }
 
 xkb_keysym_t keyKeysym(xkb_keymap& keymap, xkb_layout_index_t layout,
-                       std::uint16_t virtualKeyCode) {
+                       std::uint32_t virtualKeyCode) {
     const auto place = placeOf(keymap, layout, virtualKeyCode);
     if (!place) {
         return XKB_KEY_NoSymbol;
     }
-    const auto produced = keysyms(keymap, *place, 0);
-    return produced.size() == 1 ? produced.front() : XKB_KEY_NoSymbol;
+    const auto keysymIn = [&](xkb_layout_index_t each) -> xkb_keysym_t {
+        const auto produced = keysyms(keymap, {place->key, each});
+        return produced.size() == 1 ? produced.front() : XKB_KEY_NoSymbol;
+    };
+    const xkb_keysym_t own = keysymIn(place->layout);
+    if (isOfLatinKeyboard(own)) {
+        return own;
+    }
+    const xkb_layout_index_t layouts = xkb_keymap_num_layouts_for_key(&keymap, place->key);
+    for (xkb_layout_index_t each = 0; each < layouts; ++each) {
+        if (const xkb_keysym_t other = keysymIn(each); isOfLatinKeyboard(other)) {
+            return other;
+        }
+    }
+    return own;
 }
 
 }  // namespace tarnwick::platform

@@ -21,9 +21,9 @@ using XkbState = std::unique_ptr<xkb_state, XkbDeleter>;
 /// A context for keymaps that a display server describes: it reads neither files nor variables.
 XkbContext makeServerContext();
 
-/// The character of a keysym, UTF-8, in upper case; a dead key gives its accent. Empty for one that
-/// has no character or whose character cannot be seen.
-std::string keysymText(xkb_keysym_t keysym);
+/// A keyboard with layouts as the machine has them: "us,ru" or "us(intl)". Reads files; null when
+/// the machine has no such layout.
+XkbKeymap installedKeymap(const char* layouts);
 
 /// The characters of a key without modifiers, UTF-8, in upper case. Keys of the keypad give their
 /// digits and signs, whatever Num Lock says; a dead key gives its accent. Absent for a key that
@@ -32,8 +32,10 @@ std::string keysymText(xkb_keysym_t keysym);
 std::optional<std::string> keyText(xkb_keymap& keymap, xkb_layout_index_t layout,
                                    std::uint16_t virtualKeyCode);
 
-/// What a key produces without modifiers. XKB_KEY_NoSymbol for a key that the keyboard does not
-/// have, and for one that produces nothing, or several things at once.
-xkb_keysym_t keyKeysym(xkb_keymap& keymap, xkb_layout_index_t layout, std::uint16_t virtualKeyCode);
+/// What a key produces without modifiers, those of the keypad with Num Lock. A letter of another
+/// script than the Latin one gives way to what the first of the keymap's layouts with a Latin one
+/// has there: by that desktops find the key in every layout. XKB_KEY_NoSymbol for a key that the
+/// keyboard does not have, and for one that produces nothing, or several things at once.
+xkb_keysym_t keyKeysym(xkb_keymap& keymap, xkb_layout_index_t layout, std::uint32_t virtualKeyCode);
 
 }  // namespace tarnwick::platform

@@ -1,46 +1,33 @@
 #include "platform/linux/desktop/keyboard/portal_hot_keys.h"
 
 #include <QMetaObject>
+#include <array>
+#include <string>
 #include <utility>
-
-#include "platform/linux/desktop/keyboard/keysym_name.h"
 
 namespace tarnwick::platform {
 namespace {
 
 using State = PortalShortcut::State;
 
-/// Whoever registers tells these apart, and no other ones.
-enum class Outcome { held, taken, failed };
-
-Outcome outcomeOf(std::int32_t status) {
-    switch (status) {
-        case hot_key_status::kSuccess:
-            return Outcome::held;
-        case hot_key_status::kExists:
-            return Outcome::taken;
-        default:
-            return Outcome::failed;
+/// The combination as the desktops have agreed to write it, such as "SHIFT+LOGO+l". Empty without a
+/// key.
+QString triggerText(std::uint32_t modifiers, xkb_keysym_t keysym) {
+    std::array<char, 64> name{};
+    if (keysym == XKB_KEY_NoSymbol || xkb_keysym_get_name(keysym, name.data(), name.size()) < 0) {
+        return {};
     }
+    QString text;
+    for (const auto& [bit, word] : {std::pair(hot_key_modifier::kControl, "CTRL+"),
+                                    {hot_key_modifier::kOption, "ALT+"},
+                                    {hot_key_modifier::kShift, "SHIFT+"},
+                                    {hot_key_modifier::kCommand, "LOGO+"}}) {
+        text += (modifiers & bit) != 0 ? word : "";
+    }
+    return text + name.data();
 }
 
 }  // namespace
-
-class PortalHotKeys::Handle final : public HotKeyHandle {
- public:
-    Handle(PortalHotKeys& owner, int number) : owner_(owner), number_(number) {}
-    Handle(const Handle&) = delete;
-    Handle& operator=(const Handle&) = delete;
-    ~Handle() override { owner_.release(number_); }
-
-    std::string description() const override {
-        return "shortcut " + std::to_string(number_) + " of the portal";
-    }
-
- private:
-    PortalHotKeys& owner_;
-    const int number_;
-};
 
 void PortalHotKeys::Closer::operator()(PortalShortcut* shortcut) const {
     shortcut->close();
@@ -83,14 +70,14 @@ HotKeys::RegistrationResult PortalHotKeys::registerEventHotKey(std::uint32_t key
         holder_ = 0;
         drop();
         awaitsPortal_ = false;
-        const std::string name = keysymName(keyCode, layout_);
-        if (name.empty()) {
+        const QString trigger = triggerText(modifiers, layout_.keysym(keyCode));
+        if (trigger.isEmpty()) {
             return {told_ = portal_hot_key_status::kNoSuchKey, nullptr};
         }
         if (!bus_.isConnected()) {
             return {told_ = portal_hot_key_status::kUnavailable, nullptr};
         }
-        shortcut_.reset(new PortalShortcut(bus_, modifiers, name));
+        shortcut_.reset(new PortalShortcut(bus_, trigger));
         shortcut_->setParent(this);
         begin_.start(0);
     }
@@ -102,7 +89,8 @@ HotKeys::RegistrationResult PortalHotKeys::registerEventHotKey(std::uint32_t key
     if (std::exchange(hasPress_, false)) {
         QMetaObject::invokeMethod(this, &PortalHotKeys::pressed, Qt::QueuedConnection);
     }
-    return {told_, std::make_unique<Handle>(*this, holder_)};
+    return {told_, makeHandle("shortcut " + std::to_string(holder_) + " of the portal",
+                              [this, handle = holder_] { release(handle); })};
 }
 
 void PortalHotKeys::withdrawRegistration() {
@@ -129,8 +117,6 @@ std::int32_t PortalHotKeys::status() const {
             return hot_key_status::kSuccess;
         case State::unbound:
             return portal_hot_key_status::kUnbound;
-        case State::taken:
-            return hot_key_status::kExists;
         case State::refused:
         case State::closed:
             return portal_hot_key_status::kRefused;
@@ -202,7 +188,7 @@ void PortalHotKeys::drop() {
 }
 
 void PortalHotKeys::tellIfChanged() {
-    if (outcomeOf(status()) != outcomeOf(told_)) {
+    if ((status() == hot_key_status::kSuccess) != (told_ == hot_key_status::kSuccess)) {
         told_ = status();
         tellLater();
     }

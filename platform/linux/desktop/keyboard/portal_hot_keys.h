@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
-#include <string>
 
 #include "platform/hot_keys.h"
 #include "platform/linux/desktop/keyboard/hot_key_handlers.h"
@@ -18,7 +17,7 @@
 
 namespace tarnwick::platform {
 
-/// Why the portal gives no hot key, beside kExists when its user chose other keys.
+/// Why the portal gives no hot key.
 namespace portal_hot_key_status {
 /// The portal, or its user, has not decided yet.
 inline constexpr std::int32_t kAsking = 1;
@@ -28,7 +27,7 @@ inline constexpr std::int32_t kUnbound = 2;
 inline constexpr std::int32_t kRefused = 3;
 /// There is no session bus, no portal, or none that has shortcuts.
 inline constexpr std::int32_t kUnavailable = 4;
-/// The key has no name that the portal would know.
+/// No layout in use has anything on the key.
 inline constexpr std::int32_t kNoSuchKey = 5;
 }  // namespace portal_hot_key_status
 
@@ -57,7 +56,6 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void disconnected();
 
  private:
-    class Handle;
     struct Closer {
         void operator()(PortalShortcut* shortcut) const;
     };
@@ -71,7 +69,8 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void release(int handle);
     void dropUnclaimed();
     void drop();
-    /// Tells when the outcome is another one than whoever registers knows.
+    /// Tells when there is a hot key that whoever registers does not know of, or the other way
+    /// round.
     void tellIfChanged();
     /// Tells from the event loop, once however often it is called before that.
     void tellLater();

@@ -6,7 +6,6 @@
 #include <utility>
 
 #include "platform/linux/desktop/keyboard/portal_types.h"
-#include "platform/linux/desktop/keyboard/shortcut_trigger.h"
 #include "platform/linux/desktop/session/bus_calls.h"
 #include "platform/linux/desktop/session/portal_introduction.h"
 
@@ -44,12 +43,8 @@ QString pathIn(const QVariant& value) {
 
 }  // namespace
 
-PortalShortcut::PortalShortcut(QDBusConnection bus, std::uint32_t modifiers, std::string keysymName)
-    : bus_(std::move(bus)),
-      modifiers_(modifiers),
-      keysymName_(std::move(keysymName)),
-      id_("panel-" +
-          QString::fromStdString(triggerText(modifiers_, keysymName_)).replace('+', '-')) {
+PortalShortcut::PortalShortcut(QDBusConnection bus, const QString& trigger)
+    : bus_(std::move(bus)), trigger_(trigger), id_("panel-" + QString(trigger).replace('+', '-')) {
     registerPortalTypes();
 }
 
@@ -115,9 +110,7 @@ void PortalShortcut::createSession() {
 
 void PortalShortcut::bind() {
     const PortalShortcutEntries shortcuts = {
-        {id_,
-         {{"description", QString(kDescription)},
-          {"preferred_trigger", QString::fromStdString(triggerText(modifiers_, keysymName_))}}}};
+        {id_, {{"description", QString(kDescription)}, {"preferred_trigger", trigger_}}}};
     ask("BindShortcuts",
         {QVariant::fromValue(QDBusObjectPath(session_)), QVariant::fromValue(shortcuts), QString()},
         {});
@@ -204,11 +197,9 @@ PortalShortcut::State PortalShortcut::judged(const QVariant& shortcuts) const {
     // Portals also list what was asked for in the past.
     for (const PortalShortcutEntry& each : shortcutEntriesIn(shortcuts)) {
         const QString keys = each.properties.value("trigger_description").toString().trimmed();
-        if (each.id != id_ || keys.isEmpty()) {
-            continue;
+        if (each.id == id_ && !keys.isEmpty()) {
+            return State::bound;
         }
-        const TriggerMatch match = matchTrigger(keys.toStdString(), modifiers_, keysymName_);
-        return match == TriggerMatch::other ? State::taken : State::bound;
     }
     return State::unbound;
 }

@@ -7,17 +7,15 @@
 #include <QString>
 #include <QVariantList>
 #include <QVariantMap>
-#include <cstdint>
 #include <functional>
-#include <string>
 
 namespace tarnwick::platform {
 
 /// Owner of the name is the portal; it can come and go.
 inline constexpr auto kPortalService = "org.freedesktop.portal.Desktop";
 
-/// Asks once it is started. Never waits for the
-/// bus; main thread.
+/// Asks once it is started. Which keys the portal and its user choose is theirs: what was asked for
+/// is a wish. Never waits for the bus; main thread.
 class PortalShortcut final : public QObject {
     Q_OBJECT
 
@@ -29,8 +27,6 @@ class PortalShortcut final : public QObject {
         bound,
         /// The portal took it but names no keys for it. The first press makes it bound.
         unbound,
-        /// The user has chosen other keys.
-        taken,
         /// The user or the portal said no.
         refused,
         /// There is no portal, or none that has shortcuts.
@@ -39,8 +35,8 @@ class PortalShortcut final : public QObject {
         closed,
     };
 
-    /// `modifiers` is a sum of hot_key_modifier bits, `keysymName` the key's name in XKB.
-    PortalShortcut(QDBusConnection bus, std::uint32_t modifiers, std::string keysymName);
+    /// `trigger` is the combination as desktops have agreed to write it, such as "SHIFT+LOGO+l".
+    PortalShortcut(QDBusConnection bus, const QString& trigger);
 
     /// `changed` is called for every change of the state, `pressed` for every press; both from the
     /// event loop.
@@ -70,8 +66,7 @@ class PortalShortcut final : public QObject {
     void set(State state);
 
     QDBusConnection bus_;
-    const std::uint32_t modifiers_;
-    const std::string keysymName_;
+    const QString trigger_;
     /// Another one for each combination: the portal keeps what its user chose for a name.
     const QString id_;
     std::function<void()> changed_;

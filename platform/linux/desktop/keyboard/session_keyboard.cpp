@@ -4,12 +4,12 @@
 #include <QAbstractNativeEventFilter>
 #include <QGuiApplication>
 #include <qpa/qplatformnativeinterface.h>
-#include <xcb/xcb.h>
 
 #include "platform/linux/desktop/keyboard/portal_hot_keys.h"
 #include "platform/linux/desktop/keyboard/wayland_keyboard_layout.h"
 #include "platform/linux/desktop/keyboard/x11_hot_keys.h"
 #include "platform/linux/desktop/keyboard/x11_keyboard_layout.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -43,23 +43,11 @@ class IdlingLayout final : public WaylandKeyboardLayout {
     QMetaObject::Connection idle_;
 };
 
-xcb_connection_t* x11Connection() {
-    const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    return x11 ? x11->connection() : nullptr;
-}
-
 bool isWaylandPlatform() {
     return QGuiApplication::platformName().startsWith("wayland");
 }
 
 }  // namespace
-
-HotKeySource hotKeySource(bool hasX11, bool isWayland) {
-    if (isWayland) {
-        return HotKeySource::portal;
-    }
-    return hasX11 ? HotKeySource::x11 : HotKeySource::none;
-}
 
 bool isWaylandSession(std::string_view sessionType, std::string_view waylandDisplay) {
     if (sessionType == "x11" || sessionType == "wayland") {
@@ -70,24 +58,21 @@ bool isWaylandSession(std::string_view sessionType, std::string_view waylandDisp
 
 std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeysymLayout& layout,
                                      Dispatch& dispatch) {
-    xcb_connection_t* x11 = x11Connection();
-    const bool isWayland =
-        isWaylandPlatform() || isWaylandSession(qgetenv("XDG_SESSION_TYPE").toStdString(),
-                                                qgetenv("WAYLAND_DISPLAY").toStdString());
-    switch (hotKeySource(x11 != nullptr, isWayland)) {
-        case HotKeySource::x11:
-            return std::make_unique<FilteringHotKeys>(x11, dispatch);
-        case HotKeySource::portal:
-            return std::make_unique<PortalHotKeys>(bus, layout);
-        case HotKeySource::none:
-            break;
+    // An X server beside a compositor grants grabs, but knows of no key that is pressed in a window
+    // of the compositor: there only the portal can tell.
+    if (isWaylandPlatform() || isWaylandSession(qgetenv("XDG_SESSION_TYPE").toStdString(),
+                                                qgetenv("WAYLAND_DISPLAY").toStdString())) {
+        return std::make_unique<PortalHotKeys>(bus, layout);
+    }
+    if (xcb_connection_t* connection = x11::connection()) {
+        return std::make_unique<FilteringHotKeys>(connection, dispatch);
     }
     return std::make_unique<NullHotKeys>();
 }
 
 std::unique_ptr<KeysymLayout> makeKeyboardLayout() {
-    if (xcb_connection_t* x11 = x11Connection()) {
-        return std::make_unique<X11KeyboardLayout>(x11);
+    if (xcb_connection_t* connection = x11::connection()) {
+        return std::make_unique<X11KeyboardLayout>(connection);
     }
     // The toolkit's public interface names its connection only from a later version on.
     QPlatformNativeInterface* native = QGuiApplication::platformNativeInterface();

@@ -1,61 +1,15 @@
 #include "platform/linux/desktop/keyboard/wayland_keyboard_layout.h"
 
-#include <algorithm>
+#include <QFile>
 #include <cstring>
-#include <sys/mman.h>
-#include <sys/stat.h>
-#include <unistd.h>
-#include <utility>
 #include <wayland-client.h>
 
 #include "platform/linux/desktop/keyboard/key_text.h"
-
 namespace tarnwick::platform {
 namespace {
 
-/// The newest version of a seat that the listeners below know.
-constexpr std::uint32_t kSeatVersion = 5;
-
-/// A keymap as the compositor hands it over: a file with its text, which ends with a zero. Kept
-/// as it is, since it is read rarely and large when compiled.
-class KeymapFile final {
- public:
-    KeymapFile() = default;
-    KeymapFile(int descriptor, std::size_t size) : descriptor_(descriptor), size_(size) {}
-    KeymapFile(const KeymapFile&) = delete;
-    KeymapFile& operator=(KeymapFile&& other) noexcept {
-        std::swap(descriptor_, other.descriptor_);
-        std::swap(size_, other.size_);
-        return *this;
-    }
-    ~KeymapFile() {
-        if (descriptor_ >= 0) {
-            ::close(descriptor_);
-        }
-    }
-
-    XkbKeymap compile(xkb_context& context) const {
-        struct stat status {};
-        if (descriptor_ < 0 || size_ == 0 || ::fstat(descriptor_, &status) != 0 ||
-            static_cast<std::uint64_t>(status.st_size) < size_) {
-            return nullptr;
-        }
-        void* text = ::mmap(nullptr, size_, PROT_READ, MAP_PRIVATE, descriptor_, 0);
-        if (text == MAP_FAILED) {
-            return nullptr;
-        }
-        const std::size_t length = ::strnlen(static_cast<const char*>(text), size_);
-        XkbKeymap keymap(xkb_keymap_new_from_buffer(&context, static_cast<const char*>(text),
-                                                    length, XKB_KEYMAP_FORMAT_TEXT_V1,
-                                                    XKB_KEYMAP_COMPILE_NO_FLAGS));
-        ::munmap(text, size_);
-        return keymap;
-    }
-
- private:
-    int descriptor_ = -1;
-    std::size_t size_ = 0;
-};
+/// The first version of a seat whose keyboard can be given back; every compositor of today has it.
+constexpr std::uint32_t kSeatVersion = 3;
 
 }  // namespace
 
@@ -76,7 +30,10 @@ class WaylandKeyboardLayout::Keyboard final {
         }
     }
     ~Keyboard() {
-        dropSeat();
+        dropKeyboard();
+        if (seat_ != nullptr) {
+            wl_seat_destroy(seat_);
+        }
         wl_registry_destroy(registry_);
         wl_event_queue_destroy(queue_);
     }
@@ -85,111 +42,99 @@ class WaylandKeyboardLayout::Keyboard final {
 
     void takeEvents() { wl_display_dispatch_queue_pending(display_, queue_); }
 
-    const KeymapFile& keymap() const { return keymap_; }
-    std::uint32_t layout() const { return layout_; }
+    KeymapInUse keymapInUse() const {
+        const XkbContext context = makeServerContext();
+        // To read past the end of a file that is shorter than it should be would end the program.
+        if (!context || !keymapFile_ || keymapFile_->size() < keymapSize_) {
+            return {};
+        }
+        uchar* text = keymapFile_->map(0, keymapSize_, QFileDevice::MapPrivateOption);
+        if (text == nullptr) {
+            return {};
+        }
+        const auto* begin = reinterpret_cast<const char*>(text);
+        XkbKeymap keymap(xkb_keymap_new_from_buffer(
+            context.get(), begin, ::strnlen(begin, static_cast<std::size_t>(keymapSize_)),
+            XKB_KEYMAP_FORMAT_TEXT_V1, XKB_KEYMAP_COMPILE_NO_FLAGS));
+        keymapFile_->unmap(text);
+        return {std::move(keymap), layout_};
+    }
 
  private:
     static Keyboard& self(void* data) { return *static_cast<Keyboard*>(data); }
 
     void dropKeyboard() {
-        if (keyboard_ == nullptr) {
-            return;
-        }
-        if (wl_keyboard_get_version(keyboard_) >= WL_KEYBOARD_RELEASE_SINCE_VERSION) {
+        if (keyboard_ != nullptr) {
             wl_keyboard_release(keyboard_);
-        } else {
-            wl_keyboard_destroy(keyboard_);
         }
         keyboard_ = nullptr;
-        keymap_ = KeymapFile();
+        keymapFile_.reset();
         layout_ = 0;
-    }
-
-    void dropSeat() {
-        dropKeyboard();
-        if (seat_ == nullptr) {
-            return;
-        }
-        if (wl_seat_get_version(seat_) >= WL_SEAT_RELEASE_SINCE_VERSION) {
-            wl_seat_release(seat_);
-        } else {
-            wl_seat_destroy(seat_);
-        }
-        seat_ = nullptr;
     }
 
     static void global(void* data, wl_registry* registry, std::uint32_t name, const char* interface,
                        std::uint32_t version) {
         Keyboard& keyboard = self(data);
         // A session has one seat; where there are more, the first one is the user's.
-        if (std::strcmp(interface, wl_seat_interface.name) != 0 || keyboard.seat_ != nullptr) {
-            return;
-        }
-        keyboard.seatName_ = name;
-        keyboard.seat_ = static_cast<wl_seat*>(
-            wl_registry_bind(registry, name, &wl_seat_interface, std::min(version, kSeatVersion)));
-        wl_seat_add_listener(keyboard.seat_, &kSeatListener, data);
-    }
-    static void globalRemove(void* data, wl_registry*, std::uint32_t name) {
-        Keyboard& keyboard = self(data);
-        if (keyboard.seat_ != nullptr && keyboard.seatName_ == name) {
-            keyboard.dropSeat();
+        if (std::strcmp(interface, wl_seat_interface.name) == 0 && version >= kSeatVersion &&
+            keyboard.seat_ == nullptr) {
+            keyboard.seat_ = static_cast<wl_seat*>(
+                wl_registry_bind(registry, name, &wl_seat_interface, kSeatVersion));
+            wl_seat_add_listener(keyboard.seat_, &kSeatListener, data);
         }
     }
 
     static void capabilities(void* data, wl_seat* seat, std::uint32_t capabilities) {
         Keyboard& keyboard = self(data);
-        const bool hasKeyboard = (capabilities & WL_SEAT_CAPABILITY_KEYBOARD) != 0;
-        if (!hasKeyboard) {
+        if ((capabilities & WL_SEAT_CAPABILITY_KEYBOARD) == 0) {
             keyboard.dropKeyboard();
         } else if (keyboard.keyboard_ == nullptr) {
             keyboard.keyboard_ = wl_seat_get_keyboard(seat);
             wl_keyboard_add_listener(keyboard.keyboard_, &kKeyboardListener, data);
         }
     }
-    static void seatName(void*, wl_seat*, const char*) {}
 
-    static void keymap(void* data, wl_keyboard*, std::uint32_t format, std::int32_t file,
+    static void keymap(void* data, wl_keyboard*, std::uint32_t format, std::int32_t descriptor,
                        std::uint32_t size) {
-        self(data).keymap_ = KeymapFile(file, size);
-        if (format != WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1) {
-            self(data).keymap_ = KeymapFile();
-        }
+        auto file = std::make_unique<QFile>();
+        const bool isOpen =
+            file->open(descriptor, QIODevice::ReadOnly, QFileDevice::AutoCloseHandle);
+        const bool isKeymap = isOpen && format == WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1;
+        self(data).keymapFile_ = isKeymap ? std::move(file) : nullptr;
+        self(data).keymapSize_ = size;
     }
     static void modifiers(void* data, wl_keyboard*, std::uint32_t, std::uint32_t, std::uint32_t,
                           std::uint32_t, std::uint32_t group) {
         self(data).layout_ = group;
     }
-    static void enter(void*, wl_keyboard*, std::uint32_t, wl_surface*, wl_array*) {}
-    static void leave(void*, wl_keyboard*, std::uint32_t, wl_surface*) {}
-    static void key(void*, wl_keyboard*, std::uint32_t, std::uint32_t, std::uint32_t,
-                    std::uint32_t) {}
-    static void repeatInfo(void*, wl_keyboard*, std::int32_t, std::int32_t) {}
 
     static constexpr wl_registry_listener kRegistryListener = {
         .global = &global,
-        .global_remove = &globalRemove,
+        .global_remove = [](void*, wl_registry*, std::uint32_t) {},
     };
     static constexpr wl_seat_listener kSeatListener = {
         .capabilities = &capabilities,
-        .name = &seatName,
+        .name = [](void*, wl_seat*, const char*) {},
     };
     static constexpr wl_keyboard_listener kKeyboardListener = {
         .keymap = &keymap,
-        .enter = &enter,
-        .leave = &leave,
-        .key = &key,
+        .enter = [](void*, wl_keyboard*, std::uint32_t, wl_surface*, wl_array*) {},
+        .leave = [](void*, wl_keyboard*, std::uint32_t, wl_surface*) {},
+        .key = [](void*, wl_keyboard*, std::uint32_t, std::uint32_t, std::uint32_t,
+                  std::uint32_t) {},
         .modifiers = &modifiers,
-        .repeat_info = &repeatInfo,
+        .repeat_info = nullptr,
     };
 
     wl_display* display_;
     wl_event_queue* queue_;
     wl_registry* registry_ = nullptr;
     wl_seat* seat_ = nullptr;
-    std::uint32_t seatName_ = 0;
     wl_keyboard* keyboard_ = nullptr;
-    KeymapFile keymap_;
+    /// The keymap as the compositor handed it over: its text, which ends with a zero. Kept as it
+    /// is, since it is read rarely and large when compiled. Null without one.
+    std::unique_ptr<QFile> keymapFile_;
+    qint64 keymapSize_ = 0;
     /// Which of the keymap's layouts is in use.
     std::uint32_t layout_ = 0;
 };
@@ -205,20 +150,9 @@ void WaylandKeyboardLayout::takeEvents() {
     }
 }
 
-XkbKeymap WaylandKeyboardLayout::compileKeymap() {
+KeymapInUse WaylandKeyboardLayout::keymapInUse() {
     takeEvents();
-    const XkbContext context = makeServerContext();
-    return keyboard_ && context ? keyboard_->keymap().compile(*context) : nullptr;
-}
-
-std::optional<std::string> WaylandKeyboardLayout::displayText(std::uint16_t virtualKeyCode) {
-    const XkbKeymap keymap = compileKeymap();
-    return keymap ? keyText(*keymap, keyboard_->layout(), virtualKeyCode) : std::nullopt;
-}
-
-xkb_keysym_t WaylandKeyboardLayout::keysym(std::uint16_t virtualKeyCode) {
-    const XkbKeymap keymap = compileKeymap();
-    return keymap ? keyKeysym(*keymap, keyboard_->layout(), virtualKeyCode) : XKB_KEY_NoSymbol;
+    return keyboard_ ? keyboard_->keymapInUse() : KeymapInUse();
 }
 
 }  // namespace tarnwick::platform

@@ -1,10 +1,7 @@
 // Names of keys in the layout of a Wayland compositor.
 #pragma once
 
-#include <cstdint>
 #include <memory>
-#include <optional>
-#include <string>
 
 #include "platform/linux/desktop/keyboard/key_text.h"
 #include "platform/linux/desktop/keyboard/keysym_layout.h"
@@ -23,9 +20,6 @@ class WaylandKeyboardLayout : public KeysymLayout {
     explicit WaylandKeyboardLayout(wl_display* display);
     ~WaylandKeyboardLayout() override;
 
-    std::optional<std::string> displayText(std::uint16_t virtualKeyCode) override;
-    xkb_keysym_t keysym(std::uint16_t virtualKeyCode) override;
-
     /// Takes in what has arrived, so that it does not pile up. Costs next to nothing when there is
     /// nothing; never waits.
     void takeEvents();
@@ -33,8 +27,7 @@ class WaylandKeyboardLayout : public KeysymLayout {
  private:
     class Keyboard;
 
-    /// The keymap of now; null when there is none.
-    XkbKeymap compileKeymap();
+    KeymapInUse keymapInUse() override;
 
     std::unique_ptr<Keyboard> keyboard_;
 };

@@ -5,7 +5,6 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <vector>
 #include <xcb/xcb.h>
 
 #include "platform/dispatch.h"
@@ -16,9 +15,10 @@
 
 namespace tarnwick::platform {
 
-/// Command is Super, Option is Alt. Keys are taken by their place, so a layout cannot move them;
-/// it can move the modifiers, and then the grabs move with them. Reads no events itself: whoever
-/// does passes them to handle(). Main thread.
+/// One hot key at a time: registering one gives the one before back. Command is Super, Option is
+/// Alt. Keys are taken by their place, so a layout cannot move them; it can move the modifiers, and
+/// then registering again is suggested. Reads no events itself: whoever does passes them to
+/// handle(). Main thread.
 ///
 /// Whether a press is the first one or a repetition is told by the times of the events, as the
 /// server sends them by itself: the connection must not ask for detectable auto-repeat, which
@@ -45,34 +45,29 @@ class X11HotKeys : public HotKeys {
     bool handle(const xcb_generic_event_t& event);
 
  private:
-    class Handle;
-    struct Registration;
-
     void followKeyboard();
     bool isKeyboardChange(const xcb_generic_event_t& event) const;
     bool pressed(const xcb_key_press_event_t& event);
+    /// Looks at the keyboard in a turn of its own: a new layout comes as a burst of events.
     void keyboardChanged();
-    void update();
-    std::optional<KeyCombination> combination(const Registration& registration) const;
-    bool isHeldHere(const KeyCombination& combination) const;
-    /// Grabs what the registration stands for now, and remembers how that went.
-    void grab(Registration& registration);
-    void release(Registration& registration);
-    bool hasNews() const;
-    void tellNews();
-    void remove(const std::shared_ptr<Registration>& registration);
+    void tellIfModifiersMoved();
+    /// What to grab on the keyboard of now; absent where that lacks a key for it.
+    std::optional<KeyCombination> combination(std::uint32_t keyCode, std::uint32_t modifiers) const;
+    void release();
 
     xcb_connection_t* connection_;
     Dispatch& dispatch_;
     HotKeyHandlers handlers_;
     std::function<void()> changed_;
-    X11Modifiers modifiers_;
+    /// As the last registration found them; absent when there is none.
+    std::optional<X11Modifiers> modifiers_;
     /// First event code of the keyboard extension; 0 without the extension.
     std::uint8_t keyboardEvent_ = 0;
-    std::vector<std::shared_ptr<Registration>> registrations_;
-    /// The last one asked for, where it was refused.
-    std::shared_ptr<Registration> refused_;
-    int count_ = 0;
+    /// Absent while nothing is grabbed.
+    std::optional<KeyCombination> held_;
+    HotKeyID id_;
+    /// Counts registrations: the handle of an older one gives nothing back.
+    int registrations_ = 0;
     /// A change of the keyboard waits to be looked at.
     bool isStale_ = false;
     // The last release of any key.

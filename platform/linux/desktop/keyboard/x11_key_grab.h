@@ -18,7 +18,7 @@ struct KeyCombination {
     bool operator==(const KeyCombination&) const = default;
 
     /// Every set of bits that counts as this combination: one for each set of locks.
-    std::vector<std::uint16_t> variants() const;
+    std::vector<std::uint32_t> variants() const;
     /// A key event with this code and these modifier bits is a press of the combination.
     bool matches(std::uint8_t eventKeyCode, std::uint16_t state) const;
 };

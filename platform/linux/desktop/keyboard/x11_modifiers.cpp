@@ -5,7 +5,7 @@
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "platform/hot_keys.h"
-#include "platform/linux/desktop/keyboard/x11_reply.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -69,9 +69,9 @@ std::optional<X11Modifiers> readModifiers(xcb_connection_t* connection) {
     const auto count = static_cast<std::uint8_t>(setup->max_keycode - first + 1);
     const auto modifierCookie = xcb_get_modifier_mapping(connection);
     const auto keyboardCookie = xcb_get_keyboard_mapping(connection, first, count);
-    const X11Reply<xcb_get_modifier_mapping_reply_t> modifiers(
+    const x11::Reply<xcb_get_modifier_mapping_reply_t> modifiers(
         xcb_get_modifier_mapping_reply(connection, modifierCookie, nullptr));
-    const X11Reply<xcb_get_keyboard_mapping_reply_t> keyboard(
+    const x11::Reply<xcb_get_keyboard_mapping_reply_t> keyboard(
         xcb_get_keyboard_mapping_reply(connection, keyboardCookie, nullptr));
     if (!modifiers || !keyboard) {
         return std::nullopt;

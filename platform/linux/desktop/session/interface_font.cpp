@@ -2,15 +2,12 @@
 
 #include <QApplication>
 #include <QFont>
-#include <cstdlib>
-#include <cstring>
-#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
-#include <xcb/xcb.h>
 
 #include "platform/linux/desktop/session/xsettings.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -20,31 +17,16 @@ constexpr double kCommonPointSize = 11;
 /// The largest property asked for, in words of four bytes; daemons keep a few kilobytes.
 constexpr std::uint32_t kLongestProperty = 64 * 1024;
 
-struct Free {
-    void operator()(void* pointer) const { std::free(pointer); }
-};
-template <class T>
-using Reply = std::unique_ptr<T, Free>;
-
-xcb_atom_t atom(xcb_connection_t* connection, const char* name) {
-    const auto cookie =
-        xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(std::strlen(name)), name);
-    const Reply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(connection, cookie, nullptr));
-    return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-}
-
 /// Content of the settings property; empty when no daemon keeps one.
 std::vector<std::byte> settingsProperty(xcb_connection_t* connection) {
-    const xcb_atom_t selection = atom(connection, "_XSETTINGS_S0");
-    const xcb_atom_t settings = atom(connection, "_XSETTINGS_SETTINGS");
-    const Reply<xcb_get_selection_owner_reply_t> owner(xcb_get_selection_owner_reply(
-        connection, xcb_get_selection_owner(connection, selection), nullptr));
-    if (!owner || owner->owner == XCB_WINDOW_NONE) {
+    const xcb_window_t owner = x11::selectionOwner(connection, "_XSETTINGS_S0");
+    if (owner == XCB_NONE) {
         return {};
     }
+    const xcb_atom_t settings = x11::atom(connection, "_XSETTINGS_SETTINGS");
     const auto cookie =
-        xcb_get_property(connection, 0, owner->owner, settings, settings, 0, kLongestProperty);
-    const Reply<xcb_get_property_reply_t> property(
+        xcb_get_property(connection, 0, owner, settings, settings, 0, kLongestProperty);
+    const x11::Reply<xcb_get_property_reply_t> property(
         xcb_get_property_reply(connection, cookie, nullptr));
     if (!property) {
         return {};
@@ -54,11 +36,11 @@ std::vector<std::byte> settingsProperty(xcb_connection_t* connection) {
 }
 
 std::optional<InterfaceFont> desktopFont() {
-    const auto* x11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
-    if (!x11 || !x11->connection()) {
+    xcb_connection_t* connection = x11::connection();
+    if (connection == nullptr) {
         return std::nullopt;
     }
-    const auto description = xsettingsText(settingsProperty(x11->connection()), "Gtk/FontName");
+    const auto description = xsettingsText(settingsProperty(connection), "Gtk/FontName");
     return description ? interfaceFont(*description) : std::nullopt;
 }
 

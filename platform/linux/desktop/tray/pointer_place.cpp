@@ -3,9 +3,8 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScreen>
-#include <cstdlib>
-#include <memory>
-#include <xcb/xcb.h>
+
+#include "platform/qt/x11.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -20,10 +19,6 @@ bool isBar(const QSize& window) {
            (window.height() < window.width() && window.height() <= kShortBarHeight);
 }
 
-struct Free {
-    void operator()(void* reply) const { std::free(reply); }
-};
-
 struct PointerAndWindow {
     QPoint pointer;
     QRect window;
@@ -31,13 +26,12 @@ struct PointerAndWindow {
 
 /// In the pixels of the display.
 std::optional<PointerAndWindow> windowUnderPointer(xcb_connection_t* connection) {
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(connection)).data->root;
-    const std::unique_ptr<xcb_query_pointer_reply_t, Free> pointer(
-        xcb_query_pointer_reply(connection, xcb_query_pointer(connection, root), nullptr));
+    const x11::Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
+        connection, xcb_query_pointer(connection, x11::roots(connection).front()), nullptr));
     if (pointer == nullptr || pointer->child == XCB_NONE) {
         return std::nullopt;
     }
-    const std::unique_ptr<xcb_get_geometry_reply_t, Free> window(
+    const x11::Reply<xcb_get_geometry_reply_t> window(
         xcb_get_geometry_reply(connection, xcb_get_geometry(connection, pointer->child), nullptr));
     if (window == nullptr) {
         return std::nullopt;
@@ -56,8 +50,7 @@ QRect placeInWindow(const QPoint& pointer, const QRect& window) {
 }
 
 std::optional<QRect> placeUnderPointer() {
-    const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    xcb_connection_t* connection = x11 == nullptr ? nullptr : x11->connection();
+    xcb_connection_t* connection = x11::connection();
     if (connection == nullptr) {
         return std::nullopt;
     }

@@ -3,8 +3,8 @@
 #include <xcb/xinput.h>
 #include <xcb/xtest.h>
 
-#include "platform/linux/desktop/keyboard/x11_reply.h"
 #include "platform/linux/desktop/keyboard/x11_xkb.h"
+#include "platform/qt/x11.h"
 
 namespace tarnwick::platform::testing {
 namespace {
@@ -27,17 +27,8 @@ DisplayClient::~DisplayClient() {
     xcb_disconnect(connection_);
 }
 
-std::vector<xcb_window_t> DisplayClient::roots() const {
-    std::vector<xcb_window_t> found;
-    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection_)); screens.rem > 0;
-         xcb_screen_next(&screens)) {
-        found.push_back(screens.data->root);
-    }
-    return found;
-}
-
 bool DisplayClient::grab(std::uint8_t key, std::uint16_t modifiers, xcb_window_t root) {
-    const X11Reply<xcb_generic_error_t> error(xcb_request_check(
+    const x11::Reply<xcb_generic_error_t> error(xcb_request_check(
         connection_, xcb_grab_key_checked(connection_, 0, root, modifiers, key, XCB_GRAB_MODE_ASYNC,
                                           XCB_GRAB_MODE_ASYNC)));
     return !error;
@@ -49,11 +40,11 @@ void DisplayClient::ungrab(std::uint8_t key, std::uint16_t modifiers, xcb_window
 }
 
 bool DisplayClient::grabByExtension(std::uint8_t key, std::uint16_t modifiers, xcb_window_t root) {
-    const X11Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
+    const x11::Reply<xcb_input_xi_query_version_reply_t> version(xcb_input_xi_query_version_reply(
         connection_, xcb_input_xi_query_version(connection_, 2, 2), nullptr));
     const std::uint32_t held = modifiers;
     const std::uint32_t events = XCB_INPUT_XI_EVENT_MASK_KEY_PRESS;
-    const X11Reply<xcb_input_xi_passive_grab_device_reply_t> reply(
+    const x11::Reply<xcb_input_xi_passive_grab_device_reply_t> reply(
         xcb_input_xi_passive_grab_device_reply(
             connection_,
             xcb_input_xi_passive_grab_device(
@@ -119,7 +110,7 @@ void DisplayClient::setLayout(std::uint8_t layout) {
 }
 
 void DisplayClient::setModifierOf(std::uint8_t key, int modifier) {
-    const X11Reply<xcb_get_modifier_mapping_reply_t> before(xcb_get_modifier_mapping_reply(
+    const x11::Reply<xcb_get_modifier_mapping_reply_t> before(xcb_get_modifier_mapping_reply(
         connection_, xcb_get_modifier_mapping(connection_), nullptr));
     const std::size_t rows = 8;
     const std::size_t row = before->keycodes_per_modifier;
@@ -135,14 +126,14 @@ void DisplayClient::setModifierOf(std::uint8_t key, int modifier) {
             after[i * (row + 1) + row] = key;
         }
     }
-    const X11Reply<xcb_set_modifier_mapping_reply_t> reply(xcb_set_modifier_mapping_reply(
+    const x11::Reply<xcb_set_modifier_mapping_reply_t> reply(xcb_set_modifier_mapping_reply(
         connection_,
         xcb_set_modifier_mapping(connection_, static_cast<std::uint8_t>(row + 1), after.data()),
         nullptr));
 }
 
 void DisplayClient::sync() {
-    const X11Reply<xcb_get_input_focus_reply_t> reply(
+    const x11::Reply<xcb_get_input_focus_reply_t> reply(
         xcb_get_input_focus_reply(connection_, xcb_get_input_focus(connection_), nullptr));
 }
 

@@ -8,6 +8,8 @@
 #include <vector>
 #include <xcb/xcb.h>
 
+#include "platform/qt/x11.h"
+
 namespace tarnwick::platform::testing {
 
 /// A connection to an X server, as each program has one.
@@ -20,7 +22,7 @@ class DisplayClient final {
     DisplayClient& operator=(const DisplayClient&) = delete;
 
     xcb_connection_t* connection() const { return connection_; }
-    std::vector<xcb_window_t> roots() const;
+    std::vector<xcb_window_t> roots() const { return x11::roots(connection_); }
 
     /// Grabs a key on one root; false when the server refuses.
     bool grab(std::uint8_t key, std::uint16_t modifiers, xcb_window_t root);

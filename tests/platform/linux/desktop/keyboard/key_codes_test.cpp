@@ -51,6 +51,7 @@ TEST(KeyCodes, EveryKeyHasItsPlaceBothWays) {
     }
 }
 
+// Such as Fn, and Print, Pause and Scroll Lock the other way round.
 TEST(KeyCodes, NoOtherCodeHasAKey) {
     std::set<std::uint32_t> virtualKeys;
     std::set<std::uint32_t> x11Keys;
@@ -63,24 +64,6 @@ TEST(KeyCodes, NoOtherCodeHasAKey) {
     for (std::uint32_t code = 0; code < 1000; ++code) {
         EXPECT_EQ(x11KeyCode(code).has_value(), virtualKeys.contains(code)) << code;
         EXPECT_EQ(virtualKeyCode(code).has_value(), x11Keys.contains(code)) << code;
-    }
-}
-
-TEST(KeyCodes, OnlyFnHasACodeAndNoKeyInX11) {
-    // Every virtual key code that is defined, without gaps in between but for these.
-    const std::set<std::uint32_t> undefined = {0x34, 0x42, 0x44, 0x46, 0x4D, 0x6C, 0x70, 0x7F};
-    constexpr std::uint32_t kFn = 0x3F;
-    for (std::uint32_t code = 0; code < 128; ++code) {
-        EXPECT_EQ(x11KeyCode(code).has_value(), code != kFn && !undefined.contains(code)) << code;
-    }
-}
-
-TEST(KeyCodes, KeysWithoutAVirtualCodeHaveNone) {
-    constexpr std::uint32_t kPrint = 107;
-    constexpr std::uint32_t kPause = 127;
-    constexpr std::uint32_t kScrollLock = 78;
-    for (const std::uint32_t key : {kPrint, kPause, kScrollLock}) {
-        EXPECT_EQ(virtualKeyCode(key), std::nullopt) << key;
     }
 }
 

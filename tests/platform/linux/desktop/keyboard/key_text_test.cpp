@@ -3,9 +3,14 @@
 #include <gtest/gtest.h>
 #include <optional>
 #include <string>
+#include <xkbcommon/xkbcommon-keysyms.h>
+
+#include "tests/platform/linux/desktop/keyboard/installed_layout.h"
 
 namespace tarnwick::platform {
 namespace {
+
+using testing::InstalledLayout;
 
 // Virtual key codes, named after what a US keyboard prints on the keys.
 constexpr std::uint16_t kA = 0;
@@ -27,6 +32,7 @@ constexpr std::uint16_t kK = 40;
 constexpr std::uint16_t kSemicolon = 41;
 constexpr std::uint16_t kComma = 43;
 constexpr std::uint16_t kM = 46;
+constexpr std::uint16_t kSpace = 49;
 constexpr std::uint16_t kGrave = 50;
 constexpr std::uint16_t kFn = 63;
 constexpr std::uint16_t kShift = 56;
@@ -34,132 +40,142 @@ constexpr std::uint16_t kKeypadDecimal = 65;
 constexpr std::uint16_t kKeypadClear = 71;
 constexpr std::uint16_t kKeypadDivide = 75;
 constexpr std::uint16_t kKeypadEnter = 76;
+constexpr std::uint16_t kKeypad1 = 83;
 constexpr std::uint16_t kKeypad5 = 87;
 constexpr std::uint16_t kYen = 93;
+constexpr std::uint16_t kF5 = 96;
 constexpr std::uint16_t kF13 = 105;
+constexpr std::uint16_t kLeft = 123;
 
 using Text = std::optional<std::string>;
 
-/// A keyboard with layouts as they are installed on the machine.
-class Keyboard {
- public:
-    explicit Keyboard(const char* layouts, const char* variants = "") {
-        const XkbContext context(xkb_context_new(XKB_CONTEXT_NO_ENVIRONMENT_NAMES));
-        const xkb_rule_names names = {"evdev", "pc105", layouts, variants, ""};
-        keymap_.reset(
-            xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+Text text(const char* layouts, std::uint16_t key, xkb_layout_index_t inUse = 0) {
+    return InstalledLayout(layouts, inUse).displayText(key);
+}
+
+/// By what desktops know the key: the name of its keysym.
+std::string name(const char* layouts, std::uint32_t key, xkb_layout_index_t inUse = 0) {
+    char name[64] = {};
+    xkb_keysym_get_name(InstalledLayout(layouts, inUse).keysym(key), name, sizeof name);
+    return name;
+}
+
+TEST(KeyText, IsTheLayoutsOwn) {
+    struct Key {
+        const char* layout;
+        std::uint16_t key;
+        const char* text;
+    };
+    for (const Key& each : {
+             Key{"us", kL, "L"},
+             {"us", k1, "1"},
+             {"us", kMinus, "-"},
+             {"us", kGrave, "`"},
+             {"us", kIso, "<"},
+             {"de", kY, "Z"},
+             {"de", kZ, "Y"},
+             {"de", kQuote, "Ä"},
+             {"de", kSemicolon, "Ö"},
+             {"de", kL, "L"},
+             {"de", kMinus, "SS"},
+             {"fr", kQ, "A"},
+             {"fr", kA, "Q"},
+             {"fr", kW, "Z"},
+             {"fr", kSemicolon, "M"},
+             {"fr", kM, ","},
+             {"fr", kQuote, "Ù"},
+             {"fr", k1, "&"},
+             {"fr", k2, "É"},
+             {"ru", kL, "Д"},
+             {"ru", kK, "Л"},
+             {"ru", kGrave, "Ё"},
+             {"ru", kComma, "Б"},
+             {"jp", kYen, "\\"},
+             // In upper case by Unicode and not by the language, with a dot or without one.
+             {"tr", kI, "I"},
+             {"tr", kQuote, "I"},
+             // Dead keys.
+             {"de", kGrave, "^"},
+             {"de", kEqual, "´"},
+             {"fr", kLeftBracket, "^"},
+             {"us(intl)", kGrave, "`"},
+         }) {
+        EXPECT_EQ(text(each.layout, each.key), each.text) << each.layout << " " << each.key;
     }
-
-    Text text(std::uint16_t virtualKeyCode, xkb_layout_index_t layout = 0) const {
-        return keymap_ ? keyText(*keymap_, layout, virtualKeyCode) : Text("no keymap");
-    }
-
- private:
-    XkbKeymap keymap_;
-};
-
-TEST(KeyText, OfAUSKeyboardIsWhatIsPrintedOnIt) {
-    const Keyboard keyboard("us");
-    EXPECT_EQ(keyboard.text(kL), "L");
-    EXPECT_EQ(keyboard.text(k1), "1");
-    EXPECT_EQ(keyboard.text(kMinus), "-");
-    EXPECT_EQ(keyboard.text(kGrave), "`");
-    EXPECT_EQ(keyboard.text(kIso), "<");
-}
-
-TEST(KeyText, OfAGermanKeyboardIsTheLayoutsOwn) {
-    const Keyboard keyboard("de");
-    EXPECT_EQ(keyboard.text(kY), "Z");
-    EXPECT_EQ(keyboard.text(kZ), "Y");
-    EXPECT_EQ(keyboard.text(kQuote), "Ä");
-    EXPECT_EQ(keyboard.text(kSemicolon), "Ö");
-    EXPECT_EQ(keyboard.text(kLeftBracket), "Ü");
-    EXPECT_EQ(keyboard.text(kL), "L");
-}
-
-TEST(KeyText, OfSharpSIsTwoLetters) {
-    EXPECT_EQ(Keyboard("de").text(kMinus), "SS");
-}
-
-TEST(KeyText, OfADeadKeyIsItsAccent) {
-    const Keyboard german("de");
-    EXPECT_EQ(german.text(kGrave), "^");
-    EXPECT_EQ(german.text(kEqual), "´");
-    EXPECT_EQ(Keyboard("fr").text(kLeftBracket), "^");
-    EXPECT_EQ(Keyboard("us", "intl").text(kGrave), "`");
-}
-
-TEST(KeyText, OfAFrenchKeyboardIsTheLayoutsOwn) {
-    const Keyboard keyboard("fr");
-    EXPECT_EQ(keyboard.text(kQ), "A");
-    EXPECT_EQ(keyboard.text(kA), "Q");
-    EXPECT_EQ(keyboard.text(kW), "Z");
-    EXPECT_EQ(keyboard.text(kSemicolon), "M");
-    EXPECT_EQ(keyboard.text(kM), ",");
-    EXPECT_EQ(keyboard.text(kQuote), "Ù");
-    EXPECT_EQ(keyboard.text(k1), "&");
-    EXPECT_EQ(keyboard.text(k2), "É");
-}
-
-TEST(KeyText, OfARussianKeyboardIsTheLayoutsOwn) {
-    const Keyboard keyboard("ru");
-    EXPECT_EQ(keyboard.text(kL), "Д");
-    EXPECT_EQ(keyboard.text(kK), "Л");
-    EXPECT_EQ(keyboard.text(kGrave), "Ё");
-    EXPECT_EQ(keyboard.text(kComma), "Б");
-}
-
-TEST(KeyText, IsInUpperCaseByUnicodeAndNotByTheLanguage) {
-    const Keyboard turkish("tr");
-    EXPECT_EQ(turkish.text(kI), "I");      // The key of the dotless i.
-    EXPECT_EQ(turkish.text(kQuote), "I");  // The key of the dotted one.
 }
 
 TEST(KeyText, FollowsTheLayoutInUse) {
-    const Keyboard keyboard("us,ru,de");
-    EXPECT_EQ(keyboard.text(kL, 0), "L");
-    EXPECT_EQ(keyboard.text(kL, 1), "Д");
-    EXPECT_EQ(keyboard.text(kY, 2), "Z");
+    EXPECT_EQ(text("us,ru,de", kL, 0), "L");
+    EXPECT_EQ(text("us,ru,de", kL, 1), "Д");
+    EXPECT_EQ(text("us,ru,de", kY, 2), "Z");
 }
 
 TEST(KeyText, OfAKeyWithFewerLayoutsIsTheOneThatTheKeyUses) {
-    const Keyboard keyboard("us,ru");
-    EXPECT_EQ(keyboard.text(kKeypadDivide, 1), "/");
-    EXPECT_EQ(keyboard.text(kKeypad5, 1), "5");
+    EXPECT_EQ(text("us,ru", kKeypadDivide, 1), "/");
+    EXPECT_EQ(text("us,ru", kKeypad5, 1), "5");
 }
 
 TEST(KeyText, OfALayoutThatDoesNotExistIsOneThatDoes) {
-    EXPECT_EQ(Keyboard("us").text(kL, 7), "L");
+    EXPECT_EQ(text("us", kL, 7), "L");
 }
 
 TEST(KeyText, OfTheKeypadIsDigitsWhateverNumLockSays) {
-    const Keyboard keyboard("us");
-    EXPECT_EQ(keyboard.text(kKeypad5), "5");
-    EXPECT_EQ(keyboard.text(kKeypadDecimal), ".");
-    EXPECT_EQ(keyboard.text(kKeypadDivide), "/");
-    EXPECT_EQ(Keyboard("de").text(kKeypadDecimal), ",");
+    EXPECT_EQ(text("us", kKeypad5), "5");
+    EXPECT_EQ(text("us", kKeypadDecimal), ".");
+    EXPECT_EQ(text("us", kKeypadDivide), "/");
+    EXPECT_EQ(text("de", kKeypadDecimal), ",");
 }
 
 TEST(KeyText, IsAbsentForKeysThatProduceNothingToSee) {
-    const Keyboard keyboard("us");
-    EXPECT_EQ(keyboard.text(kF13), std::nullopt);
-    EXPECT_EQ(keyboard.text(kShift), std::nullopt);
-    EXPECT_EQ(keyboard.text(kKeypadClear), std::nullopt);
-    EXPECT_EQ(keyboard.text(kYen), std::nullopt);
-    // These produce control characters.
-    EXPECT_EQ(keyboard.text(kReturn), std::nullopt);
-    EXPECT_EQ(keyboard.text(kKeypadEnter), std::nullopt);
-}
-
-TEST(KeyText, OfAJapaneseKeyboardHasTheYenKey) {
-    EXPECT_EQ(Keyboard("jp").text(kYen), "\\");
+    // Return and Enter produce control characters.
+    for (const std::uint16_t key : {kF13, kShift, kKeypadClear, kYen, kReturn, kKeypadEnter}) {
+        EXPECT_EQ(text("us", key), std::nullopt) << key;
+    }
 }
 
 TEST(KeyText, IsAbsentForCodesThatNoKeyHas) {
-    const Keyboard keyboard("us");
-    EXPECT_EQ(keyboard.text(kFn), std::nullopt);
-    EXPECT_EQ(keyboard.text(200), std::nullopt);
-    EXPECT_EQ(keyboard.text(65535), std::nullopt);
+    for (const int code : {int{kFn}, 200, 65535}) {
+        EXPECT_EQ(text("us", static_cast<std::uint16_t>(code)), std::nullopt) << code;
+    }
+}
+
+TEST(KeyKeysym, IsTheLayoutsOwn) {
+    EXPECT_EQ(name("us", kL), "l");
+    EXPECT_EQ(name("us", kSpace), "space");
+    EXPECT_EQ(name("us", kReturn), "Return");
+    EXPECT_EQ(name("us", kLeft), "Left");
+    EXPECT_EQ(name("de", kY), "z");
+    EXPECT_EQ(name("de", kMinus), "ssharp");
+    EXPECT_EQ(name("de", kGrave), "dead_circumflex");
+    EXPECT_EQ(name("fr", k1), "ampersand");
+    EXPECT_EQ(name("tr", kI), "idotless");
+    EXPECT_EQ(name("us,de", kY, 1), "z");
+}
+
+TEST(KeyKeysym, OfAnotherScriptIsThatOfTheFirstLatinLayout) {
+    EXPECT_EQ(name("us,ru", kL, 1), "l");
+    EXPECT_EQ(name("ru,de", kY), "z");
+    EXPECT_EQ(name("gr,ru,us", kL), "l");
+    EXPECT_EQ(name("ru,us", kF5), "F5");
+    // There is none.
+    EXPECT_EQ(name("ru", kL), "Cyrillic_de");
+}
+
+TEST(KeyKeysym, OfTheKeypadIsADigit) {
+    EXPECT_EQ(name("us", kKeypad1), "KP_1");
+    EXPECT_EQ(name("us,ru", kKeypad1, 1), "KP_1");
+}
+
+TEST(KeyKeysym, IsThatOfAUSKeyboardWhereThereIsNone) {
+    NullKeysymLayout none;
+    EXPECT_EQ(none.keysym(kY), xkb_keysym_t{XKB_KEY_y});
+    EXPECT_EQ(none.displayText(kY), std::nullopt);
+}
+
+TEST(KeyKeysym, IsAbsentForCodesThatNoKeyHas) {
+    for (const std::uint32_t code : {std::uint32_t{kFn}, std::uint32_t{kYen}, 127U, 65'537U}) {
+        EXPECT_EQ(InstalledLayout("us").keysym(code), xkb_keysym_t{XKB_KEY_NoSymbol}) << code;
+    }
 }
 
 }  // namespace

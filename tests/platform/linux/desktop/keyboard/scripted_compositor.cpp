@@ -24,7 +24,6 @@ struct ScriptedCompositor::State {
     ::wl_display* display = nullptr;
     int seatVersion = 0;
     bool hasKeyboard = false;
-    wl_global* seat = nullptr;
     std::vector<wl_resource*> seats;
     std::vector<wl_resource*> keyboards;
     std::uint32_t format = WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1;
@@ -41,9 +40,7 @@ struct ScriptedCompositor::State {
     static State& of(void* data) { return *static_cast<State*>(data); }
     static State& of(wl_resource* resource) { return of(wl_resource_get_user_data(resource)); }
 
-    void addSeat() {
-        seat = wl_global_create(display, &wl_seat_interface, seatVersion, this, &bind);
-    }
+    void addSeat() { wl_global_create(display, &wl_seat_interface, seatVersion, this, &bind); }
     std::uint32_t capabilities() const {
         return hasKeyboard ? std::uint32_t{WL_SEAT_CAPABILITY_KEYBOARD} : 0U;
     }
@@ -172,10 +169,7 @@ void ScriptedCompositor::act(const std::function<void(State&)>& action) const {
 }
 
 void ScriptedCompositor::setLayouts(const std::string& layouts) {
-    const XkbContext context(xkb_context_new(XKB_CONTEXT_NO_ENVIRONMENT_NAMES));
-    const xkb_rule_names names = {"evdev", "pc105", layouts.c_str(), "", ""};
-    const XkbKeymap keymap(
-        xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    const XkbKeymap keymap = installedKeymap(layouts.c_str());
     char* text = xkb_keymap_get_as_string(keymap.get(), XKB_KEYMAP_FORMAT_TEXT_V1);
     // The zero at its end is part of it.
     const std::string whole(text, std::strlen(text) + 1);
@@ -219,10 +213,6 @@ void ScriptedCompositor::plugKeyboard(bool isPlugged) {
 
 void ScriptedCompositor::addSeat() {
     act([](State& state) { state.addSeat(); });
-}
-
-void ScriptedCompositor::removeSeat() {
-    act([](State& state) { wl_global_remove(std::exchange(state.seat, nullptr)); });
 }
 
 int ScriptedCompositor::keyboards() const {

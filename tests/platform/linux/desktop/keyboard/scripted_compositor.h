@@ -35,7 +35,6 @@ class ScriptedCompositor final {
     void setLayout(std::uint32_t layout);
     void plugKeyboard(bool isPlugged);
     void addSeat();
-    void removeSeat();
     /// How many keyboards the client holds.
     int keyboards() const;
 

@@ -8,20 +8,6 @@
 namespace tarnwick::platform {
 namespace {
 
-TEST(SessionKeyboard, GrabsKeysOfAnXServer) {
-    EXPECT_EQ(hotKeySource(true, false), HotKeySource::x11);
-}
-
-TEST(SessionKeyboard, AsksThePortalWhereACompositorHasTheKeys) {
-    EXPECT_EQ(hotKeySource(false, true), HotKeySource::portal);
-    // An X server is there for old programs only.
-    EXPECT_EQ(hotKeySource(true, true), HotKeySource::portal);
-}
-
-TEST(SessionKeyboard, HasNoSourceWithoutEither) {
-    EXPECT_EQ(hotKeySource(false, false), HotKeySource::none);
-}
-
 TEST(SessionKeyboard, BelievesWhatTheSessionIsCalled) {
     EXPECT_TRUE(isWaylandSession("wayland", "wayland-0"));
     EXPECT_TRUE(isWaylandSession("wayland", ""));

@@ -5,7 +5,7 @@
 #include <poll.h>
 
 #include "platform/linux/desktop/keyboard/x11_hot_keys.h"
-#include "platform/linux/desktop/keyboard/x11_reply.h"
+#include "platform/qt/x11.h"
 #include "platform/testing/manual_dispatch.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_login_service.h"
@@ -17,7 +17,6 @@ namespace tarnwick {
 namespace {
 
 using platform::X11HotKeys;
-using platform::X11Reply;
 using platform::testing::DisplayClient;
 using platform::testing::ManualDispatch;
 using platform::testing::MemoryUserDefaults;
@@ -51,7 +50,7 @@ class X11ShortcutTest : public testing::Test {
             pollfd readable = {xcb_get_file_descriptor(own.connection()), POLLIN, 0};
             ::poll(&readable, 1, 20);
             while (
-                const X11Reply<xcb_generic_event_t> event{xcb_poll_for_event(own.connection())}) {
+                const x11::Reply<xcb_generic_event_t> event{xcb_poll_for_event(own.connection())}) {
                 hotKeys.handle(*event);
             }
             dispatch.runMain();

@@ -1,13 +1,22 @@
-#include "ui/qt/x11.h"
+#include "platform/qt/x11.h"
 
 #include <QGuiApplication>
 
-namespace tarnwick::qt::x11 {
+namespace tarnwick::x11 {
 
 xcb_connection_t* connection() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
     // Without a display the interface may be there and have no connection.
     return x11 == nullptr ? nullptr : x11->connection();
+}
+
+std::vector<xcb_window_t> roots(xcb_connection_t* connection) {
+    std::vector<xcb_window_t> found;
+    for (auto screens = xcb_setup_roots_iterator(xcb_get_setup(connection)); screens.rem > 0;
+         xcb_screen_next(&screens)) {
+        found.push_back(screens.data->root);
+    }
+    return found;
 }
 
 xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
@@ -16,6 +25,12 @@ xcb_atom_t atom(xcb_connection_t* connection, const std::string& name) {
         xcb_intern_atom(connection, 0, static_cast<std::uint16_t>(name.size()), name.data()),
         nullptr));
     return reply == nullptr ? static_cast<xcb_atom_t>(XCB_NONE) : reply->atom;
+}
+
+xcb_window_t selectionOwner(xcb_connection_t* connection, const std::string& selection) {
+    const Reply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection, xcb_get_selection_owner(connection, atom(connection, selection)), nullptr));
+    return reply == nullptr ? static_cast<xcb_window_t>(XCB_NONE) : reply->owner;
 }
 
 void activate(xcb_window_t window) {
@@ -34,8 +49,7 @@ void activate(xcb_window_t window) {
     event.type = atom(server, "_NET_ACTIVE_WINDOW");
     event.data.data32[0] = kByTheUser;
     event.data.data32[1] = XCB_CURRENT_TIME;
-    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(server)).data->root;
-    xcb_send_event(server, 0, root,
+    xcb_send_event(server, 0, roots(server).front(),
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&event));
     xcb_flush(server);
@@ -55,4 +69,4 @@ bool grabPointer(xcb_window_t window) {
     return reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
 }
 
-}  // namespace tarnwick::qt::x11
+}  // namespace tarnwick::x11
