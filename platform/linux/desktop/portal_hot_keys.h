@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusServiceWatcher>
 #include <QObject>
 #include <QTimer>
 #include <chrono>
@@ -15,6 +14,7 @@
 #include "platform/linux/desktop/hot_key_handlers.h"
 #include "platform/linux/desktop/keysym_layout.h"
 #include "platform/linux/desktop/portal_shortcut.h"
+#include "platform/linux/desktop/service_signals.h"
 
 namespace tarnwick::platform {
 
@@ -53,9 +53,6 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void withdrawRegistration() override;
     void setRegistrationChanged(std::function<void()> changed) override;
 
- private slots:
-    void disconnected();
-
  private:
     class Handle;
     struct Closer {
@@ -82,7 +79,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
     const std::chrono::milliseconds patience_;
     HotKeyHandlers handlers_;
     std::function<void()> changed_;
-    QDBusServiceWatcher portalWatcher_;
+    ServiceSignals portal_;
     std::uint32_t keyCode_ = 0;
     std::uint32_t modifiers_ = 0;
     HotKeyID id_;
