@@ -86,12 +86,12 @@ SingleInstance::Owner SingleInstance::take() {
     if (bus_.isConnected()) {
         constexpr uint kDoNotQueue = 4;
         constexpr uint kExists = 3;
-        const QDBusMessage granted =
-            bus_.call(busCall("RequestName", {QString(kService), kDoNotQueue}), QDBus::Block,
-                      kBusMilliseconds);
-        ownsName_ = granted.type() == QDBusMessage::ReplyMessage &&
-                    granted.arguments().value(0).toUInt() != kExists;
-        if (granted.type() == QDBusMessage::ReplyMessage && !ownsName_) {
+        const BusArguments granted =
+            argumentsOf(bus_.call(busCall("RequestName", {QString(kService), kDoNotQueue}),
+                                  QDBus::Block, kBusMilliseconds),
+                        "u");
+        ownsName_ = granted && granted->first().toUInt() != kExists;
+        if (granted && !ownsName_) {
             return Owner::onBus;
         }
     }
@@ -134,19 +134,23 @@ QString SingleInstance::introspect(const QString& path) const {
 }
 
 bool SingleInstance::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {
-    const bool ours = message.interface().isEmpty() || message.interface() == kInterface;
-    if (!ours || message.member() != "OpenPanel") {
+    if (!message.interface().isEmpty() && message.interface() != kInterface) {
         return false;
     }
-    if (isReleased_) {
+    const bool isAsked = calledMethod(message) == "OpenPanel()";
+    QDBusMessage answer = message.createReply();
+    if (!isAsked) {
+        answer = noSuchMethod(message);
+    } else if (isReleased_) {
         // Whoever asks is to try to be the first.
-        connection.send(message.createErrorReply(QDBusError::ServiceUnknown, "it is ending"));
-        return true;
+        answer = message.createErrorReply(QDBusError::ServiceUnknown, "it is ending");
     }
     if (message.isReplyRequired()) {
-        connection.send(message.createReply());
+        connection.send(answer);
     }
-    asked();
+    if (isAsked && !isReleased_) {
+        asked();
+    }
     return true;
 }
 
