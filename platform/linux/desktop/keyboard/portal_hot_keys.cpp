@@ -37,21 +37,14 @@ void PortalHotKeys::Closer::operator()(PortalShortcut* shortcut) const {
 
 PortalHotKeys::PortalHotKeys(QDBusConnection bus, KeysymLayout& layout,
                              std::chrono::milliseconds patience)
-    : bus_(std::move(bus)), layout_(layout), patience_(patience) {
+    : bus_(std::move(bus)),
+      layout_(layout),
+      patience_(patience),
+      portal_(bus_, kPortalService, [this](const QString& owner) { portalChanged(owner); }) {
     begin_.setSingleShot(true);
     connect(&begin_, &QTimer::timeout, this, &PortalHotKeys::begin);
     drop_.setSingleShot(true);
     connect(&drop_, &QTimer::timeout, this, &PortalHotKeys::dropUnclaimed);
-    if (!bus_.isConnected()) {
-        return;
-    }
-    portalWatcher_.setConnection(bus_);
-    portalWatcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
-    portalWatcher_.addWatchedService(kPortalService);
-    connect(&portalWatcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& owner) { portalChanged(owner); });
-    bus_.connect("", "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
-                 this, SLOT(disconnected()));
 }
 
 PortalHotKeys::~PortalHotKeys() = default;
@@ -160,10 +153,6 @@ void PortalHotKeys::portalChanged(const QString& owner) {
     if (!owner.isEmpty() && !shortcut_ && std::exchange(awaitsPortal_, false)) {
         tellLater();
     }
-}
-
-void PortalHotKeys::disconnected() {
-    portalChanged(QString());
 }
 
 void PortalHotKeys::release(int handle) {

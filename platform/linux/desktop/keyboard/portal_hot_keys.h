@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusServiceWatcher>
 #include <QObject>
 #include <QTimer>
 #include <chrono>
@@ -14,6 +13,7 @@
 #include "platform/linux/desktop/keyboard/hot_key_handlers.h"
 #include "platform/linux/desktop/keyboard/keysym_layout.h"
 #include "platform/linux/desktop/keyboard/portal_shortcut.h"
+#include "platform/linux/desktop/session/service_signals.h"
 
 namespace tarnwick::platform {
 
@@ -52,9 +52,6 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void withdrawRegistration() override;
     void setRegistrationChanged(std::function<void()> changed) override;
 
- private slots:
-    void disconnected();
-
  private:
     struct Closer {
         void operator()(PortalShortcut* shortcut) const;
@@ -81,7 +78,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
     const std::chrono::milliseconds patience_;
     HotKeyHandlers handlers_;
     std::function<void()> changed_;
-    QDBusServiceWatcher portalWatcher_;
+    ServiceSignals portal_;
     std::uint32_t keyCode_ = 0;
     std::uint32_t modifiers_ = 0;
     HotKeyID id_;

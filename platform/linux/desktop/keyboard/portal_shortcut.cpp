@@ -2,7 +2,6 @@
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
-#include <QDBusVariant>
 #include <utility>
 
 #include "platform/linux/desktop/keyboard/portal_types.h"
@@ -24,10 +23,6 @@ constexpr auto kDescription = "Open or close the panel";
 /// Response codes; every other one is a refusal.
 constexpr uint kGranted = 0;
 
-bool isError(const QDBusMessage& message) {
-    return message.type() == QDBusMessage::ErrorMessage;
-}
-
 /// Another name for each object that the portal is to make for this process.
 QString newToken() {
     static int count = 0;
@@ -36,15 +31,19 @@ QString newToken() {
 
 /// A path on the bus, which portals give as a path or as a text.
 QString pathIn(const QVariant& value) {
-    return value.metaType() == QMetaType::fromType<QDBusObjectPath>()
-               ? value.value<QDBusObjectPath>().path()
-               : value.toString();
+    if (value.metaType() == QMetaType::fromType<QString>()) {
+        return value.toString();
+    }
+    return value.value<QDBusObjectPath>().path();
 }
 
 }  // namespace
 
 PortalShortcut::PortalShortcut(QDBusConnection bus, const QString& trigger)
-    : bus_(std::move(bus)), trigger_(trigger), id_("panel-" + QString(trigger).replace('+', '-')) {
+    : bus_(std::move(bus)),
+      signals_(bus_, kPortalService),
+      trigger_(trigger),
+      id_("panel-" + QString(trigger).replace('+', '-')) {
     registerPortalTypes();
 }
 
@@ -65,12 +64,11 @@ void PortalShortcut::close() {
 void PortalShortcut::start(std::function<void()> changed, std::function<void()> pressed) {
     changed_ = std::move(changed);
     pressed_ = std::move(pressed);
-    // All signals are heard before anything is asked: an answer cannot come too early. No sender is
-    // named: the library would ask the bus for its owner and wait for the answer.
-    connectTo(kRequestInterface, "Response", SLOT(responded(QDBusMessage)));
-    connectTo(kInterface, "Activated", SLOT(activated(QDBusMessage)));
-    connectTo(kInterface, "ShortcutsChanged", SLOT(shortcutsChanged(QDBusMessage)));
-    connectTo(kSessionInterface, "Closed", SLOT(sessionClosed(QDBusMessage)));
+    // All signals are heard before anything is asked: an answer cannot come too early.
+    hear(kRequestInterface, "Response", "ua{sv}", &PortalShortcut::responded);
+    hear(kInterface, "Activated", "osta{sv}", &PortalShortcut::activated);
+    hear(kInterface, "ShortcutsChanged", "oa(sa{sv})", &PortalShortcut::shortcutsChanged);
+    hear(kSessionInterface, "Closed", "a{sv}", &PortalShortcut::sessionClosed);
 
     introduceToPortal(bus_, this, [this] {
         if (!isClosed_) {
@@ -82,22 +80,25 @@ void PortalShortcut::start(std::function<void()> changed, std::function<void()> 
 void PortalShortcut::askVersion() {
     QDBusMessage call = QDBusMessage::createMethodCall(kPortalService, kPath, kProperties, "Get");
     call.setArguments({QString(kInterface), QString("version")});
-    callAsync(bus_, call, this, [this](const QDBusMessage& answer) {
+    callAsync(bus_, call, "v", this, [this](const BusArguments& answer) {
         if (isClosed_) {
             return;
         }
-        const QVariant version = answer.arguments().value(0).value<QDBusVariant>().variant();
-        if (isError(answer) || version.toUInt() < kFirstVersion) {
+        // The bus told of the portal before the portal answered; it may have gone since.
+        portal_ = signals_.owner();
+        if (!answer || variantIn(answer->first()).toUInt() < kFirstVersion || portal_.isEmpty()) {
+            portal_.clear();
             set(State::unavailable);
             return;
         }
-        portal_ = answer.service();
         createSession();
     });
 }
 
-void PortalShortcut::connectTo(const char* interface, const char* signal, const char* slot) {
-    bus_.connect("", "", interface, signal, this, slot);
+void PortalShortcut::hear(const char* interface, const char* signal, const char* signature,
+                          void (PortalShortcut::*heard)(const QDBusMessage& signal)) {
+    signals_.hear({.path = {}, .interface = interface, .member = signal, .signature = signature},
+                  [this, heard](const QDBusMessage& message) { (this->*heard)(message); });
 }
 
 void PortalShortcut::createSession() {
@@ -123,34 +124,32 @@ void PortalShortcut::ask(const char* method, const QVariantList& arguments, QVar
     options.insert("handle_token", token);
     QDBusMessage call = QDBusMessage::createMethodCall(portal_, kPath, kInterface, method);
     call.setArguments(arguments + QVariantList{options});
-    callAsync(bus_, call, this, [this, predicted = request_](const QDBusMessage& answer) {
+    callAsync(bus_, call, "o", this, [this, predicted = request_](const BusArguments& answer) {
         // The response may have been here first.
         if (request_ != predicted) {
             return;
         }
-        if (isError(answer)) {
+        if (!answer) {
             request_.clear();
             set(State::unavailable);
             return;
         }
         // Portals of old choose the name themselves.
-        const QString path = pathIn(answer.arguments().value(0));
-        request_ = path.isEmpty() ? predicted : path;
+        request_ = pathIn(answer->first());
     });
 }
 
 void PortalShortcut::responded(const QDBusMessage& signal) {
-    if (request_.isEmpty() || signal.service() != portal_ || signal.path() != request_) {
+    if (request_.isEmpty() || signal.path() != request_) {
         return;
     }
     request_.clear();
     const QVariantList arguments = signal.arguments();
-    if (arguments.value(0).metaType() != QMetaType::fromType<uint>() ||
-        arguments.value(0).toUInt() != kGranted) {
+    if (arguments[0].toUInt() != kGranted) {
         set(State::refused);
         return;
     }
-    const auto results = qdbus_cast<QVariantMap>(arguments.value(1));
+    const auto results = qdbus_cast<QVariantMap>(arguments[1]);
     if (hasSession_) {
         set(judged(results.value("shortcuts")));
         return;
@@ -163,12 +162,11 @@ void PortalShortcut::responded(const QDBusMessage& signal) {
 }
 
 bool PortalShortcut::isOfSession(const QDBusMessage& signal) const {
-    return hasSession_ && signal.service() == portal_ &&
-           pathIn(signal.arguments().value(0)) == session_;
+    return hasSession_ && pathIn(signal.arguments()[0]) == session_;
 }
 
 void PortalShortcut::activated(const QDBusMessage& signal) {
-    if (isOfSession(signal) && signal.arguments().value(1).toString() == id_ &&
+    if (isOfSession(signal) && signal.arguments()[1] == id_ &&
         (state_ == State::bound || state_ == State::unbound)) {
         set(State::bound);
         // The call may end in close().
@@ -180,12 +178,12 @@ void PortalShortcut::activated(const QDBusMessage& signal) {
 
 void PortalShortcut::shortcutsChanged(const QDBusMessage& signal) {
     if (isOfSession(signal) && (state_ == State::bound || state_ == State::unbound)) {
-        set(judged(signal.arguments().value(1)));
+        set(judged(signal.arguments()[1]));
     }
 }
 
 void PortalShortcut::sessionClosed(const QDBusMessage& signal) {
-    if (hasSession_ && signal.service() == portal_ && signal.path() == session_) {
+    if (hasSession_ && signal.path() == session_) {
         hasSession_ = false;
         session_.clear();
         request_.clear();

@@ -9,6 +9,8 @@
 #include <QVariantMap>
 #include <functional>
 
+#include "platform/linux/desktop/session/service_signals.h"
+
 namespace tarnwick::platform {
 
 /// Owner of the name is the portal; it can come and go.
@@ -48,24 +50,24 @@ class PortalShortcut final : public QObject {
     /// Unique name of the portal on the bus; empty until it has answered.
     const QString& portal() const { return portal_; }
 
- private slots:
-    void responded(const QDBusMessage& signal);
-    void activated(const QDBusMessage& signal);
-    void shortcutsChanged(const QDBusMessage& signal);
-    void sessionClosed(const QDBusMessage& signal);
-
  private:
     void askVersion();
     void createSession();
     void bind();
     void ask(const char* method, const QVariantList& arguments, QVariantMap options);
-    void connectTo(const char* interface, const char* signal, const char* slot);
+    void hear(const char* interface, const char* signal, const char* signature,
+              void (PortalShortcut::*heard)(const QDBusMessage& signal));
+    void responded(const QDBusMessage& signal);
+    void activated(const QDBusMessage& signal);
+    void shortcutsChanged(const QDBusMessage& signal);
+    void sessionClosed(const QDBusMessage& signal);
     bool isOfSession(const QDBusMessage& signal) const;
     /// The state by what the portal lists.
     State judged(const QVariant& shortcuts) const;
     void set(State state);
 
     QDBusConnection bus_;
+    ServiceSignals signals_;
     const QString trigger_;
     /// Another one for each combination: the portal keeps what its user chose for a name.
     const QString id_;

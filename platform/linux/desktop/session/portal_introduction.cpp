@@ -13,7 +13,7 @@ void introduceToPortal(const QDBusConnection& bus, QObject* owner, std::function
         "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
         "org.freedesktop.host.portal.Registry", "Register");
     call.setArguments({QString(kDesktopEntryName), QVariantMap()});
-    callAsync(bus, call, owner, [then = std::move(then)](const QDBusMessage&) { then(); });
+    callAsync(bus, call, "", owner, [then = std::move(then)](const BusArguments&) { then(); });
 }
 
 }  // namespace tarnwick::platform

@@ -1,5 +1,6 @@
 #include "platform/linux/desktop/session/portal_settings.h"
 
+#include <QDBusVariant>
 #include <utility>
 
 #include "platform/linux/desktop/session/bus_calls.h"
@@ -15,7 +16,7 @@ constexpr auto kInterface = "org.freedesktop.portal.Settings";
 /// Read wraps its value once more than the change signal does.
 QVariant unwrapped(QVariant value) {
     while (value.metaType() == QMetaType::fromType<QDBusVariant>()) {
-        value = value.value<QDBusVariant>().variant();
+        value = variantIn(value);
     }
     return value;
 }
@@ -23,23 +24,21 @@ QVariant unwrapped(QVariant value) {
 }  // namespace
 
 PortalSettings::PortalSettings(QDBusConnection bus, const std::vector<Setting>& settings)
-    : bus_(std::move(bus)) {
+    : bus_(std::move(bus)),
+      portal_(bus_, kService, [this](const QString& owner) { portalChanged(owner); }) {
     for (const Setting& setting : settings) {
         followed_.push_back({setting});
     }
-    if (!bus_.isConnected()) {
-        return;
+    portal_.hear(
+        {.path = kPath, .interface = kInterface, .member = "SettingChanged", .signature = "ssv"},
+        [this](const QDBusMessage& signal) { settingChanged(signal); });
+}
+
+void PortalSettings::portalChanged(const QString& owner) {
+    // The first question starts a portal that is not there; one that has gone is not started again.
+    if (!std::exchange(hasBegun_, true) || !owner.isEmpty()) {
+        begin();
     }
-    // The library looks the slot's types up by name, and knows this one only once it is in use.
-    qRegisterMetaType<QDBusVariant>();
-    // No sender is named: the library would ask the bus for its owner and wait for the answer.
-    bus_.connect("", kPath, kInterface, "SettingChanged", this,
-                 SLOT(settingChanged(QString, QString, QDBusVariant)));
-    portalWatcher_.setConnection(bus_);
-    portalWatcher_.setWatchMode(QDBusServiceWatcher::WatchForRegistration);
-    portalWatcher_.addWatchedService(kService);
-    connect(&portalWatcher_, &QDBusServiceWatcher::serviceRegistered, this, [this] { begin(); });
-    begin();
 }
 
 void PortalSettings::begin() {
@@ -53,20 +52,20 @@ void PortalSettings::begin() {
 void PortalSettings::ask(Followed& followed) {
     QDBusMessage call = QDBusMessage::createMethodCall(kService, kPath, kInterface, "Read");
     call.setArguments({followed.setting.space, followed.setting.key});
-    callAsync(bus_, call, this,
-              [&followed, changes = followed.changes](const QDBusMessage& answer) {
-                  if (answer.type() == QDBusMessage::ReplyMessage && changes == followed.changes) {
-                      followed.setting.heard(unwrapped(answer.arguments().value(0)));
+    callAsync(bus_, call, "v", this,
+              [&followed, changes = followed.changes](const BusArguments& answer) {
+                  if (answer && changes == followed.changes) {
+                      followed.setting.heard(unwrapped(answer->first()));
                   }
               });
 }
 
-void PortalSettings::settingChanged(const QString& space, const QString& key,
-                                    const QDBusVariant& value) {
+void PortalSettings::settingChanged(const QDBusMessage& signal) {
+    const QVariantList arguments = signal.arguments();
     for (Followed& followed : followed_) {
-        if (space == followed.setting.space && key == followed.setting.key) {
+        if (arguments[0] == followed.setting.space && arguments[1] == followed.setting.key) {
             ++followed.changes;
-            followed.setting.heard(unwrapped(value.variant()));
+            followed.setting.heard(unwrapped(arguments[2]));
         }
     }
 }

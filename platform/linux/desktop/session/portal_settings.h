@@ -2,13 +2,14 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusServiceWatcher>
-#include <QDBusVariant>
+#include <QDBusMessage>
 #include <QObject>
 #include <QString>
 #include <QVariant>
 #include <functional>
 #include <vector>
+
+#include "platform/linux/desktop/session/service_signals.h"
 
 namespace tarnwick::platform {
 
@@ -28,9 +29,6 @@ class PortalSettings final : public QObject {
 
     PortalSettings(QDBusConnection bus, const std::vector<Setting>& settings);
 
- private slots:
-    void settingChanged(const QString& space, const QString& key, const QDBusVariant& value);
-
  private:
     struct Followed {
         Setting setting;
@@ -38,13 +36,17 @@ class PortalSettings final : public QObject {
         int changes = 0;
     };
 
+    void portalChanged(const QString& owner);
     void begin();
     void ask(Followed& followed);
+    void settingChanged(const QDBusMessage& signal);
 
     QDBusConnection bus_;
     /// As many as at first.
     std::vector<Followed> followed_;
-    QDBusServiceWatcher portalWatcher_;
+    /// Settings were asked for, which starts a portal that is not there.
+    bool hasBegun_ = false;
+    ServiceSignals portal_;
 };
 
 }  // namespace tarnwick::platform

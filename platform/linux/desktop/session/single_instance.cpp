@@ -89,12 +89,13 @@ bool SingleInstance::takeName() {
     }
     constexpr uint kDoNotQueue = 4;
     constexpr uint kExists = 3;
-    const QDBusMessage answer = bus_.call(busCall("RequestName", {QString(kService), kDoNotQueue}),
-                                          QDBus::Block, kBusMilliseconds);
-    const bool isAnswered = answer.type() == QDBusMessage::ReplyMessage;
-    ownsName_ = isAnswered && answer.arguments().value(0).toUInt() != kExists;
+    const BusArguments answer =
+        argumentsOf(bus_.call(busCall("RequestName", {QString(kService), kDoNotQueue}),
+                              QDBus::Block, kBusMilliseconds),
+                    "u");
+    ownsName_ = answer && answer->first().toUInt() != kExists;
     // Running unguarded is better than not running.
-    return ownsName_ || !isAnswered;
+    return ownsName_ || !answer;
 }
 
 bool SingleInstance::takeLock() {

@@ -2,27 +2,21 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusMessage>
-#include <QObject>
 #include <functional>
+
+#include "platform/linux/desktop/session/service_signals.h"
 
 namespace tarnwick::platform {
 
 /// Hears of it from the login manager on the system bus; never where there is no system bus or no
 /// login manager. Main thread; never waits for the bus.
-class SleepSignals final : public QObject {
-    Q_OBJECT
-
+class SleepSignals final {
  public:
     /// `woke` is called on the main thread each time.
-    SleepSignals(QDBusConnection systemBus, std::function<void()> woke);
-
- private slots:
-    void prepareForSleep(bool begins, const QDBusMessage& signal);
+    SleepSignals(const QDBusConnection& systemBus, std::function<void()> woke);
 
  private:
-    QDBusConnection bus_;
-    std::function<void()> woke_;
+    ServiceSignals manager_;
 };
 
 }  // namespace tarnwick::platform

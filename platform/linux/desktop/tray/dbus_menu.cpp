@@ -2,9 +2,11 @@
 
 #include <QDBusError>
 #include <QMetaObject>
+#include <functional>
 #include <numeric>
 #include <utility>
 
+#include "platform/linux/desktop/session/bus_calls.h"
 #include "platform/linux/desktop/tray/property_calls.h"
 
 namespace tarnwick::platform {
@@ -12,6 +14,8 @@ namespace {
 
 // The menu never changes, so there is one revision only.
 constexpr uint kRevision = 1;
+/// Hosts know which entries there are: an answer names no more wrong numbers than this.
+constexpr qsizetype kMostUnknown = 16;
 
 constexpr auto kIntrospection = R"xml(
 <interface name="com.canonical.dbusmenu">
@@ -68,6 +72,29 @@ constexpr auto kIntrospection = R"xml(
 // An underscore marks the key of an entry; a real one is written twice.
 QString escaped(QString label) {
     return label.replace("_", "__");
+}
+
+/// Reads a list of the bus value by value: a host may send millions of them. `list` has to be one.
+template <typename Value>
+void forEachIn(const QVariant& list, const std::function<void(const Value&)>& visit) {
+    const auto values = list.value<QDBusArgument>();
+    values.beginArray();
+    while (!values.atEnd()) {
+        Value each;
+        values >> each;
+        visit(each);
+    }
+    values.endArray();
+}
+
+/// False when it is there already.
+template <typename Value>
+bool appendOnce(QList<Value>& list, const Value& value) {
+    if (list.contains(value)) {
+        return false;
+    }
+    list.append(value);
+    return true;
 }
 
 QDBusMessage noEntry(const QDBusMessage& message, int id) {
@@ -141,25 +168,40 @@ void DBusMenu::event(int id, const QString& type) {
     }
 }
 
+void DBusMenu::mention(int id, Mentioned& mentioned) const {
+    if (exists(id)) {
+        appendOnce(mentioned.entries, id);
+    } else if (mentioned.unknown.size() < kMostUnknown) {
+        appendOnce(mentioned.unknown, id);
+    }
+}
+
+DBusMenu::Mentioned DBusMenu::mentionedIn(const QVariant& ids) const {
+    Mentioned mentioned;
+    forEachIn<int>(ids, [&](int id) { mention(id, mentioned); });
+    return mentioned;
+}
+
 QDBusMessage DBusMenu::answerEvents(const QDBusMessage& message) {
-    QList<int> unknown;
-    const auto events = qdbus_cast<MenuEvents>(message.arguments().value(0));
-    for (const MenuEvent& each : events) {
-        if (exists(each.id)) {
+    Mentioned mentioned;
+    QList<std::pair<int, QString>> taken;
+    forEachIn<MenuEvent>(message.arguments().first(), [&](const MenuEvent& each) {
+        mention(each.id, mentioned);
+        // There is no end of other types, and none of them does anything.
+        const bool matters = each.type == "clicked" || each.type == "opened";
+        if (matters && exists(each.id) && appendOnce(taken, {each.id, each.type})) {
             event(each.id, each.type);
-        } else {
-            unknown.append(each.id);
         }
+    });
+    if (mentioned.entries.isEmpty() && !mentioned.unknown.isEmpty()) {
+        return noEntry(message, mentioned.unknown.first());
     }
-    if (!events.isEmpty() && unknown.size() == events.size()) {
-        return noEntry(message, unknown.first());
-    }
-    return message.createReply(QVariant::fromValue(unknown));
+    return message.createReply(QVariant::fromValue(mentioned.unknown));
 }
 
 QDBusMessage DBusMenu::answer(const QDBusMessage& message) {
     const QVariantList arguments = message.arguments();
-    const QString call = message.member() + '(' + message.signature() + ')';
+    const QString call = calledMethod(message);
     const int id = arguments.value(0).toInt();
     if (call == "GetLayout(iias)") {
         if (!exists(id)) {
@@ -169,17 +211,16 @@ QDBusMessage DBusMenu::answer(const QDBusMessage& message) {
         return message.createReply({kRevision, QVariant::fromValue(layout)});
     }
     if (call == "GetGroupProperties(aias)") {
-        QList<int> ids = qdbus_cast<QList<int>>(arguments[0]);
-        if (ids.isEmpty()) {
+        Mentioned mentioned = mentionedIn(arguments[0]);
+        if (mentioned.entries.isEmpty() && mentioned.unknown.isEmpty()) {
             // None named: every entry.
-            ids.resize(static_cast<qsizetype>(entries_.size()) + 1);
-            std::iota(ids.begin(), ids.end(), 0);
+            mentioned.entries.resize(static_cast<qsizetype>(entries_.size()) + 1);
+            std::iota(mentioned.entries.begin(), mentioned.entries.end(), 0);
         }
+        const QStringList names = arguments[1].toStringList();
         MenuPropertiesList list;
-        for (const int each : ids) {
-            if (exists(each)) {
-                list.append({each, properties(each, arguments[1].toStringList())});
-            }
+        for (const int each : mentioned.entries) {
+            list.append({each, properties(each, names)});
         }
         return message.createReply(QVariant::fromValue(list));
     }
@@ -206,15 +247,14 @@ QDBusMessage DBusMenu::answer(const QDBusMessage& message) {
         return exists(id) ? message.createReply(false) : noEntry(message, id);
     }
     if (call == "AboutToShowGroup(ai)") {
-        QList<int> unknown = qdbus_cast<QList<int>>(arguments[0]);
-        for (const int each : unknown) {
+        const Mentioned mentioned = mentionedIn(arguments[0]);
+        for (const int each : mentioned.entries) {
             aboutToShow(each);
         }
-        erase_if(unknown, [&](int each) { return exists(each); });
         return message.createReply(
-            {QVariant::fromValue(QList<int>()), QVariant::fromValue(unknown)});
+            {QVariant::fromValue(QList<int>()), QVariant::fromValue(mentioned.unknown)});
     }
-    return message.createErrorReply(QDBusError::UnknownMethod, "No method " + call);
+    return noSuchMethod(message);
 }
 
 bool DBusMenu::handleMessage(const QDBusMessage& message, const QDBusConnection& connection) {

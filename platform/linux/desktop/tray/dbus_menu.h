@@ -4,8 +4,10 @@
 #include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusVirtualObject>
+#include <QList>
 #include <QString>
 #include <QStringList>
+#include <QVariant>
 #include <QVariantMap>
 #include <functional>
 #include <vector>
@@ -42,6 +44,15 @@ class DBusMenu final : public QDBusVirtualObject {
     bool exists(int id) const { return id >= 0 && id <= static_cast<int>(entries_.size()); }
     QVariantMap properties(int id, const QStringList& names) const;
     MenuNode node(int id, int depth, const QStringList& names) const;
+    /// What a request names, however often it does: each number once, in the order of their first
+    /// mention.
+    struct Mentioned {
+        QList<int> entries;
+        /// Numbers of no entry; the first few.
+        QList<int> unknown;
+    };
+    void mention(int id, Mentioned& mentioned) const;
+    Mentioned mentionedIn(const QVariant& ids) const;
     QDBusMessage answer(const QDBusMessage& message);
     QDBusMessage answerEvents(const QDBusMessage& message);
     /// A host asks about or tells of the entry with this number being shown.

@@ -11,6 +11,9 @@ namespace {
 
 constexpr auto kMenuPath = "/StatusNotifierMenu";
 constexpr auto kActivationToken = "XDG_ACTIVATION_TOKEN";
+/// Tokens have a few dozen letters. The C library never frees what was in the environment once, and
+/// what is very long there keeps programs from being started.
+constexpr qsizetype kLongestToken = 1024;
 
 bool onX11() {
     return QGuiApplication::platformName() == "xcb";
@@ -108,6 +111,9 @@ void LinuxStatusItem::start() {
 }
 
 void LinuxStatusItem::keepActivationToken(const QString& token) {
+    if (token.size() > kLongestToken) {
+        return;
+    }
     // Here the toolkit looks for one when a window is activated next, and takes it away. One that
     // no window came for must not be used for another press.
     qputenv(kActivationToken, token.toUtf8());

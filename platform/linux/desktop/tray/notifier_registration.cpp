@@ -1,7 +1,6 @@
 #include "platform/linux/desktop/tray/notifier_registration.h"
 
 #include <QCoreApplication>
-#include <QDBusVariant>
 #include <QTimer>
 #include <algorithm>
 #include <filesystem>
@@ -16,10 +15,6 @@ namespace {
 constexpr auto kWatcherService = "org.kde.StatusNotifierWatcher";
 constexpr auto kWatcherPath = "/StatusNotifierWatcher";
 constexpr auto kWatcherInterface = "org.kde.StatusNotifierWatcher";
-
-bool isError(const QDBusMessage& answer) {
-    return answer.type() == QDBusMessage::ErrorMessage;
-}
 
 }  // namespace
 
@@ -56,41 +51,31 @@ NotifierRegistration::~NotifierRegistration() {
 void NotifierRegistration::start(std::function<void()> changed) {
     changed_ = std::move(changed);
     if (!bus_.isConnected()) {
-        disconnected();
+        ownerChanged(QString());
         return;
     }
-    ownerWatcher_.setConnection(bus_);
-    ownerWatcher_.setWatchMode(QDBusServiceWatcher::WatchForOwnerChange);
-    ownerWatcher_.addWatchedService(kWatcherService);
-    connect(&ownerWatcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            [this](const QString&, const QString&, const QString& owner) { ownerChanged(owner); });
-    // No sender is named: the library would ask the bus for its owner and wait for the answer.
-    bus_.connect("", kWatcherPath, kWatcherInterface, "StatusNotifierHostRegistered", this,
-                 SLOT(hostRegistered()));
-    bus_.connect("", kWatcherPath, kWatcherInterface, "StatusNotifierHostUnregistered", this,
-                 SLOT(hostUnregistered()));
-    bus_.connect("", "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
-                 this, SLOT(disconnected()));
+    watcher_.emplace(bus_, kWatcherService, [this](const QString& owner) { ownerChanged(owner); });
+    watcher_->hear({.path = kWatcherPath,
+                    .interface = kWatcherInterface,
+                    .member = "StatusNotifierHostRegistered",
+                    .signature = ""},
+                   [this](const QDBusMessage&) { hostRegistered(); });
+    watcher_->hear({.path = kWatcherPath,
+                    .interface = kWatcherInterface,
+                    .member = "StatusNotifierHostUnregistered",
+                    .signature = ""},
+                   [this](const QDBusMessage&) { hostUnregistered(); });
 
     const QString name =
         QString("org.kde.StatusNotifierItem-%1-1").arg(QCoreApplication::applicationPid());
     constexpr uint kDoNotQueue = 4;
     constexpr uint kPrimaryOwner = 1;
-    callAsync(bus_, busCall("RequestName", {name, kDoNotQueue}), this,
-              [this, name](const QDBusMessage& answer) {
-                  const bool granted =
-                      !isError(answer) && answer.arguments().value(0).toUInt() == kPrimaryOwner;
+    callAsync(bus_, busCall("RequestName", {name, kDoNotQueue}), "u", this,
+              [this, name](const BusArguments& answer) {
+                  const bool granted = answer && answer->first().toUInt() == kPrimaryOwner;
                   service_ = granted ? name : bus_.baseService();
                   publish();
               });
-    const int asked = generation_;
-    callAsync(
-        bus_, busCall("GetNameOwner", {QString(kWatcherService)}), this,
-        [this, asked](const QDBusMessage& answer) {
-            if (asked == generation_) {
-                ownerChanged(isError(answer) ? QString() : answer.arguments().value(0).toString());
-            }
-        });
 }
 
 void NotifierRegistration::ownerChanged(const QString& owner) {
@@ -109,23 +94,20 @@ void NotifierRegistration::ownerChanged(const QString& owner) {
 
 void NotifierRegistration::ask(const QString& owner) {
     const int asked = generation_;
-    callAsync(bus_, busCall("GetConnectionUnixProcessID", {owner}), this,
-              [this, asked](const QDBusMessage& answer) {
+    callAsync(bus_, busCall("GetConnectionUnixProcessID", {owner}), "u", this,
+              [this, asked](const BusArguments& answer) {
                   if (asked == generation_) {
-                      askedProgram_ = isError(answer)
-                                          ? std::string()
-                                          : programOf_(answer.arguments().value(0).toUInt());
+                      askedProgram_ = answer ? programOf_(answer->first().toUInt()) : std::string();
                       publish();
                   }
               });
     QDBusMessage call = QDBusMessage::createMethodCall(owner, kWatcherPath,
                                                        "org.freedesktop.DBus.Properties", "Get");
     call.setArguments({QString(kWatcherInterface), QString("IsStatusNotifierHostRegistered")});
-    callAsync(bus_, call, this, [this, asked](const QDBusMessage& answer) {
+    callAsync(bus_, call, "v", this, [this, asked](const BusArguments& answer) {
         if (asked == generation_ && !hasHost_) {
             // A watcher that cannot tell is taken to be a host itself, as most are.
-            const QVariant value = answer.arguments().value(0).value<QDBusVariant>().variant();
-            hasHost_ = isError(answer) || value.toBool();
+            hasHost_ = !answer || variantIn(answer->first()).toBool();
             publish();
         }
     });
@@ -144,10 +126,6 @@ void NotifierRegistration::hostUnregistered() {
         hasHost_.reset();
         ask(owner_);
     }
-}
-
-void NotifierRegistration::disconnected() {
-    ownerChanged(QString());
 }
 
 void NotifierRegistration::publish() {
@@ -179,11 +157,11 @@ void NotifierRegistration::registerItem(int attempt) {
                                                        "RegisterStatusNotifierItem");
     call.setArguments({service_});
     const int asked = generation_;
-    callAsync(bus_, call, this, [this, asked, attempt](const QDBusMessage& answer) {
+    callAsync(bus_, call, "", this, [this, asked, attempt](const BusArguments& answer) {
         if (asked != generation_) {
             return;
         }
-        if (!isError(answer)) {
+        if (answer) {
             isTaken_ = true;
             publish();
             return;

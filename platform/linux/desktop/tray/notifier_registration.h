@@ -2,12 +2,13 @@
 #pragma once
 
 #include <QDBusConnection>
-#include <QDBusServiceWatcher>
 #include <QObject>
 #include <QString>
 #include <functional>
 #include <optional>
 #include <string>
+
+#include "platform/linux/desktop/session/service_signals.h"
 
 namespace tarnwick::platform {
 
@@ -54,13 +55,10 @@ class NotifierRegistration final : public QObject {
     /// content. A watcher that refuses the item is asked again for as long as it is there.
     void start(std::function<void()> changed);
 
- private slots:
-    void hostRegistered();
-    void hostUnregistered();
-    void disconnected();
-
  private:
     void ownerChanged(const QString& owner);
+    void hostRegistered();
+    void hostUnregistered();
     void ask(const QString& owner);
     void registerItem(int attempt);
     void publish();
@@ -69,7 +67,8 @@ class NotifierRegistration final : public QObject {
     ProgramOf programOf_;
     RetryDelays retryDelays_;
     std::function<void()> changed_;
-    QDBusServiceWatcher ownerWatcher_;
+    /// There once it is followed.
+    std::optional<ServiceSignals> watcher_;
     /// The name hosts know the item by; empty until the bus has granted one.
     QString service_;
     QString owner_;

@@ -3,6 +3,8 @@
 #include <QDBusError>
 #include <QDBusVariant>
 
+#include "platform/linux/desktop/session/bus_calls.h"
+
 namespace tarnwick::platform {
 namespace {
 
@@ -24,7 +26,7 @@ QDBusMessage answer(const QDBusMessage& message, const QString& interface,
     if (message.member() == "Set" && message.signature() == "ssv") {
         return message.createErrorReply(QDBusError::PropertyReadOnly, "Nothing can be set");
     }
-    return message.createErrorReply(QDBusError::UnknownMethod, "No method " + message.member());
+    return noSuchMethod(message);
 }
 
 }  // namespace

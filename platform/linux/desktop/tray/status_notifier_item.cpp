@@ -3,6 +3,7 @@
 #include <QDBusObjectPath>
 #include <utility>
 
+#include "platform/linux/desktop/session/bus_calls.h"
 #include "platform/linux/desktop/tray/property_calls.h"
 
 namespace tarnwick::platform {
@@ -151,32 +152,29 @@ bool StatusNotifierItem::handleMessage(const QDBusMessage& message,
     if (!message.interface().isEmpty() && message.interface() != kInterface) {
         return false;
     }
-    const QString member = message.member();
+    const QString call = calledMethod(message);
     const std::function<void()> nothing = [] {};
     const std::function<void()> takeToken = [this, &message] {
         if (actions_.activationToken) {
-            actions_.activationToken(message.arguments().value(0).toString());
+            actions_.activationToken(message.arguments().first().toString());
         }
     };
     const std::function<void()>* action = nullptr;
-    if (member == "Activate") {
+    if (call == "Activate(ii)") {
         action = &actions_.activate;
-    } else if (member == "SecondaryActivate" || member == "XAyatanaSecondaryActivate") {
+    } else if (call == "SecondaryActivate(ii)" || call == "XAyatanaSecondaryActivate(u)") {
         action = &actions_.secondaryActivate;
-    } else if (member == "ProvideXdgActivationToken") {
+    } else if (call == "ProvideXdgActivationToken(s)") {
         action = &takeToken;
-    } else if (member == "ContextMenu" || member == "Scroll") {
+    } else if (call == "ContextMenu(ii)" || call == "Scroll(is)") {
         // Hosts draw the menu themselves; turning the wheel means nothing here.
         action = &nothing;
     }
-    if (action == nullptr) {
-        return false;
-    }
     // The answer first: the host must not wait while a panel is being built.
     if (message.isReplyRequired()) {
-        connection.send(message.createReply());
+        connection.send(action ? message.createReply() : noSuchMethod(message));
     }
-    if (*action) {
+    if (action && *action) {
         (*action)();
     }
     return true;

@@ -1,6 +1,9 @@
 // A settings portal that says what a test sets.
 #pragma once
 
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QMap>
 #include <QStringList>

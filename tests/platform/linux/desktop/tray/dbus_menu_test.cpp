@@ -4,6 +4,7 @@
 #include <QDBusVariant>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <numeric>
 #include <optional>
 
 #include "tests/platform/linux/desktop/private_bus.h"
@@ -16,6 +17,9 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using testing::PrivateBus;
 using testing::waitUntil;
+
+/// Of one kind in one call.
+constexpr qsizetype kMany = 50'000;
 
 class ItemMenu : public ::testing::Test {
  protected:
@@ -170,6 +174,67 @@ TEST_F(ItemMenu, NeedsNoUpdateBeforeItIsShown) {
     EXPECT_EQ(group.signature(), "aiai");
     EXPECT_THAT(qdbus_cast<QList<int>>(group.arguments().value(0)), IsEmpty());
     EXPECT_THAT(qdbus_cast<QList<int>>(group.arguments().value(1)), ElementsAre(12));
+}
+
+TEST_F(ItemMenu, AnswersForEachEntryOnceHoweverOftenItIsNamed) {
+    QList<int> ids(kMany, 4);
+    ids += QList<int>(kMany, 77);
+    ids += {1, 0, 4, 1};
+    const QDBusMessage answer =
+        call("GetGroupProperties", {QVariant::fromValue(ids), QStringList("label")});
+    QStringList texts;
+    for (const MenuProperties& each : qdbus_cast<MenuPropertiesList>(answer.arguments().value(0))) {
+        texts.append(QString("%1=%2").arg(each.id).arg(each.properties.value("label").toString()));
+    }
+    EXPECT_THAT(texts, ElementsAre("4=Quit", "1=Open Panel", "0="));
+}
+
+TEST_F(ItemMenu, FindsAPropertyAmongManyNames) {
+    QStringList names(kMany, "x");
+    names.append("label");
+    const auto root = layout(0, -1, names);
+    ASSERT_TRUE(root);
+    EXPECT_EQ(child(*root, 3).properties, (QVariantMap{{"label", "Quit"}}));
+}
+
+TEST_F(ItemMenu, IsAboutToBeShownOnceACall) {
+    QList<int> ids(kMany, 0);
+    ids += QList<int>(kMany, 77);
+    ids += {1, -1, 77};
+    const QDBusMessage answer = call("AboutToShowGroup", {QVariant::fromValue(ids)});
+    EXPECT_EQ(opening_, 1);
+    EXPECT_THAT(qdbus_cast<QList<int>>(answer.arguments().value(1)), ElementsAre(77, -1));
+}
+
+TEST_F(ItemMenu, TakesEachEventOfAnEntryOnceACall) {
+    MenuEvents events;
+    const auto add = [&events](int id, const char* type) {
+        events +=
+            MenuEvents(kMany, {.id = id, .type = type, .data = QDBusVariant(""), .timestamp = 0});
+    };
+    add(0, "opened");
+    add(1, "clicked");
+    add(77, "clicked");
+    add(4, "clicked");
+    add(1, "clicked");
+    const QDBusMessage answer = call("EventGroup", {QVariant::fromValue(events)});
+    EXPECT_THAT(qdbus_cast<QList<int>>(answer.arguments().value(0)), ElementsAre(77));
+    EXPECT_EQ(opening_, 1);
+    // Actions run in their order: with the next one, all of these have.
+    call("Event", {2, QString("clicked"), noData(), 0U});
+    EXPECT_TRUE(waitUntil([&] { return settings_ == 1; }));
+    EXPECT_EQ(opened_, 1);
+    EXPECT_EQ(quit_, 1);
+}
+
+TEST_F(ItemMenu, NamesNoMoreThanAFewNumbersThatNoEntryHas) {
+    QList<int> ids(kMany);
+    std::iota(ids.begin(), ids.end(), 1000);
+    const QDBusMessage answer = call("AboutToShowGroup", {QVariant::fromValue(ids)});
+    const auto unknown = qdbus_cast<QList<int>>(answer.arguments().value(1));
+    EXPECT_EQ(unknown, ids.first(unknown.size()));
+    EXPECT_GE(unknown.size(), 10);
+    EXPECT_LE(unknown.size(), 100);
 }
 
 TEST_F(ItemMenu, SaysItsVersionAndRefusesIllFormedCalls) {

@@ -382,6 +382,19 @@ TEST_F(Item, KeepsATokenOfTheCompositorForTheToolkit) {
     qunsetenv("XDG_ACTIVATION_TOKEN");
 }
 
+TEST_F(Item, PassesOverWhatIsTooLongForATokenOfACompositor) {
+    show();
+    beginHost();
+    const auto give = [this](int length) {
+        host_.callItem("ProvideXdgActivationToken", {QString(length, 'x')});
+        const auto kept = qgetenv("XDG_ACTIVATION_TOKEN").size();
+        qunsetenv("XDG_ACTIVATION_TOKEN");
+        return kept;
+    };
+    EXPECT_EQ(give(200), 200);
+    EXPECT_EQ(give(5'000'000), 0);
+}
+
 TEST_F(Item, DropsATokenThatNoWindowCameFor) {
     make(itemBus_, 3'600'000, 1);
     show();
