@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <utility>
 
+#include "platform/linux/files/list_items.h"
 #include "platform/utf8.h"
 
 namespace tarnwick::platform {
@@ -181,11 +182,10 @@ std::vector<std::string> localeSuffixes(
     addSuffixes(locale, ofLocale);
     // A list of languages counts only where a language is used at all.
     std::vector<std::string> suffixes;
-    std::string_view languages = ofLocale.empty() ? std::string_view() : value("LANGUAGE");
-    while (!languages.empty()) {
-        const std::string_view language = languages.substr(0, languages.find(':'));
-        addSuffixes(language, suffixes);
-        languages.remove_prefix(std::min(language.size() + 1, languages.size()));
+    if (!ofLocale.empty()) {
+        for (const std::string_view language : listItems(value("LANGUAGE"))) {
+            addSuffixes(language, suffixes);
+        }
     }
     addSuffixes(locale, suffixes);
     return suffixes;

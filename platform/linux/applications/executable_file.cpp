@@ -4,6 +4,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/linux/files/list_items.h"
+
 namespace tarnwick::platform {
 
 bool isExecutable(const std::filesystem::path& file) {
@@ -24,12 +26,10 @@ std::filesystem::path findExecutable(std::string_view name, std::string_view lis
     if (program.empty() || program.has_parent_path()) {
         return {};
     }
-    while (!list.empty()) {
-        const std::filesystem::path folder = list.substr(0, list.find(':'));
+    for (const std::filesystem::path folder : listItems(list)) {
         if (folder.is_absolute() && isExecutable(below(folder / program))) {
             return below(folder / program);
         }
-        list.remove_prefix(std::min(folder.native().size() + 1, list.size()));
     }
     return {};
 }

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/linux/files/kept_file.h"
+#include "platform/linux/files/list_items.h"
 
 namespace tarnwick::platform {
 
@@ -41,11 +42,9 @@ ApplicationSources applicationSources(const std::function<const char*(const char
         addFolder(home + "/.local/share", folders);
     }
     const std::string list = value("XDG_DATA_DIRS");
-    std::string_view rest = list.empty() ? std::string_view("/usr/local/share:/usr/share") : list;
-    while (!rest.empty()) {
-        const std::string_view folder = rest.substr(0, rest.find(':'));
+    for (const std::string_view folder :
+         listItems(list.empty() ? std::string_view("/usr/local/share:/usr/share") : list)) {
         addFolder(folder, folders);
-        rest.remove_prefix(std::min(folder.size() + 1, rest.size()));
     }
     addFolder(home + "/.local/share/flatpak/exports/share", folders);
     addFolder("/var/lib/flatpak/exports/share", folders);

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
-#include <ranges>
 #include <string_view>
 #include <utility>
 
@@ -11,6 +10,7 @@
 #include "platform/linux/applications/executable_file.h"
 #include "platform/linux/applications/installed_applications.h"
 #include "platform/linux/files/kept_file.h"
+#include "platform/linux/files/list_items.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -58,22 +58,13 @@ constexpr std::array<std::string_view, 13> kTerminals = {
     "alacritty -e",      "kitty",
     "xterm -e"};
 
-/// The items of a list with colons between them.
-std::vector<std::string_view> items(std::string_view list) {
-    std::vector<std::string_view> result;
-    for (const auto item : std::views::split(list, ':')) {
-        result.emplace_back(item.begin(), item.end());
-    }
-    return result;
-}
-
 /// The entries of all monitors, those of the session's desktops first, of which the session names
 /// the more special one first. Some come twice.
 std::vector<std::string_view> entriesFor(std::string_view current) {
     std::vector<std::string_view> entries;
-    for (const std::string_view desktop : items(current)) {
+    for (const std::string_view desktop : listItems(current)) {
         for (const KnownMonitor& monitor : kMonitors) {
-            if (std::ranges::count(items(monitor.desktops), desktop) > 0) {
+            if (std::ranges::count(listItems(monitor.desktops), desktop) > 0) {
                 entries.push_back(monitor.entry);
             }
         }

@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cstdlib>
 #include <fcntl.h>
-#include <ranges>
 #include <system_error>
 #include <unistd.h>
 #include <utility>
@@ -13,6 +12,7 @@
 #include "platform/linux/applications/executable_file.h"
 #include "platform/linux/files/folders.h"
 #include "platform/linux/files/kept_file.h"
+#include "platform/linux/files/list_items.h"
 #include "platform/utf8.h"
 
 namespace tarnwick::platform {
@@ -55,10 +55,9 @@ bool isOn(std::string_view text) {
 
 /// An entry's list of desktops names one of the session's.
 bool names(std::string_view list, std::string_view current) {
-    return std::ranges::any_of(std::views::split(current, ':'), [list](const auto desktop) {
-        return std::ranges::any_of(std::views::split(list, ';'), [&desktop](const auto item) {
-            return !item.empty() && std::ranges::equal(item, desktop);
-        });
+    const auto named = listItems(list, ';');
+    return std::ranges::any_of(listItems(current), [&named](std::string_view desktop) {
+        return std::ranges::count(named, desktop) > 0;
     });
 }
 
@@ -224,8 +223,7 @@ std::optional<std::string> AutostartLoginService::systemText() const {
     if (list.empty()) {
         list = "/etc/xdg";
     }
-    for (const auto item : std::views::split(list, ':')) {
-        const std::filesystem::path folder(item.begin(), item.end());
+    for (const std::filesystem::path folder : listItems(list)) {
         if (auto text = folder.is_absolute() ? textOf(folder / kEntry) : std::nullopt) {
             return text;
         }

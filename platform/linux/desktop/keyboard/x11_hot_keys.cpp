@@ -20,7 +20,7 @@ constexpr std::uint16_t kMapParts = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART
 }  // namespace
 
 X11HotKeys::X11HotKeys(xcb_connection_t* connection, Dispatch& dispatch)
-    : connection_(connection), dispatch_(dispatch) {
+    : connection_(connection), nextLook_(dispatch, [this] { tellIfModifiersMoved(); }) {
     followKeyboard();
 }
 
@@ -105,7 +105,7 @@ bool X11HotKeys::handle(const xcb_generic_event_t& event) {
         }
         default:
             if (isKeyboardChange(event)) {
-                keyboardChanged();
+                nextLook_.schedule();
             }
             return false;
     }
@@ -132,19 +132,7 @@ bool X11HotKeys::pressed(const xcb_key_press_event_t& event) {
     return true;
 }
 
-void X11HotKeys::keyboardChanged() {
-    if (std::exchange(isStale_, true)) {
-        return;
-    }
-    dispatch_.async([weak = std::weak_ptr(self_)] {
-        if (const auto self = weak.lock()) {
-            (*self)->tellIfModifiersMoved();
-        }
-    });
-}
-
 void X11HotKeys::tellIfModifiersMoved() {
-    isStale_ = false;
     const auto modifiers = readModifiers(connection_);
     if (modifiers_ && modifiers && modifiers != modifiers_) {
         modifiers_ = modifiers;

@@ -3,7 +3,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <optional>
 #include <xcb/xcb.h>
 
@@ -12,6 +11,7 @@
 #include "platform/linux/desktop/keyboard/hot_key_handlers.h"
 #include "platform/linux/desktop/keyboard/x11_key_grab.h"
 #include "platform/linux/desktop/keyboard/x11_modifiers.h"
+#include "platform/next_turn.h"
 
 namespace tarnwick::platform {
 
@@ -49,14 +49,14 @@ class X11HotKeys : public HotKeys {
     bool isKeyboardChange(const xcb_generic_event_t& event) const;
     bool pressed(const xcb_key_press_event_t& event);
     /// Looks at the keyboard in a turn of its own: a new layout comes as a burst of events.
-    void keyboardChanged();
     void tellIfModifiersMoved();
     /// What to grab on the keyboard of now; absent where that lacks a key for it.
     std::optional<KeyCombination> combination(std::uint32_t keyCode, std::uint32_t modifiers) const;
     void release();
 
     xcb_connection_t* connection_;
-    Dispatch& dispatch_;
+    /// A new layout comes as a burst of events.
+    NextTurn nextLook_;
     HotKeyHandlers handlers_;
     std::function<void()> changed_;
     /// As the last registration found them; absent when there is none.
@@ -68,13 +68,9 @@ class X11HotKeys : public HotKeys {
     HotKeyID id_;
     /// Counts registrations: the handle of an older one gives nothing back.
     int registrations_ = 0;
-    /// A change of the keyboard waits to be looked at.
-    bool isStale_ = false;
     // The last release of any key.
     xcb_keycode_t releasedKey_ = 0;
     xcb_timestamp_t releasedAt_ = 0;
-    /// Expires with the object; what is queued holds it weakly.
-    std::shared_ptr<X11HotKeys*> self_ = std::make_shared<X11HotKeys*>(this);
 };
 
 }  // namespace tarnwick::platform
