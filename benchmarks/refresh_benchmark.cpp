@@ -13,7 +13,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "benchmarks/bare_link_dump.h"
+#include "benchmarks/bare_interface_files.h"
 #include "benchmarks/bare_process_loop.h"
 #include "benchmarks/pairs.h"
 #include "platform/linux/kernel/linux_kernel.h"
@@ -74,13 +74,13 @@ class BareFastRefresh {
         for (const int descriptor : descriptors_) {
             benchmark::DoNotOptimize(::pread(descriptor, buffer_.data(), buffer_.size(), 0));
         }
-        benchmark::DoNotOptimize(links_.read());
+        benchmark::DoNotOptimize(interfaces_.read());
     }
 
  private:
     std::vector<int> descriptors_;
     std::vector<char> buffer_;
-    tarnwick::benchmarks::BareLinkDump links_;
+    tarnwick::benchmarks::BareInterfaceFiles interfaces_;
 };
 
 class FastRefresh {

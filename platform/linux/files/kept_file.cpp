@@ -44,8 +44,8 @@ void FileDescriptor::close() {
     }
 }
 
-KeptFile::KeptFile(std::string path, std::size_t expectedSize)
-    : path_(std::move(path)), buffer_(expectedSize) {}
+KeptFile::KeptFile(std::string path, std::size_t expectedSize, Delivery delivery)
+    : path_(std::move(path)), delivery_(delivery), buffer_(expectedSize) {}
 
 std::optional<std::string_view> KeptFile::read() {
     std::ptrdiff_t size = file_.isOpen() ? readFromStart() : -1;
@@ -65,8 +65,10 @@ std::optional<std::string_view> KeptFile::read() {
 }
 
 std::ptrdiff_t KeptFile::readFromStart() {
+    std::size_t filled = 0;
     while (true) {
-        const ssize_t size = ::pread(file_.get(), buffer_.data(), buffer_.size(), 0);
+        const ssize_t size = ::pread(file_.get(), buffer_.data() + filled, buffer_.size() - filled,
+                                     static_cast<off_t>(filled));
         if (size < 0) {
             if (errno == EINTR) {
                 continue;
@@ -74,16 +76,21 @@ std::ptrdiff_t KeptFile::readFromStart() {
             error_ = errno;
             return -1;
         }
+        filled += static_cast<std::size_t>(size);
+        if (filled < buffer_.size()) {
+            if (delivery_ == Delivery::whole || size == 0) {
+                return static_cast<std::ptrdiff_t>(filled);
+            }
+            continue;
+        }
         // A full buffer may have cut the file short. Everything is read again, so that the parts
         // belong to one moment.
-        if (static_cast<std::size_t>(size) < buffer_.size()) {
-            return size;
-        }
         if (buffer_.size() >= kLargestFile) {
             error_ = EFBIG;
             return -1;
         }
         buffer_.resize(buffer_.size() * 2 + 64);
+        filled = 0;
     }
 }
 

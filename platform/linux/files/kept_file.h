@@ -34,11 +34,19 @@ class FileDescriptor {
 /// time.
 class KeptFile {
  public:
-    /// `expectedSize` is the first size of the buffer, bytes; it grows when the file is larger.
-    explicit KeptFile(std::string path, std::size_t expectedSize = 4096);
+    /// How the kernel gives a file whose reader has room for all of it.
+    enum class Delivery {
+        whole,
+        /// At most a page at a time, as it does with tables that may be long.
+        inParts,
+    };
 
-    /// What the file holds now, in one system call as a rule; valid until the next call. Absent
-    /// when it cannot be read.
+    /// `expectedSize` is the first size of the buffer, bytes; it grows when the file is larger.
+    explicit KeptFile(std::string path, std::size_t expectedSize = 4096,
+                      Delivery delivery = Delivery::whole);
+
+    /// What the file holds now, in one system call as a rule where it comes whole; valid until the
+    /// next call. Absent when it cannot be read.
     std::optional<std::string_view> read();
 
     /// The system's error code of the last read that failed; 0 before any.
@@ -49,6 +57,7 @@ class KeptFile {
     std::ptrdiff_t readFromStart();
 
     std::string path_;
+    Delivery delivery_ = Delivery::whole;
     FileDescriptor file_;
     std::vector<char> buffer_;
     int error_ = 0;

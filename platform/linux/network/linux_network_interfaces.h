@@ -1,32 +1,54 @@
 // Byte counters of the network interfaces of a Linux machine.
 #pragma once
 
-#include <memory>
+#include <cstddef>
+#include <cstdint>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/linux/files/kept_file.h"
+#include "platform/linux/network/proc_net_dev.h"
 #include "platform/network_interfaces.h"
 
 namespace tarnwick::platform {
 
-/// The first of several sources that answers. Any thread; calls take turns.
+/// Reads the counters from proc/net/dev and, below sys/class/net, the index and the flags of each
+/// interface. The files that are read at every call stay open, as far as a quarter of the
+/// descriptors that the program may have suffices. Any thread; calls take turns.
 class LinuxNetworkInterfaces final : public NetworkInterfaces {
  public:
-    using Sources = std::vector<std::unique_ptr<NetworkInterfaces>>;
-
-    /// For the machine's own root the 64-bit link statistics, else the 32-bit ones of the
-    /// addresses; for any other root only what its files say.
     explicit LinuxNetworkInterfaces(const std::string& root = "/");
-    explicit LinuxNetworkInterfaces(Sources sources);
 
+    /// The counters have 64 bits. An interface without an index or flags, as one that has just
+    /// gone, is left out. Absent when the list of interfaces cannot be read or is damaged, or when
+    /// there is no folder of interfaces.
     std::optional<InterfaceTable> interfaceCounters() override;
 
  private:
+    struct Link {
+        std::string name;
+        std::uint32_t index = 0;
+        /// Open only where the index is known.
+        FileDescriptor flags{};
+    };
+
+    /// Makes the links those of the list. False without a folder of interfaces.
+    bool follow(const std::vector<NetworkDevice>& devices);
+    void open(Link& link) const;
+    /// The flags of the link at this place of the list.
+    std::optional<std::uint32_t> currentFlags(std::size_t place);
+
+    const std::string folderPath_;
     std::mutex lock_;
-    /// Guarded by lock_.
-    Sources sources_;
+    // All of these are guarded by lock_.
+    KeptFile list_;
+    FileDescriptor folder_;
+    /// In the order of the list.
+    std::vector<Link> links_;
+    /// Links whose flags may stay open.
+    std::size_t mostKept_ = 0;
 };
 
 }  // namespace tarnwick::platform

@@ -9,9 +9,9 @@ namespace tarnwick::platform {
 namespace {
 
 // Columns of the counters: eight for what was received, eight for what was sent.
-constexpr std::size_t receivedBytes = 0;
-constexpr std::size_t sentBytes = 8;
-constexpr std::size_t columnCount = 16;
+constexpr std::size_t kReceivedBytes = 0;
+constexpr std::size_t kSentBytes = 8;
+constexpr std::size_t kColumnCount = 16;
 
 void skipBlanks(std::string_view& text) {
     while (text.starts_with(' ')) {
@@ -54,23 +54,22 @@ std::optional<NetworkDevice> parseDevice(std::string_view line) {
     const std::string_view name = line.substr(0, colon);
     line.remove_prefix(colon + 1);
 
-    std::array<std::uint64_t, columnCount> columns{};
+    std::array<std::uint64_t, kColumnCount> columns{};
     for (std::uint64_t& column : columns) {
         skipBlanks(line);
-        const std::string_view word = line.substr(0, line.find(' '));
-        const auto number = numberIn<std::uint64_t>(word, 10);
-        if (!number) {
+        const char* const end = line.data() + line.size();
+        const auto [rest, error] = std::from_chars(line.data(), end, column);
+        if (error != std::errc() || (rest != end && *rest != ' ')) {
             return std::nullopt;
         }
-        column = *number;
-        line.remove_prefix(word.size());
+        line.remove_prefix(static_cast<std::size_t>(rest - line.data()));
     }
     skipBlanks(line);
     if (!line.empty()) {
         return std::nullopt;
     }
     return NetworkDevice{
-        .name = name, .received = columns[receivedBytes], .sent = columns[sentBytes]};
+        .name = name, .received = columns[kReceivedBytes], .sent = columns[kSentBytes]};
 }
 
 }  // namespace

@@ -72,6 +72,32 @@ TEST(KeptFile, GrowsWithAFileLargerThanExpected) {
     }
 }
 
+// The kernel's list of what is mapped into this process is longer than a page, and the stack is
+// behind all libraries.
+TEST(KeptFile, AFileThatComesInPartsIsReadToItsEnd) {
+    for (const std::size_t expectedSize : {16U, 4096U, 1'000'000U}) {
+        KeptFile file("/proc/self/smaps", expectedSize, KeptFile::Delivery::inParts);
+        for (int turn = 0; turn < 2; ++turn) {
+            const auto text = file.read();
+            ASSERT_TRUE(text);
+            EXPECT_TRUE(text->find("[stack]") != std::string_view::npos) << expectedSize;
+            EXPECT_TRUE(text->ends_with('\n')) << expectedSize;
+        }
+    }
+    KeptFile cutShort("/proc/self/smaps", 1'000'000);
+    EXPECT_TRUE(cutShort.read().value().find("[stack]") == std::string_view::npos);
+}
+
+TEST(KeptFile, AFileInPartsThatShrinksHasNothingLeftOfWhatItWas) {
+    const MachineTree tree;
+    KeptFile file(tree.root() + "/file", 16, KeptFile::Delivery::inParts);
+    for (const std::size_t size : {0U, 15U, 16U, 17U, 100'000U, 3U, 0U}) {
+        const std::string content(size, 'x');
+        tree.write("file", content);
+        EXPECT_EQ(file.read(), content) << size;
+    }
+}
+
 TEST(KeptFile, AnEmptyFileIsEmptyText) {
     const MachineTree tree;
     tree.write("file", "");

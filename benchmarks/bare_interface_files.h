@@ -1,0 +1,28 @@
+// The floor of a network pass: the same files, and what they hold is not read.
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+namespace tarnwick::benchmarks {
+
+/// Reads the list of interfaces and the flags of each, with bare system calls, in files that were
+/// opened before. Parses nothing.
+class BareInterfaceFiles {
+ public:
+    /// Over the interfaces of this moment.
+    BareInterfaceFiles();
+    BareInterfaceFiles(const BareInterfaceFiles&) = delete;
+    BareInterfaceFiles& operator=(const BareInterfaceFiles&) = delete;
+    ~BareInterfaceFiles();
+
+    /// Bytes of all files together.
+    std::size_t read();
+
+ private:
+    int list_ = -1;
+    std::vector<int> flags_;
+    std::vector<char> buffer_;
+};
+
+}  // namespace tarnwick::benchmarks
