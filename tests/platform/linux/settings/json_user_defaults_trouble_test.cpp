@@ -84,7 +84,10 @@ INSTANTIATE_TEST_SUITE_P(
         Damage{"MoreBehindIt", kWhole + "x"}, Damage{"Garbage", "\x01\x02\xfe\xff garbage"},
         Damage{"Zeros", std::string(4'096, '\0')},
         Damage{"ZerosBehindIt", kWhole + std::string(100, '\0')},
-        Damage{"ADatabase", "SQLite format 3" + std::string(100, '\0')},
+        Damage{"AProgram",
+               "\x7f"
+               "ELF" +
+                   std::string(100, '\0')},
         Damage{"AnIniFile", "[settings]\ncpuHighThreshold=92\n"}, Damage{"AnArray", "[1, 2]"},
         Damage{"AText", "\"settings\""}, Damage{"ANumber", "92.5"}, Damage{"AWord", "true"},
         Damage{"Null", "null"}, Damage{"TrailingComma", R"({"a": 1,})"},
