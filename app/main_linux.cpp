@@ -5,6 +5,7 @@
 #include <QProcessEnvironment>
 #include <QScreen>
 #include <QSessionManager>
+#include <QSocketNotifier>
 #include <QTimer>
 #include <QUrl>
 #include <chrono>
@@ -40,7 +41,7 @@
 #include "platform/linux/power/linux_power_sources.h"
 #include "platform/linux/processes/linux_process_table.h"
 #include "platform/linux/settings/autostart_login_service.h"
-#include "platform/linux/settings/sqlite_user_defaults.h"
+#include "platform/linux/settings/json_user_defaults.h"
 #include "platform/linux/volumes/linux_volumes.h"
 #include "platform/platform.h"
 #include "platform/qt/font_memory.h"
@@ -81,9 +82,9 @@ std::filesystem::path runningProgram() {
 
 /// The machine. Nothing of it is ever destroyed: background work that is stuck when the program
 /// ends may still use it.
-void installPlatform(platform::UserDefaults& userDefaults, const QDBusConnection& bus) {
+void installPlatform(platform::Dispatch& dispatch, platform::UserDefaults& userDefaults,
+                     const QDBusConnection& bus) {
     auto* powerSources = new platform::LinuxPowerSources();
-    auto* dispatch = new platform::QtDispatch();
     auto* keyboardLayout = platform::makeKeyboardLayout().release();
     platform::install({
         .kernel = new platform::LinuxKernel(),
@@ -97,10 +98,10 @@ void installPlatform(platform::UserDefaults& userDefaults, const QDBusConnection
         .userDefaults = &userDefaults,
         .loginService = new platform::AutostartLoginService(
             platform::startCommand(runningProgram(), environment), environment),
-        .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, *dispatch).release(),
+        .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, dispatch).release(),
         .keyboardLayout = keyboardLayout,
         .byteCountFormatter = new platform::PlainByteCountFormatter(),
-        .dispatch = dispatch,
+        .dispatch = &dispatch,
     });
 }
 
@@ -152,11 +153,21 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
     };
     const platform::QuitSignals quitSignals(quit);
 
-    auto& userDefaults = *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
+    auto& dispatch = *new platform::QtDispatch();
+    auto& userDefaults =
+        *new platform::JsonUserDefaults(platform::settingsFile(environment), dispatch);
+    QSocketNotifier settingsWatch(QSocketNotifier::Read);
+    if (userDefaults.watchDescriptor() >= 0) {
+        settingsWatch.setSocket(userDefaults.watchDescriptor());
+        settingsWatch.setEnabled(true);
+    }
+    QObject::connect(&settingsWatch, &QSocketNotifier::activated, &application,
+                     [&userDefaults] { userDefaults.folderMayHaveChanged(); });
     // The last chance for what could not be written yet.
-    const platform::DisplayEnd displayEnd([&userDefaults] { userDefaults.close(); });
-    installPlatform(userDefaults, bus);
+    const platform::DisplayEnd displayEnd([&userDefaults] { userDefaults.settle(); });
+    installPlatform(dispatch, userDefaults, bus);
     platform::applyInterfaceFont();
+    userDefaults.settle();
 
     qt::Theme theme;
     platform::LinuxStatusItem item(
@@ -228,7 +239,7 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
     const int status = application.exec();
     // A session's end comes without a call of quit().
     instance.release();
-    userDefaults.close();
+    userDefaults.settle();
     return status;
 }
 

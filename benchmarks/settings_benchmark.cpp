@@ -12,9 +12,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
-#include <sqlite3.h>
+#include <fcntl.h>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+#include <unistd.h>
 
 #include "benchmarks/pairs.h"
 #include "benchmarks/settings_drag.h"
@@ -27,47 +29,31 @@ using tarnwick::benchmarks::SettingsDrag;
 constexpr int kChanges = 500;
 constexpr double kFrameMilliseconds = 8;
 
-/// One value in a file, each write of which is on the disk when it returns.
+/// One value in a file, which each write replaces; it is on the disk when that returns.
 class BareStore {
  public:
-    BareStore() {
-        if (sqlite3_open(folder_.filePath("bare.sqlite").toUtf8().constData(), &database_) !=
-            SQLITE_OK) {
-            throw std::runtime_error("the bare store cannot be opened");
-        }
-        execute(
-            "PRAGMA journal_mode = WAL; PRAGMA synchronous = FULL;"
-            "CREATE TABLE defaults (key TEXT PRIMARY KEY, value) WITHOUT ROWID");
-        if (sqlite3_prepare_v2(database_, "INSERT OR REPLACE INTO defaults VALUES ('key', ?1)", -1,
-                               &write_, nullptr) != SQLITE_OK) {
-            throw std::runtime_error("the bare store cannot be written");
-        }
-    }
     BareStore(const BareStore&) = delete;
     BareStore& operator=(const BareStore&) = delete;
-    ~BareStore() {
-        sqlite3_finalize(write_);
-        sqlite3_close(database_);
-    }
+    BareStore() : directory_(::open(folder_.path().toUtf8().constData(), O_RDONLY | O_CLOEXEC)) {}
+    ~BareStore() { ::close(directory_); }
 
     void write() {
-        sqlite3_bind_double(write_, 1, ++writes_);
-        if (sqlite3_step(write_) != SQLITE_DONE || sqlite3_reset(write_) != SQLITE_OK) {
+        const std::string text = "{\n  \"key\": " + std::to_string(++writes_) + "\n}\n";
+        const int file = ::openat(directory_, "new", O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+        const bool isWritten =
+            ::write(file, text.data(), text.size()) == static_cast<ssize_t>(text.size()) &&
+            ::fsync(file) == 0;
+        ::close(file);
+        if (!isWritten || ::renameat(directory_, "new", directory_, "settings.json") != 0 ||
+            ::fsync(directory_) != 0) {
             throw std::runtime_error("the bare store does not keep what is written");
         }
     }
 
  private:
-    void execute(const char* sql) {
-        if (sqlite3_exec(database_, sql, nullptr, nullptr, nullptr) != SQLITE_OK) {
-            throw std::runtime_error("the bare store cannot be begun");
-        }
-    }
-
     QTemporaryDir folder_;
-    sqlite3* database_ = nullptr;
-    sqlite3_stmt* write_ = nullptr;
-    double writes_ = 0;
+    const int directory_;
+    int writes_ = 0;
 };
 
 void dragThreshold(benchmark::State& state) {

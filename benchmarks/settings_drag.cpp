@@ -5,7 +5,7 @@
 #include <QTemporaryDir>
 #include <stdexcept>
 
-#include "platform/linux/settings/sqlite_user_defaults.h"
+#include "platform/linux/settings/json_user_defaults.h"
 #include "platform/testing/manual_dispatch.h"
 #include "platform/testing/scripted_keyboard_layout.h"
 #include "platform/testing/scripted_login_service.h"
@@ -16,9 +16,9 @@ namespace tarnwick::benchmarks {
 
 struct SettingsDrag::Window final : public QObject {
     QTemporaryDir folder;
-    platform::SqliteUserDefaults store{folder.filePath("settings.sqlite").toStdString()};
-    platform::testing::ScriptedLoginService loginService;
     platform::testing::ManualDispatch dispatch;
+    platform::JsonUserDefaults store{folder.filePath("settings.json").toStdString(), dispatch};
+    platform::testing::ScriptedLoginService loginService;
     platform::testing::ScriptedKeyboardLayout layout;
     UserSettings settings{store, loginService};
     qt::Theme theme{false};

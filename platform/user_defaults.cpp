@@ -39,4 +39,8 @@ std::optional<double> UserDefaults::number(std::string_view key) {
     return typed<double>(value);
 }
 
+Subscription UserDefaults::onExternalChange(std::function<void()>) {
+    return {};
+}
+
 }  // namespace tarnwick::platform

@@ -2,10 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
+
+#include "core/records/published.h"
 
 namespace tarnwick::platform {
 
@@ -19,8 +22,8 @@ struct Date {
 /// A stored value with its type.
 using DefaultsValue = std::variant<bool, std::int64_t, double, std::string, Date>;
 
-/// Values by key. A write is durable when it returns, or, where the store cannot be written, kept
-/// for every reader of this process and written as soon as it can be. Any thread.
+/// Values by key. What is set is what every reader of this process finds from then on, and on its
+/// way to where it outlasts the process. Values: any thread.
 class UserDefaults {
  public:
     virtual ~UserDefaults() = default;
@@ -38,9 +41,13 @@ class UserDefaults {
     std::optional<bool> boolean(std::string_view key);
     std::optional<std::int64_t> integer(std::string_view key);
     std::optional<std::string> text(std::string_view key);
-    std::optional<Date> date(std::string_view key);
+    virtual std::optional<Date> date(std::string_view key);
     /// Integers are numbers, too.
     std::optional<double> number(std::string_view key);
+
+    /// Calls `observer` when somebody else has changed values, which readers find by then. Never
+    /// where the system cannot tell. Main thread.
+    [[nodiscard]] virtual Subscription onExternalChange(std::function<void()> observer);
 };
 
 }  // namespace tarnwick::platform

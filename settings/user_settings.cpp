@@ -1,6 +1,7 @@
 #include "settings/user_settings.h"
 
 #include <limits>
+#include <utility>
 
 #include "platform/platform.h"
 #include "settings/key_codes.h"
@@ -76,6 +77,8 @@ UserSettings::UserSettings(platform::UserDefaults& store, platform::LoginService
     : store_(store), loginService_(loginService), logger_(logger) {
     migrateLegacyShortcut();
     syncLoginItemState();
+    settledLaunchOnLogin_ = launchOnLogin();
+    storeSubscription_ = store_.onExternalChange([this] { storeDidChange(); });
 }
 
 UserSettings& UserSettings::shared() {
@@ -87,6 +90,14 @@ UserSettings& UserSettings::shared() {
 void UserSettings::write(std::string_view key, const platform::DefaultsValue& value) {
     announceChange();
     store_.set(key, value);
+}
+
+void UserSettings::storeDidChange() {
+    announceChange();
+    const bool wanted = launchOnLogin();
+    if (std::exchange(settledLaunchOnLogin_, wanted) != wanted) {
+        updateLoginItem();
+    }
 }
 
 /// Who has been through the first launch and never stored a shortcut gets the legacy one. A new
@@ -200,6 +211,7 @@ bool UserSettings::launchOnLogin() const {
 }
 
 void UserSettings::setLaunchOnLogin(bool on) {
+    settledLaunchOnLogin_ = on;
     write(kLaunchOnLogin.key, on);
 }
 

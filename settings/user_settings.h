@@ -46,7 +46,8 @@ enum class RegistrationState {
 /// Every property but the registration state reads through to the store and writes straight to
 /// it; each write, also one of an equal value, announces the change while the store still holds the
 /// old one. A missing, ill-typed or impossible value reads as its default, which a read never
-/// writes. Main thread only.
+/// writes. What somebody else changes in the store is announced, too, and a start-at-login
+/// preference among it is brought to the system. Main thread only.
 class UserSettings final : public ObservableObject {
  public:
     /// Migrates a legacy shortcut, then brings the start-at-login preference in step with the
@@ -122,11 +123,15 @@ class UserSettings final : public ObservableObject {
  private:
     void write(std::string_view key, const platform::DefaultsValue& value);
     void migrateLegacyShortcut();
+    void storeDidChange();
 
     platform::UserDefaults& store_;
     platform::LoginService& loginService_;
     platform::Logger logger_;
     RegistrationState registrationState_ = RegistrationState::inactive;
+    /// As the system was last told, or has told.
+    bool settledLaunchOnLogin_ = false;
+    Subscription storeSubscription_;
 };
 
 }  // namespace tarnwick

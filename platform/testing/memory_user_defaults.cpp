@@ -27,6 +27,16 @@ std::vector<MemoryUserDefaults::Write> MemoryUserDefaults::writes() const {
     return writes_;
 }
 
+void MemoryUserDefaults::changeFromOutside(const Values& values) {
+    {
+        const std::lock_guard guard(lock_);
+        for (const auto& [key, value] : values) {
+            values_.insert_or_assign(key, value);
+        }
+    }
+    external_.announce();
+}
+
 void MemoryUserDefaults::remove(std::string_view key) {
     const std::lock_guard guard(lock_);
     const auto found = values_.find(key);

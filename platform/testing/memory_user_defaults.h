@@ -25,11 +25,16 @@ class MemoryUserDefaults final : public UserDefaults {
 
     std::optional<DefaultsValue> object(std::string_view key) override;
     void set(std::string_view key, const DefaultsValue& value) override;
+    Subscription onExternalChange(std::function<void()> observer) override {
+        return external_.observe(std::move(observer));
+    }
 
     /// Everything stored now.
     Values values() const;
     /// Every write so far, in order, also those that changed nothing.
     std::vector<Write> writes() const;
+    /// As somebody else would, in the store itself; announced when all is in there. Main thread.
+    void changeFromOutside(const Values& values);
     /// As if `key` had never been stored.
     void remove(std::string_view key);
 
@@ -37,6 +42,7 @@ class MemoryUserDefaults final : public UserDefaults {
     mutable std::mutex lock_;
     Values values_;
     std::vector<Write> writes_;
+    Announcer external_;
 };
 
 }  // namespace tarnwick::platform::testing

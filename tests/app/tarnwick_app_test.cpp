@@ -310,6 +310,22 @@ TEST_F(TarnwickAppTest, TheSameShortcutStoredAgainIsLeftAlone) {
     EXPECT_THAT(hotKeys.calls.all(), IsEmpty());
 }
 
+TEST_F(TarnwickAppTest, WhatSomebodyElseChangesInTheStoreAppliesAtOnce) {
+    const auto app = makeAppWithShortcut();
+    cpu.usagePercentage = 55;
+    dispatch.advance(12);
+    EXPECT_EQ(item.contents.back().tint, Tint::green);
+    store.changeFromOutside({{"settings.shortcutKeyCode", std::int64_t{40}},
+                             {"settings.cpuModerateThreshold", std::int64_t{40}},
+                             {"settings.cpuHighThreshold", 50.5}});
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister", "register 40 256"));
+    EXPECT_EQ(item.contents.back().tint, Tint::red);
+    store.changeFromOutside({{"settings.menuBarDisplayMode", std::string("iconOnly")}});
+    dispatch.runMain();
+    EXPECT_EQ(item.contents.back().text, std::nullopt);
+}
+
 TEST_F(TarnwickAppTest, TellsThatSomebodyElseHoldsTheShortcut) {
     storeShortcut(37, kCommand);
     hotKeys.registerStatus.queue(platform::hot_key_status::kExists);

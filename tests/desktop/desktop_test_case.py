@@ -1,11 +1,10 @@
 """What the desktop tests share."""
 
 import contextlib
+import json
 import os
 import re
 import shutil
-import sqlite3
-import tempfile
 import time
 import unittest
 
@@ -58,9 +57,7 @@ class DesktopTestCase(unittest.TestCase):
         self.until(lambda: self.is_in_store("settings.hasPresentedInitialSettings"),
                    "the greeting is over")
         self.assertEqual(first.end(), 0, first.output())
-        with contextlib.closing(sqlite3.connect(self.store())) as store, store:
-            store.executemany("INSERT OR REPLACE INTO defaults VALUES (?, 'double', ?)",
-                              (numbers or {}).items())
+        self.edit_store(numbers or {})
         program = self.program().start(**changes)
         program.wait_for_tray()
         return program
@@ -187,23 +184,31 @@ class DesktopTestCase(unittest.TestCase):
         self.assertLess(took, ENDS_WITHIN)
         if succeeds:
             self.assertEqual(program.process.returncode, 0, program.output())
-            self.assert_file_holds_the_store()
         else:
             # No signal has ended it.
             self.assertGreater(program.process.returncode, 0, program.output())
         self.assert_store_is_whole()
 
     def store(self):
-        return self.desktop.path("home/.local/share/tarnwick/settings.sqlite")
+        return self.desktop.path("home/.config/tarnwick/settings.json")
+
+    def stored(self):
+        """What is in the file; nothing while there is none. It is whole at any moment."""
+        try:
+            with open(self.store(), encoding="utf-8") as file:
+                return json.load(file)
+        except FileNotFoundError:
+            return {}
 
     def is_in_store(self, key):
         """Whether the program has stored a value under a key."""
-        try:
-            with contextlib.closing(self._open_store()) as store:
-                return any(key in row for table in self._tables(store)
-                           for row in store.execute(f'SELECT * FROM "{table}"'))
-        except sqlite3.OperationalError:
-            return False
+        return key in self.stored()
+
+    def edit_store(self, changes):
+        """Changes values in the file as an editor does, which replaces it."""
+        with open(self.store() + "~", "w", encoding="utf-8") as file:
+            json.dump({**self.stored(), **changes}, file)
+        os.replace(self.store() + "~", self.store())
 
     def wait_until_up(self, program):
         """Waits until the program has started, tray or no tray."""
@@ -211,25 +216,7 @@ class DesktopTestCase(unittest.TestCase):
                    "the program is up")
 
     def assert_store_is_whole(self):
-        with contextlib.closing(self._open_store()) as store:
-            self.assertEqual(store.execute("PRAGMA integrity_check").fetchall(), [("ok",)])
         self.assertTrue(self.is_in_store("settings.hasPresentedInitialSettings"))
-
-    def assert_file_holds_the_store(self):
-        """The file alone, without what the database keeps beside it, holds the settings."""
-        with tempfile.TemporaryDirectory() as folder:
-            copy = shutil.copy(self.store(), folder)
-            with contextlib.closing(sqlite3.connect(copy)) as store:
-                keys = [key for key, in store.execute("SELECT key FROM defaults")]
-        self.assertIn("settings.hasPresentedInitialSettings", keys)
-
-    def _open_store(self):
-        return sqlite3.connect(f"file:{self.store()}?mode=ro", uri=True)
-
-    @staticmethod
-    def _tables(store):
-        return [name for name, in
-                store.execute("SELECT name FROM sqlite_master WHERE type = 'table'")]
 
     def keep_picture(self, name=None):
         """Keeps a picture of the screen as it is now, under the test's own name unless told."""

@@ -1,7 +1,6 @@
 """The shortcut: pressed while another program is in front."""
 
 import contextlib
-import sqlite3
 import subprocess
 import time
 
@@ -106,13 +105,6 @@ class ShortcutTest(DesktopTestCase):
         self.addCleanup(self.other.close)
         self.until(self.other.has_focus, "the other program is in front")
 
-    def store_modifiers(self, modifiers):
-        """Changes the stored shortcut while the program is not running."""
-        with contextlib.closing(sqlite3.connect(self.store())) as store, store:
-            changed = store.execute("UPDATE defaults SET value = ? WHERE key = ?",
-                                    (modifiers, "settings.shortcutModifiers"))
-            self.assertEqual(changed.rowcount, 1)
-
     def change_keyboard(self, *command):
         subprocess.run(command, env=self.desktop.env, check=True)
 
@@ -203,7 +195,7 @@ class ShortcutTest(DesktopTestCase):
         self.assertEqual(program.end(), 0, program.output())
         self.other.ungrab("l", X.AnyModifier)
 
-        self.store_modifiers(COMMAND_SHIFT)
+        self.edit_store({"settings.shortcutModifiers": COMMAND_SHIFT})
         program = self.program("released").start()
         self.wait_until_it_answers(program)
         self.other.press("Super_L", "Shift_L", "l")
@@ -214,7 +206,7 @@ class ShortcutTest(DesktopTestCase):
         self.assertEqual(program.end(), 0, program.output())
 
         # What the other program has let go is the program's again.
-        self.store_modifiers(COMMAND)
+        self.edit_store({"settings.shortcutModifiers": COMMAND})
         program = self.program("again").start()
         self.wait_until_it_answers(program)
         self.assertFalse(self.other.grab("l", X.Mod4Mask))
@@ -232,6 +224,20 @@ class ShortcutTest(DesktopTestCase):
             WAYLAND_DISPLAY="wayland-0", XDG_SESSION_TYPE="x11", QT_QPA_PLATFORM="xcb"))
         self.bring_another_to_front()
         self.assertFalse(self.other.grab("l", X.Mod4Mask))
+
+    def test_follows_the_settings_file_while_it_runs(self):
+        program = self.start_beside_another()
+        self.assert_toggles(program)
+        self.edit_store({"settings.shortcutModifiers": COMMAND_SHIFT})
+        self.until(lambda: self.other.grab("l", X.Mod4Mask), "the old keys are free")
+        self.other.ungrab("l", X.Mod4Mask)
+        self.until(lambda: not self.other.grab("l", X.Mod4Mask | X.ShiftMask),
+                   "the new keys are taken")
+        self.other.press("Super_L", "Shift_L", "l")
+        self.assert_open(program)
+        self.other.press("Super_L", "Shift_L", "l")
+        self.assert_closed(program)
+        self.assertEqual(program.output(), "")
 
     def test_is_given_back_at_the_end(self):
         program = self.start_beside_another()

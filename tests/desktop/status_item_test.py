@@ -3,6 +3,7 @@
 import time
 
 from desktop_test_case import NO_TRAY, DesktopTestCase, main
+from private_desktop.program import icon_colour
 
 
 class StatusItemTest(DesktopTestCase):
@@ -87,6 +88,38 @@ class StatusItemTest(DesktopTestCase):
         program.wait_for_item()
         # Many times what it takes: a program that only looks now and then would be later.
         self.assertLess(time.monotonic() - ready, 5)
+
+    def test_follows_the_settings_file_while_it_runs(self):
+        # This host shows the text in the item's picture.
+        self.open_desktop(host="mate-panel")
+        self.enterContext(self.memory_in_use(0.04))
+        program = self.start_known_to_user(
+            {f"settings.{metric}{kind}Threshold": percent
+             for metric, high in (("cpu", "High"), ("gpu", "High"), ("memory", "High"),
+                                  ("storage", "Critical"))
+             for kind, percent in (("Moderate", 99), (high, 100))})
+        item = program.wait_for_item()
+
+        def pictures():
+            return self.desktop.bus.item_property(item, "IconPixmap") or []
+
+        def is_high_memory():
+            red, green, _ = icon_colour(pictures()) or (0, 0, 0)
+            return ("RAM" in (self.desktop.bus.item_property(item, "Title") or "") and
+                    red > 1.5 * green)
+
+        self.until(lambda: "%" in (self.desktop.bus.item_property(item, "Title") or ""),
+                   "something has been measured")
+        self.assertFalse(is_high_memory())
+        self.edit_store({"settings.memoryModerateThreshold": 1, "settings.memoryHighThreshold": 2})
+        self.until(is_high_memory, "the memory in use is above its threshold")
+        self.assertEqual(len(pictures()), 1)
+        self.edit_store({"settings.menuBarDisplayMode": "iconOnly"})
+        self.until(lambda: len(pictures()) > 1, "the icon is alone")
+        self.assertEqual(program.end(), 0, program.output())
+        self.assertEqual(self.stored()["settings.memoryHighThreshold"], 2)
+        self.assertEqual(self.stored()["settings.menuBarDisplayMode"], "iconOnly")
+        self.assertEqual(program.output(), "")
 
     def test_appears_when_the_host_starts_after_the_program(self):
         self.open_desktop(host=None)

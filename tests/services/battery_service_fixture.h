@@ -9,7 +9,8 @@
 #include <string>
 #include <utility>
 
-#include "platform/linux/settings/sqlite_user_defaults.h"
+#include "platform/linux/settings/json_user_defaults.h"
+#include "platform/testing/manual_dispatch.h"
 #include "services/battery_service.h"
 #include "tests/platform/linux/temporary_folder.h"
 
@@ -54,9 +55,10 @@ class BatteryServiceFixture : public ::testing::Test {
     /// Ends the service and its store and starts both again on the same file.
     void restart() {
         service.reset();
-        store.reset();
-        store = std::make_unique<platform::SqliteUserDefaults>(
-            folder / "settings.sqlite", [this](std::string_view line) { notices += line; });
+        dispatch.runMain();
+        store = std::make_unique<platform::JsonUserDefaults>(
+            folder / "settings.json", dispatch, [this](std::string_view line) { notices += line; });
+        dispatch.runMain();
         service = std::make_unique<BatteryService>(
             *store,
             [this] {
@@ -105,7 +107,8 @@ class BatteryServiceFixture : public ::testing::Test {
 
     TemporaryFolder folder;
     std::string notices;
-    std::unique_ptr<platform::SqliteUserDefaults> store;
+    platform::testing::ManualDispatch dispatch;
+    std::unique_ptr<platform::JsonUserDefaults> store;
     std::unique_ptr<BatteryService> service;
 };
 

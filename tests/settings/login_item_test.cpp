@@ -213,5 +213,36 @@ TEST_F(LoginItem, WithoutALoginServiceTheToggleSnapsBack) {
             Pair(LogLevel::info, "Synced login item state: 0")));
 }
 
+// A preference that somebody else writes into the store.
+
+TEST_F(LoginItem, APreferenceThatSomebodyElseStoresIsBroughtToTheSystem) {
+    const UserSettings settings(store, service, platform::Logger(log));
+    service.clearCalls();
+    store.changeFromOutside({{kKey, true}});
+    EXPECT_THAT(service.calls(), ElementsAre(Call::registerService));
+    store.changeFromOutside({{kKey, false}});
+    EXPECT_THAT(service.calls(), ElementsAre(Call::registerService, Call::unregisterService));
+}
+
+TEST_F(LoginItem, APreferenceThatSomebodyElseStoresIsPutBackWhereTheSystemRefuses) {
+    const UserSettings settings(store, service, platform::Logger(log));
+    service.setRegisterError(LoginServiceError{"no"});
+    store.changeFromOutside({{kKey, true}});
+    EXPECT_FALSE(settings.launchOnLogin());
+}
+
+TEST_F(LoginItem, OtherChangesOfSomebodyElseLeaveTheSystemAlone) {
+    service.setStatus(LoginServiceStatus::enabled);
+    UserSettings settings(store, service, platform::Logger(log));
+    service.clearCalls();
+    store.changeFromOutside({{"settings.cpuHighThreshold", 70.0}});
+    EXPECT_THAT(service.calls(), IsEmpty());
+    settings.setLaunchOnLogin(false);
+    settings.updateLoginItem();
+    service.clearCalls();
+    store.changeFromOutside({{"settings.cpuHighThreshold", 71.0}});
+    EXPECT_THAT(service.calls(), IsEmpty());
+}
+
 }  // namespace
 }  // namespace tarnwick

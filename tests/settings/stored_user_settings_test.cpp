@@ -6,7 +6,8 @@
 #include <string>
 #include <string_view>
 
-#include "platform/linux/settings/sqlite_user_defaults.h"
+#include "platform/linux/settings/json_user_defaults.h"
+#include "platform/testing/manual_dispatch.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_login_service.h"
 #include "settings/user_settings.h"
@@ -37,14 +38,17 @@ class MemoryPlace final : public Place {
 class FilePlace final : public Place {
  public:
     UserDefaults& open() override {
-        store_.reset();
-        store_ = std::make_unique<platform::SqliteUserDefaults>(
-            folder_ / "settings.sqlite", [](std::string_view line) { ADD_FAILURE() << line; });
+        dispatch_.runMain();
+        store_ = std::make_unique<platform::JsonUserDefaults>(
+            folder_ / "settings.json", dispatch_,
+            [](std::string_view line) { ADD_FAILURE() << line; });
+        dispatch_.runMain();
         return *store_;
     }
 
  private:
     tarnwick::testing::TemporaryFolder folder_;
+    platform::testing::ManualDispatch dispatch_;
     std::unique_ptr<UserDefaults> store_;
 };
 

@@ -29,6 +29,23 @@ class UserSettingsTest : public ::testing::Test {
     ScriptedLoginService service;
 };
 
+TEST_F(UserSettingsTest, WhatSomebodyElseChangesInTheStoreIsAnnouncedOnce) {
+    UserSettings settings(store, service);
+    int announced = 0;
+    const auto observation = settings.objectWillChange([&] { ++announced; });
+    store.changeFromOutside(
+        {{"settings.cpuModerateThreshold", std::int64_t{40}}, {"settings.cpuHighThreshold", 50.0}});
+    EXPECT_EQ(announced, 1);
+    EXPECT_EQ(settings.thresholds().cpuNormal, 40);
+    EXPECT_EQ(settings.thresholds().cpuHigh, 50);
+}
+
+TEST_F(UserSettingsTest, SettingsThatHaveGoneHearNothingOfTheStore) {
+    { const UserSettings settings(store, service); }
+    store.changeFromOutside({{"settings.launchOnLogin", true}});
+    EXPECT_THAT(service.calls(), ElementsAre(ScriptedLoginService::Call::status));
+}
+
 /// One persisted property, seen from outside: its key, its default, another value, get and set.
 struct PropertyRow {
     const char* name;

@@ -1,12 +1,17 @@
-// How often a test program forces a file onto the disk.
+// How often a test program forces a file onto the disk, and what comes of it.
 #pragma once
 
 #include <atomic>
+#include <functional>
 
 namespace tarnwick::platform::testing {
 
-/// Calls of fdatasync() so far, by any thread. A program that has this stands before the C library
-/// with a function of that name, which counts and passes on.
+/// Calls of fsync() so far, by any thread. A program that has this stands before the C library with
+/// a function of that name, which counts and passes on.
 extern std::atomic<int> syncs;
+
+/// Where it is set, it is called before each of them; what it gives other than 0 is the error that
+/// the call fails with.
+extern std::function<int()> beforeSync;
 
 }  // namespace tarnwick::platform::testing

@@ -1,0 +1,539 @@
+// Files that hold no settings, places that take none, and what is said about each.
+#include <cerrno>
+#include <csignal>
+#include <cstdint>
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <string>
+#include <sys/resource.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+#include <sys/un.h>
+#include <unistd.h>
+#include <vector>
+
+#include "platform/linux/settings/json_user_defaults.h"
+#include "platform/testing/scripted_login_service.h"
+#include "settings/user_settings.h"
+#include "tests/platform/linux/child_process.h"
+#include "tests/platform/linux/settings/json_user_defaults_fixture.h"
+
+namespace tarnwick::platform {
+namespace {
+
+using tarnwick::testing::ChildProcess;
+using tarnwick::testing::contentsOf;
+using tarnwick::testing::JsonUserDefaultsFixture;
+using tarnwick::testing::putContents;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::IsEmpty;
+
+constexpr uid_t kNobody = 65534;
+const std::string kWhole = R"({
+  "settings.cpuHighThreshold": 92.5,
+  "settings.menuBarDisplayMode": "iconOnly",
+  "settings.launchOnLogin": false
+}
+)";
+
+// Files that hold no settings.
+
+struct Damage {
+    const char* name;
+    std::string text;
+};
+
+void PrintTo(const Damage& damage, std::ostream* out) {
+    *out << damage.name;
+}
+
+class JsonUserDefaultsDamage : public JsonUserDefaultsFixture,
+                               public ::testing::WithParamInterface<Damage> {};
+
+TEST_P(JsonUserDefaultsDamage, IsSetAsideAsItIsWithOneLine) {
+    putContents(folder / "settings.json.damaged-1", "of another day");
+    putContents(file, GetParam().text);
+    {
+        const auto store = open();
+        EXPECT_EQ(store->object("settings.cpuHighThreshold"), std::nullopt);
+        EXPECT_FALSE(store->contains("settings.cpuHighThreshold"));
+        store->set("key", true);
+        dispatch.runMain();
+    }
+    EXPECT_THAT(lines, ElementsAre("settings: " + file.native() +
+                                   " holds no settings; it is kept as settings.json.damaged-2, "
+                                   "and a new one is begun"));
+    EXPECT_EQ(contentsOf(folder / "settings.json.damaged-1"), "of another day");
+    EXPECT_TRUE(contentsOf(folder / "settings.json.damaged-2") == GetParam().text);
+    EXPECT_EQ(contentsOf(file), "{\n  \"key\": true\n}\n");
+    EXPECT_EQ(open()->boolean("key"), true);
+    EXPECT_EQ(lines.size(), 1U);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, JsonUserDefaultsDamage,
+    ::testing::Values(
+        Damage{"OneByte", "{"}, Damage{"CutInAKey", kWhole.substr(0, 12)},
+        Damage{"CutBehindAKey", kWhole.substr(0, 31)}, Damage{"CutInANumber", kWhole.substr(0, 36)},
+        Damage{"CutBehindAMember", kWhole.substr(0, 38)},
+        Damage{"CutInAText", kWhole.substr(0, 80)}, Damage{"CutInAWord", kWhole.substr(0, 110)},
+        Damage{"CutBeforeTheEnd", kWhole.substr(0, kWhole.size() - 2)},
+        Damage{"BeginningLost", kWhole.substr(5)}, Damage{"TwoFilesInOne", kWhole + kWhole},
+        Damage{"MoreBehindIt", kWhole + "x"}, Damage{"Garbage", "\x01\x02\xfe\xff garbage"},
+        Damage{"Zeros", std::string(4'096, '\0')},
+        Damage{"ZerosBehindIt", kWhole + std::string(100, '\0')},
+        Damage{"AProgram",
+               "\x7f"
+               "ELF" +
+                   std::string(100, '\0')},
+        Damage{"AnIniFile", "[settings]\ncpuHighThreshold=92\n"}, Damage{"AnArray", "[1, 2]"},
+        Damage{"AText", "\"settings\""}, Damage{"ANumber", "92.5"}, Damage{"AWord", "true"},
+        Damage{"Null", "null"}, Damage{"TrailingComma", R"({"a": 1,})"},
+        Damage{"NoComma", R"({"a": 1 "b": 2})"}, Damage{"NoColon", R"({"a" 1})"},
+        Damage{"NoQuotes", "{a: 1}"}, Damage{"SingleQuotes", "{'a': 1}"},
+        Damage{"AComment", "{\"a\": 1} // one"}, Damage{"CommaAsPoint", R"({"a": 92,5})"},
+        Damage{"AnExpression", R"({"a": 90 + 2})"}, Damage{"Hexadecimal", R"({"a": 0x25})"},
+        Damage{"Percent", R"({"a": 92%})"}, Damage{"InvalidUtf8", "{\"a\": \"caf\xe9\"}"},
+        Damage{"ControlCharacter", "{\"a\": \"x\ny\"}"},
+        Damage{"BracketsCrossed", R"({"a": [1}, "b": 2])"},
+        Damage{"Utf16", std::string("\xff\xfe{\0}\0", 6)},
+        Damage{"TooLarge", "{\"a\": \"" + std::string(2'000'000, 'x') + "\"}"},
+        Damage{"MergeConflict", "<<<<<<< HEAD\n" + kWhole + "=======\n" + kWhole + ">>>>>>> x\n"}),
+    [](const auto& test) { return std::string(test.param.name); });
+
+TEST_F(JsonUserDefaultsFixture, AFileCutAnywhereIsSetAsideOrWhole) {
+    for (std::size_t length = 0; length < kWhole.size(); ++length) {
+        putContents(file, kWhole.substr(0, length));
+        lines.clear();
+        open();
+        const bool isEmpty = length == 0;
+        // The last byte is a newline.
+        const bool isWhole = length == kWhole.size() - 1;
+        EXPECT_EQ(lines.size(), isEmpty || isWhole ? 0U : 1U) << length;
+        EXPECT_EQ(std::filesystem::exists(file), isEmpty || isWhole) << length;
+        std::filesystem::remove(folder / "settings.json.damaged-1");
+    }
+}
+
+// Values that are none.
+
+struct WrongValue {
+    const char* key;
+    const char* text;
+};
+
+void PrintTo(const WrongValue& wrong, std::ostream* out) {
+    *out << wrong.key << " = " << wrong.text;
+}
+
+class JsonUserDefaultsWrongValue : public JsonUserDefaultsFixture,
+                                   public ::testing::WithParamInterface<WrongValue> {};
+
+TEST_P(JsonUserDefaultsWrongValue, ReadsAsTheDefaultAndStaysUntilItIsSet) {
+    const std::string member =
+        "\"settings." + std::string(GetParam().key) + "\": " + GetParam().text;
+    putContents(file, "{" + member + "}");
+    const auto store = open();
+    testing::ScriptedLoginService service;
+    UserSettings settings(*store, service);
+    EXPECT_EQ(settings.thresholds(), (MetricThresholds{80, 90, 90, 95, 80, 90, 80, 90}));
+    EXPECT_EQ(settings.menuBarDisplayMode(), MenuBarDisplayMode::advanced);
+    EXPECT_FALSE(settings.launchOnLogin());
+    EXPECT_FALSE(settings.remindRestartAfterWeek());
+    EXPECT_FALSE(settings.hasPresentedInitialSettings());
+    EXPECT_EQ(settings.shortcutKeyCode(), -1);
+    EXPECT_EQ(settings.shortcutModifiers(), 0);
+    store->set("other", true);
+    dispatch.runMain();
+    EXPECT_EQ(contentsOf(file), "{\n  " + member + ",\n  \"other\": true\n}\n");
+    EXPECT_THAT(lines, IsEmpty());
+    store->set("settings." + std::string(GetParam().key), std::int64_t{50});
+    dispatch.runMain();
+    EXPECT_EQ(contentsOf(file),
+              "{\n  \"settings." + std::string(GetParam().key) + "\": 50,\n  \"other\": true\n}\n");
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Kinds, JsonUserDefaultsWrongValue,
+    ::testing::Values(
+        WrongValue{"cpuHighThreshold", "\"70\""}, WrongValue{"cpuHighThreshold", "true"},
+        WrongValue{"cpuHighThreshold", "null"}, WrongValue{"cpuHighThreshold", "[70]"},
+        WrongValue{"cpuHighThreshold", "{\"value\": 70}"}, WrongValue{"cpuHighThreshold", "1e400"},
+        WrongValue{"cpuHighThreshold", "-1e400"}, WrongValue{"cpuHighThreshold", "NaN"},
+        WrongValue{"cpuHighThreshold", "Infinity"},
+        WrongValue{"cpuModerateThreshold", "18446744073709551616"},
+        WrongValue{"menuBarDisplayMode", "1"}, WrongValue{"menuBarDisplayMode", "false"},
+        WrongValue{"menuBarDisplayMode", "null"}, WrongValue{"menuBarDisplayMode", "\"ICONONLY\""},
+        WrongValue{"menuBarDisplayMode", "[\"iconOnly\"]"}, WrongValue{"launchOnLogin", "1"},
+        WrongValue{"launchOnLogin", "\"true\""}, WrongValue{"remindRestartAfterWeek", "1"},
+        WrongValue{"remindRestartAfterWeek", "\"yes\""},
+        WrongValue{"hasPresentedInitialSettings", "1"},
+        WrongValue{"hasPresentedInitialSettings", "null"}, WrongValue{"shortcutKeyCode", "37.5"},
+        WrongValue{"shortcutKeyCode", "\"37\""}, WrongValue{"shortcutKeyCode", "4294967296"},
+        WrongValue{"shortcutKeyCode", "-2"}, WrongValue{"shortcutKeyCode", "9223372036854775808"},
+        WrongValue{"shortcutModifiers", "-1"},
+        WrongValue{"shortcutModifiers", "18446744073709551616"},
+        WrongValue{"shortcutModifiers", "1048576.5"}, WrongValue{"shortcutModifiers", "true"}));
+
+// Places.
+
+class JsonUserDefaultsPlace : public JsonUserDefaultsFixture {
+ protected:
+    std::string unusable(const std::string& why) const {
+        return "settings: " + file.native() + " cannot be used (" + why +
+               "); changes are kept in memory";
+    }
+    std::string notWritten(const std::string& why) const {
+        return "settings: " + file.native() + " cannot be written (" + why +
+               "); changes are kept in memory";
+    }
+    /// Sets values again and again; each is there for readers, and one line is said.
+    void expectInMemory(JsonUserDefaults& store, const std::string& line) {
+        for (int i = 0; i < 3; ++i) {
+            store.set("key", std::int64_t{i});
+            dispatch.runMain();
+            notice(store);
+            EXPECT_EQ(store.integer("key"), i);
+        }
+        EXPECT_THAT(lines, ElementsAre(line));
+    }
+    /// After that the way is free again.
+    void expectWritten(JsonUserDefaults& store) {
+        store.set("other", true);
+        dispatch.runMain();
+        const auto reader = open();
+        EXPECT_EQ(reader->integer("key"), 2);
+        EXPECT_EQ(reader->boolean("other"), true);
+        EXPECT_EQ(lines.size(), 1U);
+    }
+    /// Runs `body` as somebody whom permissions bind, and who owns the folder.
+    void asUser(const std::function<void()>& body) {
+        if (::geteuid() == 0) {
+            ASSERT_EQ(::chown(folder.path().c_str(), kNobody, kNobody), 0);
+            for (const std::string& name : names()) {
+                ASSERT_EQ(::lchown((folder.path() / name).c_str(), kNobody, kNobody), 0);
+            }
+        }
+        ChildProcess child([&] {
+            if (::geteuid() == 0) {
+                ASSERT_EQ(::setresgid(kNobody, kNobody, kNobody), 0);
+                ASSERT_EQ(::setresuid(kNobody, kNobody, kNobody), 0);
+            }
+            body();
+        });
+        EXPECT_EQ(child.wait(), 0);
+    }
+    static void allow(const std::filesystem::path& path, mode_t mode) {
+        ASSERT_EQ(::chmod(path.c_str(), mode), 0);
+    }
+    /// A store whose file can be read and whose folder has been emptied of space.
+    void limitFileSize(rlim_t bytes) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        rlimit limit{};
+        ASSERT_EQ(::getrlimit(RLIMIT_FSIZE, &limit), 0);
+        limit.rlim_cur = bytes;
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+    }
+};
+
+TEST_F(JsonUserDefaultsPlace, WithoutAHome) {
+    file.clear();
+    const auto store = open();
+    EXPECT_FALSE(store->settle());
+    expectInMemory(*store,
+                   "settings: there is no home directory to keep them in; changes are lost "
+                   "when the program ends");
+}
+
+TEST_F(JsonUserDefaultsPlace, AFolderInPlaceOfTheFileIsLeftAlone) {
+    std::filesystem::create_directory(file);
+    const auto store = open();
+    EXPECT_TRUE(store->contains("key"));
+    expectInMemory(*store, unusable("not a file"));
+    std::filesystem::remove(file);
+    expectWritten(*store);
+}
+
+TEST_F(JsonUserDefaultsPlace, APipeInPlaceOfTheFileIsLeftAlone) {
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    const auto store = open();
+    expectInMemory(*store, unusable("not a file"));
+    EXPECT_TRUE(std::filesystem::is_fifo(file));
+    std::filesystem::remove(file);
+    expectWritten(*store);
+}
+
+TEST_F(JsonUserDefaultsPlace, ASocketInPlaceOfTheFileIsLeftAlone) {
+    const int made = ::socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
+    sockaddr_un address{};
+    address.sun_family = AF_UNIX;
+    ASSERT_LT(file.native().size(), sizeof address.sun_path);
+    file.native().copy(address.sun_path, file.native().size());
+    ASSERT_EQ(::bind(made, reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+    expectInMemory(*open(), unusable("No such device or address"));
+    EXPECT_TRUE(std::filesystem::is_socket(file));
+    ::close(made);
+}
+
+TEST_F(JsonUserDefaultsPlace, ALinkToADeviceIsLeftAlone) {
+    std::filesystem::create_symlink("/dev/zero", file);
+    expectInMemory(*open(), unusable("not a file"));
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+}
+
+TEST_F(JsonUserDefaultsPlace, APipeThatComesInItsPlaceIsLeftAlone) {
+    const auto store = open();
+    store->set("old", std::int64_t{1});
+    dispatch.runMain();
+    std::filesystem::remove(file);
+    ASSERT_EQ(::mkfifo(file.c_str(), 0600), 0);
+    notice(*store);
+    EXPECT_EQ(store->integer("old"), 1);
+    expectInMemory(*store, unusable("not a file"));
+    EXPECT_TRUE(std::filesystem::is_fifo(file));
+}
+
+TEST_F(JsonUserDefaultsPlace, AFileWhereAFolderBelongs) {
+    putContents(folder / "tarnwick", "not a folder");
+    file = folder / "tarnwick/settings.json";
+    const auto store = open();
+    expectInMemory(*store, notWritten("Not a directory"));
+    EXPECT_EQ(contentsOf(folder / "tarnwick"), "not a folder");
+    std::filesystem::remove(folder / "tarnwick");
+    expectWritten(*store);
+}
+
+TEST_F(JsonUserDefaultsPlace, ALinkStaysAndItsTargetIsReplaced) {
+    std::filesystem::create_directory(folder / "dotfiles");
+    putContents(folder / "dotfiles/settings.json", R"({"old": 1})");
+    std::filesystem::create_symlink("dotfiles/settings.json", folder / "hop");
+    std::filesystem::create_symlink(folder / "hop", file);
+    const auto store = open();
+    EXPECT_EQ(store->integer("old"), 1);
+    store->set("key", true);
+    dispatch.runMain();
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "hop"));
+    EXPECT_EQ(contentsOf(folder / "dotfiles/settings.json"),
+              "{\n  \"old\": 1,\n  \"key\": true\n}\n");
+    EXPECT_THAT(lines, IsEmpty());
+}
+
+TEST_F(JsonUserDefaultsPlace, ALinkToNothingIsWhereTheFileIsMade) {
+    std::filesystem::create_symlink("dotfiles/settings.json", file);
+    const auto store = open();
+    EXPECT_FALSE(store->contains("key"));
+    store->set("key", true);
+    dispatch.runMain();
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(contentsOf(folder / "dotfiles/settings.json"), "{\n  \"key\": true\n}\n");
+    EXPECT_THAT(lines, IsEmpty());
+}
+
+TEST_F(JsonUserDefaultsPlace, ALinkToWhatHoldsNoSettingsStaysWhenThatIsSetAside) {
+    std::filesystem::create_directory(folder / "dotfiles");
+    putContents(folder / "dotfiles/mine.json", "none");
+    std::filesystem::create_symlink("dotfiles/mine.json", file);
+    const auto store = open();
+    store->set("key", true);
+    dispatch.runMain();
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(contentsOf(folder / "dotfiles/mine.json.damaged-1"), "none");
+    EXPECT_EQ(contentsOf(folder / "dotfiles/mine.json"), "{\n  \"key\": true\n}\n");
+    EXPECT_EQ(lines.size(), 1U);
+}
+
+TEST_F(JsonUserDefaultsPlace, LinksInACircleAreLeftAlone) {
+    std::filesystem::create_symlink("other", file);
+    std::filesystem::create_symlink("settings.json", folder / "other");
+    expectInMemory(*open(), unusable("Too many levels of symbolic links"));
+    EXPECT_TRUE(std::filesystem::is_symlink(file));
+}
+
+TEST_F(JsonUserDefaultsPlace, ALinkToAFolderIsLeftAlone) {
+    std::filesystem::create_directory_symlink(folder.path(), file);
+    expectInMemory(*open(), unusable("not a file"));
+}
+
+TEST_F(JsonUserDefaultsPlace, AFolderBehindALinkIsUsed) {
+    std::filesystem::create_directory(folder / "dotfiles");
+    std::filesystem::create_directory_symlink("dotfiles", folder / "tarnwick");
+    file = folder / "tarnwick/settings.json";
+    const auto store = open();
+    store->set("key", true);
+    dispatch.runMain();
+    EXPECT_EQ(contentsOf(folder / "dotfiles/settings.json"), "{\n  \"key\": true\n}\n");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "tarnwick"));
+}
+
+TEST_F(JsonUserDefaultsPlace, AReadOnlyFileIsReadAndStays) {
+    putContents(file, R"({"old": 1})");
+    allow(file, 0400);
+    asUser([&] {
+        const auto store = open();
+        EXPECT_EQ(store->integer("old"), 1);
+        EXPECT_THAT(lines, IsEmpty());
+        expectInMemory(*store, notWritten("Permission denied"));
+        EXPECT_EQ(contentsOf(file), R"({"old": 1})");
+        allow(file, 0600);
+        expectWritten(*store);
+    });
+    EXPECT_THAT(names(), ElementsAre("settings.json"));
+}
+
+TEST_F(JsonUserDefaultsPlace, AReadOnlyFolderIsRead) {
+    putContents(file, R"({"old": 1})");
+    asUser([&] {
+        allow(folder.path(), 0500);
+        const auto store = open();
+        EXPECT_EQ(store->integer("old"), 1);
+        expectInMemory(*store, notWritten("Permission denied"));
+        allow(folder.path(), 0700);
+        expectWritten(*store);
+    });
+}
+
+TEST_F(JsonUserDefaultsPlace, AReadOnlyFolderWithoutAFile) {
+    asUser([&] {
+        allow(folder.path(), 0500);
+        const auto store = open();
+        EXPECT_THAT(lines, IsEmpty());
+        expectInMemory(*store, notWritten("Permission denied"));
+        allow(folder.path(), 0700);
+        expectWritten(*store);
+    });
+}
+
+TEST_F(JsonUserDefaultsPlace, AFolderThatCannotBeMade) {
+    file = folder / "config/tarnwick/settings.json";
+    asUser([&] {
+        allow(folder.path(), 0500);
+        const auto store = open();
+        expectInMemory(*store, notWritten("Permission denied"));
+        allow(folder.path(), 0700);
+        expectWritten(*store);
+    });
+}
+
+TEST_F(JsonUserDefaultsPlace, AFileThatMayNotBeReadIsNotTakenForAnAbsentOne) {
+    putContents(file, R"({"old": 1})");
+    allow(file, 0000);
+    asUser([&] {
+        const auto store = open();
+        EXPECT_TRUE(store->contains("old"));
+        expectInMemory(*store, unusable("Permission denied"));
+        allow(file, 0600);
+        expectWritten(*store);
+        EXPECT_EQ(store->integer("old"), 1);
+    });
+}
+
+TEST_F(JsonUserDefaultsPlace, AFileWithoutSettingsThatCannotBeMovedIsLeftAlone) {
+    putContents(file, "none");
+    asUser([&] {
+        allow(folder.path(), 0500);
+        const auto store = open();
+        expectInMemory(*store, "settings: " + file.native() +
+                                   " holds no settings and cannot be moved away (Permission "
+                                   "denied); changes are kept in memory");
+        allow(folder.path(), 0700);
+    });
+    EXPECT_EQ(contentsOf(file), "none");
+}
+
+// No space.
+
+TEST_F(JsonUserDefaultsPlace, ADiskThatIsFullBeforeTheFileIsOnIt) {
+    putContents(file, R"({"old": 1})");
+    const auto store = open();
+    for (const int error : {ENOSPC, EDQUOT, EIO}) {
+        lines.clear();
+        testing::beforeSync = [error] { return error; };
+        expectInMemory(*store, notWritten(std::generic_category().message(error)));
+        EXPECT_EQ(contentsOf(file), R"({"old": 1})");
+        EXPECT_THAT(names(), ElementsAre("settings.json"));
+    }
+    testing::beforeSync = nullptr;
+    expectWritten(*store);
+}
+
+TEST_F(JsonUserDefaultsPlace, SpaceForHalfOfTheFile) {
+    putContents(file, R"({"old": 1})");
+    ChildProcess child([&] {
+        const auto store = open();
+        limitFileSize(20);
+        expectInMemory(*store, notWritten("File too large"));
+        EXPECT_EQ(contentsOf(file), R"({"old": 1})");
+        limitFileSize(RLIM_INFINITY);
+        expectWritten(*store);
+    });
+    EXPECT_EQ(child.wait(), 0);
+}
+
+TEST_F(JsonUserDefaultsPlace, WhatCouldNotBeWrittenIsTriedAgainWithTheNextSetOfAnything) {
+    const auto store = open();
+    testing::beforeSync = [] { return ENOSPC; };
+    store->set("key", std::int64_t{1});
+    dispatch.runMain();
+    testing::beforeSync = nullptr;
+    // Equal, so by itself nothing to write.
+    store->set("key", std::int64_t{1});
+    dispatch.runMain();
+    EXPECT_EQ(contentsOf(file), "{\n  \"key\": 1\n}\n");
+}
+
+TEST_F(JsonUserDefaultsPlace, EditsAreStillHeardOfWhereNothingCanBeWritten) {
+    putContents(file, R"({"old": 1})");
+    const auto store = open();
+    testing::beforeSync = [] { return ENOSPC; };
+    store->set("key", std::int64_t{1});
+    dispatch.runMain();
+    putContents(file, R"({"old": 2, "key": 3})");
+    notice(*store);
+    EXPECT_EQ(store->integer("old"), 2);
+    EXPECT_EQ(store->integer("key"), 1);
+}
+
+// What is left on the way.
+
+TEST_F(JsonUserDefaultsPlace, WhatAProgramLeftThatWasEndedWhileItWroteIsNoHindrance) {
+    putContents(folder / ".settings.json.new", "half of");
+    const auto store = open();
+    EXPECT_FALSE(store->contains("key"));
+    store->set("key", true);
+    dispatch.runMain();
+    EXPECT_EQ(contentsOf(file), "{\n  \"key\": true\n}\n");
+    EXPECT_THAT(names(), ElementsAre("settings.json"));
+}
+
+TEST_F(JsonUserDefaultsPlace, ALinkInPlaceOfTheNewFileLeadsNowhere) {
+    putContents(folder / "precious", "untouched");
+    std::filesystem::create_symlink("precious", folder / ".settings.json.new");
+    const auto store = open();
+    store->set("key", true);
+    dispatch.runMain();
+    EXPECT_EQ(contentsOf(folder / "precious"), "untouched");
+    EXPECT_FALSE(std::filesystem::is_symlink(file));
+    EXPECT_EQ(contentsOf(file), "{\n  \"key\": true\n}\n");
+}
+
+TEST_F(JsonUserDefaultsPlace, AFolderInPlaceOfTheNewFile) {
+    std::filesystem::create_directory(folder / ".settings.json.new");
+    const auto store = open();
+    expectInMemory(*store, notWritten("File exists"));
+    std::filesystem::remove(folder / ".settings.json.new");
+    expectWritten(*store);
+}
+
+TEST_F(JsonUserDefaultsPlace, ALinkToNothingIsNoFreeName) {
+    putContents(file, "none");
+    std::filesystem::create_symlink("nothing", folder / "settings.json.damaged-1");
+    open();
+    EXPECT_EQ(contentsOf(folder / "settings.json.damaged-2"), "none");
+    EXPECT_TRUE(std::filesystem::is_symlink(folder / "settings.json.damaged-1"));
+}
+
+}  // namespace
+}  // namespace tarnwick::platform
