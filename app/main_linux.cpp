@@ -167,6 +167,7 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
     const platform::DisplayEnd displayEnd([&userDefaults] { userDefaults.settle(); });
     installPlatform(dispatch, userDefaults, bus);
     platform::applyInterfaceFont();
+    // What is first shown is shown as its user has set it, unless the disk is stuck.
     userDefaults.settle();
 
     qt::Theme theme;

@@ -47,7 +47,7 @@ FileStamp stampOf(const struct stat& found) {
 /// Kind of error that says that somebody else has written the file meanwhile.
 constexpr std::errc kOvertaken = std::errc::resource_unavailable_try_again;
 
-std::error_code errorUnless(const FileStamp& expected, const std::filesystem::path& target) {
+std::error_code errorIfChanged(const std::filesystem::path& target, const FileStamp& expected) {
     struct stat found {};
     const FileStamp stamp = ::stat(target.c_str(), &found) == 0 ? stampOf(found) : FileStamp{};
     return stamp == expected ? std::error_code() : std::make_error_code(kOvertaken);
@@ -133,7 +133,7 @@ std::error_code replaceSettings(const std::filesystem::path& target, std::string
     ::unlink(beside.c_str());
     std::error_code error = writeFile(beside, text);
     if (!error) {
-        error = errorUnless(expected, target);
+        error = errorIfChanged(target, expected);
     }
     if (!error && ::rename(beside.c_str(), target.c_str()) != 0) {
         error = lastError();
@@ -158,7 +158,7 @@ std::error_code setSettingsAside(const std::filesystem::path& target, const File
         name = target;
         name += ".damaged-" + std::to_string(number++);
     } while (::lstat(name.c_str(), &found) == 0);
-    const std::error_code error = errorUnless(expected, target);
+    const std::error_code error = errorIfChanged(target, expected);
     return error || ::rename(target.c_str(), name.c_str()) == 0 ? error : lastError();
 }
 
