@@ -80,42 +80,59 @@ std::filesystem::path runningProgram() {
     return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
-/// The machine. Nothing of it is ever destroyed: background work that is stuck when the program
-/// ends may still use it.
-void installPlatform(platform::Dispatch& dispatch, platform::UserDefaults& userDefaults,
-                     const QDBusConnection& bus) {
-    auto* powerSources = new platform::LinuxPowerSources();
-    auto* keyboardLayout = platform::makeKeyboardLayout().release();
-    platform::install({
-        .kernel = new platform::LinuxKernel(),
-        .volumes = new platform::LinuxVolumes(),
-        .networkInterfaces = new platform::LinuxNetworkInterfaces(),
-        .accelerators = new platform::LinuxAccelerators(),
-        .processInfo = new platform::LinuxProcessInfo(),
-        .powerSources = powerSources,
-        .batteryHealth = powerSources,
-        .processTable = new platform::LinuxProcessTable(),
-        .userDefaults = &userDefaults,
-        .loginService = new platform::AutostartLoginService(
-            platform::startCommand(runningProgram(), environment), environment),
-        .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, dispatch).release(),
-        .keyboardLayout = keyboardLayout,
-        .byteCountFormatter = new platform::PlainByteCountFormatter(),
-        .dispatch = &dispatch,
-    });
-}
+/// The machine and the user's settings, installed as the current platform.
+class Machine {
+ public:
+    explicit Machine(const QDBusConnection& bus) {
+        if (userDefaults_.watchDescriptor() >= 0) {
+            settingsWatch_.setSocket(userDefaults_.watchDescriptor());
+            settingsWatch_.setEnabled(true);
+        }
+        QObject::connect(&settingsWatch_, &QSocketNotifier::activated,
+                         [this] { userDefaults_.folderMayHaveChanged(); });
+        install(bus);
+        // What is first shown is shown as its user has set it, unless the disk is stuck.
+        settle();
+    }
+
+    /// Waits until the settings are on the disk, one second at most.
+    void settle() { userDefaults_.settle(); }
+
+ private:
+    void install(const QDBusConnection& bus) {
+        auto* powerSources = new platform::LinuxPowerSources();
+        auto* keyboardLayout = platform::makeKeyboardLayout().release();
+        platform::install({
+            .kernel = new platform::LinuxKernel(),
+            .volumes = new platform::LinuxVolumes(),
+            .networkInterfaces = new platform::LinuxNetworkInterfaces(),
+            .accelerators = new platform::LinuxAccelerators(),
+            .processInfo = new platform::LinuxProcessInfo(),
+            .powerSources = powerSources,
+            .batteryHealth = powerSources,
+            .processTable = new platform::LinuxProcessTable(),
+            .userDefaults = &userDefaults_,
+            .loginService = new platform::AutostartLoginService(
+                platform::startCommand(runningProgram(), environment), environment),
+            .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, dispatch_).release(),
+            .keyboardLayout = keyboardLayout,
+            .byteCountFormatter = new platform::PlainByteCountFormatter(),
+            .dispatch = &dispatch_,
+        });
+    }
+
+    // The platform is never destroyed: background work that is stuck when the program ends may
+    // still use it.
+    platform::QtDispatch& dispatch_ = *new platform::QtDispatch();
+    platform::JsonUserDefaults& userDefaults_ =
+        *new platform::JsonUserDefaults(platform::settingsFile(environment), dispatch_);
+    QSocketNotifier settingsWatch_{QSocketNotifier::Read};
+    /// The last chance for settings that are not written yet.
+    const platform::DisplayEnd displayEnd_{[this] { settle(); }};
+};
 
 QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
     return qt::drawnSymbol(symbol, qt::Theme::color(tint, dark), pixels);
-}
-
-/// Where the panel opens: at the item or, where its place is not known, in a corner.
-QRect panelAnchor(const platform::LinuxStatusItem& item) {
-    if (const auto place = item.anchor()) {
-        return *place;
-    }
-    const QScreen* screen = QGuiApplication::primaryScreen();
-    return qt::cornerAnchor(screen->geometry(), screen->availableGeometry());
 }
 
 qt::SettingsContentEnvironment settingsEnvironment() {
@@ -128,6 +145,137 @@ qt::SettingsContentEnvironment settingsEnvironment() {
                              QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
                          }},
             .keyCodes = platform::virtualKeyCode};
+}
+
+void giveBackMemory() {
+    qt::freeUnusedFonts();
+    platform::giveBackFreedMemory();
+}
+
+/// The running program; the one of the session. Its members stand in the order of their lives.
+class Program {
+ public:
+    /// `conditions` are those that other programs are started under. All arguments must outlive the
+    /// program.
+    Program(QApplication& application, const platform::StartConditions& conditions,
+            const QDBusConnection& bus, platform::SingleInstance& instance);
+
+    /// Returns the exit status when the user, a signal or the session has ended the program.
+    int run();
+
+ private:
+    PanelTargets panelTargets();
+    platform::StatusItemActions itemActions();
+    /// At the item or, where its place is not known, in a corner.
+    QRect panelAnchor() const;
+    void openPanel();
+    void quit();
+
+    QApplication& application_;
+    const platform::StartConditions& conditions_;
+    platform::SingleInstance& instance_;
+    const platform::QuitSignals quitSignals_{[this] { quit(); }};
+    Machine machine_;
+    qt::Theme theme_;
+    platform::LinuxStatusItem item_;
+    const platform::ColorScheme colorScheme_;
+    qt::TitledWindows windows_{giveBackMemory};
+    TarnwickApp app_;
+    MenuBarView view_;
+    qt::PanelWindow panel_;
+    const platform::ReducedMotion reducedMotion_;
+    const platform::SleepSignals sleepSignals_;
+};
+
+Program::Program(QApplication& application, const platform::StartConditions& conditions,
+                 const QDBusConnection& bus, platform::SingleInstance& instance)
+    : application_(application),
+      conditions_(conditions),
+      instance_(instance),
+      machine_(bus),
+      item_(bus, platform::LinuxStatusItem::sessionOptions(paintIcon, theme_.isDark())),
+      colorScheme_(bus,
+                   [this](bool dark) {
+                       theme_.setDark(dark);
+                       item_.setDark(dark);
+                   }),
+      app_(TarnwickAppDesktop{item_, windows_,
+                              [this](UserSettings& settings) {
+                                  return qt::makeSettingsContent(settings, theme_,
+                                                                 settingsEnvironment());
+                              }}),
+      view_(app_.statsManager(), panelTargets()),
+      panel_(view_, theme_, *platform::current().dispatch),
+      reducedMotion_(bus, [this](bool isReduced) { panel_.setMotionReduced(isReduced); }),
+      sleepSignals_(QDBusConnection::systemBus(), [this] { app_.machineDidWake(); }) {
+    item_.setActions(itemActions());
+    instance_.setOpenPanel([this] { openPanel(); });
+    QObject::connect(&panel_, &qt::PanelWindow::widgetsFreed, giveBackMemory);
+    QTimer::singleShot(kStartIsOver, &application_, &platform::giveBackFreedMemory);
+    // Only the entry at login starts the program again: a session that restores what ran in it
+    // would do so, too, even where start at login is off.
+    QObject::connect(
+        &application_, &QGuiApplication::saveStateRequest, &application_,
+        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
+}
+
+int Program::run() {
+    app_.appDelegate().applicationDidFinishLaunching();
+    const int status = application_.exec();
+    // A session's end comes without a call of quit().
+    instance_.release();
+    machine_.settle();
+    return status;
+}
+
+PanelTargets Program::panelTargets() {
+    return {.showSettings =
+                [this] {
+                    // Settings first: activation passes on only while the panel is still active.
+                    app_.showSettingsWindow();
+                    panel_.close();
+                },
+            .openActivityMonitor =
+                [this] {
+                    // An open panel would lie over the monitor and hold the pointer.
+                    if (platform::openActivityMonitor(conditions_)) {
+                        panel_.close();
+                    }
+                },
+            .quit = [this] { quit(); }};
+}
+
+platform::StatusItemActions Program::itemActions() {
+    return {.click =
+                [this] {
+                    app_.appDelegate().panelWasAskedFor();
+                    panel_.click(panelAnchor());
+                },
+            .toggle = [this] { panel_.toggle(panelAnchor()); },
+            .refresh = [this] { app_.statsManager().refreshNow(); },
+            .openPanel = [this] { openPanel(); },
+            .showSettings = [this] { app_.showSettingsWindow(); },
+            .quit = [this] { quit(); }};
+}
+
+QRect Program::panelAnchor() const {
+    if (const auto place = item_.anchor()) {
+        return *place;
+    }
+    const QScreen* screen = QGuiApplication::primaryScreen();
+    return qt::cornerAnchor(screen->geometry(), screen->availableGeometry());
+}
+
+void Program::openPanel() {
+    app_.appDelegate().panelWasAskedFor();
+    panel_.open(panelAnchor());
+}
+
+void Program::quit() {
+    // From here on a new start becomes the owner instead of asking this exiting process for its
+    // panel.
+    instance_.release();
+    application_.quit();
 }
 
 int run(QApplication& application, const platform::StartConditions& conditions) {
@@ -146,102 +294,8 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
     if (!bus.isConnected()) {
         platform::notice("there is no session bus: only a tray of the older kind can be used");
     }
-    // Whoever starts from here on is not asked to be content with a panel that goes with this one.
-    const auto quit = [&application, &instance] {
-        instance.release();
-        application.quit();
-    };
-    const platform::QuitSignals quitSignals(quit);
-
-    auto& dispatch = *new platform::QtDispatch();
-    auto& userDefaults =
-        *new platform::JsonUserDefaults(platform::settingsFile(environment), dispatch);
-    QSocketNotifier settingsWatch(QSocketNotifier::Read);
-    if (userDefaults.watchDescriptor() >= 0) {
-        settingsWatch.setSocket(userDefaults.watchDescriptor());
-        settingsWatch.setEnabled(true);
-    }
-    QObject::connect(&settingsWatch, &QSocketNotifier::activated, &application,
-                     [&userDefaults] { userDefaults.folderMayHaveChanged(); });
-    // The last chance for what could not be written yet.
-    const platform::DisplayEnd displayEnd([&userDefaults] { userDefaults.settle(); });
-    installPlatform(dispatch, userDefaults, bus);
     platform::applyInterfaceFont();
-    // What is first shown is shown as its user has set it, unless the disk is stuck.
-    userDefaults.settle();
-
-    qt::Theme theme;
-    platform::LinuxStatusItem item(
-        bus, platform::LinuxStatusItem::sessionOptions(paintIcon, theme.isDark()));
-    const platform::ColorScheme colorScheme(bus, [&theme, &item](bool dark) {
-        theme.setDark(dark);
-        item.setDark(dark);
-    });
-
-    const auto giveBackMemory = [] {
-        qt::freeUnusedFonts();
-        platform::giveBackFreedMemory();
-    };
-    qt::TitledWindows windows(giveBackMemory);
-    TarnwickApp app(TarnwickAppDesktop{item, windows, [&theme](UserSettings& settings) {
-                                           return qt::makeSettingsContent(settings, theme,
-                                                                          settingsEnvironment());
-                                       }});
-    // The panel is made after the view whose button closes it.
-    std::function<void()> closePanel;
-    MenuBarView view(app.statsManager(), {.showSettings =
-                                              [&app, &closePanel] {
-                                                  // The panel hands its place before the other
-                                                  // windows over while it still has it.
-                                                  app.showSettingsWindow();
-                                                  closePanel();
-                                              },
-                                          .openActivityMonitor =
-                                              [&conditions, &closePanel] {
-                                                  // The panel would lie over it, and hold the
-                                                  // pointer.
-                                                  if (platform::openActivityMonitor(conditions)) {
-                                                      closePanel();
-                                                  }
-                                              },
-                                          .quit = quit});
-    qt::PanelWindow panel(view, theme, *platform::current().dispatch);
-    closePanel = [&panel] { panel.close(); };
-    const platform::ReducedMotion reducedMotion(
-        bus, [&panel](bool isReduced) { panel.setMotionReduced(isReduced); });
-    QObject::connect(&panel, &qt::PanelWindow::widgetsFreed, giveBackMemory);
-    QTimer::singleShot(kStartIsOver, &application, &platform::giveBackFreedMemory);
-    const auto openPanel = [&app, &panel, &item] {
-        app.appDelegate().panelWasAskedFor();
-        panel.open(panelAnchor(item));
-    };
-    item.setActions({.click =
-                         [&app, &panel, &item] {
-                             app.appDelegate().panelWasAskedFor();
-                             panel.click(panelAnchor(item));
-                         },
-                     .toggle = [&panel, &item] { panel.toggle(panelAnchor(item)); },
-                     .refresh = [&app] { app.statsManager().refreshNow(); },
-                     .openPanel = openPanel,
-                     .showSettings = [&app] { app.showSettingsWindow(); },
-                     .quit = quit});
-    instance.setOpenPanel(openPanel);
-
-    const platform::SleepSignals sleepSignals(QDBusConnection::systemBus(),
-                                              [&app] { app.machineDidWake(); });
-
-    // Only the entry at login starts it again: a session that restores what ran in it would too,
-    // even where start at login is off.
-    QObject::connect(
-        &application, &QGuiApplication::saveStateRequest, &application,
-        [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
-
-    app.appDelegate().applicationDidFinishLaunching();
-    const int status = application.exec();
-    // A session's end comes without a call of quit().
-    instance.release();
-    userDefaults.settle();
-    return status;
+    return Program(application, conditions, bus, instance).run();
 }
 
 }  // namespace
