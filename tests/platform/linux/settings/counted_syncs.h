@@ -5,8 +5,8 @@
 
 namespace tarnwick::platform::testing {
 
-/// Calls of fdatasync() so far, by any thread. A program that has this stands before the C library
-/// with a function of that name, which counts and passes on.
+/// Calls of fdatasync() so far, by any thread. A program that links this overrides the C library's
+/// function with one that counts the call and passes it on.
 extern std::atomic<int> syncs;
 
 }  // namespace tarnwick::platform::testing

@@ -1,4 +1,4 @@
-// A database as another program would touch it: plain SQL, no manners.
+// A database as another program accesses it: plain SQL without the store's rules.
 #pragma once
 
 #include <cstdint>

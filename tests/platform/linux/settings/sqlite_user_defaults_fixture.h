@@ -1,4 +1,4 @@
-// A store in a private folder, with what it told the user.
+// A store in a private folder, and its messages to the user.
 #pragma once
 
 #include <algorithm>

@@ -1,4 +1,4 @@
-// A store's fixture for what goes wrong on the machine, and the lines that tell of it.
+// A fixture for a store on a machine with failures, and the lines that report them.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +29,7 @@ class SqliteUserDefaultsTroubleFixture : public SqliteUserDefaultsFixture {
         store->set("old", std::int64_t{1});
         store->set("other", std::string("x"));
     }
-    /// Runs `body` as somebody whom permissions bind, and who owns the folder.
+    /// Runs `body` as a user who owns the folder and must obey permissions (unlike root).
     template <class Body>
     void asUser(const Body& body) {
         if (::geteuid() == 0) {
