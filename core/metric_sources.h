@@ -8,16 +8,16 @@
 
 namespace tarnwick {
 
-/// Called in the background; none fails.
+/// Called in the background. No function fails.
 struct MetricSources {
     std::function<CPUInfo()> readCPUInfo;
     std::function<GPUInfo()> readGPUInfo;
     std::function<MemoryInfo()> readMemoryInfo;
     std::function<NetworkInfo()> readNetworkInfo;
-    /// Takes the greatest number of rows a list may have.
+    /// The argument is the most rows that each list may have.
     std::function<TopProcessLists(int)> readTopProcesses;
     std::function<void()> pruneStaleProcesses;
-    /// Lets go of what process lists keep between two calls; none is wanted at present.
+    /// No process lists are wanted at present: frees what they keep between two calls.
     std::function<void()> releaseProcessCaches;
     std::function<StorageInfo()> readStorageInfo;
     /// Seconds since boot.

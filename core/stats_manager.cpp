@@ -21,8 +21,8 @@ FastRefreshSnapshot measureFast(const MetricSources& sources, bool includeProces
         snapshot.topCPUProcesses = std::move(processes.cpu);
         snapshot.topMemoryProcesses = std::move(processes.memory);
     } else {
-        // In the refresh rather than when the panel goes: a refresh that still gathers them may be
-        // under way then.
+        // Here and not when the panel disappears: at that moment a refresh may still be gathering
+        // processes.
         sources.releaseProcessCaches();
     }
     return snapshot;
@@ -134,8 +134,8 @@ void StatsManager::refreshSlow(bool exactBattery) {
     startBatteryStage(exactBattery);
 }
 
-// The battery's quick reading comes first, so that nobody waits for it behind the health reading,
-// which may take seconds and comes last.
+// The battery's quick reading comes first and the health reading, which may take seconds, comes
+// last, so that the quick one is not delayed.
 void StatsManager::startBatteryStage(bool exactBattery) {
     dispatch_.detached([weak = Weak(self_), service = batteryService_, &dispatch = dispatch_,
                         exactBattery] {
@@ -222,7 +222,7 @@ void StatsManager::scheduleTimers() {
             manager->refreshSlow(false);
         }
     });
-    // A change of pace may bring a slow refresh forward, never put off one that was due sooner.
+    // A change of pace may make the next slow refresh earlier, but never later than it was due.
     if (slowFireTime) {
         slow->setFireTime(std::min(*slowFireTime, slow->fireTime()));
     }

@@ -65,13 +65,13 @@ class StatsManager final : public ObservableObject {
     static constexpr std::size_t kHistoryLimit = 60;
     /// Rows that each list of top processes is asked for.
     static constexpr int kTopProcessLimit = 3;
-    /// Each so many visible fast refreshes the process sampler forgets processes that are gone.
+    /// The process sampler forgets ended processes once in this many visible fast refreshes.
     static constexpr int kVisibleRefreshesPerPrune = 15;
     // Pace of the fast timer, seconds.
     static constexpr double kFastVisibleInterval = 2;
     static constexpr double kFastIdleInterval = 10;
-    /// How late a timer may fire, as a share of its interval, but at least as many seconds as
-    /// follow, so that wake-ups can be shared.
+    /// How late a timer may fire, so that wake-ups can be shared: this share of its interval, but
+    /// at least the minimum below, in seconds.
     static constexpr double kToleranceShare = 0.15;
     static constexpr double kFastMinimumTolerance = 0.25;
     static constexpr double kSlowMinimumTolerance = 1;
@@ -92,27 +92,29 @@ class StatsManager final : public ObservableObject {
     void popoverDidDisappear();
     bool isPopoverVisible() const { return isPopoverVisible_; }
 
-    /// Anything has been measured yet.
+    /// Whether anything has been measured yet.
     bool hasCollectedData() const;
-    /// The volume with the largest total; the earlier one of equals; absent without volumes.
+    /// The volume with the largest total; the first of several equally large ones; absent without
+    /// volumes.
     std::optional<StorageInfo> primaryStorage() const;
     /// What the panel's header says.
     MetricDisplaySummary displaySummary() const;
-    /// What the status item says at `time` (seconds since 1970): as displaySummary() before the
-    /// first measurement and while a metric reaches a threshold, else one metric a clock minute in
-    /// turn.
+    /// What the status item says at `time` (seconds since 1970): the same as displaySummary()
+    /// before the first measurement and while a metric reaches a threshold; otherwise one metric
+    /// after the other, a new one each clock minute.
     MetricDisplaySummary menuBarSummary(double time) const;
 
     UserSettings& settings() const { return settings_; }
 
  private:
-    /// Expires with the manager. What runs later holds it and looks at it on the main thread only.
+    /// Expires with the manager. Work that runs later holds it, and locks it on the main thread
+    /// only.
     using Weak = std::weak_ptr<StatsManager*>;
 
     /// The manager, or null when it is gone.
     static StatsManager* alive(const Weak& manager);
-    /// Takes what a fast body measured; prunes in the background before it is applied when it is
-    /// time to.
+    /// Takes the result of a fast measurement. If pruning is due, prunes in the background before
+    /// applying the result.
     void receiveFast(FastRefreshSnapshot snapshot, bool includesProcesses);
     void applyFast(FastRefreshSnapshot snapshot);
     // The stages of a slow refresh, each started when the one before was applied.

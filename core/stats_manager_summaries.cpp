@@ -41,21 +41,21 @@ std::vector<Candidate> candidates(const Readings& now, const UserSettings& setti
                                              now.gpu, now.memory, now.storage);
 }
 
-/// 0 to 59, in the user's time zone; 0 for a time that the calendar does not reach.
+/// The minute of the hour, 0 to 59, in the user's time zone; 0 for a time outside the calendar.
 int minuteOfHour(double time) {
-    // Well inside what std::time_t holds, and far beyond every clock.
+    // Fits std::time_t easily, and is far beyond every real clock.
     constexpr double kReach = 1e15;
     if (!(std::abs(time) < kReach)) {
         return 0;
     }
     const auto seconds = static_cast<std::time_t>(std::floor(time));
-    // Follows a change of the system's time zone while the program runs; its reentrant sisters need
-    // not.
+    // std::localtime follows a change of the system's time zone while the program runs. Its
+    // reentrant variants are not required to.
     const std::tm* local = std::localtime(&seconds);
     return local ? local->tm_min : 0;
 }
 
-/// Every metric's short name and value, one a minute in turn.
+/// The short name and value of one metric; the next metric each minute.
 std::string rotatingText(const Readings& now, int minute) {
     std::vector<std::string> entries;
     const auto add = [&entries](std::string_view name, double value) {

@@ -8,7 +8,7 @@
 namespace tarnwick {
 namespace {
 
-// A fair battery still holds what it should.
+// "fair" is here because such a battery still works as it should.
 constexpr std::array<std::string_view, 3> kNormal = {"good", "fair", "normal"};
 
 constexpr std::array<std::string_view, 7> kService = {
@@ -16,7 +16,7 @@ constexpr std::array<std::string_view, 7> kService = {
     "replace soon", "replace now",   "permanent battery failure",
 };
 
-/// The condition words are English: ASCII letters are the only ones whose case matters.
+/// The condition words are English, so only the case of ASCII letters matters.
 std::string lowerCased(std::string_view text) {
     std::string result(text);
     std::transform(result.begin(), result.end(), result.begin(), [](char c) {

@@ -10,14 +10,14 @@
 
 namespace tarnwick {
 
-/// What the status item shows; how it is drawn stands with platform::StatusItemContent.
+/// What the status item shows; platform::StatusItemContent says how it is drawn.
 struct MenuBarLabel {
     /// Name of the severity's symbol.
     std::string symbol;
     Tint tint = Tint::green;
     /// Absent when only the icon is shown.
     std::optional<std::string> text;
-    /// For icon and text as a whole; tells the text also when only the icon is shown.
+    /// For icon and text together. Contains the text even when only the icon is shown.
     std::string accessibilityLabel;
 
     bool operator==(const MenuBarLabel&) const = default;

@@ -20,7 +20,7 @@ constexpr Metric kMemory{"RAM", "Memory usage"};
 constexpr Metric kStorage{"Disk", "Storage usage"};
 
 Candidate judge(const Metric& metric, double value, ThresholdPair stored) {
-    // Whoever calls need not have normalised the pair; doing it twice changes nothing.
+    // The caller may pass a pair that is not normalised. Doing it twice changes nothing.
     const ThresholdPair pair = normalizedThresholds(stored.normal, stored.high);
     Candidate candidate;
     double crossed = pair.normal;

@@ -32,16 +32,16 @@ struct MetricDisplaySummary {
 namespace MetricSummaryResolver {
 
 /// The metrics that reach a threshold, in the order CPU, GPU, memory, storage; the GPU only with
-/// `includeGPU`. Values are percent and are not clamped; equality counts as reaching. A value that
-/// is not a number reaches nothing.
+/// `includeGPU`. Values are percent and are not clamped. A value equal to the threshold reaches it;
+/// a value that is not a number reaches none.
 std::vector<Candidate> candidates(bool includeGPU, const MetricThresholds& thresholds, double cpu,
                                   double gpu, double memory, double storage);
 
-/// The one to show: the highest severity, then the greatest tie-break score, then the earliest.
-/// `candidates` must not be empty.
+/// The candidate to show: the one with the highest severity, then the greatest tie-break score,
+/// then the earliest. Requires: `candidates` is not empty.
 const Candidate& best(const std::vector<Candidate>& candidates);
 
-/// What the panel says of these candidates: of the best one, or that there is none.
+/// What the panel says about the best of these candidates, or that there is none.
 MetricDisplaySummary displaySummary(const std::vector<Candidate>& candidates);
 
 }  // namespace MetricSummaryResolver

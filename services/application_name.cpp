@@ -28,7 +28,8 @@ bool isBundle(std::string_view piece) {
     return true;
 }
 
-/// Takes the next piece that is not empty off the front of the path; empty at its end.
+/// Removes the next non-empty component from the front of the path and returns it; empty at the end
+/// of the path.
 std::string_view takePiece(std::string_view& path) {
     path.remove_prefix(std::min(path.find_first_not_of('/'), path.size()));
     const std::string_view piece = path.substr(0, path.find('/'));

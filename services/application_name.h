@@ -10,8 +10,8 @@
 
 namespace tarnwick {
 
-/// The path of the outermost bundle around an executable: up to and with the first piece that ends
-/// in ".app", in any case of letters. Absent when no piece does.
+/// The path of the outermost bundle around an executable: up to and including the first path
+/// component that ends in ".app" (upper or lower case). Absent when there is none.
 std::optional<std::string> enclosingBundlePath(std::string_view executablePath);
 
 /// Asks the running applications first, then the bundle around the executable, then the executable

@@ -14,11 +14,11 @@ constexpr const char* kConditionKey = "battery.exactCondition";
 constexpr const char* kLastFetchKey = "battery.lastExactFetch";
 constexpr const char* kLastAttemptFailedKey = "battery.lastAttemptFailed";
 
-/// So many reads in a row must find no battery before the machine counts as one without.
+/// After this many reads in a row without a battery, the machine counts as one without a battery.
 constexpr std::int64_t kMissesUntilPause = 3;
-/// Seconds for which such a machine is then left alone.
+/// Seconds for which such a machine is not asked again.
 constexpr double kDetectionPause = 300;
-/// Seconds from an attempt to the next.
+/// Seconds between two attempts: after a success, and after a failure.
 constexpr double kHealthInterval = 86'400;
 constexpr double kHealthRetryInterval = 300;
 
@@ -82,7 +82,7 @@ BatteryInfo BatteryService::currentBatteryInfo(bool force) {
         lastGoodInfo_ = std::move(info);
         return *lastGoodInfo_;
     }
-    // A battery once seen does not go away: a read that fails now and then must not hide it.
+    // A battery that was seen once stays: a read that fails now and then must not hide it.
     if (lastGoodInfo_) {
         return *lastGoodInfo_;
     }
@@ -109,7 +109,7 @@ BatteryInfo BatteryService::batteryInfoWithHealth(bool force) {
 bool BatteryService::isHealthDue(double moment) const {
     const double age = moment - lastHealthAttempt_.secondsSince1970;
     const double interval = lastAttemptFailed_ ? kHealthRetryInterval : kHealthInterval;
-    // A clock that was set back says nothing about the age.
+    // If the clock was set back, the age is unknown, and the health is due.
     return !cachedCondition_ || !(age >= 0 && age < interval);
 }
 
@@ -122,7 +122,8 @@ void BatteryService::fetchHealth(platform::Date moment) {
     if (reading && reading->condition && !reading->condition->empty()) {
         cachedCondition_ = reading->condition;
     } else if (!cachedCondition_) {
-        // From now on the interval counts, also after a failure.
+        // An empty word marks that an attempt was made: from now on the interval counts, even if it
+        // failed.
         cachedCondition_.emplace();
     }
     lastAttemptFailed_ = !reading;
@@ -137,7 +138,8 @@ void BatteryService::mergeCache(BatteryInfo& info) const {
         info.health = cachedHealth_;
         info.healthSource = BatteryHealthSource::systemProfiler;
     }
-    // The live word wins; an earlier one from the cache does not count as live.
+    // The live word wins over the cached one. `info` may already hold a cached word, so that one is
+    // not used.
     info.healthCondition =
         sourceCondition_.empty() ? cachedCondition_.value_or("") : sourceCondition_;
 }

@@ -17,18 +17,22 @@ namespace tarnwick {
 
 using platform::HealthReading;
 
-/// Keeps the last good record, leaves a machine without a battery alone, and asks for the exact
-/// health once a day, five minutes after it could not be had, or when forced. The health outlives
-/// the process in the user's store. Calls take turns, also with one that waits for the health.
+/// Returns the last good record while the battery cannot be read. While no battery was ever seen,
+/// three reads in a row without one make it look only every five minutes, unless forced.
+///
+/// Asks for the exact health once a day, five minutes after a failed attempt, or when forced. The
+/// health is kept in the user's store, so that it outlives the process. Any thread; calls take
+/// turns, and also wait for a call that reads the health.
 class BatteryService final : public BatteryReader {
  public:
-    /// Absent when it could not be found out.
+    /// Absent when the health could not be read.
     using ReadHealth = std::function<std::optional<HealthReading>()>;
-    /// Absent when it could not be found out; `hasBattery` false when there is none.
+    /// Absent when the system did not say; `hasBattery` is false when there is no battery.
     using ReadBattery = std::function<std::optional<BatteryInfo>()>;
     /// The wall clock; the age of the health is judged by it.
     using Now = std::function<platform::Date()>;
-    /// Monotonic seconds that stand still while the machine sleeps.
+    /// Seconds of a monotonic clock. While the machine sleeps it stands still on Linux and
+    /// continues on macOS.
     using ElapsedTime = std::function<double()>;
 
     /// The defaults are those of the current platform.
@@ -66,16 +70,16 @@ class BatteryService final : public BatteryReader {
     std::optional<BatteryInfo> lastGoodInfo_;
     /// The condition word as last read, before any merge.
     std::string sourceCondition_;
-    /// Reads in a row that found no battery while none had ever been seen; stops at 3.
+    /// Reads in a row that found no battery while no battery had ever been seen; stops at 3.
     std::int64_t missingSamples_ = 0;
-    /// On the elapsed-time clock: before it, an unforced call does not look for a battery.
+    /// On the elapsed-time clock. Before this time an unforced call does not look for a battery.
     double nextDetectionAttempt_ = 0;
     /// Percent.
     std::optional<std::int64_t> cachedHealth_;
-    /// Present, be it empty, once the health has been asked for.
+    /// Present (perhaps empty) once the health has been asked for.
     std::optional<std::string> cachedCondition_;
     platform::Date lastHealthAttempt_;
-    /// The last attempt gave no reading at all.
+    /// True when the last attempt gave no reading at all.
     bool lastAttemptFailed_ = false;
 };
 

@@ -41,8 +41,8 @@ double percentOf(std::uint64_t part, std::uint64_t whole) {
     return static_cast<double>(part) / static_cast<double>(whole) * 100;
 }
 
-/// Fills in the shares of the whole machine; a record of the idle machine stays as it is when no
-/// tick has passed.
+/// Fills in the shares of the whole machine. If no tick has passed, the (idle) record stays as it
+/// is.
 void setShares(CPUInfo& info, const TickDeltas& totals) {
     const std::uint64_t sum = totals.all();
     if (sum == 0) {
@@ -51,7 +51,7 @@ void setShares(CPUInfo& info, const TickDeltas& totals) {
     info.userPercentage = percentOf(totals.user, sum);
     info.systemPercentage = percentOf(totals.system, sum);
     info.idlePercentage = percentOf(totals.idle, sum);
-    // Ticks of niced processes have no share of their own in the record, but count as busy.
+    // Niced ticks count as busy, although the record has no field for their share.
     const double busy = percentOf(totals.nice, sum) + (info.userPercentage + info.systemPercentage);
     info.usagePercentage = std::isfinite(busy) ? std::clamp(busy, 0.0, 100.0) : 0;
 }

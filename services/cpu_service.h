@@ -21,9 +21,9 @@ class CPUService {
     /// The process-wide instance on the current platform, made on first use, never destroyed.
     static CPUService& shared();
 
-    /// Never fails: without counters the machine reads idle with `coreUsages` empty. The first
-    /// call has nothing to compare with and reads idle, with a 0 for each processor. `coreCount`
-    /// and the length of `coreUsages` come from two sources and may differ.
+    /// Never fails: without counters the machine reads idle with `coreUsages` empty. The first call
+    /// has no earlier sample: it reads idle, with a 0 for each processor. `coreCount` and the
+    /// length of `coreUsages` come from two sources and may differ.
     CPUInfo readCPUInfo();
 
  private:

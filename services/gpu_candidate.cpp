@@ -31,7 +31,7 @@ std::optional<double> statistic(const PropertyValue& value) {
     return std::nullopt;
 }
 
-/// The first of the keys that has a usable value.
+/// The value of the first key that has a usable one.
 std::optional<double> firstStatistic(const PropertyDictionary& statistics,
                                      std::initializer_list<std::string_view> keys) {
     for (const std::string_view key : keys) {
@@ -69,7 +69,7 @@ std::int64_t gpuCoreCount(const PropertyValue* count) {
         return *integer;
     }
     if (const auto* number = std::get_if<double>(count)) {
-        // Whatever rounds towards 0 into the range of the integer; the bounds are powers of two.
+        // Any value that fits after rounding towards 0. Both bounds are powers of two and so exact.
         const bool fits = *number >= -0x1p63 && *number < 0x1p63;
         return fits ? static_cast<std::int64_t>(*number) : 0;
     }

@@ -10,19 +10,19 @@
 
 namespace tarnwick {
 
-/// A "model" property: a text as it is, bytes as UTF-8 without NUL characters. Empty for anything
-/// else and where there is none.
+/// The name in a "model" property: a text is returned as it is; bytes are read as UTF-8, and NUL
+/// characters are removed. Empty when the property is missing, of another type or not UTF-8.
 std::string gpuModelName(const platform::PropertyValue* model);
 
-/// A "gpu-core-count" property: a number, or a text that is one decimal integer. 0 for anything
-/// else and where there is none.
+/// The count in a "gpu-core-count" property: a number, or a text that is one decimal integer. 0
+/// when the property is missing or anything else.
 std::int64_t gpuCoreCount(const platform::PropertyValue* count);
 
 /// The record of one accelerator. Absent where it publishes no performance statistics.
 std::optional<GPUInfo> gpuCandidate(const platform::PropertyDictionary& service);
 
-/// Whether an accelerator replaces the best one before it: it is busier, as a whole or else in its
-/// renderer, or it is just as busy and the only one with a name.
+/// Whether an accelerator replaces the best one before it. It does when it is busier overall; when
+/// equally busy overall, but busier in the renderer; or when equal in both, and only it has a name.
 bool isBetterGPU(const GPUInfo& candidate, const GPUInfo& best);
 
 }  // namespace tarnwick

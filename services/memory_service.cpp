@@ -35,9 +35,10 @@ MemoryInfo MemoryService::readMemoryInfo() {
     const auto bytes = [this](std::uint32_t count) {
         return checkedMultiply<std::uint64_t>(count, pageSize_);
     };
-    // Speculative pages are part of the free ones, but the system has plans for them.
+    // free_count includes the speculative pages, but these hold data that was read ahead.
     info.free = bytes(pages.free_count - std::min(pages.speculative_count, pages.free_count));
-    // Purgeable pages belong to applications, yet can be dropped at any time like a cache.
+    // Purgeable pages belong to applications, but the system may drop them at any time, like a
+    // cache.
     const std::uint64_t internal = bytes(pages.internal_page_count);
     const std::uint64_t purgeable = bytes(pages.purgeable_count);
     info.app = internal > purgeable ? checkedSubtract(internal, purgeable) : 0;
@@ -47,8 +48,8 @@ MemoryInfo MemoryService::readMemoryInfo() {
 
     info.used = checkedAdd(checkedAdd(info.app, info.wired), info.compressed);
     if (info.total < info.used) {
-        // The counts were not taken at one moment, or count pages twice: what is neither free nor
-        // cached must be in use, and no more than there is.
+        // The counts were taken at different moments, or count pages twice. Then everything that is
+        // neither free nor cached counts as used, up to the total.
         const std::uint64_t rest = checkedAdd(info.free, info.cached);
         info.used = rest < info.total ? checkedSubtract(info.total, rest) : info.total;
     }

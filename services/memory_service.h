@@ -17,8 +17,8 @@ class MemoryService {
     /// The process-wide instance on the current platform, made on first use, never destroyed.
     static MemoryService& shared();
 
-    /// Never fails: without page counts only `total` is filled; without swap figures these are 0;
-    /// without the size of the memory `total` and `used` are 0.
+    /// Never fails. Without page counts only `total` is filled; without swap figures both swap
+    /// fields are 0; without the memory size `total` and `used` are 0.
     MemoryInfo readMemoryInfo();
 
  private:

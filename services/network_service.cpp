@@ -18,12 +18,13 @@ void addTotals(NetworkInfo& info, const InterfaceTable& interfaces) {
     }
 }
 
-/// Adds what every interface moved in `seconds`, which is above 0.
+/// Adds the rate of every interface over the last `seconds`. Requires: `seconds` above 0.
 void addRates(NetworkInfo& info, const InterfaceTable& current, const InterfaceTable& previous,
               double seconds) {
     for (const auto& [index, counters] : current) {
         const auto before = previous.find(index);
-        // Counters of two sources cannot be compared.
+        // A new interface has nothing to compare with, and counters of different widths cannot be
+        // compared.
         if (before == previous.end() ||
             before->second.uses32BitCounters != counters.uses32BitCounters) {
             continue;

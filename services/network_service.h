@@ -12,9 +12,9 @@
 
 namespace tarnwick {
 
-/// Turns byte counters into the rates since the previous sample. A counter that went backwards,
-/// wrapped or was reset, contributes nothing to that sample, and neither does an interface that is
-/// new or whose counters changed their width. Any thread; calls take turns.
+/// Turns byte counters into the rates since the previous sample. A counter contributes nothing to a
+/// sample when it went backwards (it wrapped or was reset), when its interface is new, or when the
+/// width of the interface's counters changed. Any thread; calls take turns.
 class NetworkService {
  public:
     using ReadCounters = std::function<std::optional<platform::InterfaceTable>()>;
@@ -22,15 +22,15 @@ class NetworkService {
     using Now = std::function<double()>;
 
     NetworkService(ReadCounters readCounters, Now now);
-    /// On a machine's interfaces and its raw monotonic clock.
+    /// Reads a machine's interfaces and its raw monotonic clock.
     NetworkService(platform::NetworkInterfaces& interfaces, platform::Kernel& kernel,
                    platform::Logger logger = platform::Logger());
 
     /// The process-wide instance on the current platform, made on first use, never destroyed.
     static NetworkService& shared();
 
-    /// Never fails: without counters everything is 0 and `hasSample` false, and the next call that
-    /// has some compares with the last one that had. The first sample has no rates.
+    /// Never fails: without counters everything is 0 and `hasSample` is false; the next call with
+    /// counters compares with the last call that had counters. The first sample has no rates.
     NetworkInfo readNetworkInfo();
 
  private:

@@ -7,7 +7,7 @@
 namespace tarnwick {
 namespace {
 
-/// Minutes to empty or, where that is not known, to full.
+/// Minutes to empty; if that is unknown, minutes to full; 0 if both are unknown.
 std::int64_t minutesRemaining(const platform::PowerSourceDescription& source) {
     const std::int64_t toEmpty = source.timeToEmpty.value_or(0);
     return toEmpty > 0 ? toEmpty : std::max<std::int64_t>(0, source.timeToFullCharge.value_or(0));

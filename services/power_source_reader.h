@@ -8,8 +8,8 @@
 
 namespace tarnwick {
 
-/// The first internal battery. Absent when the system does not say; a record without a battery
-/// when it says that there is none. Any thread.
+/// The first internal battery. Absent when the system gives no answer; a record with `hasBattery`
+/// false when it says that there is no battery. Any thread.
 std::optional<BatteryInfo> readPowerSources(platform::PowerSources& sources);
 
 }  // namespace tarnwick

@@ -9,7 +9,7 @@
 namespace tarnwick {
 namespace {
 
-/// Only as many as are shown are put in order: the rest of some thousand processes stays unsorted.
+/// Sorts only as many samples as are shown: the rest of some thousand processes stays unsorted.
 template <class Key>
 std::vector<AppProcessInfo> top(const std::vector<AppProcessInfo>& samples, int limit, Key key) {
     std::vector<const AppProcessInfo*> order;

@@ -1,4 +1,4 @@
-// Which processes are worth a row, and in which order.
+// Which processes get a row, and in which order.
 #pragma once
 
 #include <cstdint>
@@ -8,16 +8,16 @@
 
 namespace tarnwick {
 
-/// A process is worth keeping from either of these on.
+/// A process that reaches one of these is worth keeping: the first in percent, the second in bytes.
 inline constexpr double kMinimumCPUUsage = 0.1;
 inline constexpr std::uint64_t kMinimumMemoryUsage = 1'000'000;
 
 /// Whether a process with this share of the machine (percent) and this resident memory (bytes) is
-/// kept. A share that is not a number keeps it.
+/// kept. A process with a share that is not a number is kept.
 bool isWorthKeeping(double cpuUsage, std::uint64_t memoryUsage);
 
-/// The first `limit` samples (fewer when there are fewer) by falling CPU use; equal ones stay in
-/// their order. What is not a number comes last.
+/// The first `limit` samples (fewer when there are fewer) by falling CPU use. Equal ones stay in
+/// their order. Values that are not a number come last.
 std::vector<AppProcessInfo> topByCPU(const std::vector<AppProcessInfo>& samples, int limit);
 
 /// The same by falling resident memory.

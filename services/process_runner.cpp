@@ -72,7 +72,7 @@ std::optional<std::string> ProcessRunner::run(const ProcessRequest& request) {
         if (state == Output::State::open) {
             state = output.readFrom(*child);
         }
-        // The output may end before the process does; what counts is how that ends.
+        // The output may end before the process does. The status of the process decides.
         if (state == Output::State::ended) {
             if (const std::optional<std::int32_t> status = child->status()) {
                 return *status == 0 ? std::optional(output.take()) : std::nullopt;

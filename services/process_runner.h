@@ -11,7 +11,7 @@
 
 namespace tarnwick {
 
-/// A command and what it may take.
+/// A command and its limits.
 struct ProcessRequest {
     std::string path;
     std::vector<std::string> arguments{};
@@ -27,8 +27,8 @@ class ProcessRunner {
     /// `monotonicSeconds` is the clock of the deadline.
     ProcessRunner(platform::ChildProcesses& processes, std::function<double()> monotonicSeconds);
 
-    /// Everything the command printed, once it has ended with status 0 within its limits. Absent
-    /// otherwise; then it has been terminated. Waits for the command.
+    /// Waits for the command. Returns its whole output if it ended with status 0 within its limits.
+    /// Absent otherwise; a command that has not ended by then is terminated.
     std::optional<std::string> run(const ProcessRequest& request);
 
  private:

@@ -16,7 +16,7 @@ namespace tarnwick {
 namespace {
 
 constexpr double kNanosecondsPerSecond = 1e9;
-/// Age from which a process's times are forgotten, seconds.
+/// Times of a process that are this old or older are forgotten; seconds.
 constexpr double kStaleAge = 60.0;
 
 }  // namespace

@@ -14,8 +14,8 @@
 
 namespace tarnwick {
 
-/// Measures every process at each call, from the change of its cumulative processor time since the
-/// call before. A share is of the whole machine: one busy processor of eight is 12.5. Any thread.
+/// Measures every process at each call, from the growth of its cumulative processor time since the
+/// previous call. A share is of the whole machine: one busy processor of eight is 12.5. Any thread.
 class ProcessService {
  public:
     /// `kernel` gives the clock.
@@ -25,21 +25,21 @@ class ProcessService {
     /// The process-wide instance on the current platform, made on first use, never destroyed.
     static ProcessService& shared();
 
-    /// At most `limit` rows a list, without the program itself; a negative limit is a fatal error.
-    /// Two processes of one application are two rows. A process that is seen for the first time
-    /// reads 0. When the processes cannot be listed, at the second try either, the lists of the
-    /// last call that could stand again.
+    /// At most `limit` rows in each list, without this program itself. A negative limit is a fatal
+    /// error. Two processes of one application are two rows. A process that is seen for the first
+    /// time has 0 CPU use. When listing the processes fails twice in a row, returns the last lists
+    /// that succeeded.
     TopProcessLists readTopProcesses(int limit);
 
     /// Forgets the times of processes that were last measured 60 seconds ago or earlier.
     void pruneStaleProcesses();
 
-    /// No call of readTopProcesses() is expected soon: lets go of what the platform keeps open
-    /// between calls. What was measured stays.
+    /// No call of readTopProcesses() is expected soon: frees what the platform keeps open between
+    /// calls. The measured times are kept.
     void releaseCaches();
 
  private:
-    /// When a process had used how much.
+    /// How much processor time a process had used, and when.
     struct CPUTimes {
         /// Cumulative, absolute-time units.
         std::uint64_t user = 0;
@@ -53,7 +53,7 @@ class ProcessService {
         /// Bytes.
         std::uint64_t residentSize = 0;
     };
-    /// What does not change while the program runs.
+    /// Values that do not change while the program runs.
     struct Constants {
         double processorCount = 1;
         /// Nanoseconds of one absolute-time unit.

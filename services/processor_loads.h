@@ -1,4 +1,4 @@
-// The words in which the platform delivers the ticks of its processors.
+// The format in which the platform delivers the ticks of its processors.
 #pragma once
 
 #include <array>

@@ -13,7 +13,7 @@ namespace tarnwick {
 
 namespace {
 
-/// A plus is a sign, too, unless another one follows.
+/// Removes a leading plus sign. "+-" stays as it is, so that it is no number.
 std::string_view withoutPlus(std::string_view text) {
     if (text.size() > 1 && text[0] == '+' && text[1] != '-') {
         text.remove_prefix(1);
@@ -26,8 +26,8 @@ std::size_t digitsAt(std::string_view text, std::size_t at) {
     return (end == std::string_view::npos ? text.size() : end) - std::min(at, text.size());
 }
 
-/// The decimal number that the text starts with: a minus, digits, a point, an exponent. Empty where
-/// it starts with none; words such as "nan" and "inf" are no numbers here.
+/// The decimal number at the start of the text: minus, digits, point, exponent. Empty if the text
+/// does not start with one; words such as "nan" and "inf" are not numbers here.
 std::string_view numberPrefix(std::string_view text) {
     std::size_t end = text.starts_with('-') ? 1 : 0;
     const std::size_t whole = digitsAt(text, end);
@@ -51,7 +51,7 @@ std::string_view numberPrefix(std::string_view text) {
     return text.substr(0, end);
 }
 
-/// The value of a number that a double cannot hold: too close to 0, or too far from it.
+/// The value of a number outside the range of a double: 0 if it is too small, else infinite.
 double outOfRange(std::string_view number) {
     const double sign = number.starts_with('-') ? -1 : 1;
     const std::size_t exponent = number.find_first_of("eE");
@@ -61,8 +61,8 @@ double outOfRange(std::string_view number) {
     return isSmall ? 0 : sign * std::numeric_limits<double>::infinity();
 }
 
-/// The number of bytes of the code point at the start; 0 where it is not well formed. Overlong
-/// forms, surrogates and what lies beyond U+10FFFF are not.
+/// The number of bytes of the code point at the start; 0 if it is not well formed, as are overlong
+/// forms, surrogates and code points above U+10FFFF.
 std::size_t codePointLength(std::string_view text) {
     const auto byteAt = [text](std::size_t index) -> unsigned {
         return index < text.size() ? static_cast<unsigned char>(text[index]) : 0U;
@@ -111,7 +111,7 @@ double numberAtStart(std::string_view text) {
     if (number.empty()) {
         return 0;
     }
-    // A stream, for not every standard library at hand has std::from_chars for this.
+    // A stream, because std::from_chars for floating point is missing in some standard libraries.
     std::istringstream stream{std::string(number)};
     stream.imbue(std::locale::classic());
     double value = 0;

@@ -10,16 +10,16 @@
 
 namespace tarnwick {
 
-/// The floating-point number at the start of a text, after white space: decimal, always with a
-/// point, with an optional sign and exponent. 0 where the text does not start with a number;
-/// infinite where the number is too large.
+/// The floating-point number at the start of a text, after white space: decimal, with a point in
+/// every locale, with an optional sign and exponent. 0 if the text does not start with a number;
+/// infinite if the number is too large.
 double numberAtStart(std::string_view text);
 
-/// A whole text that is a decimal integer with an optional sign. Absent for anything else and for
-/// what does not fit.
+/// The value of a text that is as a whole one decimal integer with an optional sign. Absent for any
+/// other text and for a number that does not fit.
 std::optional<std::int64_t> wholeDecimalInteger(std::string_view text);
 
-/// Bytes as text. Absent where they are not well-formed UTF-8.
+/// Bytes as text. Absent if they are not well-formed UTF-8.
 std::optional<std::string> textFromUTF8(std::span<const std::byte> bytes);
 
 }  // namespace tarnwick

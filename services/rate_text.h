@@ -1,4 +1,4 @@
-// Transfer rates as people read them.
+// Transfer rates as text.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 namespace tarnwick {
 
 /// A rate in bytes per second, such as "1.5 MB/s": rounded to a whole byte count, halves away from
-/// zero, in the file style. What is not above 0, not-a-number too, is "0 B/s". A fatal error when
-/// the rate has no signed 64-bit byte count.
+/// zero, in the file style. "0 B/s" for zero, negative values and not-a-number. A fatal error when
+/// the rate does not fit a signed 64-bit byte count.
 std::string rateText(double bytesPerSecond, const platform::ByteCountFormatter& formatter);
 
 }  // namespace tarnwick

@@ -9,7 +9,7 @@
 namespace tarnwick {
 namespace {
 
-/// Sizes as the system reports them, bytes; either may be unknown or nonsense.
+/// Stores sizes as the system reports them, bytes. Either may be unknown or nonsense.
 void setSizes(StorageInfo& info, std::optional<std::int64_t> total,
               std::optional<std::int64_t> available) {
     info.totalSpace = std::max<std::int64_t>(total.value_or(0), 0);
@@ -34,7 +34,7 @@ StorageInfo StorageService::readStorageInfo() {
         if (values->name && !values->name->empty()) {
             info.name = *values->name;
         }
-        // What the system would free at need counts as available, where the system knows it.
+        // Space that the system would free when needed counts as available, if the system knows it.
         const auto& important = values->availableCapacityForImportantUsage;
         setSizes(info, values->totalCapacity, important ? important : values->availableCapacity);
         return info;

@@ -14,8 +14,8 @@ class StorageService {
                             platform::Logger logger = platform::Logger());
 
     /// Never fails: without any source the record is named "Macintosh HD" with all sizes 0. Every
-    /// record has an identity of its own. Available space never exceeds the total, and no size is
-    /// negative, whatever the system reports.
+    /// record has an identity of its own. Whatever the system reports, the available space never
+    /// exceeds the total, and no size is negative.
     StorageInfo readStorageInfo();
 
  private:

@@ -1,4 +1,4 @@
-// The processes that use most, as rows.
+// The processes that use the most CPU or memory, as rows.
 #pragma once
 
 #include <vector>

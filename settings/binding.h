@@ -1,11 +1,11 @@
-// A value that lives elsewhere.
+// Access to a value that is kept elsewhere.
 #pragma once
 
 #include <functional>
 
 namespace tarnwick {
 
-/// Reads the value and writes it, wherever it is kept.
+/// Reads and writes a value that is kept elsewhere.
 template <class T>
 struct Binding {
     std::function<T()> get;

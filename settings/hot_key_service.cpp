@@ -138,7 +138,7 @@ std::int32_t HotKeyService::hotKeyPressed(const platform::HotKeyEvent* event,
     if (const std::int32_t failure = event->hotKeyID(id); failure != status::kSuccess) {
         return failure;
     }
-    // There is one hot key: whose it is, is all there is to know.
+    // Only one hot key exists, so the signature identifies it.
     if (id.signature != kSignature) {
         return status::kEventNotHandled;
     }
@@ -148,7 +148,7 @@ std::int32_t HotKeyService::hotKeyPressed(const platform::HotKeyEvent* event,
             return;
         }
         (*service)->environment_.logger.info("Hot key PRESSED \u2014 invoking onTrigger");
-        // What it does may end the service.
+        // A copy, because the action may destroy the service.
         if (const auto action = (*service)->onTrigger_) {
             action();
         }

@@ -13,7 +13,8 @@
 
 namespace tarnwick {
 
-/// What the service runs on; both outlive it, and the dispatch what is queued on it.
+/// What the service runs on. Both objects must outlive the service, and the dispatch also the work
+/// that is queued on it.
 struct HotKeyServiceEnvironment {
     platform::HotKeys& hotKeys;
     platform::Dispatch& dispatch;
@@ -26,12 +27,12 @@ struct HotKeyServiceEnvironment {
 /// is a fatal error.
 std::uint32_t carbonModifiers(std::int64_t flags);
 
-/// Main thread only. There is one live service in the process; one made later takes its place.
+/// Only one service is live in the process: a newer one replaces it. Main thread only.
 class HotKeyService {
  public:
     using RegistrationState = tarnwick::RegistrationState;
 
-    /// "TRNW": presses of hot keys with another signature are somebody else's.
+    /// "TRNW". Presses of hot keys with another signature belong to another program.
     static constexpr std::uint32_t kSignature = 0x54524E57;
     static constexpr platform::HotKeyID kHotKeyID{kSignature, 1};
 
@@ -43,14 +44,14 @@ class HotKeyService {
     HotKeyService& operator=(const HotKeyService&) = delete;
     ~HotKeyService();
 
-    /// Registers a stored shortcut in place of the one before. `inactive` for what is no valid
-    /// shortcut; `conflict` when the combination is registered already, by whomever; `failed` after
-    /// any other refusal. A valid shortcut whose key code has more than 32 bits is a fatal error.
+    /// Registers a stored shortcut in place of the previous one. `inactive` if the shortcut is not
+    /// valid; `conflict` if the combination is already registered, by any program; `failed` after
+    /// any other refusal. A valid shortcut with a key code of more than 32 bits is a fatal error.
     RegistrationState registerShortcut(std::int64_t keyCode, std::int64_t modifiers);
     /// Gives the hot key back; does nothing without one.
     void unregister();
-    /// Registers the shortcut of `settings`, or none where it is not valid, and writes the outcome
-    /// to its registration state.
+    /// Registers the shortcut of `settings` if it is valid, otherwise none, and writes the outcome
+    /// to the registration state of `settings`.
     void applyShortcut(UserSettings& settings);
 
     /// Opens or closes the panel by clicking the status item's button for the user. False when
@@ -69,7 +70,7 @@ class HotKeyService {
     /// Null when the handler could not be installed.
     std::unique_ptr<platform::HotKeyHandle> eventHandlerRef_;
     std::function<void()> onTrigger_;
-    /// Expires with the service; the process's reference to it is weak.
+    /// Expires with the service. The process refers to the service through a weak pointer to this.
     std::shared_ptr<HotKeyService*> self_ = std::make_shared<HotKeyService*>(this);
 };
 

@@ -8,8 +8,8 @@
 
 namespace tarnwick {
 
-/// The fixed name of a key that every keyboard has in the same place, else the text of the key in
-/// `layout`, else "Key " and the code.
+/// A fixed name for a key that is in the same place on every keyboard; otherwise the key's text in
+/// `layout`; if it has none, "Key " and the code.
 std::string keyName(std::int64_t keyCode, platform::KeyboardLayout& layout);
 
 }  // namespace tarnwick

@@ -1,4 +1,4 @@
-// Start at login: the stored preference is a wish, the system's answer is the truth.
+// Start at login: the stored preference is a wish, and the system's answer decides.
 #include <string>
 
 #include "settings/user_settings.h"

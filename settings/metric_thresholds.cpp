@@ -3,7 +3,8 @@
 namespace tarnwick {
 
 ThresholdPair normalizedThresholds(double normal, double high) {
-    // Each comparison is false for what is not a number, which so ends up at the lower bound.
+    // Each comparison is false for a value that is not a number, so such a value becomes the lower
+    // bound.
     double n = normal > 1 ? normal : 1;
     if (n > 99) {
         n = 99;

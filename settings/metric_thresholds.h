@@ -3,8 +3,8 @@
 
 namespace tarnwick {
 
-/// Percent; at first those of a fresh store. Never stored; normalised values come from
-/// UserSettings::thresholds.
+/// Percent. The initial values are those of an empty store. Never stored; UserSettings::thresholds
+/// gives normalised values.
 struct MetricThresholds {
     double cpuNormal = 80;
     double cpuHigh = 90;
@@ -18,14 +18,14 @@ struct MetricThresholds {
     bool operator==(const MetricThresholds&) const = default;
 };
 
-/// A lower and an upper threshold that readers may rely on: the lower one lies in 1 to 99, the
-/// upper one at least one point above it and at most at 100.
+/// A lower and an upper threshold that readers can rely on: the lower one is between 1 and 99, the
+/// upper one is at least one point above it and at most 100.
 struct ThresholdPair {
     double normal;
     double high;
 };
 
-/// Brings a stored pair into that shape. What is not a number counts as below 1.
+/// Brings a stored pair into these bounds. A value that is not a number counts as below 1.
 ThresholdPair normalizedThresholds(double normal, double high);
 
 }  // namespace tarnwick

@@ -1,7 +1,7 @@
-// Which key combinations may be the global shortcut, and the text in which one is shown.
+// Which key combinations may be the global shortcut, and the text that shows one.
 //
-// A shortcut is a virtual key code of the platform keyboard (-1 for none) and modifier flags. Of
-// the flags four bits count and all others are ignored; a negative value is a fatal error.
+// A shortcut is a virtual key code of the platform keyboard (-1 for none) and modifier flags. Only
+// four bits of the flags count; all others are ignored. Negative flags are a fatal error.
 #pragma once
 
 #include <cstdint>
@@ -22,11 +22,11 @@ inline constexpr std::int64_t kCommand = 0x100000;
 inline constexpr std::int64_t kMask = kShift | kControl | kOption | kCommand;
 }  // namespace modifier_flag
 
-/// What can be said of a key code and flags as a shortcut.
+/// The verdict on a key code and flags as a shortcut.
 enum class ShortcutValidation {
     /// Some modifier, but not Command.
     missingCommand = 0,
-    /// The modifiers would do, but there is no key.
+    /// The modifiers are allowed, but there is no key.
     missingKey = 1,
     /// Command with two or more of Shift, Option and Control.
     tooManyModifiers = 2,
@@ -41,13 +41,14 @@ int extraModifierCount(std::int64_t flags);
 ShortcutValidation validateShortcut(std::int64_t keyCode, std::int64_t modifiers);
 bool isValidShortcut(std::int64_t keyCode, std::int64_t modifiers);
 
-/// What to tell a user who holds these modifiers while no key has been pressed yet; absent while
-/// they may still become a shortcut.
+/// What to tell a user who holds these modifiers and has not pressed a key yet; absent while they
+/// may still become a shortcut.
 std::optional<std::string> modifierValidationMessage(std::int64_t flags);
-/// What to tell a user whose key press got this verdict; absent for `valid` and `empty`.
+/// What to tell a user about a key press with this verdict; absent for `valid` and `empty`.
 std::optional<std::string> rejectionMessage(ShortcutValidation verdict);
 
-/// The symbols of the modifiers, then the name of the key: "⇧⌘K"; "None" for what is no shortcut.
+/// The symbols of the modifiers, then the name of the key: "⇧⌘K"; "None" if it is not a valid
+/// shortcut.
 std::string shortcutDisplayString(std::int64_t keyCode, std::int64_t modifiers,
                                   platform::KeyboardLayout& layout);
 

@@ -1,4 +1,4 @@
-// The control in which the user records a shortcut by pressing it, without a toolkit.
+// The control in which the user records a shortcut by pressing it. Independent of any toolkit.
 #pragma once
 
 #include <cstdint>
@@ -13,15 +13,15 @@ namespace tarnwick {
 /// The one line that the field shows.
 struct ShortcutFieldText {
     std::string text;
-    /// Drawn in the colour of placeholders; else in that of labels.
+    /// True: drawn in the placeholder colour. False: in the label colour.
     bool isPlaceholder = true;
 
     bool operator==(const ShortcutFieldText&) const = default;
 };
 
-/// A toolkit's control passes on what happens to it, and draws text() as a text that can be neither
-/// edited nor selected: centred, in a rounded bezel that fills the control. It accepts the focus.
-/// Main thread only.
+/// A toolkit's control passes its events to this object and draws text() centred in a rounded bezel
+/// that fills the control. The text can be neither edited nor selected. The control accepts the
+/// focus. Main thread only.
 class ShortcutField {
  public:
     /// Of the control, points.
@@ -40,11 +40,11 @@ class ShortcutField {
 
     /// A shortcut was recorded: its key code and modifier flags; -1 and 0 when it was cleared.
     std::function<void(std::int64_t keyCode, std::int64_t modifiers)> onShortcutRecorded;
-    /// What to tell the user below the field; absent for nothing.
+    /// The message to show below the field; absent to show none.
     std::function<void(const std::optional<std::string>& message)> onValidationMessageChanged;
     /// Gives the control the focus of its window.
     std::function<void()> makeFirstResponder;
-    /// text() may be another one now.
+    /// text() may have changed.
     std::function<void()> onRefresh;
 
     /// -1 for none.
@@ -57,8 +57,8 @@ class ShortcutField {
     /// Shows another shortcut, whether valid or not.
     void setShortcut(std::int64_t keyCode, std::int64_t modifiers);
 
-    // Events. `flags` are the modifier flags that are held. False for an event that is not the
-    // field's: it goes on to the next in line.
+    // Events. `flags` are the modifier flags that are held. False when the field does not use the
+    // event: it goes on to the next responder.
     void mouseDown();
     bool flagsChanged(std::int64_t flags);
     bool keyDown(std::int64_t keyCode, std::int64_t flags);

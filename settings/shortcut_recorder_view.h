@@ -16,8 +16,8 @@ class ShortcutRecorderView {
  public:
     using Text = std::optional<std::string>;
 
-    /// `layout` and what is bound must outlive the view. The field shows what is bound from the
-    /// first update() on.
+    /// `layout` and the bound values must outlive the view. The field shows the bound values from
+    /// the first update() on.
     ShortcutRecorderView(platform::KeyboardLayout& layout, Binding<std::int64_t> keyCode,
                          Binding<std::int64_t> modifiers, Binding<Text> validationMessage);
     ShortcutRecorderView(const ShortcutRecorderView&) = delete;
@@ -27,7 +27,7 @@ class ShortcutRecorderView {
     const ShortcutField& field() const { return field_; }
     const Binding<Text>& validationMessage() const { return validationMessage_; }
 
-    /// Shows the bound shortcut; to be called whenever what is bound has changed.
+    /// Shows the bound shortcut. Call it whenever the bound values have changed.
     void update();
 
  private:

@@ -10,14 +10,14 @@
 namespace tarnwick {
 namespace {
 
-/// Where a property is kept and what it reads as while the store has no usable value.
+/// Where a property is kept, and its value while the store has no usable one.
 template <class T>
 struct Property {
     std::string_view key;
     T fallback;
 };
 
-// Existing stores hold these keys; some differ from the names of their properties for good.
+// Existing stores hold these keys, so they must not change; some differ from the property's name.
 constexpr Property<std::string_view> kMenuBarDisplayMode{"settings.menuBarDisplayMode", "advanced"};
 constexpr Property<double> kCPUNormal{"settings.cpuModerateThreshold", 80};
 constexpr Property<double> kCPUHigh{"settings.cpuHighThreshold", 90};
@@ -34,7 +34,7 @@ constexpr Property<std::int64_t> kShortcutModifiers{"settings.shortcutModifiers"
 constexpr Property<bool> kHasPresentedInitialSettings{"settings.hasPresentedInitialSettings",
                                                       false};
 
-/// Command-L: the shortcut of those who used the program before it could be chosen.
+/// Command-L: the fixed shortcut of earlier versions, in which it could not be chosen.
 constexpr std::int64_t kLegacyShortcutKeyCode = key_code::kL;
 constexpr std::int64_t kLegacyShortcutModifiers = modifier_flag::kCommand;
 
@@ -46,7 +46,7 @@ double read(platform::UserDefaults& store, const Property<double>& property) {
     return store.number(property.key).value_or(property.fallback);
 }
 
-/// A value outside of these bounds is as good as none: anybody can write into the store.
+/// A value outside these bounds counts as missing: any program can write into the store.
 std::int64_t read(platform::UserDefaults& store, const Property<std::int64_t>& property,
                   std::int64_t lowest, std::int64_t highest) {
     const std::int64_t value = store.integer(property.key).value_or(property.fallback);
@@ -100,8 +100,8 @@ void UserSettings::storeDidChange() {
     }
 }
 
-/// Who has been through the first launch and never stored a shortcut gets the legacy one. A new
-/// store has none until its second launch; a cleared shortcut (-1) is a stored one.
+/// A user who has been through the first launch and never stored a shortcut gets the legacy one. So
+/// a new store has none until its second launch. A cleared shortcut (-1) counts as stored.
 void UserSettings::migrateLegacyShortcut() {
     if (hasPresentedInitialSettings() && !store_.contains(kShortcutKeyCode.key)) {
         setShortcutKeyCode(kLegacyShortcutKeyCode);
@@ -224,7 +224,7 @@ void UserSettings::setRemindRestartAfterWeek(bool on) {
 }
 
 std::int64_t UserSettings::shortcutKeyCode() const {
-    // Codes that a hot key can be registered for, and -1.
+    // The codes that a hot key can have, and -1.
     return read(store_, kShortcutKeyCode, -1, std::numeric_limits<std::uint32_t>::max());
 }
 

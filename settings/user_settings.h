@@ -28,7 +28,7 @@ inline constexpr std::array kMenuBarDisplayModes = {MenuBarDisplayMode::iconOnly
                                                     MenuBarDisplayMode::advanced};
 
 std::string_view rawValue(MenuBarDisplayMode mode);
-/// Absent for a text that is no mode's raw value.
+/// Absent for a text that is not the raw value of a mode.
 std::optional<MenuBarDisplayMode> menuBarDisplayModeFromRawValue(std::string_view raw);
 
 /// Whether the stored global shortcut works.
@@ -37,21 +37,21 @@ enum class RegistrationState {
     inactive,
     /// The shortcut is registered.
     active,
-    /// Somebody else holds the shortcut.
+    /// The combination is already registered elsewhere.
     conflict,
     /// The system refused for another reason.
     failed,
 };
 
-/// Every property but the registration state reads through to the store and writes straight to
-/// it; each write, also one of an equal value, announces the change while the store still holds the
-/// old one. A missing, ill-typed or impossible value reads as its default, which a read never
-/// writes. What somebody else changes in the store is announced, too, and a start-at-login
-/// preference among it is brought to the system. Main thread only.
+/// Every property except the registration state is read from and written to the store directly.
+/// Each write, even of an equal value, announces the change while the store still holds the old
+/// value. A missing value, one of the wrong type and one out of range read as the default; reading
+/// never writes. A change of the store from outside is announced, too, and a changed start-at-login
+/// preference is brought to the system. Main thread only.
 class UserSettings final : public ObservableObject {
  public:
-    /// Migrates a legacy shortcut, then brings the start-at-login preference in step with the
-    /// system. `store` and `loginService` must outlive the settings.
+    /// Migrates a legacy shortcut, then sets the start-at-login preference to the state that the
+    /// system reports. `store` and `loginService` must outlive the settings.
     UserSettings(platform::UserDefaults& store, platform::LoginService& loginService,
                  platform::Logger logger = platform::Logger());
 
@@ -61,11 +61,11 @@ class UserSettings final : public ObservableObject {
     /// "advanced" while nothing is stored; any text may be stored.
     std::string menuBarDisplayModeRawValue() const;
     void setMenuBarDisplayModeRawValue(const std::string& raw);
-    /// Every text that is no mode's raw value reads as `advanced`.
+    /// A text that is not the raw value of a mode reads as `advanced`.
     MenuBarDisplayMode menuBarDisplayMode() const;
     void setMenuBarDisplayMode(MenuBarDisplayMode mode);
 
-    // Thresholds as stored, percent; readers that judge use thresholds() instead.
+    // Thresholds as stored, percent. To judge a metric, use thresholds() instead.
     double cpuNormal() const;
     double cpuHigh() const;
     double gpuNormal() const;
@@ -83,7 +83,7 @@ class UserSettings final : public ObservableObject {
     void setStorageNormal(double percent);
     void setStorageHigh(double percent);
 
-    /// Each pair normalised; the store keeps what the user wrote.
+    /// Each pair is normalised. The store keeps the values that the user wrote.
     MetricThresholds thresholds() const;
     /// Writes the eight defaults and touches nothing else.
     void resetThresholdsToDefaults();
@@ -95,12 +95,12 @@ class UserSettings final : public ObservableObject {
     bool remindRestartAfterWeek() const;
     void setRemindRestartAfterWeek(bool on);
 
-    /// Virtual key code of the platform keyboard; -1 means no shortcut, and so does a stored number
-    /// below -1 or of more than 32 bits.
+    /// Virtual key code of the platform keyboard. -1 means no shortcut; a stored number below -1 or
+    /// of more than 32 bits reads as -1.
     std::int64_t shortcutKeyCode() const;
     void setShortcutKeyCode(std::int64_t code);
     /// Device-independent modifier bits: Shift 0x20000, Control 0x40000, Option 0x80000, Command
-    /// 0x100000. Other bits are to be ignored; a stored negative number reads as 0.
+    /// 0x100000. Ignore other bits. A stored negative number reads as 0.
     std::int64_t shortcutModifiers() const;
     void setShortcutModifiers(std::int64_t modifiers);
 
@@ -108,16 +108,17 @@ class UserSettings final : public ObservableObject {
     RegistrationState shortcutRegistrationState() const { return registrationState_; }
     void setShortcutRegistrationState(RegistrationState state);
 
-    /// Whether the settings window of the first launch has been shown; never false again.
+    /// Whether the settings window of the first launch has been shown; stays true from then on.
     bool hasPresentedInitialSettings() const;
     void setHasPresentedInitialSettings(bool presented);
-    /// True exactly once per store, on its first launch; fixes the display mode then.
+    /// Returns true exactly once per store, on the first launch. If no display mode is stored then,
+    /// stores `advanced`.
     bool presentInitialSettingsIfNeeded();
 
     /// Sets the start-at-login preference to what the system will do.
     void syncLoginItemState();
-    /// Registers or unregisters the program as the preference says; puts the preference back when
-    /// the system refuses.
+    /// Registers or unregisters the program as the preference says. If the system refuses, resets
+    /// the preference to the system's state.
     void updateLoginItem();
 
  private:

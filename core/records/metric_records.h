@@ -67,11 +67,12 @@ struct GPUInfo {
     std::string modelName;
     /// Number of GPU cores; 0 when unknown.
     std::int64_t coreCount = 0;
-    /// A GPU was found and its statistics could be read. While false the GPU is judged nowhere.
+    /// True when a GPU was found and its statistics could be read. While false, nothing judges the
+    /// GPU.
     bool isAvailable = false;
 
-    /// The text that views show for the GPU: the trimmed model name and "N-core", as far as they
-    /// are known, joined by a space; "System GPU" when neither is.
+    /// The text that views show for the GPU: the trimmed model name and "N-core", joined by a
+    /// space. An unknown part is left out; "System GPU" when both are unknown.
     std::string displayName() const;
 };
 
@@ -144,7 +145,7 @@ struct BatteryInfo {
     bool hasBattery = false;
 };
 
-/// All network interfaces that are up, loopback left out, together.
+/// The sum of all network interfaces that are up, without loopback.
 struct NetworkInfo {
     /// Receive rate over the last interval, bytes per second.
     double downloadBytesPerSecond = 0;
@@ -154,7 +155,7 @@ struct NetworkInfo {
     std::uint64_t totalReceivedBytes = 0;
     /// Bytes sent since the counters started.
     std::uint64_t totalSentBytes = 0;
-    /// There was an earlier reading to compare with; without one the rates say nothing.
+    /// True when there was an earlier reading to compare with. While false, the rates mean nothing.
     bool hasSample = false;
 };
 

@@ -6,9 +6,9 @@
 
 namespace tarnwick {
 
-/// A percentage within 0...100; 0 for what is not finite.
+/// The value limited to 0...100; 0 for a value that is not finite.
 inline double clampedPercentage(double value) {
-    // Not std::clamp, which lets -0.0 through.
+    // std::clamp would let -0.0 through.
     return std::isfinite(value) && value > 0 ? std::min(value, 100.0) : 0;
 }
 

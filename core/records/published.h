@@ -1,7 +1,7 @@
 // Observation: a published field announces a change to its observers before it is written.
 //
-// Main thread only. An observer that is called still reads the old value; it is expected to mark
-// itself stale and to look again on a later turn of the main queue.
+// Main thread only. During the call the observer still reads the old value. It should mark itself
+// stale and read again on a later turn of the main queue.
 #pragma once
 
 #include <cstdint>
@@ -40,8 +40,8 @@ class Subscription {
     std::function<void()> cancel_;
 };
 
-/// A list of observers. Observers may be added and removed while one of them is being called: one
-/// removed is not called any more, one added is called from the next announcement on.
+/// A list of observers. Observers may be added and removed while one of them is being called: a
+/// removed one is not called any more; an added one is called from the next announcement on.
 class Announcer {
  public:
     using Observer = std::function<void()>;
@@ -62,7 +62,7 @@ class Announcer {
     std::shared_ptr<State> state_ = std::make_shared<State>();
 };
 
-/// An object with published fields: announces before any of them is written.
+/// An object with published fields. Announces each write before it happens.
 class ObservableObject {
  public:
     ObservableObject() = default;
@@ -85,7 +85,7 @@ class ObservableObject {
     Announcer announcer_;
 };
 
-/// One published field of an ObservableObject, which must outlive it.
+/// One published field. The ObservableObject that owns it must outlive it.
 template <class T>
 class Published {
  public:
@@ -105,7 +105,7 @@ class Published {
         value_ = std::move(value);
     }
 
-    /// As set(), but `change` alters the value where it is: for one that is long to copy.
+    /// Like set(), but `change` alters the value in place: for values that are expensive to copy.
     template <class Change>
     void update(Change change) {
         willChange_.announce();

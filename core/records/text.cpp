@@ -55,7 +55,7 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::string percentText(double value, int decimals) {
-    // A stream, for not every standard library at hand has std::to_chars for this.
+    // A stream, because std::to_chars for floating point is missing in some standard libraries.
     std::ostringstream text;
     text.imbue(std::locale::classic());
     text << std::fixed << std::setprecision(decimals) << value << '%';

@@ -1,5 +1,5 @@
-// The colours that the program's values speak of. A front maps them to the exact shade for light
-// and dark.
+// The colours in which the program shows its values. Each front end maps them to exact shades for
+// light and dark.
 #pragma once
 
 namespace tarnwick {
@@ -8,7 +8,7 @@ enum class Tint {
     green,
     yellow,
     red,
-    /// Notices that are no severity: low storage, restart recommended.
+    /// For notices without a severity: low storage, restart recommended.
     orange,
     /// Nothing known yet.
     gray,

@@ -10,10 +10,10 @@ _MARGIN = 16
 _CAPTION = 20
 _PAPER = (0xF0, 0xF0, 0xF0)
 _INK = (0x20, 0x20, 0x20)
-# Pictures on one sheet beside each other, and below each other.
+# How many pictures are beside each other on a sheet, and how many below each other.
 _COLUMNS = 6
 _ROWS = 2
-# What the name of a picture begins with, apart from machines, which make a sheet each.
+# The first part of a picture's name selects its sheet. Each machine has a sheet of its own.
 _KIND = re.compile(r"machine_[^_]+|[^_]+")
 _LOOK = re.compile(r"_(light|dark)_([\d.]+)x$")
 

@@ -20,9 +20,10 @@ _OPEN_PERCENT_LIMIT = 0.5
 # How many processes the machine has while the panel is open: an ordinary desktop, a large server.
 _ORDINARY_CROWD = 300
 _CROWDS = (_ORDINARY_CROWD, 3000)
-# Processes of others, such as of a second measurement, cost as much as one's own.
+# The report warns when the machine has more than this times the wanted number of processes: those
+# of others, such as of a second measurement, cost as much as the measured crowd.
 _CROWDED = 1.2
-# Forks as many processes as its argument says; they and it wait for their end.
+# Forks as many processes as its argument says. All of them wait until they are ended.
 _CROWD_PROGRAM = """
 import os, signal, sys
 for _ in range(int(sys.argv[1])):
@@ -30,9 +31,9 @@ for _ in range(int(sys.argv[1])):
         break
 signal.pause()
 """
-# Long enough for a first start to greet, and for a closed panel to be taken down.
+# Seconds: long enough for a first start to greet, and for a closed panel to be destroyed.
 _SETTLE = 5.0
-# The toolkit's helper threads of the start end after half a minute.
+# Seconds. The toolkit's helper threads from the start end after half a minute.
 _STEADY = 35.0
 
 
@@ -43,14 +44,14 @@ class Costs:
     after: usage.Memory = None
     hidden_rates: usage.Rates = None
     open_rates: usage.Rates = None
-    # With the panel open, by the number of processes on the machine.
+    # Costs with the panel open, by the number of processes on the machine.
     crowd_rates: dict = dataclasses.field(default_factory=dict)
-    # How many there really were, by the number that there should have been.
+    # The actual numbers of processes, by the wanted number.
     populations: dict = dataclasses.field(default_factory=dict)
 
 
 def started(program):
-    """The program, running and hidden, with its first start already behind it."""
+    """Starts the program hidden. This is not its first start, so it does not greet."""
     program.start()
     program.wait_for_item()
     time.sleep(_SETTLE)
@@ -67,7 +68,7 @@ def population():
 
 @contextlib.contextmanager
 def crowd(desktop, number):
-    """As many idle processes as are missing until the machine has `number`."""
+    """Runs idle processes, so many that the machine has at least `number` processes."""
     missing = max(0, number - population())
     host = desktop.processes.start([sys.executable, "-c", _CROWD_PROGRAM, str(missing)],
                                    desktop.env, "crowd")
@@ -87,7 +88,7 @@ def open_rates(program, seconds):
 
 
 def measure_crowds(program, costs, seconds):
-    """The rates of one program with its panel open on machines with more and more processes."""
+    """Measures one program with its panel open, with more and more processes on the machine."""
     for number in _CROWDS:
         with crowd(program.desktop, number):
             program.open_panel()
@@ -100,7 +101,7 @@ def measure_crowds(program, costs, seconds):
 
 
 def measure(program, costs, seconds):
-    """The costs of one program with its panel open, and after that."""
+    """Measures the costs of one program with its panel open, and after that."""
     program.open_panel()
     program.desktop.screen.move_pointer(program.desktop.nowhere)
     costs.open_rates = open_rates(program, seconds)
@@ -185,7 +186,7 @@ def main():
                 each.before = usage.memory(program.pid)
             for each, program in zip(costs, programs):
                 measure(program, each, arguments.seconds)
-            # The bare tray looks at no process.
+            # The bare tray program does not read processes.
             measure_crowds(programs[1], costs[1], arguments.seconds)
     except (OSError, RuntimeError, Timeout) as problem:
         sys.exit(f"footprint: {problem}")

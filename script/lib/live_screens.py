@@ -11,7 +11,7 @@ from private_desktop.processes import end_on_signals
 # The pages, and the button that leads to each from the home page.
 _PAGES = (("home", None), ("memory", "What's Using Memory?"),
           ("performance", "Performance & Network"))
-# The curves need a few samples, and everything that moves is at rest by then.
+# Seconds until the curves have a few samples and nothing moves any more.
 _SETTLE = 7.0
 _TURN = 1.0
 

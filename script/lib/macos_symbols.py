@@ -18,7 +18,7 @@ HERE = pathlib.Path(__file__).resolve().parent
 
 
 def objects(build):
-    """The objects of everything but the check of the layers, which links the core alone."""
+    """All objects except those of the layer check, which links only the core."""
     commands = json.loads((build / "compile_commands.json").read_text())
     outputs = (re.search(r" -o (\S+\.o) ", entry["command"]).group(1) for entry in commands)
     return sorted(each for each in outputs if "tarnwick_core_alone.dir" not in each)
@@ -54,13 +54,13 @@ def listed(text, key):
 
 
 def linked_frameworks(build):
-    """What the build names on the program's command line to the linker."""
+    """The frameworks that the build names on the linker's command line."""
     return set(re.findall(r"-framework (\w+)", (build / "build.ninja").read_text()))
 
 
 def linked_stubs(sdk, frameworks):
-    """The stubs that a linker reads: of the frameworks, of what every program is linked with, and
-    of whatever these pass on."""
+    """The stubs that a linker reads: those of the frameworks and of the libraries that every
+    program is linked with, and the stubs that these re-export."""
     by_library = {}
     for path in sorted(pathlib.Path(sdk).rglob("*.tbd")):
         for library in re.findall(r"^install-name:\s*'?([^'\n]*)'?$", path.read_text(), re.M):
@@ -78,7 +78,7 @@ def linked_stubs(sdk, frameworks):
 
 
 def runtime_symbols():
-    """What the C runtime defines and the program uses, with who defines it."""
+    """The symbols that the C runtime defines and the program uses, with their libraries."""
     names = {}
     owner = None
     for line in (HERE / "macos_runtime_symbols.txt").read_text().splitlines():
@@ -91,7 +91,7 @@ def runtime_symbols():
 
 
 def library_symbols(nm, libraries):
-    """What shared libraries of this system define, under the names that macOS has for it."""
+    """The symbols that shared libraries of this system define, under their macOS names."""
     if not libraries:
         return set()
     output = subprocess.run([nm, "--dynamic", "--defined-only", "--format=just-symbols", *libraries],

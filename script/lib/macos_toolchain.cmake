@@ -7,7 +7,7 @@ set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_PROCESSOR "${TARNWICK_MACOS_ARCHITECTURE}")
 set(CMAKE_OSX_SYSROOT "${TARNWICK_MACOS_SDK}" CACHE PATH "" FORCE)
 set(CMAKE_OSX_DEPLOYMENT_TARGET 13.0 CACHE STRING "" FORCE)
-# Nothing can be linked, so nothing is tried.
+# Nothing can be linked here, so the compiler checks only build static libraries.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 foreach(language IN ITEMS CXX OBJCXX)
   set(CMAKE_${language}_COMPILER "${TARNWICK_CLANG}")

@@ -8,15 +8,15 @@ import time
 from private_desktop import PrivateDesktop, Program, Timeout, hosts, until
 from private_desktop.processes import end_on_signals
 
-# Rates need two samples: by now the panel has had them, whatever was shown when it opened.
+# Seconds. Rates need two samples: after this time the panel has them, whatever it showed at first.
 _SETTLE = 5.0
 _FRESH = 2.0
-# What is left around the panel on a picture for a page.
+# The margin around the panel on a picture for a page.
 _MARGIN = 24
 
 
 def save(picture, path):
-    """Writes a picture so that whoever looks at it never sees half of one."""
+    """Writes a picture in one step, so that a viewer never sees half of it."""
     folder, name = os.path.split(os.path.abspath(path))
     os.makedirs(folder, exist_ok=True)
     part = os.path.join(folder, "." + name)

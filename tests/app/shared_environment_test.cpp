@@ -62,7 +62,7 @@ TEST(SharedTarnwickAppEnvironment, IsTheCurrentPlatformWithTheSharedSettingsAndB
         EXPECT_EQ(item.contents.size(), 1U);
         EXPECT_THAT(machine.hotKeys.calls.all(), ElementsAre("install"));
     }
-    // Nothing is logged unless somebody asks for it.
+    // Nothing is logged by default.
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
 }

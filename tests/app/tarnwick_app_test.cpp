@@ -76,7 +76,7 @@ class TarnwickAppTest : public testing::Test {
         settings.setShortcutKeyCode(keyCode);
         settings.setShortcutModifiers(modifiers);
     }
-    /// An application with Command-L, whose registration is over.
+    /// An application with Command-L; the registration is finished.
     std::unique_ptr<TarnwickApp> makeAppWithShortcut() {
         storeShortcut(37, kCommand);
         auto app = makeApp();

@@ -1,4 +1,4 @@
-// A stats manager on scripted samplers, in virtual time, with everything it does written down.
+// A stats manager on scripted samplers, in virtual time. Records everything that it does.
 #pragma once
 
 #include <cstddef>
@@ -24,7 +24,7 @@ CPUInfo makeCPU(double usage, std::int64_t cores);
 GPUInfo makeGPU(double usage, bool isAvailable);
 StorageInfo makeVolume(std::int64_t total, std::int64_t used, std::string name = "Disk");
 
-/// Passes everything on to a dispatch in virtual time and writes down what is asked of it.
+/// Passes every call on to a dispatch in virtual time and records it.
 class RecordingDispatch final : public platform::Dispatch {
  public:
     explicit RecordingDispatch(platform::testing::ManualDispatch& target) : target_(target) {}
@@ -41,7 +41,7 @@ class RecordingDispatch final : public platform::Dispatch {
     /// "detached", "schedule 10", "fire 10 at 1005", "tolerance 10 is 1.5", "invalidate 10": the
     /// first number names the timer by its interval. Only calls from the main thread.
     std::vector<std::string> events;
-    /// Handlers of all timers ever made, which a test may call as a late timer would.
+    /// The handlers of all timers ever made. A test may call one, as a late timer would.
     std::vector<std::function<void()>> handlers;
 
  private:
@@ -50,7 +50,7 @@ class RecordingDispatch final : public platform::Dispatch {
     platform::testing::ManualDispatch& target_;
 };
 
-/// Answers with `quick` and `exact`, and writes the calls down.
+/// Answers with `quick` and `exact`, and records the calls.
 class ScriptedBatteryService final : public BatteryReader {
  public:
     explicit ScriptedBatteryService(std::function<void(const std::string&)> record)
@@ -116,9 +116,9 @@ class StatsManagerTest : public ::testing::Test {
 
     /// Every call of a sampler, in order. Each must come from the background.
     Calls calls;
-    /// How often the process sampler was told to let go of what it keeps; in no other record.
+    /// How often the process sampler was told to free what it keeps. Not part of `calls`.
     int cacheReleases = 0;
-    /// Where given, runs inside each call, as if that took long.
+    /// If set, runs inside each call, as if the call took long.
     std::function<void(const std::string& call)> duringCall;
 
  private:

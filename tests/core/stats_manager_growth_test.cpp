@@ -201,7 +201,7 @@ TEST_F(StatsManagerGrowth, AManagerThatGoesInMidFlightLeavesNothing) {
         manager.reset();
         dispatch.runMain();
     };
-    // The first time the dispatch makes room for its timers, which it keeps.
+    // The first time the dispatch allocates room for its timers, and keeps it.
     comeAndGo();
     const Alive before = Alive::now();
     comeAndGo();

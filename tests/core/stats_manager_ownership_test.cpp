@@ -6,7 +6,7 @@ namespace {
 
 class StatsManagerOwnership : public StatsManagerTest {
  protected:
-    /// A manager with its panel visible, whose next fast refresh prunes.
+    /// A manager with its panel visible. Its next fast refresh prunes.
     std::unique_ptr<StatsManager> makePruningNext() {
         auto manager = makeSettled();
         manager->popoverDidAppear();

@@ -49,7 +49,7 @@ class ActivityMonitorTest(DesktopTestCase):
         self.open_desktop(accessibility=True)
 
     def install(self, name):
-        """Installs a system monitor for the user; the file in which it tells how it started."""
+        """Installs a system monitor for the user. Returns the file that tells how it started."""
         told = self.desktop.path(name + ".told")
         program = self.make_program(name, _MONITOR.format(told=told))
         folder = self.desktop.path("home/.local/share/applications")

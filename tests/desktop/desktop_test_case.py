@@ -12,19 +12,18 @@ from gi.repository import GLib
 from private_desktop import PrivateDesktop, Program, Timeout, hosts, until
 from private_desktop.processes import end_on_signals
 
-# The ground of the panel.
+# The panel's background.
 LIGHT = (0xFB, 0xFB, 0xFC)
 DARK = (0x23, 0x23, 0x26)
-# Seconds; many times what it takes: a program that waits for something on its way out would be
-# later.
+# Seconds; many times what a normal end takes. A program that waits for something would take longer.
 ENDS_WITHIN = 5.0
-# The host that no machine may lack.
+# The host that must exist on every machine.
 _FIRST_HOST = "xfce4-panel"
-# What the program says where nobody shows its item.
+# What the program prints if no tray shows its item.
 NO_TRAY = "tarnwick: no tray was found; start Tarnwick again to open its panel\n"
-# More than waking up reads, less than a refresh.
+# More bytes than waking up reads, fewer than a refresh reads.
 REFRESH_BYTES = 1000
-# A refresh that is under way reads something in this time, on a busy machine, too.
+# Seconds in which a running refresh reads something, even on a busy machine.
 _CALM = 1.0
 _GREETING_ATTEMPTS = 5
 
@@ -48,7 +47,7 @@ class DesktopTestCase(unittest.TestCase):
         return Program(self.desktop, [os.environ["TARNWICK"]], log)
 
     def start_known_to_user(self, numbers=None, **changes):
-        """Starts the program as on any day but the first, when it greets its user.
+        """Starts the program for the second time, because at its first start it greets its user.
 
         `numbers` are settings that the user has changed; the rest, changes of the environment.
         """
@@ -64,7 +63,7 @@ class DesktopTestCase(unittest.TestCase):
 
     def start_greeting(self):
         """Starts the program for the first time; the panel that greets is open."""
-        # The greeting waits half a second for the tray, which is busy at times.
+        # The greeting waits half a second for the tray, which is sometimes too busy.
         for _ in range(_GREETING_ATTEMPTS):
             program = self.program().start()
             program.wait_for_item()
@@ -95,7 +94,7 @@ class DesktopTestCase(unittest.TestCase):
 
     @contextlib.contextmanager
     def memory_in_use(self, share):
-        """So much of the machine's memory more is in use."""
+        """Keeps this share of the machine's memory in use, in addition to what others use."""
         held = b"x" * round(os.sysconf("SC_PHYS_PAGES") * os.sysconf("SC_PAGE_SIZE") * share)
         yield
         del held
@@ -104,7 +103,7 @@ class DesktopTestCase(unittest.TestCase):
         """Presses a button of an open window as a screen reader does; the desktop has one."""
         with self.desktop.accessibility_bus() as bus:
             def pressed():
-                # What is on its way when the window changes is no longer there to be pressed.
+                # A control may disappear while the window changes; then it cannot be pressed.
                 with contextlib.suppress(GLib.Error):
                     root = bus.program(program.pid)
                     button = root and root.find("push button", name)
@@ -116,7 +115,7 @@ class DesktopTestCase(unittest.TestCase):
             self.until(pressed, f"{name} is pressed")
 
     def choose_settings(self, program):
-        """What a tray host says of a press on the menu's entry."""
+        """Sends what a tray host sends when the menu's Settings entry is pressed."""
         item = program.wait_for_item()
 
         def chosen():
@@ -139,7 +138,7 @@ class DesktopTestCase(unittest.TestCase):
         self.until(program.panel_picture, "the panel is open and drawn")
 
     def assert_ground(self, program, colour):
-        """The panel is open, and its ground has this colour."""
+        """The panel is open, and its background has this colour."""
 
         def has_ground():
             picture = program.panel_picture()
@@ -168,7 +167,7 @@ class DesktopTestCase(unittest.TestCase):
         self.until(lambda: program.panel() is None, "the panel is closed")
 
     def assert_one_line(self, program, word):
-        """The program has said one line, which has `word` in it."""
+        """The program has printed one line, and `word` is in it."""
         self.until(lambda: program.output().endswith("\n"), "the program says something")
         lines = program.output().splitlines()
         self.assertEqual(len(lines), 1, lines)
@@ -185,7 +184,7 @@ class DesktopTestCase(unittest.TestCase):
         if succeeds:
             self.assertEqual(program.process.returncode, 0, program.output())
         else:
-            # No signal has ended it.
+            # A negative status would mean that a signal ended it.
             self.assertGreater(program.process.returncode, 0, program.output())
         self.assert_store_is_whole()
 
@@ -252,7 +251,7 @@ def process_files(program):
 
 
 def ground(picture):
-    """The colour that a picture has most of."""
+    """The most frequent colour of a picture."""
     return max(picture.getcolors(picture.width * picture.height))[1]
 
 

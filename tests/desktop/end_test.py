@@ -135,7 +135,8 @@ class EndTest(DesktopTestCase):
         self.open_desktop(host="waybar")
         program = self.start_known_to_user()
         self.desktop.kill_display()
-        # The toolkit leaves at once and asks nobody, with status 1 or, newer ones, 255.
+        # The toolkit exits at once without asking the program: with status 1, or with 255 in newer
+        # versions.
         self.assert_ends(program, succeeds=False)
 
     def test_outlives_the_session_bus(self):

@@ -264,7 +264,7 @@ class HostsTest(DesktopTestCase):
         self.assert_closed(self.started)
 
     def check_stays_in_place(self):
-        """The icon is where it was before, whatever the text beside it was then."""
+        """The icon is where it was before, even if the text beside it has changed."""
         place = self.settled_place()
         # The icon of another severity has another shape.
         self.assertLessEqual(abs(place[0] - self.place[0]), 2)

@@ -87,7 +87,7 @@ Status clientArrived(SmsConn, SmPointer, unsigned long* mask, SmsCallbacks* call
     return 1;
 }
 
-/// Whoever reaches the socket may come in: it is one of this user's.
+/// Accepts every client: only this user's programs can reach the socket.
 Bool everybody(char*) {
     return True;
 }

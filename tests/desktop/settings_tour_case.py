@@ -16,7 +16,7 @@ from private_desktop.program import icon_colour
 
 TITLE = "Tarnwick Settings"
 RECORDER = ("push button", "Global shortcut recorder")
-# As they are stored, with what they are in a fresh store.
+# The stored keys, with their values in a fresh store.
 THRESHOLDS = {
     "CPU Usage": (("settings.cpuModerateThreshold", 80), ("settings.cpuHighThreshold", 90)),
     "GPU Usage": (("settings.gpuModerateThreshold", 90), ("settings.gpuHighThreshold", 95)),
@@ -26,15 +26,16 @@ THRESHOLDS = {
                       ("settings.storageCriticalThreshold", 90)),
 }
 THUMBS = ("normal", "high")
-# Memory is above its upper threshold with what is held beside, and the rest hardly ever above any,
-# so that the item and the panel tell of that.
+# With these values memory is above its upper threshold, thanks to the memory that the test holds,
+# and the other metrics are hardly ever above theirs. So the item and the panel report memory.
 HIGH_MEMORY = {key: value for card, keys in THRESHOLDS.items() for (key, _), value in
                zip(keys, (1.0, 2.0) if card == "Memory Usage" else (99.0, 100.0))}
-# Of the machine's memory, since an idle machine may use less than one percent.
+# The share of the machine's memory that is held, because an idle machine may use less than one
+# percent.
 HELD = 0.04
 # The colour of the recorder's outline while it records.
 _RECORDING = (0x0A, 0x6A, 0xE6)
-# Diameter of a thumb, whose centre goes from one end of the track to the other.
+# Diameter of a thumb. Its centre moves from one end of the track to the other.
 _THUMB = 20
 _FOLLOW_LINK = """\
 #!/bin/sh
@@ -47,7 +48,7 @@ def least_of(card):
 
 
 class Keyboard:
-    """Hands on the keyboard, whichever program has it, and keys taken for another program."""
+    """Types on the keyboard, whichever program has it, and grabs keys as another program."""
 
     def __init__(self, desktop):
         self._display = display.Display(desktop.env["DISPLAY"])
@@ -78,8 +79,9 @@ class Keyboard:
             self._display.sync()
 
     def take_from_all(self, name):
-        """Takes Command and a key for another program while the capital letters are locked, so
-        that it still can be recorded. A shortcut is had in every state of the locks or not at all.
+        """Grabs Command and a key as another program, but only for the state with Caps Lock on, so
+        that the user can still record it. The program needs a shortcut in every state of the
+        locks, so it cannot register this one.
         """
         self._root.grab_key(self._code(name), X.Mod4Mask | X.LockMask, False, X.GrabModeAsync,
                             X.GrabModeAsync)
@@ -90,7 +92,7 @@ class SettingsTourCase(DesktopTestCase):
     def start_tour(self, host="xfce4-panel", numbers=None):
         """The program on a desktop with assistive technology, its settings window open."""
         self.open_desktop(host=host, accessibility=True)
-        # What opens an address for the program.
+        # The program that opens an address.
         os.mkdir(self.desktop.path("bin"))
         with open(self.desktop.path("bin/xdg-open"), "w", encoding="utf-8") as file:
             file.write(_FOLLOW_LINK)
@@ -100,7 +102,7 @@ class SettingsTourCase(DesktopTestCase):
         self.keyboard = Keyboard(self.desktop)
         self.addCleanup(self.keyboard.close)
         self.bus = self.enterContext(self.desktop.accessibility_bus())
-        # What was found in the window, by what it was looked for.
+        # The controls found in the window, by role and name.
         self.known = {}
         self.name = self.id().rpartition(".")[2]
         self.keep_store("before")
@@ -112,7 +114,7 @@ class SettingsTourCase(DesktopTestCase):
         self.assert_state("page tab", "General", "selected")
         self.until(lambda: self.is_focused("page tab", "General"), "the window has the keyboard")
 
-    # What can be seen of the window.
+    # What the window shows.
 
     def window(self, title=TITLE):
         root = self.bus.program(self.program.pid)
@@ -120,8 +122,8 @@ class SettingsTourCase(DesktopTestCase):
                     None)
 
     def look(self, question):
-        """What `question` says of the window (None for no window), asked again when what it asks
-        goes meanwhile."""
+        """The answer of `question` about the window (None for no window). Asks again if a control
+        disappears meanwhile."""
         answer = []
 
         def is_answered():
@@ -133,7 +135,7 @@ class SettingsTourCase(DesktopTestCase):
 
     @staticmethod
     def _parts(window):
-        """All below a window but the tabs that are not shown."""
+        """All controls below a window, except those on tabs that are not shown."""
         for content in window.children():
             for part in content.children():
                 if "showing" in part.states():
@@ -141,7 +143,7 @@ class SettingsTourCase(DesktopTestCase):
                     yield from part.descendants()
 
     def find(self, role, name):
-        """What is shown of that role and name, or None."""
+        """The shown control of that role and name, or None."""
         def asked(window):
             for part in self._parts(window) if window else ():
                 if part.name == name and part.role == role and "showing" in part.states():
@@ -149,7 +151,7 @@ class SettingsTourCase(DesktopTestCase):
                     return part
             return None
 
-        # Most is where it was the last time; to look for it takes hundreds of calls.
+        # Most controls are where they were the last time; a new search takes hundreds of calls.
         known = self.known.pop((role, name), None)
         with contextlib.suppress(GLib.Error):
             if known and known.name == name and "showing" in known.states():
@@ -181,7 +183,7 @@ class SettingsTourCase(DesktopTestCase):
                    f"{name} is {'' if expected else 'not '}{state}")
 
     def wait_until_recording(self):
-        """It is seen, heard and told as the state of a button."""
+        """The recording shows in the colours, in the spoken text and as the state of a button."""
         def is_recording():
             x, y, width, height = self.control(*RECORDER).place()
             recorder = self.desktop.screen.picture((x, y, x + width, y + height))
@@ -203,7 +205,7 @@ class SettingsTourCase(DesktopTestCase):
         self.keep_text(f"{self.name}_store_{when}", json.dumps(self.stored(), indent=2) + "\n")
 
     def keep_tree(self, tab):
-        """Keeps the tab that is shown as assistive technology finds it."""
+        """Keeps the shown tab as a text, as assistive technology finds it."""
         def lines(each, depth):
             value = each.value()
             parts = [each.role, f'"{each.name}"', each.description and f"({each.description})",
@@ -240,7 +242,7 @@ class SettingsTourCase(DesktopTestCase):
                 slider = self.control("slider", name)
                 pill = self.known.get(slider)
                 if pill is None:
-                    # The value in words stands above, on the same card.
+                    # The pill with the value in words stands above, on the same card.
                     pill = next(each for each in slider.parent().parent().children()
                                 if each.name.startswith(thumb.capitalize() + " "))
                     self.known[slider] = pill
@@ -270,7 +272,7 @@ class SettingsTourCase(DesktopTestCase):
             for thumb, (key, _) in zip(THUMBS, keys):
                 self.assert_threshold_shown(card, thumb, stored[key])
 
-    # What comes of it elsewhere.
+    # The effects outside the window.
 
     def item(self):
         """What the status item is: (first word of its text, colour, sizes of its pictures)."""
@@ -316,8 +318,8 @@ class SettingsTourCase(DesktopTestCase):
         self.assert_stored("launchOnLogin", 0)
 
     def assert_login_snaps_back(self, flip, do_more):
-        """`flip` puts the switch on in vain; what `do_more` does is done behind it."""
-        # Not even the superuser can put an entry into a file.
+        """`flip` tries to switch on and fails; `do_more` runs then and waits for its own effect."""
+        # Not even the superuser can create an entry below a file.
         folder = os.path.dirname(self.entry())
         os.rmdir(folder)
         with open(folder, "w", encoding="utf-8"):
@@ -346,16 +348,16 @@ class SettingsTourCase(DesktopTestCase):
             follow(name)
             self.until_equal(self.followed, [address] * count, f"what {name} opens")
 
-    # What is done to it by mouse.
+    # Actions with the mouse.
 
     def view(self):
-        """From and to which height of the screen a tab's content is seen."""
+        """The top and the bottom of the visible part of a tab's content, on the screen."""
         _, top, _, height = self.control("page tab list", "").place()
         _, y, _, whole = self.look(lambda window: window.place())
         return top + height, y + whole
 
     def scroll_to(self, control):
-        """Turns the wheel until it is in view."""
+        """Turns the wheel until the control is in view."""
         top, bottom = self.view()
         x = self.look(lambda window: window.place())[0] + 8
         while True:

@@ -179,7 +179,7 @@ class SettingsWindowTest(DesktopTestCase):
         self.assertEqual(program.output(), "")
 
     def work_with_other_window(self):
-        """Clicks into it; the window manager lets nobody come before it by himself from then on."""
+        """Clicks into it. From then on no other window can activate itself."""
         self.show_other_window()
         subprocess.run(["xfconf-query", "--channel", "xfwm4", "--create", "--type", "bool",
                         "--property", "/general/prevent_focus_stealing", "--set", "true"],

@@ -14,7 +14,7 @@ from private_desktop import Timeout, until
 SHORTCUT = ("Super_L", "l")
 # Long enough for a panel that should not be there to show itself.
 A_WHILE = 0.5
-# What a press does is seen by then, or nobody has heard of it.
+# Seconds. After this time the effect of a press is visible, or the press was lost.
 LOST_AFTER = 5
 # As they are stored.
 COMMAND = 0x100000
@@ -72,7 +72,7 @@ class Bystander:
         return self._pressed
 
     def grab(self, name, modifiers):
-        """Takes a key combination for itself; False when somebody else has it."""
+        """Grabs a key combination; False if another program has it."""
         refused = error.CatchError(error.BadAccess)
         self._root.grab_key(self.code(name), modifiers, False, X.GrabModeAsync, X.GrabModeAsync,
                             onerror=refused)
@@ -147,7 +147,7 @@ class ShortcutTest(DesktopTestCase):
 
     def test_works_whatever_is_locked(self):
         program = self.start_beside_another()
-        # No modifier is Scroll Lock's by itself; whoever uses it has given it one.
+        # Scroll Lock has no modifier by default; users who need one assign it.
         self.change_keyboard("xmodmap", "-e", "add mod3 = Scroll_Lock")
         for lock, bit in (("Caps_Lock", X.LockMask), ("Num_Lock", X.Mod2Mask),
                           ("Scroll_Lock", X.Mod3Mask)):

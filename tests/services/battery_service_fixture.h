@@ -1,4 +1,4 @@
-// A battery service in virtual time on a real store file, which outlives the service.
+// A battery service in virtual time on a real store file; the file outlives the service.
 #pragma once
 
 #include <cstdint>
@@ -73,7 +73,7 @@ class BatteryServiceFixture : public ::testing::Test {
             },
             [this] { return platform::Date{wallTime}; }, [this] { return elapsed; });
     }
-    /// As on a machine on which a battery has been seen.
+    /// Sets up a machine on which a battery has been seen.
     void see(const BatteryInfo& seen) {
         battery = seen;
         service->currentBatteryInfo(false);
@@ -100,7 +100,7 @@ class BatteryServiceFixture : public ::testing::Test {
     std::optional<HealthReading> health;
     int batteryReads = 0;
     int healthReads = 0;
-    // Seconds that each of them needs.
+    // Seconds that each of these reads takes.
     double readTakes = 0;
     double wallTime = 1'700'000'000;
     double elapsed = 1000;

@@ -292,7 +292,7 @@ TEST_F(HotKeyServiceTest, NegativeFlagsAreAFault) {
     EXPECT_DEATH(service->registerShortcut(-1, -1), "");
 }
 
-// Nobody but the program is to blame for the pairs above; anybody can write these into the store.
+// Only an error in this program can cause the pairs above, but any program can store these.
 TEST_F(HotKeyServiceTest, AnImpossibleStoredNumberIsNoShortcut) {
     constexpr auto kSmallest = std::numeric_limits<std::int64_t>::min();
     constexpr auto kLargest = std::numeric_limits<std::int64_t>::max();
@@ -482,7 +482,7 @@ TEST_F(HotKeyServiceTest, APressGoesToTheLatestService) {
     dispatch.runMain();
     EXPECT_EQ(triggers, 0);
     EXPECT_EQ(latest, 1);
-    // And to nobody once that one has gone.
+    // Presses go nowhere once the second service is destroyed.
     second.reset();
     EXPECT_EQ(hotKeys.press(), 0);
     dispatch.runMain();

@@ -239,7 +239,7 @@ TEST_P(ProbedRecording, IsReadAsItIs) {
     }
 }
 
-// Its moment is the only one: nothing goes on, on whatever machine it is read.
+// A recording contains one moment only, so nothing moves, on any machine that reads it.
 TEST_P(ProbedRecording, StandsStill) {
     const json sample =
         lines(run("--interval 0.01 --root " + recordedMachine(GetParam().machine)).output).at(0);

@@ -10,7 +10,7 @@
 #include "ui/panel/page.h"
 
 @protocol TNWBlockView
-/// Shows another value of the same block; NO, and nothing changes, where it cannot.
+/// Shows another value of the same block. If it cannot, changes nothing and returns NO.
 - (BOOL)showBlock:(const tarnwick::PanelBlock&)block;
 @end
 
@@ -26,15 +26,15 @@ struct BlockEnvironment {
     PressHandler press{};
     /// Bars move with it; without one they jump.
     std::shared_ptr<Motion> motion{};
-    /// A block has another height for a reason of its own.
+    /// Called when a block changes its height without a new value.
     std::function<void()> heightChanged{};
 };
 
-/// Shows nothing yet.
+/// The view shows nothing until the first showBlock().
 NSView<TNWBlockView>* makeBlockView(const PanelBlock& block, const BlockEnvironment& environment);
 
-/// Shows the block and names it for screen readers; false, and nothing changes, where the view
-/// cannot show it.
+/// Shows the block and names it for screen readers. If the view cannot show it, changes nothing and
+/// returns false.
 bool showBlock(NSView<TNWBlockView>* view, const PanelBlock& block);
 
 /// Views side by side, some at the leading and some at the trailing edge.

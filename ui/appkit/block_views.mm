@@ -78,7 +78,7 @@ struct Maker {
     }
 };
 
-/// Whether parts of a block speak for themselves: its buttons, or the rows of its list.
+/// Whether a block has parts with names of their own: its buttons, or the rows of its list.
 bool hasSpeakingParts(const PanelBlock& block) {
     return std::holds_alternative<PanelHeader>(block) ||
            std::holds_alternative<DetailHeader>(block) ||

@@ -10,7 +10,7 @@
 - (instancetype)initWithPress:(tarnwick::appkit::PressHandler)press;
 @end
 
-/// A NavigationButton, FooterRow or DetailHeader, which never change while they are shown.
+/// A NavigationButton, FooterRow or DetailHeader. These never change while they are shown.
 @interface TNWButtonsBlock : NSView <TNWBlockView>
 - (instancetype)initWithPress:(tarnwick::appkit::PressHandler)press;
 @end

@@ -12,11 +12,11 @@
 @interface TNWBarView : NSView
 /// The end of the filled part moves with `motion`; without one it jumps.
 - (instancetype)initWithMotion:(std::shared_ptr<tarnwick::Motion>)motion;
-/// The first bar is there at once, later ones are moved to.
+/// Shows the first bar at once, and moves to later ones.
 - (void)setBar:(const tarnwick::UsageBar&)bar;
 @end
 
-/// A small line chart. Layout sees its frame; it draws a little beyond, where the line has a peak.
+/// A small line chart. Layout uses its frame; a line with a peak is drawn a little beyond it.
 @interface TNWSparklineView : NSView
 - (void)setSparkline:(const tarnwick::SparklineView&)sparkline;
 @end

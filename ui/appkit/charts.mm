@@ -10,9 +10,9 @@ namespace {
 
 constexpr CGFloat kBarHeight = 6;
 constexpr CGFloat kBarCorner = 3;
-/// Steps shorter than this, points, are no movement to see.
+/// Shorter steps, in points, are too small to be seen as a movement.
 constexpr CGFloat kLeastStep = 2;
-/// How far beyond its points a line reaches where it has a peak.
+/// How far a line may reach beyond its points at a peak.
 constexpr CGFloat kOverhang =
     tarnwick::SparklineView::kLineWidth / 2 * tarnwick::SparklineView::kMiterLimit;
 
@@ -58,7 +58,7 @@ constexpr CGFloat kOverhang =
                                                           yRadius:kBarCorner];
     [NSColor.quaternaryLabelColor setFill];
     [track fill];
-    // Cut out of the same shape, so that a short bar has its round end, too.
+    // Clipped to the shape of the track, so that a short bar has a round end, too.
     [track addClip];
     NSRect filled = self.bounds;
     filled.size.width *= _fraction->value();
@@ -113,7 +113,7 @@ constexpr CGFloat kOverhang =
     using View = tarnwick::SparklineView;
     const NSRect bar = NSMakeRect(NSMinX(chart), NSMidY(chart) - View::kPlaceholderHeight / 2,
                                   chart.size.width, View::kPlaceholderHeight);
-    // A corner cannot be rounder than half of the bar.
+    // The system limits the radius to half of the bar's height.
     NSBezierPath* path = [NSBezierPath bezierPathWithRoundedRect:bar
                                                          xRadius:View::kPlaceholderCorner
                                                          yRadius:View::kPlaceholderCorner];

@@ -51,7 +51,7 @@ NSView* bodyOf(const DisplayModeCard& card) {
 
 }  // namespace
 
-/// Pressed anywhere, or by the space bar, it selects its mode.
+/// A press anywhere on the card, or the space bar, selects its mode.
 @interface TNWDisplayModeCard : TNWCard <TNWSettingsItemView>
 - (instancetype)initWithView:(tarnwick::SettingsView*)view;
 @end
@@ -106,7 +106,7 @@ NSView* bodyOf(const DisplayModeCard& card) {
     }
 }
 
-/// As with buttons, only where the keyboard goes to all controls.
+/// Like a button: only if the system's keyboard navigation reaches all controls.
 - (BOOL)acceptsFirstResponder {
     return NSApplication.sharedApplication.fullKeyboardAccessEnabled;
 }

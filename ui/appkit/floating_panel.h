@@ -7,10 +7,10 @@
 #include "ui/appkit/page_view.h"
 #include "ui/appkit/panel_scroll_view.h"
 
-/// Borderless and above everything else, and takes the keyboard although it has no title bar.
+/// Borderless and above all other windows. Takes the keyboard although it has no title bar.
 @interface TNWPanel : NSPanel
 - (instancetype)initWithPage:(TNWPageView*)page;
-/// What Escape does.
+/// Called on Escape.
 @property(nonatomic) std::function<void()> cancelled;
 @property(nonatomic, readonly) TNWPanelScrollView* scroller;
 @end

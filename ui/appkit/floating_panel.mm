@@ -66,7 +66,7 @@ NSVisualEffectView* makeGround(NSView* content) {
 
 - (void)cancelOperation:(id)sender {
     (void)sender;
-    // Held down, Escape would lead back and close in one go.
+    // A held Escape key would lead back and close the panel at once.
     NSEvent* event = NSApplication.sharedApplication.currentEvent;
     if (event.type == NSEventTypeKeyDown && event.isARepeat) {
         return;

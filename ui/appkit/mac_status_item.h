@@ -18,12 +18,13 @@ class MacStatusItem final : public platform::StatusItem {
     ~MacStatusItem() override;
 
     void setContent(const platform::StatusItemContent& content) override;
-    /// A click runs `click`, or `toggle` where the program clicks. The item has no menu.
+    /// A click by the user runs `click`; a click by the program runs `toggle`. The item has no
+    /// menu.
     void setActions(platform::StatusItemActions actions) override;
     bool inTray() const override;
     bool performClick() override;
 
-    /// Where the item's button is; absent while it is nowhere.
+    /// The frame of the item's button on the screen; absent while it is not in a window.
     std::optional<ScreenFrame> frame() const;
 
  private:

@@ -46,7 +46,7 @@ using platform::StatusItemContent;
 /// Between the row and the ends of the item.
 constexpr CGFloat kPadding = 4;
 
-/// Digits are of one width.
+/// All digits have the same width.
 NSFont* itemFont() {
     NSFont* font = statusFont(StatusItemContent::kFontSize);
     NSDictionary* digits = @{

@@ -7,11 +7,11 @@
 #include "ui/appkit/press_button.h"
 #include "ui/panel/page.h"
 
-/// kPanelWidth wide and as high as its page. A page that follows another touches only the items
-/// that differ; a view stays as long as an item of its id and kind does.
+/// kPanelWidth wide and as high as its page. A new page changes only the items that differ. A view
+/// is kept as long as an item of its id and kind exists.
 @interface TNWPageView : NSStackView
 - (instancetype)initWithEnvironment:(tarnwick::appkit::BlockEnvironment)environment;
 - (void)setPage:(const tarnwick::Page&)page;
-/// The button of an action; nil when there is none on the page.
+/// The button for an action; nil if the page has none.
 - (TNWPressButton*)buttonOf:(tarnwick::PanelAction)action;
 @end

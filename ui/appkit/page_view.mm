@@ -33,13 +33,13 @@ struct Row {
     return self;
 }
 
-/// Pages scroll from their top.
+/// Flipped, so that pages scroll from their top.
 - (BOOL)isFlipped {
     return YES;
 }
 
-/// The view of the item's id, which shows the item now and which the page then no longer has; nil
-/// without one that can.
+/// Finds the view with the item's id, lets it show the item, and moves it out of its row. Nil if
+/// there is none or it cannot show the item.
 - (NSView<TNWBlockView>*)takeViewOf:(const tarnwick::PageItem&)item {
     const auto row = std::find_if(_rows.begin(), _rows.end(), [&item](const Row& each) {
         return each.view != nil && each.item.id == item.id;
@@ -87,7 +87,7 @@ struct Row {
             [self insertArrangedSubview:view atIndex:index];
         }
     }
-    // A stack knows the space below a view, an item the space above it.
+    // The space of an item is above it, but a stack stores the space below a view.
     for (std::size_t i = 1; i < _rows.size(); ++i) {
         [self setCustomSpacing:_rows[i].item.spaceAbove afterView:_rows[i - 1].view];
     }

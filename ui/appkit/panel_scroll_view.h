@@ -1,4 +1,4 @@
-// The room in which the panel's page lies. For Objective-C++ only.
+// The scrolling area that contains the panel's page. For Objective-C++ only.
 #pragma once
 
 #import <AppKit/AppKit.h>
@@ -7,6 +7,6 @@
 @interface TNWPanelScrollView : NSScrollView
 - (instancetype)initWithPage:(NSView*)page;
 - (void)scrollToTop;
-/// What a key does that moves the page; NO, and nothing happens, for any other key.
+/// Scrolls the page as the key asks. For any other key, does nothing and returns NO.
 - (BOOL)scrollByKey:(unsigned short)keyCode;
 @end

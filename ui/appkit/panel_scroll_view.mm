@@ -8,7 +8,7 @@
 namespace {
 
 constexpr CGFloat kLine = 40;
-/// More than any page is high.
+/// Higher than any page.
 constexpr CGFloat kEverything = std::numeric_limits<CGFloat>::max() / 2;
 
 }  // namespace
@@ -74,7 +74,7 @@ constexpr CGFloat kEverything = std::numeric_limits<CGFloat>::max() / 2;
     }
 }
 
-/// Of a button in the page that has no use for it.
+/// Gets the keys that a button in the page did not use.
 - (void)keyDown:(NSEvent*)event {
     if (![self scrollByKey:event.keyCode]) {
         [super keyDown:event];

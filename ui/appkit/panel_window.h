@@ -12,19 +12,21 @@
 namespace tarnwick::appkit {
 
 /// A borderless floating panel under the status item. It closes on a press elsewhere and when
-/// another application comes to the front; Escape leads back from a detail page and closes it on
-/// the home page. Its views are made when it opens and let
-/// go when it closes; in between the view knows that it is visible. Main thread.
+/// another application comes to the front. Escape leads back from a detail page, and closes the
+/// panel on the home page.
+///
+/// Makes its views when it opens and frees them when it closes. Between the two the view knows that
+/// it is visible. Main thread.
 class PanelWindow {
  public:
-    /// Both outlive the window.
+    /// Both must outlive the window.
     PanelWindow(MenuBarView& view, platform::Dispatch& dispatch);
     PanelWindow(const PanelWindow&) = delete;
     PanelWindow& operator=(const PanelWindow&) = delete;
     ~PanelWindow();
 
     bool isOpen() const;
-    /// Opens under `anchor`, the status item's place, or in the corner where that is not known.
+    /// Opens under `anchor`, the status item's frame, or in the corner if it is unknown.
     void open(const std::optional<ScreenFrame>& anchor);
     void close();
     void toggle(const std::optional<ScreenFrame>& anchor);

@@ -10,7 +10,7 @@
 namespace tarnwick::appkit {
 namespace {
 
-/// Between the panel and the item, and the edges of the screen.
+/// Between the panel and the item, and between the panel and the edges of the screen; points.
 constexpr CGFloat kMargin = 4;
 constexpr NSEventMask kPresses =
     NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown;
@@ -29,12 +29,12 @@ struct PanelWindow::State {
     TNWPageView* page = nil;
     TNWPanel* panel = nil;
     MenuTab tab = MenuTab::home;
-    /// Of the status item.
+    /// The frame of the status item.
     NSRect anchor = NSZeroRect;
-    /// The panel's upper edge stays where it is, whatever the page; it is no higher than its room.
+    /// The panel's upper edge stays here for every page. Its height is at most `room`.
     NSPoint topLeft = NSZeroPoint;
     CGFloat room = 0;
-    /// Escape is what leads to another page.
+    /// True while Escape changes the page.
     bool isCancelling = false;
     id ownEvents = nil;
     id otherEvents = nil;
@@ -51,7 +51,8 @@ struct PanelWindow::State {
         fit();
     }
 
-    /// Another page begins at its top. Whoever goes by keyboard goes on from `entry`.
+    /// Shows another page from its top. If the user navigates by keyboard, the button of `entry`
+    /// gets the focus.
     void turnTo(const Page& next, std::optional<PanelAction> entry) {
         const bool isByKey =
             isCancelling || [panel.firstResponder isKindOfClass:TNWPressButton.class];
@@ -134,7 +135,7 @@ void PanelWindow::open(const std::optional<ScreenFrame>& anchor) {
     [state_->panel makeKeyAndOrderFront:nil];
 }
 
-// A press of the item closes the panel by itself.
+// Presses of the status item are ignored here, because the item's own action closes the panel.
 void PanelWindow::watchPresses() {
     TNWPanel* panel = state_->panel;
     state_->ownEvents =
@@ -157,7 +158,7 @@ void PanelWindow::watchPresses() {
                                                }];
 }
 
-// The user has gone on to another application without a press, as by keyboard.
+// The user may change to another application without a press, for example by keyboard.
 void PanelWindow::watchActivations() {
     state_->activations = [NSWorkspace.sharedWorkspace.notificationCenter
         addObserverForName:NSWorkspaceDidActivateApplicationNotification
@@ -190,7 +191,7 @@ void PanelWindow::close() {
     [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:closing->activations];
     [closing->panel orderOut:nil];
     view_.disappear();
-    // Whatever is being pressed in it is still running.
+    // Later, because a press inside the panel may still be running.
     TNWPanel* panel = closing->panel;
     dispatch_async(dispatch_get_main_queue(), ^{
       [panel close];

@@ -8,26 +8,26 @@
 
 namespace tarnwick::appkit {
 
-/// What a press asks for.
+/// Called with the action of a pressed button.
 using PressHandler = std::function<void(PanelAction)>;
 
 }  // namespace tarnwick::appkit
 
 @interface TNWPressButton : NSButton
-/// A copy is run at each press.
+/// Each press runs a copy of `pressed`.
 - (void)setPressed:(std::function<void()>)pressed;
 @end
 
 namespace tarnwick::appkit {
 
-/// The tag of every button below, by which it is found.
+/// Identifies the button of an action: each button below has this tag.
 NSInteger tagOf(PanelAction action);
 
 /// A button with its title and the symbol, if any, before it.
 TNWPressButton* titledButton(const PanelButton& button, const PressHandler& press);
 /// The same without a border.
 TNWPressButton* plainTitledButton(const PanelButton& button, const PressHandler& press);
-/// Shows the symbol alone; its title is its tool tip and its accessible name.
+/// Shows only the symbol. The title is the tool tip and the accessible name.
 TNWPressButton* iconButton(const PanelButton& button, const PressHandler& press);
 /// As wide as the page, with a symbol at the trailing end.
 TNWPressButton* navigationButton(const PanelButton& button, const PressHandler& press);

@@ -17,7 +17,7 @@
 
 - (void)runPressed:(id)sender {
     (void)sender;
-    // A copy: what it does may take the button away.
+    // A copy, because the action may destroy the button.
     const std::function<void()> pressed = _pressed;
     if (pressed) {
         pressed();
@@ -29,7 +29,7 @@
 namespace tarnwick::appkit {
 namespace {
 
-/// Of a button without a border and a title: what a press must hit.
+/// Side of the area that a press must hit, for a button without border and title; points.
 constexpr CGFloat kIconButtonSize = 26;
 constexpr CGFloat kNavigationHeight = 28;
 
@@ -46,7 +46,7 @@ TNWPressButton* untitledButton(const PanelButton& button, const PressHandler& pr
 
 }  // namespace
 
-// Other controls have the tags 0 and -1.
+// Starts at 1, because other controls have the tags 0 and -1.
 NSInteger tagOf(PanelAction action) {
     return static_cast<NSInteger>(action) + 1;
 }

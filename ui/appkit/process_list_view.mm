@@ -28,7 +28,7 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     std::vector<tarnwick::ProcessRow> _rows;
     /// From top to bottom, as shown.
     ProcessSlots _order;
-    /// The pointer has moved over the rows, and how many pages have come since its last move.
+    /// Whether the pointer has moved over the rows, and how many pages came since its last move.
     BOOL _isHeld;
     int _pagesAtRest;
 }
@@ -64,7 +64,7 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
         return NO;
     }
     const ProcessSlots latest = [self latestOrder];
-    // A pointer at rest says nothing when the list moves away from it.
+    // isUnderPointer, because a resting pointer sends no event when the list moves away from it.
     _isHeld = _isHeld && [self isUnderPointer] && _pagesAtRest++ <= tarnwick::kPagesAtRest;
     _order =
         _isHeld && !latest.empty() ? tarnwick::heldOrder(_order, [self latestProcesses]) : latest;
@@ -121,7 +121,7 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     }
     std::vector<RowContent> contents;
     for (const auto& process : _order) {
-        // An empty row still is as high as its text would be.
+        // An empty row keeps the height of a row with text.
         contents.push_back(process
                                ? rowContent(tarnwick::ProcessRow{*process, _rows.front().valueText})
                                : rowContent(tarnwick::CaptionText{}));

@@ -21,19 +21,19 @@ struct RowContent {
     std::string icon;
     NSColor* iconColor = nil;
     RowText leading;
-    /// Not there when its text is empty.
+    /// Hidden if its text is empty.
     RowText trailing{};
-    /// The level that a mark before the trailing text stands for; see levelMark().
+    /// The level shown by a mark before the trailing text; see levelMark().
     Tint level = Tint::gray;
 };
 
-/// What a block shows that is one row; absent for any other block.
+/// The content of a block that is one row; absent for any other block.
 std::optional<RowContent> rowContent(const PanelBlock& block);
 RowContent rowContent(const UsageBar& bar);
 RowContent rowContent(const ProcessRow& process);
 RowContent rowContent(const CaptionText& caption);
 
-/// Shows the mark of the level, in its colour, or nothing where it has none.
+/// Shows the mark of the level in its colour; hides `view` if the level has no mark.
 void showLevelMark(NSImageView* view, Tint level);
 
 }  // namespace tarnwick::appkit

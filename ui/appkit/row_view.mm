@@ -94,7 +94,7 @@ void showLevelMark(NSImageView* view, Tint level) {
         _leading = label({}, FontRole::caption, NSColor.labelColor);
         _mark = emptySymbolView();
         _trailing = label({}, FontRole::caption, NSColor.labelColor);
-        // Where there is no room for both texts, the name is cut and the figure is not.
+        // If there is no room for both texts, the name is cut, not the figure.
         [_leading setContentCompressionResistancePriority:NSLayoutPriorityDefaultLow
                                            forOrientation:NSLayoutConstraintOrientationHorizontal];
         self.orientation = NSUserInterfaceLayoutOrientationHorizontal;
@@ -111,7 +111,7 @@ void showLevelMark(NSImageView* view, Tint level) {
     using namespace tarnwick::appkit;
     _symbol.hidden = content.icon.empty();
     showSymbol(_symbol, content.icon, content.iconColor, content.leading.role);
-    // A row without a text keeps the height of one.
+    // A row without text keeps its height.
     showText(_leading, content.leading.text, content.leading.role, content.leading.color);
     showLevelMark(_mark, content.level);
     _trailing.hidden = content.trailing.text.empty();

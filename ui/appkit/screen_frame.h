@@ -1,4 +1,4 @@
-// A place on the screens.
+// A rectangle in screen coordinates.
 #pragma once
 
 namespace tarnwick::appkit {

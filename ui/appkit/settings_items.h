@@ -6,7 +6,7 @@
 #include "ui/settings/settings_view.h"
 
 @protocol TNWSettingsItemView
-/// Shows other values of the same item; NO, and nothing changes, where it cannot.
+/// Shows other values of the same item. If it cannot, changes nothing and returns NO.
 - (BOOL)showItem:(const tarnwick::SettingsItem&)item;
 @end
 
@@ -17,7 +17,7 @@
 
 namespace tarnwick::appkit {
 
-/// `view` outlives the item's place in a window.
+/// `view` must outlive the item's time in a window.
 NSView<TNWSettingsItemView>* makeSettingsItemView(const SettingsItem& item, SettingsView& view);
 
 /// Views from top to bottom, each as wide as the column.

@@ -47,7 +47,7 @@ constexpr CGFloat kCardPadding = 12;
 
 @end
 
-/// What never changes.
+/// A card with an item that never changes.
 @interface TNWFixedCard : TNWCard <TNWSettingsItemView>
 - (instancetype)initWithItem:(const tarnwick::SettingsItem&)item body:(NSView*)body;
 @end
@@ -86,7 +86,7 @@ namespace tarnwick::appkit {
 namespace {
 
 constexpr CGFloat kGap = 8;
-/// Where a caption breaks its line: it fits into a card of the window, beside a symbol, too.
+/// Captions wrap at this width: it fits into a card of the window, also beside a symbol. Points.
 constexpr CGFloat kCaptionWidth = 430;
 
 NSView<TNWSettingsItemView>* resetRow(SettingsView& view) {

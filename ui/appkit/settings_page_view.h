@@ -5,9 +5,9 @@
 
 #include "ui/settings/settings_view.h"
 
-/// A page that follows another keeps the views of all items that can show their new values.
+/// A new page keeps the views of all items that can show their new values.
 @interface TNWSettingsPageView : NSStackView
-/// `view` outlives the page's place in a window.
+/// `view` must outlive the page's time in a window.
 - (instancetype)initWithView:(tarnwick::SettingsView*)view;
 - (void)setPage:(const tarnwick::SettingsPage&)page;
 @end

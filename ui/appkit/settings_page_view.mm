@@ -11,7 +11,7 @@ namespace {
 
 constexpr CGFloat kPadding = 20;
 
-/// A heading, or an item.
+/// One row of the page: a heading or an item.
 struct Row {
     std::string title;
     NSView<TNWSettingsItemView>* item;
@@ -43,7 +43,7 @@ struct Row {
     return YES;
 }
 
-/// The row at this place, where it shows a heading of this title.
+/// The existing row at this index if it shows this heading, otherwise a new one.
 - (Row)headingAt:(std::size_t)index title:(std::string_view)title {
     if (index < _rows.size() && _rows[index].item == nil && _rows[index].title == title) {
         return _rows[index];
@@ -53,7 +53,7 @@ struct Row {
     return {std::string(title), nil, heading, 0};
 }
 
-/// The row at this place, where it can show the item.
+/// The existing row at this index if it can show the item, otherwise a new one.
 - (Row)itemAt:(std::size_t)index item:(const tarnwick::SettingsItem&)item {
     if (index < _rows.size() && _rows[index].item != nil && [_rows[index].item showItem:item]) {
         return _rows[index];

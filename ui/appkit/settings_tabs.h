@@ -5,9 +5,10 @@
 
 #include "ui/settings/settings_view.h"
 
-/// A tab for each page, in the window's toolbar; every page scrolls by itself.
+/// A tab for each page, in the window's toolbar. Each page scrolls on its own.
 @interface TNWSettingsTabs : NSTabViewController
 - (instancetype)initWithView:(tarnwick::SettingsView*)view;
-/// The view goes: neither reads from it any more nor tells it anything.
+/// Call it before the view is destroyed: from then on this neither reads from the view nor calls
+/// it.
 - (void)forgetView;
 @end

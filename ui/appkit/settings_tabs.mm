@@ -5,7 +5,7 @@
 
 namespace {
 
-/// A page within the room that the window has for it.
+/// A scroll view of the window's size that contains a page.
 NSScrollView* scrollViewOf(TNWSettingsPageView* page) {
     NSScrollView* scroll = [[NSScrollView alloc] initWithFrame:NSZeroRect];
     scroll.hasVerticalScroller = YES;
@@ -33,7 +33,7 @@ NSScrollView* scrollViewOf(TNWSettingsPageView* page) {
         _pages = [NSMutableArray array];
         self.tabStyle = NSTabViewControllerTabStyleToolbar;
         self.transitionOptions = NSViewControllerTransitionNone;
-        // The window's title is another one.
+        // Off, because the window keeps a title of its own.
         self.canPropagateSelectedChildViewControllerTitle = NO;
         for (const tarnwick::TabItem& tab : tarnwick::kTabs) {
             TNWSettingsPageView* page = [[TNWSettingsPageView alloc] initWithView:view];
@@ -64,7 +64,7 @@ NSScrollView* scrollViewOf(TNWSettingsPageView* page) {
     _settings = nullptr;
 }
 
-/// Also puts a page that was out of sight up to date.
+/// Also brings a page up to date that was hidden before.
 - (void)showContent:(const tarnwick::SettingsView::Content&)content {
     for (std::size_t i = 0; i < tarnwick::kTabs.size(); ++i) {
         if (tarnwick::kTabs[i].tab == content.tab) {

@@ -10,7 +10,7 @@
 
 namespace tarnwick::appkit {
 
-/// Edits `settings`; all outlive the view. Main thread.
+/// Edits `settings`. All three must outlive the view. Main thread.
 std::unique_ptr<platform::View> makeSettingsView(UserSettings& settings,
                                                  platform::Dispatch& dispatch,
                                                  platform::KeyboardLayout& keyboardLayout);

@@ -36,7 +36,8 @@ SettingsViewEnvironment environment(platform::Dispatch& dispatch,
     };
 }
 
-/// The native views lie in the window and read from the view of values; both go together.
+/// Owns the native views and the SettingsView that they read from, so that both are destroyed
+/// together.
 class SettingsHolder final : public ViewHolder {
  public:
     explicit SettingsHolder(std::unique_ptr<SettingsView> settingsView)
@@ -44,7 +45,7 @@ class SettingsHolder final : public ViewHolder {
           settingsView_(std::move(settingsView)) {}
     SettingsHolder(const SettingsHolder&) = delete;
     SettingsHolder& operator=(const SettingsHolder&) = delete;
-    // A control that is let go of later has nothing to call any more.
+    // A control that is released later must not call the destroyed view.
     ~SettingsHolder() override {
         [static_cast<TNWSettingsTabs*>(controller()) forgetView];
         settingsView_->shortcutField().makeFirstResponder = nullptr;

@@ -95,8 +95,8 @@
     }
 }
 
-/// Keys with Command come here, before any menu sees them. Held down after they were recorded, they
-/// still are no command of a menu.
+/// Keys with Command come here before any menu gets them. If they are held after they were
+/// recorded, they must not trigger a menu either.
 - (BOOL)performKeyEquivalent:(NSEvent*)event {
     if (self.window.firstResponder != self) {
         return [super performKeyEquivalent:event];
@@ -108,7 +108,7 @@
                                  : [super performKeyEquivalent:event];
 }
 
-/// Leaving the window, as with its tab, is losing the keyboard, too.
+/// Removal from the window, for example with its tab, also counts as losing the focus.
 - (void)viewWillMoveToWindow:(NSWindow*)window {
     [super viewWillMoveToWindow:window];
     if (window == nil && self.window != nil && _field->isRecording()) {

@@ -8,7 +8,7 @@ namespace tarnwick::appkit {
 /// The first one in a tree of views, each view before its subviews; nil without one.
 NSStatusBarButton* statusBarButtonIn(NSView* view);
 
-/// The first one in the application's windows, in the order in which they are listed.
+/// The first such button in the application's windows, in their listed order; nil without one.
 NSStatusBarButton* statusBarButton();
 
 }  // namespace tarnwick::appkit

@@ -51,7 +51,7 @@
 - (void)switched:(id)sender {
     (void)sender;
     _view->toggleSwitch(_setting);
-    // A preference that the system refuses is back at once.
+    // If the system refuses, the preference has been reset at once: show the stored value.
     [self showState:_setting == tarnwick::SettingsSwitch::launchOnLogin
                         ? _view->settings().launchOnLogin()
                         : _view->settings().remindRestartAfterWeek()];

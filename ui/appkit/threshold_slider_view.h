@@ -6,8 +6,8 @@
 #include "ui/settings/dual_threshold_slider.h"
 
 @interface TNWThresholdSliderView : NSView
-/// `slider` outlives the view's place in a window.
+/// `slider` must outlive the view's time in a window.
 - (instancetype)initWithSlider:(tarnwick::DualThresholdSlider*)slider;
-/// The thresholds may be others now.
+/// Call it when the thresholds may have changed.
 - (void)refresh;
 @end

@@ -13,7 +13,7 @@ constexpr CGFloat kDot = 8;
 
 }  // namespace
 
-/// One thumb: what the keyboard and a screen reader know of it. The slider draws it.
+/// One thumb for the keyboard and screen readers. The slider draws it.
 @interface TNWThumbView : NSView
 - (instancetype)initWithSlider:(Slider*)slider thumb:(Thumb)thumb changed:(void (^)(void))changed;
 @end
@@ -37,7 +37,7 @@ constexpr CGFloat kDot = 8;
     return self;
 }
 
-/// The pointer is the slider's.
+/// Never hit, because the slider handles the pointer.
 - (NSView*)hitTest:(NSPoint)point {
     (void)point;
     return nil;
@@ -184,7 +184,7 @@ constexpr CGFloat kDot = 8;
     [self fill:&track width:segments.red color:color(Tint::red)];
     [NSGraphicsContext restoreGraphicsState];
 
-    // The one that is dragged lies above the other.
+    // The dragged thumb is drawn above the other one.
     if (_slider->isDraggingNormal()) {
         [self drawThumb:Thumb::high color:color(Tint::red)];
         [self drawThumb:Thumb::normal color:color(Tint::yellow)];
@@ -194,7 +194,7 @@ constexpr CGFloat kDot = 8;
     }
 }
 
-/// Fills the start of the track, which then begins behind it.
+/// Fills the first `width` points of `track` and removes them from its start.
 - (void)fill:(NSRect*)track width:(CGFloat)width color:(NSColor*)color {
     NSRect part = *track;
     part.size.width = width;
@@ -223,7 +223,7 @@ constexpr CGFloat kDot = 8;
     return [self convertPoint:event.locationInWindow fromView:nil];
 }
 
-/// A press beside the thumbs is not the slider's.
+/// A press beside the thumbs is passed on.
 - (void)mouseDown:(NSEvent*)event {
     const NSPoint place = [self placeOf:event];
     const NSSize size = self.bounds.size;
@@ -245,7 +245,7 @@ constexpr CGFloat kDot = 8;
     [self refresh];
 }
 
-/// The thumb that is dragged has the keyboard, where thumbs have it at all.
+/// Gives the focus to the dragged thumb, if thumbs accept the focus.
 - (void)dragged {
     TNWThumbView* thumb = _slider->isDraggingNormal() ? _normal
                           : _slider->isDraggingHigh() ? _high
@@ -256,7 +256,7 @@ constexpr CGFloat kDot = 8;
     [self refresh];
 }
 
-/// What leaves the window is dragged no more.
+/// Removal from the window ends a drag.
 - (void)viewWillMoveToWindow:(NSWindow*)window {
     [super viewWillMoveToWindow:window];
     if (window == nil && self.window != nil) {

@@ -5,7 +5,7 @@
 #include "ui/appkit/style.h"
 #include "ui/appkit/view_holder.h"
 
-/// Hands the news of a window on.
+/// Passes a window's notifications to a receiver.
 @interface TNWWindowDelegate : NSObject <NSWindowDelegate>
 @property(nonatomic) tarnwick::platform::WindowDelegate* receiver;
 @end
@@ -13,7 +13,8 @@
 @implementation TNWWindowDelegate
 
 - (void)windowWillClose:(NSNotification*)notification {
-    // The receiver may destroy what owns the window, which is still closing.
+    // Keeps the window alive: the receiver may destroy the owner of the window, which is still
+    // closing.
     NSWindow* window = notification.object;
     if (self.receiver != nullptr) {
         self.receiver->windowWillClose();
@@ -60,7 +61,7 @@ class TitledWindow final : public platform::Window {
         if (holder == nullptr) {
             window_.contentView = nil;
         } else {
-            // The window would take the size of what it is given.
+            // The window would otherwise take the size of its new content.
             const NSSize size = [window_ contentRectForFrameRect:window_.frame].size;
             window_.contentViewController = holder->controller();
             [window_ setContentSize:size];

@@ -1,4 +1,4 @@
-// Native views as what a window shows. For Objective-C++ only.
+// A native view as the content of a window. For Objective-C++ only.
 #pragma once
 
 #import <AppKit/AppKit.h>

@@ -1,5 +1,5 @@
-// The building blocks of the panel's pages, as plain values. The pages' headers say in which order
-// they stand; the fronts draw each in one place.
+// The building blocks of the panel's pages, as plain values. The headers of the pages say in which
+// order the blocks stand; each front end draws each kind of block in one place.
 #pragma once
 
 #include <cmath>
@@ -28,8 +28,8 @@ enum class PanelAction {
     goBack,
 };
 
-/// In a panel's header a button shows its icon alone, its title then is its tool tip; elsewhere the
-/// icon, if any, stands before the title. The title always is its accessible name.
+/// In a panel's header a button shows its icon alone, and its title is its tool tip. Elsewhere the
+/// icon, if any, stands before the title. The title is always the accessible name.
 struct PanelButton {
     std::string title;
     /// Symbol name; may be empty.
@@ -50,8 +50,8 @@ struct PanelHeader {
     bool operator==(const PanelHeader&) const = default;
 };
 
-/// One row: the plain button that leads back, with a symbol before its word, the page's title
-/// (headline) and the plain button that refreshes.
+/// One row: the plain button that leads back, with a symbol before its title; the title of the page
+/// (headline); the plain button that refreshes.
 struct DetailHeader {
     std::string title;
     PanelButton back;
@@ -69,8 +69,8 @@ struct NavigationButton {
     bool operator==(const NavigationButton&) const = default;
 };
 
-/// The first button stands at the leading edge, the last at the trailing one, at least kSpacing
-/// points apart.
+/// The first button stands at the leading edge, the last one at the trailing edge. The space
+/// between two buttons is at least kSpacing points.
 struct FooterRow {
     static constexpr int kSpacing = 12;
 
@@ -113,7 +113,7 @@ struct StatusRow {
     /// Symbol name.
     std::string icon;
     std::string value;
-    /// The value is medium and primary rather than secondary.
+    /// True: the value is medium and primary. False: it is secondary.
     bool isProminent = false;
 
     bool operator==(const StatusRow&) const = default;
@@ -150,7 +150,7 @@ struct UsageBar {
 
     bool operator==(const UsageBar&) const = default;
 
-    /// The share of the bar that is filled, 0 to 1, whatever the value.
+    /// The share of the bar that is filled, always within 0 to 1.
     double fraction() const {
         return !std::isfinite(value) || value < 0 ? 0 : std::fmin(value, 100) / 100;
     }
@@ -159,8 +159,8 @@ struct UsageBar {
 /// A metric's current value and its recent course. At the left the title (caption, secondary) over
 /// the value (caption, medium), at the right the sparkline.
 struct TrendRow {
-    // Points.
-    /// Between the texts and the sparkline, at least.
+    // All in points.
+    /// The least space between the texts and the sparkline.
     static constexpr int kSpacing = 10;
     /// Between title and value.
     static constexpr int kTextSpacing = 2;
@@ -177,7 +177,7 @@ struct TrendRow {
     SparklineView sparkline() const { return {values, color}; }
 };
 
-/// What a list says of a process at the trailing side.
+/// Makes the text that a list shows for a process at the trailing side.
 using ProcessValueText = std::function<std::string(const AppProcessInfo&)>;
 
 /// Caption: the process's name at the left, `valueText` of it at the right.
@@ -186,7 +186,7 @@ struct ProcessRow {
     /// Never empty.
     ProcessValueText valueText;
 
-    /// Equal when they say the same of the same process.
+    /// Equal when both show the same texts and fields of the same process.
     bool operator==(const ProcessRow& other) const {
         return process == other.process && valueText(process) == other.valueText(other.process);
     }
@@ -194,7 +194,7 @@ struct ProcessRow {
 
 /// A list of processes without a title: a row for each, in list order.
 struct TopAppsList {
-    /// In place of the rows while there is no process: caption, secondary.
+    /// Shown instead of the rows while there is no process: caption, secondary.
     static constexpr std::string_view kEmptyText = "Collecting data...";
 
     std::vector<AppProcessInfo> processes;
@@ -207,7 +207,7 @@ struct TopAppsList {
         return indent == other.indent && rows() == other.rows();
     }
 
-    /// One a process, in the order of the list.
+    /// One row for each process, in the order of the list.
     std::vector<ProcessRow> rows() const {
         std::vector<ProcessRow> rows;
         for (const AppProcessInfo& process : processes) {
@@ -230,7 +230,7 @@ struct TopAppsSection {
         return title == other.title && rows() == other.rows();
     }
 
-    /// One a process, in the order of the list.
+    /// One row for each process, in the order of the list.
     std::vector<ProcessRow> rows() const { return TopAppsList{processes, 0, valueText}.rows(); }
 };
 

@@ -11,7 +11,7 @@ ProcessSlots heldOrder(const ProcessSlots& shown, const std::vector<AppProcessIn
     ProcessSlots rows(shown.size());
     std::vector<AppProcessInfo> newcomers;
     for (const AppProcessInfo& process : latest) {
-        // The number of a process that has ended is given to others.
+        // The name must match, too: the system reuses the numbers of ended processes.
         const auto place = std::find_if(shown.begin(), shown.end(), [&process](const auto& row) {
             return row && row->id == process.id && row->name == process.name;
         });

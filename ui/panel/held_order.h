@@ -1,4 +1,4 @@
-// The order of a list that somebody is pointing at.
+// The order of a list while the pointer is over it.
 #pragma once
 
 #include <optional>
@@ -8,17 +8,19 @@
 
 namespace tarnwick {
 
-/// A pointer that has come to rest holds what it points at for one page and so many more, which
-/// takes some seconds: nothing that the panel has to say may wait for ever.
+/// A resting pointer delays layout changes below it for one page and at most this many more, which
+/// takes some seconds. So the panel cannot hold back its news for ever.
 inline constexpr int kPagesAtRest = 4;
 
-/// The rows of a list from top to bottom; an empty one has nobody in it.
+/// The rows of a list from top to bottom. An empty row shows no process.
 using ProcessSlots = std::vector<std::optional<AppProcessInfo>>;
 
-/// The latest processes, each with its latest figures, in the rows where they are shown: whoever is
-/// still among them keeps its row, whoever is new takes the first free one, and those that find
-/// none wait. A row that nobody takes is left empty. So there are as many rows as were shown, and
-/// none moves; where none was shown there is nothing to hold.
+/// Puts the latest processes, with their latest figures, into the rows where they are shown. The
+/// number of rows stays, and no row moves. If no rows are shown, returns the latest processes in
+/// their order.
+///
+/// A process that is already shown keeps its row. A new one takes the first free row; if there is
+/// none, it is left out for now. A row without a process stays empty.
 ProcessSlots heldOrder(const ProcessSlots& shown, const std::vector<AppProcessInfo>& latest);
 
 }  // namespace tarnwick

@@ -16,9 +16,9 @@ namespace {
 
 /// Seconds after which a restart is recommended: seven days.
 constexpr double kRestartReminderUptime = 604800;
-/// Bytes available at which storage counts as low: 20 × 1024³.
+/// Storage counts as low at or below this many available bytes: 20 × 1024³.
 constexpr std::int64_t kLowStorageBytes = 21474836480;
-/// The same as a share of the volume, percent.
+/// It also counts as low at or below this available share of the volume, percent.
 constexpr double kLowStoragePercentage = 10;
 
 constexpr const char* kDriveSymbol = "internaldrive";
@@ -142,7 +142,8 @@ class HomePageBuilder {
         }
     }
 
-    /// Only the system's own hardware report is trusted with a figure.
+    /// The health as a figure only if the system's own hardware report gave it; other sources are
+    /// not trusted with one.
     static std::string healthText(const BatteryInfo& battery) {
         return battery.health && battery.healthSource == BatteryHealthSource::systemProfiler
                    ? std::to_string(*battery.health) + "%"

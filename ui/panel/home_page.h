@@ -13,7 +13,7 @@
 
 namespace tarnwick {
 
-/// Everything that the home page is made of, as it is at the moment of building.
+/// Everything that the home page shows, as it is when the page is built.
 struct HomePageInputs {
     MetricDisplaySummary displaySummary;
     SystemInfo systemInfo;
@@ -29,7 +29,7 @@ struct HomePageInputs {
     std::vector<AppProcessInfo> topCPUProcesses;
     MetricThresholds thresholds;
     bool remindRestartAfterWeek = false;
-    /// What pressing can do; buttons for anything else are disabled.
+    /// The actions that can be performed; buttons for all others are disabled.
     std::set<PanelAction> enabledActions;
 };
 

@@ -10,11 +10,11 @@
 
 namespace tarnwick {
 
-/// Everything that the page is made of, as it is at the moment of building.
+/// Everything that the page shows, as it is when the page is built.
 struct MemoryDetailInputs {
     MemoryInfo memoryInfo;
     std::vector<AppProcessInfo> topMemoryProcesses;
-    /// What pressing can do; buttons for anything else are disabled.
+    /// The actions that can be performed; buttons for all others are disabled.
     std::set<PanelAction> enabledActions;
 };
 

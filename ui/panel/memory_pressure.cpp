@@ -31,7 +31,7 @@ MemoryPressure estimatedPressure(const MemoryInfo& memory) {
     if (memory.total == 0) {
         return MemoryPressure::good;
     }
-    // Never more than there is, even where the sum would not fit its type.
+    // Limited to the total, even where the sum of both would overflow its type.
     const std::uint64_t free = std::min(memory.free, memory.total);
     const std::uint64_t available = free + std::min(memory.cached, memory.total - free);
     const auto percent = [&memory](std::uint64_t bytes) {

@@ -17,8 +17,8 @@ enum class MemoryPressure {
 /// "Good", "Normal", "High".
 std::string_view word(MemoryPressure pressure);
 
-/// Looks at free and cached memory, which programs can have at once, and at compressed memory;
-/// used, wired, application and swap play no part. Good for a machine without memory.
+/// Judged by free and cached memory, which programs can have at once, and by compressed memory.
+/// Used, wired and application memory and swap do not count. Good if the total is 0.
 MemoryPressure estimatedPressure(const MemoryInfo& memory);
 
 }  // namespace tarnwick

@@ -31,7 +31,7 @@ const Page& MenuBarView::appear() {
         return lastPage_;
     }
     isVisible_ = true;
-    // Whatever was pressed while nothing was to be seen.
+    // Forgets presses that came while the panel was not visible.
     activeTab_ = MenuTab::home;
     lastDetail_ = MenuTab::home;
     statsSubscription_ = statsManager_.objectWillChange([this] { nextRebuild_.schedule(); });

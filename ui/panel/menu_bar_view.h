@@ -26,14 +26,14 @@ enum class MenuTab {
     performanceDetail = 2,
 };
 
-/// What lies outside the panel. The button of a missing function is disabled.
+/// Functions outside the panel. If one is missing, its button is disabled.
 struct PanelTargets {
     std::function<void()> showSettings{};
     std::function<void()> openActivityMonitor{};
     std::function<void()> quit{};
 };
 
-/// What a view runs on; all outlive it.
+/// What a view runs on. All of it must outlive the view.
 struct MenuBarViewEnvironment {
     platform::Dispatch& dispatch;
     platform::ProcessInfo& processInfo;
@@ -55,29 +55,30 @@ class MenuBarView {
     StatsManager& statsManager() const { return statsManager_; }
     MenuTab activeTab() const { return activeTab_; }
 
-    /// The panel is on screen from now on: tells the manager and follows its fields and the
-    /// settings. The page to begin with.
+    /// The panel appears: tells the manager, and follows the manager's fields and the settings from
+    /// now on. Returns the first page to show.
     const Page& appear();
-    /// The panel has gone: tells the manager and costs nothing until it appears again, on the home
-    /// page.
+    /// The panel has disappeared: tells the manager, and does no work until the panel appears
+    /// again. It will then appear with the home page.
     void disappear();
     bool isVisible() const { return isVisible_; }
 
-    /// What to show now.
+    /// The page to show now.
     Page page() const;
-    /// While visible: calls `observer` with the page when it differs from the last one; after a
-    /// change of the figures on a later turn of the main queue, once however many fields changed,
-    /// after a press that leads to another page at once.
+    /// While visible, calls `observer` with the page when it differs from the last one. After a
+    /// change of the figures the call comes on a later turn of the main queue, once for any number
+    /// of changed fields. After a press that leads to another page it comes at once.
     void setPageObserver(std::function<void(const Page&)> observer);
 
     bool canPerform(PanelAction action) const;
     /// Does nothing for an action that cannot be performed.
     void perform(PanelAction action);
-    /// What Escape does: leads back from a detail page. False, doing nothing, on the home page,
-    /// from where it closes the panel.
+    /// What Escape does: leads back from a detail page and returns true. On the home page does
+    /// nothing and returns false; there Escape closes the panel.
     bool cancel();
-    /// The button to go on from by keyboard when another page has come: on a detail page the way
-    /// back, on the home page the button that led away last. Absent as long as none has.
+    /// The button at which keyboard navigation goes on after a change of page: on a detail page the
+    /// button that leads back; on the home page the button that led away last, absent if there was
+    /// none.
     std::optional<PanelAction> entryAction() const;
 
  private:
@@ -95,7 +96,7 @@ class MenuBarView {
     /// The detail page shown last; home before there was one.
     MenuTab lastDetail_ = MenuTab::home;
     bool isVisible_ = false;
-    /// The page announced last while visible.
+    /// The page announced last; empty while not visible.
     Page lastPage_;
     std::function<void(const Page&)> observer_;
     platform::NextTurn nextRebuild_{environment_.dispatch, [this] { rebuild(); }};

@@ -29,7 +29,7 @@ void Motion::remove(MovingValue* value) {
 }
 
 void Motion::tick() {
-    // What a frame calls may add and remove values.
+    // A copy: the functions that a frame calls may add and remove values.
     const std::vector<MovingValue*> values = moving_;
     for (MovingValue* value : values) {
         const bool isThere = std::find(moving_.begin(), moving_.end(), value) != moving_.end();

@@ -1,4 +1,4 @@
-// Smooth steps from one figure to the next, for what is drawn as a length.
+// Smooth steps from one figure to the next, for figures that are drawn as a length.
 #pragma once
 
 #include <functional>
@@ -11,11 +11,11 @@ namespace tarnwick {
 
 class MovingValue;
 
-/// One clock for everything that moves. It ticks only while something does, and so often that the
-/// eye sees one movement, no more. Main thread.
+/// One clock for everything that moves. It ticks only while something moves, and only as often as
+/// the eye needs to see one movement. Main thread.
 class Motion {
  public:
-    // Seconds. The sixth frame is the last one, with some of a fifth of a second to spare.
+    // Seconds. A movement ends with its sixth frame, well within a fifth of a second.
     static constexpr double kDuration = 0.175;
     static constexpr double kFrame = 0.03;
 
@@ -24,10 +24,10 @@ class Motion {
     Motion(const Motion&) = delete;
     Motion& operator=(const Motion&) = delete;
 
-    /// With true nothing moves: what is on its way arrives at once, and later steps are jumps.
+    /// With true nothing moves: current movements end at once, and later steps are jumps.
     void setReduced(bool isReduced);
     bool isReduced() const { return isReduced_; }
-    /// The clock ticks.
+    /// True while the clock ticks.
     bool isRunning() const { return timer_ != nullptr; }
 
  private:
@@ -40,35 +40,35 @@ class Motion {
 
     platform::Dispatch& dispatch_;
     bool isReduced_ = false;
-    /// What is on its way.
+    /// The values that are moving now.
     std::vector<MovingValue*> moving_;
-    /// There while anything is.
+    /// Not null while any value is moving.
     std::unique_ptr<platform::Timer> timer_;
 };
 
 /// A figure that takes kDuration to arrive at a new value. Main thread.
 class MovingValue {
  public:
-    /// `changed` is called for each frame that shows another value. Without a motion every step is
-    /// a jump.
+    /// `changed` is called for each frame that shows another value. With a null `motion` every step
+    /// is a jump.
     MovingValue(std::shared_ptr<Motion> motion, std::function<void()> changed);
     MovingValue(const MovingValue&) = delete;
     MovingValue& operator=(const MovingValue&) = delete;
     ~MovingValue();
 
-    /// What to show now.
+    /// The value to show now.
     double value() const { return shown_; }
-    /// Where it is going, or has arrived.
+    /// The value that it moves to or has reached.
     double target() const { return target_; }
-    /// Is there at once. Does not call `changed`.
+    /// Takes the value at once. Does not call `changed`.
     void jumpTo(double target);
-    /// Goes there from where it is now.
+    /// Moves to the value from the one that is shown now.
     void moveTo(double target);
 
  private:
     friend class Motion;
 
-    /// Shows the place at that time; false once it has arrived.
+    /// Shows the value for the time `now`; false once it has arrived.
     bool show(double now);
 
     std::shared_ptr<Motion> motion_;
@@ -76,7 +76,7 @@ class MovingValue {
     double shown_ = 0;
     double origin_ = 0;
     double target_ = 0;
-    /// When it left, seconds of the dispatch's clock.
+    /// When the movement began, seconds of the dispatch's clock.
     double start_ = 0;
 };
 

@@ -26,7 +26,7 @@ inline constexpr int kBarSpacing = 11;
 inline constexpr int kBatterySpacing = 10;
 
 struct PageItem {
-    /// Tells the items of a page apart and stays the same from one page to the next.
+    /// Identifies the item within its page; the same item has the same id on the next page.
     std::string id;
     /// Points between this item and the one above it; the first one has none.
     int spaceAbove = kBlockSpacing;

@@ -10,8 +10,7 @@ namespace tarnwick {
 
 class PageBuilder {
  public:
-    /// Buttons for what is not among `enabledActions` are disabled. The set must outlive the
-    /// builder.
+    /// Buttons for actions outside `enabledActions` are disabled. The set must outlive the builder.
     explicit PageBuilder(const std::set<PanelAction>& enabledActions)
         : enabledActions_(enabledActions) {}
 
@@ -22,7 +21,7 @@ class PageBuilder {
 
     PanelButton button(std::string title, PanelAction action, std::string icon = {}) const;
 
-    /// The page, which the builder then no longer has.
+    /// Moves the page out: the builder is empty afterwards.
     Page take();
 
  private:

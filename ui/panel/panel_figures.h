@@ -15,17 +15,17 @@ namespace tarnwick {
 /// Red at or above `high`, else yellow at or above `normal`, else green.
 Tint levelTint(double value, double normal, double high);
 
-/// Symbol that stands beside a figure of that colour, so that the level is told by more than the
-/// colour; empty for green, which is as it should be, and for colours that are no level.
+/// The symbol beside a figure of that colour, so that the level does not depend on the colour
+/// alone. Empty for green, which needs no mark, and for colours that are not a level.
 std::string_view levelMark(Tint tint);
 
-// The level of a metric of now.
+// The level of each metric at present.
 Tint cpuTint(const CPUInfo& cpu, const MetricThresholds& thresholds);
 Tint gpuTint(const GPUInfo& gpu, const MetricThresholds& thresholds);
 Tint memoryTint(const MemoryInfo& memory, const MetricThresholds& thresholds);
 Tint storageTint(double usagePercentage, const MetricThresholds& thresholds);
 
-/// In the memory style; counts beyond the signed range read as its greatest.
+/// In the memory style. Counts beyond the signed range are shown as its largest value.
 std::string memoryText(std::uint64_t bytes, const platform::ByteCountFormatter& formatter);
 /// In the file style; negative counts read as 0.
 std::string fileText(std::int64_t bytes, const platform::ByteCountFormatter& formatter);

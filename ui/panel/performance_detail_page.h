@@ -13,7 +13,7 @@
 
 namespace tarnwick {
 
-/// Everything that the page is made of, as it is at the moment of building.
+/// Everything that the page shows, as it is when the page is built.
 struct PerformanceDetailInputs {
     CPUInfo cpuInfo;
     GPUInfo gpuInfo;
@@ -29,11 +29,11 @@ struct PerformanceDetailInputs {
     /// 0 nominal, 1 fair, 2 serious, 3 critical; anything else is unknown.
     std::int64_t thermalState = 0;
     MetricThresholds thresholds;
-    /// What pressing can do; buttons for anything else are disabled.
+    /// The actions that can be performed; buttons for all others are disabled.
     std::set<PanelAction> enabledActions;
 };
 
-/// A trend shows so many samples at most, the latest ones.
+/// A trend shows at most this many samples, the latest ones.
 inline constexpr std::size_t kTrendSamples = 30;
 
 Page performanceDetailPage(const PerformanceDetailInputs& inputs,

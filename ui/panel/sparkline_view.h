@@ -7,7 +7,7 @@
 
 namespace tarnwick {
 
-/// A place in a sparkline, points from its upper left corner.
+/// A point of a sparkline, in points from its upper left corner.
 struct SparklinePoint {
     double x = 0;
     double y = 0;
@@ -20,8 +20,8 @@ struct SparklineView {
     static constexpr double kMiterLimit = 10;
     /// Series that vary less are drawn against this span, so that noise does not fill the height.
     static constexpr double kLeastSpan = 1;
-    // In place of a line that has fewer than two values stands a bar across the whole width, in
-    // the middle: the secondary colour at this opacity, this high, with corners of this radius.
+    // With fewer than two values a vertically centred bar across the whole width is drawn instead
+    // of the line. Its height and corner radius in points, and its opacity in the secondary colour:
     static constexpr double kPlaceholderHeight = 2;
     static constexpr double kPlaceholderCorner = 3;
     static constexpr double kPlaceholderOpacity = 0.2;
@@ -31,8 +31,8 @@ struct SparklineView {
 
     bool operator==(const SparklineView&) const = default;
 
-    /// The line in a frame of this size, its greatest value at the top, a flat series at the
-    /// bottom. Empty when a placeholder stands in its place.
+    /// The line in a frame of this size, with its greatest value at the top; a flat series lies at
+    /// the bottom. Empty when the placeholder bar is drawn instead.
     std::vector<SparklinePoint> points(double width, double height) const;
 };
 

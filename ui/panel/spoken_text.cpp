@@ -16,7 +16,7 @@ std::string joined(std::string_view first, std::string_view second) {
     return text;
 }
 
-/// The colour in words; empty for a colour that is no level.
+/// The level in words; empty for a colour that is not a level.
 std::string_view levelWord(Tint tint) {
     switch (tint) {
         case Tint::green:

@@ -7,8 +7,9 @@
 
 namespace tarnwick {
 
-/// Name, value and, for a bar, its level in words: "CPU, 42.0%, normal". Empty for a block that is
-/// mere decoration. The buttons in a block and the rows of a list speak for themselves.
+/// Name, value and, if the block shows a level, the level in words: "CPU, 42.0%, normal". Empty for
+/// a block that is only decoration or only holds parts. The buttons in a block and the rows of a
+/// list have texts of their own.
 std::string spokenText(const PanelBlock& block);
 
 }  // namespace tarnwick

@@ -4,7 +4,7 @@
 #include <QApplication>
 #include <QWidget>
 
-// Behind the other one, which it needs and does not include.
+// After the header above, because this one needs it and does not include it.
 #include <QtGui/qaccessibleobject.h>
 
 namespace tarnwick::qt {

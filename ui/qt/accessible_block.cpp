@@ -13,8 +13,8 @@ namespace {
 constexpr double kLeast = 0;
 constexpr double kGreatest = 100;
 
-/// A block that shows a share says its name as its description, too: where the value alone is read
-/// out, the description says of what it is and how high that is.
+/// The description of a block that shows a share is its name. So where a screen reader reads only
+/// the value and the description, the user still hears which figure it is and how high.
 class AccessibleBlock final : public QAccessibleWidget, public QAccessibleValueInterface {
  public:
     explicit AccessibleBlock(BlockWidget* block)

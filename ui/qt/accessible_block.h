@@ -1,18 +1,18 @@
-// What screen readers are told of the panel and its blocks beyond their names.
+// What screen readers learn about the panel and its blocks in addition to their names.
 #pragma once
 
 namespace tarnwick::qt {
 
 class BlockWidget;
 
-/// From now on the panel and every building block has its role and, where it shows a share, its
-/// value. Once for the process.
+/// From now on the panel and every building block has a role, and a block that shows a share has a
+/// value. Call it once for the process.
 void describeBlocksForScreenReaders();
 
-/// Tells them of another value of a block. Costs nothing while nobody listens.
+/// Tells screen readers the new value of a block. Costs nothing while no screen reader listens.
 void announceValue(BlockWidget& block, double percent);
-/// Tells them that a block is described otherwise, which it is with its name where it shows a
-/// share.
+/// Tells screen readers that the description of a block has changed. Only a block that shows a
+/// share has one: its name.
 void announceDescription(BlockWidget& block);
 
 }  // namespace tarnwick::qt

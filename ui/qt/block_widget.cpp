@@ -27,7 +27,7 @@ bool BlockWidget::event(QEvent* event) {
         QToolTip::hideText();
         event->ignore();
     } else {
-        // Names may hold anything; none of it is markup.
+        // Escaped, because names may contain any characters and are not markup.
         QToolTip::showText(help->globalPos(),
                            "<span>" + text.toHtmlEscaped().replace('\n', "<br>") + "</span>", this);
     }

@@ -12,46 +12,46 @@
 
 namespace tarnwick::qt {
 
-/// What a press asks for.
+/// Called with the action of a pressed button.
 using PressHandler = std::function<void(PanelAction)>;
 
-/// Keeps its height: whoever places it asks heightFor() after each change.
+/// Does not change its own height: the owner asks heightFor() after each change and places it.
 class BlockWidget : public QWidget {
     Q_OBJECT
 
  public:
     BlockWidget(const Theme& theme, QWidget* parent) : QWidget(parent), theme_(theme) {}
 
-    /// Shows the block, painting again only when it differs from the one shown. False, changing
-    /// nothing, when it is of another kind.
+    /// Shows the block; paints again only if it differs from the one shown. If the block is of
+    /// another kind, changes nothing and returns false.
     virtual bool setBlock(const PanelBlock& block) = 0;
     virtual int heightFor(int width) const = 0;
-    /// Pixels by which what is drawn may reach beyond that height, above as well as below: the
-    /// widget is so much higher on both sides, less than the space to its neighbours.
+    /// Pixels by which the drawing may reach beyond that height, both above and below. The widget
+    /// is higher by this much on both sides. Less than the space to its neighbours.
     virtual int overhang() const { return 0; }
     virtual QAccessible::Role accessibleRole() const { return QAccessible::StaticText; }
-    /// Somebody is pointing at what must not move.
+    /// True while the pointer is over something that must not move.
     virtual bool isHeld() const { return false; }
-    /// Nobody holds it any more, until the pointer moves over it again.
+    /// Ends isHeld() until the pointer moves over the block again.
     virtual void letGo() {}
-    /// Finds out where the pointer is, after a move of what may lie below it: that is no move of
-    /// the pointer.
+    /// Finds out where the pointer is after the block may have moved below it. This does not count
+    /// as a move of the pointer.
     virtual void lookForPointer() {}
     /// The share that the block shows, percent; absent when it shows none.
     virtual std::optional<double> accessibleValue() const { return std::nullopt; }
 
  signals:
-    /// heightFor() may say something else although no other block was set, or nobody holds it any
-    /// more.
+    /// heightFor() may have changed although no other block was set, or isHeld() has ended.
     void placeChanged();
-    /// accessibleValue() is another one than the last time.
+    /// accessibleValue() has changed.
     void accessibleValueChanged(double percent);
 
  protected:
-    /// Tells of accessibleValue() where there is one and it is another one than the last time.
+    /// Emits accessibleValueChanged() if there is a value and it has changed.
     void announceValue();
     const Theme& theme() const { return theme_; }
-    /// The full text of what is cut at this point, for a tool tip.
+    /// The full text of the text that is cut at this point, for a tool tip; empty if none is cut
+    /// there.
     virtual QString cutTextAt(const QPoint& position) const;
     bool event(QEvent* event) override;
 
@@ -60,7 +60,7 @@ class BlockWidget : public QWidget {
     std::optional<double> announcedValue_;
 };
 
-/// Holds the value.
+/// Keeps the block's value.
 template <class Value>
 class ValueBlockWidget : public BlockWidget {
  public:
@@ -85,7 +85,7 @@ class ValueBlockWidget : public BlockWidget {
     /// Set from the first setBlock() on.
     const Value& value() const { return *value_; }
     virtual void valueChanged() {}
-    /// False for a block whose parts see to their painting.
+    /// False for a block with parts that paint themselves.
     virtual bool paintsItself() const { return true; }
 
  private:

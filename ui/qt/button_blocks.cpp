@@ -69,7 +69,7 @@ QStringList PanelHeaderWidget::summaryLines(int width, int most) const {
                    most);
 }
 
-/// As many as there is room for: the header may have to wait for the height that it asks for.
+/// As many lines as there is room for: the header may not have been given its full height yet.
 QStringList PanelHeaderWidget::shownSummary() const {
     const int room = height() - titleRowHeight() - kSummaryGap;
     const int most = room / theme().style(FontRole::caption).lineHeight();
@@ -132,7 +132,7 @@ void DetailHeaderWidget::valueChanged() {
     showButtons({value().back, value().refresh}, ButtonKind::link);
 }
 
-// The words, not the grounds under the pointer, end where the page's other texts do.
+// Aligns the buttons' words, not their hover backgrounds, with the edges of the page's other texts.
 void DetailHeaderWidget::placeButtons() {
     const QSize back = buttons().front()->sizeHint();
     const QSize refresh = buttons().back()->sizeHint();
@@ -183,8 +183,8 @@ int FooterRowWidget::heightFor(int) const {
     return height;
 }
 
-// From the leading edge on, with the last one at the trailing edge; each gets its share of the row
-// at most, so that none covers another.
+// Places the buttons from the leading edge on, and the last one at the trailing edge. If they do
+// not all fit, each one shrinks in proportion, so that none covers another.
 void FooterRowWidget::placeButtons() {
     const int count = static_cast<int>(buttons().size());
     const int room = width() - (count - 1) * FooterRow::kSpacing;

@@ -9,7 +9,7 @@
 
 namespace tarnwick::qt {
 
-/// Keeps the buttons where they belong.
+/// Creates the buttons of a block and places them when its size or font changes.
 template <class Value>
 class ButtonBlockWidget : public ValueBlockWidget<Value> {
  public:
@@ -30,8 +30,8 @@ class ButtonBlockWidget : public ValueBlockWidget<Value> {
     std::vector<ButtonWidget*> buttons_;
 };
 
-/// The title and icon buttons of the home page, and the summary, which takes a second line where
-/// one is too short.
+/// The title and the icon buttons of the home page, and the summary, which takes a second line if
+/// it does not fit into one.
 class PanelHeaderWidget final : public ButtonBlockWidget<PanelHeader> {
  public:
     using ButtonBlockWidget::ButtonBlockWidget;
@@ -47,7 +47,7 @@ class PanelHeaderWidget final : public ButtonBlockWidget<PanelHeader> {
 
  private:
     int titleRowHeight() const;
-    /// The title, cut where the buttons leave no room for all of it.
+    /// The title, cut if the buttons leave too little room.
     QString shownTitle() const;
     QStringList summaryLines(int width, int most) const;
     QStringList shownSummary() const;
@@ -65,7 +65,8 @@ class NavigationButtonWidget final : public ButtonBlockWidget<NavigationButton> 
     void placeButtons() override;
 };
 
-/// The way back, the title in the middle of the row where there is room, and the refresh.
+/// The button that leads back, the title (in the middle of the row if there is room), and the
+/// refresh button.
 class DetailHeaderWidget final : public ButtonBlockWidget<DetailHeader> {
  public:
     using ButtonBlockWidget::ButtonBlockWidget;
@@ -80,7 +81,7 @@ class DetailHeaderWidget final : public ButtonBlockWidget<DetailHeader> {
     QString cutTextAt(const QPoint& position) const override;
 
  private:
-    /// The title, cut where the row has no room for all of it.
+    /// The title, cut if the row has too little room.
     QString shownTitle() const;
 };
 

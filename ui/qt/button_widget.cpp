@@ -18,7 +18,7 @@ namespace {
 
 /// A disabled button is drawn this opaque.
 constexpr qreal kDisabledOpacity = 0.45;
-// So opaque are links under the pointer.
+// Opacity of links under the pointer and while pressed.
 constexpr float kHoveredLink = 0.75F;
 constexpr float kPressedLink = 0.5F;
 
@@ -179,7 +179,8 @@ void ButtonWidget::keyPressEvent(QKeyEvent* event) {
         return;
     }
     if (event->key() == Qt::Key_Up || event->key() == Qt::Key_Down) {
-        // Walks or scrolls, as there is room for the page.
+        // Left to the page: it walks through the buttons or scrolls, depending on the room for the
+        // page.
         event->ignore();
         return;
     }

@@ -11,14 +11,14 @@ namespace tarnwick::qt {
 
 /// How a button looks.
 enum class ButtonKind {
-    /// A symbol alone, with a ground only under the pointer.
+    /// A symbol alone, with a background only under the pointer.
     icon,
-    /// Its title on a ground.
+    /// Its title on a background.
     title,
-    /// As wide as the page, with the title at its leading and a symbol at its trailing end.
+    /// As wide as the page, with the title at its leading end and a symbol at its trailing end.
     navigation,
-    /// Its title in the accent colour, with its symbol, if any, before it; without padding, so that
-    /// it keeps to the page's edges, and paler under the pointer.
+    /// Its title in the accent colour, with its symbol, if any, before it; paler under the pointer.
+    /// Without padding, so that it is aligned with the page's edges.
     link,
 };
 
@@ -38,7 +38,7 @@ class ButtonWidget final : public QAbstractButton {
     QSize sizeHint() const override;
     /// Radius of its corners.
     int corner() const;
-    /// It has the focus because of a key, so that the focus is to be seen.
+    /// True if the button has the focus and a key gave it, so that the focus must be visible.
     bool showsFocus() const { return hasFocus() && focusCameByKey_; }
 
  protected:
@@ -52,7 +52,7 @@ class ButtonWidget final : public QAbstractButton {
     QColor ground() const;
     QColor foreground() const;
     const TextStyle& style() const { return theme_.style(FontRole::subheadline); }
-    /// Where the title starts, and the room that it has, logical pixels.
+    /// Where the title starts and the room for it, logical pixels.
     qreal titleX() const;
     qreal titleRoom() const;
 

@@ -1,4 +1,4 @@
-// Return as a second space bar.
+// Lets Return press buttons as the space bar does.
 #pragma once
 
 #include <QAbstractButton>
@@ -6,7 +6,7 @@
 
 namespace tarnwick::qt {
 
-/// Return presses a button as the space bar does, once however long it is held. False for other
+/// Return presses a button as the space bar does; holding it presses only once. False for other
 /// keys.
 bool clickByReturn(QAbstractButton& button, const QKeyEvent& event);
 

@@ -3,8 +3,8 @@
 
 namespace tarnwick::qt {
 
-/// Something mixes translucent windows with what lies behind them. On X11 that is so while somebody
-/// owns the compositing manager's selection; asked anew at each call.
+/// True if a compositor blends translucent windows with what is behind them. On X11: while any
+/// program owns the compositing manager's selection; without X11 always. Checked at each call.
 bool hasCompositor();
 
 }  // namespace tarnwick::qt

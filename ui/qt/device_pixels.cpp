@@ -9,7 +9,7 @@ namespace tarnwick::qt {
 
 namespace {
 
-/// Parts of a pixel that are no more than the error of the arithmetic.
+/// Fractions of a pixel below this are rounding errors of the arithmetic.
 constexpr qreal kTolerance = 1e-3;
 
 int pixel(qreal coordinate) {
@@ -19,7 +19,8 @@ int pixel(qreal coordinate) {
 }  // namespace
 
 QRectF onPixelRows(const QPainter& painter, const QRectF& rect) {
-    // Not the device's own ratio: a painter of a widget names the widget, wherever it draws.
+    // Not the device's own ratio: the painter of a widget reports the widget as its device, even
+    // while it draws into something else.
     const QTransform& device = painter.deviceTransform();
     const int bottom = pixel(device.map(rect.bottomLeft()).y());
     const int height = std::max(1, qRound(rect.height() * device.m22()));

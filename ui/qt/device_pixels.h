@@ -1,4 +1,4 @@
-// Edges that fall on whole pixels also where a logical pixel is not a whole number of them.
+// Edges that fall on whole device pixels, also if a logical pixel is not a whole number of them.
 #pragma once
 
 #include <QPointF>
@@ -8,12 +8,12 @@ class QPainter;
 
 namespace tarnwick::qt {
 
-/// The rectangle with its upper and its lower edge on the boundary of two of the device's pixels.
-/// Rectangles of one height are equally many pixels high, wherever they lie, one at least. It moves
-/// by less than a pixel, upwards.
+/// The rectangle with its upper and lower edge on boundaries of device pixels. Rectangles of equal
+/// height become equally many pixels high, at least one, wherever they are. The rectangle moves
+/// upwards by less than a pixel.
 QRectF onPixelRows(const QPainter& painter, const QRectF& rect);
 
-/// The place in logical pixels of the device's pixel that `position` lies in.
+/// The corner, in logical pixels, of the device pixel that contains `position`.
 QPointF onPixel(const QPainter& painter, const QPointF& position);
 
 }  // namespace tarnwick::qt

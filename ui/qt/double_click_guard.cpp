@@ -7,12 +7,12 @@
 namespace tarnwick::qt {
 
 DoubleClickGuard::DoubleClickGuard(const QWidget& window) : window_(window) {
-    // Buttons take their presses themselves, so nobody else would hear of all of them.
+    // On the application, because buttons accept their presses and the window would not see them.
     qApp->installEventFilter(this);
 }
 
 bool DoubleClickGuard::eventFilter(QObject* receiver, QEvent* event) {
-    // The second press comes as a double click wherever the toolkit has noticed the first one.
+    // The second press arrives as a double click if the toolkit noticed the first one.
     if (event->type() != QEvent::MouseButtonPress && event->type() != QEvent::MouseButtonDblClick) {
         return false;
     }
@@ -31,7 +31,7 @@ bool DoubleClickGuard::eventFilter(QObject* receiver, QEvent* event) {
 }
 
 bool DoubleClickGuard::hasMissed(const Press& press) const {
-    // What the first one hit may be gone.
+    // The widget that the first press hit may be gone.
     if (!last_ || (press.hit != nullptr && press.hit == last_->hit)) {
         return false;
     }

@@ -1,4 +1,4 @@
-// Double clicks on what a press takes away.
+// Guards against double clicks on something that the first press removes.
 #pragma once
 
 #include <QMouseEvent>
@@ -10,14 +10,14 @@
 
 namespace tarnwick::qt {
 
-/// Lets the second press of a double click reach what the first one hit, or nothing: the first one
-/// may have brought something else under the pointer, or left the pointer outside the window. What
-/// is close enough in time and place is the desktop's to say. Main thread.
+/// Blocks the second press of a double click unless it reaches the same widget as the first one.
+/// The first press may have brought something else under the pointer, or left the pointer outside
+/// the window. The desktop's settings say what is close enough in time and place. Main thread.
 class DoubleClickGuard final : public QObject {
     Q_OBJECT
 
  public:
-    /// `window` outlives the guard.
+    /// `window` must outlive the guard.
     explicit DoubleClickGuard(const QWidget& window);
 
  protected:
@@ -25,19 +25,20 @@ class DoubleClickGuard final : public QObject {
 
  private:
     struct Press {
-        /// Null for what is outside, or gone.
+        /// The widget that was hit. Null if the press was outside all of them, or the widget is
+        /// gone.
         QPointer<QWidget> hit;
-        /// On the screen.
+        /// In screen coordinates.
         QPoint place;
         /// Milliseconds of the clock that events are stamped by.
         quint64 time;
     };
 
-    /// What the press has hit is another than the press just before it.
+    /// True if the press belongs to a double click and hit another widget than the press before it.
     bool hasMissed(const Press& press) const;
 
     const QWidget& window_;
-    /// The last one that was let through.
+    /// The last press that was let through.
     std::optional<Press> last_;
 };
 

@@ -33,7 +33,7 @@ void FocusRing::follow() {
     if (std::exchange(corner_, button->corner() + margin) != button->corner() + margin) {
         update();
     }
-    // Painted again by the toolkit where these change something.
+    // The toolkit repaints the ring if one of these calls changes something.
     setGeometry(QRect(button->mapTo(parentWidget(), QPoint()), button->size())
                     .adjusted(-margin, -margin, margin, margin));
     raise();

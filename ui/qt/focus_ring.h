@@ -9,15 +9,15 @@ namespace tarnwick::qt {
 
 class ButtonWidget;
 
-/// A ring around the focused button, outside of it, above its siblings. There only while the focus
-/// came by a key.
+/// A ring around the focused button: outside its edges, above its siblings. Visible only if a key
+/// gave the focus.
 class FocusRing final : public QWidget {
     Q_OBJECT
 
  public:
     FocusRing(const Theme& theme, QWidget* parent);
 
-    /// Moves to where the focused button is now.
+    /// Moves to the place of the focused button.
     void follow();
 
  protected:

@@ -25,7 +25,8 @@ ForeignActivation::ForeignActivation(std::function<void()> activated)
         root_ = x11::roots(connection).front();
         property_ = x11::atom(connection, "_NET_ACTIVE_WINDOW");
         activeAtFirst_ = activeWindow();
-        // The toolkit listens to the root window's properties already.
+        // No event selection is needed: the toolkit already listens to the root window's
+        // properties.
         qGuiApp->installNativeEventFilter(this);
     }
 }
@@ -53,7 +54,7 @@ bool ForeignActivation::nativeEventFilter(const QByteArray&, void* message, qint
     if (change->window != root_ || change->atom != property_) {
         return false;
     }
-    // Between two windows there may be none for a moment.
+    // For a moment between two active windows there may be none.
     const std::uint32_t active = activeWindow();
     if (active != XCB_NONE && active != activeAtFirst_ && !isOurs(active)) {
         activated_();

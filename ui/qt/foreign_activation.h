@@ -8,12 +8,12 @@
 
 namespace tarnwick::qt {
 
-/// On X11 a pop-up never has the focus and so cannot lose it: what the window manager calls the
-/// active window is followed instead. Elsewhere it notices nothing. Main thread.
+/// On X11 a pop-up never has the focus and so cannot lose it. Instead this follows the window that
+/// the window manager calls active. Without X11 it does nothing. Main thread.
 class ForeignActivation final : public QAbstractNativeEventFilter {
  public:
-    /// `activated` is called whenever a window of another program becomes the active one that was
-    /// not so when this began.
+    /// `activated` is called whenever a window of another program becomes the active one, except
+    /// the window that was active when this object was made.
     explicit ForeignActivation(std::function<void()> activated);
     ~ForeignActivation() override;
     ForeignActivation(const ForeignActivation&) = delete;

@@ -9,7 +9,7 @@ inline constexpr int kPanelCorner = 12;
 inline constexpr int kSymbolSize = 16;
 /// Between a symbol and its text.
 inline constexpr int kSymbolGap = 8;
-/// The mark of a level beside a figure.
+/// Size of the mark of a level beside a figure.
 inline constexpr int kMarkSize = 12;
 inline constexpr int kMarkGap = 4;
 /// The least room between a text at the left and one at the right.

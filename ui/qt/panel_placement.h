@@ -1,4 +1,4 @@
-// Where on the screen the panel goes.
+// Where the panel is placed on the screen.
 #pragma once
 
 #include <QRect>
@@ -8,22 +8,22 @@ namespace tarnwick::qt {
 
 /// Points between the panel and the item that it belongs to.
 inline constexpr int kPanelGap = 6;
-/// Points that the panel keeps from the edges of the screen's available area.
+/// The least distance in points between the panel and the edges of the screen's available area.
 inline constexpr int kScreenMargin = 6;
 
-/// The panel's rectangle: centred under `anchor`, or above it where that is in the lower half of
-/// the screen, and moved as far as it must to lie inside `available` less its margin. A panel too
-/// large for that keeps its upper left corner inside.
+/// The panel's rectangle: centred under `anchor`, or above it if `anchor` is in the lower half of
+/// the screen. It is moved as far as needed to lie inside `available` minus the margin. If the
+/// panel is too large for that, its upper left corner stays inside.
 QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& screen,
                      const QRect& available);
 
-/// The same when an open panel at `current` gets another size: the edge beside the anchor stays
-/// where it is, wherever that leaves the panel inside.
+/// The new rectangle when an open panel at `current` changes its size to `panel`. The edge beside
+/// the anchor stays where it is as long as the panel then lies inside.
 QRect panelReplacement(const QRect& current, const QSize& panel, const QRect& anchor,
                        const QRect& screen, const QRect& available);
 
-/// What the panel opens beside while the item's place is not known: the right corner where a tray
-/// most likely is, at the bottom when only that edge has a bar, else at the top.
+/// The anchor to use while the item's place is unknown: the right corner where a tray most likely
+/// is. At the bottom if only the bottom edge has a bar, otherwise at the top.
 QRect cornerAnchor(const QRect& screen, const QRect& available);
 
 }  // namespace tarnwick::qt

@@ -22,13 +22,13 @@ namespace tarnwick::qt {
 
 namespace {
 
-// Each wait is twice as long as the one before; some seconds in all, which is longer than anybody
+// Each wait is twice as long as the one before. All together take some seconds, longer than a user
 // keeps a button pressed by mistake.
 constexpr int kInputAttempts = 8;
 constexpr int kFirstInputDelay = 30;
 
-/// A Wayland pop-up needs a window of the program to belong to; the panel has none there and is a
-/// small window that goes when another one becomes active.
+/// On Wayland a pop-up must belong to a window of the program, and the panel has none. There it is
+/// a small window that hides when another one becomes active.
 Qt::WindowFlags windowKind() {
     return (QGuiApplication::platformName().startsWith("wayland") ? Qt::Window : Qt::Popup) |
            Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
@@ -89,7 +89,8 @@ void PanelPopup::popUp(const QRect& anchor) {
     anchor_ = anchor;
     place();
     if (windowType() != Qt::Popup) {
-        // Or the toolkit gives the keyboard to the first button, unseen, once the window is active.
+        // Otherwise the toolkit gives the focus to the first button, invisibly, once the window is
+        // active.
         setFocus(Qt::OtherFocusReason);
     }
     show();
@@ -102,9 +103,9 @@ void PanelPopup::popUp(const QRect& anchor) {
     }
 }
 
-// The toolkit takes pointer and keyboard itself when the pop-up opens, once. That fails while
-// another program holds them: a tray host until the button is released, a menu until it is gone.
-// Of the pointer the toolkit does not notice, so a grab of our own goes before.
+// The toolkit grabs pointer and keyboard once, when the pop-up opens. That fails while another
+// program holds them: a tray host until the button is released, or a menu until it closes. The
+// toolkit does not notice a failed grab of the pointer, so this grabs it first.
 void PanelPopup::takeInput(int attempt) {
     if (!isVisible()) {
         return;
@@ -146,7 +147,7 @@ void PanelPopup::place() {
 void PanelPopup::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
-    // New figures lie within the panel, where nothing of the shadow is to be seen.
+    // New figures lie inside the panel, where the shadow is hidden.
     constexpr int corner = grid::kPanelCorner;
     const QRect inside = panelRect().adjusted(corner, corner, -corner, -corner);
     if (isTranslucent_ && !inside.contains(event->rect())) {
@@ -164,13 +165,13 @@ void PanelPopup::paintEvent(QPaintEvent* event) {
 
 void PanelPopup::keyPressEvent(QKeyEvent* event) {
     if (event->matches(QKeySequence::Cancel)) {
-        // Held down, it would lead back and close in one go.
+        // A held key would lead back and close the panel at once.
         if (!event->isAutoRepeat()) {
             cancel();
         }
         return;
     }
-    // No button has the focus, or it has left the key to the page.
+    // No button has the focus, or the focused one did not use the key.
     if (!view_->walk(event->key()) && !scroll(event->key())) {
         QWidget::keyPressEvent(event);
     }
@@ -215,8 +216,8 @@ void PanelPopup::mousePressEvent(QMouseEvent* event) {
     isPressedOutside_ = !panelRect().contains(event->position().toPoint());
 }
 
-// The pointer is let go with the panel. Before the button is up, what lies below the pointer would
-// take the release for a click, however long after the press that comes.
+// Hides on release, not on press: hiding ends the grab of the pointer, and the window below would
+// take the release for a click, however late it comes.
 void PanelPopup::mouseReleaseEvent(QMouseEvent*) {
     if (std::exchange(isPressedOutside_, false)) {
         dismiss();

@@ -15,11 +15,14 @@
 
 namespace tarnwick::qt {
 
-/// A borderless window around a page. Where windows can be translucent it has smooth corners and a
-/// shadow, else it is cut to shape. A page that is higher than the screen scrolls: with the wheel,
-/// with the keys that do so elsewhere, and to the button that gets the focus. Escape, a press
-/// outside and another program's window becoming active hide it; the second press of a double click
-/// inside does not, wherever the first one has left it.
+/// A borderless window around a page. If windows can be translucent it has smooth corners and a
+/// shadow; otherwise it is cut to shape.
+///
+/// A page that is higher than the screen scrolls: with the wheel, with the usual scrolling keys,
+/// and to the button that gets the focus.
+///
+/// Escape, a press outside and the activation of another program's window hide it. The second press
+/// of a double click that began inside does not, wherever the first press has left the pointer.
 class PanelPopup final : public QWidget {
     Q_OBJECT
 
@@ -29,15 +32,16 @@ class PanelPopup final : public QWidget {
                std::shared_ptr<Motion> motion = nullptr);
 
     void setPage(const Page& page) { view_->setPage(page); }
-    /// Shows another page in the same place, from its top on or from where the button of `entry`
-    /// is. That button gets the focus, which is seen when a key led here.
+    /// Shows another page in the same place, scrolled to its top or to the button of `entry`. That
+    /// button gets the focus; the focus is visible if a key led here.
     void turnTo(const Page& page, std::optional<PanelAction> entry);
-    /// What Escape does before it hides the panel: with true it stays.
+    /// `handler` runs on Escape. If it returns true the panel stays; otherwise the panel hides.
     void setCancelHandler(std::function<bool()> handler) { cancel_ = std::move(handler); }
-    /// Shows the panel beside `anchor` (screen coordinates), where it stays also when its height
+    /// Shows the panel beside `anchor` (screen coordinates). It stays there when its height
     /// changes.
     void popUp(const QRect& anchor);
-    /// A press outside is what hid it, or what a press outside may have caused.
+    /// True if a press outside hid the panel, or something that a press outside may have caused:
+    /// the activation of another window.
     bool wasDismissedByPress() const { return wasDismissedByPress_; }
 
  signals:
@@ -57,9 +61,9 @@ class PanelPopup final : public QWidget {
     void place();
     void cancel();
     void dismiss();
-    /// Scrolls as the key asks for; false when it is none of those.
+    /// Scrolls as the key asks; false if it is not a scrolling key.
     bool scroll(int key);
-    /// Sees to it that presses outside and keys come here, or tries again soon.
+    /// Directs keys and presses outside to the panel; if that fails, tries again soon.
     void takeInput(int attempt);
 
     const Theme& theme_;
@@ -67,12 +71,12 @@ class PanelPopup final : public QWidget {
     QScrollArea* scroller_;
     PanelView* view_;
     std::function<bool()> cancel_;
-    /// The page is being turned by Escape.
+    /// True while Escape changes the page.
     bool isCancelling_ = false;
     QRect anchor_;
     std::optional<ForeignActivation> foreignActivation_;
     DoubleClickGuard doubleClickGuard_{*this};
-    /// The button is down since a press outside.
+    /// True while the button is down after a press outside.
     bool isPressedOutside_ = false;
     bool wasDismissedByPress_ = false;
 };

@@ -29,7 +29,7 @@ PanelView::PanelView(const Theme& theme, PressHandler press, QWidget* parent,
     std::call_once(isDescribed, describeBlocksForScreenReaders);
 }
 
-/// The widget of that id, which the view then no longer has; null without one.
+/// Moves the widget of that id out of its row; null without one.
 BlockWidget* PanelView::takeWidget(const std::string& id) {
     const auto row = std::find_if(rows_.begin(), rows_.end(),
                                   [&id](const Row& each) { return each.item.id == id; });
@@ -57,7 +57,7 @@ std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
             widget->setObjectName(QString::fromStdString(item.id));
             connect(widget, &BlockWidget::accessibleValueChanged, widget,
                     [widget](double percent) { announceValue(*widget, percent); });
-            // Later: it may be heard of while a page is being taken.
+            // Queued, because the signal may come while a page is being taken.
             connect(
                 widget, &BlockWidget::placeChanged, this, [this] { placeWidgets(heldRow()); },
                 Qt::QueuedConnection);
@@ -97,7 +97,7 @@ void PanelView::setPage(const Page& page) {
 
 void PanelView::turnTo(const Page& page, std::optional<PanelAction> entry, Qt::FocusReason reason) {
     const std::vector<BlockWidget*> gone = takePage(page);
-    // Before the focused button goes, which would hand the focus to any other.
+    // Before the focused button is removed, because that would give the focus to another button.
     for (const Row& row : rows_) {
         for (ButtonWidget* button : row.widget->findChildren<ButtonWidget*>()) {
             if (entry == button->action()) {
@@ -112,7 +112,7 @@ ButtonWidget* PanelView::focusedButton() const {
     return qobject_cast<ButtonWidget*>(focusWidget());
 }
 
-/// Lets the keyboard walk through the buttons in the order of the page.
+/// Sets the tab order of the buttons to the order of the page.
 void PanelView::chainButtons() {
     ButtonWidget* previous = nullptr;
     for (const Row& row : rows_) {
@@ -125,8 +125,7 @@ void PanelView::chainButtons() {
     }
 }
 
-/// Lets screen readers, which read the widgets from the lowest to the highest, read the page in its
-/// order.
+/// Stacks the widgets in the order of the page: screen readers read from the lowest to the highest.
 void PanelView::orderWidgets() {
     for (const Row& row : rows_) {
         row.widget->raise();
@@ -139,8 +138,8 @@ PanelView::Rows::iterator PanelView::heldRow() {
                         [](const Row& row) { return row.widget->isHeld(); });
 }
 
-// Above the held row nothing may need more room than there was: what is new there waits, and what
-// has grown is cut. What needs less leaves the rest free.
+// Rows above the held one must not take more room than before: a new row there stays hidden for
+// now, and a row that has grown is cut. Room that is no longer needed stays empty.
 void PanelView::placeWidgets(Rows::iterator held) {
     constexpr int width = kPanelWidth - 2 * grid::kPadding;
     int y = grid::kPadding;
@@ -158,8 +157,8 @@ void PanelView::placeWidgets(Rows::iterator held) {
         } else if (row == held) {
             y = std::max(y, widget.y() + overhang);
         }
-        // Shown before it is placed, a widget would take a pointer in the corner for one above
-        // itself.
+        // Placed before it is shown: otherwise the widget would first appear in the corner and
+        // could take a pointer there for one above itself.
         widget.setGeometry(grid::kPadding, y - overhang, width, height + 2 * overhang);
         widget.show();
         y += height;
@@ -201,7 +200,7 @@ void PanelView::changeEvent(QEvent* event) {
     }
 }
 
-// The page has been scrolled.
+// The view moves when the page is scrolled.
 void PanelView::moveEvent(QMoveEvent* event) {
     QWidget::moveEvent(event);
     lookForPointer();

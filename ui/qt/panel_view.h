@@ -19,9 +19,9 @@ namespace tarnwick::qt {
 class ButtonWidget;
 class FocusRing;
 
-/// kPanelWidth wide and as high as its page. A page that follows another touches only the widgets
-/// of the items that differ; a widget stays as long as an item of its id and kind does. The widget
-/// of an item has the item's id as its object name.
+/// kPanelWidth wide and as high as its page. A new page changes only the widgets of the items that
+/// differ. A widget is kept as long as an item of its id and kind exists. The object name of a
+/// widget is the id of its item.
 class PanelView final : public QWidget {
     Q_OBJECT
 
@@ -30,15 +30,15 @@ class PanelView final : public QWidget {
     PanelView(const Theme& theme, PressHandler press, QWidget* parent,
               std::shared_ptr<Motion> motion = nullptr);
 
-    /// Figures of the page that is shown, or the first page.
+    /// Shows new figures of the page that is shown, or the first page.
     void setPage(const Page& page);
-    /// Another page in place of the one shown. The button of `entry`, if there is one, gets the
-    /// keyboard's focus for that reason.
+    /// Replaces the page by another one. The button of `entry`, if there is one, gets the
+    /// keyboard's focus with that reason.
     void turnTo(const Page& page, std::optional<PanelAction> entry, Qt::FocusReason reason);
     /// The button that has the focus; null without one.
     ButtonWidget* focusedButton() const;
-    /// Up and down walk through the buttons. False, doing nothing, for another key, and for a page
-    /// that is cut off: there they scroll.
+    /// The up and down keys walk through the buttons. Does nothing and returns false for another
+    /// key, and if the page is cut off: then these keys scroll.
     bool walk(int key);
 
  signals:
@@ -57,16 +57,16 @@ class PanelView final : public QWidget {
     };
     using Rows = std::vector<Row>;
 
-    /// Makes the rows of the page out of those there are, and shows the new ones in their places.
-    /// The widgets that are left over, which it returns, are still there.
+    /// Makes the rows of the page from the existing ones, and shows the new ones in their places.
+    /// Returns the widgets that are left over; they still exist.
     std::vector<BlockWidget*> takePage(const Page& page);
     BlockWidget* takeWidget(const std::string& id);
     static void remove(const std::vector<BlockWidget*>& widgets);
     void chainButtons();
     void orderWidgets();
-    /// The row that somebody is pointing at and that must not move; the end without one.
+    /// The row that the pointer holds in place; the end if there is none.
     Rows::iterator heldRow();
-    /// Shows the rows one below the other, with `held` where it is.
+    /// Places the rows one below the other, and keeps `held` where it is.
     void placeWidgets(Rows::iterator held);
     void lookForPointer();
 
@@ -74,7 +74,7 @@ class PanelView final : public QWidget {
     PressHandler press_;
     std::shared_ptr<Motion> motion_;
     Rows rows_;
-    /// Where the pointer was when the last page was set, and how many pages it has been there.
+    /// Where the pointer was when the last page was set, and how many pages ago it came there.
     QPoint pointer_;
     int pagesAtRest_ = 0;
     FocusRing* focusRing_;

@@ -74,12 +74,12 @@ void PanelWindow::click(const QRect& anchor) {
     toggle(anchor);
 }
 
-// The pop-up is still running one of its own events.
+// The pop-up is still handling one of its own events, so it is deleted later.
 void PanelWindow::popupHidden() {
     PanelPopup* popup = popup_;
     popup_ = nullptr;
     dismissedAt_ = popup->wasDismissedByPress() ? dispatch_.now() : -1;
-    // What a widget owns goes after it says that it is destroyed.
+    // Queued, because the children of a widget are deleted after its destroyed().
     connect(popup, &QObject::destroyed, this, &PanelWindow::widgetsFreed, Qt::QueuedConnection);
     popup->deleteLater();
     view_.disappear();

@@ -15,30 +15,30 @@ namespace tarnwick::qt {
 
 class PanelPopup;
 
-/// The widgets are built when the panel opens and freed when it closes; in between the view knows
-/// that it is visible. Main thread.
+/// Builds the widgets when the panel opens and frees them when it closes. Between the two the view
+/// knows that it is visible. Main thread.
 class PanelWindow final : public QObject {
     Q_OBJECT
 
  public:
-    /// All outlive the window.
+    /// All of them must outlive the window.
     PanelWindow(MenuBarView& view, const Theme& theme, platform::Dispatch& dispatch);
     ~PanelWindow() override;
 
     bool isOpen() const;
-    /// The desktop asks for less motion: bars jump.
+    /// `isReduced`: the desktop asks for less motion, so bars jump.
     void setMotionReduced(bool isReduced) { motion_->setReduced(isReduced); }
-    /// Opens beside `anchor`, the status item's place on the screen; a rectangle of one pixel where
-    /// only a point is known. Does nothing while open.
+    /// Opens beside `anchor`, the status item's rectangle on the screen; one pixel if only a point
+    /// is known. Does nothing while open.
     void open(const QRect& anchor);
     void close();
     /// Opens the panel, or closes it.
     void toggle(const QRect& anchor);
-    /// What a click on the status item does: toggles the panel. Where that same click has just
-    /// dismissed the panel because it lay outside, the panel stays closed.
+    /// What a click on the status item does: toggles the panel. If the same click has just
+    /// dismissed the panel, because the item lies outside it, the panel stays closed.
     void click(const QRect& anchor);
 
-    /// Seconds within which a click and the dismissal that it caused belong together.
+    /// A click within this many seconds after a dismissal is taken for the click that caused it.
     static constexpr double kSameClickInterval = 0.3;
 
  signals:
@@ -56,8 +56,8 @@ class PanelWindow final : public QObject {
     QPointer<PanelPopup> popup_;
     /// The page that the pop-up shows.
     MenuTab shownTab_ = MenuTab::home;
-    /// When a press outside closed the panel last, in seconds of the dispatch's clock; negative
-    /// when something else did.
+    /// When a press outside last closed the panel, in seconds of the dispatch's clock; negative if
+    /// something else closed it.
     double dismissedAt_ = -1;
 };
 

@@ -25,7 +25,7 @@ struct RowContent {
     struct Symbol {
         std::string name;
         QColor colour;
-        /// Logical pixels; a smaller symbol stands in the middle of the same room.
+        /// Logical pixels. A symbol that is smaller than the others is centred in the same room.
         int size;
 
         bool operator==(const Symbol&) const = default;
@@ -33,7 +33,7 @@ struct RowContent {
 
     std::optional<Symbol> symbol;
     RowText leading;
-    /// Empty text: the leading text has the whole row.
+    /// If its text is empty, the leading text has the whole row.
     RowText trailing;
     /// Stands before the trailing text.
     std::optional<Symbol> mark{};
@@ -50,14 +50,15 @@ RowContent rowContent(const InfoRow& row, const Theme& theme);
 RowContent rowContent(const GroupTitle& group, const Theme& theme);
 RowContent rowContent(const ProcessRow& row, const Theme& theme);
 
-/// What marks the level of a figure in that colour; absent for what needs none.
+/// The mark for the level of a figure in that colour; absent if the colour needs none.
 std::optional<RowContent::Symbol> levelMarkSymbol(Tint tint, const Theme& theme);
 
 int rowHeight(const RowContent& row, const Theme& theme);
-/// Texts that do not fit are cut at the end: the trailing one only when it alone would take most of
-/// the row.
+/// Texts that do not fit are cut at the end. The trailing one is cut only if it would take most of
+/// the row by itself.
 void paintRow(QPainter& painter, const RowContent& row, const Theme& theme, const QRect& rect);
-/// The full text of what a row of that width cuts, for a tool tip; empty when it cuts nothing.
+/// The full text of everything that a row of that width cuts, for a tool tip; empty if it cuts
+/// nothing.
 QString cutText(const RowContent& row, const Theme& theme, int width);
 
 }  // namespace tarnwick::qt

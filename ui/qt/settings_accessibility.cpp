@@ -15,8 +15,8 @@ namespace tarnwick::qt {
 
 namespace {
 
-/// A press is a click at once. The toolkit's own interfaces would change what a switch shows and
-/// tell nobody.
+/// A press is a click at once. The toolkit's own interfaces would change what a switch shows
+/// without telling the program.
 class AccessibleButton : public QAccessibleWidget {
  public:
     AccessibleButton(QAbstractButton& button, QAccessible::Role role)
@@ -50,7 +50,7 @@ class AccessibleButton : public QAccessibleWidget {
     QAbstractButton& button_;
 };
 
-/// A button with a text on it that is worth reading: the shortcut, or that one is waited for.
+/// A button with a readable text: the shortcut, or the request to press one.
 class AccessibleShortcutField final : public AccessibleButton, public QAccessibleTextInterface {
  public:
     explicit AccessibleShortcutField(ShortcutFieldWidget& field)
@@ -101,7 +101,7 @@ class AccessibleShortcutField final : public AccessibleButton, public QAccessibl
     ShortcutFieldWidget& field_;
 };
 
-/// A slider of its own for each thumb.
+/// Each thumb is a slider of its own.
 class AccessibleThumb final : public QAccessibleWidget, public QAccessibleValueInterface {
  public:
     explicit AccessibleThumb(ThresholdThumbWidget& thumb)
@@ -115,7 +115,7 @@ class AccessibleThumb final : public QAccessibleWidget, public QAccessibleValueI
         switch (kind) {
             case QAccessible::Name:
                 return QString::fromStdString(slider().accessibilityLabel(thumb_.thumb()));
-            // Not every bridge passes a text of the value on; all pass on the description.
+            // All bridges pass on the description, but some do not pass on the text of the value.
             case QAccessible::Value:
             case QAccessible::Description:
                 return QString::fromStdString(slider().accessibilityValue(thumb_.thumb()));
@@ -155,7 +155,7 @@ class AccessibleThumb final : public QAccessibleWidget, public QAccessibleValueI
     ThresholdThumbWidget& thumb_;
 };
 
-/// Both thumbs, the lower threshold first, whichever lies above the other on the screen.
+/// Groups both thumbs: the lower threshold first, whichever thumb is drawn on top.
 class AccessibleThresholds final : public QAccessibleWidget {
  public:
     explicit AccessibleThresholds(ThresholdSliderWidget& slider)

@@ -1,5 +1,5 @@
-// What assistive technology learns of the settings window beyond what the toolkit's own controls
-// say.
+// What assistive technology learns about the settings window in addition to what the toolkit's own
+// controls report.
 #pragma once
 
 namespace tarnwick::qt {

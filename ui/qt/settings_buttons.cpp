@@ -13,10 +13,10 @@ namespace tarnwick::qt {
 
 namespace {
 
-// So opaque are links under the pointer.
+// Opacity of links under the pointer and while pressed.
 constexpr float kHoveredLink = 0.75F;
 constexpr float kPressedLink = 0.5F;
-/// What a pressed switch and its ground are mixed with.
+/// A pressed switch is mixed with this colour.
 constexpr QColor kShade(0, 0, 0, 28);
 
 ColorRole groundOf(const QAbstractButton& button) {
@@ -64,7 +64,8 @@ void SettingsSwitchWidget::paintEvent(QPaintEvent*) {
 SettingsButton::SettingsButton(const Theme& theme, Kind kind, std::string_view title,
                                QWidget* parent)
     : QPushButton(parent), theme_(theme), kind_(kind) {
-    // Not in the base's constructor, where assistive technology would take it for any button.
+    // Not passed to the base's constructor, because assistive technology would then take this for a
+    // plain button.
     setText(fromUtf8(title));
     setAccessibleName(text());
     setAttribute(Qt::WA_Hover);

@@ -10,8 +10,8 @@
 
 namespace tarnwick::qt {
 
-/// A switch. It shows what it is told; a press by the pointer, a key or assistive technology is
-/// clicked() and no more.
+/// A switch. It shows the state that it is given. A press by the pointer, a key or assistive
+/// technology only emits clicked().
 class SettingsSwitchWidget final : public QCheckBox, public FocusShape {
     Q_OBJECT
 
@@ -31,7 +31,7 @@ class SettingsSwitchWidget final : public QCheckBox, public FocusShape {
     const Theme& theme_;
 };
 
-/// A title on a ground, or a link without one.
+/// Bordered: a title on a background. Link: a title without one.
 class SettingsButton final : public QPushButton, public FocusShape {
     Q_OBJECT
 

@@ -1,4 +1,4 @@
-// The rounded card that groups what belongs together.
+// The rounded card that groups related controls.
 #pragma once
 
 #include <QWidget>
@@ -14,7 +14,7 @@ namespace tarnwick::qt {
 void paintCard(QPainter& painter, const QRectF& rect, const Theme& theme, bool isSelected,
                bool isHovered);
 
-/// What is added to its column stands on the card.
+/// Widgets that are added to its column stand on the card.
 class SettingsCardWidget : public QWidget {
     Q_OBJECT
 

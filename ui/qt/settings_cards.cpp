@@ -34,7 +34,7 @@ SettingsLabel* makeCaption(const Theme& theme, std::string_view text, QWidget* p
 SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
                                    std::function<void()> toggle, QWidget* parent)
     : SettingsCardWidget(theme, parent) {
-    // Assistive technology reads what is on a card in the order in which it is made.
+    // Assistive technology reads the parts of a card in the order in which they are made.
     auto* line = new QHBoxLayout;
     line->setSpacing(grid::kColumnGap);
     auto* texts = new QVBoxLayout;
@@ -73,7 +73,7 @@ ShortcutCardWidget::ShortcutCardWidget(const Theme& theme, ShortcutField& field,
         line = makeLine();
     }
     connect(clear_, &QAbstractButton::clicked, this, [this, clear = std::move(clear)] {
-        // The button goes; the keyboard stays close by.
+        // The button will be hidden; keep the focus close by.
         if (clear_->hasFocus()) {
             field_->setFocus(Qt::TabFocusReason);
         }

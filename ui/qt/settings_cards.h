@@ -14,7 +14,7 @@
 
 namespace tarnwick::qt {
 
-/// Two texts and a switch, a press of which calls `toggle`.
+/// Two texts and a switch. A press of the switch calls `toggle`.
 class SwitchCardWidget final : public SettingsCardWidget {
     Q_OBJECT
 
@@ -28,7 +28,7 @@ class SwitchCardWidget final : public SettingsCardWidget {
     SettingsSwitchWidget* switch_ = nullptr;
 };
 
-/// The recorder's field with what is said about it.
+/// The field that records the shortcut, and the lines about its state.
 class ShortcutCardWidget final : public SettingsCardWidget {
     Q_OBJECT
 
@@ -39,7 +39,7 @@ class ShortcutCardWidget final : public SettingsCardWidget {
     void setEditor(const ShortcutEditor& editor);
 
  signals:
-    /// There are more or fewer lines now.
+    /// The card has another size, for example because there are more or fewer lines now.
     void heightChanged();
 
  protected:
@@ -94,7 +94,7 @@ class ThresholdCardWidget final : public SettingsCardWidget {
     ThresholdSliderWidget* slider_ = nullptr;
 };
 
-/// What the program is called.
+/// The name and the version of the program.
 class ProgramCardWidget final : public SettingsCardWidget {
     Q_OBJECT
 

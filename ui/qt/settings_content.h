@@ -1,4 +1,4 @@
-// What the settings window shows.
+// The content of the settings window.
 #pragma once
 
 #include <memory>
@@ -11,14 +11,14 @@
 
 namespace tarnwick::qt {
 
-/// What the content runs on besides its view's environment.
+/// What the content runs on, in addition to the environment of its view.
 struct SettingsContentEnvironment {
     SettingsViewEnvironment view;
-    /// How keys are named where they are recorded.
+    /// Gives the key codes for recording shortcuts.
     KeyCodes keyCodes{};
 };
 
-/// The tabs with what stands on them. `settings` and `theme` must outlive it.
+/// The tabs and their pages. `settings` and `theme` must outlive it.
 std::unique_ptr<platform::View> makeSettingsContent(UserSettings& settings, const Theme& theme,
                                                     SettingsContentEnvironment environment);
 

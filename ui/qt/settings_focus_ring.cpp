@@ -26,7 +26,7 @@ SettingsFocusRing::SettingsFocusRing(const Theme& theme, QWidget* parent)
 void SettingsFocusRing::watchControls() {
     for (QWidget* widget : parentWidget()->findChildren<QWidget*>()) {
         if (dynamic_cast<FocusShape*>(widget) != nullptr) {
-            // And what it stands on, with which it moves.
+            // Also its ancestors: if one of them moves, the control moves with it.
             for (QWidget* each = widget; each != parentWidget(); each = each->parentWidget()) {
                 each->removeEventFilter(this);
                 each->installEventFilter(this);

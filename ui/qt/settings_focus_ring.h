@@ -8,7 +8,7 @@
 
 namespace tarnwick::qt {
 
-/// What can have the keyboard's focus tells where it is seen.
+/// Implemented by every control that can have the keyboard's focus: tells where to draw the ring.
 class FocusShape {
  public:
     virtual ~FocusShape() = default;
@@ -19,15 +19,15 @@ class FocusShape {
     virtual int focusCorner() const = 0;
 };
 
-/// A ring around the focused control among the descendants of its parent, above all of them. There
-/// only while the focus came by a key.
+/// A ring around the focused control among all descendants of its parent, drawn above them. Visible
+/// only if a key gave the focus.
 class SettingsFocusRing final : public QWidget {
     Q_OBJECT
 
  public:
     SettingsFocusRing(const Theme& theme, QWidget* parent);
 
-    /// Looks after every FocusShape that is below the parent by now.
+    /// Watches every FocusShape that is below the parent now.
     void watchControls();
 
  protected:

@@ -5,7 +5,7 @@ namespace tarnwick::qt::settings_grid {
 
 /// Between the window's edges and the content of a tab.
 inline constexpr int kMargin = 20;
-/// Above it.
+/// Above the content of a tab.
 inline constexpr int kTopMargin = 16;
 inline constexpr int kTabBarMargin = 8;
 inline constexpr int kTabSymbol = 20;

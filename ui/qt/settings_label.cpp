@@ -17,7 +17,7 @@ SettingsLabel::SettingsLabel(const Theme& theme, FontRole font, ColorRole color,
     : QLabel(parent), theme_(theme), font_(font), color_(color) {
     setTextFormat(Qt::PlainText);
     setWordWrap(true);
-    // A label on a button would take the colour of the button's own text.
+    // Otherwise a label on a button would take the colour of the button's own text.
     setForegroundRole(QPalette::WindowText);
     setAttribute(Qt::WA_TransparentForMouseEvents);
     setUtf8(text);
@@ -48,7 +48,7 @@ void SettingsLabel::applyTheme() {
 }
 
 int besideText(const Theme& theme, int size) {
-    // What the caption's size is beside an interface font of the usual size.
+    // The caption's size, in points, beside an interface font of the usual size.
     constexpr qreal usual = 8.625;
     const qreal points = theme.style(FontRole::caption).font().pointSizeF();
     return qRound(size * std::clamp(points / usual, 1.0, 2.0));

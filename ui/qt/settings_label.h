@@ -12,12 +12,11 @@ namespace tarnwick::qt {
 
 QString fromUtf8(std::string_view text);
 
-/// The size of a symbol beside text: `size` logical pixels, and larger where the user has larger
-/// fonts.
+/// The size of a symbol beside text: `size` logical pixels; larger if the user's fonts are larger.
 int besideText(const Theme& theme, int size);
 
-/// A text in one of the theme's fonts and colours, which it follows; wrapped at the width that it
-/// has.
+/// A text in one of the theme's fonts and colours; follows changes of the theme. It wraps at its
+/// width.
 class SettingsLabel final : public QLabel {
     Q_OBJECT
 
@@ -38,7 +37,7 @@ class SettingsLabel final : public QLabel {
     ColorRole color_;
 };
 
-/// One symbol, which says nothing to assistive technology: a text beside it does.
+/// One symbol. It has no text for assistive technology, because a text beside it says the same.
 class SymbolWidget final : public QWidget {
     Q_OBJECT
 

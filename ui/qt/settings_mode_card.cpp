@@ -48,7 +48,7 @@ DisplayModeCardWidget::DisplayModeCardWidget(const Theme& theme, const DisplayMo
     : QRadioButton(parent),
       theme_(theme),
       radio_(new SymbolWidget(theme, settings_grid::kRadioSymbol, this)) {
-    // Which card is selected is not for the cards to agree upon.
+    // The view decides which card is selected, not the group of cards.
     setAutoExclusive(false);
     setFocusPolicy(Qt::TabFocus);
     setAttribute(Qt::WA_Hover);

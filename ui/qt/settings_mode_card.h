@@ -27,7 +27,7 @@ class DisplayModePreviewWidget final : public QWidget {
     DisplayModePreview preview_;
 };
 
-/// A button all over. It shows what it is told; a press is clicked() and no more.
+/// The whole card is a button. It shows the state that it is given; a press only emits clicked().
 class DisplayModeCardWidget final : public QRadioButton, public FocusShape {
     Q_OBJECT
 

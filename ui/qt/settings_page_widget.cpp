@@ -13,13 +13,13 @@ namespace tarnwick::qt {
 
 namespace {
 
-/// Hands the values of one kind of item on.
+/// A function that passes the value of one kind of item to its widget.
 template <class Value, class Widget>
 std::function<void(const SettingsItem&)> setter(Widget* widget, void (Widget::*set)(const Value&)) {
     return [widget, set](const SettingsItem& item) { (widget->*set)(std::get<Value>(item)); };
 }
 
-/// The same for what stands on a plain card.
+/// The same for the content of a plain card.
 template <class Value, class Widget>
 std::function<void(const SettingsItem&)> cardSetter(Widget* widget,
                                                     void (Widget::*set)(const Value&)) {
@@ -55,7 +55,8 @@ SettingsPageWidget::SettingsPageWidget(SettingsView& view, Tab tab, const Theme&
     }
     column_->addStretch();
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget* before, QWidget* focused) {
-        // A window that becomes the active one again gives the focus back where it was.
+        // When the window becomes active again, the focus returns to where it was: no reason to
+        // scroll.
         const bool isBack = before == nullptr && focused != nullptr && focused == lastFocused_;
         if (!isBack) {
             scrollTo(focused);
@@ -69,19 +70,19 @@ SettingsPageWidget::SettingsPageWidget(SettingsView& view, Tab tab, const Theme&
     setPage(page);
 }
 
-// A control that goes with the page gives the focus back, when no more than a plain widget is left
-// of the page.
+// The base destroys the controls later, when only a plain widget is left of this object. A control
+// that then loses its focus must not call back.
 SettingsPageWidget::~SettingsPageWidget() {
     disconnect(qApp, nullptr, this, nullptr);
 }
 
-/// The toolkit scrolls to what a key leads to and to nothing else.
+/// Needed because the toolkit only scrolls to a control that a key gave the focus.
 void SettingsPageWidget::scrollTo(QWidget* focused) {
     if (focused == nullptr || !widget()->isAncestorOf(focused)) {
         return;
     }
     if (qobject_cast<ShortcutFieldWidget*>(focused) != nullptr) {
-        // What is said about the shortcut stands below.
+        // The whole card, because the lines about the shortcut stand below the field.
         ensureWidgetVisible(focused->parentWidget(), 0, settings_grid::kMargin);
     } else if (QApplication::mouseButtons() == Qt::NoButton) {
         ensureWidgetVisible(focused);
@@ -150,7 +151,7 @@ QWidget* SettingsPageWidget::makeCard(const SettingsCard& card, QWidget* parent)
     if (std::holds_alternative<ShortcutEditor>(card.content)) {
         auto* made = new ShortcutCardWidget(
             theme_, view_.shortcutField(), keyCodes_, [this] { view_.clearShortcut(); }, parent);
-        // Later: the page is not as high yet as the card will make it.
+        // Queued, because the page does not have its new height yet.
         connect(
             made, &ShortcutCardWidget::heightChanged, this,
             [this] {

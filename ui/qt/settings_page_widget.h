@@ -1,4 +1,4 @@
-// What a tab of the settings window shows, scrolled where it is higher than the window.
+// The page of one tab of the settings window; scrolls if it is higher than the window.
 #pragma once
 
 #include <QPointer>
@@ -14,7 +14,7 @@ class QVBoxLayout;
 
 namespace tarnwick::qt {
 
-/// Made for one tab of a view; the values may change, what stands on the page does not. `view` must
+/// Made for one tab of a view. Its values may change, but its items stay the same. `view` must
 /// outlive the widget.
 class SettingsPageWidget final : public QScrollArea {
     Q_OBJECT

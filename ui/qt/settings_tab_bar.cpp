@@ -46,7 +46,7 @@ void SettingsTabButton::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
         case Qt::Key_Left:
         case Qt::Key_Right:
-            // The bar's.
+            // The bar handles these keys.
             event->ignore();
             return;
         default:

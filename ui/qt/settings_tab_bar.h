@@ -36,8 +36,8 @@ class SettingsTabButton final : public QAbstractButton, public FocusShape {
     TabItem item_;
 };
 
-/// Selecting a tab calls `select` and shows nothing by itself. The arrow keys select the
-/// neighbours.
+/// Selecting a tab calls `select`, and does not show the selection by itself. The arrow keys select
+/// the neighbouring tabs.
 class SettingsTabBar final : public QWidget {
     Q_OBJECT
 
@@ -47,7 +47,7 @@ class SettingsTabBar final : public QWidget {
     void setSelected(Tab tab);
     /// Gives the keyboard to the first tab.
     void focusFirst();
-    /// Selects the tab that lies `step` further, around the ends, and gives it the keyboard.
+    /// Selects the tab `step` places further, wrapping around at the ends, and gives it the focus.
     void selectNeighbour(int step);
 
  protected:
@@ -60,7 +60,7 @@ class SettingsTabBar final : public QWidget {
     const Theme& theme_;
     std::function<void(Tab)> select_;
     std::vector<SettingsTabButton*> buttons_;
-    /// By the last press; what is shown follows.
+    /// The tab that was chosen last; the bar shows it a little later.
     Tab selected_ = Tab::general;
 };
 

@@ -16,7 +16,7 @@ SettingsWidget::SettingsWidget(UserSettings& settings, const Theme& theme,
       theme_(theme),
       keyCodes_(std::move(keyCodes)),
       pages_(new QStackedLayout) {
-    // Before the first widget that it is about: what is asked for once is kept.
+    // Before the first of these widgets is made: the toolkit keeps the first interface of a widget.
     installSettingsAccessibility();
     tabs_ = new SettingsTabBar(
         theme, [this](Tab tab) { view_.selectTab(tab); }, this);
@@ -39,7 +39,7 @@ SettingsWidget::SettingsWidget(UserSettings& settings, const Theme& theme,
 
 SettingsWidget::~SettingsWidget() {
     view_.setObserver(nullptr);
-    // They use the view to the last.
+    // The pages use the view until they are destroyed.
     for (SettingsPageWidget* page : made_) {
         delete page;
     }

@@ -13,7 +13,8 @@ class QStackedLayout;
 
 namespace tarnwick::qt {
 
-/// The tabs above the page of the selected one. A page is made when its tab is selected first.
+/// The tabs, and below them the page of the selected one. A page is made when its tab is first
+/// selected.
 class SettingsWidget final : public QWidget {
     Q_OBJECT
 

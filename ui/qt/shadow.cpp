@@ -24,7 +24,8 @@ qreal distance(qreal x, qreal y, const QRectF& rect, qreal corner) {
     return std::max(std::hypot(dx, dy) - corner, qreal(0));
 }
 
-/// The shadow of the smallest rectangle that has all four corners; the rest is these stretched.
+/// The shadow of the smallest rectangle that has all four corners. Larger ones are made by
+/// stretching it.
 QPixmap tile(int margin, int corner, qreal opacity, qreal ratio) {
     const int side = 2 * (margin + corner + qCeil(kDrop)) + 1;
     const int pixels = qCeil(side * ratio);
@@ -35,7 +36,7 @@ QPixmap tile(int margin, int corner, qreal opacity, qreal ratio) {
         for (int x = 0; x < pixels; ++x) {
             const qreal far =
                 distance((x + 0.5) / ratio, (y + 0.5) / ratio, caster, corner) / kSoftness;
-            // Gone at the margin, so that no edge shows.
+            // The shadow fades to nothing at the margin, so that no edge shows.
             const qreal fade =
                 std::clamp(1 - far * kSoftness / (margin - kDrop), qreal(0), qreal(1));
             image.setPixel(x, y, qRgba(0, 0, 0, qRound(255 * opacity * std::exp(-far) * fade)));
@@ -53,7 +54,7 @@ void paintShadow(QPainter& painter, const QRect& rect, int corner, bool isDark) 
     const QMargins margins(border, border, border, border);
     const qreal ratio = painter.device()->devicePixelRatioF();
     const QPixmap pixmap = tile(kShadowMargin, corner, opacity, ratio);
-    // The source's measures are device pixels, the target's are logical ones.
+    // Measures of the source are device pixels; those of the target are logical pixels.
     const int source = qRound(border * ratio);
     qDrawBorderPixmap(
         &painter, rect.adjusted(-kShadowMargin, -kShadowMargin, kShadowMargin, kShadowMargin),

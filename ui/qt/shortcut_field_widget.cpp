@@ -22,8 +22,8 @@ namespace {
 /// Between the field's edges and its text.
 constexpr int kPadding = 8;
 
-/// The flag of a modifier key, by its virtual key code; 0 for one that counts in no shortcut, and
-/// absent for a key that is no modifier.
+/// The flag of a modifier key, by its virtual key code. 0 for a modifier that does not count in
+/// shortcuts; absent for a key that is not a modifier.
 std::optional<std::int64_t> modifierOf(std::uint8_t virtualKeyCode) {
     switch (virtualKeyCode) {
         case key_code::kCommand:
@@ -79,7 +79,7 @@ ShortcutFieldWidget::ShortcutFieldWidget(ShortcutField& field, const Theme& them
     setAttribute(Qt::WA_Hover);
     setAutoDefault(false);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    // A press of Space or by assistive technology.
+    // Emitted for the space bar and for assistive technology.
     connect(this, &QAbstractButton::clicked, this, [this] { begin(); });
     field_.makeFirstResponder = [this] {
         if (!hasFocus()) {
@@ -124,9 +124,9 @@ void ShortcutFieldWidget::follow() {
     }
 }
 
-/// A click anywhere else cancels, also where the focus stays. Once the button is up and the click
-/// has done what it does: what is said about the shortcut goes with the recording, and what is
-/// below would move away between press and release.
+/// A click anywhere else cancels the recording, even if the focus stays. This happens after the
+/// release, when the click has had its effect: the end of the recording hides the lines below the
+/// field, and what the user presses would move away between press and release.
 bool ShortcutFieldWidget::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::MouseButtonRelease && watched != this && watched->isWidgetType()) {
         QMetaObject::invokeMethod(
@@ -158,7 +158,7 @@ void ShortcutFieldWidget::feed(const QKeyEvent& event) {
     const bool isPress = event.type() == QEvent::KeyPress;
     std::int64_t flags = flagsOf(static_cast<const QInputEvent&>(event).modifiers());
     if (const auto own = modifierOf(*code)) {
-        // The event's flags may be those from before it.
+        // The event may still hold the flags from before this key.
         flags = isPress ? flags | *own : flags & ~*own;
         field_.flagsChanged(flags);
     } else if (isPress) {
@@ -201,7 +201,7 @@ void ShortcutFieldWidget::mousePressEvent(QMouseEvent* event) {
     }
 }
 
-// A press has begun the recording already.
+// The press has already begun the recording.
 void ShortcutFieldWidget::mouseReleaseEvent(QMouseEvent*) {}
 
 void ShortcutFieldWidget::paintEvent(QPaintEvent*) {

@@ -1,4 +1,4 @@
-// The control in which the global shortcut is recorded.
+// The control that records the global shortcut.
 #pragma once
 
 #include <QPushButton>
@@ -12,12 +12,12 @@
 
 namespace tarnwick::qt {
 
-/// The virtual key code of a key by its native scan code; absent for keys without one. Empty where
-/// there is no keyboard: nothing can be recorded then.
+/// The virtual key code of a key by its native scan code; absent for keys without one. An empty
+/// function if there is no keyboard: then nothing can be recorded.
 using KeyCodes = std::function<std::optional<std::uint8_t>(std::uint32_t nativeScanCode)>;
 
-/// Feeds a field with what happens to it and draws its text. `field` must outlive the widget. While
-/// it records every key is the field's, also those that lead elsewhere otherwise.
+/// Passes its events to a field and draws the field's text. While it records, it takes every key,
+/// also keys that otherwise move the focus or trigger something. `field` must outlive the widget.
 class ShortcutFieldWidget final : public QPushButton, public FocusShape {
     Q_OBJECT
 
@@ -26,9 +26,9 @@ class ShortcutFieldWidget final : public QPushButton, public FocusShape {
                         QWidget* parent);
     ~ShortcutFieldWidget() override;
 
-    /// The text on it.
+    /// The text that it shows.
     QString shownText() const;
-    /// It waits for a shortcut.
+    /// True while it waits for a shortcut.
     bool isRecording() const;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }
@@ -53,7 +53,7 @@ class ShortcutFieldWidget final : public QPushButton, public FocusShape {
     const Theme& theme_;
     KeyCodes keyCodes_;
     bool wasRecording_ = false;
-    /// As assistive technology heard of it last.
+    /// The text that assistive technology was last told.
     QString toldText_;
 };
 

@@ -17,8 +17,8 @@ constexpr int kShortestHandle = 28;
 /// Between the bar's ends and its handle.
 constexpr int kEndGap = 2;
 
-/// A groove from end to end, without buttons. One for all bars: each holds a style of the
-/// toolkit's.
+/// A groove from end to end, without buttons. All bars share one, because each SlimStyle
+/// holds a style of the toolkit of its own.
 class SlimStyle final : public QProxyStyle {
  public:
     static SlimStyle* shared() {

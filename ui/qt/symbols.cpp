@@ -16,7 +16,7 @@ namespace {
 
 constexpr qreal kGrid = 16;
 
-/// Null when there is none of that name.
+/// Null if there is no drawing of that name.
 const SymbolDrawing* drawing(std::string_view name) {
     const auto drawings = symbolDrawings();
     const auto found = std::find_if(drawings.begin(), drawings.end(),
@@ -80,11 +80,11 @@ QImage drawnSymbol(std::string_view name, const QColor& colour, int pixels) {
             painter.fillPath(painterPath(part), ink);
         }
     }
-    // All at once, because parts may lie on each other.
+    // The opacity is applied to the whole image at once, because parts may overlap.
     painter.setCompositionMode(QPainter::CompositionMode_DestinationIn);
     painter.fillRect(QRectF(0, 0, kGrid, kGrid), QColor(0, 0, 0, colour.alpha()));
     painter.end();
-    // The original keeps the engine that drew it, which is many times its size.
+    // A copy, because the original keeps the paint engine, which is many times its size.
     return image.copy();
 }
 
@@ -109,7 +109,8 @@ QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
 
 void paintSymbol(QPainter& painter, std::string_view name, const QColor& colour,
                  const QPointF& position, qreal size) {
-    // Not the ratio of the device: a painter of a widget names the widget, wherever it draws.
+    // Not the device's own ratio: the painter of a widget reports the widget as its device, even
+    // while it draws into something else.
     const qreal scale = painter.deviceTransform().m11();
     painter.drawImage(onPixel(painter, position), symbolImage(name, colour, size, scale));
 }

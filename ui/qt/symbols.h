@@ -1,4 +1,4 @@
-// The program's own drawings: one SVG a symbol, on a grid of 16, drawn in one colour at any scale.
+// The program's own symbols: each is one SVG on a grid of 16, drawn in one colour at any scale.
 #pragma once
 
 #include <QColor>
@@ -10,7 +10,7 @@ class QPainter;
 
 namespace tarnwick::qt {
 
-/// There is a drawing of that name ("cpu", "checkmark.circle.fill", ...).
+/// Whether there is a drawing of that name ("cpu", "checkmark.circle.fill", ...).
 bool hasSymbol(std::string_view name);
 
 /// The symbol in `colour` on a transparent square, `size` logical pixels wide, at a device pixel
@@ -19,14 +19,14 @@ bool hasSymbol(std::string_view name);
 QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
                    qreal devicePixelRatio = 1);
 
-/// The same, drawn anew and not kept: for what is drawn once in a while. `pixels` wide.
+/// The same, `pixels` wide, drawn anew and not cached: for symbols that are drawn rarely.
 QImage drawnSymbol(std::string_view name, const QColor& colour, int pixels);
 
 /// Paints symbolImage() with its upper left corner at `position`, at the painter's own scale.
 void paintSymbol(QPainter& painter, std::string_view name, const QColor& colour,
                  const QPointF& position, qreal size);
 
-/// Bytes of pixels.
+/// The most bytes of pixels in the cache.
 inline constexpr int kSymbolCacheBytes = 128 * 1024;
 
 }  // namespace tarnwick::qt

@@ -12,17 +12,17 @@
 namespace tarnwick::qt {
 
 enum class ColorRole {
-    /// Ground of the panel.
+    /// Background of the panel.
     panel,
-    /// Ground of a window, and of the cards on it.
+    /// Background of a window, and of the cards on it.
     window,
     card,
     text,
-    /// Text of less weight.
+    /// Less prominent text.
     secondaryText,
     /// The empty part of a bar.
     track,
-    /// Ground of buttons and rows that can be pressed.
+    /// Background of buttons and rows that can be pressed: normal, under the pointer and pressed.
     control,
     controlHovered,
     controlPressed,
@@ -42,7 +42,7 @@ enum class FontRole {
 /// Light or dark. Main thread; one for the process, outliving every widget that draws with it.
 class Theme {
  public:
-    /// Gives the application its palette, too.
+    /// Also sets the application's palette.
     explicit Theme(bool isDark = false);
 
     bool isDark() const { return isDark_; }
@@ -51,10 +51,10 @@ class Theme {
 
     QColor color(ColorRole role) const;
     QColor color(Tint tint) const { return color(tint, isDark_); }
-    /// The shade of `tint` for light or dark, whatever the theme is.
+    /// The shade of `tint` for light or dark, independent of the current theme.
     static QColor color(Tint tint, bool isDark);
-    /// Derived from the desktop's interface font, whose size the sizes scale with. Valid until the
-    /// desktop's font changes.
+    /// Derived from the desktop's interface font; the sizes scale with the size of that font. The
+    /// reference is valid until the desktop's font changes.
     const TextStyle& style(FontRole role) const;
 
  private:

@@ -42,7 +42,7 @@ QColor gray(double level) {
                             static_cast<float>(level));
 }
 
-/// Differs, also where one of them is not a number.
+/// Whether the values differ. Two values that are not a number count as equal.
 bool isOther(double one, double other) {
     return one != other && !(std::isnan(one) && std::isnan(other));
 }
@@ -50,7 +50,7 @@ bool isOther(double one, double other) {
 void tellValue(QWidget* thumb, double value) {
     QAccessibleValueChangeEvent event(thumb, value);
     QAccessible::updateAccessibility(&event);
-    // Which says the value, too.
+    // The description contains the value, too.
     QAccessibleEvent described(thumb, QAccessible::DescriptionChanged);
     QAccessible::updateAccessibility(&described);
 }
@@ -107,7 +107,7 @@ void ThresholdThumbWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    // A soft shadow, as far as the widget reaches.
+    // A soft shadow, up to the edge of the widget.
     painter.setBrush(QColor(0, 0, 0, theme.isDark() ? 60 : 14));
     circle(painter, kThumb + 4);
     painter.setBrush(QColor(0, 0, 0, theme.isDark() ? 80 : 24));
@@ -130,7 +130,7 @@ ThresholdSliderWidget::ThresholdSliderWidget(DualThresholdSlider& slider, const 
       normalValue_(slider.value(Thumb::normal)),
       highValue_(slider.value(Thumb::high)) {
     setFixedHeight(kHit);
-    // A pointer that moves without a button has let go.
+    // Needed to notice a pointer that moves without a button: the drag has ended.
     setMouseTracking(true);
     setLayoutDirection(Qt::LeftToRight);
 }
@@ -196,7 +196,7 @@ void ThresholdSliderWidget::mousePressEvent(QMouseEvent* event) {
 void ThresholdSliderWidget::mouseMoveEvent(QMouseEvent* event) {
     if (event->type() == QEvent::MouseMove) {
         if (!event->buttons().testFlag(Qt::LeftButton)) {
-            // Its release went elsewhere.
+            // The release went to another receiver.
             endDrag();
             return;
         }

@@ -11,8 +11,8 @@ namespace tarnwick::qt {
 
 class ThresholdSliderWidget;
 
-/// One thumb: takes the keyboard's focus, and is a slider of its own to assistive technology. As
-/// large as what can be hit; the pointer is the slider's.
+/// One thumb: takes the keyboard's focus, and is a slider of its own for assistive technology. As
+/// large as the area that can be hit; the slider handles the pointer.
 class ThresholdThumbWidget final : public QWidget, public FocusShape {
     Q_OBJECT
 
@@ -35,14 +35,14 @@ class ThresholdThumbWidget final : public QWidget, public FocusShape {
     ThresholdSliderWidget& owner_;
 };
 
-/// Draws a slider and passes on what happens to it. `slider` must outlive the widget.
+/// Draws a slider and passes its events on to it. `slider` must outlive the widget.
 class ThresholdSliderWidget final : public QWidget {
     Q_OBJECT
 
  public:
     ThresholdSliderWidget(DualThresholdSlider& slider, const Theme& theme, QWidget* parent);
 
-    /// The thresholds may be others now.
+    /// Call it when the thresholds may have changed.
     void refresh();
     ThresholdThumbWidget& normal() const { return *normal_; }
     ThresholdThumbWidget& high() const { return *high_; }

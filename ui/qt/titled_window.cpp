@@ -20,7 +20,7 @@ Qt::WindowFlags windowKind(const platform::WindowOptions& options) {
     return flags;
 }
 
-/// Where the user is looking, as far as can be told.
+/// The screen where the user is probably looking.
 QScreen* currentScreen() {
     QScreen* screen = QGuiApplication::screenAt(QCursor::pos());
     return screen != nullptr ? screen : QGuiApplication::primaryScreen();
@@ -28,8 +28,8 @@ QScreen* currentScreen() {
 
 }  // namespace
 
-/// A window of the toolkit; the name and the role of a main window are what assistive technology
-/// expects of a window with a title.
+/// A main window of the toolkit, because assistive technology expects the name and the role of one
+/// for a window with a title.
 class TitledWindow::Frame final : public QMainWindow {
  public:
     Frame(TitledWindow& owner, Qt::WindowFlags flags, std::function<void()> gone)
@@ -43,7 +43,7 @@ class TitledWindow::Frame final : public QMainWindow {
         }
     }
 
-    /// Nobody owns the frame any more.
+    /// The frame has no owner from now on. Deletes it; later, if it is closing now.
     void letGo() {
         owner_ = nullptr;
         if (isClosing_) {
@@ -100,7 +100,7 @@ void TitledWindow::setContentView(std::unique_ptr<platform::View> view) {
 
 void TitledWindow::center() {
     const QRect screen = currentScreen()->availableGeometry();
-    // Of the content; its title bar is not known yet.
+    // Centres the content; the size of the title bar is not known yet.
     frame_->setGeometry(QRect(screen.center() - frame_->rect().center(), frame_->size()));
 }
 

@@ -15,15 +15,15 @@ namespace tarnwick::qt {
 /// Main thread.
 class TitledWindow final : public platform::Window {
  public:
-    /// `gone` is called on a later turn when the window has gone with all that was in it; may be
-    /// empty.
+    /// `gone` is called on a later turn, after the window and everything in it are destroyed. May
+    /// be empty.
     explicit TitledWindow(const platform::WindowOptions& options, std::function<void()> gone = {});
     TitledWindow(const TitledWindow&) = delete;
     TitledWindow& operator=(const TitledWindow&) = delete;
     ~TitledWindow() override;
 
     void setTitle(const std::string& title) override;
-    /// A WidgetView.
+    /// Requires: `view` is a WidgetView or null.
     void setContentView(std::unique_ptr<platform::View> view) override;
     void setDelegate(platform::WindowDelegate* delegate) override { delegate_ = delegate; }
     void center() override;
@@ -32,7 +32,7 @@ class TitledWindow final : public platform::Window {
  private:
     class Frame;
 
-    /// Deletes itself where the window goes while it is closing.
+    /// Deletes itself later if the window is destroyed while it is closing.
     Frame* frame_;
     platform::WindowDelegate* delegate_ = nullptr;
     std::unique_ptr<WidgetView> view_;
@@ -40,7 +40,7 @@ class TitledWindow final : public platform::Window {
 
 class TitledWindows final : public platform::Windows {
  public:
-    /// `gone` as that of each window.
+    /// `gone` is passed to each window.
     explicit TitledWindows(std::function<void()> gone = {}) : gone_(std::move(gone)) {}
 
     std::unique_ptr<platform::Window> makeWindow(const platform::WindowOptions& options) override;

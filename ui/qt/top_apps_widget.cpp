@@ -77,7 +77,8 @@ void ProcessListWidget<List>::valueChanged() {
     showLines();
 }
 
-// What comes under a pointer at rest hears of a move, too: to where the pointer is anyway.
+// A widget that comes under a resting pointer also gets a move event; its position is the one that
+// the pointer already had.
 template <class List>
 void ProcessListWidget<List>::mouseMoveEvent(QMouseEvent* event) {
     ValueBlockWidget<List>::mouseMoveEvent(event);
@@ -90,7 +91,7 @@ void ProcessListWidget<List>::leaveEvent(QEvent* event) {
     letGo();
 }
 
-// A pointer that rests says nothing when the page scrolls below it.
+// A resting pointer sends no event when the page scrolls below it.
 template <class List>
 void ProcessListWidget<List>::lookForPointer() {
     pointer_ = QCursor::pos();

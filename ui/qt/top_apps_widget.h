@@ -9,15 +9,16 @@
 
 namespace tarnwick::qt {
 
-/// One line of a list: reads as "name, figure" and paints again only when it says something else.
-/// A line that says nothing is not there for anybody, though its place is.
+/// One line of a list. Screen readers read it as "name, figure". Paints again only if its content
+/// changes. An empty line is hidden, also from screen readers, but keeps its place.
 class ListLine final : public QWidget {
     Q_OBJECT
 
  public:
     ListLine(const Theme& theme, QAccessible::Role role, QWidget* parent)
         : QWidget(parent), theme_(theme), role_(role) {
-        // A line that comes or goes under the pointer must not tell the list that it was left.
+        // Mouse-transparent, so that a line that comes or goes under the pointer does not send the
+        // list a leave event.
         setAttribute(Qt::WA_TransparentForMouseEvents);
     }
 
@@ -34,9 +35,10 @@ class ListLine final : public QWidget {
     RowContent content_;
 };
 
-/// The lines of a list, from top to bottom. From the first move of the pointer over them on every
-/// process keeps its line, with its latest figure; the latest order comes when the pointer has left
-/// or the list is let go. A pointer that lies where the list appears holds nothing.
+/// The lines of a list, from top to bottom. The pointer holds the list from its first move over the
+/// lines on: each process keeps its line and shows its latest figure. The latest order comes when
+/// the pointer leaves or the list is let go. A pointer that is already there when the list appears
+/// holds nothing until it moves.
 template <class List>
 class ProcessListWidget : public ValueBlockWidget<List> {
  public:

@@ -33,9 +33,10 @@ int TrendRowWidget::heightFor(int) const {
     return std::max(TrendRow::kSparklineHeight, textHeight());
 }
 
-// Two rows share the space between them, so that neither is painted for the other. The tip of the
-// steepest peak of a whole history reaches six pixels beyond its frame; of the last of them, which
-// only fonts that leave the frame the whole row can cut off, nothing is to be seen.
+// Two neighbouring rows share the space between them, so that a repaint of one does not repaint the
+// other. The tip of the steepest possible peak reaches six pixels beyond its frame. The sixth pixel
+// may be cut, if the fonts are so small that the frame is as high as the row, but nothing can be
+// seen of it.
 int TrendRowWidget::overhang() const {
     return kOverhang;
 }

@@ -12,7 +12,8 @@ class TrendRowWidget final : public ValueBlockWidget<TrendRow> {
     using ValueBlockWidget::ValueBlockWidget;
 
     int heightFor(int width) const override;
-    /// Half of the line lies outside the frame where it follows an edge, and the tip of a peak.
+    /// The line reaches beyond its frame by half its width where it follows an edge, and by the tip
+    /// of a peak.
     int overhang() const override;
     QAccessible::Role accessibleRole() const override { return QAccessible::Chart; }
     /// The latest value of the line.
@@ -28,7 +29,7 @@ class TrendRowWidget final : public ValueBlockWidget<TrendRow> {
     qreal textRoom() const;
 };
 
-/// Draws the line, or what stands in its place, into `frame`.
+/// Draws the line, or the placeholder bar, into `frame`.
 void paintSparkline(QPainter& painter, const SparklineView& sparkline, const Theme& theme,
                     const QRectF& frame);
 

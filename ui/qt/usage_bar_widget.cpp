@@ -16,7 +16,7 @@ namespace tarnwick::qt {
 
 namespace {
 
-/// Steps shorter than this, logical pixels, are no movement to see.
+/// Shorter steps, in logical pixels, are too small to be seen as a movement.
 constexpr double kLeastStep = 2;
 
 void paintBar(QPainter& painter, double fraction, const QColor& color, const Theme& theme,
@@ -31,7 +31,7 @@ void paintBar(QPainter& painter, double fraction, const QColor& color, const The
     if (filled <= 0) {
         return;
     }
-    // Too short for round ends of its own, the fill takes the shape of the track's end.
+    // A fill that is too short for round ends of its own takes the shape of the track's end.
     QPainterPath fill;
     fill.addRoundedRect(
         filled < 2 * grid::kBarCorner
@@ -63,11 +63,11 @@ QRect UsageBarWidget::barRect() const {
 }
 
 QRect UsageBarWidget::barRoom() const {
-    // Drawn on whole pixels, it may reach so far above its place.
+    // Alignment to whole pixels may move the bar up by this much.
     return barRect().adjusted(0, -1, 0, 0);
 }
 
-// Paints no more than the stretch that the end of the bar has passed over.
+// Repaints only the part that the end of the bar has passed over.
 void UsageBarWidget::barMoved() {
     const double from = std::min(drawnFraction_, fraction_.value());
     const double to = std::max(drawnFraction_, fraction_.value());

@@ -11,13 +11,13 @@ namespace tarnwick::qt {
 /// The bar moves to a new value; its texts are new at once.
 class UsageBarWidget final : public ValueBlockWidget<UsageBar> {
  public:
-    /// Without a motion the bar jumps.
+    /// With a null `motion` the bar jumps.
     UsageBarWidget(const Theme& theme, std::shared_ptr<Motion> motion, QWidget* parent);
 
     int heightFor(int width) const override;
     QAccessible::Role accessibleRole() const override { return QAccessible::ProgressBar; }
     std::optional<double> accessibleValue() const override {
-        // A bar in no level's colour stands for what is not known yet.
+        // A gray bar means that the value is not known yet.
         return value().tint == Tint::gray ? std::nullopt : std::optional(value().fraction() * 100);
     }
 
@@ -28,15 +28,15 @@ class UsageBarWidget final : public ValueBlockWidget<UsageBar> {
 
  private:
     QRect barRect() const;
-    /// Where the bar may paint.
+    /// The area in which the bar may paint.
     QRect barRoom() const;
     void barMoved();
 
     /// The share of the bar that is filled now.
     MovingValue fraction_;
-    /// The bar has shown a value.
+    /// True once the bar has shown a value.
     bool isBegun_ = false;
-    /// The share that the screen shows, but for what is waiting to be painted.
+    /// The share that the screen shows, apart from pending repaints.
     double drawnFraction_ = 0;
 };
 

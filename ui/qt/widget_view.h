@@ -1,4 +1,4 @@
-// Widgets as what a window shows.
+// A widget as the content of a window.
 #pragma once
 
 #include <QWidget>
@@ -14,7 +14,7 @@ class WidgetView : public platform::View {
  public:
     explicit WidgetView(std::unique_ptr<QWidget> widget) : widget_(std::move(widget)) {}
 
-    /// Goes with the view, also while it is in a window.
+    /// Destroyed with the view, even while it is in a window.
     QWidget* widget() const { return widget_.get(); }
 
  private:

@@ -7,9 +7,9 @@
 
 namespace tarnwick::qt {
 
-/// The text broken at spaces into at most `lines` lines of about the same length, none wider than
-/// `width` logical pixels; what does not fit is cut at the end of the last one. Always at least one
-/// line.
+/// The text broken at spaces into at least one and at most `lines` lines, none wider than `width`
+/// logical pixels. If the text fits, the lines have about the same length; otherwise it is cut at
+/// the end of the last line.
 QStringList wrapped(const QString& text, const TextStyle& style, qreal width, int lines);
 
 }  // namespace tarnwick::qt

@@ -1,4 +1,4 @@
-// What the program says of itself.
+// What the program says about itself.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@ namespace tarnwick {
 /// The maker's web site.
 inline constexpr std::string_view kMakerAddress = "https://brantlow.example/";
 
-/// What the program's own information tells; absent for what is missing or not a text.
+/// The program's own version information. A field is absent if it is missing or not a text.
 struct ProgramInformation {
     std::optional<std::string> shortVersion{};
     std::optional<std::string> buildVersion{};

@@ -18,20 +18,21 @@ struct DisplayModePreview {
     /// Symbol name.
     std::string_view icon() const;
     Tint tint() const;
-    /// Empty for a symbol alone.
+    /// Empty if only the symbol is shown.
     std::string_view text() const;
 
     bool operator==(const DisplayModePreview&) const = default;
 };
 
-/// Pressed anywhere, it selects its mode.
+/// A press anywhere on the card selects its mode.
 struct DisplayModeCard {
     MenuBarDisplayMode mode = MenuBarDisplayMode::advanced;
-    /// The mode that is selected, of whichever card.
+    /// The mode that is selected now, on this card or another one.
     MenuBarDisplayMode selection = MenuBarDisplayMode::advanced;
 
     bool isSelected() const { return selection == mode; }
-    /// Symbol name; in the accent colour where the card is selected, else in the secondary one.
+    /// Symbol name; drawn in the accent colour if the card is selected, otherwise in the secondary
+    /// one.
     std::string_view radioIcon() const;
     std::string_view title() const;
     std::string_view description() const;

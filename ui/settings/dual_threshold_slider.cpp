@@ -12,7 +12,7 @@ namespace {
 
 constexpr double kSpan =
     DualThresholdSlider::kTrackRange.upper - DualThresholdSlider::kTrackRange.lower;
-/// The first whole number above those of 64 bits.
+/// 2^63, the first whole number above the 64-bit range.
 constexpr double kBeyondInteger = 9223372036854775808.0;
 
 }  // namespace
@@ -83,8 +83,9 @@ double DualThresholdSlider::valueAt(double location, double width) {
     return kTrackRange.lower + (x / track) * kSpan;
 }
 
-// The order of the clamps decides where the ranges contradict each other. Of each pair the bound
-// stands first, which is what remains when the other one is not a number.
+// The order of the clamps decides the result if the ranges contradict each other. In each std::min
+// and std::max the bound comes first, because the first argument is the result when the second one
+// is not a number.
 double DualThresholdSlider::clamped(Thumb thumb, double raw) const {
     if (thumb == Thumb::normal) {
         const double limit =
@@ -130,7 +131,7 @@ std::optional<DualThresholdSlider::Thumb> DualThresholdSlider::movable(double pr
 }
 
 bool DualThresholdSlider::beginDrag(double location, double distanceFromAxis, double width) {
-    // Nobody may have told of the end of the last one.
+    // The end of the last drag may not have been reported.
     endDrag();
     const bool onNormal = isUnder(Thumb::normal, location, distanceFromAxis, width);
     const bool onHigh = isUnder(Thumb::high, location, distanceFromAxis, width);

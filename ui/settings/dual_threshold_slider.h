@@ -1,4 +1,4 @@
-// The slider with which a metric's two thresholds are set, without a toolkit.
+// The slider that sets a metric's two thresholds. Independent of any toolkit.
 #pragma once
 
 #include <optional>
@@ -8,7 +8,7 @@
 
 namespace tarnwick {
 
-/// Both ends belong to it.
+/// Includes both ends.
 struct ClosedRange {
     double lower = 0;
     double upper = 0;
@@ -16,22 +16,25 @@ struct ClosedRange {
     bool operator==(const ClosedRange&) const = default;
 };
 
-/// A threshold as a whole number: cut toward zero. What is not a number is "0", and what no 64-bit
-/// number can hold is the nearest one.
+/// A threshold as a whole number, cut towards zero. "0" for a value that is not a number; the
+/// nearest 64-bit number for a value outside that range.
 std::string wholePercentText(double value);
 
-/// Two thumbs on one track from 0 to 100 percent. Keeps no values: reads them through the bindings
-/// and writes whole numbers where those at its limits are whole, the normal one at least one below
-/// the high one as far as the ranges allow. Lengths and places are points in the slider's own
-/// coordinates, in which it is `width` wide. Main thread only.
+/// Two thumbs on one track from 0 to 100 percent. Keeps no values: reads them through the bindings.
+///
+/// Writes whole numbers, except where a limit is not whole. Keeps the normal threshold at least one
+/// below the high one, as far as the ranges allow.
+///
+/// Lengths and places are points in the slider's own coordinates; the slider is `width` wide. Main
+/// thread only.
 class DualThresholdSlider {
  public:
     enum class Thumb { normal, high };
     enum class Adjustment { increment, decrement };
     enum class MoveCommand { up, down, left, right };
 
-    /// From the start of the track to its end: up to the normal threshold, from there to the high
-    /// one, and the rest.
+    /// Lengths from the start of the track to its end: up to the normal threshold, from there to
+    /// the high one, and the rest.
     struct Segments {
         double green;
         double yellow;
@@ -42,15 +45,15 @@ class DualThresholdSlider {
     /// Diameter of a thumb.
     static constexpr double kThumbSize = 20;
     static constexpr double kTrackHeight = 6;
-    /// Side of the square around a thumb's centre in which a press takes the thumb.
+    /// Side of a square around a thumb's centre. A press in the square takes the thumb.
     static constexpr double kHitSize = 28;
-    /// Of the secondary colour, with which the track is drawn below its segments.
+    /// Opacity of the secondary colour in which the track is drawn below its segments.
     static constexpr double kTrackOpacity = 0.14;
     /// White level of the thumbs, light and dark.
     static constexpr double kLightThumbLevel = 1;
     static constexpr double kDarkThumbLevel = 0.12;
 
-    /// `title` is the metric's name. What is bound must outlive the slider.
+    /// `title` is the metric's name. The bound values must outlive the slider.
     DualThresholdSlider(std::string title, Binding<double> normal, Binding<double> high,
                         ClosedRange normalRange, ClosedRange highRange,
                         bool keyboardNavigationEnabled);
@@ -63,27 +66,29 @@ class DualThresholdSlider {
     const std::string& title() const { return title_; }
     double value(Thumb thumb) const;
     const ClosedRange& range(Thumb thumb) const;
-    /// The thumbs take the keyboard's focus.
+    /// Whether the thumbs take the keyboard's focus.
     bool keyboardNavigationEnabled() const { return keyboardNavigationEnabled_; }
 
     /// Length of the track; at least 1.
     static double usableWidth(double width);
-    /// Distance of a value from the start of the track, which lies kThumbSize / 2 within the
+    /// Distance of a value from the start of the track. The track starts kThumbSize / 2 inside the
     /// slider.
     static double position(double value, double width);
-    /// Centre of a thumb along the slider; never beyond the ends of the track, whose start is the
-    /// place of what is not a number: a thumb can always be seen and taken.
+    /// Centre of a thumb along the slider. Never beyond the ends of the track, so that the user can
+    /// always see and take the thumb. A value that is not a number lies at the start.
     double thumbCenter(Thumb thumb, double width) const;
     /// None is below 0.
     Segments segments(double width) const;
 
-    /// Begins a drag at a place: takes the thumb that is under the pointer, and moves it there. Of
-    /// two thumbs under the pointer it is the nearer, unless that one cannot move to the pointer
-    /// and the other can; a nearer one that is there already waits for the pointer to move. False,
-    /// and nothing happens, away from both thumbs; `distanceFromAxis` is how far from the slider's
-    /// middle line the place is.
+    /// Begins a drag at `location`, `distanceFromAxis` away from the slider's middle line: takes
+    /// the thumb under the pointer and moves it there. Away from both thumbs, does nothing and
+    /// returns false.
+    ///
+    /// If both thumbs are under the pointer, takes the nearer one, or the other one if only that
+    /// can move to the pointer. If the nearer one is already at the pointer, a later move of the
+    /// pointer decides.
     bool beginDrag(double location, double distanceFromAxis, double width);
-    /// Every change of a drag, also its beginning.
+    /// Applies every change of a drag, including its beginning.
     void drag(Thumb thumb, double location, double width);
     /// The pointer has moved since beginDrag().
     void continueDrag(double location, double width);
@@ -94,7 +99,7 @@ class DualThresholdSlider {
 
     /// One percent up or down.
     void adjust(Thumb thumb, Adjustment adjustment);
-    /// As near to `value` as the thumb may go.
+    /// Sets the value that is nearest to `value` and allowed for the thumb.
     void setValue(Thumb thumb, double value);
     /// Up and right increment, down and left decrement; does nothing without keyboard navigation.
     void move(Thumb thumb, MoveCommand command);
@@ -104,10 +109,11 @@ class DualThresholdSlider {
 
  private:
     static double valueAt(double location, double width);
-    /// What the thumb would be set to for a value that the user points at.
+    /// The value that the thumb would take if the user pointed at `raw`.
     double clamped(Thumb thumb, double raw) const;
     bool isUnder(Thumb thumb, double location, double distanceFromAxis, double width) const;
-    /// Of two thumbs that were under the pointer at `pressed`, the one to be dragged to it.
+    /// Both thumbs were under the pointer at `pressed`: the one to drag to `location`; absent if
+    /// undecided.
     std::optional<Thumb> movable(double pressed, double location, double width) const;
 
     std::string title_;
@@ -117,7 +123,7 @@ class DualThresholdSlider {
     ClosedRange highRange_;
     bool keyboardNavigationEnabled_;
     std::optional<Thumb> dragged_;
-    /// Where a drag began that began on both thumbs and has moved neither yet.
+    /// Where the drag began, if it began on both thumbs and has not moved either one yet.
     std::optional<double> undecidedFrom_;
 };
 

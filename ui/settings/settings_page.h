@@ -24,7 +24,7 @@ struct SwitchRow {
     bool operator==(const SwitchRow&) const = default;
 };
 
-/// Puts every threshold back.
+/// The button that resets every threshold.
 struct ResetButton {
     static constexpr std::string_view kTitle = "Reset to Defaults";
 
@@ -40,7 +40,7 @@ struct SettingsCard {
 
 using SettingsItem = std::variant<DisplayModeCard, ThresholdEditorCard, SettingsCard, ResetButton>;
 
-/// A heading, where there is a title, above the content.
+/// A heading, if `title` is not empty, above the content.
 struct SettingsSection {
     std::string_view title;
     std::vector<SettingsItem> content;

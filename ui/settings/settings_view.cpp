@@ -32,7 +32,7 @@ StoredThresholds stored(JudgedMetric metric) {
             &UserSettings::setCPUHigh};
 }
 
-/// A property of the settings.
+/// A binding to one property of the settings.
 template <class T>
 Binding<T> bound(UserSettings& settings, T (UserSettings::*get)() const,
                  void (UserSettings::*set)(T)) {
@@ -145,7 +145,7 @@ void SettingsView::setSwitch(SettingsSwitch setting, bool on) {
     switch (setting) {
         case SettingsSwitch::launchOnLogin:
             settings_.setLaunchOnLogin(on);
-            // Not later: the window may be closed by then.
+            // At once, because the window may be closed before a later turn.
             return followLaunchOnLogin();
         case SettingsSwitch::remindRestartAfterWeek:
             return settings_.setRemindRestartAfterWeek(on);
@@ -158,8 +158,8 @@ void SettingsView::toggleSwitch(SettingsSwitch setting) {
                            : !settings_.remindRestartAfterWeek());
 }
 
-// A change that the system refuses puts the preference back, which is a change, too. The system's
-// own state ends this: what it is cannot be put back.
+// If the system refuses a change, updateLoginItem() resets the preference, which is a change, too.
+// The loop ends because a preference that equals the system's state is not reset.
 void SettingsView::followLaunchOnLogin() {
     while (std::exchange(launchOnLogin_, settings_.launchOnLogin()) != settings_.launchOnLogin()) {
         settings_.updateLoginItem();
@@ -183,7 +183,7 @@ void SettingsView::openMakerSite() {
     }
 }
 
-// Whatever becomes of the field, it says so here.
+// The field calls this after every change of its state, so the rebuild is scheduled here.
 void SettingsView::setValidationMessage(std::optional<std::string> message) {
     shortcutValidationMessage_ = std::move(message);
     nextRebuild_.schedule();

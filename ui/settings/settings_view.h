@@ -18,19 +18,19 @@
 
 namespace tarnwick {
 
-/// What a view runs on; all outlive it.
+/// What a view runs on. All of it must outlive the view.
 struct SettingsViewEnvironment {
     platform::Dispatch& dispatch;
     platform::KeyboardLayout& keyboardLayout;
     ProgramInformation program{};
     /// Shows an address in the user's browser.
     std::function<void(const std::string& address)> openAddress{};
-    /// The thumbs of the sliders take the keyboard's focus.
+    /// Whether the thumbs of the sliders take the keyboard's focus.
     bool keyboardNavigationEnabled = true;
 };
 
-/// Edits the settings themselves: what a control does is stored before it returns, and nothing has
-/// to be saved. Lives as long as the window shows it. Main thread only.
+/// Edits the settings directly: each change is stored before the control's function returns, so
+/// nothing has to be saved. Lives as long as the window shows it. Main thread only.
 class SettingsView {
  public:
     /// What is on screen.
@@ -53,18 +53,18 @@ class SettingsView {
     Content content() const;
     SettingsPage page(Tab tab) const;
     /// Calls `observer` when the content differs from the last one, on a later turn of the main
-    /// queue, once however much has changed and whoever changed it.
+    /// queue: once for any number of changes, whatever caused them.
     void setObserver(std::function<void(const Content&)> observer);
 
     Tab selectedTab() const { return selectedTab_; }
     void selectTab(Tab tab);
 
-    /// The card of the selected mode does nothing.
+    /// Does nothing if the mode is already selected.
     void selectDisplayMode(MenuBarDisplayMode mode);
     void setSwitch(SettingsSwitch setting, bool on);
-    /// To the other of what is stored, which may not be shown yet.
+    /// Switches to the opposite of the stored value, which may differ from the one shown.
     void toggleSwitch(SettingsSwitch setting);
-    /// The recorder's field, for the control that feeds it.
+    /// The recorder's field, for the control that passes events to it.
     ShortcutField& shortcutField() { return recorder_.field(); }
     void clearShortcut();
     DualThresholdSlider& slider(JudgedMetric metric);
@@ -86,7 +86,7 @@ class SettingsView {
     std::optional<std::string> shortcutValidationMessage_;
     ShortcutRecorderView recorder_;
     std::vector<DualThresholdSlider> sliders_;
-    /// As it was when it was looked at last.
+    /// The preference when it was last checked.
     bool launchOnLogin_;
     Content lastContent_;
     std::function<void(const Content&)> observer_;

@@ -30,12 +30,12 @@ struct ShortcutEditor {
         "Shortcut must include Command. Examples: ⌘ + L, ⌘ + Shift + L, ⌘ + Option + L, or ⌘ + "
         "Control + L.";
     static constexpr std::string_view kClear = "Clear";
-    /// Of the field, points.
+    /// Width of the field, points.
     static constexpr int kFieldWidth = 220;
 
     /// What the field shows.
     ShortcutFieldText field;
-    /// There is something to clear.
+    /// Whether there is a shortcut to clear.
     bool hasClear = false;
     /// From top to bottom.
     std::vector<StatusLine> lines;
@@ -53,7 +53,8 @@ struct ShortcutStatus {
     std::int64_t modifiers = 0;
 };
 
-/// The reason of a rejected key press, then the outcome of the registration, each by itself.
+/// The reason for a rejected key press, then the outcome of the registration. Each line is there
+/// only if it applies.
 std::vector<StatusLine> statusLines(const ShortcutStatus& status, platform::KeyboardLayout& layout);
 
 }  // namespace tarnwick

@@ -16,7 +16,7 @@ struct TabItem {
     std::string_view icon;
 };
 
-/// In the order in which they stand.
+/// In the order in which they are shown.
 inline constexpr std::array kTabs = {
     TabItem{Tab::general, "General", "gearshape"},
     TabItem{Tab::customize, "Customize", "dial.high"},

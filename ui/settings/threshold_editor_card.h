@@ -1,4 +1,4 @@
-// Where the two thresholds of one metric are set.
+// The card that sets the two thresholds of one metric.
 #pragma once
 
 #include <array>
@@ -12,7 +12,7 @@ namespace tarnwick {
 /// The metrics that have thresholds.
 enum class JudgedMetric { cpu, gpu, memory, storage };
 
-/// What the card of a metric is made with.
+/// What the card of a metric is made from.
 struct ThresholdEditor {
     JudgedMetric metric;
     std::string_view title;
@@ -22,7 +22,8 @@ struct ThresholdEditor {
     ClosedRange highRange;
 };
 
-/// From top to bottom. No warning of a volume that is less than half full is offered.
+/// From top to bottom. The storage ranges start at 50, because a warning about a volume that is
+/// less than half full makes no sense.
 inline constexpr std::array kThresholdEditors = {
     ThresholdEditor{JudgedMetric::cpu, "CPU Usage", "cpu", {10, 99}, {11, 100}},
     ThresholdEditor{JudgedMetric::gpu, "GPU Usage", "display.2", {10, 99}, {11, 100}},

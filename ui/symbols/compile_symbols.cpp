@@ -1,6 +1,6 @@
-// Build tool: compile_symbols OUTPUT.cpp SYMBOL.svg...
-// Lets the SVG library draw each file onto a device that writes down what is drawn, and puts that
-// into tables. Only what symbols are made of is understood; anything else is an error.
+// Build tool: compile_symbols OUTPUT.cpp SYMBOL.svg... Lets the SVG library draw each file onto a
+// paint device that records what is drawn, and writes the recording as tables. It supports only
+// what the symbols use; anything else is an error.
 #include <QCoreApplication>
 #include <QFile>
 #include <QFileInfo>
@@ -18,7 +18,7 @@
 namespace {
 
 constexpr int kGrid = 16;
-/// Stands for the colour that the symbol will be drawn in.
+/// A placeholder for the colour in which the symbol will be drawn.
 const QColor kMarker(1, 2, 3);
 
 [[noreturn]] void fail(const QString& file, const char* what) {

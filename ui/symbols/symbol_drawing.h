@@ -32,8 +32,8 @@ struct SymbolPart {
     };
     std::span<const SymbolPoint> points;
     Ink ink;
-    /// Grid units; 0: the path is filled, by the odd-even rule where `oddEven` is set. Strokes have
-    /// round caps and joins.
+    /// Grid units. 0 means that the path is filled, with the odd-even rule if `oddEven` is set.
+    /// Strokes have round caps and joins.
     float strokeWidth;
     bool oddEven;
 };
@@ -43,7 +43,7 @@ struct SymbolDrawing {
     std::span<const SymbolPart> parts;
 };
 
-/// Every symbol, by name.
+/// All symbols; the name identifies each one.
 std::span<const SymbolDrawing> symbolDrawings();
 
 }  // namespace tarnwick

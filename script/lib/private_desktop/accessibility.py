@@ -37,7 +37,7 @@ class AccessibilityBus:
         self._connection.close_sync(None)
 
     def program(self, pid):
-        """The root of a program's tree, or None while it has not said that it has one."""
+        """The root of a program's tree, or None while the program has not registered one."""
         registry = Accessible(self._connection, *_REGISTRY)
         return next((each for each in registry.children() if each.pid() == pid), None)
 
@@ -102,7 +102,7 @@ class Accessible:
         return self._call(_ACCESSIBLE, "GetRoleName")[0]
 
     def states(self):
-        """Those of the states that anybody asks for."""
+        """The names of its states, as far as they are in _STATES."""
         low, high = self._call(_ACCESSIBLE, "GetState")[0]
         bits = low | high << 32
         return {name for name, bit in _STATES.items() if bits >> bit & 1}
@@ -114,13 +114,13 @@ class Accessible:
         return Accessible(self._connection, *self._get(_ACCESSIBLE, "Parent"))
 
     def text(self):
-        """The text that it shows, or None for what is no text."""
+        """The text that it shows, or None if it has no text."""
         if "Text" not in self.interfaces():
             return None
         return self._call(_TEXT, "GetText", GLib.Variant("(ii)", (0, -1)))[0]
 
     def value(self):
-        """(least, current, greatest), or None for what has no value."""
+        """(least, current, greatest), or None if it has no value."""
         if "Value" not in self.interfaces():
             return None
         return tuple(self._get(_VALUE, name)
@@ -135,7 +135,7 @@ class Accessible:
         return self._call(_COMPONENT, "GetExtents", GLib.Variant("(u)", (0,)))[0]
 
     def actions(self):
-        """Names of what can be done with it."""
+        """Names of its actions."""
         if "Action" not in self.interfaces():
             return []
         return [name for name, _, _ in self._call(_ACTION, "GetActions")[0]]

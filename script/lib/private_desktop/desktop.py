@@ -18,7 +18,7 @@ _SIZE = (1280, 800)
 _LIGHT_BACKGROUND = ((0x8F, 0xA5, 0xBE), (0x5F, 0x72, 0x8C))
 _DARK_BACKGROUND = ((0x2E, 0x38, 0x46), (0x1C, 0x22, 0x2C))
 
-# Inter stands for whatever the desktop calls its own font, at the usual size.
+# Inter stands for the desktop's own font, whatever its name is, at the usual size.
 _FONTS = """\
 <?xml version="1.0"?>
 <!DOCTYPE fontconfig SYSTEM "urn:fontconfig:fonts.dtd">
@@ -41,8 +41,8 @@ _GTK = """\
 gtk-font-name=Sans 11
 gtk-application-prefer-dark-theme={dark}
 """
-# Only what the hosts cannot do without is started on demand: nothing else of the machine's
-# services may wake up on this bus.
+# Only the services that the hosts cannot run without are started on demand. No other service of the
+# machine may start on this bus.
 _BUS = """\
 <!DOCTYPE busconfig PUBLIC "-//freedesktop//DTD D-BUS Bus Configuration 1.0//EN"
  "http://www.freedesktop.org/standards/dbus/1.0/busconfig.dtd">
@@ -124,7 +124,7 @@ class PrivateDesktop:
 
     @property
     def nowhere(self):
-        """A place of the screen where no window is."""
+        """A place on the screen without a window."""
         width, height = self.screen.size
         return width // 2, height - 2
 
@@ -138,10 +138,10 @@ class PrivateDesktop:
             "HOME": self.path("home"),
             "XDG_RUNTIME_DIR": self.path("runtime"),
             "TMPDIR": self.path("tmp"),
-            # There is none, and the machine's own is none of this desktop's business.
+            # There is no system bus here, and the machine's own one must not be used.
             "DBUS_SYSTEM_BUS_ADDRESS": "unix:path=" + self.path("runtime/no_system_bus"),
             "FONTCONFIG_FILE": self.path("fonts.conf"),
-            # No accessibility bus, settings daemon or virtual file system comes along.
+            # Starts no accessibility bus, settings daemon or virtual file system.
             "NO_AT_BRIDGE": "1",
             "GSETTINGS_BACKEND": "memory",
             "GIO_USE_VFS": "local",
@@ -206,7 +206,8 @@ class PrivateDesktop:
     def _start_bus(self):
         services = list(_SERVICES)
         if self._has_accessibility:
-            # Without a screen reader that says so programs would show nothing.
+            # Otherwise programs would publish nothing, because no screen reader announces itself
+            # here.
             self.env["QT_LINUX_ACCESSIBILITY_ALWAYS_ON"] = "1"
             services.append(_ACCESSIBILITY_SERVICE)
         for service in services:
@@ -255,7 +256,7 @@ class PrivateDesktop:
         return self._host is not None and self._host.watches
 
     def kill_host(self):
-        """Ends the tray host without a chance to say good-bye, and what watches in its name."""
+        """Kills the tray host, so that it cannot say good-bye, and its separate watcher, if any."""
         watcher = self.bus.watcher()
         self._host_process.kill()
         self._host_process.wait()
@@ -266,14 +267,14 @@ class PrivateDesktop:
                 pass
 
     def kill_display(self):
-        """Ends the display under everybody who uses it; there is none any more."""
+        """Ends the display while programs still use it. The desktop has no display afterwards."""
         self.screen.close()
         self.screen = None
         self._display_process.kill()
         self._display_process.wait()
 
     def kill_bus(self):
-        """Ends the session bus, with which the window manager goes; there is neither any more."""
+        """Ends the session bus, and with it the window manager. Both are gone afterwards."""
         self.bus.close()
         self.bus = None
         self._bus_process.kill()
@@ -281,9 +282,9 @@ class PrivateDesktop:
         self._window_manager.wait()
 
     def host_windows(self):
-        """The windows of the host that can be seen."""
+        """The visible windows of the host."""
         if self.is_wayland:
-            # The compositor tells of no bars.
+            # The compositor does not list bars.
             return [Window(0, 0, 0, self.screen.size[0], self._host.bar_height,
                            self._host_process.pid, True)]
         return self.screen.windows(self._host_process.pid)

@@ -1,4 +1,4 @@
-"""Programs that show a tray, each with the configuration that makes it show nothing else much."""
+"""Programs that show a tray, each with a configuration that makes it show little else."""
 
 import dataclasses
 import os
@@ -10,11 +10,11 @@ class Host:
     """One tray host, ready to start."""
 
     argv: tuple
-    # It watches for StatusNotifierItems; otherwise it is an XEmbed tray.
+    # True if it watches for StatusNotifierItems; otherwise it is an XEmbed tray.
     watches: bool
-    # What its environment has besides the desktop's.
+    # Environment variables in addition to the desktop's.
     env: dict = dataclasses.field(default_factory=dict)
-    # Height of its bar, along the top, where no display can be asked for it.
+    # Height of its bar along the top, for hosts where no display can be asked for it.
     bar_height: int = 0
 
 
@@ -167,7 +167,7 @@ _HOSTS = {
     "waybar": _waybar,
 }
 WATCHING = ("xfce4-panel", "lxqt-panel", "mate-panel", "waybar")
-# Programs that a host needs beside itself. What needs sway runs in a Wayland session.
+# Programs that a host needs in addition. A host that needs sway runs in a Wayland session.
 _COMPANIONS = {"waybar": ("sway", "swaymsg", "grim")}
 
 

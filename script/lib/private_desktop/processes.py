@@ -7,7 +7,7 @@ import subprocess
 import time
 
 _PR_SET_CHILD_SUBREAPER = 36
-# For a polite end; what is left after it is killed.
+# Seconds for a polite end; then the rest is killed.
 _GRACE = 3.0
 
 
@@ -58,7 +58,7 @@ class Processes:
     def __init__(self, log_folder):
         self._log_folder = log_folder
         self._started = []
-        # Orphans below this process become its children instead of init's, so none gets lost.
+        # Orphans below this process become its children instead of init's, so that none is lost.
         ctypes.CDLL(None).prctl(_PR_SET_CHILD_SUBREAPER, 1, 0, 0, 0)
 
     def start(self, argv, env, log, **options):

@@ -5,14 +5,14 @@ import time
 
 from .wait import Timeout, until
 
-# Width of the panel at a scale of 1, and of its shadow where its window holds that, too.
+# Width of the panel at a scale of 1, and of its shadow, if the window includes that.
 _PANEL_WIDTH = 320
 _SHADOW = 28
-# A click so soon after a press that closed the panel belongs to that press.
+# Seconds. A click within this time after a press that closed the panel belongs to that press.
 _SAME_CLICK = 0.5
-# A colour counts as the icon's own from this distance between its strongest and weakest part.
+# A colour counts as the icon's own if its strongest and weakest part differ at least by this.
 _SATURATED = 70
-# Pixels of the icon that must be seen: an icon of 16 pixels has some hundred.
+# Pixels of the icon that must be visible: an icon of 16 pixels has some hundred.
 _FEWEST_PIXELS = 20
 
 
@@ -28,7 +28,7 @@ class Program:
         return self.process.pid
 
     def start(self, **changes):
-        """Starts the program; `changes` to its environment, None takes a variable out."""
+        """Starts the program. `changes` apply to its environment; None removes a variable."""
         env = {name: value for name, value in {**self.desktop.env, **changes}.items()
                if value is not None}
         self.process = self.desktop.processes.start(self._argv, env, self._log)
@@ -95,12 +95,12 @@ class Program:
         return None
 
     def settled_item_place(self):
-        """Where the item can be clicked, or None while it still comes or moves."""
+        """Where the item can be clicked, or None while it is not shown yet or still moves."""
         place = self.item_place()
         return place if place is not None and place == self.item_place() else None
 
     def wait_for_greeting(self, patience=3.0):
-        """Whether a first start opens the panel by itself, which it does soon or not at all."""
+        """Whether a first start opens the panel by itself. It does so soon or never."""
         try:
             return bool(until(self.panel, "the panel greets", patience))
         except Timeout:
@@ -112,7 +112,7 @@ class Program:
         return until(self.panel, "the panel opens after a click on the item")
 
     def close_panel(self):
-        """Closes the panel by a click where nothing is."""
+        """Closes the panel by a click on an empty place."""
         self.desktop.screen.click(self.desktop.nowhere)
         until(lambda: self.panel() is None, "the panel closes after a click outside")
         time.sleep(_SAME_CLICK)
@@ -122,7 +122,7 @@ class Program:
         self.desktop.screen.click(place, button, hold)
 
     def panel_picture(self):
-        """What the screen shows of the panel, or None when it is closed or empty."""
+        """A picture of the panel on the screen, or None if it is closed or empty."""
         panel = self.panel()
         if panel is None:
             return None
@@ -131,7 +131,7 @@ class Program:
 
 
 def icon_colour(pictures):
-    """The colour that an item's pictures have most of, greys aside; None for no colour."""
+    """The most frequent colour of an item's pictures, without greys; None if there is none."""
     counts = {}
     for _width, _height, pixels in pictures or []:
         data = bytes(pixels)
@@ -143,14 +143,14 @@ def icon_colour(pictures):
 
 
 def is_drawn(picture):
-    """Whether something is on a picture: one even colour or a few are nothing."""
+    """Whether a picture shows something: one or a few even colours count as nothing."""
     colours = picture.getcolors(picture.width * picture.height)
     ground = max(count for count, _ in colours)
     return len(colours) >= 32 and ground < 0.99 * picture.width * picture.height
 
 
 def _middle_of(picture, colour):
-    """The middle of what has about this colour, or None when too little of it is there."""
+    """The middle of the pixels with about this colour, or None if there are too few."""
     near = 48
     pixels = picture.load()
     places = [(x, y) for y in range(picture.height) for x in range(picture.width)

@@ -21,7 +21,8 @@ class Window:
     width: int
     height: int
     pid: int
-    # Directly below the root or the window manager's frame: not a part of another program.
+    # True for a window directly below the root or the window manager's frame; false for a part of
+    # another program's window.
     top_level: bool
 
     @property
@@ -81,7 +82,7 @@ class Screen:
         return 0
 
     def windows(self, pid):
-        """The visible windows of one process, each place of the tree down to the first of them."""
+        """The visible windows of one process. Windows inside one of them are not listed."""
         found = []
         strangers = [(self._root, 0)]
         while strangers:
@@ -109,7 +110,7 @@ class Screen:
         return found
 
     def pop_ups(self):
-        """The visible windows that no window manager frames: menus, tool tips, bars of some."""
+        """The visible windows without a window manager's frame: menus, tool tips, some bars."""
         found = []
         for child in self._root.query_tree().children:
             try:
@@ -136,7 +137,7 @@ class Screen:
             self._display.intern_atom("_NET_SUPPORTING_WM_CHECK"), Xatom.WINDOW) is not None
 
     def tray_owner(self):
-        """Whether somebody owns the XEmbed tray."""
+        """Whether any program owns the XEmbed tray."""
         return self._display.get_selection_owner(
             self._display.intern_atom("_NET_SYSTEM_TRAY_S0")) != X.NONE
 
@@ -171,7 +172,8 @@ class Screen:
         """Two clicks at a place of the screen, a tenth of a second apart."""
         self.move_pointer(place)
         for wait in (0, 100):
-            # The server waits, so that a busy machine cannot make two single clicks of it.
+            # The X server does the waiting, so that a busy machine cannot turn this into two single
+            # clicks.
             xtest.fake_input(self._display, X.ButtonPress, 1, time=wait)
             xtest.fake_input(self._display, X.ButtonRelease, 1)
         self._display.sync()
@@ -214,7 +216,7 @@ class Screen:
         return value.value[0] if value is not None and value.value else 0
 
     def hold_pointer(self):
-        """Keeps the pointer from every other program, as a menu does."""
+        """Grabs the pointer, so that no other program gets its events, as a menu does."""
         status = self._root.grab_pointer(False, X.ButtonPressMask, X.GrabModeAsync,
                                          X.GrabModeAsync, X.NONE, X.NONE, X.CurrentTime)
         return status == X.GrabSuccess
@@ -224,7 +226,7 @@ class Screen:
         self._display.sync()
 
     def picture(self, box=None):
-        """What is on the screen, whole or within (left, top, right, bottom)."""
+        """A picture of the whole screen or of (left, top, right, bottom)."""
         width, height = self.size
         raw = self._root.get_image(0, 0, width, height, X.ZPixmap, 0xFFFFFFFF)
         whole = Image.frombytes("RGB", (width, height), raw.data, "raw", "BGRX")

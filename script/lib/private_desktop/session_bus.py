@@ -14,7 +14,7 @@ _PROPERTIES = "org.freedesktop.DBus.Properties"
 _BUS = ("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus")
 _CALL_MS = 5000
 
-# What a private desktop answers programs that ask for light or dark.
+# The answers of a private desktop to programs that ask for light or dark.
 _PORTAL = Gio.DBusNodeInfo.new_for_xml("""
 <node><interface name="org.freedesktop.portal.Settings">
   <method name="Read"><arg type="s" direction="in"/><arg type="s" direction="in"/>
@@ -31,7 +31,7 @@ _SCHEME = ("org.freedesktop.appearance", "color-scheme")
 
 
 def answers(address):
-    """Whether the bus takes connections already."""
+    """Whether the bus accepts connections."""
     try:
         connect(address).close_sync(None)
         return True
@@ -126,7 +126,7 @@ class SessionBus:
 
 
 class Settings:
-    """Answers for the desktop's light or dark, as a portal does."""
+    """Answers questions for light or dark, as a portal does."""
 
     def __init__(self, address, dark):
         self._dark = dark
@@ -142,7 +142,7 @@ class Settings:
             raise self._fault
 
     def set_dark(self, dark):
-        """Changes the colour scheme, and says so."""
+        """Changes the colour scheme and announces the change."""
         self._dark = dark
         self._connection.emit_signal(
             None, _PORTAL_PATH, _PORTAL.name, "SettingChanged",
@@ -174,7 +174,7 @@ class Settings:
     def _try_to_serve(self, address):
         try:
             self._serve(address)
-        except Exception as fault:  # Whoever waits for it to be ready hears of it.
+        except Exception as fault:  # Raised again in the thread that waits for this one.
             self._fault = fault
             self._ready.set()
 

@@ -1,4 +1,4 @@
-"""What a process costs, read from /proc."""
+"""The costs of a process, read from /proc."""
 
 import dataclasses
 import os
@@ -14,7 +14,7 @@ class Memory:
 
 @dataclasses.dataclass(frozen=True)
 class Activity:
-    """What one thread has done since its start."""
+    """The costs of one thread since its start."""
 
     context_switches: int
     # Time on a processor in nanoseconds.
@@ -40,7 +40,7 @@ def memory(pid):
 
 
 def activity(pid):
-    """What each thread of a process has done, by its id."""
+    """The costs of each thread of a process, by its id."""
     found = {}
     for thread in os.listdir(f"/proc/{pid}/task"):
         folder = f"/proc/{pid}/task/{thread}"
@@ -56,12 +56,12 @@ def activity(pid):
 
 @dataclasses.dataclass(frozen=True)
 class Rates:
-    """All threads together."""
+    """The costs of all threads together."""
 
     switches_per_second: float
-    # Of one processor.
+    # Percent of one processor.
     processor_percent: float
-    # Threads that ended in between and took their counts with them.
+    # How many threads ended in between; their counts are lost.
     lost_threads: int
 
 

@@ -8,7 +8,7 @@ _STEP = 0.02
 
 
 class Timeout(Exception):
-    """What was waited for did not come."""
+    """The condition did not become true in time."""
 
 
 def until(condition, what, patience=PATIENCE):

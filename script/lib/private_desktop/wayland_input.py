@@ -17,7 +17,7 @@ _REGISTRY_BIND = 0
 _POINTER_MOTION_ABSOLUTE, _POINTER_BUTTON, _POINTER_FRAME = 1, 2, 4
 _KEYBOARD_KEYMAP, _KEYBOARD_KEY = 0, 1
 _KEYMAP_FORMAT_XKB = 1
-# Of the kernel's list of input events.
+# Codes from the kernel's list of input events.
 _BUTTONS = {1: 0x110, 2: 0x112, 3: 0x111}
 _KEYS = {"Escape": 1}
 _KEYMAP = b"""\
@@ -112,7 +112,7 @@ class WaylandInput:
         self._socket.sendall(_words(target, ((8 + len(body)) << 16) | request) + body)
 
     def _wait(self):
-        """Until the compositor has dealt with all requests; what it offers is noted meanwhile."""
+        """Waits until the compositor has handled all requests; meanwhile records what it offers."""
         done = self._new_id()
         self._send(_DISPLAY, _DISPLAY_SYNC, _words(done))
         while True:

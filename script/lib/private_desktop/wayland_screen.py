@@ -1,4 +1,4 @@
-"""A Wayland session without a display: the compositor sway, asked and driven from outside."""
+"""A Wayland session without a display: the compositor sway, controlled from outside."""
 
 import io
 import json
@@ -24,7 +24,7 @@ def _hex(colour):
 
 
 class WaylandScreen:
-    """What Screen is to an X display, as far as the tests need it."""
+    """The same as Screen, but for sway instead of an X display, as far as the tests need it."""
 
     def __init__(self, desktop, size, background):
         self.size = size
@@ -37,7 +37,7 @@ class WaylandScreen:
                                       background=_hex(background)))
         argv = ["sway", "--config", config]
         if os.geteuid() == 0:
-            # It refuses to run as root.
+            # sway refuses to run as root.
             argv = ["unshare", "--user", "--map-user=1000", "--map-group=1000", *argv]
         self.process = desktop.processes.start(
             argv, {**self._env, "SWAYSOCK": self._ipc, "WLR_BACKENDS": "headless",
@@ -65,7 +65,7 @@ class WaylandScreen:
         return self._ask("get_outputs")
 
     def windows(self, pid):
-        """The windows of one process; bars and menus are none."""
+        """The windows of one process, without bars and menus."""
         found = []
         nodes = [self._ask("get_tree")]
         while nodes:
@@ -75,7 +75,7 @@ class WaylandScreen:
                 frame, inner = node["rect"], node["window_rect"]
                 place = (frame["x"] + inner["x"], frame["y"] + inner["y"],
                          inner["width"], inner["height"])
-                # In points; pictures are in pixels.
+                # These are in points, but pictures are in pixels.
                 found.append(Window(node["id"], *(each * self._scale for each in place), pid,
                                     True))
         return found

@@ -1,5 +1,5 @@
-// Work in a process of its own, for what one process cannot show: other lock holders, a sudden end,
-// fewer rights, limits.
+// Work in a process of its own, for cases that one process cannot show: other lock holders, a
+// sudden end, fewer rights, limits.
 #pragma once
 
 #include <cerrno>
@@ -47,7 +47,7 @@ class ChildProcess {
         return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
     }
 
-    /// Ends it at once, wherever it is.
+    /// Ends the process at once, whatever it is doing.
     void kill() {
         ::kill(id_, SIGKILL);
         wait();
@@ -73,7 +73,7 @@ class Pipe {
     }
 
     void send(char byte = 1) { EXPECT_EQ(::write(ends_[1], &byte, 1), 1); }
-    /// Waits for a byte; false when nobody is left who could send one.
+    /// Waits for a byte; false if no process is left that could send one.
     bool receive() {
         char byte = 0;
         ssize_t got = 0;
@@ -81,7 +81,7 @@ class Pipe {
         }
         return got == 1;
     }
-    /// This process sends no more.
+    /// Call it in a process that sends no more.
     void closeWriting() {
         if (ends_[1] >= 0) {
             ::close(ends_[1]);

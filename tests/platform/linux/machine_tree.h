@@ -14,10 +14,10 @@ std::vector<std::string> recordedMachines();
 /// Root of the recorded machine of this name.
 std::string recordedMachine(std::string_view name);
 
-/// A file of a recorded machine; the test fails when it is not there.
+/// The content of a file of a recorded machine; the test fails if the file is missing.
 std::string recordedFile(std::string_view machine, std::string_view path);
 
-/// An empty private folder that goes away at the end.
+/// An empty private folder that is removed at the end.
 class MachineTree {
  public:
     MachineTree();
@@ -30,7 +30,7 @@ class MachineTree {
     const std::string& root() const { return root_; }
     /// Writes a file in place, with its folders.
     void write(std::string_view path, std::string_view content) const;
-    /// Cuts a file off in place.
+    /// Cuts a file of the tree to `size` bytes.
     void truncate(std::string_view path, std::size_t size) const;
     void remove(std::string_view path) const;
     void makeFolder(std::string_view path) const;

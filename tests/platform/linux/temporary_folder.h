@@ -12,7 +12,7 @@ namespace tarnwick::testing {
 class TemporaryFolder {
  public:
     TemporaryFolder() {
-        // In memory where the system has such a place: no test is to wait for a disk.
+        // In memory if the system has such a place, because tests should not wait for a disk.
         std::filesystem::path place = "/dev/shm";
         if (!std::filesystem::is_directory(place)) {
             place = std::filesystem::temp_directory_path();

@@ -37,12 +37,12 @@ MemoryDetailInputs calmMemory() {
             .enabledActions = actions()};
 }
 
-/// A course that goes up and down between `low` and `high`.
+/// A history that goes up and down between `low` and `high`.
 std::vector<UsageSample> course(int count, double low, double high) {
     std::vector<UsageSample> samples;
     for (int i = 0; i < count; ++i) {
         const double share = (1 + std::sin(i * 0.7) * std::cos(i * 0.23)) / 2;
-        // Few digits, so that the golden files are the same wherever they are made.
+        // Rounded, so that the golden files are the same on every machine.
         samples.push_back({UUID{}, i * 2.0, std::round(low + share * (high - low))});
     }
     return samples;
@@ -84,7 +84,7 @@ std::vector<MemoryDetailState> memoryDetailStates() {
         states.push_back({name, inputs});
     };
     add("collecting", [](MemoryDetailInputs& inputs) { inputs.topMemoryProcesses.clear(); });
-    // Each at the very edge.
+    // Each value is exactly at a limit.
     add("normal_available", [](MemoryDetailInputs& inputs) {
         inputs.memoryInfo.total = 1000;
         inputs.memoryInfo.free = 150;
@@ -107,7 +107,7 @@ std::vector<MemoryDetailState> memoryDetailStates() {
         inputs.memoryInfo.free = 900;
         inputs.memoryInfo.compressed = 150;
     });
-    // A little on this side of it.
+    // Each value is just on the harmless side of a limit.
     add("good_available", [](MemoryDetailInputs& inputs) {
         inputs.memoryInfo = {.total = 1000, .free = 151, .cached = 50};
     });

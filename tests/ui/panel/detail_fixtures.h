@@ -1,4 +1,4 @@
-// Machines in states worth looking at, as what the detail pages are made of.
+// Machines in interesting states, as inputs of the detail pages.
 #pragma once
 
 #include <ostream>

@@ -128,8 +128,8 @@ HomePageInputs longMachine() {
     return inputs;
 }
 
-/// Sets every usage to a share of its thresholds: all at the normal ones for 0, at the high ones
-/// for 1; `less` percentage points below.
+/// Sets every usage to `less` percentage points below its high threshold with `isHigh`, otherwise
+/// below its normal threshold.
 void setUsages(HomePageInputs& inputs, bool isHigh, double less) {
     const MetricThresholds& at = inputs.thresholds;
     inputs.cpuInfo.usagePercentage = (isHigh ? at.cpuHigh : at.cpuNormal) - less;
@@ -147,7 +147,8 @@ void setUsages(HomePageInputs& inputs, bool isHigh, double less) {
     volume.availableSpace = space / 2;
 }
 
-/// Each at the very edge, or a little on this side of it.
+/// Adds states with missing or unusual values, and with values exactly at a limit or just beside
+/// it.
 void addBounds(std::vector<HomeState>& states) {
     constexpr std::int64_t lowSpace = std::int64_t{20} << 30;
     const auto add = [&states](std::string_view name, auto change) {

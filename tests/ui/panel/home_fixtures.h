@@ -1,4 +1,4 @@
-// Machines in states worth looking at, as what the home page is made of.
+// Machines in interesting states, as inputs of the home page.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +22,7 @@ class PlainByteCountFormatter final : public platform::ByteCountFormatter {
                                     platform::CountStyle style) const override;
 };
 
-/// Says the count and the style, so that a test sees which was asked for: "12 B memory".
+/// Writes the count and the style, so that a test sees which style was used: "12 B memory".
 class SpellingByteCountFormatter final : public platform::ByteCountFormatter {
  public:
     std::string stringFromByteCount(std::int64_t byteCount,
@@ -42,7 +42,7 @@ struct HomeState {
     }
 };
 
-/// calmMachine() and what else a machine may look like.
+/// calmMachine() and other states of a machine.
 std::vector<HomeState> homeStates();
 
 }  // namespace tarnwick::testing

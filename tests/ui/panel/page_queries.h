@@ -1,4 +1,4 @@
-// Looking into a page.
+// Finds items in a page.
 #pragma once
 
 #include <string>

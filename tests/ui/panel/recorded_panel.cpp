@@ -68,13 +68,13 @@ void add(std::string& number, double ticks) {
     number = std::to_string(std::stoull(number) + static_cast<std::uint64_t>(std::llround(ticks)));
 }
 
-/// `proc/stat` after so many seconds, with every processor busy for `busy` of them.
+/// `proc/stat` after this many seconds, with every processor busy for the share `busy` of them.
 std::string statAfter(const std::string& stat, double seconds, double busy) {
     std::istringstream lines(stat);
     std::string result;
     for (std::string line; std::getline(lines, line);) {
         Fields fields = split(line);
-        // The first line, which sums up, is read by nobody; a damaged line stays as it is.
+        // The first line, with the sums, is never read. A damaged line stays as it is.
         if (line.rfind("cpu", 0) == 0 && line.rfind("cpu ", 0) != 0 && fields.size() > 4) {
             add(fields[1], seconds * kTicks * busy);
             add(fields[4], seconds * kTicks * (1 - busy));
@@ -85,7 +85,7 @@ std::string statAfter(const std::string& stat, double seconds, double busy) {
     return result;
 }
 
-/// `proc/PID/stat` after so many seconds of processor time.
+/// `proc/PID/stat` after this many seconds of processor time.
 std::string processAfter(const std::string& stat, double processorSeconds) {
     const std::size_t command = stat.rfind(')') + 1;
     Fields fields = split(stat.substr(command));
@@ -101,7 +101,7 @@ std::string homeFolder(const std::string& root) {
     return "/";
 }
 
-/// Where the machine keeps its applications; nothing of the session that runs this counts.
+/// Where the machine keeps its applications. Independent of the session that runs the test.
 platform::ApplicationSources applications(const std::string& root) {
     return {.dataFolders = {homeFolder(root) + "/.local/share", "/usr/share",
                             "/var/lib/flatpak/exports/share", "/var/lib/snapd/desktop"},
@@ -112,7 +112,8 @@ constexpr std::int64_t kDisk = 494'380'000'000;
 constexpr std::int64_t kHalfOfIt = 267'120'000'000;
 constexpr std::int64_t kMostOfIt = 481'750'000'000;
 
-/// The volume under its recorded name. How full a disk is is no file that could be recorded.
+/// The volume under its recorded name. Its used space cannot be recorded, because no file contains
+/// it.
 StorageInfo withUsedSpace(StorageInfo volume, std::int64_t usedSpace) {
     volume.totalSpace = kDisk;
     volume.usedSpace = usedSpace;
@@ -233,7 +234,7 @@ void RecordedPanel::work(double busy, const std::map<int, double>& shares) {
             return processAfter(stat, share * processors * seconds);
         });
     }
-    // As if the timer were punctual: what the files tell and the clock then agree.
+    // As if the timer were punctual: so the figures in the files and the clock agree.
     machine_->dispatch.sleep(seconds);
     machine_->manager.refreshFast();
     machine_->dispatch.runMain();

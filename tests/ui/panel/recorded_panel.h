@@ -16,8 +16,9 @@ class RecordedPanel {
     explicit RecordedPanel(std::string_view machine);
     ~RecordedPanel();
 
-    /// Lets one refresh pass in which every processor was busy for `busy` of the time and each
-    /// process of `shares`, by identifier, used that share of all processors; both from 0 to 1.
+    /// Runs one refresh. Before it every processor was busy for the share `busy` of the time, and
+    /// each process of `shares`, by identifier, used that share of all processors. Shares are from
+    /// 0 to 1.
     void work(double busy, const std::map<int, double>& shares);
 
     /// From now on hardly any memory and little of the disk is left.

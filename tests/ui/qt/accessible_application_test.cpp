@@ -11,7 +11,7 @@ namespace {
 
 class AccessibleApplication : public ::testing::Test {
  protected:
-    // Counts from the first time on that anybody asks for the application; in tests that is now.
+    // Takes effect when the application's interface is first requested, which happens below.
     static void SetUpTestSuite() { listPopUpsForScreenReaders(); }
 };
 

@@ -1,4 +1,4 @@
-// What assistive technology hears of.
+// The events that assistive technology receives.
 #pragma once
 
 #include <QAccessible>
@@ -11,7 +11,7 @@
 
 namespace tarnwick::qt::testing {
 
-/// Notes every event while it lives. One at a time.
+/// Records every event during its lifetime. Only one may exist at a time.
 class AccessibleEvents {
  public:
     AccessibleEvents() : before_(QAccessible::installUpdateHandler(&note)) {
@@ -25,7 +25,7 @@ class AccessibleEvents {
         QAccessible::installUpdateHandler(before_);
     }
 
-    /// In order.
+    /// The events of `object`, in order.
     std::vector<QAccessible::Event> of(const QObject* object) const {
         std::vector<QAccessible::Event> found;
         for (const auto& [source, type] : heard()) {
@@ -43,7 +43,7 @@ class AccessibleEvents {
  private:
     using Heard = std::vector<std::pair<const QObject*, QAccessible::Event>>;
 
-    /// Nobody listens on a screen without a display.
+    /// Needed because no assistive technology listens on a screen without a display.
     static void listen(bool on) {
         QGuiApplicationPrivate::platformIntegration()->accessibility()->setActive(on);
         QAccessible::setActive(on);

@@ -1,4 +1,4 @@
-// Finding again what a widget has drawn.
+// Finds what a widget has drawn.
 #pragma once
 
 #include <QImage>
@@ -14,7 +14,7 @@
 
 namespace tarnwick::qt {
 
-/// A widget and what lies on it, on a plain ground.
+/// A picture of a widget and its children on a plain background.
 inline QImage drawn(QWidget* widget, const QColor& ground) {
     QImage image(widget->size(), QImage::Format_RGB32);
     image.fill(ground);
@@ -22,7 +22,7 @@ inline QImage drawn(QWidget* widget, const QColor& ground) {
     return image;
 }
 
-/// The same part of a widget's picture, of a symbol alone.
+/// Whether this part of a widget's picture shows exactly this symbol.
 inline bool showsSymbol(const QImage& seen, std::string_view name, const QColor& colour,
                         const QPoint& position, int size, const QColor& ground) {
     QImage expected(size, size, QImage::Format_RGB32);
@@ -34,8 +34,8 @@ inline bool showsSymbol(const QImage& seen, std::string_view name, const QColor&
     return expected != plain && seen.copy(QRect(position, QSize(size, size))) == expected;
 }
 
-/// The baseline of a text that begins at `x`, in exactly this style and colour, on that ground;
-/// absent where there is no such text.
+/// The baseline of a text that begins at `x`, in exactly this style and colour, on that background;
+/// absent if there is no such text.
 inline std::optional<int> baselineOf(const QImage& seen, const TextStyle& style,
                                      const QColor& colour, const QString& text, qreal x,
                                      const QColor& ground) {

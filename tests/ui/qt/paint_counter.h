@@ -1,4 +1,4 @@
-// What is painted between two moments of a test.
+// Records what is painted between two moments of a test.
 #pragma once
 
 #include <QApplication>
@@ -32,7 +32,7 @@ class PaintCounter final : public QObject {
     }
 
     std::map<std::string, int> paints;
-    /// What was painted of each, in its own coordinates.
+    /// The painted region of each widget, in its own coordinates.
     std::map<std::string, QRegion> regions;
 };
 

@@ -287,7 +287,7 @@ TEST_F(PanelHoverTest, AListThatMovesUnderAPointerAtRestIsHeldOnceThatMoves) {
 
 TEST_F(PanelHoverTest, APointerThatIsOnNoWindowAnyMoreHoldsNothing) {
     movePointer(middleOfList());
-    // As where it has left and nobody tells where it is.
+    // As if the pointer had left and its place were unknown.
     QEvent leave(QEvent::Leave);
     QApplication::sendEvent(&scroller, &leave);
     QApplication::sendEvent(list(), &leave);

@@ -34,9 +34,9 @@ class PanelViewTest : public ::testing::Test {
     QList<BlockWidget*> blocks() const {
         return view.findChildren<BlockWidget*>(QString(), Qt::FindDirectChildrenOnly);
     }
-    /// What hovering over the middle of a widget shows.
+    /// The tool tip when the pointer rests over the middle of a widget.
     QString toolTip(QWidget* widget) const {
-        // Hiding would take a while.
+        // Deleted, because hiding would take a while.
         for (QWidget* each : QApplication::topLevelWidgets()) {
             if (each->inherits("QTipLabel")) {
                 delete each;

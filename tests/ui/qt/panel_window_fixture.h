@@ -25,7 +25,7 @@ class FixedProcessInfo final : public platform::ProcessInfo {
         return 0;
     }
 
-    /// Every page reads the state once.
+    /// Each page reads the thermal state once.
     int reads = 0;
 };
 

@@ -85,7 +85,7 @@ TEST_F(PanelWindowPressTest, ProcessesUnderThePointerThatOpenedTheirPageAreInThe
         ASSERT_EQ(processes(), names);
         showMemory(turned);
         EXPECT_EQ(processes(), turnedNames);
-        // Once it moves, whoever it points at stays.
+        // Once the pointer moves, the row below it stays.
         movePointer(QCursor::pos() + QPoint(1, 0));
         showMemory(all);
         EXPECT_EQ(processes(), turnedNames);

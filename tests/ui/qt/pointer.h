@@ -1,4 +1,4 @@
-// The pointer of a screen that nobody sees.
+// The pointer of a screen without a display.
 #pragma once
 
 #include <QApplication>
@@ -12,11 +12,11 @@
 
 namespace tarnwick::qt {
 
-/// On the screen, and on no window of a test.
+/// A place on the screen where no test has a window.
 inline constexpr QPoint kElsewhere(790, 790);
 
-/// Moves the pointer to a place on the screen, with all that windows hear of it. The platform
-/// without a display tells them, too, but only where a point is a pixel does it tell the right one.
+/// Moves the pointer to a place on the screen and sends the windows all events of that move. The
+/// platform without a display sends them, too, but to the right place only if a point is a pixel.
 inline void movePointer(const QPoint& place) {
     static QPointer<QWindow> last;
     QCursor::setPos(place);

@@ -147,7 +147,7 @@ TEST_F(ProcessListTest, ARowWhoseProcessHasGoneIsEmptyUntilThePointerLeaves) {
     show({process(2, 60)});
     EXPECT_THAT(texts(), ElementsAre("", "app 2, 60.0% (60 bytes)", ""));
     EXPECT_EQ(lines()[1]->y(), second);
-    // Nobody is told of the empty ones.
+    // Empty lines are hidden, also from screen readers.
     EXPECT_FALSE(lines()[0]->isVisible());
     EXPECT_TRUE(lines()[1]->isVisible());
     EXPECT_FALSE(lines()[2]->isVisible());

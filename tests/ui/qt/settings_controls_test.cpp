@@ -343,7 +343,7 @@ TEST_F(ShortcutFieldControl, HeldModifiersAreJudgedBeforeAnyKey) {
     nativeKey(QEvent::KeyPress, 0x36, Qt::ShiftModifier | Qt::AltModifier);
     EXPECT_THAT(lines(),
                 ElementsAre("Use Command by itself or with one of Shift, Option, or Control."));
-    // A release whose flags are those from before it.
+    // A release with the flags from before it.
     nativeKey(QEvent::KeyRelease, 0x38, Qt::ShiftModifier | Qt::MetaModifier | Qt::AltModifier);
     EXPECT_THAT(lines(), IsEmpty());
     EXPECT_TRUE(field().isRecording());

@@ -43,7 +43,7 @@ class SettingsWidgetFixture : public ::testing::Test {
                 layout,
                 {"1.4", "212"},
                 [this](const std::string& address) { opened.push_back(address); }},
-            // The scan codes of these tests are the virtual key codes and 300; 999 is no key's.
+            // In these tests a scan code is the virtual key code plus 300; 999 belongs to no key.
             [](std::uint32_t code) -> std::optional<std::uint8_t> {
                 if (code < 300 || code >= 428) {
                     return std::nullopt;
@@ -55,7 +55,7 @@ class SettingsWidgetFixture : public ::testing::Test {
         widget->activateWindow();
         catchUp();
     }
-    /// Everything has followed from what was done.
+    /// Runs the turns of the queue until all effects of earlier actions are there.
     void catchUp() {
         for (int turn = 0; turn < 2; ++turn) {
             dispatch.runMain();
@@ -99,7 +99,7 @@ class SettingsWidgetFixture : public ::testing::Test {
                           Qt::NoModifier);
         QApplication::sendEvent(target, &event);
     }
-    /// Clicks what lies at a place of a widget, as the pointer would.
+    /// Clicks the widget at a place of `target`, as the pointer would.
     void clickAt(QWidget* target, QPoint position) {
         const QPoint inWindow = target->mapTo(widget.get(), position);
         QWidget* hit = widget->childAt(inWindow);
@@ -117,7 +117,7 @@ class SettingsWidgetFixture : public ::testing::Test {
         }
         catchUp();
     }
-    /// One half of a key press, of the key with that virtual key code.
+    /// Presses or releases the key with that virtual key code.
     void nativeKey(QEvent::Type type, std::uint32_t code, Qt::KeyboardModifiers modifiers,
                    Qt::Key key = Qt::Key_unknown) {
         QKeyEvent event(type, key, modifiers, 300U + code, 0, 0);

@@ -52,7 +52,7 @@ TEST_F(SettingsWidgetTest, OpensOnTheFirstTabWhichHasTheKeyboard) {
     EXPECT_TRUE(qobject_cast<SettingsTabButton*>(find("tab.General"))->isChecked());
     EXPECT_FALSE(qobject_cast<SettingsTabButton*>(find("tab.Customize"))->isChecked());
     EXPECT_NE(find("mode.advanced"), nullptr);
-    // The focus that nobody moved is not marked.
+    // A focus that no key has moved is not marked.
     EXPECT_EQ(find("focusRing"), nullptr);
 }
 
@@ -320,7 +320,7 @@ TEST_F(SettingsWidgetTest, GoesInTheMiddleOfARecording) {
     ASSERT_TRUE(widget->view().shortcutField().isRecording());
     settings.setCPUHigh(95);
     widget.reset();
-    // Nobody waits for a press any more.
+    // The field no longer waits for a press.
     QWidget other;
     other.show();
     mouse(&other, QEvent::MouseButtonPress, QPointF(1, 1));

@@ -29,7 +29,7 @@ class SettingsViewFixture : public ::testing::Test {
         settings.setShortcutKeyCode(keyCode);
         settings.setShortcutModifiers(modifiers);
     }
-    /// The contents that were announced since the view was made.
+    /// Starts to record the contents that the view announces.
     void watch() {
         view->setObserver(
             [this](const SettingsView::Content& content) { announced.push_back(content); });

@@ -40,7 +40,7 @@ QVariant inVariant(const QVariant& value) {
     return QVariant::fromValue(QDBusVariant(value));
 }
 
-/// Portal and watcher in one, whose answers are true often enough for a conversation to go on.
+/// Portal and watcher in one. Its answers are true often enough for a conversation to go on.
 class Liar final : public QDBusVirtualObject {
  public:
     explicit Liar(QDBusConnection bus) : bus_(std::move(bus)) {}

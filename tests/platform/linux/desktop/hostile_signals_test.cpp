@@ -1,5 +1,5 @@
-// Signals that somebody else sends, and signals of the right sender with wrong arguments: they
-// change nothing, and the true ones are heard afterwards.
+// Signals from a wrong sender, and signals from the right sender with wrong arguments. They change
+// nothing, and later true signals still have their effect.
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <gtest/gtest.h>
@@ -51,7 +51,7 @@ class HostileSignals : public ::testing::Test {
         message.setArguments(body);
         ASSERT_TRUE(from.send(message)) << signatureOf(body).toStdString();
     }
-    /// All kinds of bodies, and the true one, from somebody who has no business to send it.
+    /// Sends all kinds of bodies, and the true one, from a sender that must not send this signal.
     void forge(const TrueSignal& signal) {
         for (int i = 0; i < kBodies; ++i) {
             send(stranger_, signal, bodies_.next(signal.body));
@@ -59,7 +59,7 @@ class HostileSignals : public ::testing::Test {
         send(stranger_, signal, signal.body);
         settle();
     }
-    /// All kinds of bodies that are not of the signal's type, from whoever sends the true one.
+    /// Sends all kinds of bodies of a wrong type from the sender of the true signal.
     void sendIllFormed(const TrueSignal& signal) {
         for (int i = 0; i < kBodies;) {
             const QVariantList body = bodies_.next(signal.body);
@@ -156,7 +156,7 @@ TEST_F(HostileSignals, NeitherBringNorTakeAHost) {
     const TrueSignal came = signal("StatusNotifierHostRegistered");
     const TrueSignal went = signal("StatusNotifierHostUnregistered");
     ASSERT_TRUE(waitUntil([&] { return registration.state() == State::present; }));
-    // Whoever asks the watcher now hears of no host.
+    // A program that asks the watcher now is told that there is no host.
     host.hasHost = false;
     forge(went);
     sendIllFormed(went);
@@ -201,7 +201,7 @@ TEST_F(HostileSignals, DoNotEndTheBus) {
     ASSERT_TRUE(waitUntil([&] { return registration.state() == State::present; }));
     send(stranger_,
          {"/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected", {}}, {});
-    // The bus throws out whoever sends this.
+    // The bus disconnects a client that sends this.
     EXPECT_TRUE(waitUntil([&] { return !stranger_.isConnected(); }));
     settle();
     EXPECT_EQ(registration.state(), State::present);
@@ -279,7 +279,7 @@ TEST_F(HostileShortcutSignals, OfThePortalWithAnythingInTheirVariantsAreSurvived
     ASSERT_TRUE(waitUntil([&] { return handle_ != nullptr; }));
     for (const TrueSignal& each : {pressed(), changed("Meta+K"), closed()}) {
         sendWellFormed(each);
-        // Whatever came of it, registering anew asks the portal anew.
+        // Whatever the signals did, a new registration asks the portal again.
         handle_.reset();
         keys_.withdrawRegistration();
         add();

@@ -11,12 +11,12 @@
 
 namespace tarnwick::platform::testing {
 
-/// Runs the event loop until `condition` holds; false when it does not within a limit so generous
-/// that only a fault reaches it.
+/// Runs the event loop until `condition` holds. False after a time limit that is so generous that
+/// only a fault reaches it.
 bool waitUntil(const std::function<bool()>& condition);
 
-/// Makes the call while the event loop runs, so that the answering side can live in this thread.
-/// Every signal that came before the answer has been delivered when it returns.
+/// Makes the call while the event loop runs, so that the receiver can live in this thread. When it
+/// returns, every signal that came before the answer has been delivered.
 QDBusMessage ask(const QDBusConnection& bus, const QDBusMessage& call);
 
 /// Starts a bus that knows no services, and ends it.

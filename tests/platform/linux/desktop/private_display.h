@@ -1,4 +1,4 @@
-// An X server of the test's own, and what a test does with it as other programs would.
+// An X server of the test's own, and actions on it as other programs perform them.
 #pragma once
 
 #include <QProcess>
@@ -41,12 +41,12 @@ class DisplayClient final {
     bool couldGrab(std::uint8_t key, std::uint16_t modifiers,
                    const std::vector<std::uint16_t>& locks);
 
-    /// The keyboard's keys, by X11 key codes.
+    /// Presses and releases keys of the keyboard, by X11 key codes.
     void pressKey(std::uint8_t key);
     void releaseKey(std::uint8_t key);
     /// Presses and releases a key while others are held.
     void stroke(const std::vector<std::uint8_t>& held, std::uint8_t key);
-    /// Switches locks on, as bits, and the others off.
+    /// Switches on the locks with these bits, and switches off all others.
     void setLocks(std::uint8_t modifiers);
     /// Switches to a layout of the keymap, from 0.
     void setLayout(std::uint8_t layout);
@@ -54,7 +54,7 @@ class DisplayClient final {
     /// Moves a key to another modifier (0 for Shift to 7 for Mod5) or, with -1, to none.
     void setModifierOf(std::uint8_t key, int modifier);
 
-    /// Returns when the server has seen everything that was asked of it.
+    /// Returns when the server has handled every earlier request.
     void sync();
 
  private:

@@ -1,4 +1,4 @@
-// What a hostile program puts into its messages.
+// Message contents that a hostile program could send.
 #pragma once
 
 #include <QString>
@@ -11,14 +11,14 @@ namespace tarnwick::platform::testing {
 /// The arguments' types as the bus writes them.
 QString signatureOf(const QVariantList& body);
 
-/// Arguments of messages: basic types, arrays, dictionaries, variants and structures in each other.
-/// The same ones in every run.
+/// Arguments of messages: basic types, arrays, dictionaries, variants and structures, nested in
+/// each other. The sequence is the same in every run.
 class RandomBodies final {
  public:
     RandomBodies();
 
-    /// Unlike anything in particular, perhaps empty; or like `truth` but for an argument, or for
-    /// what is in its variants and dictionaries.
+    /// Either random arguments, perhaps none; or the arguments of `truth` with one of them
+    /// inserted, removed or replaced, or with other contents in its variants and dictionaries.
     QVariantList next(const QVariantList& truth);
     /// From 0 up to, but not including, `limit`.
     int roll(int limit);
@@ -28,7 +28,7 @@ class RandomBodies final {
     QVariant basic();
     QVariant structure(int depth);
     QVariantMap dictionary(int depth);
-    /// Of the same type as far as its signature says.
+    /// The value with other contents in its variants and dictionaries. Its signature stays.
     QVariant withOtherContent(const QVariant& value);
 
     std::mt19937 random_;

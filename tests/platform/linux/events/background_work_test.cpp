@@ -37,7 +37,7 @@ void waitForThreads(const BackgroundWork& work, std::size_t count) {
     }
 }
 
-/// Work that is stuck until it is let go. The gate outlives whoever waits at it.
+/// Work that blocks until it is released. The gate's state outlives all work that waits for it.
 class Gate {
  public:
     std::function<void()> stuckWork() {

@@ -8,7 +8,7 @@
 
 namespace tarnwick::testing {
 
-/// One more than there are: the listing needs one itself.
+/// Counts one more than are open, because the listing itself needs one.
 inline std::size_t openDescriptors() {
     std::size_t count = 0;
     for ([[maybe_unused]] const auto& entry :
@@ -24,7 +24,7 @@ inline rlimit descriptorLimit() {
     return limit;
 }
 
-/// For a child process: cannot be undone beyond the hard limit.
+/// Only for a child process: the limit cannot be raised again above the hard limit.
 inline void limitDescriptors(rlim_t most) {
     rlimit limit = descriptorLimit();
     limit.rlim_cur = most;

@@ -10,7 +10,7 @@
 
 namespace tarnwick::platform::testing {
 
-/// Sees files being opened, by whomever.
+/// Notices when files are opened, by any process.
 class OpenedFiles {
  public:
     OpenedFiles() : watcher_(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC)) {}
@@ -22,7 +22,7 @@ class OpenedFiles {
         }
     }
 
-    /// False where the machine does not offer this.
+    /// False if the machine does not support it.
     bool watch(const std::string& root, std::string_view path) {
         const std::string file = root + "/" + std::string(path);
         return watcher_ >= 0 &&

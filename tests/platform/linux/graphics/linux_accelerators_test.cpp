@@ -38,7 +38,7 @@ std::vector<bool> statisticsOf(Accelerators& accelerators) {
     return all;
 }
 
-/// A machine whose clock a test turns.
+/// A machine with a clock that the test sets.
 class Machine {
  public:
     explicit Machine(std::string root, std::string nvmlLibrary = "")

@@ -1,4 +1,4 @@
-// The stand-in for NVIDIA's management library, as a test holds it.
+// The stand-in for NVIDIA's management library, loaded by a test.
 #pragma once
 
 #include <dlfcn.h>
@@ -8,7 +8,7 @@
 
 namespace tarnwick::platform::testing {
 
-/// Its state is that of the code under test, which loads the same file, and is reset.
+/// Shares its state with the code under test, which loads the same file. Resets the state.
 class LoadedTestNvml {
  public:
     LoadedTestNvml() : handle_(::dlopen(TARNWICK_TEST_NVML, RTLD_NOW | RTLD_LOCAL)) {

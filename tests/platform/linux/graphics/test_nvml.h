@@ -1,9 +1,9 @@
-// A stand-in for NVIDIA's management library: a shared object whose answers a test sets.
+// A stand-in for NVIDIA's management library: a shared object with answers that a test sets.
 #pragma once
 
 namespace tarnwick::platform::testing {
 
-/// What the library answers, and what was asked of it.
+/// The answers of the library, and the calls that it got.
 struct TestNvmlState {
     int initializeResult = 0;
     int deviceResult = 0;
@@ -13,7 +13,7 @@ struct TestNvmlState {
     unsigned int utilization = 0;
     unsigned int coreCount = 0;
     const char* name = "";
-    /// Cards of other places are not found.
+    /// The only place where a card is found.
     const char* slot = "0000:01:00.0";
 
     int initialized = 0;

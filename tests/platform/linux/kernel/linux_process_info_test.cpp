@@ -91,7 +91,7 @@ TEST_F(ThermalZones, TheHottestZoneIsJudgedByItsOwnTripPoints) {
 }
 
 TEST_F(ThermalZones, ACoolerZoneIsNotJudged) {
-    // The hottest is met first, in between and last, in whatever order a folder is listed.
+    // The hottest zone comes first, in the middle or last, in any order of the folder's list.
     for (int hottest = 0; hottest < 3; ++hottest) {
         for (int zone = 0; zone < 3; ++zone) {
             setTrip(zone, 0, "passive", zone == hottest ? "95000" : "80000");
@@ -103,7 +103,7 @@ TEST_F(ThermalZones, ACoolerZoneIsNotJudged) {
 }
 
 TEST_F(ThermalZones, OfEquallyHotZonesTheWorstCounts) {
-    // The worst is met first, in between and last, in whatever order a folder is listed.
+    // The worst zone comes first, in the middle or last, in any order of the folder's list.
     for (int worst = 0; worst < 3; ++worst) {
         setTrip(worst, 0, "hot", "70000");
         setTemperature(worst, "75000");

@@ -124,7 +124,7 @@ TEST_F(ChangedNetworkInterfaces, TheSameReaderSeesAnInterfaceComeAndGo) {
     InterfaceTable expected = before;
     expected[70'000] = {8, 9, false};
     EXPECT_THAT(interfaces.interfaceCounters(), Optional(expected));
-    // Another one in its place.
+    // Another interface replaces it.
     tree.write("sys/class/net/tun1/ifindex", "70001\n");
     tree.write("sys/class/net/tun1/flags", "0x1091\n");
     tree.write("proc/net/dev", text + "  tun1: 3 1 0 0 0 0 0 0 4 1 0 0 0 0 0 0\n");

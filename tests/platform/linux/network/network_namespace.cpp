@@ -33,7 +33,7 @@ void require(bool holds, const std::string& what) {
     }
 }
 
-// The files of /sys show the network of whoever mounted them.
+// The files of /sys show the network of the process that mounted them.
 bool mountOwnSys() {
     return ::mount(nullptr, "/", nullptr, MS_REC | MS_PRIVATE, nullptr) == 0 &&
            ::mount("sysfs", "/sys", "sysfs", 0, nullptr) == 0;
@@ -58,7 +58,7 @@ std::string enterEmptyNetwork() {
         return "ip is not installed";
     }
     if (::unshare(CLONE_NEWNET | CLONE_NEWNS) != 0) {
-        // Whoever may not do that may do it as the ruler of a space of its own.
+        // Without that right a process may still do it as root of a user namespace of its own.
         const std::string user = std::to_string(::geteuid());
         const std::string group = std::to_string(::getegid());
         if (::unshare(CLONE_NEWUSER | CLONE_NEWNET | CLONE_NEWNS) != 0) {
@@ -73,7 +73,8 @@ std::string enterEmptyNetwork() {
     if (!mountOwnSys()) {
         return std::string("this machine allows no private /sys: ") + std::strerror(errno);
     }
-    // New interfaces would announce themselves, and nobody could foretell their counters.
+    // With IPv6, new interfaces would announce themselves, and their counters would be
+    // unpredictable.
     writeFile("/proc/sys/net/ipv6/conf/default/disable_ipv6", "1");
     return "";
 }

@@ -1,4 +1,4 @@
-// A private network for a test: its own interfaces, seen by nobody else.
+// A private network for a test, with interfaces of its own that no other process sees.
 #pragma once
 
 #include <cstddef>
@@ -9,9 +9,9 @@
 
 namespace tarnwick::platform::testing {
 
-/// Moves the program, which must not have a second thread yet, into a new, empty network, which is
-/// then also what its /sys shows; the kernel takes it down when the program ends. Empty on success,
-/// else the reason why that cannot be done here.
+/// Moves the program into a new, empty network; then its /sys shows that network, too. The kernel
+/// removes the network when the program ends. Returns an empty text on success, otherwise the
+/// reason why this is not possible here. Requires: the program has no second thread yet.
 std::string enterEmptyNetwork();
 
 /// Runs commands of the tool `ip`, one a line, such as "link set left up".
@@ -25,8 +25,8 @@ void sendFrames(const std::string& name, std::size_t size, int count = 1);
 /// Sends a datagram to this machine over the loopback interface, which must be up.
 void sendToItself(std::size_t size);
 
-/// What `ip -s link` has learned from the kernel in its own way: every interface that is up, the
-/// loopback interface among them.
+/// The counters of every interface that is up, including loopback, according to `ip -s link`, which
+/// asks the kernel in another way.
 InterfaceTable toolsTable();
 
 }  // namespace tarnwick::platform::testing

@@ -42,7 +42,7 @@ class NetworkNamespace : public ::testing::Test {
     }
     /// Two interfaces that are up and joined.
     static void joinedPair() { ip(cable("left", "right")); }
-    /// Many of them, of which one end has sent a frame of its own size.
+    /// Makes many pairs. One end of each pair has sent a frame of a size of its own.
     static void joinedPairs(int count) {
         std::string commands;
         for (int pair = 0; pair < count; ++pair) {

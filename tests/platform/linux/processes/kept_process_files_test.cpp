@@ -134,7 +134,7 @@ TEST_F(KeptProcessFilesTest, GivesItsFilesUpWhenNoDescriptorIsLeft) {
     tarnwick::testing::ChildProcess child([this] {
         limitDescriptors(64);
         const FileDescriptor folder(tree.root());
-        // Somebody else takes everything that is left while files are kept.
+        // Other code takes all remaining descriptors while files are kept.
         files.beginWalk(folder);
         for (std::int32_t identifier = 1; identifier <= 10; ++identifier) {
             EXPECT_TRUE(files.read(identifier));

@@ -164,7 +164,7 @@ TEST_F(LinuxProcessTableTest, WhenNoDescriptorIsLeftTheKeptFilesMakeRoomForTheLi
     tarnwick::testing::ChildProcess child([this] {
         tarnwick::testing::limitDescriptors(64);
         EXPECT_EQ(walk().size(), 20U);
-        // Somebody else takes all the others.
+        // Other code takes all remaining descriptors.
         std::vector<FileDescriptor> others;
         do {
             others.emplace_back("/dev/null");

@@ -225,7 +225,7 @@ TEST(LiveProcesses, AProcessThatEndedUnnoticedByItsParentHasNoMemory) {
     ::waitpid(id, nullptr, 0);
 }
 
-/// A copy of this process under an identifier that nobody has; -1 where that is not allowed.
+/// Forks this process under an unused identifier; -1 if that is not allowed.
 pid_t forkAs(pid_t id) {
     std::array<pid_t, 1> wanted{id};
     clone_args arguments{};

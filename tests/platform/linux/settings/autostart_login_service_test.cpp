@@ -86,7 +86,7 @@ class Autostart : public ::testing::Test {
         std::ranges::sort(names);
         return names;
     }
-    /// Runs `body` as somebody whom permissions bind, and who owns everything.
+    /// Runs `body` as a user who owns everything and must obey permissions (unlike root).
     template <class Body>
     void asUser(const Body& body) {
         if (::geteuid() == 0) {

@@ -6,8 +6,8 @@
 
 namespace tarnwick::platform::testing {
 
-/// Calls of fsync() so far, by any thread. A program that has this stands before the C library with
-/// a function of that name, which counts and passes on.
+/// Calls of fsync() so far, by any thread. A program that links this overrides the C library's
+/// function with one that counts the call and passes it on.
 extern std::atomic<int> syncs;
 
 /// Where it is set, it is called before each of them; what it gives other than 0 is the error that

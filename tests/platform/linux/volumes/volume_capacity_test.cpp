@@ -41,7 +41,7 @@ TEST(VolumeCapacity, CountsBlocksThatAUserMayFill) {
 }
 
 TEST(VolumeCapacity, TheSystemsReserveIsNeitherUsedNorAvailable) {
-    // A disk of 252 GB of which the system keeps 156 and 16 are in use; df says 17 %.
+    // A disk of 252 GB: the system keeps 156 of them, and 16 are in use; df says 17 %.
     const VolumeCapacity found =
         capacity({.all = 66'053'021, .free = 61'908'480, .available = 20'971'520});
     EXPECT_EQ(used(found), 4'144'541LL * 4096);

@@ -40,7 +40,7 @@ TEST(LabelOfDevice, FollowsTheNamesOfLogicalVolumes) {
 TEST(LabelOfDevice, TheFirstOfSeveralCounts) {
     const MachineTree tree;
     tree.write("dev/sda1", "");
-    // In whatever order the folder lists them.
+    // The order in which the folder lists them does not matter.
     for (const std::string_view label :
          {"two", "three", "four", "five", "six", "seven", "eight", "nine", "ten", "eleven"}) {
         tree.link("dev/disk/by-label/" + std::string(label), "../../sda1");

@@ -40,7 +40,7 @@ class PosixChild : public testing::RealChildren {
     static std::string expectedEnvironment() {
         std::string text = "0 1 2 ";
         for (int descriptor = 3; descriptor < 256; ++descriptor) {
-            // Those that this process was given by whoever started it.
+            // Descriptors that this process inherited from its parent.
             const int flags = ::fcntl(descriptor, F_GETFD);
             if (flags >= 0 && (flags & FD_CLOEXEC) == 0) {
                 text += std::to_string(descriptor) + ' ';

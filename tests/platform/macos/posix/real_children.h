@@ -1,4 +1,4 @@
-// Real children, and what they must not leave behind.
+// Real child processes, and checks that they leave nothing behind.
 #pragma once
 
 #include <cerrno>
@@ -14,7 +14,7 @@
 
 namespace tarnwick::platform::testing {
 
-/// Descriptors of this process; one more while it counts.
+/// Open descriptors of this process, plus the one that the counting needs.
 inline std::size_t openDescriptors() {
     std::size_t count = 0;
     for ([[maybe_unused]] const auto& entry : std::filesystem::directory_iterator("/dev/fd")) {
@@ -29,7 +29,7 @@ inline bool hasChild() {
     return ::waitid(P_ALL, 0, &info, WEXITED | WNOHANG | WNOWAIT) == 0;
 }
 
-/// What became of the children that a test started.
+/// The fate of the children that a test started.
 struct Watched {
     int started = 0;
     std::size_t bytes = 0;

@@ -34,7 +34,7 @@ class Bytes {
     std::vector<std::byte> bytes_;
 };
 
-/// `vm_statistics64` whose every 32-bit word holds 1,000 and the byte offset that it lies at.
+/// A `vm_statistics64`. Each 32-bit word holds 1,000 plus its own byte offset.
 Bytes numberedVMStatistics(std::size_t size = 248) {
     Bytes bytes(size);
     for (std::uint32_t offset = 0; offset + 4 <= size; offset += 4) {

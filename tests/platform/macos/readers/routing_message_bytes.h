@@ -1,4 +1,4 @@
-// Routing messages as a test writes them.
+// Builds routing messages for tests.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,4 @@
-// The calls below the process table of macOS, answering what a test wrote down.
+// The system calls below the process table of macOS, with scripted answers.
 #pragma once
 
 #include <cstddef>
@@ -15,23 +15,23 @@
 
 namespace tarnwick::platform::testing {
 
-/// Until a test says otherwise every call fails.
+/// Every call fails until a test sets its answer.
 class ScriptedRawProcessTable final : public RawProcessTable {
  public:
-    /// What the call says without a buffer.
+    /// The size that the call gives without a buffer.
     std::optional<std::size_t> size;
-    /// What it copies into a buffer, as far as that reaches. Absent: it fails.
+    /// The bytes that it copies into a buffer, as far as they fit. Absent: it fails.
     std::optional<std::vector<std::byte>> table;
-    /// What it says it has written, where that differs from what it copied.
+    /// The size that it claims to have written, if it differs from what it copied.
     std::optional<std::size_t> written;
     /// Bytes by identifier; a process that is missing fails.
     std::map<std::int32_t, std::vector<std::byte>> tasks;
     std::map<std::int32_t, std::string> paths;
-    /// The facts are those of this table.
+    /// This table gives all other facts.
     ScriptedProcessTable facts;
 
-    /// "sysctl 1 14 0 0", with the size of the buffer behind it where there is one;
-    /// "procPidInfo 7 4 0 96"; "procPidPath 7 4096".
+    /// "sysctl 1 14 0 0", followed by the size of the buffer if there is one; "procPidInfo 7 4 0
+    /// 96"; "procPidPath 7 4096".
     std::vector<std::string> calls() const { return calls_.all(); }
 
     std::optional<std::size_t> sysctl(std::span<const std::int32_t> name,

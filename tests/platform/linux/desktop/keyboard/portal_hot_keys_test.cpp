@@ -75,8 +75,8 @@ class PortalKeys : public ::testing::Test {
         ASSERT_TRUE(waitUntil([this] { return handle_ != nullptr; }));
         changes_ = 0;
     }
-    /// Calls there and back, more than any conversation here takes: whatever was said has had its
-    /// effect.
+    /// Makes more round trips than any conversation here takes. Afterwards everything that was sent
+    /// has had its effect.
     void settle() {
         for (int i = 0; i < 12; ++i) {
             ask(bus_, busCall("GetId", {}));
@@ -155,7 +155,7 @@ TEST_F(PortalKeys, ArePressedByNobodyElse) {
     addAndHold();
     portal_.press(portal_.sessions.last() + "x", portal_.bound.last().id);
     portal_.press(portal_.sessions.last(), "another");
-    // Somebody who is not the portal.
+    // A sender that is not the portal.
     QDBusConnection stranger = daemon_.connect();
     QDBusMessage signal =
         QDBusMessage::createTargetedSignal(bus_.baseService(), "/org/freedesktop/portal/desktop",
@@ -182,8 +182,8 @@ TEST_F(PortalKeys, AreNotPressedWithoutAHandler) {
 TEST_F(PortalKeys, AreFoundInWhateverOrderThePortalAnswers) {
     for (const bool first : {false, true}) {
         for (const bool chooses : {false, true}) {
-            // A portal that chooses its names answers before it responds, or nobody could know
-            // them.
+            // A portal that chooses its names must answer before it responds, because the client
+            // cannot know the names earlier.
             portal_.respondsFirst = first && !chooses;
             portal_.choosesRequestNames = chooses;
             portal_.choosesSessionNames = chooses;

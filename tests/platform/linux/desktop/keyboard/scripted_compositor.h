@@ -12,26 +12,26 @@ struct wl_client;
 
 namespace tarnwick::platform::testing {
 
-/// Serves one client from a thread of its own, as a compositor is another process.
+/// Serves one client from a thread of its own, because a real compositor is another process.
 class ScriptedCompositor final {
  public:
     enum class Seat { none, withoutKeyboard, withKeyboard };
 
-    /// Which of the protocol's versions of a seat it knows.
+    /// `seatVersion` is the highest version of the seat protocol that it knows.
     explicit ScriptedCompositor(Seat seat, int seatVersion = 7);
     ~ScriptedCompositor();
 
     /// The client's end; null when it could not connect.
     wl_display* client() const { return client_; }
 
-    /// A keymap with these layouts, as the machine has them; sent to keyboards that exist and to
-    /// those that will.
+    /// Sends a keymap with these layouts, as the machine has them, to existing and future
+    /// keyboards.
     void setLayouts(const std::string& layouts);
-    /// Any text as keymap, with the size that the compositor claims.
+    /// Sends any text as keymap; `claimedSize` is the size that the compositor gives for it.
     void setKeymap(const std::string& text, std::uint32_t claimedSize);
     /// Says that the keymap is in no known format.
     void setNoKeymap();
-    /// Which layout is in use, as it is told to a window that has the focus.
+    /// Tells which layout is in use, as a focused window is told.
     void setLayout(std::uint32_t layout);
     void plugKeyboard(bool isPlugged);
     void addSeat();
@@ -41,8 +41,8 @@ class ScriptedCompositor final {
  private:
     struct State;
 
-    /// Runs in the compositor's thread; everything that it sent has reached the client's socket
-    /// when it returns.
+    /// Runs `action` in the compositor's thread. When it returns, everything that the action sent
+    /// has reached the client's socket.
     void act(const std::function<void(State&)>& action) const;
 
     std::unique_ptr<State> state_;

@@ -1,4 +1,4 @@
-// A portal for shortcuts that does what a test says and remembers what it was asked.
+// A shortcuts portal that does what a test says and records the requests.
 #pragma once
 
 #include <QDBusConnection>
@@ -29,40 +29,40 @@ class ScriptedShortcutsPortal final : public QDBusVirtualObject {
 
     /// Tells the client that the keys of a shortcut were pressed.
     void press(const QString& session, const QString& shortcut);
-    /// The same for the one that was bound last.
+    /// The same for the shortcut that was bound last.
     void press() { press(sessions.last(), bound.last().id); }
-    /// Tells that the keys of the shortcut that was bound last are others now.
+    /// Tells the client that the keys of the last bound shortcut have changed.
     void change(const PortalShortcutEntries& shortcuts);
     /// Ends the session that was made last.
     void closeSession();
     /// Sends the response that `holdsResponse` kept back.
     void respond();
 
-    /// Any value; none stands for a portal without shortcuts.
+    /// The version property, of any type; an empty value for a portal without shortcuts.
     QVariant version = 1U;
-    /// Whether it takes a program's name.
+    /// Whether it accepts the name of a program.
     bool takesNames = true;
-    /// A method that fails.
+    /// Name of the method that fails.
     QString failing;
     /// Response codes.
     uint createCode = 0;
     uint bindCode = 0;
-    /// What the list says about the keys; absent: what was preferred.
+    /// The keys in the list of shortcuts; absent: the preferred ones.
     std::optional<QString> keys;
-    /// The list is this one instead.
+    /// If set, this is the list of shortcuts.
     std::optional<PortalShortcutEntries> list;
-    /// Results of binding are these instead.
+    /// If set, these are the results of binding.
     std::optional<QVariantMap> results;
-    /// Responses come before the answers of the calls that they belong to.
+    /// Sends each response before the answer of its call.
     bool respondsFirst = false;
-    /// Requests have other names than clients expect.
+    /// Gives requests other names than clients expect.
     bool choosesRequestNames = false;
-    /// Sessions do, too, and are told as paths instead of texts.
+    /// Gives sessions other names, too, and returns them as paths instead of texts.
     bool choosesSessionNames = false;
-    /// Binding is not responded to before respond().
+    /// Sends no response to binding before respond().
     bool holdsResponse = false;
 
-    /// Names of the programs that have called, and how many other calls had come before each.
+    /// The names that programs have given, and how many other calls came before each.
     QList<std::pair<QString, qsizetype>> names;
     /// Methods in the order of their calls.
     QStringList calls;

@@ -1,4 +1,4 @@
-// Hot keys of an X server of the test's own, which sees every event that comes for them.
+// Hot keys on an X server of the test's own. The test sees every event that comes for them.
 #pragma once
 
 #include <QDeadlineTimer>
@@ -32,7 +32,7 @@ inline constexpr std::uint8_t kShift = 50;
 inline constexpr std::uint8_t kControl = 37;
 inline constexpr std::uint8_t kAlt = 64;
 inline constexpr std::uint8_t kScrollLock = 78;
-/// Keys of the usual keymap that no keyboard has and that mean Super.
+/// A key of the usual keymap that exists on no keyboard and means Super.
 inline constexpr std::uint8_t kVirtualSuper = 206;
 
 inline constexpr int kMod3 = 5;
@@ -61,7 +61,7 @@ class X11HotKeysTest : public ::testing::Test {
         return hotKeys->registerEventHotKey(keyCode, modifiers, {kSignature, kCommandL});
     }
 
-    /// Hands over every event that has come.
+    /// Passes on every event that has come.
     void takeEvents() {
         while (const x11::Reply<xcb_generic_event_t> event{xcb_poll_for_event(own.connection())}) {
             if (event->response_type == XCB_KEY_PRESS) {
@@ -82,12 +82,12 @@ class X11HotKeysTest : public ::testing::Test {
         }
         return true;
     }
-    /// The server has answered by now: whatever came before its answer is there.
+    /// Waits for an answer of the server: every event that it sent before has then come.
     void settle() {
         own.sync();
         takeEvents();
     }
-    /// The presses that a stroke brings.
+    /// The presses that the program reports for a stroke.
     std::vector<std::uint32_t> pressesOf(const std::vector<std::uint8_t>& held,
                                          std::uint8_t stroked) {
         presses.clear();
@@ -95,13 +95,13 @@ class X11HotKeysTest : public ::testing::Test {
         settle();
         return presses;
     }
-    /// Nobody holds the key with these modifiers, on any screen and with any of the locks.
+    /// Whether no program holds the key with these modifiers, on any screen, with any of the locks.
     bool isFree(std::uint16_t modifiers) {
-        // What was given back is on its way.
+        // The server must know first which keys the program has given back.
         own.sync();
         return other.couldGrab(kX11L, modifiers, kLocks);
     }
-    /// Lets the program see what the keyboard has become.
+    /// Lets the program notice a change of the keyboard.
     void takeKeyboardChange() {
         EXPECT_TRUE(takeEventsUntil([this] { return dispatch.mainPending() > 0; }));
         dispatch.runMain();
@@ -116,7 +116,7 @@ class X11HotKeysTest : public ::testing::Test {
     std::vector<std::uint32_t> presses;
     /// Events of keys that came to this connection.
     int keyPresses = 0;
-    /// Events that the toolkit would not see.
+    /// How many events the program kept from the toolkit.
     int usedUp = 0;
     int changes = 0;
 };

@@ -82,7 +82,7 @@ TEST_F(X11ShortcutTest, HeldByAnotherProgramIsAConflictUntilTheNextChange) {
     ASSERT_TRUE(other.grab(kX11L, XCB_MOD_MASK_4));
     EXPECT_EQ(apply(), RegistrationState::conflict);
     other.ungrab(kX11L, XCB_MOD_MASK_4);
-    // Nobody is told that a key is free.
+    // The server reports to no client that a key has become free.
     dispatch.runMain();
     EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::conflict);
 

@@ -26,8 +26,8 @@ class Scheme : public ::testing::Test {
         scheme_ = std::make_unique<ColorScheme>(itemBus_,
                                                 [this](bool dark) { changes_.push_back(dark); });
     }
-    /// Calls there and back, more than telling the name and asking take: whatever the portal said
-    /// has arrived.
+    /// Makes more round trips than giving the name and asking take. Afterwards everything that the
+    /// portal sent has arrived.
     void settle() {
         for (int i = 0; i < 4; ++i) {
             ping();

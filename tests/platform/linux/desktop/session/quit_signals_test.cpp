@@ -16,7 +16,7 @@ constexpr std::array kSignals = {SIGTERM, SIGINT, SIGHUP};
 
 void handleOtherwise(int) {}
 
-/// Whatever a test does to the signals ends with it.
+/// Undoes every change that a test makes to the signals.
 class QuitSignalsTest : public ::testing::Test {
  protected:
     QuitSignalsTest() {

@@ -40,8 +40,8 @@ class Reduced : public ::testing::Test {
         motion_ = std::make_unique<ReducedMotion>(
             itemBus_, [this](bool isReduced) { changes_.push_back(isReduced); });
     }
-    /// Calls there and back, more than telling the name and asking take: whatever the portal said
-    /// has arrived.
+    /// Makes more round trips than giving the name and asking take. Afterwards everything that the
+    /// portal sent has arrived.
     void settle() {
         for (int i = 0; i < 4; ++i) {
             ask(itemBus_, QDBusMessage::createMethodCall("org.freedesktop.portal.Desktop",

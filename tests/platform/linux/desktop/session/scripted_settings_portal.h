@@ -1,4 +1,4 @@
-// A settings portal that says what a test sets.
+// A settings portal with the values that a test sets.
 #pragma once
 
 #include <QDBusConnection>
@@ -28,7 +28,7 @@ class ScriptedSettingsPortal final : public QDBusVirtualObject {
         bus_.unregisterService("org.freedesktop.portal.Desktop");
         bus_.unregisterObject(kPath);
     }
-    /// Tells of a change, whatever is in `values`.
+    /// Announces a change, independent of `values`.
     void change(const QString& space, const QString& key, const QVariant& to) {
         QDBusMessage signal = QDBusMessage::createSignal(kPath, kInterface, "SettingChanged");
         signal.setArguments({space, key, QVariant::fromValue(QDBusVariant(to))});
@@ -61,7 +61,7 @@ class ScriptedSettingsPortal final : public QDBusVirtualObject {
     QMap<QString, QVariant> values;
     int reads = 0;
     QStringList names;
-    /// How much was read when a name came last.
+    /// The number of reads when a name was last given.
     int readsBeforeName = 0;
 
  private:

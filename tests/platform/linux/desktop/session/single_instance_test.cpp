@@ -227,7 +227,7 @@ TEST_F(WithoutBus, AStartWhileTheFirstIsEndingIsTheNextFirst) {
     ASSERT_GE(inotify_add_watch(watch, qPrintable(folder_.filePath(files.front())), IN_OPEN), 0);
     Claim result = Claim::unanswered;
     std::thread second([&] { result = start(folder()); });
-    // It ends once the second has found its lock and looks whose it is.
+    // The first one ends when the second one has found its lock and asks for the owner.
     pollfd found{watch, POLLIN, 0};
     EXPECT_EQ(poll(&found, 1, 30'000), 1);
     first.release();

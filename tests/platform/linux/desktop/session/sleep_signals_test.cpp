@@ -34,8 +34,8 @@ class Waking : public ::testing::Test {
         ASSERT_TRUE(from.send(signal));
         settle();
     }
-    /// Calls there and back on every connection, more often than a signal and its sender's check
-    /// need: whatever was sent before has had its effect.
+    /// Makes more round trips on every connection than a signal and the check of its sender need.
+    /// Afterwards everything that was sent has had its effect.
     void settle() {
         for (const QDBusConnection& each : {manager_, stranger_, bus_, bus_, bus_}) {
             ask(each, busCall("GetId", {}));

@@ -1,4 +1,4 @@
-// A tray host that does what a test says and remembers what it heard.
+// A tray host that does what a test says and records what it receives.
 #pragma once
 
 #include <QDBusConnection>
@@ -16,21 +16,22 @@ class ScriptedHost final : public QDBusVirtualObject {
     Q_OBJECT
 
  public:
-    /// Listens to items on `bus` at once, but is no watcher yet.
+    /// Listens to items on `bus` at once, but is not a watcher before begin().
     explicit ScriptedHost(QDBusConnection bus);
     ~ScriptedHost() override;
 
     void begin();
     void end();
 
-    /// Tells whoever follows that a host came or went.
+    /// Announces that a host came or went.
     void announceHost(bool there);
 
-    /// A call of the item that registered last.
+    /// Calls a method of the item that registered last.
     QDBusMessage call(const QString& interface, const QString& member,
                       const QVariantList& arguments, const QString& path = "/StatusNotifierItem");
     QDBusMessage callItem(const QString& member, const QVariantList& arguments);
-    /// All properties, as hosts fetch them; signals sent before are in `signalNames` by then.
+    /// Fetches all properties, as hosts do. Signals that were sent earlier are then in
+    /// `signalNames`.
     QVariantMap properties();
 
     /// Names by which items registered, in order.
@@ -40,7 +41,7 @@ class ScriptedHost final : public QDBusVirtualObject {
     QList<QVariantList> signalArguments;
     /// What the watcher says about its hosts.
     bool hasHost = true;
-    /// That many registrations are refused.
+    /// How many registrations to refuse.
     int refusals = 0;
 
     QString introspect(const QString& path) const override;
