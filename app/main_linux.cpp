@@ -56,7 +56,7 @@
 namespace tarnwick {
 namespace {
 
-/// By then the item is in its tray, and what only the start needed has gone.
+/// After this time the item is in its tray, and memory that only the start needed has been freed.
 constexpr std::chrono::seconds kStartIsOver(15);
 
 const char* environment(const char* name) {
@@ -79,8 +79,8 @@ std::filesystem::path runningProgram() {
     return std::filesystem::read_symlink("/proc/self/exe", error);
 }
 
-/// The machine. Nothing of it is ever destroyed: background work that is stuck when the program
-/// ends may still use it.
+/// Installs the machine's objects. They are never destroyed: background work that is stuck when the
+/// program ends may still use them.
 void installPlatform(platform::UserDefaults& userDefaults, const QDBusConnection& bus) {
     auto* powerSources = new platform::LinuxPowerSources();
     auto* dispatch = new platform::QtDispatch();
@@ -108,7 +108,8 @@ QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
     return qt::drawnSymbol(symbol, qt::Theme::color(tint, dark), pixels);
 }
 
-/// Where the panel opens: at the item or, where its place is not known, in a corner.
+/// Returns the place of the item; if that is unknown, a corner of the screen. The panel opens
+/// there.
 QRect panelAnchor(const platform::LinuxStatusItem& item) {
     if (const auto place = item.anchor()) {
         return *place;
@@ -145,7 +146,8 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
     if (!bus.isConnected()) {
         platform::notice("there is no session bus: only a tray of the older kind can be used");
     }
-    // Whoever starts from here on is not asked to be content with a panel that goes with this one.
+    // From here on a new start becomes the owner instead of asking this exiting process for its
+    // panel.
     const auto quit = [&application, &instance] {
         instance.release();
         application.quit();
@@ -153,7 +155,7 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
     const platform::QuitSignals quitSignals(quit);
 
     auto& userDefaults = *new platform::SqliteUserDefaults(platform::userDefaultsFile(environment));
-    // The last chance for what could not be written yet.
+    // The last chance to write changes that could not be written earlier.
     const platform::DisplayEnd displayEnd([&userDefaults] { userDefaults.close(); });
     installPlatform(userDefaults, bus);
     platform::applyInterfaceFont();
@@ -175,19 +177,19 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
                                            return qt::makeSettingsContent(settings, theme,
                                                                           settingsEnvironment());
                                        }});
-    // The panel is made after the view whose button closes it.
+    // Set below: the panel is made after the view, but a button of the view closes it.
     std::function<void()> closePanel;
     MenuBarView view(app.statsManager(), {.showSettings =
                                               [&app, &closePanel] {
-                                                  // The panel hands its place before the other
-                                                  // windows over while it still has it.
+                                                  // Show settings first: activation passes on only
+                                                  // while the panel is still active.
                                                   app.showSettingsWindow();
                                                   closePanel();
                                               },
                                           .openActivityMonitor =
                                               [&conditions, &closePanel] {
-                                                  // The panel would lie over it, and hold the
-                                                  // pointer.
+                                                  // An open panel would cover the monitor and hold
+                                                  // the pointer.
                                                   if (platform::openActivityMonitor(conditions)) {
                                                       closePanel();
                                                   }
@@ -218,15 +220,15 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
     const platform::SleepSignals sleepSignals(QDBusConnection::systemBus(),
                                               [&app] { app.machineDidWake(); });
 
-    // Only the entry at login starts it again: a session that restores what ran in it would too,
-    // even where start at login is off.
+    // Only the autostart entry may start the program at login. A session that restores its programs
+    // would start it even if start at login is off.
     QObject::connect(
         &application, &QGuiApplication::saveStateRequest, &application,
         [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
 
     app.appDelegate().applicationDidFinishLaunching();
     const int status = application.exec();
-    // A session's end comes without a call of quit().
+    // The session can also end the program, without a call of quit().
     instance.release();
     userDefaults.close();
     return status;
