@@ -12,7 +12,7 @@ namespace tarnwick::platform {
 
 namespace {
 
-// Far more than there are applications in the lists; the memory stays bounded all the same.
+// Bounds the memory. The lists hold far fewer applications than this.
 constexpr std::size_t mostKnown = 256;
 
 void addFolder(std::string_view folder, std::vector<std::string>& folders) {
@@ -73,7 +73,7 @@ void InstalledApplications::forget() {
 
 std::optional<DesktopEntry> InstalledApplications::read(const std::string& name) const {
     for (const std::string& folder : sources_.dataFolders) {
-        // The first file of the name decides, even if it says that there is no such application.
+        // The first file with this name decides, even if it marks the application as removed.
         if (const std::optional<std::string> text =
                 readWholeFile(belowRoot(root_, folder + "/applications/" + name + ".desktop"))) {
             return parseDesktopEntry(*text, sources_.localeSuffixes);
