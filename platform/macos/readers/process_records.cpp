@@ -5,7 +5,7 @@
 namespace tarnwick {
 namespace {
 
-/// The number at `offset`; the caller has made sure that it lies within the bytes.
+/// The number at `offset`. Requires: it lies within the bytes.
 template <class T>
 T numberAt(std::span<const std::byte> bytes, std::size_t offset) {
     T number{};
@@ -19,7 +19,7 @@ std::optional<ProcessRecord> decodeProcessRecord(std::span<const std::byte> byte
     if (bytes.size() < kProcessRecordSize) {
         return std::nullopt;
     }
-    // The last byte of the field is there for the zero that ends the longest command.
+    // Leaves out the last byte of the field, which is only for the zero after the longest command.
     const auto field = bytes.subspan(kProcessCommandOffset, kProcessCommandSize - 1);
     const std::string_view command(reinterpret_cast<const char*>(field.data()), field.size());
     return ProcessRecord{
