@@ -12,26 +12,25 @@ namespace tarnwick {
 /// Greets a new user once: settings window, then panel. Main thread only.
 class AppDelegate {
  public:
-    /// Opening the panel is tried this often at most; at launch the status item may not be there
-    /// yet.
+    /// Attempts to open the panel. At launch the status item may not be in its tray yet.
     static constexpr int kMaximumAttempts = 6;
     /// Seconds between two attempts.
     static constexpr double kRetryDelay = 0.12;
 
-    /// `toggleMenuBarPanel` says whether there was an item to click. `settings` and `dispatch` must
-    /// outlive what is queued on the main queue.
+    /// `toggleMenuBarPanel` returns whether there was an item to click. Requires: `settings` and
+    /// `dispatch` outlive all work that is queued on the main queue.
     AppDelegate(UserSettings& settings, platform::Dispatch& dispatch,
                 std::function<void()> showSettingsWindow, std::function<bool()> toggleMenuBarPanel);
 
     /// Queues the first-launch presentation, so that it runs after the item is up.
     void applicationDidFinishLaunching();
 
-    /// The user asked for the panel in some other way: the presentation does not toggle it any
-    /// more, which could close it.
+    /// Call this when the user opened the panel in another way. The greeting then no longer toggles
+    /// the panel, because that could close it.
     void panelWasAskedFor() { presentation_->leavesPanelAlone = true; }
 
  private:
-    /// Outlives the delegate while something is queued.
+    /// Queued work shares ownership, so this may outlive the delegate.
     struct Presentation {
         UserSettings& settings;
         platform::Dispatch& dispatch;

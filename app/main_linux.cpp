@@ -57,7 +57,7 @@
 namespace tarnwick {
 namespace {
 
-/// By then the item is in its tray, and what only the start needed has gone.
+/// After this time the item is in its tray, and memory that only the start needed has been freed.
 constexpr std::chrono::seconds kStartIsOver(15);
 
 const char* environment(const char* name) {

@@ -63,7 +63,8 @@ class Program {
     platform::WakeNotification wakeNotification_;
 };
 
-/// Keys that work in every window. The application has no menu bar of its own to show it in.
+/// A menu that is never seen, because the application has no menu bar. It gives every window the
+/// keys to close and to quit.
 NSMenu* makeMenu() {
     NSMenu* commands = [[NSMenu alloc] initWithTitle:@"Tarnwick"];
     [commands addItemWithTitle:@"Close" action:@selector(performClose:) keyEquivalent:@"w"];
@@ -89,13 +90,14 @@ NSMenu* makeMenu() {
     self.program->didFinishLaunching();
 }
 
-/// What is kept of windows from one run to the next, which is nothing, is read safely.
+/// Nothing of a window is restored at the next start, so reading the restored state is secure.
 - (BOOL)applicationSupportsSecureRestorableState:(NSApplication*)sender {
     (void)sender;
     return YES;
 }
 
-/// Started again while it runs: the panel opens, also where the menu bar has no room for the item.
+/// The user started the program again while it runs: opens the panel, even if the menu bar has no
+/// room for the item.
 - (BOOL)applicationShouldHandleReopen:(NSApplication*)sender hasVisibleWindows:(BOOL)hasWindows {
     (void)sender;
     (void)hasWindows;

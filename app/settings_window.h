@@ -23,23 +23,23 @@ class SettingsWindowCloseDelegate final : public platform::WindowDelegate {
     SettingsWindow& settingsWindow_;
 };
 
-/// There is a window while it is on screen, and none otherwise: what it shows begins afresh each
-/// time. Main thread only.
+/// The settings window exists only while it is on screen. Each show() after a close makes a new
+/// window with new content. Main thread only.
 class SettingsWindow {
  public:
     static constexpr const char* kTitle = "Tarnwick Settings";
-    /// Of the content, points.
+    /// Size of the content, points.
     static constexpr int kWidth = 520;
     static constexpr int kHeight = 500;
 
-    /// `windows` must outlive the settings window; `makeView` makes what it shows.
+    /// `makeView` makes the content of each window. Requires: `windows` outlives this object.
     SettingsWindow(platform::Windows& windows,
                    std::function<std::unique_ptr<platform::View>()> makeView);
     SettingsWindow(const SettingsWindow&) = delete;
     SettingsWindow& operator=(const SettingsWindow&) = delete;
 
     bool exists() const { return window_ != nullptr; }
-    /// Brings the window to the front, which is made first where there is none.
+    /// Brings the window to the front. Makes it first if it does not exist.
     void show();
 
  private:
@@ -50,7 +50,7 @@ class SettingsWindow {
 
     platform::Windows& windows_;
     std::function<std::unique_ptr<platform::View>()> makeView_;
-    /// The same one for every window, made with the first.
+    /// One delegate serves every window; made with the first.
     std::optional<SettingsWindowCloseDelegate> delegate_;
     std::unique_ptr<platform::Window> window_;
 };

@@ -71,7 +71,7 @@ void TarnwickApp::noticeShortcut() {
     const std::int64_t modifiers = environment_.settings.shortcutModifiers();
     const bool isOtherKey = std::exchange(shortcutKeyCode_, keyCode) != keyCode;
     const bool areOtherModifiers = std::exchange(shortcutModifiers_, modifiers) != modifiers;
-    // Each setting applies the shortcut for itself; twice in a row is as good as once.
+    // A change of either setting applies the shortcut. Applying it twice in a row does no harm.
     if (isOtherKey) {
         applyShortcut();
     }

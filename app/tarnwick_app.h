@@ -1,5 +1,5 @@
-// The entry value: owns the long-lived objects, keeps the status item's label current and the
-// stored shortcut registered.
+// The application object: owns the long-lived objects, keeps the status item's label current and
+// the stored shortcut registered.
 #pragma once
 
 #include <cstdint>
@@ -21,7 +21,7 @@
 
 namespace tarnwick {
 
-/// Where the application shows itself; all outlive it.
+/// Where the application shows itself. Requires: every object outlives the application.
 struct TarnwickAppDesktop {
     platform::StatusItem& statusItem;
     platform::Windows& windows;
@@ -29,7 +29,7 @@ struct TarnwickAppDesktop {
     std::function<std::unique_ptr<platform::View>(UserSettings&)> makeSettingsView;
 };
 
-/// What the application runs on; the defaults are the process-wide ones.
+/// The services that the application uses. shared() gives those of the process.
 struct TarnwickAppEnvironment {
     UserSettings& settings;
     std::shared_ptr<BatteryReader> batteryService;
@@ -63,10 +63,11 @@ class TarnwickApp {
 
     /// Shows the settings window, or brings it to the front.
     void showSettingsWindow() { settingsWindow_.show(); }
-    /// The label is on screen: the first time, begins to serve the shortcut.
+    /// Call this when the label is on screen. The first call starts to serve the shortcut; later
+    /// ones do nothing.
     void labelDidAppear();
-    /// The machine woke from sleep: the figures from before are old ones, so both refreshes run at
-    /// once.
+    /// Call this when the machine woke from sleep. Runs both refreshes at once, because the figures
+    /// are out of date.
     void machineDidWake() { statsManager_.refreshNow(); }
 
  private:
@@ -76,21 +77,22 @@ class TarnwickApp {
 
     platform::StatusItem& statusItem_;
     TarnwickAppEnvironment environment_;
-    /// Expires with the application; what is queued holds it weakly.
+    /// Expires with the application; queued work holds it weakly.
     std::shared_ptr<TarnwickApp*> self_ = std::make_shared<TarnwickApp*>(this);
     AppDelegate appDelegate_;
     StatsManager statsManager_;
     /// Absent until the label appears, which it does in the constructor.
     std::unique_ptr<HotKeyService> hotKeyService_;
     SettingsWindow settingsWindow_;
-    // The shortcut that was stored when it was looked at last.
+    // The stored shortcut as it was at the last look.
     std::int64_t shortcutKeyCode_;
     std::int64_t shortcutModifiers_;
-    /// However many fields change in one turn, the label is rebuilt once, after all were written.
+    /// Rebuilds the label once per turn, after all fields of that turn were written.
     platform::NextTurn nextLabel_{environment_.stats.dispatch, [this] { showLabel(); }};
-    /// Both halves of a shortcut are written before either is looked at.
+    /// Waits for the next turn, so that key and modifiers are both written before either is read.
     platform::NextTurn nextShortcut_{environment_.stats.dispatch, [this] { noticeShortcut(); }};
-    /// Registering again from inside the desktop's call would take away what calls.
+    /// Waits for the next turn: registering inside the desktop's call would destroy the object that
+    /// makes the call.
     platform::NextTurn nextRegistration_{environment_.stats.dispatch, [this] { applyShortcut(); }};
     Subscription statsSubscription_;
     Subscription settingsSubscription_;

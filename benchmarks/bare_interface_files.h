@@ -1,4 +1,4 @@
-// The floor of a network pass: the same files, and what they hold is not read.
+// The floor of a network pass: reads the same files and ignores their content.
 #pragma once
 
 #include <cstddef>
@@ -10,7 +10,7 @@ namespace tarnwick::benchmarks {
 /// opened before. Parses nothing.
 class BareInterfaceFiles {
  public:
-    /// Over the interfaces of this moment.
+    /// Opens the files of the interfaces that exist now.
     BareInterfaceFiles();
     BareInterfaceFiles(const BareInterfaceFiles&) = delete;
     BareInterfaceFiles& operator=(const BareInterfaceFiles&) = delete;

@@ -1,4 +1,4 @@
-// The floor of a pass over all processes: the same files, and what they hold is not read.
+// The floor of a pass over all processes: reads the same files and ignores their content.
 #pragma once
 
 #include <cstddef>
@@ -7,14 +7,14 @@
 
 namespace tarnwick::benchmarks {
 
-/// The processes that the machine has now; ends the program where it cannot say.
+/// The processes that the machine has now. Ends the program if they cannot be listed.
 std::vector<std::int32_t> population();
 
 /// Opens, reads and closes the stat file of each process with bare system calls. Lists nothing,
 /// parses nothing, keeps nothing.
 class BareProcessLoop {
  public:
-    /// Over the processes of this moment.
+    /// Covers the processes that exist now.
     BareProcessLoop();
 
     /// Bytes of all files together.

@@ -2,9 +2,9 @@
 //
 //   network_benchmark [--check] [options of the benchmark library]
 //
-// Measures at a few interfaces and at 500, with the limit of descriptors that the program gives
-// itself. The interfaces are made in private networks that go away with the program. Where the
-// machine allows none, nothing is measured and --check fails.
+// Measures with a few interfaces and with 500, under the limit of descriptors that the program sets
+// for itself. The interfaces are made in private networks, which disappear with the program. If the
+// machine does not allow private networks, nothing is measured and --check fails.
 #include <benchmark/benchmark.h>
 #include <cstdio>
 #include <cstdlib>
@@ -29,7 +29,7 @@ using tarnwick::benchmarks::Pair;
 using tarnwick::platform::LinuxKernel;
 using tarnwick::platform::LinuxNetworkInterfaces;
 
-// Beside them there is the loopback interface.
+// Each network also has the loopback interface.
 constexpr int kFewCables = 2;
 constexpr int kManyCables = 250;
 
@@ -44,7 +44,7 @@ void network(benchmark::State& state) {
     LinuxKernel kernel;
     LinuxNetworkInterfaces interfaces;
     NetworkService service(interfaces, kernel);
-    // The first opens the files, the others keep them.
+    // The first pass opens the files; the later ones keep them open.
     service.readNetworkInfo();
     for ([[maybe_unused]] const auto turn : state) {
         benchmark::DoNotOptimize(service.readNetworkInfo());
@@ -54,7 +54,7 @@ void network(benchmark::State& state) {
 constexpr Pair kFewPairs[] = {{"network at 4 interfaces", network, networkFloor, 1.3}};
 constexpr Pair kManyPairs[] = {{"network at 500 interfaces", network, networkFloor, 1.3}};
 
-// Empty on success, else why there is nothing to measure.
+// Empty on success, else the reason why nothing can be measured.
 std::string makeInterfaces(int cables) {
     namespace net = tarnwick::platform::testing;
     try {
@@ -82,7 +82,7 @@ int measure(int argc, char** argv, int cables, std::span<const Pair> pairs) {
     return tarnwick::benchmarks::runPairs(argc, argv, pairs);
 }
 
-// In a process of its own: the library runs once in each.
+// Measures in a new process, because the benchmark library can run only once in each.
 int measureApart(int argc, char** argv, int cables, std::span<const Pair> pairs) {
     const pid_t child = ::fork();
     if (child == 0) {

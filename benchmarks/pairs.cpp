@@ -18,7 +18,7 @@ class MedianReporter final : public benchmark::ConsoleReporter {
     void ReportRuns(const std::vector<Run>& runs) override {
         ConsoleReporter::ReportRuns(runs);
         for (const Run& run : runs) {
-            // A single repetition has no median; it stands for itself.
+            // A single repetition has no median, so its own time is used.
             if (run.run_type == Run::RT_Iteration || run.aggregate_name == "median") {
                 medians_[run.run_name.function_name] =
                     run.GetAdjustedCPUTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);

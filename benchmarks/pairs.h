@@ -1,4 +1,4 @@
-// Work beside the floor it stands on: the system calls that it cannot do without.
+// Compares work with its floor: the system calls that the work cannot do without.
 #pragma once
 
 #include <benchmark/benchmark.h>
@@ -12,14 +12,14 @@ struct Pair {
     void (*floor)(benchmark::State&);
     /// Greatest ratio of work to floor.
     double budget;
-    /// Most time that the work may take of its thread's processor, milliseconds; 0 where the ratio
-    /// alone counts. Judged like the ratio, and true of machines like those that people sit at.
+    /// Greatest processor time of the work in its thread, milliseconds; 0 if only the ratio counts.
+    /// Checked like the ratio. The figure holds for machines of the kind that people sit at.
     double milliseconds = 0;
 };
 
-/// Runs all pairs with the options of the benchmark library, in an order that is mixed anew for
-/// each repetition, and prints the ratios of the medians of processor time. Gives the exit status:
-/// with --check among the options other than 0 when anything is above its budget.
+/// Runs all pairs with the options of the benchmark library, in an order that is shuffled for each
+/// repetition, and prints the ratios of the medians of processor time. Returns the exit status:
+/// with --check among the options it is not 0 if anything is above its budget.
 int runPairs(int argc, char** argv, std::span<const Pair> pairs);
 
 }  // namespace tarnwick::benchmarks

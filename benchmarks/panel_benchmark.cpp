@@ -3,13 +3,15 @@
 //   panel_benchmark [--check] [options of the benchmark library]
 //   panel_benchmark --rounds=10000
 //
-// Times are those of the main thread's processor, without a display: opening lasts from the click
-// until everything is painted, and closing until the widgets are gone; a refresh from the samplers'
-// timers, with samplers that cost nothing, until the figures and every frame of the moving bars are
-// painted. A person sees no delay below 60 ms, and a refresh is to take 4 ms at most: with --check
-// the program fails where that is not so. With --rounds the panel is opened, refreshed and closed
-// so many times, and what the program holds more than before is printed; it fails where that is
-// more than a few objects. Only figures of an optimised build mean anything.
+// Times are processor times of the main thread, without a display. Opening lasts from the click
+// until everything is painted; closing lasts until the widgets are gone. A refresh lasts from the
+// samplers' timers until the figures and every frame of the moving bars are painted; the samplers
+// cost nothing.
+//
+// A person sees no delay below 60 ms, and a refresh may take 4 ms: with --check the program fails
+// if a time is above its limit. With --rounds the panel is opened, refreshed and closed so many
+// times, and the growth of the program's memory is printed; the program fails if the growth is more
+// than a few objects. Only figures of an optimised build mean anything.
 #include <QApplication>
 #include <QLabel>
 #include <QVBoxLayout>
@@ -54,7 +56,7 @@ class BareWindow {
         }
     }
     void paint() {
-        // Once for the window itself, once for what the layout asked for.
+        // One turn for the window itself, one for what the layout asked for.
         for (int turn = 0; turn < 2; ++turn) {
             QApplication::processEvents();
         }
@@ -149,7 +151,7 @@ void openAndClose(TurnedPanel& panel, int rounds) {
     for (int round = 0; round < rounds; ++round) {
         panel.open();
         panel.tick();
-        // Every page now and then.
+        // Opens the other pages in every eighth round.
         if (round % 8 == 0) {
             panel.press(PanelAction::showMemoryDetail);
             panel.press(PanelAction::goBack);
@@ -159,12 +161,13 @@ void openAndClose(TurnedPanel& panel, int rounds) {
     }
 }
 
-/// Bytes of heap, however many rounds: less than seven for each of 10,000.
+/// Greatest growth of the heap in bytes, for any number of rounds. For 10,000 rounds that is less
+/// than seven bytes each.
 constexpr long long kMostGrowth = 65536;
 
 int printGrowth(int rounds) {
     TurnedPanel panel;
-    // Histories are full and the toolkit's tables as large as they get.
+    // After these rounds the histories are full and the toolkit's tables have their final size.
     openAndClose(panel, 1500);
     const Held before = held();
     openAndClose(panel, rounds);
@@ -181,7 +184,7 @@ int printGrowth(int rounds) {
 int main(int argc, char** argv) {
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     ::setenv("QT_LOGGING_RULES", "*.warning=false", 1);
-    // Paints at once instead of a few milliseconds later.
+    // Makes the toolkit paint at once instead of a few milliseconds later.
     ::setenv("QT_QPA_UPDATE_IDLE_TIME", "0", 1);
     int none = 1;
     QApplication application(none, argv);

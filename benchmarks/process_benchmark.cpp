@@ -3,9 +3,9 @@
 //
 //   process_benchmark [--processes=N] [--check] [options of the benchmark library]
 //
-// Measures at the machine's own population and with N further processes (5,000 unless given), which
-// do nothing and are ended again, with the limit of descriptors that the program gives itself. Only
-// figures of an optimised build mean anything.
+// Measures with the machine's own processes and with N more (5,000 by default), under the limit of
+// descriptors that the program sets for itself. The added processes do nothing and are ended at the
+// end. Only figures of an optimised build mean anything.
 #include <algorithm>
 #include <benchmark/benchmark.h>
 #include <charconv>
@@ -37,7 +37,7 @@ using tarnwick::platform::LinuxKernel;
 using tarnwick::platform::LinuxProcessTable;
 
 constexpr int kRows = 3;
-// What most systems let a program open unless it asks for more, and some even then.
+// How many files most systems let a program open by default. Some systems allow no more at all.
 constexpr rlim_t kUsualDescriptors = 1024;
 
 // Processes that sleep until they are ended, each by its own identifier.
@@ -52,7 +52,7 @@ class Sleepers {
                 break;
             }
             if (identifier == 0) {
-                // Not to be left behind when the benchmark is killed.
+                // Ends the sleeper if the benchmark is killed.
                 ::prctl(PR_SET_PDEATHSIG, SIGKILL);
                 while (::getppid() == parent) {
                     ::pause();
@@ -77,7 +77,7 @@ class Sleepers {
     std::vector<pid_t> identifiers_;
 };
 
-// Shows the time of one process, too.
+// Adds the time per process to the output.
 void countProcesses(benchmark::State& state) {
     state.counters["each"] = benchmark::Counter(
         static_cast<double>(population().size()),
@@ -96,7 +96,7 @@ void pass(benchmark::State& state) {
     LinuxKernel kernel;
     LinuxProcessTable table;
     ProcessService service(table, kernel);
-    // The first opens the files, the others keep them.
+    // The first pass opens the files; the later ones keep them open.
     service.readTopProcesses(kRows);
     for ([[maybe_unused]] const auto turn : state) {
         benchmark::DoNotOptimize(service.readTopProcesses(kRows));
@@ -147,8 +147,8 @@ int takeProcesses(int& argc, char** argv) {
     return count;
 }
 
-// Where files are kept, the time saved pays for everything that the bare loop does not do: listing
-// the processes, above all. Where few or none are, that comes on top.
+// A pass that keeps files open saves enough time to pay for all that the bare loop does not do,
+// above all listing the processes. If few or no files are kept, that work comes on top.
 constexpr Pair kPairs[] = {
     {"process pass", pass, bareLoop, 1.0},
     {"process pass with 1024 descriptors", passWithUsualDescriptors, bareLoop, 1.25},
@@ -161,7 +161,7 @@ int measure(int argc, char** argv) {
     return tarnwick::benchmarks::runPairs(argc, argv, kPairs);
 }
 
-// In a process of its own: the library runs once in each.
+// Measures in a new process, because the benchmark library can run only once in each.
 int measureApart(int argc, char** argv) {
     const pid_t child = ::fork();
     if (child == 0) {

@@ -2,9 +2,9 @@
 //
 //   refresh_benchmark [--check] [options of the benchmark library]
 //
-// Both sides read the same files of this machine in the same run, in an order that is mixed anew
-// for each repetition. At the end stand the ratios of the medians of processor time; with --check
-// the program fails when one is above its budget. Only figures of an optimised build mean anything.
+// Both sides read the same files of this machine in the same run, in an order that is shuffled for
+// each repetition. The ratios of the medians of processor time are printed at the end; with --check
+// the program fails if one is above its budget. Only figures of an optimised build mean anything.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <filesystem>
@@ -38,7 +38,7 @@ using tarnwick::platform::LinuxNetworkInterfaces;
 using tarnwick::platform::LinuxProcessTable;
 using tarnwick::platform::LinuxVolumes;
 
-// The files behind processors and memory.
+// The files that give the processor and memory figures.
 std::vector<std::string> filesOfFastRefresh() {
     std::vector<std::string> files = {"/sys/devices/system/cpu/online", "/proc/stat",
                                       "/proc/meminfo"};
@@ -132,7 +132,7 @@ void fastRefreshWithProcessesFloor(benchmark::State& state) {
 
 void fastRefreshWithProcesses(benchmark::State& state) {
     FastRefresh refresh;
-    // The first opens the files of the processes, the others keep them.
+    // The first refresh opens the files of the processes; the later ones keep them open.
     refresh.readWithProcesses();
     for ([[maybe_unused]] const auto turn : state) {
         refresh.readWithProcesses();

@@ -3,9 +3,9 @@
 //   settings_benchmark [--check] [options of the benchmark library]
 //
 // Times are processor times of the main thread, without a display: from the pointer's move until
-// the value is on the disk and everything is painted. First the dearest of 500 changes in a row is
-// printed: no frame is to take more than 8 ms, of which a change is one. Only figures of an
-// optimised build mean anything.
+// the value is on the disk and everything is painted. The program first prints the greatest cost
+// among 500 changes in a row. Each change is one frame, and a frame may take 8 ms; with --check the
+// program fails if one takes more. Only figures of an optimised build mean anything.
 #include <QApplication>
 #include <QTemporaryDir>
 #include <algorithm>
@@ -116,7 +116,7 @@ bool printDrag() {
 int main(int argc, char** argv) {
     ::setenv("QT_QPA_PLATFORM", "offscreen", 1);
     ::setenv("QT_LOGGING_RULES", "*.warning=false", 1);
-    // Paints at once instead of a few milliseconds later.
+    // Makes the toolkit paint at once instead of a few milliseconds later.
     ::setenv("QT_QPA_UPDATE_IDLE_TIME", "0", 1);
     int none = 1;
     QApplication application(none, argv);

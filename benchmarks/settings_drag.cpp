@@ -52,7 +52,7 @@ struct SettingsDrag::Window final : public QObject {
         QApplication::sendEvent(slider, &event);
     }
     void paint() {
-        // Once for what moved, once for what the layout asked for.
+        // One turn for what moved, one for what the layout asked for.
         for (int turn = 0; turn < 2; ++turn) {
             dispatch.runMain();
             QApplication::processEvents();
@@ -65,7 +65,7 @@ SettingsDrag::SettingsDrag() : window_(std::make_unique<Window>()) {}
 SettingsDrag::~SettingsDrag() = default;
 
 void SettingsDrag::change() {
-    // To and fro between 20 and 79.
+    // The value goes up and down between 20 and 79.
     const int step = changes_++ % 118;
     percent_ = 20 + (step < 59 ? step : 118 - step);
     const int before = window_->paints;

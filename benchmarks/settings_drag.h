@@ -14,12 +14,12 @@ class SettingsDrag {
     SettingsDrag& operator=(const SettingsDrag&) = delete;
     ~SettingsDrag();
 
-    /// Moves the pointer by as much as makes another value; returns once the value is on the disk
-    /// and everything that follows is painted.
+    /// Moves the pointer far enough to change the value. Returns once the value is on the disk and
+    /// everything that follows is painted.
     void change();
-    /// Moves the pointer by less than makes another value.
+    /// Moves the pointer, but not far enough to change the value.
     void rest();
-    /// What the store holds of the threshold that is dragged, percent.
+    /// The stored value of the dragged threshold, percent.
     double stored() const;
 
  private:

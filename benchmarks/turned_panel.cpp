@@ -21,9 +21,9 @@ namespace {
 
 constexpr std::int64_t kGB = 1'000'000'000;
 constexpr QRect kAnchor(300, 2, 22, 22);
-/// Far more turns of the event loop than anything needs.
+/// An upper limit: far more turns of the event loop than any operation needs.
 constexpr int kMostTurns = 1000;
-/// From a widget that asks to be painted until it is.
+/// Turns of the event loop from a widget's request to be painted until it is painted.
 constexpr int kTurnsOfAFrame = 3;
 /// Seconds.
 constexpr double kSlowInterval = 30;
@@ -55,7 +55,7 @@ class FixedBattery final : public BatteryReader {
     }
 };
 
-/// Figures that are never twice the same in a row.
+/// Produces figures that differ from one refresh to the next.
 class Figures {
  public:
     void turn() { ++round_; }
@@ -173,7 +173,7 @@ TurnedPanel::~TurnedPanel() {
 }
 
 bool TurnedPanel::eventFilter(QObject* object, QEvent* event) {
-    // A window paints what has changed when its turn has come.
+    // A window paints its changes when it receives this event.
     isPainted_ = isPainted_ || (event->type() == QEvent::UpdateRequest && object->isWidgetType());
     return false;
 }
@@ -186,7 +186,7 @@ void TurnedPanel::waitUntilPainted() {
     if (!isPainted_) {
         std::abort();
     }
-    // Whatever the painting has left behind.
+    // Handles what the painting has queued.
     QApplication::processEvents();
 }
 
@@ -208,9 +208,9 @@ void TurnedPanel::press(PanelAction action) {
     waitUntilPainted();
 }
 
-// Each frame is an own turn of the event loop, as it is for a user.
+// Each frame has its own turns of the event loop, as it has for a user.
 void TurnedPanel::showFrames() {
-    // One more than a movement has.
+    // One frame more than a movement has.
     constexpr int frames = static_cast<int>(Motion::kDuration / Motion::kFrame) + 2;
     for (int frame = 0; frame < frames; ++frame) {
         isPainted_ = false;

@@ -1,4 +1,4 @@
-// The whole panel on a machine that is made up, in time that is turned by hand.
+// The whole panel on an invented machine, in time that the benchmark advances by hand.
 #pragma once
 
 #include <QObject>
@@ -9,8 +9,9 @@
 
 namespace tarnwick::benchmarks {
 
-/// From the samplers' answers to the painted widgets, without a display. Every figure differs at
-/// each refresh, and the processor is busy enough for the list of processes. Main thread.
+/// Covers everything from the samplers' answers to the painted widgets, without a display. Every
+/// figure changes at each refresh, and the processor is busy enough for the list of processes to
+/// show. Main thread.
 class TurnedPanel final : public QObject {
     Q_OBJECT
 
@@ -22,12 +23,12 @@ class TurnedPanel final : public QObject {
     void open();
     /// Closes it; returns once its widgets are gone.
     void close();
-    /// A press on one of its buttons; returns once what follows is painted.
+    /// Presses one of the panel's buttons. Returns once the result is painted.
     void press(PanelAction action);
-    /// Has everything sampled anew; returns once the new figures are painted and every frame of
-    /// what then moves.
+    /// Samples everything again. Returns once the new figures and every frame of the movement are
+    /// painted.
     void tick();
-    /// How many frames of moving bars have been painted.
+    /// Number of painted frames of moving bars.
     int frames() const { return frames_; }
 
     bool eventFilter(QObject* object, QEvent* event) override;

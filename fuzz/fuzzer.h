@@ -1,4 +1,4 @@
-// What every fuzz program defines, and how it says that a promise was broken.
+// The function that every fuzz program defines, and the check that it uses.
 #pragma once
 
 #include <cstddef>

@@ -1,4 +1,5 @@
-// The fixed-size kernel records: each is there exactly when its bytes are, and says what they say.
+// Any bytes as the fixed-size kernel records: a record is decoded exactly when all its bytes are
+// there, and its fields hold the numbers that lie at their places.
 #include <cstring>
 #include <span>
 

@@ -1,5 +1,5 @@
-// A path in the first line and any text as the list of mounts behind it: what is found holds the
-// path.
+// A path in the first line, followed by any text as the list of mounts: the mount that is found
+// contains the path.
 #include <cstdint>
 #include <string>
 #include <string_view>

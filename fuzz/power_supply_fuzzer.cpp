@@ -1,6 +1,6 @@
-// Any texts as the files of a power supply. An input is a run of lines: the name of a file, "=",
-// and what is in it, to which a line break is added. Its first byte says what is known of power
-// from outside.
+// Any texts as the files of a power supply. The first byte of an input says what is known about
+// outside power: '0' for none, '1' for some, any other for unknown. Lines follow: the name of a
+// file, "=", and its content, to which a line break is added.
 #include <cstdint>
 #include <optional>
 #include <string>

@@ -1,5 +1,5 @@
-// Any text as the kernel's memory figures and a compressed device's: the parts of the memory never
-// exceed it.
+// Any text as the memory figures of the kernel and of a compressed device: the parts of the memory
+// never exceed the whole.
 #include <cstdint>
 #include <limits>
 #include <string_view>

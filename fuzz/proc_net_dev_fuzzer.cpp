@@ -22,7 +22,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
             require(device.name.data() > text.data() &&
                     device.name.data() + device.name.size() < text.data() + text.size());
         }
-        // A table that lost its last byte has lost a line.
+        // A table without its last byte has an unfinished line, so it is refused.
         require(!tarnwick::platform::parseNetworkDevices(text.substr(0, size - 1)));
     }
     require(tarnwick::platform::parseInterfaceIndex(text) != 0U);

@@ -1,5 +1,6 @@
-// Any text as what the kernel says of one process: the command lies between the outermost brackets,
-// and is found again whatever it holds. Any text as a name in the list of processes.
+// Any text as the stat file of a process: the command lies between the first "(" and the last ")".
+// Any text as a command: the parser finds it again, and the fields behind it.
+// Any text as a name in the list of processes.
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -18,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(stat->command == text.substr(start, text.rfind(')') - start));
     }
 
-    // The text as a command.
+    // Here the text is the command.
     const std::string line =
         "7 (" + std::string(text) + ") R 1 1 1 0 -1 0 0 0 0 0 12 34 0 0 20 0 1 0 5 1000 56 0 0\n";
     const auto stat = tarnwick::platform::parseProcessStat(line);

@@ -1,4 +1,5 @@
-// Any text as the kernel's statistics: processors come whole and in order, or not at all.
+// Any text as the kernel's statistics: either there are processors, in ascending order, or the
+// parser reports none.
 #include <cstdint>
 #include <string_view>
 #include <vector>
@@ -18,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(processors[index - 1].processor < processors[index].processor);
     }
 
-    // A half of the text is another machine, or the same with processors gone.
+    // Half of the text stands for another machine, or for the same one with fewer processors.
     std::vector<ProcessorTicks> fewer;
     require(tarnwick::platform::parseProcessorTicks(text.substr(0, size / 2), fewer) ==
             !fewer.empty());

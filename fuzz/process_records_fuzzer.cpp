@@ -1,9 +1,9 @@
-// Any bytes as a process table and as the task information of each process in it: what is decoded
-// is what lies there, and the reader visits exactly the whole records.
+// Any bytes as a process table and as the task information of each process in it: the decoded
+// values are those in the bytes, and the reader visits exactly the complete records.
 //
-// The first two bytes of an input are the size that the system names, over 16; the rest is the
-// table. The first byte of a record says how many bytes of the record the system gives as the task
-// information of its process.
+// The first two bytes of an input are the size that the system reports, divided by 16. The rest is
+// the table. The first byte of a record says how many bytes of that record the system returns as
+// the task information of its process.
 #include <algorithm>
 #include <cstring>
 #include <span>

@@ -1,8 +1,8 @@
-// Tick arrays of any length, said to describe any number of processors, one after the other through
+// Tick arrays of any length, for any claimed number of processors, pass one after the other through
 // one CPU sampler: every record keeps its promises.
 //
-// An input is a run of readings: one byte for the number of processors (255: more than any array
-// holds), one for the number of words, then the words.
+// An input is a sequence of readings. Each has one byte for the number of processors (255: more
+// than any array holds), one for the number of words, then the words.
 #include <algorithm>
 #include <cmath>
 #include <cstring>

@@ -11,7 +11,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string_view text(reinterpret_cast<const char*>(data), size);
     const auto reading = tarnwick::decodeProfilerHealth(text);
     if (reading) {
-        // Only a text with the name in it can be a report.
+        // A report contains this name, plainly or written with escapes.
         require(text.find("PowerDataType") != std::string_view::npos ||
                 text.find('\\') != std::string_view::npos);
         require(!reading->health || (*reading->health >= 1 && *reading->health <= 100));

@@ -21,10 +21,10 @@ void replay(const fs::path& file) {
     if (!stream) {
         throw std::runtime_error("cannot read " + file.string());
     }
-    // Before it runs: the last line names the input that broke something.
+    // Printed before the run: if the program crashes, the last line names the input.
     std::printf("%s\n", file.filename().c_str());
     std::fflush(stdout);
-    // A copy of exactly this size, so that the address sanitizer sees a read behind its end.
+    // A copy of exactly this size lets the address sanitizer see a read beyond its end.
     const std::vector<std::uint8_t> input(bytes.begin(), bytes.end());
     LLVMFuzzerTestOneInput(input.data(), input.size());
 }

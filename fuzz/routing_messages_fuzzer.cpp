@@ -1,5 +1,6 @@
-// Any bytes as the interface list of macOS: there is a table exactly when the bytes are whole
-// messages of the known version, and it says what the last message about each interface says.
+// Any bytes as the interface list of macOS: the decoder returns a table exactly when the bytes are
+// complete messages of the known version. The table holds what the last message about each
+// interface says.
 #include <cstring>
 #include <optional>
 #include <span>

@@ -12,7 +12,7 @@ namespace tarnwick::platform {
 
 struct Property;
 
-/// Properties under text keys; no key stands twice.
+/// Properties under text keys. Each key occurs once.
 using PropertyDictionary = std::vector<Property>;
 
 /// A number, a text, bytes or a dictionary; std::monostate is a value of any other type, such as a
@@ -28,11 +28,11 @@ struct Property {
 /// The value under a key, null where there is none. It lives as long as the dictionary.
 const PropertyValue* propertyValue(const PropertyDictionary& dictionary, std::string_view key);
 
-/// `IOServiceGetMatchingServices`, with the properties of what it found.
+/// The result of `IOServiceGetMatchingServices`, with the properties of each service.
 struct MatchingServices {
     /// 0 on success, else the system's error code.
     std::int32_t result = 0;
-    /// In the order of the iterator. Of each accelerator the properties that it has among
+    /// The services in the order of the iterator. For each accelerator: its properties among
     /// "PerformanceStatistics" (a dictionary of percentages), "model" and "gpu-core-count".
     std::vector<PropertyDictionary> services{};
 };

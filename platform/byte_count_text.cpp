@@ -15,7 +15,7 @@ struct Unit {
 constexpr std::array<Unit, 7> kUnits = {
     {{"bytes", 0}, {"KB", 0}, {"MB", 1}, {"GB", 2}, {"TB", 2}, {"PB", 2}, {"EB", 2}}};
 
-// A number with decimals: `whole` and the first decimals of it, as many as the unit shows.
+// A number with decimals: `fraction` holds as many decimals as the unit shows.
 struct Rounded {
     std::uint64_t whole = 0;
     std::uint64_t fraction = 0;
@@ -40,7 +40,7 @@ Rounded divided(std::uint64_t count, std::uint64_t size, int decimals) {
     return result;
 }
 
-// At most four digits come here.
+// Requires: `number` has at most four digits.
 std::string grouped(std::uint64_t number) {
     std::string text = std::to_string(number);
     if (text.size() > 3) {

@@ -14,7 +14,7 @@ namespace tarnwick::platform {
 /// bytes of a file are "1 MB". The decimal mark is a point; commas part thousands.
 class PlainByteCountFormatter final : public ByteCountFormatter {
  public:
-    /// A negative count, which no caller should have, reads with a minus sign.
+    /// A negative count breaks the contract; its text starts with a minus sign.
     std::string stringFromByteCount(std::int64_t byteCount, CountStyle style) const override;
 };
 

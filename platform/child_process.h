@@ -18,7 +18,7 @@ struct PipeRead {
         data,
         /// Nothing is there yet.
         wouldBlock,
-        /// A signal came first.
+        /// A signal interrupted the read.
         interrupted,
         /// The end of the output.
         end,
@@ -29,26 +29,27 @@ struct PipeRead {
     std::size_t size = 0;
 };
 
-/// A started child. Destroying it terminates the child where it still runs, takes its status, so
-/// that nothing of it is left in the process table, and closes the pipe. One thread at a time.
+/// A started child process. The destructor terminates the child if it still runs, takes its status,
+/// so that no zombie remains in the process table, and closes the pipe. One thread at a time.
 class ChildProcess {
  public:
     virtual ~ChildProcess() = default;
 
-    /// Waits until there is something to read, the output ends or `seconds` have passed. Once
-    /// read() has met the end of the output, it waits for the time to pass or for the child to end.
+    /// Waits until there is something to read, the output ends or `seconds` have passed. After
+    /// read() has returned the end of the output, it waits until the time has passed; it may return
+    /// earlier if the child ends.
     virtual void poll(double seconds) = 0;
-    /// Reads what is there, up to the size of `buffer`, without waiting.
+    /// Reads the bytes that are there, up to the size of `buffer`. Does not wait.
     virtual PipeRead read(std::span<char> buffer) = 0;
     /// Absent while the child runs; then its exit status, or the number of the signal that ended it
     /// with a minus sign, or `kUnknownStatus`.
     virtual std::optional<std::int32_t> status() = 0;
-    /// Asks the child to end, ends it by force when it does not within a moment, and takes its
-    /// status. Returns within about a second whatever the child does; nothing happens when it has
-    /// ended.
+    /// Asks the child to end, kills it if it does not end within a moment, and takes its status.
+    /// Returns within about a second in any case. Does nothing if the child has ended.
     virtual void terminate() = 0;
 
-    /// The status of a child that somebody else has taken.
+    /// The status of a child when other code has already taken it, or when the child did not end in
+    /// time even by force.
     static constexpr std::int32_t kUnknownStatus = -1'000'000;
 };
 

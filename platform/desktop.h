@@ -16,7 +16,7 @@ namespace tarnwick::platform {
 struct StatusItemContent {
     /// Points between icon and text.
     static constexpr double kSpacing = 4;
-    /// Of the text, points.
+    /// Font size of the text, points.
     static constexpr double kFontSize = 11;
     /// Room of the text, points.
     static constexpr double kTextWidth = 72;
@@ -36,7 +36,8 @@ struct StatusItemContent {
 struct StatusItemActions {
     /// Primary click: opens or closes the panel.
     std::function<void()> click{};
-    /// The program's own click: opens or closes the panel, whatever was clicked just before.
+    /// A click by the program itself: opens or closes the panel, without regard to an earlier
+    /// click.
     std::function<void()> toggle{};
     /// Middle click: refreshes.
     std::function<void()> refresh{};
@@ -56,7 +57,7 @@ class StatusItem {
     /// Shows `content`; costs nothing when it is shown already.
     virtual void setContent(const StatusItemContent& content) = 0;
     virtual void setActions(StatusItemActions actions) = 0;
-    /// A tray shows the item, so that there is a button to click.
+    /// Whether a tray shows the item, so that there is a button to click.
     virtual bool inTray() const = 0;
     /// Clicks the item's button for the user, which runs `toggle`. False when the item is in no
     /// tray.

@@ -6,10 +6,11 @@
 
 namespace tarnwick::platform {
 
-/// A repeating timer on the main thread. Its fire times lie one interval apart, counted from the
-/// first one whatever the delay of a single firing; fire times that passed unnoticed (the machine
-/// slept, the thread was busy) are made up for by one firing. Never fires early. Destroying it
-/// invalidates it.
+/// A repeating timer on the main thread. It never fires early.
+///
+/// Its fire times lie one interval apart, counted from the first fire time; a late firing does not
+/// move them. If several fire times pass unnoticed (the machine slept, the thread was busy), one
+/// firing makes up for all of them. Destroying the timer invalidates it.
 class Timer {
  public:
     virtual ~Timer() = default;

@@ -8,7 +8,7 @@
 
 namespace tarnwick::platform {
 
-/// Result codes of the operations below, as the system that has them by nature numbers them.
+/// Result codes of the operations below, with the numbers that macOS uses.
 namespace hot_key_status {
 inline constexpr std::int32_t kSuccess = 0;
 /// The combination is registered already, by this or another program.
@@ -41,8 +41,8 @@ class HotKeyEvent {
  public:
     virtual ~HotKeyEvent() = default;
 
-    /// `GetEventParameter` "----" of type "hkid": writes the identifier and returns kSuccess, or
-    /// leaves it alone and returns why not.
+    /// `GetEventParameter` "----" of type "hkid". Writes the identifier to `id` and returns
+    /// kSuccess; on failure leaves `id` unchanged and returns the error code.
     virtual std::int32_t hotKeyID(HotKeyID& id) const = 0;
 };
 
@@ -50,7 +50,7 @@ class HotKeyEvent {
 /// calls without an event. Returns kSuccess when it was handled.
 using HotKeyHandler = std::function<std::int32_t(const HotKeyEvent*)>;
 
-/// Something held from the system; given back when it is destroyed, on the main thread.
+/// Something that the program holds from the system. The destructor gives it back. Main thread.
 class HotKeyHandle {
  public:
     virtual ~HotKeyHandle() = default;
@@ -59,7 +59,7 @@ class HotKeyHandle {
     virtual std::string description() const = 0;
 };
 
-/// Main thread. Handles must not outlive the object that gave them.
+/// Main thread. Requires: the object outlives its handles.
 class HotKeys {
  public:
     virtual ~HotKeys() = default;
@@ -73,7 +73,7 @@ class HotKeys {
     virtual HandlerResult installEventHandler(HotKeyHandler handler) = 0;
 
     struct RegistrationResult {
-        /// kSuccess, kExists, or another number for any other refusal.
+        /// kSuccess, kExists, or another number if it was refused for another reason.
         std::int32_t status = hot_key_status::kSuccess;
         /// Unregisters the hot key when destroyed (`UnregisterEventHotKey`); null on failure.
         std::unique_ptr<HotKeyHandle> handle{};
@@ -83,14 +83,13 @@ class HotKeys {
     virtual RegistrationResult registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                                    HotKeyID id) = 0;
 
-    /// Nobody wants any more what the last registration asked for and did not get: where the
-    /// desktop still asks its user, or waits for keys, it is told so. Nothing that a handle holds
-    /// is touched.
+    /// Withdraws the last registration if it is still pending: tells a desktop that still asks its
+    /// user, or waits for keys. Existing handles are unaffected.
     virtual void withdrawRegistration() = 0;
 
-    /// `changed` is called on the main thread when the outcome of the last registration may be
-    /// another one now: a desktop that asks its user first has decided, or the modifiers have moved
-    /// with the keyboard's layout. Registering again then gives the outcome of now, at once. Never
+    /// Sets the function to call on the main thread when the last registration may now have another
+    /// outcome: the desktop has asked its user and decided, or the keyboard's layout has moved the
+    /// modifiers. A new registration then gives the current outcome at once. The function is never
     /// called from inside the operations above.
     virtual void setRegistrationChanged(std::function<void()> changed) = 0;
 };

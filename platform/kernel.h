@@ -56,7 +56,7 @@ struct TimeValue {
     std::int32_t microseconds = 0;
 };
 
-/// Every operation may be called from any thread and releases what it took before it returns.
+/// Any thread. Every operation releases its temporary resources before it returns.
 class Kernel {
  public:
     virtual ~Kernel() = default;
@@ -75,7 +75,8 @@ class Kernel {
     virtual std::optional<TimeValue> bootTime() = 0;
     /// `vm_page_size`, bytes: the unit of VMStatistics. Constant for the life of the process.
     virtual std::uint64_t pageSize() = 0;
-    /// Seconds of the raw monotonic clock. It goes on in sleep on macOS, stands still on Linux.
+    /// Seconds of the raw monotonic clock. While the machine sleeps it runs on macOS and stands
+    /// still on Linux.
     virtual double monotonicSeconds() = 0;
     /// Wall-clock seconds since 1970.
     virtual double wallClockSeconds() = 0;

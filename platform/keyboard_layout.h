@@ -12,9 +12,10 @@ class KeyboardLayout {
  public:
     virtual ~KeyboardLayout() = default;
 
-    /// `UCKeyTranslate` of the current layout with the "display" action, no modifiers and no dead
-    /// keys: the characters that a key produces, UTF-8, in upper case (`kVK_` numbers the keys).
-    /// Absent without layout data, after an error, and for a key that produces nothing.
+    /// The characters that a key produces in the current layout, UTF-8, in upper case:
+    /// `UCKeyTranslate` with the "display" action, no modifiers and no dead keys. `virtualKeyCode`
+    /// is one of the `kVK_` numbers. Absent if there is no layout data, after an error, and for a
+    /// key that produces nothing.
     virtual std::optional<std::string> displayText(std::uint16_t virtualKeyCode) = 0;
 };
 

@@ -17,19 +17,20 @@ struct LoginServiceError {
     std::string localizedDescription;
 };
 
-/// Main thread; synchronous.
+/// Main thread. Every call finishes before it returns.
 class LoginService {
  public:
     virtual ~LoginService() = default;
 
     virtual LoginServiceStatus status() = 0;
-    /// Absent on success.
+    /// Returns an error, or nothing on success.
     virtual std::optional<LoginServiceError> registerService() = 0;
-    /// Absent on success.
+    /// Returns an error, or nothing on success.
     virtual std::optional<LoginServiceError> unregisterService() = 0;
 };
 
-/// For a system that cannot start programs at login: never registered, and says so.
+/// For a system that cannot start programs at login: never registered; both operations return an
+/// error.
 class NullLoginService final : public LoginService {
  public:
     LoginServiceStatus status() override { return LoginServiceStatus::notRegistered; }

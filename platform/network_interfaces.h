@@ -1,4 +1,4 @@
-// Byte counters of the network interfaces, and the calls of macOS from which they come there.
+// Byte counters of the network interfaces, and the macOS calls that supply them there.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ struct Counters {
     std::uint64_t received = 0;
     /// Bytes sent.
     std::uint64_t sent = 0;
-    /// The values come from the 32-bit statistics and wrap at 2^32.
+    /// Whether the values come from the 32-bit statistics, which wrap at 2^32.
     bool uses32BitCounters = false;
 
     bool operator==(const Counters&) const = default;
@@ -44,11 +44,11 @@ constexpr bool isCounted(std::uint32_t flags) {
     return (flags & (kInterfaceUp | kInterfaceLoopback)) == kInterfaceUp;
 }
 
-/// `sysctl` by name.
+/// The answer of `sysctl`.
 struct SysctlAnswer {
     /// 0 on success, else `errno`.
     std::int32_t error = 0;
-    /// Without a buffer the bytes that one would need, else the bytes written to it.
+    /// For a call without a buffer: the bytes that a buffer needs. Otherwise: the bytes written.
     std::size_t size = 0;
 };
 
@@ -64,7 +64,7 @@ struct InterfaceAddress {
     std::uint32_t flags = 0;
     /// Family of the address; absent for an entry without one.
     std::optional<std::uint8_t> family{};
-    /// Only link-layer addresses have statistics.
+    /// Present for link-layer addresses only.
     std::optional<InterfaceStatistics> statistics{};
 };
 
@@ -76,7 +76,8 @@ class InterfaceCalls {
     /// An empty buffer asks for the size.
     virtual SysctlAnswer sysctl(std::span<const std::int32_t> name,
                                 std::span<std::byte> buffer) = 0;
-    /// In the order of the system's list, which is freed. Absent when the call fails.
+    /// The entries in the order of the system's list. Absent if the call fails. The system's list
+    /// is freed.
     virtual std::optional<std::vector<InterfaceAddress>> getifaddrs() = 0;
     /// 0 when there is no interface of this name.
     virtual std::uint32_t if_nametoindex(const std::string& name) = 0;

@@ -1,4 +1,4 @@
-// Work that is due once, soon, however often it is asked for.
+// Work that runs once, on the next turn, after any number of requests.
 #pragma once
 
 #include <functional>
@@ -9,16 +9,16 @@
 
 namespace tarnwick::platform {
 
-/// Collapses the requests of one turn of the main queue: what observers mark stale many times is
-/// looked at once. Main thread.
+/// Merges all requests of one turn of the main queue into one run of the work: observers may mark
+/// something as stale many times, and it is looked at once. Main thread.
 class NextTurn {
  public:
-    /// `dispatch` must outlive this.
+    /// Requires: `dispatch` outlives this object.
     NextTurn(Dispatch& dispatch, std::function<void()> work)
         : dispatch_(dispatch), state_(std::make_shared<State>(State{std::move(work)})) {}
 
-    /// Runs the work on a later turn, unless it is due already or this is gone by then. The work
-    /// may schedule itself again, and may destroy this.
+    /// Runs the work on a later turn. Does nothing if a run is already due. The run is dropped if
+    /// this object is destroyed before. The work may call schedule() and may destroy this object.
     void schedule() {
         if (std::exchange(state_->isDue, true)) {
             return;

@@ -17,7 +17,7 @@
 
 namespace tarnwick::platform {
 
-/// Everything pointed to lives as long as the process.
+/// Requires: every object lives as long as the process.
 struct Platform {
     Kernel* kernel = nullptr;
     Volumes* volumes = nullptr;
@@ -35,12 +35,12 @@ struct Platform {
     Dispatch* dispatch = nullptr;
 };
 
-/// The process's platform, as `main` installed it. Read only by the defaults of process-wide
-/// instances and by the application shell; everything else is given what it needs. A fatal error
-/// before anything was installed.
+/// The process's platform, as installed by `main`. Only the defaults of process-wide instances and
+/// the application shell read it; other code receives what it needs. A fatal error if nothing was
+/// installed before.
 const Platform& current();
 
-/// Called once by `main`, before anything reads current().
+/// `main` calls this once, before any call of current().
 void install(const Platform& platform);
 
 }  // namespace tarnwick::platform

@@ -29,7 +29,7 @@ struct PowerSourceDescription {
     bool operator==(const PowerSourceDescription&) const = default;
 };
 
-/// Every operation may be called from any thread and releases what it took before it returns.
+/// Any thread. Every operation releases its temporary resources before it returns.
 class PowerSources {
  public:
     virtual ~PowerSources() = default;
@@ -52,13 +52,13 @@ struct HealthReading {
     bool operator==(const HealthReading&) const = default;
 };
 
-/// The exact health of the battery, which may take seconds to find out. Any thread.
+/// The exact health of the battery. Any thread.
 class BatteryHealth {
  public:
     virtual ~BatteryHealth() = default;
 
-    /// Absent when it could not be found out; a reading without figures when it could and the
-    /// machine has none to give.
+    /// Blocks, perhaps for seconds. Absent if the health could not be read; a reading without
+    /// figures if it was read and the machine reports none.
     virtual std::optional<HealthReading> readHealth() = 0;
 };
 

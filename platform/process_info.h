@@ -11,8 +11,8 @@ class ProcessInfo {
 
     /// Number of processors that run work now; at least 1. Any thread.
     virtual std::int64_t activeProcessorCount() = 0;
-    /// 0 nominal, 1 fair, 2 serious, 3 critical. Read while a row is drawn, so it must be cheap and
-    /// must not block. Main thread.
+    /// 0 nominal, 1 fair, 2 serious, 3 critical. Must be cheap and must not block, because it is
+    /// called while a row is drawn. Main thread.
     virtual std::int64_t thermalState() = 0;
 };
 

@@ -31,7 +31,7 @@ struct RunningApplication {
     static constexpr std::int64_t kRegularPolicy = 0;
     static constexpr std::int64_t kAccessoryPolicy = 1;
 
-    /// Regular for one that a person sees as an application; other values for helpers.
+    /// kRegularPolicy for programs that a person sees as an application; other values for helpers.
     std::int64_t activationPolicy = kRegularPolicy;
     /// In the user's language. Absent when the application has none.
     std::optional<std::string> localizedName{};
@@ -61,7 +61,7 @@ enum class ProcessListing {
     noList,
 };
 
-/// What the program asks about processes beside the walk; the same on every kind of source.
+/// Facts about processes outside the walk. Every kind of source shares them.
 class ProcessFacts {
  public:
     virtual ~ProcessFacts() = default;
@@ -79,8 +79,7 @@ class ProcessFacts {
     virtual std::string displayName(const std::string& path) = 0;
 };
 
-/// Every operation may be called from any thread. The facts may be asked for during a visit;
-/// another walk may not be started then.
+/// Any thread. During a visit the facts may be read, but a second walk must not be started.
 class ProcessTable : public ProcessFacts {
  public:
     using Visit = std::function<void(ProcessEntry&)>;
@@ -89,8 +88,8 @@ class ProcessTable : public ProcessFacts {
     virtual ProcessListing forEachProcess(const Visit& visit) = 0;
     /// `proc_pidpath`: any bytes but zero. Absent when there is no path or it may not be known.
     virtual std::optional<std::string> executablePath(std::int32_t identifier) = 0;
-    /// Lets go of whatever a walk keeps for the next one, such as open files: no walk is expected
-    /// soon. The next one works as the first did.
+    /// Releases what a walk keeps for the next one, such as open files. Call this if no walk is
+    /// expected soon. The next walk works like the first one.
     virtual void releaseCaches() = 0;
 };
 

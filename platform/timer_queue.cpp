@@ -8,7 +8,7 @@
 namespace tarnwick::platform {
 namespace {
 
-/// Seconds.
+/// Shortest interval of a timer, seconds.
 constexpr double kShortestInterval = 0.0001;
 
 }  // namespace
@@ -41,7 +41,7 @@ struct TimerQueue::Entry {
 };
 
 struct TimerQueue::State {
-    /// In the order in which they were made.
+    /// In the order of creation.
     std::vector<std::shared_ptr<Entry>> entries;
     std::function<void()> nextWakeChanged;
 
@@ -156,7 +156,7 @@ void TimerQueue::runDue(double now) {
         } else {
             state->remove(*entry);
         }
-        // Before the handler runs, which may turn the event loop by itself.
+        // Called before the handler, because the handler may run the event loop itself.
         state->changed();
         entry->handler();
     }

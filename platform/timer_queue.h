@@ -1,5 +1,6 @@
-// The timers of a dispatch, driven from outside: the owner asks when to wake and says what time it
-// is. Knows no clock of its own, so the same code runs on an event loop and in virtual time.
+// The timers of a dispatch. The owner drives them: it asks for the next wake-up time and passes in
+// the current time. The queue has no clock of its own, so the same code runs on an event loop and
+// in virtual time.
 #pragma once
 
 #include <functional>
@@ -10,10 +11,11 @@
 
 namespace tarnwick::platform {
 
-/// Timers share wake-ups: the queue asks to be woken when the first of them can wait no longer,
-/// and whatever has come due by then fires along with it. None fires before its fire time. Times
-/// are seconds of any clock that never goes back. Main thread only; handlers may add, move and
-/// invalidate timers, destroy the one that is firing, and call runDue() again.
+/// Timers share wake-ups: the queue asks for a wake-up when the first timer can wait no longer; all
+/// timers that are due by then fire together. No timer fires before its fire time.
+///
+/// Times are seconds of any clock that never goes back. Main thread only. Handlers may add, move
+/// and invalidate timers, destroy the timer that is firing, and call runDue() again.
 class TimerQueue {
  public:
     /// `nextWakeChanged`, where given, is called whenever nextWake() may have another value.
@@ -33,8 +35,9 @@ class TimerQueue {
     /// The latest time at which runDue() must be called next: the earliest sum of fire time and
     /// tolerance over all timers. Absent without timers.
     std::optional<double> nextWake() const;
-    /// Fires every timer whose fire time has come, in the order of the fire times, earlier made
-    /// first among equals. A timer that a handler adds or makes due waits for the next call.
+    /// Fires every timer with a fire time up to `now`, in the order of the fire times; timers with
+    /// the same fire time fire in the order of creation. A timer that a handler adds or makes due
+    /// waits for the next call.
     void runDue(double now);
 
  private:

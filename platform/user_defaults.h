@@ -22,7 +22,7 @@ struct Date {
 /// A stored value with its type.
 using DefaultsValue = std::variant<bool, std::int64_t, double, std::string, Date>;
 
-/// Values by key. What is set is what every reader of this process finds from then on, and on its
+/// Values by key. All readers in this process find a value as soon as it is set; it is then on its
 /// way to where it outlasts the process. Values: any thread.
 class UserDefaults {
  public:
@@ -31,11 +31,11 @@ class UserDefaults {
     /// The value under `key` with the type it was stored with; absent when there is none or it
     /// cannot be read.
     virtual std::optional<DefaultsValue> object(std::string_view key) = 0;
-    /// Replaces what is stored under `key`, whatever its type.
+    /// Replaces the value under `key`, which may have another type.
     virtual void set(std::string_view key, const DefaultsValue& value) = 0;
 
-    /// Whether anything is stored under `key`, also where object() cannot make sense of it. Who
-    /// fills in a value only where none is asks this, so that nothing unknown is overwritten.
+    /// Whether anything is stored under `key`, even a value that object() cannot read. Call this
+    /// before storing a default value, so that an unreadable value is not overwritten.
     virtual bool contains(std::string_view key) { return object(key).has_value(); }
     /// Each is absent when there is no value or it has another type.
     std::optional<bool> boolean(std::string_view key);

@@ -8,7 +8,7 @@ namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";
 
-/// What may follow the first byte of a character.
+/// The rules for the bytes after the first byte of a character.
 struct Lead {
     /// Bytes after the first; 0 for a byte that cannot begin a character of several bytes.
     std::size_t following = 0;

@@ -1,4 +1,4 @@
-// Texts that come from outside and claim to be UTF-8.
+// Repairs text from outside that should be UTF-8.
 #pragma once
 
 #include <string>
@@ -6,8 +6,8 @@
 
 namespace tarnwick::platform {
 
-/// `bytes` as valid UTF-8: each longest beginning of a character that breaks off, and each byte
-/// that cannot begin one, becomes one replacement character (U+FFFD).
+/// Returns `bytes` as valid UTF-8. If a character breaks off early, its valid beginning becomes one
+/// replacement character (U+FFFD). Each byte that cannot begin a character becomes one, too.
 std::string repairedUTF8(std::string_view bytes);
 
 }  // namespace tarnwick::platform

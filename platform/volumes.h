@@ -13,13 +13,13 @@ struct VolumeResourceValues {
     std::optional<std::string> name{};
     /// Bytes.
     std::optional<std::int64_t> totalCapacity{};
-    /// Bytes; counts what the system would free at need. Only some systems have it.
+    /// Bytes; includes space that the system would free when needed. Only some systems report it.
     std::optional<std::int64_t> availableCapacityForImportantUsage{};
     /// Bytes.
     std::optional<std::int64_t> availableCapacity{};
 };
 
-/// Why the resource values could not be had.
+/// Why the resource values could not be read.
 struct VolumeError {
     /// In the user's language.
     std::string localizedDescription;

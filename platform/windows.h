@@ -1,4 +1,4 @@
-// Windows with a title bar, and the application's place before the others.
+// Windows with a title bar, and the order of the applications on the screen.
 #pragma once
 
 #include <memory>
@@ -6,8 +6,8 @@
 
 namespace tarnwick::platform {
 
-/// What a window shows, made by the toolkit of the same platform. Destroying it ends whatever it
-/// observes.
+/// The content of a window, made by the toolkit of the same platform. The destructor stops all its
+/// observers.
 class View {
  public:
     virtual ~View() = default;
@@ -17,11 +17,11 @@ class WindowDelegate {
  public:
     virtual ~WindowDelegate() = default;
 
-    /// The window is about to close and may be destroyed in here.
+    /// The window is about to close. The delegate may destroy it in this call.
     virtual void windowWillClose() = 0;
 };
 
-/// Main thread. Closing takes a window off the screen and no more: whoever made it destroys it.
+/// Main thread. Closing only takes the window off the screen; its owner destroys it.
 class Window {
  public:
     virtual ~Window() = default;
@@ -29,7 +29,7 @@ class Window {
     virtual void setTitle(const std::string& title) = 0;
     /// Null for none. Destroys the view that was shown before.
     virtual void setContentView(std::unique_ptr<View> view) = 0;
-    /// Null for none; must outlive the window otherwise.
+    /// Null for no delegate. Requires: the delegate outlives the window.
     virtual void setDelegate(WindowDelegate* delegate) = 0;
     /// Moves the window to the middle of the screen.
     virtual void center() = 0;
@@ -38,7 +38,7 @@ class Window {
 };
 
 struct WindowOptions {
-    /// Of the content, points.
+    /// Size of the content, points.
     int width = 0;
     int height = 0;
     bool isResizable = false;
@@ -52,7 +52,7 @@ class Windows {
 
     /// A window that the user can close, not yet on screen.
     virtual std::unique_ptr<Window> makeWindow(const WindowOptions& options) = 0;
-    /// Brings the application before all others, whichever the user is working with.
+    /// Puts the application in front of all others, even if the user is working with another one.
     virtual void activateIgnoringOtherApps() = 0;
 };
 

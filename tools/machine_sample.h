@@ -23,9 +23,9 @@ struct MachineSample {
     std::int64_t thermalState = 0;
 };
 
-/// One JSON object without a line break: the records under the names of their fields, and
-/// `summary`, the verdict with the default thresholds. Absent optionals and numbers that are not
-/// finite are null; bytes that are no UTF-8 are replaced.
+/// One JSON object without a line break. It holds the records under the names of their fields, and
+/// `summary`: the verdict with the default thresholds. Absent optionals and numbers that are not
+/// finite become null; bytes that are not UTF-8 are replaced.
 std::string reportLine(const MachineSample& sample);
 
 }  // namespace tarnwick::probe

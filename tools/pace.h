@@ -3,7 +3,8 @@
 
 namespace tarnwick::probe {
 
-/// Moments at equal distances, which do not drift however long a reading takes. Seconds of a clock.
+/// Moments at equal distances, in seconds of a clock. They do not drift, however long a reading
+/// takes.
 class Pace {
  public:
     Pace(double interval, double now) : interval_(interval), moment_(now) {}
@@ -11,8 +12,9 @@ class Pace {
     /// When the next reading is due.
     double next() { return moment_ += interval_; }
 
-    /// The reading begins. Where it is a whole interval late, as after the program was stopped, the
-    /// moments that were missed are left out: readings at no distance have no rates.
+    /// Call this when the reading begins. If it is one interval late or more, as after the program
+    /// was stopped, the missed moments are left out. Otherwise readings would follow at once, and
+    /// without time between them they have no rates.
     void begin(double now) {
         if (now - moment_ >= interval_) {
             moment_ = now;

@@ -52,7 +52,7 @@ UsageError notA(std::string_view option, std::string_view range) {
     return {"--" + std::string(option) + " takes " + std::string(range)};
 }
 
-/// Absent: `value` was taken over into `options`.
+/// Stores `value` in `options`. Absent on success.
 std::optional<UsageError> take(Options& options, int name, std::string_view value) {
     switch (name) {
         case 'r': {
@@ -60,7 +60,7 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
             if (!std::filesystem::is_directory(value, error)) {
                 return UsageError{"there is no folder " + std::string(value)};
             }
-            // However it is written, it is this machine.
+            // Every spelling of "/" means this machine.
             options.root = std::filesystem::equivalent(value, "/", error) ? "/" : value;
             return std::nullopt;
         }
@@ -101,9 +101,9 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
 
 std::variant<Options, Help, UsageError> parseOptions(int count, char* const* arguments) {
     Options options;
-    // Starts anew, also when it was called before.
+    // Makes getopt start again, even if it was used before.
     optind = 0;
-    // The message is ours.
+    // parseOptions() composes the error messages itself.
     opterr = 0;
     while (true) {
         const int current = optind > 0 ? optind : 1;

@@ -10,27 +10,27 @@ namespace tarnwick::probe {
 struct Options {
     /// Root of the tree that is read.
     std::string root = "/";
-    /// Lines to print; at least 1.
+    /// Lines to print, 1 to 1,000,000.
     int samples = 1;
-    /// Seconds between two readings, above 0.
+    /// Seconds between two readings, above 0 and up to 86,400.
     double interval = 2;
-    /// Greatest number of rows of a process list; 0 or more.
+    /// Greatest number of rows of a process list, 0 to 100,000.
     int limit = 3;
-    /// Home directory whose volume is measured; absent: that of the user.
+    /// Home directory; its volume is measured. Absolute path; absent: the user's own.
     std::optional<std::string> home;
 };
 
-/// Something other than a measurement was asked for: the text to print.
+/// The user asked for a text, not for a measurement: the text to print.
 struct Help {
     std::string text;
 };
 
-/// The command line is wrong: what is, in one line.
+/// The command line is wrong: the reason, in one line.
 struct UsageError {
     std::string message;
 };
 
-/// `arguments` is the command line of main(), its name included.
+/// Requires: `arguments` is the command line of main(), including the program's name.
 std::variant<Options, Help, UsageError> parseOptions(int count, char* const* arguments);
 
 }  // namespace tarnwick::probe

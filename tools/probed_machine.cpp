@@ -24,7 +24,7 @@
 namespace tarnwick::probe {
 namespace {
 
-/// Remembers nothing: what the program has stored is not looked at, and nothing is left behind.
+/// An empty store: the probe reads no stored values and leaves nothing behind.
 class NoUserDefaults final : public platform::UserDefaults {
  public:
     std::optional<platform::DefaultsValue> object(std::string_view) override {

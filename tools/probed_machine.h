@@ -8,7 +8,7 @@
 
 namespace tarnwick::probe {
 
-/// Keeps what rates need between two readings; the first reading has none.
+/// Remembers the counters between two readings, which rates need; the first reading has no rates.
 class ProbedMachine {
  public:
     explicit ProbedMachine(const Options& options);

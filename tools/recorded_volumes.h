@@ -9,11 +9,11 @@
 
 namespace tarnwick::probe {
 
-/// Knows the names of volumes, which a tree of files holds, and not their capacities, which no file
-/// tells: the system would give those of the disk that the recording lies on.
+/// Gives the names of volumes, which the recorded files hold. Gives no capacities, because no file
+/// holds them: the system would answer with those of the disk that holds the recording.
 class RecordedVolumes final : public platform::Volumes {
  public:
-    /// `volumes` reads the recorded tree and must outlive this.
+    /// Requires: `volumes` reads the recorded tree and outlives this object.
     explicit RecordedVolumes(platform::Volumes& volumes) : volumes_(volumes) {}
 
     std::string homeDirectoryForCurrentUser() override;

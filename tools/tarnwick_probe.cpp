@@ -34,7 +34,7 @@ bool print(const std::string& text) {
     return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
 }
 
-/// One line, whatever the message quotes.
+/// Prints the message in one line: control characters in it become "?".
 int complain(std::string message, int status) {
     std::replace_if(
         message.begin(), message.end(),
@@ -47,7 +47,7 @@ int complain(std::string message, int status) {
 int probe(const Options& options) {
     ProbedMachine machine(options);
     Pace pace(options.interval, now());
-    // Only what rates are counted from.
+    // The first reading only starts the counters that rates are computed from.
     machine.read();
     for (int i = 0; i < options.samples; ++i) {
         waitUntil(pace.next());

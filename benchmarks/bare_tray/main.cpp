@@ -1,6 +1,6 @@
-// A status item, a timer that does nothing every ten seconds, and a plain panel that a click on
-// the item opens and closes. Nothing is measured or drawn beyond that: it is the floor for what
-// any program with this toolkit and a status item costs.
+// A status item, a timer that does nothing every ten seconds, and a plain panel that a click on the
+// item opens and closes. It measures and draws nothing else: it is the floor of the cost of any
+// program with this toolkit and a status item.
 
 #include <QApplication>
 #include <QDBusArgument>

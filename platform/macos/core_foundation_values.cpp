@@ -51,7 +51,7 @@ std::optional<std::string> textIn(CFTypeRef value) {
     }
     const auto string = static_cast<CFStringRef>(value);
     const CFRange all = CFRangeMake(0, CFStringGetLength(string));
-    // What has no form in UTF-8, half a character, becomes a question mark.
+    // Replaces characters without a form in UTF-8 (half a character) by a question mark.
     constexpr UInt8 kLossByte = '?';
     CFIndex size = 0;
     CFStringGetBytes(string, all, kCFStringEncodingUTF8, kLossByte, false, nullptr, 0, &size);

@@ -1,4 +1,4 @@
-// The values of property lists, as plain ones.
+// Converts the values of property lists to plain ones.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>
@@ -10,16 +10,18 @@
 
 namespace tarnwick::platform {
 
-/// UTF-8. Absent for null and for a value that is no text.
+/// The text in UTF-8. Absent for null and for a value that is not a text.
 std::optional<std::string> textIn(CFTypeRef value);
 
-/// Absent for null and for a value that is no number without a fraction; a boolean is none.
+/// The integer. Absent for null, for a value that is not a number, and for a number with a
+/// fraction. A boolean is not a number.
 std::optional<std::int64_t> integerIn(CFTypeRef value);
 
-/// Absent for null and for a value that is no boolean.
+/// The boolean. Absent for null and for a value that is not a boolean.
 std::optional<bool> booleanIn(CFTypeRef value);
 
-/// Any value. Of a dictionary every entry, or std::monostate when not all its keys are texts.
+/// Converts any value. A dictionary keeps every entry; it becomes std::monostate if one of its keys
+/// is not a text.
 PropertyValue propertyIn(CFTypeRef value);
 
 }  // namespace tarnwick::platform

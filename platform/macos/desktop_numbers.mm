@@ -1,5 +1,5 @@
-// Ties the numbers and words that the portable code shares with the desktop to the system's own
-// headers. It has no code: that it compiles is what it is for.
+// Checks the numbers and words that the portable code shares with the desktop against the system's
+// headers. It has no code: the checks happen when it is compiled.
 #import <AppKit/AppKit.h>
 #import <Carbon/Carbon.h>
 #include <IOKit/ps/IOPSKeys.h>
@@ -30,7 +30,7 @@ static_assert(kEventClassKeyboard == 'keyb' && kEventHotKeyPressed == 5);
 static_assert(kEventParamDirectObject == '----' && typeEventHotKeyID == 'hkid');
 static_assert(sizeof(EventHotKeyID) == 8);
 
-// Modifiers as they are stored.
+// Modifiers in their stored form.
 static_assert(modifier_flag::kShift == NSEventModifierFlagShift);
 static_assert(modifier_flag::kControl == NSEventModifierFlagControl);
 static_assert(modifier_flag::kOption == NSEventModifierFlagOption);

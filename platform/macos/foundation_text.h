@@ -1,4 +1,4 @@
-// Texts across the border to Foundation. For Objective-C++ only.
+// Converts texts to and from Foundation. For Objective-C++ only.
 #pragma once
 
 #import <Foundation/Foundation.h>
@@ -13,7 +13,7 @@ std::string text(NSString* value);
 /// Absent for nil.
 std::optional<std::string> optionalText(NSString* value);
 
-/// `value` is UTF-8; what is not becomes replacement characters. Never nil.
+/// `value` is UTF-8; invalid parts become replacement characters. The result is never nil.
 NSString* foundationText(const std::string& value);
 
 }  // namespace tarnwick::platform

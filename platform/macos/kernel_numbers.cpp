@@ -1,5 +1,5 @@
-// Ties every number by which the portable code asks the kernel and reads its records to the
-// system's own headers. It has no code: that it compiles is what it is for.
+// Checks every number that the portable code uses to call the kernel and to read its records
+// against the system's headers. It has no code: the checks happen when it is compiled.
 #include <cerrno>
 #include <cstddef>
 #include <libproc.h>

@@ -1,4 +1,4 @@
-// The system's service for login items, also where the set of headers lacks it. For Objective-C++
+// The system's service for login items. Declares it if the SDK lacks its header. For Objective-C++
 // only.
 #pragma once
 

@@ -5,10 +5,12 @@
 
 namespace tarnwick::platform {
 
-/// The main thread runs the application's event loop. Timers are `NSTimer`s of its default mode.
+/// Requires: the main thread runs the application's event loop. Timers are `NSTimer`s in its
+/// default mode.
 class MacDispatch final : public Dispatch {
  public:
-    /// Seconds since the machine was started, without those that it slept: nobody sets this clock.
+    /// Seconds since the start of the machine without the time asleep. Clock changes do not affect
+    /// it.
     double now() const override;
     void async(std::function<void()> work) override;
     void asyncAfter(double seconds, std::function<void()> work) override;

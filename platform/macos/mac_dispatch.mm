@@ -6,7 +6,8 @@
 namespace tarnwick::platform {
 namespace {
 
-/// The clock that timers follow; their dates are only told in that of dates.
+/// The clock that timers follow. Foundation gives and takes fire dates in the wall clock, so they
+/// are converted.
 double uptime() {
     return NSProcessInfo.processInfo.systemUptime;
 }
@@ -62,7 +63,8 @@ std::unique_ptr<Timer> MacDispatch::scheduleRepeating(double interval,
     NSTimer* timer = [NSTimer scheduledTimerWithTimeInterval:interval
                                                      repeats:YES
                                                        block:^(NSTimer*) {
-                                                         // A copy: it may invalidate its timer.
+                                                         // Calls a copy: the handler may invalidate
+                                                         // its timer.
                                                          const auto fired = handler;
                                                          fired();
                                                        }];

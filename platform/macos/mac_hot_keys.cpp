@@ -7,7 +7,7 @@
 namespace tarnwick::platform {
 namespace {
 
-/// The handler is installed without user data, so the callback finds it here.
+/// The callback finds the handler here, because it is installed without user data.
 HotKeyHandler& currentHandler() {
     static HotKeyHandler handler;
     return handler;
@@ -39,7 +39,7 @@ class CarbonEvent final : public HotKeyEvent {
 };
 
 OSStatus hotKeyPressed(EventHandlerCallRef, EventRef event, void*) {
-    // A copy: what it does may remove the handler.
+    // Calls a copy: the call may remove the handler.
     const HotKeyHandler handler = currentHandler();
     if (!handler) {
         return eventNotHandledErr;

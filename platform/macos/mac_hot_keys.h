@@ -5,8 +5,8 @@
 
 namespace tarnwick::platform {
 
-/// One handler at a time. The outcome of a registration is final, so nothing is ever withdrawn and
-/// no change of it told.
+/// One handler at a time. The outcome of a registration is final: there is never one to withdraw,
+/// and no change to report.
 class MacHotKeys final : public HotKeys {
  public:
     HandlerResult installEventHandler(HotKeyHandler handler) override;

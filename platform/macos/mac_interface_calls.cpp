@@ -36,7 +36,8 @@ InterfaceAddress addressOf(const ifaddrs& entry) {
 
 SysctlAnswer MacInterfaceCalls::sysctl(std::span<const std::int32_t> name,
                                        std::span<std::byte> buffer) {
-    // The call does not change the name, though its declaration lets it.
+    // A copy, because the declaration asks for a name that may be changed; the call does not change
+    // it.
     std::vector<int> integers(name.begin(), name.end());
     std::size_t size = buffer.size();
     const int result = ::sysctl(integers.data(), static_cast<u_int>(integers.size()),

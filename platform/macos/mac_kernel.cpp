@@ -14,7 +14,7 @@
 namespace tarnwick::platform {
 namespace {
 
-/// A value whose size is known. Absent on failure.
+/// Reads a value of a known size. Absent on failure.
 template <class T>
 std::optional<T> valueNamed(const char* name) {
     T value{};

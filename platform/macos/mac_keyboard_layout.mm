@@ -14,7 +14,7 @@ std::optional<std::string> MacKeyboardLayout::displayText(std::uint16_t virtualK
     if (!source) {
         return std::nullopt;
     }
-    // Belongs to the source.
+    // The source owns the data.
     const auto data = static_cast<CFDataRef>(
         TISGetInputSourceProperty(source.get(), kTISPropertyUnicodeKeyLayoutData));
     if (data == nullptr) {

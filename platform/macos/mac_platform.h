@@ -1,12 +1,12 @@
-// The whole machine.
+// Makes all objects of the machine.
 #pragma once
 
 #include "platform/platform.h"
 
 namespace tarnwick::platform {
 
-/// Everything of it lives as long as the process: background work that is stuck when the program
-/// ends may still use it.
+/// All objects live as long as the process, because background work that is stuck when the program
+/// ends may still use them.
 Platform makeMacPlatform();
 
 }  // namespace tarnwick::platform

@@ -39,7 +39,7 @@ std::optional<std::vector<PowerSourceDescription>> MacPowerSources::descriptions
     }
     std::vector<PowerSourceDescription> descriptions;
     for (CFIndex i = 0; i < CFArrayGetCount(list.get()); ++i) {
-        // Belongs to the snapshot.
+        // The snapshot owns the dictionary.
         const CFDictionaryRef dictionary =
             IOPSGetPowerSourceDescription(snapshot.get(), CFArrayGetValueAtIndex(list.get(), i));
         if (dictionary != nullptr) {

@@ -1,4 +1,4 @@
-// What NSProcessInfo says about the machine.
+// Facts about the machine from NSProcessInfo.
 #pragma once
 
 #include "platform/process_info.h"

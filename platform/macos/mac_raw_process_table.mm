@@ -30,7 +30,7 @@ std::optional<TimebaseInfo> MacRawProcessTable::timebaseInfo() {
 }
 
 std::optional<RunningApplication> MacRawProcessTable::runningApplication(std::int32_t identifier) {
-    // A scope of its own for each name: the background work that asks may go on for long.
+    // Each name has its own pool, because the background work that asks may run for long.
     @autoreleasepool {
         NSRunningApplication* application =
             [NSRunningApplication runningApplicationWithProcessIdentifier:identifier];
@@ -50,7 +50,8 @@ std::string MacRawProcessTable::displayName(const std::string& path) {
 
 std::optional<std::size_t> MacRawProcessTable::sysctl(std::span<const std::int32_t> name,
                                                       std::optional<std::span<std::byte>> buffer) {
-    // The call does not change the name, though its declaration lets it.
+    // A copy, because the declaration asks for a name that may be changed; the call does not change
+    // it.
     std::vector<int> integers(name.begin(), name.end());
     std::size_t size = buffer ? buffer->size() : 0;
     if (::sysctl(integers.data(), static_cast<u_int>(integers.size()),

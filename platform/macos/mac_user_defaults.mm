@@ -62,7 +62,7 @@ void MacUserDefaults::set(std::string_view key, const DefaultsValue& value) {
     @autoreleasepool {
         id object = std::visit([](const auto& plain) { return boxed(plain); }, value);
         [store() setObject:object forKey:foundationText(std::string(key))];
-        // Written when it returns, whatever becomes of this process.
+        // Makes the value durable before the call returns, even if the process ends right after it.
         [store() synchronize];
     }
 }

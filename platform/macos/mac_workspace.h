@@ -1,4 +1,4 @@
-// Other applications, and what happens to the machine as a whole.
+// Opens other applications, and reports when the machine wakes.
 #pragma once
 
 #include <functional>

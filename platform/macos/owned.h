@@ -1,4 +1,4 @@
-// What is taken from the system and given back when its owner goes.
+// Owners of system resources: each destructor gives its resource back.
 #pragma once
 
 #include <CoreFoundation/CoreFoundation.h>

@@ -3,8 +3,8 @@
 
 namespace tarnwick::qt {
 
-/// Lets go of the fonts that are in no use: the toolkit keeps some 200 kB for each for minutes.
-/// What is drawn next loads its fonts again. Main thread.
+/// Frees fonts that are not in use; the toolkit keeps some 200 kB for each for minutes. Later
+/// drawing loads its fonts again. Main thread.
 void freeUnusedFonts();
 
 }  // namespace tarnwick::qt

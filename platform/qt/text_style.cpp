@@ -8,7 +8,7 @@ namespace tarnwick::qt {
 
 namespace {
 
-/// Differences below this many pixels are rounding.
+/// Smaller differences in width, in pixels, are rounding errors.
 constexpr qreal kAdvanceTolerance = 0.02;
 
 bool isDigit(QChar character) {
@@ -36,7 +36,8 @@ bool TextStyle::usesCells(const QString& text) const {
     return digitsDiffer_ && std::any_of(text.begin(), text.end(), isDigit) && !text.isRightToLeft();
 }
 
-/// Calls `visit` with each digit and each stretch without digits, its room and its offset in it.
+/// Calls `visit` with each digit and each run without digits, with its width and with its offset
+/// within that width.
 template <class Visit>
 void TextStyle::forEachRun(const QString& text, Visit visit) const {
     qsizetype start = 0;

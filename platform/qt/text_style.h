@@ -1,4 +1,4 @@
-// One way to set text: a font, its measures, and digits that all take the same room.
+// A style for texts: a font, its measures, and digits of equal width.
 #pragma once
 
 #include <QColor>
@@ -11,8 +11,9 @@ class QPainter;
 
 namespace tarnwick::qt {
 
-/// Numbers that change must not make a text dance: where the font's digits differ in width, each
-/// is centred in a cell as wide as the widest. All measures are logical pixels.
+/// Changing numbers must not move the text around them. So if the font's digits have different
+/// widths, each digit is centred in a cell as wide as the widest one. All measures are logical
+/// pixels.
 class TextStyle {
  public:
     explicit TextStyle(const QFont& font);

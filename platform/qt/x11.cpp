@@ -6,7 +6,7 @@ namespace tarnwick::x11 {
 
 xcb_connection_t* connection() {
     const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>();
-    // Without a display the interface may be there and have no connection.
+    // Without a display there may be an interface without a connection.
     return x11 == nullptr ? nullptr : x11->connection();
 }
 
@@ -38,9 +38,9 @@ void activate(xcb_window_t window) {
     if (server == nullptr) {
         return;
     }
-    // A program's own wish counts for nothing while the user works with another one, and the choice
-    // in a tray's menu comes over the bus: no press of the user can be named. The wish of the
-    // user's own tools is obeyed.
+    // Window managers ignore a program's own request while the user works with another one. A
+    // choice in a tray's menu arrives over the bus, so there is no press to refer to. Requests from
+    // the user's tools are obeyed, so this one is marked as such.
     constexpr std::uint32_t kByTheUser = 2;
     xcb_client_message_event_t event{};
     event.response_type = XCB_CLIENT_MESSAGE;

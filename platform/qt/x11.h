@@ -1,4 +1,4 @@
-// The connection to an X server that the toolkit has, and what is asked of the server.
+// The toolkit's connection to an X server, and requests to that server.
 #pragma once
 
 #include <cstdlib>
@@ -16,7 +16,7 @@ struct Free {
 template <class T>
 using Reply = std::unique_ptr<T, Free>;
 
-/// Null where the desktop is no X server's.
+/// The connection; null if the program does not run on an X server.
 xcb_connection_t* connection();
 
 /// The root window of every screen, of which there is at least one.
@@ -28,12 +28,12 @@ xcb_atom_t atom(xcb_connection_t* connection, const std::string& name);
 /// The window that owns a selection; XCB_NONE when none does.
 xcb_window_t selectionOwner(xcb_connection_t* connection, const std::string& selection);
 
-/// Asks the window manager to bring a window before all others and to give it the keyboard,
-/// whatever the user has done last. Does nothing where there is no X server.
+/// Asks the window manager to bring a window to the front and to give it the keyboard, even if the
+/// user is working with another program. Does nothing without an X server.
 void activate(xcb_window_t window);
 
-/// Takes the pointer for a window; false while another program holds it. The server gives it back
-/// when the window is hidden.
+/// Grabs the pointer for a window. False without an X server, and while another program holds the
+/// pointer. The server releases the pointer when the window is hidden.
 bool grabPointer(xcb_window_t window);
 
 }  // namespace tarnwick::x11

@@ -1,4 +1,4 @@
-// What a scripted operation answers, and which operations were called.
+// Answers of scripted operations, and a record of the calls.
 #pragma once
 
 #include <deque>
@@ -17,7 +17,7 @@ class Answers {
  public:
     explicit Answers(T standing) { set(std::move(standing)); }
 
-    /// Answers every call that finds nothing queued.
+    /// Sets the answer for every call that finds no queued answer.
     void set(T standing) {
         compute([standing = std::move(standing)] { return standing; });
     }
@@ -32,7 +32,7 @@ class Answers {
         queued_.push_back(std::move(once));
     }
 
-    /// For the scripted operation.
+    /// The next answer. Only the scripted operation calls this.
     T take() {
         const std::lock_guard guard(lock_);
         if (queued_.empty()) {

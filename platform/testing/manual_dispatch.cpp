@@ -55,7 +55,7 @@ bool ManualDispatch::runNextDetached() {
     }
     const bool before = std::exchange(inBackground_, true);
     work();
-    // What the work holds is let go in the background, too.
+    // Releases the work's captures in the background, too.
     work = nullptr;
     inBackground_ = before;
     return true;

@@ -18,9 +18,9 @@ namespace tarnwick::platform::testing {
 /// async() and detached() may be called from any thread.
 class ManualDispatch final : public Dispatch {
  public:
-    /// What happens to detached work.
+    /// How detached work is run.
     enum class Background {
-        /// It waits for runDetached() or runNextDetached().
+        /// Only runDetached() and runNextDetached() run it.
         byHand,
         /// runMain() and advance() run it, after the main queue.
         automatic,
@@ -37,19 +37,19 @@ class ManualDispatch final : public Dispatch {
 
     void setBackground(Background background) { background_ = background; }
 
-    /// Runs the main queue until it is empty, work added meanwhile included; with an automatic
-    /// background also the detached work, in turns, until both are empty.
+    /// Runs the main queue until it is empty, including work that is added meanwhile. With an
+    /// automatic background it also runs the detached work, in turns, until both are empty.
     void runMain();
-    /// Runs what is in the main queue now and nothing that is added meanwhile: one turn.
+    /// Runs one turn: the work that is in the main queue now, but no work that is added meanwhile.
     void runMainTurn();
     /// Runs the oldest detached work that waits. False when there was none.
     bool runNextDetached();
     /// Runs the detached work that waits now.
     void runDetached();
 
-    /// Turns the clock, stopping wherever a timer can wait no longer to fire what is due and to
-    /// run what follows from it. Runs the main queue first, so that nothing requested before is
-    /// still pending.
+    /// Advances the clock. It stops at each moment when a timer can wait no longer, fires the
+    /// timers that are due, and runs the work that follows from that. Runs the main queue first, so
+    /// that earlier requests are finished.
     void advance(double seconds);
     /// Turns the clock while the machine is asleep: no timer fires before the next advance().
     void sleep(double seconds) { now_ += seconds; }
@@ -64,13 +64,13 @@ class ManualDispatch final : public Dispatch {
     std::size_t detachedCount() const;
     /// How many times timers woke the main thread.
     std::size_t wakeUps() const { return wakeUps_; }
-    /// Detached work is being run: the caller stands where the background would.
+    /// Whether detached work is running: the caller then acts as the background.
     bool isInBackground() const { return inBackground_; }
 
  private:
     using Queue = std::deque<std::function<void()>>;
 
-    /// The oldest work of `queue`; empty when there is none.
+    /// Removes the oldest work of `queue` and returns it; empty if there is none.
     std::function<void()> take(Queue& queue);
 
     double now_;

@@ -1,4 +1,4 @@
-// Accelerators that answer what a test wrote down.
+// Accelerators with answers from a test.
 #pragma once
 
 #include <string>
@@ -12,7 +12,7 @@ namespace tarnwick::platform::testing {
 /// Until a test says otherwise there is no accelerator. Any thread.
 class ScriptedAccelerators final : public Accelerators {
  public:
-    /// One member an operation.
+    /// One member for each operation.
     struct {
         Answers<MatchingServices> matchingServices{MatchingServices{}};
     } answers;

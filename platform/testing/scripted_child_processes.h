@@ -1,4 +1,4 @@
-// Children that do what a test wrote down, in a time that they turn themselves.
+// Child processes that follow a test's script, with their own clock.
 #pragma once
 
 #include <cstddef>
@@ -20,13 +20,13 @@ class ScriptedChildProcesses final : public ChildProcesses {
     /// What a child does, from its start on.
     struct Script {
         bool canBeStarted = true;
-        /// Answers of read(), in order; afterwards there is nothing more to read. Data is taken
-        /// from `output`, no more than fits the reader's buffer.
+        /// Outcomes of read(), in order; afterwards there is nothing more to read. Data comes from
+        /// `output`, at most as much as fits into the reader's buffer.
         std::deque<PipeRead::Outcome> reads{};
-        /// What is given by reads that give data; each gives as much as it can, or `piece` bytes.
+        /// The data for reads. Each read returns as much as it can, but at most `piece` bytes.
         std::string output{};
         std::size_t piece = static_cast<std::size_t>(-1);
-        /// The moment of its end on clock(); never when absent.
+        /// The moment of its end on `clock`; if absent, it never ends.
         std::optional<double> endsAt{};
         std::int32_t status = 0;
     };
@@ -35,7 +35,7 @@ class ScriptedChildProcesses final : public ChildProcesses {
     struct Record {
         std::string path{};
         std::vector<std::string> arguments{};
-        /// Seconds, one entry a poll.
+        /// Seconds, one entry for each poll.
         std::vector<double> polls{};
         std::size_t largestRead = 0;
         int started = 0;
@@ -46,7 +46,7 @@ class ScriptedChildProcesses final : public ChildProcesses {
 
     Script script;
     Record record;
-    /// Seconds; a poll moves it by the time that it may wait.
+    /// Seconds. A poll advances it by its whole waiting time.
     double clock = 0;
 
     std::unique_ptr<ChildProcess> spawn(const std::string& path,

@@ -36,8 +36,9 @@ class ScriptedHotKeyEvent final : public HotKeyEvent {
     std::int32_t status_ = hot_key_status::kSuccess;
 };
 
-/// Grants everything until it is told otherwise. The calls are recorded as "install", "remove",
-/// "register KEY MODIFIERS" and "unregister". Main thread; outlives its handles.
+/// Grants everything unless a test sets other answers. The calls are recorded as "install",
+/// "remove", "register KEY MODIFIERS" and "unregister". Main thread. Requires: the object outlives
+/// its handles.
 class ScriptedHotKeys final : public HotKeys {
  public:
     struct HotKey {
@@ -55,7 +56,7 @@ class ScriptedHotKeys final : public HotKeys {
     /// Whether a registration that succeeds gives a handle.
     bool givesHandles = true;
     CallRecord calls;
-    /// How often what was asked for was withdrawn.
+    /// Number of calls of withdrawRegistration().
     int withdrawals = 0;
 
     HandlerResult installEventHandler(HotKeyHandler handler) override;
@@ -65,18 +66,18 @@ class ScriptedHotKeys final : public HotKeys {
     void setRegistrationChanged(std::function<void()> changed) override;
 
     bool hasHandler() const { return handler_ != nullptr; }
-    /// Somebody is told when the outcome of the last registration becomes another one.
+    /// Whether a function for changed registrations is set.
     bool hasRegistrationObserver() const { return changed_ != nullptr; }
     /// What is registered now, in the order of registration.
     std::vector<HotKey> held() const;
 
-    /// Presses the one hot key that is registered. What the handler answers; absent when nothing
-    /// is registered or no handler installed.
+    /// Presses the only registered hot key and returns the handler's answer. Absent if not exactly
+    /// one hot key is registered, or no handler is installed.
     std::optional<std::int32_t> press();
     /// Calls the handler with any event, or with none. Absent without a handler.
     std::optional<std::int32_t> send(const HotKeyEvent* event);
-    /// Says that the outcome of the last registration is another one now; scripting which one is
-    /// up to the test.
+    /// Reports that the outcome of the last registration may have changed. The test itself scripts
+    /// the new outcome.
     void changeRegistration();
 
  private:
@@ -84,7 +85,7 @@ class ScriptedHotKeys final : public HotKeys {
 
     HotKeyHandler handler_;
     std::function<void()> changed_;
-    /// With the number of its handle.
+    /// Each with the number of its handle.
     std::vector<std::pair<int, HotKey>> held_;
     int lastHandle_ = 0;
 };

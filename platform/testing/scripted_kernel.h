@@ -1,4 +1,4 @@
-// A kernel that answers what a test wrote down, with clocks that the test turns.
+// A kernel with answers from a test, and with clocks that the test sets.
 #pragma once
 
 #include <array>
@@ -14,15 +14,15 @@
 
 namespace tarnwick::platform::testing {
 
-/// A successful answer of `host_processor_info`: four counters a processor, in the order user,
-/// system, idle, nice.
+/// A successful answer of `host_processor_info`: four counters for each processor, in the order
+/// user, system, idle, nice.
 HostProcessorInfo processorTicks(std::initializer_list<std::array<std::uint32_t, 4>> processors);
 
 /// Until a test says otherwise every operation that can fail does, pages have 4,096 bytes and both
 /// clocks stand at 0. Any thread.
 class ScriptedKernel final : public Kernel {
  public:
-    /// One member an operation.
+    /// One member for each operation.
     struct {
         Answers<std::optional<std::int32_t>> logicalCPUCount{std::nullopt};
         Answers<std::optional<std::uint64_t>> memorySize{std::nullopt};

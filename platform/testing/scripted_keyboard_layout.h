@@ -1,4 +1,4 @@
-// A keyboard layout that a test makes up.
+// An invented keyboard layout.
 #pragma once
 
 #include <map>

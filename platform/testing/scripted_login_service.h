@@ -1,4 +1,4 @@
-// A login service that answers as a test tells it to.
+// A login service with answers from a test.
 #pragma once
 
 #include <optional>
@@ -18,11 +18,11 @@ class ScriptedLoginService final : public LoginService {
         : status_(status) {}
 
     void setStatus(LoginServiceStatus status) { status_ = status; }
-    /// What each registration answers from now on; absent for success.
+    /// Sets the result of all later registrations; absent for success.
     void setRegisterError(std::optional<LoginServiceError> error) {
         registerError_ = std::move(error);
     }
-    /// What each removal answers from now on; absent for success.
+    /// Sets the result of all later removals; absent for success.
     void setUnregisterError(std::optional<LoginServiceError> error) {
         unregisterError_ = std::move(error);
     }

@@ -1,4 +1,4 @@
-// Network interfaces that answer what a test wrote down.
+// Network interfaces with answers from a test.
 #pragma once
 
 #include <cstddef>
@@ -17,7 +17,7 @@ namespace tarnwick::platform::testing {
 /// Until a test says otherwise no source works. Any thread.
 class ScriptedNetworkInterfaces final : public NetworkInterfaces {
  public:
-    /// One member an operation.
+    /// One member for each operation.
     struct {
         Answers<std::optional<InterfaceTable>> interfaceCounters{std::nullopt};
     } answers;
@@ -41,7 +41,7 @@ class ScriptedInterfaceCalls final : public InterfaceCalls {
         std::vector<std::byte> bytes{};
     };
 
-    /// One member an operation; `sysctl` has one for each of its two uses.
+    /// One member for each operation; `sysctl` has one for each of its two uses.
     struct {
         Answers<SysctlAnswer> sysctlSize{SysctlAnswer{.error = 1}};
         Answers<List> sysctlList{List{.error = 1}};

@@ -1,4 +1,4 @@
-// Batteries that are what a test wrote down.
+// Batteries with figures from a test.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@ namespace tarnwick::platform::testing {
 /// Until a test says otherwise the machine has no power source. Any thread.
 class ScriptedPowerSources final : public PowerSources, public BatteryHealth {
  public:
-    /// One member an operation.
+    /// One member for each operation.
     struct {
         Answers<std::optional<std::vector<PowerSourceDescription>>> descriptions{
             std::vector<PowerSourceDescription>{}};

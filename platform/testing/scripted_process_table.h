@@ -1,4 +1,4 @@
-// Process tables that answer what a test wrote down.
+// A process table with answers from a test.
 #pragma once
 
 #include <cstddef>
@@ -35,7 +35,7 @@ class ScriptedProcessTable final : public ProcessTable {
     std::map<std::int32_t, RunningApplication> applications;
     std::map<std::int32_t, std::string> paths;
     std::map<std::string, std::string> displayNames;
-    /// Where given, runs inside every operation, with its line of calls().
+    /// Runs inside every operation with its line of calls(); may be null.
     std::function<void(const std::string&)> duringCall;
     Answers<ProcessListing> listing{ProcessListing::complete};
 

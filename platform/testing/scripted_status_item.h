@@ -15,7 +15,7 @@ class ScriptedStatusItem final : public StatusItem {
     StatusItemActions actions;
     /// What inTray and performClick answer.
     bool isInTray = true;
-    /// Clicks asked for, answered or not.
+    /// Number of calls of performClick(), including those that return false.
     int clicks = 0;
 
     void setContent(const StatusItemContent& content) override { contents.push_back(content); }

@@ -1,4 +1,4 @@
-// Volumes that answer what a test wrote down.
+// Volumes with answers from a test.
 #pragma once
 
 #include <optional>
@@ -17,7 +17,7 @@ class ScriptedVolumes final : public Volumes {
  public:
     using Values = std::variant<VolumeResourceValues, VolumeError>;
 
-    /// One member an operation.
+    /// One member for each operation.
     struct {
         Answers<std::string> homeDirectoryForCurrentUser{"/home/user"};
         Answers<Values> resourceValues{VolumeError{"no such volume"}};

@@ -10,16 +10,15 @@
 
 namespace tarnwick::platform::testing {
 
-/// The calls are recorded as the operations are named, those of windows with the window's number
-/// from 1: "make 1", "title 1 TEXT", "content 1", "no content 1", "delegate 1", "no delegate 1",
-/// "center 1", "front 1", "gone 1" (the window was destroyed) and "activate". Main thread; outlives
-/// its windows.
+/// The calls are recorded as "make 1", "title 1 TEXT", "content 1", "no content 1", "delegate 1",
+/// "no delegate 1", "center 1", "front 1", "gone 1" (the window was destroyed) and "activate". The
+/// numbers count the windows from 1. Main thread. Requires: the object outlives its windows.
 class ScriptedWindows final : public Windows {
  public:
     CallRecord calls;
-    /// Of every window made, in order.
+    /// Options of every window made, in order.
     std::vector<WindowOptions> options;
-    /// The delegate that each window was given last; null for none.
+    /// The last delegate of each window; null if there is none.
     std::vector<WindowDelegate*> delegates;
 
     std::unique_ptr<Window> makeWindow(const WindowOptions& windowOptions) override;
@@ -27,7 +26,7 @@ class ScriptedWindows final : public Windows {
 
     /// How many windows exist.
     int living() const { return living_; }
-    /// The user closes a window, which tells its delegate, if it has one.
+    /// Acts as a user who closes the window: tells its delegate if there is one.
     void closeByUser(int number);
 
  private:

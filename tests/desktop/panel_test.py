@@ -1,12 +1,20 @@
 """The panel: what opens it, what closes it, how it looks."""
 
 import contextlib
+import pathlib
 import time
 
 from gi.repository import GLib
+from PIL import Image
 
 from desktop_test_case import (DARK, LIGHT, REFRESH_BYTES, DesktopTestCase, bytes_read, main,
                                process_files)
+
+# The picture shows the panel with so many pixels on its left and below it.
+_README_PICTURE = pathlib.Path(__file__).parents[2] / "docs/screenshot.png"
+_README_MARGIN = 24
+# Pixels: the buttons at the foot of the home page, without the rounded corners.
+_FOOT = 50
 
 
 class PanelTest(DesktopTestCase):
@@ -32,6 +40,24 @@ class PanelTest(DesktopTestCase):
             time.sleep(0.5)
             self.assertIsNone(program.panel())
         self.assertEqual(program.output(), "")
+
+    def test_has_the_buttons_of_the_picture_in_the_readme(self):
+        program = self.start_known_to_user()
+        program.open_panel()
+        self.assert_open(program)
+        self.desktop.screen.move_pointer(self.desktop.nowhere)
+        drawn = self.until(program.panel_picture, "the panel is drawn")
+        shown = Image.open(_README_PICTURE)
+        width, height = shown.size
+        left, bottom = _README_MARGIN, height - _README_MARGIN
+        shown = shown.crop((left, bottom - drawn.height, left + drawn.width, bottom))
+        for name, begin, end in (("Activity Monitor", 0, 0.5), ("Quit", 0.5, 1)):
+            # Whatever font they are set in, their letters have the colour of a button that works.
+            letters = [min(picture.convert("L").crop(
+                (int(picture.width * begin), picture.height - _FOOT,
+                 int(picture.width * end), picture.height)).getdata())
+                       for picture in (drawn, shown)]
+            self.assertLess(abs(letters[0] - letters[1]), 40, f"{name}: {letters}")
 
     def test_escape_closes(self):
         program = self.start_known_to_user()

@@ -72,7 +72,7 @@ struct Unit {
     bool isScope = false;
 };
 
-// The innermost unit on the path; groups further in are the unit's own affair.
+// The innermost unit on the path. Deeper groups belong to the unit itself.
 std::optional<Unit> innermostUnit(std::string_view path) {
     while (!path.empty()) {
         std::string_view piece = path.substr(path.rfind('/') + 1);
@@ -88,13 +88,13 @@ std::optional<Unit> innermostUnit(std::string_view path) {
     return std::nullopt;
 }
 
-// The name without what makes the unit unique: "-4711" of a scope, "@1f2e" of a service.
+// The name without the part that makes the unit unique: "-4711" of a scope, "@1f2e" of a service.
 std::string_view withoutInstance(const Unit& unit) {
     return unit.name.substr(0, unit.name.rfind(unit.isScope ? '-' : '@'));
 }
 
-// "[launcher-]entry". By the rules a dash within the entry is escaped, so that the last part is the
-// entry; not every launcher keeps them.
+// The name has the form "[launcher-]entry". A dash within the entry should be escaped, so that the
+// last part is the entry; some launchers do not escape it, so longer parts follow as candidates.
 std::vector<std::string> entriesOfApplication(std::string_view name) {
     std::vector<std::string> entries;
     for (std::size_t dash = name.rfind('-'); dash != std::string_view::npos && dash > 0;
@@ -105,7 +105,7 @@ std::vector<std::string> entriesOfApplication(std::string_view name) {
     return entries;
 }
 
-// "package.application", for a scope with a unique part behind it.
+// The name has the form "package.application", followed by a unique part in a scope.
 std::vector<std::string> entriesOfSnap(const Unit& unit) {
     constexpr std::size_t sizeOfUUID = 36;
     std::string_view tag = unit.name;

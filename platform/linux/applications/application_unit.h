@@ -1,4 +1,4 @@
-// Which application started a process, by the name of the unit that holds it.
+// Finds the application that a process belongs to, by the name of its systemd unit.
 #pragma once
 
 #include <string>

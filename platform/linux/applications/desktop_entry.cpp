@@ -26,8 +26,8 @@ std::string_view withoutSpaces(std::string_view text) {
     return text.substr(0, text.find_last_not_of(spaces) + 1);
 }
 
-// Goes through the keys of the main group: hands each with its value, without spaces around them,
-// to `visit` until that returns false.
+// Calls `visit` for each key of the main group and its value, without spaces around them, until
+// `visit` returns false.
 template <class Visit>
 void visitKeys(std::string_view text, Visit visit) {
     bool isInGroup = false;
@@ -50,7 +50,7 @@ void visitKeys(std::string_view text, Visit visit) {
     }
 }
 
-// How good the name under this key is, smaller being better; absent for any other key.
+// Rank of the name under this key; the smallest is the best. Absent for any other key.
 std::optional<std::size_t> rankOfName(std::string_view key, std::span<const std::string> suffixes) {
     constexpr std::string_view name = "Name";
     if (!key.starts_with(name)) {
@@ -180,7 +180,7 @@ std::vector<std::string> localeSuffixes(
     }
     std::vector<std::string> ofLocale;
     addSuffixes(locale, ofLocale);
-    // A list of languages counts only where a language is used at all.
+    // The list of languages is used only if the locale names a language.
     std::vector<std::string> suffixes;
     if (!ofLocale.empty()) {
         for (const std::string_view language : listItems(value("LANGUAGE"))) {

@@ -1,4 +1,4 @@
-// Finding programs.
+// Finds programs.
 #pragma once
 
 #include <filesystem>
@@ -7,12 +7,12 @@
 
 namespace tarnwick::platform {
 
-/// A file that this user may execute.
+/// Whether this user may execute the file.
 bool isExecutable(const std::filesystem::path& file);
 
-/// The file of the program `name`: itself where it is an absolute path, else that of this name in
-/// the first folder of `list` (the PATH) that has one to execute. Paths are below `root`, also the
-/// one that is returned. Empty when there is none.
+/// The file of the program `name`. An absolute path stands for itself; for any other name it is the
+/// file in the first folder of `list` (the PATH) that has an executable file of this name. All
+/// paths are below `root`, including the returned one. Empty if there is none.
 std::filesystem::path findExecutable(std::string_view name, std::string_view list,
                                      const std::filesystem::path& root = "/");
 

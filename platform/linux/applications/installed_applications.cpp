@@ -12,8 +12,8 @@ namespace tarnwick::platform {
 
 namespace {
 
-// Far more than there are applications in the lists; the memory stays bounded all the same.
-constexpr std::size_t mostKnown = 256;
+// Bounds the memory. The lists hold far fewer applications than this.
+constexpr std::size_t kMostKnown = 256;
 
 void addFolder(std::string_view folder, std::vector<std::string>& folders) {
     while (folder.size() > 1 && folder.ends_with('/')) {
@@ -61,7 +61,7 @@ const std::optional<DesktopEntry>& InstalledApplications::find(const std::string
     if (known != known_.end()) {
         return known->second;
     }
-    if (known_.size() >= mostKnown) {
+    if (known_.size() >= kMostKnown) {
         known_.clear();
     }
     return known_.emplace(name, read(name)).first->second;
@@ -73,7 +73,7 @@ void InstalledApplications::forget() {
 
 std::optional<DesktopEntry> InstalledApplications::read(const std::string& name) const {
     for (const std::string& folder : sources_.dataFolders) {
-        // The first file of the name decides, even if it says that there is no such application.
+        // The first file with this name decides, even if it marks the application as removed.
         if (const std::optional<std::string> text =
                 readWholeFile(belowRoot(root_, folder + "/applications/" + name + ".desktop"))) {
             return parseDesktopEntry(*text, sources_.localeSuffixes);

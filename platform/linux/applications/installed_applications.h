@@ -11,20 +11,20 @@
 
 namespace tarnwick::platform {
 
-/// Where and how a user's applications are described.
+/// Where the descriptions of a user's applications are, and in which languages to read them.
 struct ApplicationSources {
-    /// Folders with an "applications" folder in them; an earlier one counts before a later one.
+    /// Folders that contain an "applications" folder. Earlier ones take precedence.
     std::vector<std::string> dataFolders;
-    /// As localeSuffixes() gives them.
+    /// From localeSuffixes().
     std::vector<std::string> localeSuffixes;
 };
 
-/// The user's own data folder, those of the system, and those of Flatpak and Snap, which a session
-/// may leave out. `environment` gives a variable's value or null.
+/// The user's own data folder, those of the system, and those of Flatpak and Snap, which the
+/// session's variables may lack. `environment` returns a variable's value or null.
 ApplicationSources applicationSources(const std::function<const char*(const char*)>& environment);
 
-/// Looks each entry up once and remembers it, also that there is none, until forget(). One thread
-/// at a time.
+/// Looks up each entry once and remembers the result, including a missing entry, until forget().
+/// One thread at a time.
 class InstalledApplications {
  public:
     /// All folders are below `root`.

@@ -25,8 +25,8 @@ struct KnownMonitor {
 constexpr std::string_view kGnome =
     "GNOME:GNOME-Classic:GNOME-Flashback:Unity:Budgie:X-Cinnamon:Cinnamon:Pantheon";
 
-/// Of one desktop the better one first; those that any desktop may have from the most common to the
-/// rarest.
+/// For each desktop the better monitor comes first. Monitors for any desktop follow, from the most
+/// common to the rarest.
 constexpr std::array kMonitors = {KnownMonitor{"io.elementary.monitor", "Pantheon"},
                                   KnownMonitor{"com.github.stsdc.monitor", "Pantheon"},
                                   KnownMonitor{"org.gnome.SystemMonitor", kGnome},
@@ -47,8 +47,8 @@ constexpr std::array kMonitors = {KnownMonitor{"io.elementary.monitor", "Pantheo
                                   KnownMonitor{"htop"},
                                   KnownMonitor{"bpytop"}};
 
-/// What a command is put behind to run it in a new window of a terminal: the terminal that the user
-/// or the system has chosen, then that of a desktop, then any.
+/// Commands that run another command in a new terminal window. The order: the terminal chosen by
+/// the user or the system, those of the desktops, any other.
 constexpr std::array<std::string_view, 13> kTerminals = {
     "xdg-terminal-exec", "x-terminal-emulator -e",
     "gnome-terminal --", "kgx --",
@@ -58,8 +58,8 @@ constexpr std::array<std::string_view, 13> kTerminals = {
     "alacritty -e",      "kitty",
     "xterm -e"};
 
-/// The entries of all monitors, those of the session's desktops first, of which the session names
-/// the more special one first. Some come twice.
+/// The entries of all monitors. Those of the session's desktops come first, in the session's order,
+/// which names the more special desktop first. Some entries occur twice.
 std::vector<std::string_view> entriesFor(std::string_view current) {
     std::vector<std::string_view> entries;
     for (const std::string_view desktop : listItems(current)) {
@@ -73,8 +73,8 @@ std::vector<std::string_view> entriesFor(std::string_view current) {
     return entries;
 }
 
-/// Text of an entry's file. The first one of the name counts, even if it says that there is no such
-/// application. Empty when there is none.
+/// Text of an entry's file. The first file with this name counts, even if it marks the application
+/// as removed. Empty if there is none.
 std::string entryText(const std::vector<std::string>& folders, std::string_view entry,
                       const std::filesystem::path& root) {
     for (const std::string& folder : folders) {
@@ -99,7 +99,7 @@ std::optional<InstalledProgram> findSystemMonitor(
     };
     const std::vector<std::string> folders = applicationSources(environment).dataFolders;
     const std::string current = value("XDG_CURRENT_DESKTOP");
-    // A window before a terminal, whatever the desktop.
+    // On any desktop a monitor with windows takes precedence over one in a terminal.
     std::optional<InstalledProgram> inTerminal;
     for (const std::string_view entry : entriesFor(current)) {
         const std::string text = entryText(folders, entry, root);

@@ -22,10 +22,11 @@ struct InstalledProgram {
     bool operator==(const InstalledProgram&) const = default;
 };
 
-/// The desktop's own system monitor (XDG_CURRENT_DESKTOP), else another one with windows, else one
-/// for the terminal where there is a terminal to run it in. Only those count whose desktop entry is
-/// installed, not removed (Hidden), and whose programs are there. `environment` gives a variable's
-/// value or null; `root` is "/". Absent when there is none.
+/// The system monitor of the user's desktop (XDG_CURRENT_DESKTOP); else another one with windows;
+/// else one for the terminal, if there is a terminal to run it in. Absent if there is none.
+///
+/// A monitor counts only if its desktop entry is installed and not removed (Hidden), and its
+/// programs exist. `environment` returns a variable's value or null; `root` is "/".
 std::optional<InstalledProgram> findSystemMonitor(
     const std::function<const char*(const char*)>& environment,
     const std::filesystem::path& root = "/");

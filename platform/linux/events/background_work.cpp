@@ -26,7 +26,7 @@ void lowerPriorityOfThisThread() {
     pthread_setname_np(pthread_self(), "tarnwick-work");
 }
 
-/// Keeps every signal from threads made while it lives: signals are the main thread's.
+/// Threads that start while this object lives receive no signals; the main thread handles them.
 class SignalsBlocked {
  public:
     SignalsBlocked() {
@@ -44,22 +44,23 @@ class SignalsBlocked {
 
 }  // namespace
 
-/// Shared with the threads, so that one left behind finds it in place.
+/// The threads share ownership, so a thread that is left behind still finds its state.
 struct BackgroundWork::State : std::enable_shared_from_this<State> {
     mutable std::mutex lock;
-    // All guarded by lock.
+    // `lock` guards all members below.
     std::condition_variable workAdded;
     std::condition_variable threadEnded;
     std::deque<std::function<void()>> queue;
     std::list<std::thread> threads;
-    /// Threads on their way out, to be joined by whoever comes next.
+    /// Threads that have ended or are about to; the next caller of run() or the destructor joins
+    /// them.
     std::list<std::thread> ended;
     std::size_t waiting = 0;
     bool stopping = false;
 
-    /// The life of one thread.
+    /// The main loop of each thread.
     void serve();
-    /// The lock must be held.
+    /// Requires: the caller holds the lock.
     void addThread();
     void endThisThread();
 };
@@ -72,7 +73,7 @@ void BackgroundWork::State::addThread() {
             state->serve();
         });
     } catch (const std::system_error&) {
-        // No thread to be had now: the work stays queued for the next one that is free.
+        // No thread can be started now. The work stays in the queue for the next free thread.
     }
 }
 
@@ -80,7 +81,7 @@ void BackgroundWork::State::endThisThread() {
     const auto self = std::find_if(threads.begin(), threads.end(), [](const std::thread& thread) {
         return thread.get_id() == std::this_thread::get_id();
     });
-    // One that was left behind is listed no more.
+    // A thread that was left behind is no longer in the list.
     if (self != threads.end()) {
         ended.splice(ended.end(), threads, self);
     }
@@ -95,7 +96,7 @@ void BackgroundWork::State::serve() {
             queue.pop_front();
             guard.unlock();
             work();
-            // What the work holds is let go here, not on the thread that added it.
+            // Releases the work's captures on this thread instead of the one that added the work.
             work = nullptr;
             guard.lock();
         } else if (waiting == 0) {
@@ -145,7 +146,7 @@ void BackgroundWork::run(std::function<void()> work) {
         }
         ended.swap(state_->ended);
     }
-    // With the lock let go: the woken thread would only go back to sleep for it.
+    // Notifies after the lock is released: otherwise the woken thread would have to wait for it.
     if (isWaitedFor) {
         state_->workAdded.notify_one();
     }

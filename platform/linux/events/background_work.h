@@ -1,4 +1,4 @@
-// Work off the main thread, at a priority that never gets in anybody's way.
+// Work outside the main thread, at a low priority that does not disturb other programs.
 #pragma once
 
 #include <chrono>
@@ -8,12 +8,14 @@
 
 namespace tarnwick::platform {
 
-/// One thread waits for work, without any polling, and runs it at nice +10 under the batch policy
-/// (both only asked for: a system that refuses is not argued with). Work that comes while every
-/// thread is busy, perhaps stuck on a dead network mount, gets a thread made for it; a thread that
-/// finds nothing left to do ends, unless it is the only one waiting. So pieces of work do not hold
-/// each other up until kThreadLimit of them are stuck; what comes then waits for the first that
-/// gets through. The threads take no signals. Any thread may add work.
+/// Runs work on at most kThreadLimit threads, at nice +10 under the batch policy; if the system
+/// refuses the priority or the policy, the threads run without it. Any thread may add work.
+///
+/// One thread waits for work without polling. If all threads are busy when work comes, perhaps
+/// stuck on a dead network mount, a new thread is made for it; a thread that finds no more work
+/// ends, unless it is the only one waiting. So one piece of work does not delay another until
+/// kThreadLimit of them are stuck; later work then waits for the first thread that becomes free.
+/// The threads receive no signals.
 class BackgroundWork {
  public:
     static constexpr std::size_t kThreadLimit = 4;
@@ -22,10 +24,10 @@ class BackgroundWork {
     explicit BackgroundWork(std::chrono::milliseconds patience = std::chrono::milliseconds(250));
     BackgroundWork(const BackgroundWork&) = delete;
     BackgroundWork& operator=(const BackgroundWork&) = delete;
-    /// Drops the work that has not begun and joins the threads. A thread whose work does not end
-    /// within `patience` is left to itself, for stuck work must not keep the program from ending;
-    /// it touches nothing of this object any more, but its work may still touch what it was given,
-    /// which therefore has to live as long as the process.
+    /// Drops work that has not begun and joins the threads. If a thread's work does not end within
+    /// `patience`, the thread is left behind, because stuck work must not keep the program from
+    /// ending. Such a thread no longer uses this object, but its work may still use the objects it
+    /// was given. Requires: those objects live as long as the process.
     ~BackgroundWork();
 
     void run(std::function<void()> work);

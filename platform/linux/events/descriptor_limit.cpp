@@ -12,7 +12,7 @@ std::optional<std::size_t> raiseDescriptorLimit() {
     }
     const rlim_t before = limit.rlim_cur;
     limit.rlim_cur = std::min<rlim_t>(limit.rlim_max, kWantedDescriptors);
-    // Fewer will do where the system says no.
+    // The program also works with fewer if the system refuses.
     if (::setrlimit(RLIMIT_NOFILE, &limit) != 0) {
         return std::nullopt;
     }

@@ -9,10 +9,11 @@ namespace tarnwick::platform {
 /// Enough to keep one open for each of 8,000 processes. The kernel needs 4.5 kB for each.
 inline constexpr std::size_t kWantedDescriptors = 16'384;
 
-/// Raises the program's limit to what is wanted, as far as the system lets it; a higher one stays.
-/// Most systems start programs with 1,024, for the sake of those that use select(): other programs
-/// that this one starts are to have the limit that is returned, the one before. Absent when it was
-/// not raised.
+/// Raises the program's limit to kWantedDescriptors, as far as the system allows; a higher limit
+/// stays. Returns the limit from before, or nothing if it was not raised.
+///
+/// Most systems start programs with 1,024, because some programs use select(). Programs that this
+/// one starts should therefore get the returned limit.
 std::optional<std::size_t> raiseDescriptorLimit();
 
 }  // namespace tarnwick::platform

@@ -3,8 +3,8 @@
 
 namespace tarnwick::platform {
 
-/// Gives back to the system what the heap keeps for later. Worth its milliseconds only after much
-/// was freed that will not be needed soon. Any thread.
+/// Returns freed memory from the heap to the system. It takes milliseconds, so call it only after
+/// much memory was freed that will not be needed soon. Any thread.
 void giveBackFreedMemory();
 
 }  // namespace tarnwick::platform

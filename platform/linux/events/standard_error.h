@@ -1,12 +1,12 @@
-// Lines on standard error: what a user should know about.
+// Lines on standard error that users should know about.
 #pragma once
 
 #include <string_view>
 
 namespace tarnwick::platform {
 
-/// Tells the user one thing in one line, "tarnwick: ..."; line breaks inside become spaces. For
-/// what is not worth a window and must not be silent: a damaged store, no tray. Any thread.
+/// Prints one line for the user, "tarnwick: ..."; line breaks in the message become spaces. For
+/// facts that need no window but must not be hidden: a damaged store, no tray. Any thread.
 void notice(std::string_view message);
 
 }  // namespace tarnwick::platform

@@ -6,11 +6,13 @@
 
 namespace tarnwick::platform {
 
-/// Makes `folder` and what is missing above it, for this user only, and lasting.
+/// Makes `folder` and its missing parent folders. Only this user can access the new folders, and
+/// they survive a power cut as far as the file system allows. Succeeds if the folder exists
+/// already.
 std::error_code makeFolder(const std::filesystem::path& folder);
 
-/// Lets what was made, renamed or removed in `folder` outlast a power cut, as far as the file
-/// system can.
+/// After this call, entries made, renamed or removed in `folder` survive a power cut, as far as the
+/// file system allows.
 void makeLasting(const std::filesystem::path& folder);
 
 }  // namespace tarnwick::platform

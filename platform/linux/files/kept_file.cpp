@@ -10,7 +10,7 @@ namespace tarnwick::platform {
 
 namespace {
 
-// Far above what any machine has in these files; a guard against reading without end.
+// A guard against endless reading, in bytes. These files are far smaller on every machine.
 constexpr std::size_t kLargestFile = std::size_t{16} << 20;
 
 constexpr int kOpeningFlags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;

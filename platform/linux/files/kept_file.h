@@ -13,7 +13,7 @@ namespace tarnwick::platform {
 class FileDescriptor {
  public:
     FileDescriptor() = default;
-    /// Opens for reading; errno says why when the result is not open.
+    /// Opens the file for reading. If isOpen() is false afterwards, errno has the reason.
     explicit FileDescriptor(const std::string& path);
     /// The same for a path relative to an open folder.
     FileDescriptor(const FileDescriptor& folder, const char* relative);
@@ -34,7 +34,7 @@ class FileDescriptor {
 /// time.
 class KeptFile {
  public:
-    /// How the kernel gives a file whose reader has room for all of it.
+    /// How the kernel delivers the file if the buffer has room for all of it.
     enum class Delivery {
         whole,
         /// At most a page at a time, as it does with tables that may be long.
@@ -45,8 +45,8 @@ class KeptFile {
     explicit KeptFile(std::string path, std::size_t expectedSize = 4096,
                       Delivery delivery = Delivery::whole);
 
-    /// What the file holds now, in one system call as a rule where it comes whole; valid until the
-    /// next call. Absent when it cannot be read.
+    /// The current content of the file; valid until the next call. Absent if it cannot be read. A
+    /// file that is delivered whole usually takes one system call.
     std::optional<std::string_view> read();
 
     /// The system's error code of the last read that failed; 0 before any.
@@ -63,10 +63,11 @@ class KeptFile {
     int error_ = 0;
 };
 
-/// A whole file read once, however many calls that takes. Absent when it cannot be read.
+/// Reads a whole file once, in as many system calls as needed. Absent if it cannot be read or has
+/// 16 MiB or more.
 std::optional<std::string> readWholeFile(const std::string& path);
 
-/// `relative` below the root of the tree that a reader reads.
+/// Returns the path `relative` below `root`, the root of the tree that a reader reads.
 std::string belowRoot(const std::string& root, std::string_view relative);
 
 }  // namespace tarnwick::platform

@@ -21,18 +21,19 @@ class GpuSource {
  public:
     virtual ~GpuSource() = default;
 
-    /// The utilisation at a moment, seconds of a clock that stands still while the machine sleeps.
-    /// Absent where the driver cannot tell.
+    /// The utilisation at `now`, in seconds of a clock that stands still while the machine sleeps.
+    /// Absent if the driver cannot tell.
     virtual std::optional<GpuUtilization> read(double now) = 0;
 
-    /// The model in the driver's own words; empty where it has none. Asked after a successful read.
+    /// The model's name from the driver; empty if it has none. Requires: a successful read()
+    /// before.
     virtual std::string modelName() { return {}; }
-    /// Absent where the driver does not tell. Asked after a successful read.
+    /// Number of cores; absent if the driver does not tell. Requires: a successful read() before.
     virtual std::optional<std::int64_t> coreCount() { return std::nullopt; }
 
-    /// The card is left alone for a while: lets go of what could keep it awake.
+    /// The card will not be read for a while: releases resources that could keep it awake.
     virtual void rest() {}
-    /// The card sleeps: what was measured before says nothing about what comes after.
+    /// The card sleeps: drops earlier samples, because they do not apply after the sleep.
     virtual void forget() { rest(); }
 };
 

@@ -10,9 +10,9 @@ namespace tarnwick::platform {
 
 namespace {
 
-/// Percent. Less work than this is none: what woke the card was the question.
+/// Percent. Below this the card counts as idle: the reading itself causes some work.
 constexpr double kIdleBelow = 1;
-/// The card's own timer starts when the answer has been given and fires a little late.
+/// Extra seconds, because the card's own timer starts after the answer and fires a little late.
 constexpr double kSecondsBeyondSleep = 2;
 
 }  // namespace

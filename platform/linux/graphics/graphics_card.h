@@ -1,4 +1,4 @@
-// One graphics card: whether it may be asked, what it says, what it is called.
+// One graphics card: whether it may be read, its figures and its name.
 #pragma once
 
 #include <memory>
@@ -13,7 +13,7 @@
 
 namespace tarnwick::platform {
 
-/// What tells one card from another, and where its files are.
+/// Identity of a card, and the places of its files.
 struct GraphicsDevice {
     /// The device's folder.
     std::string folder;
@@ -26,19 +26,19 @@ struct GraphicsDevice {
     bool operator==(const GraphicsDevice&) const = default;
 };
 
-/// A card that sleeps is never asked anything, and gives no statistics. A card that is idle and
-/// could sleep is left alone for as long as that takes, and its last figure stands meanwhile:
-/// asking it at every tick would keep it awake for good. One thread at a time.
+/// A sleeping card is never read and gives no statistics. An idle card that could sleep is left
+/// alone until it has had time to fall asleep; its last figure is valid meanwhile. Reading it at
+/// every tick would keep it awake for ever. One thread at a time.
 class GraphicsCard {
  public:
-    /// `root` is that of the tree; `source` is null for drivers that tell nothing.
+    /// `root` is the root of the tree; `source` is null for drivers that report nothing.
     GraphicsCard(std::string root, GraphicsDevice device, std::unique_ptr<GpuSource> source);
 
     const GraphicsDevice& device() const { return device_; }
     bool hasSource() const { return source_ != nullptr; }
 
-    /// "model", "gpu-core-count" and "PerformanceStatistics" as far as they are known at a moment,
-    /// seconds of a clock that stands still while the machine sleeps.
+    /// The known properties among "model", "gpu-core-count" and "PerformanceStatistics" at `now`,
+    /// in seconds of a clock that stands still while the machine sleeps.
     PropertyDictionary properties(double now);
 
  private:
@@ -52,7 +52,7 @@ class GraphicsCard {
     RuntimePower power_;
 
     std::optional<GpuUtilization> last_;
-    /// Until then the card is left alone.
+    /// The card is not read before this time.
     std::optional<double> restsUntil_;
     std::optional<std::string> modelName_;
     std::optional<std::int64_t> coreCount_;

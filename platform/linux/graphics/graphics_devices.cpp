@@ -30,8 +30,8 @@ std::vector<std::string> namesIn(const std::string& folder) {
     return names;
 }
 
-/// "card3" and its connector "card3-DP-1" both begin with a number behind "card"; `rest` is what
-/// follows it.
+/// The parts of a name such as "card3" or its connector "card3-DP-1": the number after "card", and
+/// the rest after the number.
 struct CardName {
     std::uint32_t number = 0;
     std::string_view rest;

@@ -8,8 +8,9 @@
 
 namespace tarnwick::platform {
 
-/// The devices of the DRM cards below a root by their numbers, then the graphics processors of
-/// NVIDIA's driver that have no DRM card, by their places on the bus. Wakes no card.
+/// The devices of the DRM cards below `root`, in the order of their numbers. Graphics processors of
+/// NVIDIA's driver without a DRM card follow, in the order of their places on the bus. Wakes no
+/// card.
 std::vector<GraphicsDevice> findGraphicsDevices(const std::string& root);
 
 }  // namespace tarnwick::platform

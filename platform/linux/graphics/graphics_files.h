@@ -29,8 +29,8 @@ GraphicsIdentity parseGraphicsIdentity(std::string_view uevent);
 /// A whole number with a line break behind it. Absent for damaged or unfinished text.
 std::optional<std::uint64_t> parseCount(std::string_view text);
 
-/// A percentage 0...100 with a line break behind it. Absent for anything else: a driver that says
-/// more does not know.
+/// A percentage 0...100 followed by a line break. Absent for anything else: a driver that reports
+/// more than 100 does not know.
 std::optional<double> parsePercentage(std::string_view text);
 
 /// The text up to the first line break, without white space at its ends.
@@ -43,7 +43,8 @@ std::optional<std::uint32_t> locationOfSlot(std::string_view slot);
 /// The domain of a bus slot, 0 for "0000:0b:00.0". Absent for any other text.
 std::optional<std::uint32_t> domainOfSlot(std::string_view slot);
 
-/// A figure of a text with one "name value" pair a line. Absent where it is not there or damaged.
+/// The figure `name` of a text with one "name value" pair on each line. Absent if it is missing or
+/// damaged.
 std::optional<std::uint64_t> parseNamedCount(std::string_view text, std::string_view name);
 
 }  // namespace tarnwick::platform

@@ -22,7 +22,7 @@ bool isSameIgnoringCase(std::string_view text, std::string_view lowerCase) {
         });
 }
 
-/// The name behind four digits and white space. Absent where the digits are others.
+/// The name after four digits and white space. Absent if the line begins with other digits.
 std::optional<std::string_view> nameBehind(std::string_view digits, std::string_view line) {
     if (line.size() < 5 || !isSameIgnoringCase(line.substr(0, 4), digits) ||
         (line[4] != ' ' && line[4] != '\t')) {
@@ -31,7 +31,8 @@ std::optional<std::string_view> nameBehind(std::string_view digits, std::string_
     return trimmed(line.substr(4));
 }
 
-/// "Navi 31 [Radeon RX 7900 XTX]" is a chip, and in brackets the name it is sold under.
+/// The name in brackets, under which the chip is sold: "Radeon RX 7900 XTX" of "Navi 31 [Radeon RX
+/// 7900 XTX]". Without brackets the whole name.
 std::string_view soldAs(std::string_view name) {
     const std::size_t bracket = name.rfind('[');
     if (!name.ends_with(']') || bracket == std::string_view::npos) {
@@ -41,7 +42,7 @@ std::string_view soldAs(std::string_view name) {
     return inside.empty() ? name : inside;
 }
 
-/// The part up to the next comma, which is taken off the text.
+/// Removes the part up to the next comma from the text and returns it.
 std::string_view takeField(std::string_view& text) {
     const std::size_t comma = text.find(',');
     const std::string_view field = trimmed(text.substr(0, comma));
@@ -49,8 +50,8 @@ std::string_view takeField(std::string_view& text) {
     return field;
 }
 
-/// Passes the lines of a file to a search until that has enough. The databases have no line that is
-/// longer than the buffer; one that is would be left out.
+/// Passes the lines of a file to a search until the search has finished. A line that is longer than
+/// the buffer is skipped; the databases have none.
 template <class Search>
 void searchFile(const std::string& path, Search& search) {
     const FileDescriptor file(path);
@@ -100,7 +101,7 @@ bool PciNameSearch::take(std::string_view line) {
     if (!isInVendor_) {
         return true;
     }
-    // Boards of a device stand below it, one step further in.
+    // Lines of a device's boards have one more tab, so they do not match.
     const std::optional<std::string_view> name = nameBehind(device_, line.substr(1));
     if (!name || name->empty()) {
         return true;

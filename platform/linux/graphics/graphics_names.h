@@ -7,13 +7,13 @@
 
 namespace tarnwick::platform {
 
-/// Looks a device up in the names database of the PCI bus while its lines pass by.
+/// Searches the names database of the PCI bus for a device, one line at a time.
 class PciNameSearch {
  public:
     /// Four hexadecimal digits in lower case each.
     PciNameSearch(std::string_view vendor, std::string_view device);
 
-    /// Takes the next line, without its line break. False once nothing more can be found.
+    /// Reads the next line, without its line break. False if no later line can matter.
     bool take(std::string_view line);
     /// The name under which the card is sold where the database has it in brackets, else the whole
     /// name. Absent where the device is not there.
@@ -41,9 +41,9 @@ class AmdNameSearch {
     std::optional<std::string> name_;
 };
 
-/// The name of a card in the databases below a root, empty where none has it. `vendor` and `device`
-/// are four hexadecimal digits in lower case, `revision` is two. Reads up to megabytes: ask once a
-/// card.
+/// The name of a card in the databases below `root`; empty if none has it. `vendor` and `device`
+/// have four hexadecimal digits in lower case, `revision` has two. May read megabytes, so call it
+/// only once per card.
 std::string graphicsName(const std::string& root, std::string_view vendor, std::string_view device,
                          std::string_view revision);
 

@@ -6,13 +6,15 @@ namespace tarnwick::platform {
 
 namespace {
 
-// Below it the counter's step of a millisecond would show.
+// Shortest window in seconds. In a shorter one the counter's step of one millisecond would be
+// visible.
 constexpr double kShortestWindow = 0.2;
-// The counter and the clock are read one after the other and run on two oscillators.
+// The counter may lead the clock by this much, because they are read one after the other and run on
+// two oscillators.
 constexpr double kToleratedLead = 1.02;
 constexpr double kToleratedLeadMilliseconds = 20;
 
-/// How far the counter came; a 32-bit counter may have wrapped once.
+/// Increase of the counter. A 32-bit counter may have wrapped once.
 std::uint64_t advance(std::uint64_t from, std::uint64_t to) {
     return to >= from ? to - from : static_cast<std::uint32_t>(to - from);
 }
@@ -26,7 +28,8 @@ std::optional<double> IdleResidency::busyPercentage(std::uint64_t idleMillisecon
     const std::optional<Sample> previous = previous_;
     previous_ = {.idleMilliseconds = idleMilliseconds, .moment = now};
     answer_.reset();
-    // An engine that has never slept since the driver started has a counter that does not work.
+    // A counter at 0 does not work: it says that the engine has never slept since the driver
+    // started.
     if (!previous || idleMilliseconds == 0) {
         return answer_;
     }

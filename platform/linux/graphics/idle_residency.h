@@ -1,4 +1,4 @@
-// Busy shares from a counter of the time that an engine was asleep.
+// Computes how busy an engine is from a counter of the time that it slept.
 #pragma once
 
 #include <cstdint>
@@ -6,17 +6,18 @@
 
 namespace tarnwick::platform {
 
-/// One counter of milliseconds. It may have 32 bits and wrap. One thread at a time.
+/// Follows one counter of milliseconds, which may have 32 bits and wrap. One thread at a time.
 class IdleResidency {
  public:
-    /// The share of the time since the last sample that the engine was awake, percent 0...100. The
-    /// time is that of a clock that stands still while the machine sleeps, seconds. Absent for the
-    /// first sample, for a counter that has never counted, and where it went back or ahead of the
-    /// time; the next sample then begins anew. Samples that follow too closely repeat the last
-    /// answer.
+    /// The share of the time since the last sample that the engine was awake, percent 0...100.
+    /// `now` is in seconds of a clock that stands still while the machine sleeps.
+    ///
+    /// Absent for the first sample, for a counter that has never counted, and if the counter went
+    /// back or ahead of the clock; the next sample then starts from this one. A sample that follows
+    /// too soon repeats the last answer.
     std::optional<double> busyPercentage(std::uint64_t idleMilliseconds, double now);
 
-    /// The next sample is the first.
+    /// Forgets the last sample: the next one counts as the first.
     void forget();
 
  private:

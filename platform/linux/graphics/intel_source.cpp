@@ -10,7 +10,7 @@ namespace tarnwick::platform {
 
 namespace {
 
-// No card has more.
+// Greatest number of groups or tiles; no card has more.
 constexpr int kLargestGroupCount = 8;
 
 bool exists(const std::string& path) {
@@ -18,7 +18,7 @@ bool exists(const std::string& path) {
     return std::filesystem::exists(path, error);
 }
 
-/// i915 may be told never to let the engines sleep; its counter then stands still.
+/// False if i915 was told never to let the engines sleep: its counter then stands still.
 bool mayEnginesSleep(const std::string& folder) {
     const std::optional<std::string> enabled = readWholeFile(folder + "/rc6_enable");
     return !enabled || parseCount(*enabled).value_or(0) != 0;
@@ -33,7 +33,7 @@ IntelSource::IntelSource(const std::string& card) {
             add(group + "/rc6_residency_ms");
         }
     }
-    // The xe driver has tiles, and their engine groups are numbered through.
+    // The xe driver has tiles, with their engine groups numbered across all tiles.
     for (int number = 0; number < kLargestGroupCount * kLargestGroupCount; ++number) {
         const std::string tile = std::to_string(number / kLargestGroupCount);
         const std::string group = std::to_string(number % kLargestGroupCount);

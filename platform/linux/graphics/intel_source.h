@@ -10,19 +10,19 @@
 
 namespace tarnwick::platform {
 
-/// The share of time that the card's engines were powered, from the drivers' counters of the time
-/// asleep. It is never below the work that was done; engines stay awake a little longer than they
-/// work. Per-client counters would be exact, but only for the processes that one may look into,
-/// and finding those costs more than everything else together.
+/// The share of time that the card's engines were powered, from the drivers' counters of sleep
+/// time. It is never below the real work, because engines stay awake a little longer than they
+/// work. Per-client counters would be exact, but only for processes that this user may inspect, and
+/// finding those costs more than everything else together.
 class IntelSource final : public GpuSource {
  public:
     /// `card` is the folder of the DRM device.
     explicit IntelSource(const std::string& card);
 
-    /// False where the driver has no counter that counts.
+    /// False if the driver has no working counter.
     bool isUsable() const { return !groups_.empty(); }
 
-    /// The most awake of the card's engine groups is the device, the first group the renderer.
+    /// `device` is the busiest engine group of the card, `renderer` the first one.
     std::optional<GpuUtilization> read(double now) override;
     void rest() override {}
     void forget() override;

@@ -56,8 +56,8 @@ MatchingServices LinuxAccelerators::matchingServices() {
 void LinuxAccelerators::findCards() {
     std::vector<std::unique_ptr<GraphicsCard>> cards;
     for (GraphicsDevice& device : findGraphicsDevices(root_)) {
-        // A card that is still there keeps what it has measured. A driver that told nothing may
-        // have been starting.
+        // A card that is still there keeps its samples. A card without a source is made anew,
+        // because its driver may have been starting.
         const auto known = std::find_if(cards_.begin(), cards_.end(), [&device](const auto& card) {
             return card && card->hasSource() && card->device() == device;
         });

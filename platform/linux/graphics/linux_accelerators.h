@@ -14,15 +14,15 @@
 
 namespace tarnwick::platform {
 
-/// Cards in the order of their DRM numbers, then NVIDIA's without one. Their utilisation comes from
-/// amdgpu's own figure, from the sleep counters of i915 and xe, and from NVIDIA's management
-/// library; other drivers tell nothing. New cards are noticed within a minute. Any thread; calls
-/// take turns.
+/// Lists the cards in the order of their DRM numbers, then NVIDIA's cards without such a number.
+/// Their utilisation comes from amdgpu's own figure, from the sleep counters of i915 and xe, and
+/// from NVIDIA's management library; other drivers report nothing. New cards are noticed within a
+/// minute. Any thread; calls take turns.
 class LinuxAccelerators final : public Accelerators {
  public:
-    /// Reads the tree below a root. With another root than "/" nothing of the running machine comes
-    /// in: no management library, and the time is that of the tree, which in a recorded one stands
-    /// still.
+    /// Reads the tree below `root`. If `root` is not "/", nothing comes from the running machine:
+    /// the management library is not used, and the time is that of the tree, which stands still in
+    /// a recorded one.
     explicit LinuxAccelerators(std::string root = "/");
     /// `clock` gives seconds that do not pass while the machine sleeps; `nvmlLibrary` is the name
     /// or path of the management library, none if empty.

@@ -10,10 +10,11 @@
 
 namespace tarnwick::platform {
 
-/// Asks NVIDIA's management library. After a failure the card is asked again after a minute.
+/// Reads from NVIDIA's management library. After a failure it waits a minute before the next
+/// attempt.
 class NvidiaSource final : public GpuSource {
  public:
-    /// `nvml` must outlive the source; `slot` is the card's place on the bus.
+    /// `slot` is the card's place on the bus. Requires: `nvml` outlives the source.
     NvidiaSource(Nvml& nvml, std::string slot);
 
     std::optional<GpuUtilization> read(double now) override;

@@ -22,7 +22,7 @@ struct UtilizationRates {
 /// vendor's header is not needed to build it.
 class NvmlLibrary {
  public:
-    /// Null where the library is missing or is not what it should be.
+    /// Null if the library is missing or lacks a required function.
     static std::unique_ptr<NvmlLibrary> load(const std::string& name) {
         void* const handle = ::dlopen(name.c_str(), RTLD_NOW | RTLD_LOCAL);
         if (handle == nullptr) {
@@ -99,7 +99,7 @@ std::optional<double> Nvml::Session::utilization() const {
 }
 
 std::string Nvml::Session::name() const {
-    // The longest name that the library gives, with its end.
+    // Room for the longest name that the library gives, with its final zero.
     std::array<char, 96> text{};
     const auto function = owner_.library_->name;
     if (function == nullptr || function(device_, text.data(), text.size() - 1) != kSuccess) {

@@ -1,4 +1,4 @@
-// NVIDIA's management library, loaded while the program runs.
+// NVIDIA's management library, loaded at run time.
 #pragma once
 
 #include <cstdint>
@@ -19,8 +19,8 @@ class Nvml {
     Nvml& operator=(const Nvml&) = delete;
     ~Nvml();
 
-    /// A card while it is asked. Sessions of one library share its connection to the driver, which
-    /// ends with the last of them, so that nothing of the program keeps a card awake.
+    /// A card while it is read. All sessions of one library share its connection to the driver. The
+    /// connection ends with the last session, so that the program keeps no card awake.
     class Session {
      public:
         Session(const Session&) = delete;
@@ -42,8 +42,8 @@ class Nvml {
         void* const device_;
     };
 
-    /// Loads the library on first use and connects to the driver. Null where that fails or there is
-    /// no such card. No session may outlive this object.
+    /// Loads the library on the first call and connects to the driver. Null if that fails or there
+    /// is no such card. Requires: this object outlives its sessions.
     std::unique_ptr<Session> open(const std::string& slot);
 
  private:

@@ -18,11 +18,11 @@ class RuntimePower {
     /// error. A card without power management is always awake.
     bool isAwake();
 
-    /// The card sleeps by itself when nobody asks it anything: the system lets it, and it drives no
-    /// screen.
+    /// Whether the card falls asleep by itself when it is not read: the system allows it, and the
+    /// card drives no screen.
     bool couldSleep();
 
-    /// How long nobody must ask the card anything before it falls asleep, seconds.
+    /// Seconds without any reading until the card falls asleep.
     double secondsUntilSleep();
 
  private:

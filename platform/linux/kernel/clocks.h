@@ -6,7 +6,7 @@ namespace tarnwick::platform {
 /// The raw monotonic clock: not steered by time servers, stands still while the machine sleeps.
 double rawMonotonicSeconds();
 
-/// Time since boot with the time asleep: for the age of what was read.
+/// Time since boot, including sleep. For the age of readings.
 double sinceBootSeconds();
 
 /// The wall clock, since 1970.

@@ -10,7 +10,8 @@ namespace tarnwick::platform {
 
 namespace {
 
-// The questions of one sample follow each other within microseconds.
+// Greatest age in seconds of a reading that is shared by the questions of one sample. They follow
+// each other within microseconds.
 constexpr double kLongestShare = 0.1;
 
 }  // namespace

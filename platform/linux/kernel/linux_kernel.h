@@ -22,13 +22,13 @@ namespace tarnwick::platform {
 /// Reads the tree below a root. The files that are read at every tick stay open. Any thread.
 class LinuxKernel final : public Kernel {
  public:
-    /// `sinceBoot` gives the time in seconds by which the age of readings is judged.
+    /// `sinceBoot` returns the time in seconds; the age of readings is measured with it.
     explicit LinuxKernel(const std::string& root = "/",
                          std::function<double()> sinceBoot = sinceBootSeconds);
 
-    /// Processors that are online.
+    /// Number of online processors.
     std::optional<std::int32_t> logicalCPUCount() override;
-    /// What the kernel manages: a little less than what is built in.
+    /// The memory that the kernel manages: a little less than what is installed.
     std::optional<std::uint64_t> memorySize() override;
     std::optional<SwapUsage> swapUsage() override;
     /// The processors that are online, in the kernel's order. The result is the error of the read,
@@ -42,15 +42,16 @@ class LinuxKernel final : public Kernel {
     std::optional<TimeValue> bootTime() override;
     std::uint64_t pageSize() override;
     double monotonicSeconds() override;
-    /// A tree other than the live one stands still at the moment its `proc/uptime` tells.
+    /// In a tree other than "/" the time stands still at the moment that its `proc/uptime` and boot
+    /// time give. If these are missing, it is the real time.
     double wallClockSeconds() override;
 
  private:
     /// The three questions that one memory sample asks, as bits.
     enum MemoryQuestion : unsigned { sizeQuestion = 1, statisticsQuestion = 2, swapQuestion = 4 };
 
-    /// Makes `memInfo_` answer this question: the last reading when it is fresh and was not asked
-    /// this before, else a new one.
+    /// Makes `memInfo_` answer this question. Uses the last reading if it is fresh and has not
+    /// answered this question yet, else reads again.
     void readMemInfo(MemoryQuestion question);
 
     const std::string root_;
@@ -72,7 +73,7 @@ class LinuxKernel final : public Kernel {
     /// Error of the last read of the file; 0 when it could be read.
     int memInfoError_ = 0;
     double memInfoReadAt_ = 0;
-    /// The questions that the last reading has answered; all before the first.
+    /// The questions that the last reading has answered; all of them before the first reading.
     unsigned answered_ = sizeQuestion | statisticsQuestion | swapQuestion;
 };
 

@@ -75,7 +75,7 @@ void LinuxProcessInfo::findZones() {
             continue;
         }
         const TripPoints trips = tripPointsOf(zone);
-        // Without a trip point a temperature says nothing, so it is never read.
+        // A temperature without trip points has no meaning, so it is never read.
         if (trips.any()) {
             zones_.push_back({.temperature = KeptFile(zone + "/temp", 64),
                               .mode = KeptFile(zone + "/mode", 64),

@@ -18,14 +18,14 @@ namespace tarnwick::platform {
 /// Reads the tree below a root.
 class LinuxProcessInfo final : public ProcessInfo {
  public:
-    /// `sinceBoot` gives the time in seconds by which the age of readings is judged.
+    /// `sinceBoot` returns the time in seconds; the age of readings is measured with it.
     explicit LinuxProcessInfo(std::string root = "/",
                               std::function<double()> sinceBoot = sinceBootSeconds);
 
     std::int64_t activeProcessorCount() override;
-    /// The hottest of the zones that are enabled and have trip points, judged by its own; of
-    /// equally hot ones the worst. Nominal where there is none. The answer holds for two seconds,
-    /// and zones with their trip points are looked for again every minute.
+    /// The state of the hottest zone by its own trip points; if several zones are equally hot, the
+    /// worst of their states. Only enabled zones with trip points count; nominal if there is none.
+    /// An answer is reused for two seconds. Zones and trip points are searched again every minute.
     std::int64_t thermalState() override;
 
  private:

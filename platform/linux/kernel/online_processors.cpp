@@ -10,10 +10,10 @@ namespace tarnwick::platform {
 
 namespace {
 
-// Above what any kernel is built for.
+// Greater than the limit of any kernel.
 constexpr std::int32_t kLargestProcessor = (1 << 20) - 1;
 
-// A processor's number off the front of the text.
+// Removes a processor's number from the front of the text and returns it.
 std::optional<std::int32_t> takeProcessor(std::string_view& text) {
     std::int32_t number = 0;
     const char* const end = text.data() + text.size();

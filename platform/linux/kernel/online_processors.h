@@ -1,4 +1,4 @@
-// How many processors run work now.
+// The number of online processors.
 #pragma once
 
 #include <cstdint>
@@ -20,8 +20,8 @@ class OnlineProcessors {
  public:
     explicit OnlineProcessors(const std::string& root);
 
-    /// From the kernel's list of online processors, else from the processor lines of its
-    /// statistics. Absent when both fail.
+    /// Number of processors in the kernel's list of online processors; if that fails, number of
+    /// processor lines in its statistics. Absent if both fail.
     std::optional<std::int32_t> count();
 
  private:

@@ -28,10 +28,10 @@ constexpr std::array<Line, 10> kLines = {{
     {"SReclaimable:", &MemInfo::sReclaimable},
 }};
 
-// No machine has as much; sums of a few such figures still fit.
+// More than any machine has. Sums of a few such figures still fit.
 constexpr std::uint64_t kLargestFigure = std::uint64_t{1} << 60;
 
-// "    24684096 kB" in bytes.
+// Bytes of a text such as " 24684096 kB".
 std::optional<std::uint64_t> bytesOf(std::string_view value) {
     value.remove_prefix(std::min(value.find_first_not_of(' '), value.size()));
     std::uint64_t kibibytes = 0;
@@ -58,7 +58,7 @@ MemInfo parseMemInfo(std::string_view text) {
         const std::string_view line = text.substr(0, end);
         text.remove_prefix(end + 1);
         for (const Line& wanted : kLines) {
-            // Most lines are not wanted; their first letter tells it soonest.
+            // Compares the first letter first, because most lines are not wanted.
             if (line.starts_with(wanted.key.front()) && line.starts_with(wanted.key)) {
                 info.*wanted.field = bytesOf(line.substr(wanted.key.size()));
                 ++found;

@@ -1,4 +1,4 @@
-// Reading the text of /proc/meminfo and of zram's mm_stat, and what they mean in pages.
+// Parses /proc/meminfo and zram's mm_stat, and converts their figures to pages.
 #pragma once
 
 #include <cstdint>
@@ -35,9 +35,8 @@ std::optional<std::uint64_t> parseZramMemoryUsed(std::string_view mmStat);
 /// Pages of `pageSize` bytes, rounded to the nearest, at most 2^32 − 1.
 std::uint32_t pagesOf(std::uint64_t bytes, std::uint64_t pageSize);
 
-/// The page counts that /proc/meminfo and `zramBytes` stand for. Absent when the total or the free
-/// memory is unknown or they contradict each other. A figure above the total cannot be true and
-/// counts as 0.
+/// The page counts for /proc/meminfo and `zramBytes`. Absent if the total or the free memory is
+/// unknown, or the two contradict each other. A figure above the total is wrong and counts as 0.
 std::optional<VMStatistics> vmStatistics(const MemInfo& info, std::uint64_t zramBytes,
                                          std::uint64_t pageSize);
 

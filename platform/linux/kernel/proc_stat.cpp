@@ -11,7 +11,7 @@ bool isDigit(char character) {
     return character >= '0' && character <= '9';
 }
 
-// Takes a run of digits off the front, modulo 2^32; false when there is none.
+// Removes a run of digits from the front and stores its number modulo 2^32. False if there is none.
 bool takeCounter(std::string_view& text, std::uint32_t& counter) {
     std::size_t length = 0;
     std::uint32_t value = 0;

@@ -1,4 +1,4 @@
-// Reading the text of /proc/stat.
+// Parses /proc/stat.
 #pragma once
 
 #include <array>
@@ -11,7 +11,7 @@ namespace tarnwick::platform {
 
 /// Cumulative ticks of one processor that is online.
 struct ProcessorTicks {
-    /// The kernel's number of it; offline processors leave gaps.
+    /// The kernel's number of the processor. Offline processors leave gaps.
     std::uint32_t processor = 0;
     /// user, system (with interrupts and stolen time), idle (with waiting for input and output),
     /// nice; each modulo 2^32. Time given to guests is already inside user and nice.

@@ -9,7 +9,7 @@ std::optional<double> parseUptime(std::string_view text) {
     double seconds = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, seconds, std::chars_format::fixed);
-    // The idle time of the processors follows.
+    // A space and the processors' idle time must follow.
     if (error != std::errc() || rest == end || *rest != ' ' || !(seconds >= 0) || seconds > 1e12) {
         return std::nullopt;
     }

@@ -1,4 +1,4 @@
-// Reading the text of /proc/uptime.
+// Parses /proc/uptime.
 #pragma once
 
 #include <optional>

@@ -9,14 +9,16 @@
 
 namespace tarnwick::platform {
 
-/// Counters are compared by position, and the kernel lists only processors that are online. When
-/// one of them leaves or comes, the others move to another position, where they would be compared
-/// with the counters of their predecessor. This adds to each position what makes it go on from
-/// where it was by exactly the ticks of the processor that now holds it. One thread at a time.
+/// The kernel lists only online processors, and counters are compared by their position in the
+/// list. When a processor goes or comes, others move to another position, where their counters
+/// would be compared with those of the previous processor there.
+///
+/// This class adds an offset to each position: its counters continue from their last values, and
+/// grow by exactly the ticks of the processor that is there now. One thread at a time.
 class ProcessorPositions {
  public:
-    /// Four words a processor, in the order given. A processor that was not there the last time
-    /// adds nothing yet.
+    /// Four words for each processor, in the given order. A processor that was not in the last list
+    /// adds no ticks yet.
     std::vector<std::uint32_t> words(const std::vector<ProcessorTicks>& processors);
 
  private:

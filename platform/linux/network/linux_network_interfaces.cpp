@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::size_t kUsualListSize = 4096;
 
-// A number and the end of its line, which leave some of it free.
+// Room for a number and its line break. A full buffer would mean a longer text.
 using NumberText = std::array<char, 32>;
 
 std::size_t quarterOfDescriptors() {
@@ -23,7 +23,7 @@ std::size_t quarterOfDescriptors() {
                : 0;
 }
 
-// What an open file holds; empty where nothing can be read.
+// Content of an open file; empty if it cannot be read.
 std::string_view textOf(const FileDescriptor& file, NumberText& buffer) {
     ssize_t size = -1;
     do {
@@ -67,9 +67,10 @@ std::optional<InterfaceTable> LinuxNetworkInterfaces::interfaceCounters() {
 }
 
 bool LinuxNetworkInterfaces::follow(const std::vector<NetworkDevice>& devices) {
-    // A file that is open follows its interface to another name. The kernel lists by index, so
-    // interfaces that swapped their names have changed their places: the same names in the same
-    // order are the same interfaces, or new ones for which the old files fail.
+    // An open file follows its interface to a new name. The kernel lists interfaces by index, so
+    // interfaces that swapped their names have swapped their places. Therefore the same names in
+    // the same order are the same interfaces, or new ones; for new ones reading the old files
+    // fails.
     if (folder_.isOpen() &&
         std::ranges::equal(links_, devices, {}, &Link::name, &NetworkDevice::name)) {
         return true;
@@ -103,7 +104,8 @@ std::optional<std::uint32_t> LinuxNetworkInterfaces::currentFlags(std::size_t pl
     Link& link = links_[place];
     std::optional<std::uint32_t> flags = flagsIn(link.flags);
     if (!flags) {
-        // Not open, or it has gone. Another interface may have its name and its place now.
+        // The file is not open, or its interface is gone and another one may have its name and
+        // place now.
         open(link);
         flags = flagsIn(link.flags);
     }

@@ -14,9 +14,9 @@
 
 namespace tarnwick::platform {
 
-/// Reads the counters from proc/net/dev and, below sys/class/net, the index and the flags of each
-/// interface. The files that are read at every call stay open, as far as a quarter of the
-/// descriptors that the program may have suffices. Any thread; calls take turns.
+/// Reads the counters from proc/net/dev, and the index and flags of each interface below
+/// sys/class/net. Files that are read at every call stay open, up to a quarter of the descriptors
+/// that the program may have. Any thread; calls take turns.
 class LinuxNetworkInterfaces final : public NetworkInterfaces {
  public:
     explicit LinuxNetworkInterfaces(const std::string& root = "/");
@@ -34,7 +34,7 @@ class LinuxNetworkInterfaces final : public NetworkInterfaces {
         FileDescriptor flags{};
     };
 
-    /// Makes the links those of the list. False without a folder of interfaces.
+    /// Makes the links match the list. False if there is no folder of interfaces.
     bool follow(const std::vector<NetworkDevice>& devices);
     void open(Link& link) const;
     /// The flags of the link at this place of the list.
@@ -47,7 +47,7 @@ class LinuxNetworkInterfaces final : public NetworkInterfaces {
     FileDescriptor folder_;
     /// In the order of the list.
     std::vector<Link> links_;
-    /// Links whose flags may stay open.
+    /// Greatest number of links with flags that stay open.
     std::size_t mostKept_ = 0;
 };
 

@@ -76,7 +76,7 @@ std::optional<NetworkDevice> parseDevice(std::string_view line) {
 
 std::optional<std::vector<NetworkDevice>> parseNetworkDevices(std::string_view text) {
     std::vector<NetworkDevice> devices;
-    // Two lines of headings, whose columns are parted by bars.
+    // Two lines of headings, with bars between their columns.
     int headings = 2;
     while (!text.empty()) {
         const std::size_t end = text.find('\n');

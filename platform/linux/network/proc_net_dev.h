@@ -10,15 +10,15 @@ namespace tarnwick::platform {
 
 /// One interface of /proc/net/dev.
 struct NetworkDevice {
-    /// Fit to name a file. Points into the text.
+    /// Valid as a file name. Points into the parsed text.
     std::string_view name;
     /// Bytes received and sent.
     std::uint64_t received = 0;
     std::uint64_t sent = 0;
 };
 
-/// Every interface of /proc/net/dev in the order of the file. Absent when it is damaged anywhere:
-/// it comes whole or not at all.
+/// Every interface of /proc/net/dev in the order of the file. Absent if any part of the text is
+/// damaged.
 std::optional<std::vector<NetworkDevice>> parseNetworkDevices(std::string_view text);
 
 /// /sys/class/net/NAME/ifindex. Absent for anything but a number above 0.

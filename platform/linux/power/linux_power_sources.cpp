@@ -21,7 +21,7 @@ std::optional<std::vector<std::string>> suppliesIn(const std::string& folder) {
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         supplies.push_back(entry->path().native());
     }
-    // A kernel without power supplies has no such folder: that machine has none.
+    // A missing folder means that the kernel has no power supplies, so the machine has none.
     if (error && error != std::errc::no_such_file_or_directory) {
         return std::nullopt;
     }

@@ -23,7 +23,7 @@ class LinuxPowerSources final : public PowerSources, public BatteryHealth {
     std::optional<HealthReading> readHealth() override;
 
  private:
-    /// The batteries that are there and what supplies the machine from outside.
+    /// The batteries that are present, and whether outside power is connected.
     struct Supplies {
         std::vector<PowerSupply> batteries;
         std::optional<bool> outside;

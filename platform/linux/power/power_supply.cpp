@@ -58,7 +58,7 @@ constexpr std::array<std::string_view, 14> kBattery = {
     "charge_full_design",
 };
 
-// What the kernel says of a battery that must be seen to, and the word that says the same.
+// Faults in the kernel's words, with the macOS words for them.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kFaults = {{
     {"Dead", "Replace Now"},
     {"Unspecified failure", "Check Battery"},
@@ -69,7 +69,7 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kFaults =
 constexpr double kLongestTime = 10 * 24 * 60;
 constexpr double kLargestHealth = 200;
 
-/// A quantity that is known and not 0; the sign says nothing.
+/// The absolute value of a figure that is known and not 0; its sign has no meaning.
 std::optional<double> amount(const std::optional<std::int64_t>& figure) {
     if (!figure || *figure == 0) {
         return std::nullopt;
@@ -89,7 +89,7 @@ std::optional<double> either(std::optional<double> a, std::optional<double> b) {
     return a ? a : b;
 }
 
-/// What is in the battery, what fits in, and how fast that changes in an hour, all in one unit.
+/// Content, capacity and change per hour of a battery, all in one unit.
 struct Content {
     std::optional<double> now;
     std::optional<double> full;
@@ -97,7 +97,7 @@ struct Content {
 };
 
 Content contentOf(const PowerSupply& supply) {
-    // An empty battery is known to hold 0.
+    // 0 is a valid content: the battery is empty.
     const auto held = [](const std::optional<std::int64_t>& figure) {
         return figure && *figure >= 0 ? std::optional(static_cast<double>(*figure)) : std::nullopt;
     };
@@ -122,7 +122,8 @@ std::optional<std::int64_t> minutes(double content, std::optional<double> rate) 
 }
 
 bool isOnPower(const PowerSupply& supply, std::optional<bool> outside) {
-    // What charges it may not be listed, such as a USB port that only powers.
+    // The supply that charges the battery may not be listed, for example a USB port that only
+    // powers.
     if (supply.status == "Charging") {
         return true;
     }
@@ -135,7 +136,7 @@ std::optional<std::int64_t> parseFigure(std::string_view text) {
     std::int64_t figure = 0;
     const char* const end = text.data() + text.size();
     const auto [rest, error] = std::from_chars(text.data(), end, figure);
-    // Without the line break the file was cut short and so, perhaps, was the figure.
+    // Without a line break the file, and perhaps the figure, was cut short.
     if (error != std::errc() || rest == end || *rest != '\n') {
         return std::nullopt;
     }

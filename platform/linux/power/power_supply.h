@@ -11,8 +11,8 @@
 
 namespace tarnwick::platform {
 
-/// A whole number with a line break, as the kernel's files give figures. Absent for anything else:
-/// some drivers print "-NaN" or nothing at all for what they do not know.
+/// A whole number followed by a line break, as in the kernel's files. Absent for anything else:
+/// some drivers print "-NaN" or nothing for unknown figures.
 std::optional<std::int64_t> parseFigure(std::string_view text);
 
 /// The first line without blanks around it; empty unless it is printable ASCII, as all of the
@@ -48,23 +48,24 @@ struct PowerSupply {
     std::optional<std::int64_t> voltageNow;
     std::optional<std::int64_t> cycleCount;
 
-    /// Takes in the text of one file; names that say nothing here are passed over.
+    /// Stores the content of one file. Unknown file names are ignored.
     void take(std::string_view file, std::string_view text);
 
-    /// A battery that powers the machine, not a peripheral's.
+    /// Whether this is a battery of the machine, not of a peripheral.
     bool isSystemBattery() const;
-    /// Whether it supplies power from outside; absent for batteries, for supplies of peripherals
-    /// and for those that do not say.
+    /// Whether it supplies power from outside. Absent for batteries, uninterruptible supplies,
+    /// supplies of peripherals and those that do not tell.
     std::optional<bool> suppliesFromOutside() const;
 };
 
-/// The files that tell what kind of supply it is.
+/// The files that identify the kind of supply.
 std::span<const std::string_view> filesOfEverySupply();
 /// The further files of a battery.
 std::span<const std::string_view> filesOfBattery();
 
-/// Charge level, percent, 0 to 100: as the driver says or, where it says nothing believable, from
-/// the amounts. A battery charged above its full capacity is full. Absent when unknown.
+/// Charge level, percent, 0 to 100: the driver's figure; if that is missing or not believable,
+/// computed from the amounts. A battery charged above its full capacity counts as full. Absent if
+/// unknown.
 std::optional<std::int64_t> chargeLevel(const PowerSupply& battery);
 
 /// Capacity relative to the design, percent, 1 to 100; more than the design counts as the design.
@@ -75,14 +76,16 @@ std::optional<std::int64_t> healthPercentage(const PowerSupply& battery);
 /// when unknown.
 std::string conditionWord(const PowerSupply& battery);
 
-/// A system battery as a power source. `outside` says whether a supply from outside is connected;
-/// absent when none says. Times are absent where the present rate is unknown or 0, or would last
-/// for more than ten days. Absent for an empty bay, and where the charge level is unknown: then
-/// nothing of the battery can be believed.
+/// A system battery as a power source. `outside` tells whether outside power is connected; absent
+/// if no supply tells.
+///
+/// Times are absent if the present rate is unknown or 0, or if the time would exceed ten days. The
+/// result is absent for an empty bay, and if the charge level is unknown: then no other figure of
+/// the battery is believable either.
 std::optional<PowerSourceDescription> describe(const PowerSupply& battery,
                                                std::optional<bool> outside);
 
-/// Charge cycles. 0 is what drivers say that do not know. Absent when unknown.
+/// Number of charge cycles. Absent if unknown; drivers report 0 if they do not know it.
 std::optional<std::int64_t> cyclesOf(const PowerSupply& battery);
 
 }  // namespace tarnwick::platform

@@ -17,19 +17,20 @@ struct TripPoints {
     /// The machine switches off.
     std::optional<std::int64_t> critical;
 
-    /// Takes a trip point in; kinds that say nothing about heat (fans) are passed over.
+    /// Adds a trip point. Kinds without meaning for heat (fans) are ignored.
     void add(std::string_view kind, std::int64_t temperature);
     bool any() const { return passive || hot || critical; }
 
     bool operator==(const TripPoints&) const = default;
 };
 
-/// A temperature in thousandths of a degree, as the kernel's files give it with a line break.
-/// Absent for damaged text and for what no sensor in a machine can mean: below 1 °C (unset or
-/// unplugged sensors read 0 or less) and from 150 °C (a sensor without power reads 255 °C).
+/// A temperature in thousandths of a degree, followed by a line break, as in the kernel's files.
+/// Absent for damaged text and for impossible values: below 1 °C (unset or unplugged sensors read 0
+/// or less) and from 150 °C (a sensor without power reads 255 °C).
 std::optional<std::int64_t> parseTemperature(std::string_view text);
 
-/// 0 nominal: below the passive trip point or without one; 1 fair; 2 serious: hot; 3 critical.
+/// The state for the most severe trip point that `temperature` has reached: 1 fair: passive; 2
+/// serious: hot; 3 critical: critical. 0 nominal: none is reached.
 std::int64_t thermalStateAt(std::int64_t temperature, const TripPoints& trips);
 
 }  // namespace tarnwick::platform

@@ -41,7 +41,8 @@ std::optional<std::string_view> KeptProcessFiles::read(std::int32_t identifier) 
         content = contentOf(file);
     }
     if (!content) {
-        // Not kept, or kept for a process that has ended; another may have its number now.
+        // No file was kept, or it was kept for a process that has ended; its number may belong to
+        // another process now.
         file = openStat(identifier);
         if (!file.isOpen()) {
             return std::nullopt;
@@ -84,7 +85,7 @@ FileDescriptor KeptProcessFiles::openStat(std::int32_t identifier) {
     std::memcpy(end, suffix, sizeof suffix);
     FileDescriptor file(*folder_, path.data());
     if (!file.isOpen() && isOutOfDescriptors(errno)) {
-        // Others need them more. Nothing is kept for the rest of this walk.
+        // Other code needs the descriptors more. No file is kept in the rest of this walk.
         limit_ = 0;
         release();
         file = FileDescriptor(*folder_, path.data());

@@ -24,7 +24,7 @@ constexpr std::uint64_t kNanosecondsPerSecond = 1'000'000'000;
 // overflow.
 constexpr std::uint64_t kMostNanoseconds = std::uint64_t{1} << 62;
 
-// How the kernel counts what it says of a process.
+// The units of the kernel's figures about a process.
 struct Units {
     std::uint64_t nanosecondsPerTick =
         kNanosecondsPerSecond / static_cast<std::uint64_t>(::sysconf(_SC_CLK_TCK));
@@ -77,7 +77,7 @@ class ListedProcess final : public ProcessEntry {
     std::optional<ProcessStat> stat_;
 };
 
-// Where a symbolic link leads, any bytes; absent when it cannot be read.
+// Target of a symbolic link, any bytes; absent if it cannot be read.
 std::optional<std::string> targetOf(const std::string& link) {
     std::array<char, 4096> target;
     const ssize_t size = ::readlink(link.c_str(), target.data(), target.size());
@@ -101,7 +101,7 @@ ProcessListing LinuxProcessTable::forEachProcess(const Visit& visit) {
     const std::string folder = belowRoot(root_, "proc");
     const FileDescriptor opened(folder);
     if (!opened.isOpen() || !listProcessIdentifiers(folder, identifiers_)) {
-        // Perhaps no descriptor is left: the next try has those of the kept files.
+        // Perhaps no descriptor is left. The next attempt can use those of the kept files.
         files_.release();
         return ProcessListing::noList;
     }

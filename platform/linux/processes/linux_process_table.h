@@ -13,29 +13,30 @@
 
 namespace tarnwick::platform {
 
-/// Reads the tree below a root. A walk reads the stat file of each process whose task information
-/// is asked for once, and keeps it open for the next walk as far as the program's limit of
-/// descriptors allows. Any thread; walks take turns.
+/// Reads the tree below `root`. A walk reads the stat file of a process once, if its task
+/// information is requested, and keeps the file open for the next walk if the program's limit of
+/// descriptors allows it. Any thread; walks take turns.
 class LinuxProcessTable final : public ProcessTable {
  public:
-    /// With the applications of this user's environment.
+    /// Uses the applications of this user's environment.
     explicit LinuxProcessTable(std::string root = "/");
     LinuxProcessTable(std::string root, ApplicationSources applications);
 
-    /// Rising identifiers. A process that ends before it is read is visited without task
-    /// information. Resident pages are given in bytes, times in nanoseconds.
+    /// Visits the processes in the order of rising identifiers. A process that ends before it is
+    /// read is visited without task information. Resident memory is in bytes, times are in
+    /// nanoseconds.
     ProcessListing forEachProcess(const Visit& visit) override;
-    /// As /proc/self names the program.
+    /// The program's number in /proc/self.
     std::int32_t ownIdentifier() override;
-    /// Processors that are online.
+    /// Number of online processors.
     std::int64_t processorCount() override;
-    /// 1 / 1.
+    /// Always 1 / 1.
     std::optional<TimebaseInfo> timebaseInfo() override;
-    /// The desktop entry of the unit that the process runs in. One that no menu shows is an
-    /// accessory.
+    /// From the desktop entry of the unit in which the process runs. An application that no menu
+    /// shows is an accessory.
     std::optional<RunningApplication> runningApplication(std::int32_t identifier) override;
-    /// Absent for the kernel's threads and for processes of other users. The path of a file that
-    /// was replaced since is the one it had.
+    /// Absent for the kernel's threads and for processes of other users. If the file was replaced,
+    /// this is its old path.
     std::optional<std::string> executablePath(std::int32_t identifier) override;
     /// The last piece of the path.
     std::string displayName(const std::string& path) override;

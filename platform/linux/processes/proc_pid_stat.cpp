@@ -13,7 +13,8 @@ constexpr int kUserField = 14;
 constexpr int kSystemField = 15;
 constexpr int kResidentField = 24;
 
-// Takes a space and the word behind it off the front; empty when there is none that is whole.
+// Removes a space and the word after it from the front and returns the word. Empty if there is no
+// complete word.
 std::string_view takeWord(std::string_view& text) {
     if (!text.starts_with(' ')) {
         return {};
@@ -41,7 +42,7 @@ std::optional<std::uint64_t> parseCount(std::string_view word) {
     return count;
 }
 
-// The kernel keeps this count in parts and may find their sum a little below zero.
+// The kernel counts this in parts, so the sum may be slightly negative.
 std::optional<std::uint64_t> parsePages(std::string_view word) {
     if (!word.starts_with('-')) {
         return parseCount(word);
@@ -53,7 +54,7 @@ std::optional<std::uint64_t> parsePages(std::string_view word) {
 
 std::optional<ProcessStat> parseProcessStat(std::string_view text) {
     const std::size_t open = text.find('(');
-    // A command may hold brackets of its own; no field behind it does.
+    // The command may contain brackets; the fields after it contain none.
     const std::size_t close = text.rfind(')');
     if (open == std::string_view::npos || close == std::string_view::npos || close < open) {
         return std::nullopt;

@@ -1,4 +1,4 @@
-// What the kernel says of one process in /proc/PID/stat.
+// Parses /proc/PID/stat.
 #pragma once
 
 #include <cstdint>

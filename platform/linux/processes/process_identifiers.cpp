@@ -38,7 +38,7 @@ bool listProcessIdentifiers(const std::string& folder, std::vector<std::int32_t>
         identifiers.clear();
         return false;
     }
-    // The kernel lists them so; other file systems in any order.
+    // The kernel lists them in order; other file systems may not.
     if (!std::ranges::is_sorted(identifiers)) {
         std::ranges::sort(identifiers);
     }

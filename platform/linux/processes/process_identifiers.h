@@ -8,7 +8,7 @@
 
 namespace tarnwick::platform {
 
-/// The process identifier that a name in /proc stands for; 0 for any other name.
+/// The process identifier that is written as `name` in /proc; 0 for any other name.
 std::int32_t parseProcessIdentifier(std::string_view name);
 
 /// Fills `identifiers` with those of the processes in a folder like /proc, rising. False, with

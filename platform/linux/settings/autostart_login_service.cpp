@@ -23,7 +23,7 @@ constexpr std::string_view kHead =
     "[Desktop Entry]\nType=Application\nName=Tarnwick\nComment=System monitor for the status area\n"
     "Icon=tarnwick\n";
 
-/// What is told to the user: one line, whatever characters the path has.
+/// The message for the user: one line, even if the path contains control characters.
 LoginServiceError failure(std::string what, const std::filesystem::path& path,
                           const std::string& why) {
     what += ' ' + path.native() + ": " + why;
@@ -32,8 +32,8 @@ LoginServiceError failure(std::string what, const std::filesystem::path& path,
     return {std::move(what)};
 }
 
-/// Absent when there is no file; what cannot be read is empty. Pipes, devices and folders are no
-/// entries.
+/// Absent if there is no regular file: pipes, devices and folders are not entries. Empty if the
+/// file cannot be read.
 std::optional<std::string> textOf(const std::filesystem::path& file) {
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error)) {
@@ -46,14 +46,14 @@ std::string_view valueOf(std::string_view text, std::string_view key) {
     return desktopEntryValue(text, key).value_or(std::string_view());
 }
 
-/// It describes an application and nobody has switched it off: by removing it, or as several
-/// desktops do.
+/// Whether the entry describes an application and is not switched off, either with Hidden or in the
+/// way of several desktops.
 bool isOn(std::string_view text) {
     return valueOf(text, "Type") == "Application" && valueOf(text, "Hidden") != "true" &&
            valueOf(text, "X-GNOME-Autostart-enabled") != "false";
 }
 
-/// An entry's list of desktops names one of the session's.
+/// Whether an entry's list of desktops contains one of the session's.
 bool names(std::string_view list, std::string_view current) {
     const auto named = listItems(list, ';');
     return std::ranges::any_of(listItems(current), [&named](std::string_view desktop) {
@@ -77,7 +77,7 @@ std::string escaped(std::string_view text, std::string_view reserved) {
     return result;
 }
 
-/// A word of a command line that stands for exactly these characters.
+/// Quotes a word so that a command line reads exactly these characters.
 std::string commandWord(std::string_view word) {
     constexpr std::string_view reserved = " \"'\\><~|&;$*?#()`";
     std::string text = escaped(word, "\"`$\\");
@@ -87,22 +87,23 @@ std::string commandWord(std::string_view word) {
     return word.find_first_of(reserved) == std::string_view::npos ? text : '"' + text + '"';
 }
 
-/// No entry can hold the path: it is not known, the equals sign makes it a variable, and values are
-/// lines of UTF-8.
+/// Whether no entry can hold the path: it is unknown, contains an equals sign (which makes it a
+/// variable), or is not one line of UTF-8.
 bool isUnusable(const std::string& path) {
     return path.empty() || path.find('=') != std::string::npos || repairedUTF8(path) != path ||
            std::ranges::any_of(path,
                                [](char each) { return static_cast<unsigned char>(each) < ' '; });
 }
 
-/// Nobody ever sees half of a file, and a link is replaced instead of what it leads to.
+/// Replaces the file at once, so that no program ever reads half of it. If the file is a link, the
+/// link is replaced, not its target.
 std::error_code replaceFile(const std::filesystem::path& file, std::string_view text) {
-    // No desktop takes a file without the suffix for an entry.
+    // Desktops ignore a file without the suffix ".desktop".
     std::string temporary = file.native() + ".XXXXXX";
     const int descriptor = ::mkostemp(temporary.data(), O_CLOEXEC);
     bool isDone = descriptor >= 0;
     if (isDone) {
-        // Of a disk that takes only a part of these few bytes.
+        // The error if the disk takes only a part of these few bytes.
         errno = ENOSPC;
         isDone = ::write(descriptor, text.data(), text.size()) == std::ssize(text) &&
                  ::fsync(descriptor) == 0 && ::rename(temporary.c_str(), file.c_str()) == 0;
@@ -132,8 +133,8 @@ std::vector<std::string> startCommand(const std::filesystem::path& program,
     if (!flatpak.empty() && std::filesystem::exists(root / ".flatpak-info", error)) {
         return {"flatpak", "run", flatpak};
     }
-    // The variables of an image or a snap are those of the terminal, too, that this program was
-    // started from: they count only where they say where this program lies.
+    // The variables of an image or a snap may come from the terminal that started this program.
+    // They count only if this program lies in the folder that they name.
     const auto liesIn = [&](const char* variable) {
         const std::string folder = value(variable);
         return !folder.empty() && program.native().starts_with(folder + '/');
@@ -162,7 +163,7 @@ LoginServiceStatus AutostartLoginService::status() {
         return LoginServiceStatus::notRegistered;
     }
     const std::vector<std::string> command = desktopEntryCommand(valueOf(*text, "Exec"));
-    // What started this program is there, even when a sandbox hides it.
+    // The program that runs now exists, even if a sandbox hides it.
     const bool isThere =
         !command.empty() && ((isSandboxed() && command == command_) ||
                              !findExecutable(command.front(), value("PATH")).empty());
@@ -190,7 +191,7 @@ std::optional<LoginServiceError> AutostartLoginService::unregisterService() {
     const std::filesystem::path own = ownFile();
     std::error_code error;
     std::filesystem::remove(own, error);
-    // Below a file there is nothing to remove.
+    // If a parent of the path is a file, there is nothing to remove.
     if (error && error != std::errc::not_a_directory) {
         return failure("Cannot remove", own, error.message());
     }
@@ -236,7 +237,7 @@ std::optional<LoginServiceError> AutostartLoginService::write(std::string_view t
     if (own.empty()) {
         return LoginServiceError{"Cannot change what starts at login: there is no home folder"};
     }
-    // What is made where the sandbox shows nothing is seen by nobody else.
+    // A folder that is made inside the sandbox only is invisible to all other programs.
     std::error_code error;
     if (isSandboxed() && !std::filesystem::is_directory(own.parent_path(), error)) {
         return failure("Cannot write", own, "the sandbox does not show this folder");

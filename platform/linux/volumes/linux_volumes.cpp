@@ -90,7 +90,8 @@ std::string LinuxVolumes::nameOfVolume(const std::string& path, unsigned long fi
     const double now = sinceBoot_();
     if (!known_ || known_->path != path || known_->fileSystem != fileSystem ||
         now < known_->foundAt || now - known_->foundAt >= kLongestAgeOfName) {
-        // Every path lies below the root, whatever the mount table says or does not say.
+        // Falls back to "/": every path lies below the root, even if the mount table does not show
+        // it.
         known_ = KnownName{.path = path,
                            .fileSystem = fileSystem,
                            .foundAt = now,
@@ -105,7 +106,8 @@ std::optional<std::string> LinuxVolumes::findName(const std::string& path) const
     if (!mountInfo) {
         return std::nullopt;
     }
-    // Mount points are given without symbolic links. The tree's own root is taken off again.
+    // Mount points contain no symbolic links, so the path is resolved. The tree's own root is
+    // removed from it.
     std::error_code error;
     const std::filesystem::path root = std::filesystem::canonical(root_, error);
     const std::filesystem::path real =

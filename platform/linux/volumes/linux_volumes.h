@@ -15,18 +15,20 @@ namespace tarnwick::platform {
 /// Any thread.
 class LinuxVolumes final : public Volumes {
  public:
-    /// All paths are below `root`. `home` stands for the user's own choice of a home directory
-    /// ($HOME where none is given); it counts when it is an absolute path, else the password
-    /// database does. `sinceBoot` gives the time in seconds by which the age of names is judged.
+    /// All paths are below `root`. `home` is the home directory that the user chose; if absent,
+    /// $HOME. If it is not an absolute path, the password database decides. `sinceBoot` returns the
+    /// time in seconds; the age of names is measured with it.
     explicit LinuxVolumes(std::string root = "/", std::optional<std::string> home = std::nullopt,
                           std::function<double()> sinceBoot = sinceBootSeconds);
 
-    /// "/" for a user of whom nothing is known.
+    /// "/" for an unknown user.
     std::string homeDirectoryForCurrentUser() override;
-    /// Never an error: a volume that cannot be asked has a name and no capacity. The name is the
-    /// file system's label, else its mount point, else "/"; it is looked up again after a minute or
-    /// when another file system is mounted there. There is no important-usage capacity. Available
-    /// is what a user without privileges may fill; the total leaves out what only the system may.
+    /// Never an error: a volume that cannot be read has a name and no capacity. The name is the
+    /// file system's label, else its mount point, else "/". It is looked up again after a minute,
+    /// or when another file system is mounted there.
+    ///
+    /// There is no important-usage capacity. The available capacity is what a user without
+    /// privileges may fill; the total excludes free space that is reserved for the system.
     std::variant<VolumeResourceValues, VolumeError> resourceValues(
         const std::string& path) override;
     std::optional<FileSystemAttributes> attributesOfFileSystemForPath(

@@ -6,7 +6,7 @@ namespace tarnwick::platform {
 
 namespace {
 
-// The text up to the next space, taken off the front with that space.
+// Removes the text up to the next space, and that space, from the front and returns the text.
 std::optional<std::string_view> takeField(std::string_view& line) {
     const std::size_t end = line.find(' ');
     if (end == std::string_view::npos) {
@@ -28,7 +28,7 @@ std::optional<Mount> parseLine(std::string_view line) {
     if (!mountPoint || !mountPoint->starts_with('/')) {
         return std::nullopt;
     }
-    // A number of optional fields ends with a lone dash.
+    // Any number of optional fields follows; a single dash ends them.
     std::optional<std::string_view> field;
     do {
         field = takeField(line);

@@ -1,4 +1,4 @@
-// Reading the text of /proc/self/mountinfo.
+// Parses /proc/self/mountinfo.
 #pragma once
 
 #include <optional>
@@ -22,7 +22,7 @@ struct Mount {
 /// damaged or cut short are passed over.
 std::optional<Mount> mountOf(std::string_view mountInfo, std::string_view path);
 
-/// Text with its octal escapes (\040 for a space) decoded; what is not such an escape stays.
+/// The text with its octal escapes (\040 for a space) decoded. Other characters stay.
 std::string decodedOctalEscapes(std::string_view text);
 
 }  // namespace tarnwick::platform

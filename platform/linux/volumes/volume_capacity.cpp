@@ -18,10 +18,10 @@ std::int64_t bytesOf(std::uint64_t blocks, std::uint64_t blockSize) {
 }  // namespace
 
 VolumeCapacity volumeCapacity(const struct statvfs& figures) {
-    // Where blocks of the system's reserve are in use, some file systems give a negative count.
+    // Some file systems report a negative count while blocks of the system's reserve are in use.
     const bool negative = static_cast<std::int64_t>(figures.f_bavail) < 0;
     const std::int64_t available = negative ? 0 : bytesOf(figures.f_bavail, figures.f_frsize);
-    // Some network file systems count more blocks free than there are.
+    // Some network file systems report more free blocks than there are blocks.
     const bool hasUsed = figures.f_blocks > figures.f_bfree;
     const std::int64_t used =
         hasUsed ? bytesOf(figures.f_blocks - figures.f_bfree, figures.f_frsize) : 0;

@@ -8,12 +8,12 @@ namespace tarnwick::platform {
 
 /// Bytes; from 0 to the largest number that fits.
 struct VolumeCapacity {
-    /// What is in use and what is available. Free blocks that are kept for the system are neither,
-    /// as with df, whose Used and Use% follow from these two.
+    /// Used and available space together. Free blocks that are reserved for the system are not part
+    /// of it; df computes its Used and Use% in the same way.
     std::int64_t total = 0;
     /// For a user without privileges; 0 where only the system's reserve is left.
     std::int64_t available = 0;
-    /// Tells one file system from another.
+    /// Identifies the file system.
     unsigned long fileSystem = 0;
 };
 

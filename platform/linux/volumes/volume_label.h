@@ -7,11 +7,12 @@
 
 namespace tarnwick::platform {
 
-/// Text with its escapes (\x20 for a space) decoded; what is not such an escape stays.
+/// The text with its escapes (\x20 for a space) decoded. Other characters stay.
 std::string decodedHexEscapes(std::string_view text);
 
 /// The label of the file system on `device` (a path below `root`), from the links in
-/// dev/disk/by-label; the first in alphabetical order of several. Absent when there is none.
+/// dev/disk/by-label. If there are several, the first in alphabetical order. Absent if there is
+/// none.
 std::optional<std::string> labelOfDevice(const std::string& root, const std::string& device);
 
 }  // namespace tarnwick::platform

@@ -50,7 +50,7 @@ class PosixChildProcess final : public ChildProcess {
     ~PosixChildProcess() override { terminate(); }
 
     void poll(double seconds) override {
-        // A pipe at its end is always ready; it would not be a wait.
+        // Ignores a pipe at its end: it is always ready, so poll() would not wait.
         pollfd output{.fd = atEnd_ ? -1 : output_.get(), .events = POLLIN, .revents = 0};
         ::poll(&output, 1, milliseconds(seconds));
     }

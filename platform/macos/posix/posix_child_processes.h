@@ -1,4 +1,4 @@
-// Child processes with what every POSIX system has.
+// Child processes through calls that every POSIX system has.
 #pragma once
 
 #include <memory>
@@ -11,12 +11,12 @@
 
 namespace tarnwick::platform {
 
-/// How long a child is waited for, in seconds.
+/// Waiting times for the end of a child, in seconds.
 struct ChildPatience {
-    /// After it was asked to end, before it is ended by force.
+    /// From the request to end until the child is killed.
     double asked = 0.1;
-    /// After it was ended by force. A child that is stuck in the system beyond that time is left,
-    /// and its status taken later.
+    /// After the child was killed. If it is stuck in the system longer than that, it is left
+    /// behind, and its status is taken later.
     double forced = 1;
 };
 
@@ -24,7 +24,8 @@ struct ChildPatience {
 class LeftChildren {
  public:
     void add(pid_t id);
-    /// Takes the status of those that have ended by now; how many are still left.
+    /// Takes the status of children that have ended by now. Returns the number of those that are
+    /// still left.
     std::size_t reap();
 
  private:

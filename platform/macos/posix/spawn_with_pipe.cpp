@@ -22,7 +22,7 @@ std::optional<Pipe> makePipe() {
         return std::nullopt;
     }
     Pipe pipe{Descriptor(ends[0]), Descriptor(ends[1])};
-    // Not every system can do this together with making the pipe.
+    // A separate call, because some systems cannot set the flag when they make the pipe.
     for (const int end : ends) {
         if (::fcntl(end, F_SETFD, FD_CLOEXEC) != 0) {
             return std::nullopt;
@@ -57,13 +57,14 @@ class FileActions {
     bool complete_;
 };
 
-/// No signal is blocked, and none is ignored that this process may ignore.
+/// Default signal settings for the child: no signal is blocked, and signals that this process may
+/// ignore are not ignored.
 class DefaultSignals {
  public:
     DefaultSignals() {
         ::posix_spawnattr_init(&attributes_);
         sigset_t signals;
-        // Macros on some systems.
+        // These functions are macros on some systems.
         sigemptyset(&signals);
         ::posix_spawnattr_setsigmask(&attributes_, &signals);
         for (const int number : {SIGCHLD, SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM}) {
@@ -107,8 +108,8 @@ SpawnedChild spawnWithPipe(const std::string& path, const std::vector<std::strin
         return {};
     }
     FileActions actions;
-    // The pipe first: in a process that was started without standard descriptors it has got one of
-    // their numbers.
+    // The pipe comes first: if the process was started without standard descriptors, the pipe may
+    // have one of their numbers.
     actions.duplicate(pipe->writing.get(), STDOUT_FILENO);
     actions.open(STDIN_FILENO, "/dev/null", O_RDONLY);
     actions.open(STDERR_FILENO, "/dev/null", O_WRONLY);

@@ -30,13 +30,13 @@ class Descriptor {
 struct SpawnedChild {
     /// 0 when nothing was started.
     pid_t id = 0;
-    /// The end to read from; reading does not wait.
+    /// The reading end of the pipe; reads do not wait.
     Descriptor output{};
 };
 
-/// The child has the null device as standard input and standard error, the signals as a program
-/// expects them, and none of this process's files that are marked to be closed then. `arguments`
-/// come after the path.
+/// Starts the executable at `path` with `arguments` after the path. The child has the null device
+/// as standard input and standard error, default signal settings, and none of this process's files
+/// with the close-on-exec flag.
 SpawnedChild spawnWithPipe(const std::string& path, const std::vector<std::string>& arguments);
 
 }  // namespace tarnwick::platform

@@ -34,7 +34,8 @@ std::optional<platform::InterfaceTable> InterfaceCounterReader::readInterfaceLis
         std::vector<std::byte> buffer(needed.size);
         const platform::SysctlAnswer list = calls_.sysctl(kInterfaceListName, buffer);
         if (list.error == 0) {
-            // The size that is asked for leaves room for growth; what was written ends earlier.
+            // The system adds room for growth to the size that it reports, so the list may be
+            // shorter.
             return decodeInterfaceList(std::span(buffer).first(std::min(list.size, buffer.size())));
         }
         if (list.error != kOutOfMemory) {

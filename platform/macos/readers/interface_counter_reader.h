@@ -1,4 +1,4 @@
-// The steps from the calls of macOS to the byte counters of its network interfaces.
+// Reads the byte counters of the network interfaces through the calls of macOS.
 #pragma once
 
 #include <cstdint>
@@ -8,13 +8,13 @@
 
 namespace tarnwick {
 
-/// `errno` of a `sysctl` whose buffer is too small.
+/// `errno` of a `sysctl` with a buffer that is too small.
 inline constexpr std::int32_t kOutOfMemory = 12;
 /// Family of a link-layer address.
 inline constexpr std::uint8_t kLinkLayerFamily = 18;
 
-/// Takes the 64-bit counters of the interface list or, when that cannot be had or read, the 32-bit
-/// ones of the link-layer addresses. Keeps nothing between calls. Any thread.
+/// Reads the 64-bit counters of the interface list; if the list cannot be read or decoded, the
+/// 32-bit counters of the link-layer addresses. Keeps nothing between calls. Any thread.
 class InterfaceCounterReader final : public platform::NetworkInterfaces {
  public:
     explicit InterfaceCounterReader(platform::InterfaceCalls& calls) : calls_(calls) {}
@@ -22,7 +22,7 @@ class InterfaceCounterReader final : public platform::NetworkInterfaces {
     std::optional<platform::InterfaceTable> interfaceCounters() override;
 
  private:
-    /// Absent when the list cannot be had or is malformed.
+    /// Absent if the list cannot be read or is malformed.
     std::optional<platform::InterfaceTable> readInterfaceList();
     /// Absent when there are no addresses at all.
     std::optional<platform::InterfaceTable> readInterfaceAddresses();

@@ -1,7 +1,7 @@
-// The binary records in which macOS delivers kernel statistics, decoded from plain bytes.
+// Decodes the binary records of macOS with kernel statistics from plain bytes.
 //
-// Numbers are in the byte order of the machine; the bytes need no alignment. A decoder gives
-// nothing when its record does not fit into the bytes, and ignores bytes behind it.
+// Numbers are in the byte order of the machine; the bytes need no alignment. A decoder returns
+// nothing if the bytes are too few for its record, and ignores bytes after it.
 #pragma once
 
 #include <array>

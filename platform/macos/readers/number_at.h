@@ -7,8 +7,8 @@
 
 namespace tarnwick {
 
-/// The number at `offset`, in the byte order of the machine; it needs no alignment. The caller has
-/// made sure that it lies within the bytes.
+/// The number at `offset`, in the byte order of the machine; it needs no alignment. Requires: the
+/// number lies within the bytes.
 template <class T>
 T numberAt(std::span<const std::byte> bytes, std::size_t offset) {
     T number{};

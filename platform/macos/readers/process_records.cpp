@@ -1,25 +1,14 @@
 #include "platform/macos/readers/process_records.h"
 
-#include <cstring>
+#include "platform/macos/readers/number_at.h"
 
 namespace tarnwick {
-namespace {
-
-/// The number at `offset`; the caller has made sure that it lies within the bytes.
-template <class T>
-T numberAt(std::span<const std::byte> bytes, std::size_t offset) {
-    T number{};
-    std::memcpy(&number, bytes.subspan(offset, sizeof number).data(), sizeof number);
-    return number;
-}
-
-}  // namespace
 
 std::optional<ProcessRecord> decodeProcessRecord(std::span<const std::byte> bytes) {
     if (bytes.size() < kProcessRecordSize) {
         return std::nullopt;
     }
-    // The last byte of the field is there for the zero that ends the longest command.
+    // Leaves out the last byte of the field, which is only for the zero after the longest command.
     const auto field = bytes.subspan(kProcessCommandOffset, kProcessCommandSize - 1);
     const std::string_view command(reinterpret_cast<const char*>(field.data()), field.size());
     return ProcessRecord{

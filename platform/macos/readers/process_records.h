@@ -1,8 +1,8 @@
-// The binary records in which macOS delivers the process table and what a process has used,
-// decoded from plain bytes.
+// Decodes the binary records of macOS with the process table and the resources of a process from
+// plain bytes.
 //
-// Numbers are in the byte order of the machine; the bytes need no alignment. A decoder gives
-// nothing when its record does not fit into the bytes, and ignores bytes behind it.
+// Numbers are in the byte order of the machine; the bytes need no alignment. A decoder returns
+// nothing if the bytes are too few for its record, and ignores bytes after it.
 #pragma once
 
 #include <array>
@@ -39,7 +39,7 @@ inline constexpr std::size_t kResidentSizeOffset = 8;
 inline constexpr std::size_t kTotalUserOffset = 16;
 inline constexpr std::size_t kTotalSystemOffset = 24;
 
-/// What the program reads of `kinfo_proc`.
+/// The fields of `kinfo_proc` that the program reads.
 struct ProcessRecord {
     std::int32_t p_pid = 0;
     /// At most 16 characters; lies within the decoded bytes.

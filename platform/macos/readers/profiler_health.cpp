@@ -39,7 +39,7 @@ std::optional<std::string> textMember(const json& object, const char* name) {
 
 std::optional<HealthReading> decodeProfilerHealth(std::string_view text) {
     const json report = json::parse(text, nullptr, false);
-    // What could not be parsed is no object either.
+    // A text that could not be parsed is not an object either.
     if (!report.is_object()) {
         return std::nullopt;
     }

@@ -11,8 +11,8 @@ namespace tarnwick {
 
 using platform::HealthReading;
 
-/// What the profiler's report about power says, as it prints it in JSON. Absent when the text is no
-/// such report; a reading without figures when it is one and says nothing about health.
+/// The health in the profiler's JSON report about power. Absent if the text is not such a report; a
+/// reading without figures if it is one but contains nothing about health.
 std::optional<HealthReading> decodeProfilerHealth(std::string_view json);
 
 /// Runs the hardware profiler, which takes a second or more and never longer than three.

@@ -1,5 +1,5 @@
-// The calls that deliver the process table and what belongs to it as plain bytes. macOS has them;
-// a portable reader above them makes a process table of the bytes.
+// The macOS calls that deliver the process table and related data as plain bytes. A portable reader
+// makes a process table from these bytes.
 #pragma once
 
 #include <cstddef>
@@ -11,7 +11,7 @@
 
 namespace tarnwick::platform {
 
-/// Every operation may be called from any thread.
+/// Any thread.
 class RawProcessTable : public ProcessFacts {
  public:
     /// `sysctl`. Without a buffer: the size of the value in bytes. With one: the bytes written into

@@ -19,11 +19,11 @@ inline constexpr std::array<std::int32_t, 6> kInterfaceListName{4, 17, 0, 0, 6, 
 inline constexpr std::size_t kMessageLengthOffset = 0;
 inline constexpr std::size_t kMessageVersionOffset = 2;
 inline constexpr std::size_t kMessageTypeOffset = 3;
-/// The least a message has, bytes.
+/// Smallest size of a message, bytes.
 inline constexpr std::size_t kMessageHeaderSize = 4;
 inline constexpr std::uint8_t kMessageVersion = 5;
 
-/// Type of an extended interface-information message, and the least such a message has, bytes.
+/// Type of an extended interface-information message, and its smallest size, bytes.
 inline constexpr std::uint8_t kInterfaceInfo2Type = 18;
 inline constexpr std::size_t kInterfaceInfo2Size = 160;
 /// Where its fields lie, bytes: 32-bit flags, 16-bit index, and in the 64-bit statistics, which

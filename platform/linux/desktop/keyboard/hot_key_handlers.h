@@ -1,4 +1,4 @@
-// What the sources of hot keys share: handles, and the handler of their events.
+// Code that all sources of hot keys share: handles, and the handler of their events.
 #pragma once
 
 #include <functional>
@@ -12,16 +12,17 @@ namespace tarnwick::platform {
 /// Calls `gone` when it is destroyed.
 std::unique_ptr<HotKeyHandle> makeHandle(std::string description, std::function<void()> gone);
 
-/// A program installs one handler; of several the newest is asked. Main thread.
+/// Holds one handler. A program installs one; if it installs several, the newest is called. Main
+/// thread.
 class HotKeyHandlers final {
  public:
     /// The handler stays until the handle is destroyed.
     std::unique_ptr<HotKeyHandle> add(HotKeyHandler handler);
-    /// Tells the handler, if there is one, of the press of a hot key. It may remove itself.
+    /// Calls the handler, if there is one, for a press of a hot key. The handler may remove itself.
     void press(HotKeyID id) const;
 
  private:
-    /// Its handle keeps it.
+    /// The handle owns the handler.
     std::weak_ptr<HotKeyHandler> handler_;
 };
 

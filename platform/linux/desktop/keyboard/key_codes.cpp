@@ -7,13 +7,15 @@
 namespace tarnwick::platform {
 namespace {
 
-/// X11 leaves the codes below 8 out and numbers the keys as the kernel does from there on.
+/// X11 key codes are the kernel's key codes plus 8.
 constexpr std::uint32_t kFirstX11KeyCode = 8;
 constexpr std::uint8_t kNone = KEY_RESERVED;
 
-/// For each virtual key code what the kernel calls the key: eight a line, as they lie on an ANSI
-/// keyboard. Beside the left Shift of an ISO keyboard lies 0x0A. Of a JIS keyboard are 0x5D (Yen),
-/// 0x5E (underscore), 0x5F (the keypad's comma), 0x66 (Eisu) and 0x68 (Kana); the last two stand
+/// The kernel's key for each virtual key code, eight in a line, by their places on an ANSI
+/// keyboard.
+///
+/// 0x0A is the key beside the left Shift of an ISO keyboard. 0x5D (Yen), 0x5E (underscore), 0x5F
+/// (the keypad's comma), 0x66 (Eisu) and 0x68 (Kana) are keys of a JIS keyboard; the last two stand
 /// for the second and the first key that switch languages. 0x47 (Clear) and 0x72 (Help) lie where
 /// other keyboards have Num Lock and Insert.
 constexpr std::array<std::uint8_t, 128> kKeys = {

@@ -13,8 +13,8 @@
 namespace tarnwick::platform {
 namespace {
 
-/// Dead keys that layouts have without modifiers and whose accent is a character by itself; the
-/// library gives no text for any of them.
+/// Dead keys that layouts have without modifiers, with their accents as characters. The library
+/// gives no text for these keys.
 constexpr auto kAccents = std::to_array<std::pair<xkb_keysym_t, char32_t>>({
     {XKB_KEY_dead_grave, U'`'},
     {XKB_KEY_dead_acute, U'´'},
@@ -33,7 +33,7 @@ bool movesOnKeypad(xkb_keysym_t keysym) {
     return keysym >= XKB_KEY_KP_Home && keysym <= XKB_KEY_KP_Delete;
 }
 
-/// A letter of the Latin script, or what belongs to no script.
+/// A letter of the Latin script, or a character that belongs to no script.
 bool isOfLatinKeyboard(xkb_keysym_t keysym) {
     const auto script = QChar::script(xkb_keysym_to_utf32(keysym));
     return keysym != XKB_KEY_NoSymbol &&
@@ -74,7 +74,7 @@ std::span<const xkb_keysym_t> keysyms(xkb_keymap& keymap, const Place& place) {
                                                                 : produced;
 }
 
-/// The character of a keysym; none for one whose character cannot be seen.
+/// The character of a keysym; empty if the character is invisible.
 QString characterOf(xkb_keysym_t keysym) {
     const auto dead =
         std::ranges::find(kAccents, keysym, [](const auto& each) { return each.first; });
@@ -88,7 +88,7 @@ XkbContext makeContext(int flags) {
     XkbContext context(
         xkb_context_new(static_cast<xkb_context_flags>(flags | XKB_CONTEXT_NO_ENVIRONMENT_NAMES)));
     if (context) {
-        // What is wrong with a keymap is nothing that the user could put right.
+        // Users cannot repair a faulty keymap, so its errors are not printed.
         xkb_context_set_log_level(context.get(), XKB_LOG_LEVEL_CRITICAL);
     }
     return context;

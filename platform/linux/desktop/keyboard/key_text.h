@@ -32,10 +32,12 @@ XkbKeymap installedKeymap(const char* layouts);
 std::optional<std::string> keyText(xkb_keymap& keymap, xkb_layout_index_t layout,
                                    std::uint16_t virtualKeyCode);
 
-/// What a key produces without modifiers, those of the keypad with Num Lock. A letter of another
-/// script than the Latin one gives way to what the first of the keymap's layouts with a Latin one
-/// has there: by that desktops find the key in every layout. XKB_KEY_NoSymbol for a key that the
-/// keyboard does not have, and for one that produces nothing, or several things at once.
+/// The keysym that a key produces without modifiers; keys of the keypad give that with Num Lock.
+///
+/// A letter of a script other than Latin is replaced: the result then comes from the first layout
+/// of the keymap that has a Latin letter or a common sign on the key, if there is one. Desktops
+/// find the key by that in every layout. XKB_KEY_NoSymbol if the keyboard does not have the key, or
+/// the key produces nothing or several keysyms at once.
 xkb_keysym_t keyKeysym(xkb_keymap& keymap, xkb_layout_index_t layout, std::uint32_t virtualKeyCode);
 
 }  // namespace tarnwick::platform

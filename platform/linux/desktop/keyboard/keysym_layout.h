@@ -1,4 +1,4 @@
-// A keyboard layout that also knows its keys as XKB does.
+// A keyboard layout that also gives the XKB keysyms of its keys.
 #pragma once
 
 #include <cstdint>
@@ -10,11 +10,11 @@
 
 namespace tarnwick::platform {
 
-/// The keyboard of the moment.
+/// The keymap and layout in use now.
 struct KeymapInUse {
-    /// Null without one.
+    /// Null if there is no keymap.
     XkbKeymap keymap{};
-    /// Which of the keymap's layouts, from 0.
+    /// Number of the keymap's layout in use, from 0.
     xkb_layout_index_t layout = 0;
 };
 
@@ -22,7 +22,8 @@ struct KeymapInUse {
 class KeysymLayout : public KeyboardLayout {
  public:
     std::optional<std::string> displayText(std::uint16_t virtualKeyCode) final;
-    /// By what desktops know the key, see keyKeysym(); on a US keyboard while there is none.
+    /// The keysym by which desktops know the key, see keyKeysym(). Without a keymap, that of a US
+    /// keyboard.
     xkb_keysym_t keysym(std::uint32_t virtualKeyCode);
 
  private:

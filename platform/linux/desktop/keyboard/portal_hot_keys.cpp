@@ -31,7 +31,7 @@ QString triggerText(std::uint32_t modifiers, xkb_keysym_t keysym) {
 
 void PortalHotKeys::Closer::operator()(PortalShortcut* shortcut) const {
     shortcut->close();
-    // It may be what is calling.
+    // Deleted later, because the current call may come from the shortcut.
     shortcut->deleteLater();
 }
 
@@ -142,7 +142,7 @@ void PortalHotKeys::pressed() {
 }
 
 void PortalHotKeys::portalChanged(const QString& owner) {
-    // While the first answer is on its way, the portal is only starting.
+    // An empty name here means that the portal has not answered yet and is only starting.
     if (shortcut_ && shortcut_->portal() != owner &&
         (!shortcut_->portal().isEmpty() || shortcut_->state() == State::unavailable)) {
         holder_ = 0;
@@ -190,7 +190,7 @@ void PortalHotKeys::tellLater() {
 }
 
 void PortalHotKeys::tell() {
-    // Who is told may want to hear of nothing more.
+    // Calls a copy: the callback may replace itself.
     if (const auto changed = changed_) {
         changed();
     }

@@ -1,4 +1,5 @@
-// Hot keys of desktops that keep their keys to themselves and give them through a portal.
+// Hot keys of desktops that do not let programs grab keys and grant shortcuts through a portal
+// instead.
 #pragma once
 
 #include <QDBusConnection>
@@ -31,17 +32,22 @@ inline constexpr std::int32_t kUnavailable = 4;
 inline constexpr std::int32_t kNoSuchKey = 5;
 }  // namespace portal_hot_key_status
 
-/// One hot key at a time. Registering it asks the portal and answers kAsking; once the portal has
-/// decided otherwise, registering the same again gives its decision. What nobody registers then,
-/// or again after having given it back, is given back to the portal after a moment; what was
-/// withdrawn, at once. Also when the portal appears, registering again is suggested: it asks once
-/// more. Never waits for the bus; main thread.
+/// One hot key at a time. Main thread. Never waits for the bus.
+///
+/// A registration asks the portal and returns kAsking. When the portal grants the shortcut or takes
+/// it back, the function of setRegistrationChanged() is called; the same registration then returns
+/// the portal's decision. The function is also called when a portal appears after the last
+/// registration failed, or was lost, for lack of one: the next registration asks again.
+///
+/// A decided shortcut that is not claimed within `patience`, or not claimed again after its handle
+/// was destroyed, is given back to the portal; one without keys is kept, because a press may still
+/// prove that it has some. A withdrawn shortcut is given back at once.
 class PortalHotKeys final : public QObject, public HotKeys {
     Q_OBJECT
 
  public:
-    /// `layout` outlives the hot keys. A decision of the portal is kept for `patience` for those
-    /// who register again.
+    /// `patience` is how long a decision of the portal waits for the next registration. Requires:
+    /// `layout` outlives this object.
     PortalHotKeys(QDBusConnection bus, KeysymLayout& layout,
                   std::chrono::milliseconds patience = std::chrono::seconds(1));
     ~PortalHotKeys() override;
@@ -57,7 +63,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
         void operator()(PortalShortcut* shortcut) const;
     };
 
-    /// What registering the shortcut again would give.
+    /// The status that the same registration would return now.
     std::int32_t status() const;
     void begin();
     void stateChanged();
@@ -66,10 +72,10 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void release(int handle);
     void dropUnclaimed();
     void drop();
-    /// Tells when there is a hot key that whoever registers does not know of, or the other way
-    /// round.
+    /// Reports a change if a hot key became available or was lost since the last status that the
+    /// caller has seen.
     void tellIfChanged();
-    /// Tells from the event loop, once however often it is called before that.
+    /// Reports from the event loop, once for all calls before that.
     void tellLater();
     void tell();
 
@@ -84,15 +90,15 @@ class PortalHotKeys final : public QObject, public HotKeys {
     HotKeyID id_;
     /// For the last combination that was asked for; null when it was given back or lost.
     std::unique_ptr<PortalShortcut, Closer> shortcut_;
-    /// A combination is asked for in the next turn: in this one another may follow.
+    /// Asks for a combination in the next turn, because another one may follow in this turn.
     QTimer begin_;
     QTimer drop_;
-    /// Outcome of the last registration, as far as whoever registers knows.
+    /// Outcome of the last registration, as far as the caller knows.
     std::int32_t told_ = hot_key_status::kSuccess;
     bool isTelling_ = false;
-    /// The last registration came to nothing because the portal was not there.
+    /// The last registration failed because the portal was not there.
     bool awaitsPortal_ = false;
-    /// The press that proved that there are keys, before whoever registers knew.
+    /// A press arrived before the caller knew of the keys. The next registration delivers it.
     bool hasPress_ = false;
     /// Number of the handle that holds the hot key; 0 when none does.
     int holder_ = 0;

@@ -23,7 +23,7 @@ constexpr auto kDescription = "Open or close the panel";
 /// Response codes; every other one is a refusal.
 constexpr uint kGranted = 0;
 
-/// Another name for each object that the portal is to make for this process.
+/// A new name for each object that the portal makes for this process.
 QString newToken() {
     static int count = 0;
     return QString("tarnwick_%1").arg(++count);
@@ -64,7 +64,7 @@ void PortalShortcut::close() {
 void PortalShortcut::start(std::function<void()> changed, std::function<void()> pressed) {
     changed_ = std::move(changed);
     pressed_ = std::move(pressed);
-    // All signals are heard before anything is asked: an answer cannot come too early.
+    // Connects to all signals before the first request, so that no answer is missed.
     hear(kRequestInterface, "Response", "ua{sv}", &PortalShortcut::responded);
     hear(kInterface, "Activated", "osta{sv}", &PortalShortcut::activated);
     hear(kInterface, "ShortcutsChanged", "oa(sa{sv})", &PortalShortcut::shortcutsChanged);
@@ -103,7 +103,7 @@ void PortalShortcut::hear(const char* interface, const char* signal, const char*
 
 void PortalShortcut::createSession() {
     const QString token = newToken();
-    // What the portal will call it; its answer has the name that counts.
+    // The expected name. The portal's answer has the final one.
     session_ =
         QString("%1/session/%2/%3").arg(kPath, bus_.baseService().mid(1).replace('.', '_'), token);
     ask("CreateSession", {}, {{"session_handle_token", token}});
@@ -125,7 +125,7 @@ void PortalShortcut::ask(const char* method, const QVariantList& arguments, QVar
     QDBusMessage call = QDBusMessage::createMethodCall(portal_, kPath, kInterface, method);
     call.setArguments(arguments + QVariantList{options});
     callAsync(bus_, call, "o", this, [this, predicted = request_](const BusArguments& answer) {
-        // The response may have been here first.
+        // The response may have arrived before this reply.
         if (request_ != predicted) {
             return;
         }
@@ -169,7 +169,7 @@ void PortalShortcut::activated(const QDBusMessage& signal) {
     if (isOfSession(signal) && signal.arguments()[1] == id_ &&
         (state_ == State::bound || state_ == State::unbound)) {
         set(State::bound);
-        // The call may end in close().
+        // Calls a copy: the callback may call close().
         if (const auto pressed = pressed_) {
             pressed();
         }
@@ -192,7 +192,7 @@ void PortalShortcut::sessionClosed(const QDBusMessage& signal) {
 }
 
 PortalShortcut::State PortalShortcut::judged(const QVariant& shortcuts) const {
-    // Portals also list what was asked for in the past.
+    // Portals also list shortcuts from earlier requests.
     for (const PortalShortcutEntry& each : shortcutEntriesIn(shortcuts)) {
         const QString keys = each.properties.value("trigger_description").toString().trimmed();
         if (each.id == id_ && !keys.isEmpty()) {

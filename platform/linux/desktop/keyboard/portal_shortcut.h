@@ -1,4 +1,4 @@
-// One shortcut that a desktop is asked for through the portal, which asks its user in turn.
+// One shortcut, requested from the desktop through the portal, which asks the user.
 #pragma once
 
 #include <QDBusConnection>
@@ -13,19 +13,19 @@
 
 namespace tarnwick::platform {
 
-/// Owner of the name is the portal; it can come and go.
+/// Bus name of the portal. Its owner can come and go.
 inline constexpr auto kPortalService = "org.freedesktop.portal.Desktop";
 
-/// Asks once it is started. Which keys the portal and its user choose is theirs: what was asked for
-/// is a wish. Never waits for the bus; main thread.
+/// Sends its request after start(). The trigger is a wish: the portal and its user choose the keys.
+/// Never waits for the bus. Main thread.
 class PortalShortcut final : public QObject {
     Q_OBJECT
 
  public:
     enum class State {
-        /// The portal has not decided, which lasts as long as its user takes.
+        /// The portal has not decided; it waits for its user without a time limit.
         asking,
-        /// Presses come.
+        /// The shortcut delivers presses.
         bound,
         /// The portal took it but names no keys for it. The first press makes it bound.
         unbound,
@@ -43,7 +43,7 @@ class PortalShortcut final : public QObject {
     /// `changed` is called for every change of the state, `pressed` for every press; both from the
     /// event loop.
     void start(std::function<void()> changed, std::function<void()> pressed);
-    /// Gives the shortcut back to the portal; nothing is called any more.
+    /// Gives the shortcut back to the portal. No callback is called afterwards.
     void close();
 
     State state() const { return state_; }
@@ -62,14 +62,15 @@ class PortalShortcut final : public QObject {
     void shortcutsChanged(const QDBusMessage& signal);
     void sessionClosed(const QDBusMessage& signal);
     bool isOfSession(const QDBusMessage& signal) const;
-    /// The state by what the portal lists.
+    /// The state according to the portal's list.
     State judged(const QVariant& shortcuts) const;
     void set(State state);
 
     QDBusConnection bus_;
     ServiceSignals signals_;
     const QString trigger_;
-    /// Another one for each combination: the portal keeps what its user chose for a name.
+    /// Different for each combination, because the portal remembers the user's choice for an
+    /// identifier.
     const QString id_;
     std::function<void()> changed_;
     std::function<void()> pressed_;
@@ -77,7 +78,8 @@ class PortalShortcut final : public QObject {
     QString portal_;
     /// The request that waits for its response; empty when none does.
     QString request_;
-    /// As the portal calls it or, until it has answered, will; empty when there is none.
+    /// Path of the session: the expected one until the portal has answered, then the portal's.
+    /// Empty if there is no session.
     QString session_;
     bool hasSession_ = false;
     bool isClosed_ = false;

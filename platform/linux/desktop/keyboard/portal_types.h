@@ -22,7 +22,7 @@ PortalShortcutEntries shortcutEntriesIn(const QVariant& value);
 QDBusArgument& operator<<(QDBusArgument& argument, const PortalShortcutEntry& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShortcutEntry& value);
 
-/// Makes the types known to the bus library; needed once, more often does no harm.
+/// Registers the types with the bus library. Needed once; further calls do no harm.
 void registerPortalTypes();
 
 }  // namespace tarnwick::platform

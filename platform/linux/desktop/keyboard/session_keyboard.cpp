@@ -29,7 +29,7 @@ class FilteringHotKeys final : public X11HotKeys, private QAbstractNativeEventFi
     }
 };
 
-/// Takes in its events whenever the event loop has nothing else to do.
+/// Reads its events whenever the event loop is idle.
 class IdlingLayout final : public WaylandKeyboardLayout {
  public:
     explicit IdlingLayout(wl_display* display)
@@ -74,7 +74,7 @@ std::unique_ptr<KeysymLayout> makeKeyboardLayout() {
     if (xcb_connection_t* connection = x11::connection()) {
         return std::make_unique<X11KeyboardLayout>(connection);
     }
-    // The toolkit's public interface names its connection only from a later version on.
+    // Only later versions of the toolkit give their connection through the public interface.
     QPlatformNativeInterface* native = QGuiApplication::platformNativeInterface();
     if (isWaylandPlatform() && native != nullptr) {
         return std::make_unique<IdlingLayout>(

@@ -11,17 +11,18 @@
 
 namespace tarnwick::platform {
 
-/// Whether a compositor has the keys, where the program itself does not talk to it. The two are
-/// XDG_SESSION_TYPE and WAYLAND_DISPLAY, empty when not set. What the login manager says of the
-/// session counts more than the name of a compositor, which may be left over from another session.
+/// Whether a compositor controls the keys, for the case that the program itself does not talk to
+/// it. The arguments are the values of XDG_SESSION_TYPE and WAYLAND_DISPLAY, empty if unset. The
+/// session type from the login manager takes precedence: the name of a compositor may be left over
+/// from another session.
 bool isWaylandSession(std::string_view sessionType, std::string_view waylandDisplay);
 
-/// By grabs of the application object's X server or, where a compositor has the keys, by the
-/// portal on the session's bus; without either nothing registers. `layout` and `dispatch` outlive
-/// the hot keys. Main thread.
+/// Makes hot keys from grabs on the application's X server; if a compositor controls the keys, from
+/// the portal on the session's bus. Without either, every registration fails. Main thread.
+/// Requires: `layout` and `dispatch` outlive the hot keys.
 std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeysymLayout& layout, Dispatch& dispatch);
 
-/// For the application object's display. Main thread.
+/// Makes the keyboard layout of the application's display. Main thread.
 std::unique_ptr<KeysymLayout> makeKeyboardLayout();
 
 }  // namespace tarnwick::platform

@@ -8,17 +8,17 @@
 namespace tarnwick::platform {
 namespace {
 
-/// The first version of a seat whose keyboard can be given back; every compositor of today has it.
+/// The first version of a seat that can release its keyboard. Every current compositor has it.
 constexpr std::uint32_t kSeatVersion = 3;
 
 }  // namespace
 
-/// The objects of the protocol, in a queue of their own.
+/// The protocol's objects, in their own event queue.
 class WaylandKeyboardLayout::Keyboard final {
  public:
     explicit Keyboard(wl_display* display)
         : display_(display), queue_(wl_display_create_queue(display)) {
-        // What is made through the wrapper is in the queue before the first event can come.
+        // The wrapper puts new objects into the queue before their first event can arrive.
         auto* wrapper = static_cast<wl_display*>(wl_proxy_create_wrapper(display));
         wl_proxy_set_queue(reinterpret_cast<wl_proxy*>(wrapper), queue_);
         registry_ = wl_display_get_registry(wrapper);
@@ -131,11 +131,11 @@ class WaylandKeyboardLayout::Keyboard final {
     wl_registry* registry_ = nullptr;
     wl_seat* seat_ = nullptr;
     wl_keyboard* keyboard_ = nullptr;
-    /// The keymap as the compositor handed it over: its text, which ends with a zero. Kept as it
-    /// is, since it is read rarely and large when compiled. Null without one.
+    /// The text of the keymap from the compositor, with a zero at its end. Not compiled, because it
+    /// is read rarely and its compiled form is large. Null if there is none.
     std::unique_ptr<QFile> keymapFile_;
     qint64 keymapSize_ = 0;
-    /// Which of the keymap's layouts is in use.
+    /// Number of the keymap's layout in use.
     std::uint32_t layout_ = 0;
 };
 

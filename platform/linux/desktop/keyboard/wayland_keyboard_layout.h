@@ -10,18 +10,18 @@ struct wl_display;
 
 namespace tarnwick::platform {
 
-/// Listens to the keyboard of the session's seat beside the toolkit, on the same connection: the
-/// compositor sends its keymap at once and, whenever a window of the program gets the focus,
-/// which of the layouts is in use. Until then it is the first one. Main thread.
+/// Listens to the keyboard of the session's seat, on the toolkit's connection but apart from the
+/// toolkit. The compositor sends its keymap at once. It sends the layout in use whenever a window
+/// of the program gets the focus; until then the first layout is assumed. Main thread.
 class WaylandKeyboardLayout : public KeysymLayout {
  public:
-    /// Waits for the compositor to answer, so that the keymap is there from the beginning.
-    /// `display` outlives the layout; null without a compositor.
+    /// Waits for the compositor's answer, so that the keymap is there from the start. `display` may
+    /// be null if there is no compositor. Requires: `display` outlives this object.
     explicit WaylandKeyboardLayout(wl_display* display);
     ~WaylandKeyboardLayout() override;
 
-    /// Takes in what has arrived, so that it does not pile up. Costs next to nothing when there is
-    /// nothing; never waits.
+    /// Handles the events that have arrived, so that they do not pile up. Costs next to nothing if
+    /// there are none. Never waits.
     void takeEvents();
 
  private:

@@ -10,7 +10,7 @@
 namespace tarnwick::platform {
 namespace {
 
-/// What can move a modifier.
+/// The events that may move a modifier.
 constexpr std::uint16_t kKeyboardEvents =
     XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
 constexpr std::uint16_t kMapParts = XCB_XKB_MAP_PART_KEY_SYMS | XCB_XKB_MAP_PART_MODIFIER_MAP |
@@ -33,7 +33,7 @@ void X11HotKeys::followKeyboard() {
                                     &keyboardEvent_, nullptr) != 1) {
         return;
     }
-    // Adds to what the toolkit has selected on the same connection, and takes nothing away.
+    // Adds to the toolkit's selection on the same connection; removes nothing from it.
     xcb_xkb_select_events(connection_, XCB_XKB_ID_USE_CORE_KBD, kKeyboardEvents, 0, kKeyboardEvents,
                           kMapParts, kMapParts, nullptr);
     xcb_flush(connection_);

@@ -15,47 +15,49 @@
 
 namespace tarnwick::platform {
 
-/// One hot key at a time: registering one gives the one before back. Command is Super, Option is
-/// Alt. Keys are taken by their place, so a layout cannot move them; it can move the modifiers, and
-/// then registering again is suggested. Reads no events itself: whoever does passes them to
-/// handle(). Main thread.
+/// One hot key at a time: a new registration releases the previous one. Main thread.
 ///
-/// Whether a press is the first one or a repetition is told by the times of the events, as the
-/// server sends them by itself: the connection must not ask for detectable auto-repeat, which
-/// Qt does not.
+/// Command is Super, Option is Alt. Keys are identified by their place, so a layout cannot move
+/// them. It can move the modifiers; then the function of setRegistrationChanged() is called. The
+/// class reads no events itself: the reader of the connection passes them to handle().
+///
+/// The times of the events tell a first press from a repetition, as the server sends them by
+/// default. Requires: the connection does not ask for detectable auto-repeat; Qt does not.
 class X11HotKeys : public HotKeys {
  public:
     /// The keyboard lacks the key, or a key for one of the modifiers (`eventHotKeyInvalidErr`).
     static constexpr std::int32_t kInvalid = -9879;
 
-    /// Both outlive the hot keys.
+    /// Requires: `connection` and `dispatch` outlive this object.
     X11HotKeys(xcb_connection_t* connection, Dispatch& dispatch);
     ~X11HotKeys() override;
     X11HotKeys(const X11HotKeys&) = delete;
     X11HotKeys& operator=(const X11HotKeys&) = delete;
 
     HandlerResult installEventHandler(HotKeyHandler handler) override;
-    /// Any other refusal of the server is its own error code.
+    /// Beside the statuses of HotKeys and kInvalid, the status may be an error code of the server,
+    /// or -1 if the server is gone.
     RegistrationResult registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                            HotKeyID id) override;
     void withdrawRegistration() override;
     void setRegistrationChanged(std::function<void()> changed) override;
 
-    /// Takes an event of the connection. True when it was a press of a hot key and is used up.
+    /// Handles an event of the connection. True if it was a press of a hot key; then no other code
+    /// should handle it.
     bool handle(const xcb_generic_event_t& event);
 
  private:
     void followKeyboard();
     bool isKeyboardChange(const xcb_generic_event_t& event) const;
     bool pressed(const xcb_key_press_event_t& event);
-    /// Looks at the keyboard in a turn of its own: a new layout comes as a burst of events.
+    /// Compares the modifiers with those of the last registration and reports a difference.
     void tellIfModifiersMoved();
-    /// What to grab on the keyboard of now; absent where that lacks a key for it.
+    /// The combination to grab on the current keyboard; absent if the keyboard lacks a key for it.
     std::optional<KeyCombination> combination(std::uint32_t keyCode, std::uint32_t modifiers) const;
     void release();
 
     xcb_connection_t* connection_;
-    /// A new layout comes as a burst of events.
+    /// Looks on the next turn, because a new layout comes as a burst of events.
     NextTurn nextLook_;
     HotKeyHandlers handlers_;
     std::function<void()> changed_;
@@ -63,10 +65,10 @@ class X11HotKeys : public HotKeys {
     std::optional<X11Modifiers> modifiers_;
     /// First event code of the keyboard extension; 0 without the extension.
     std::uint8_t keyboardEvent_ = 0;
-    /// Absent while nothing is grabbed.
+    /// The grabbed combination; absent if nothing is grabbed.
     std::optional<KeyCombination> held_;
     HotKeyID id_;
-    /// Counts registrations: the handle of an older one gives nothing back.
+    /// Number of registrations so far: the handle of an older one releases nothing.
     int registrations_ = 0;
     // The last release of any key.
     xcb_keycode_t releasedKey_ = 0;

@@ -9,23 +9,26 @@ namespace {
 
 constexpr std::uint16_t kModifiers = 0xFF;
 
-/// Whether another program holds the combination, or a part of it, on any screen by the input
-/// extension, as desktops do. The server keeps such grabs apart from those of the core protocol: it
-/// refuses neither beside the other, and gives the press to the extension's. Only taking it tells:
-/// the answer lists what somebody else has.
+/// Whether another program holds the combination, or a part of it, on any screen through the input
+/// extension, as desktops do.
+///
+/// The server keeps such grabs apart from those of the core protocol: it allows both beside each
+/// other and gives the press to the extension's. Only an attempt to grab shows them: the answer
+/// lists what other programs hold.
 bool isGrabbedByInputExtension(xcb_connection_t* connection, const KeyCombination& combination) {
     const xcb_query_extension_reply_t* extension =
         xcb_get_extension_data(connection, &xcb_input_id);
     if (!extension || !extension->present) {
         return false;
     }
-    // Also those that stand for several: a grab of any of them is in the way.
+    // Includes the devices that stand for several others: a grab on any of them blocks the
+    // combination.
     constexpr xcb_input_device_id_t kEveryKeyboard = XCB_INPUT_DEVICE_ALL;
     const std::vector<std::uint32_t> variants = combination.variants();
     const auto count = static_cast<std::uint16_t>(variants.size());
     bool isGrabbed = false;
     for (const xcb_window_t root : x11::roots(connection)) {
-        // It selects no events.
+        // This grab selects no events.
         const auto cookie = xcb_input_xi_passive_grab_device(
             connection, XCB_CURRENT_TIME, root, XCB_CURSOR_NONE, combination.keyCode,
             kEveryKeyboard, count, 0, XCB_INPUT_GRAB_TYPE_KEYCODE, XCB_INPUT_GRAB_MODE_22_ASYNC,

@@ -7,18 +7,18 @@
 
 namespace tarnwick::platform {
 
-/// Asks the server for its keymap whenever a name is wanted, so that it is the current one: names
-/// are wanted rarely, and a keymap is large to keep. A few round trips each. Main thread.
+/// Asks the server for its current keymap for each name, because names are needed rarely and a
+/// keymap is large to keep. Each takes a few round trips. Main thread.
 class X11KeyboardLayout final : public KeysymLayout {
  public:
-    /// `connection` outlives the layout.
+    /// Requires: `connection` outlives this object.
     explicit X11KeyboardLayout(xcb_connection_t* connection);
 
  private:
     KeymapInUse keymapInUse() override;
 
     xcb_connection_t* connection_;
-    /// The server describes its keyboard.
+    /// Whether the server describes its keyboard.
     bool hasKeymap_;
 };
 

@@ -10,7 +10,7 @@
 namespace tarnwick::platform {
 namespace {
 
-/// Shift, Lock and Control come first and have their meanings by definition.
+/// Position of the first modifier without a fixed meaning. Shift, Lock and Control come before it.
 constexpr std::size_t kFirstFree = 3;
 
 /// The first modifier that one of these keys gives.

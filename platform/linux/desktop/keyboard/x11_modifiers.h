@@ -1,4 +1,4 @@
-// Which bits of an X11 key event stand for the modifiers of a shortcut.
+// The bits of an X11 key event for the modifiers of a shortcut.
 #pragma once
 
 #include <array>
@@ -9,8 +9,8 @@
 
 namespace tarnwick::platform {
 
-/// The modifiers whose bits depend on the keyboard's mapping. Shift, Control and Caps Lock have
-/// bits of their own. 0: no key gives that modifier.
+/// The bits of the modifiers that depend on the keyboard's mapping; 0 if no key gives the modifier.
+/// Shift, Control and Caps Lock have fixed bits.
 struct X11Modifiers {
     /// Super.
     std::uint16_t command = 0;

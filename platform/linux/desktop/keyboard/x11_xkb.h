@@ -1,9 +1,9 @@
-// The keyboard extension of X11, whose header is C alone.
+// Includes the header of X11's keyboard extension, which is written for C only.
 #pragma once
 
 #include <xcb/xcb.h>
 
-// One of its fields is called like a word of C++.
+// The header has a field called `explicit`, which is a keyword in C++.
 #define explicit explicit_
 #include <xcb/xkb.h>
 #undef explicit

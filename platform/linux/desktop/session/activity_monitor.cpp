@@ -16,7 +16,7 @@
 namespace tarnwick::platform {
 namespace {
 
-/// Variables of which each start has its own.
+/// Variables that are different for each start of a program.
 constexpr const char* kOfOneStart[] = {"DESKTOP_STARTUP_ID",
                                        "XDG_ACTIVATION_TOKEN",
                                        "GIO_LAUNCHED_DESKTOP_FILE",
@@ -30,8 +30,8 @@ constexpr const char* kOfOneStart[] = {"DESKTOP_STARTUP_ID",
                                        "LISTEN_FDNAMES",
                                        "LISTEN_PID"};
 
-/// On X11 the time of the last press, by which a window manager tells a window that the user asked
-/// for from one that pushes itself in between; else empty.
+/// A startup token with the time of the last press on X11; empty elsewhere. From the time a window
+/// manager knows that the user asked for the new window.
 QString startupToken() {
     QPlatformNativeInterface* const native = QGuiApplication::platformNativeInterface();
     if (native == nullptr || QGuiApplication::platformName() != "xcb") {
@@ -58,8 +58,8 @@ QProcessEnvironment environmentFrom(const StartConditions& conditions) {
     return environment;
 }
 
-/// What is put before a command so that it runs in a unit of its own, named after the desktop entry
-/// as desktopEntryCandidates() reads it. Empty where no service manager of the user listens.
+/// The words to put before a command so that it runs in its own unit. desktopEntryCandidates()
+/// finds the desktop entry in the unit's name. Empty if no service manager of the user is running.
 QStringList scopeCommand(const QString& entry, const QProcessEnvironment& environment) {
     const QString runtime = environment.value("XDG_RUNTIME_DIR");
     const QString program = QStandardPaths::findExecutable(
@@ -68,7 +68,7 @@ QStringList scopeCommand(const QString& entry, const QProcessEnvironment& enviro
         !QFileInfo::exists(runtime + "/systemd/private")) {
         return {};
     }
-    // A dash in a part of the name would divide it.
+    // Escapes dashes, because a dash separates the parts of the name.
     const QString unit = QString("app-tarnwick-%1-%2.scope")
                              .arg(QString(entry).replace("-", "\\x2d"))
                              .arg(QRandomGenerator::global()->generate());
@@ -84,7 +84,7 @@ bool openActivityMonitor(const StartConditions& conditions) {
         return false;
     }
     const QProcessEnvironment environment = environmentFrom(conditions);
-    // The limit is the shell's, and then that of the program that takes its place.
+    // Sets the limit for the shell; the program that replaces it inherits the limit.
     QString script = R"(exec "$@")";
     if (conditions.descriptorLimit) {
         script.prepend(QString("ulimit -Sn %1; ").arg(*conditions.descriptorLimit));

@@ -7,17 +7,17 @@
 
 namespace tarnwick::platform {
 
-/// What programs that the user starts from here begin with: what this one began with.
+/// Conditions that programs started from here inherit: those with which this program was started.
 struct StartConditions {
     QProcessEnvironment environment;
-    /// How many files a program may have open, where this one has raised that for itself.
+    /// Limit of open files; present if this program has raised its own limit.
     std::optional<std::size_t> descriptorLimit{};
 };
 
-/// Starts the system monitor that findSystemMonitor() finds: as the child of nobody here, in a
-/// session of its own and, where the user has a service manager, in a unit of its own, so that it
-/// is neither ended with this program nor counted as it. False, with nothing done, when there is
-/// none. Main thread.
+/// Starts the system monitor that findSystemMonitor() finds. It is not a child of this process and
+/// runs in its own session and, if the user has a service manager, in its own unit: it does not end
+/// with this program and is not counted as part of it. False if there is none, or if it cannot be
+/// started, which the user is told by notice(). Main thread.
 bool openActivityMonitor(const StartConditions& conditions);
 
 }  // namespace tarnwick::platform

@@ -8,11 +8,12 @@
 
 namespace tarnwick::platform {
 
-/// Follows the desktop's preference through the settings portal; light where there is no portal
-/// or it does not say. Main thread; never waits for the bus.
+/// Follows the desktop's preference through the settings portal. Light if there is no portal or the
+/// portal does not tell. Main thread. Never waits for the bus.
 class ColorScheme final {
  public:
-    /// `changed` is called on the main thread, also for a first answer that says dark.
+    /// `changed` is called on the main thread at each change; the first answer is a change if it is
+    /// dark.
     ColorScheme(const QDBusConnection& bus, std::function<void(bool dark)> changed);
 
     bool dark() const { return dark_; }

@@ -8,9 +8,9 @@
 namespace tarnwick::platform {
 namespace {
 
-/// Empty while no end is to be taken over.
+/// Empty while no DisplayEnd exists.
 std::function<void()>& lastAction() {
-    // Never destroyed: exit() may come from anywhere.
+    // Never destroyed, because exit() may be called at any time.
     static auto& action = *new std::function<void()>();
     return action;
 }
@@ -27,7 +27,7 @@ void takeOver() {
 
 DisplayEnd::DisplayEnd(std::function<void()> last) {
     lastAction() = std::move(last);
-    // Once is enough; without it the end is the toolkit's own.
+    // Registered once. If the registration fails, the toolkit's own exit is unchanged.
     [[maybe_unused]] static const int registered = std::atexit(takeOver);
 }
 

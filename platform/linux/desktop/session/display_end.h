@@ -1,19 +1,20 @@
-// Ending when the display goes away under the program.
+// Ends the program properly when the display disappears.
 #pragma once
 
 #include <functional>
 
 namespace tarnwick::platform {
 
-/// The toolkit ends the process by exit() when an X server closes its connection, as it does when a
-/// session is over. While this lives, such an end is one like others: `last` is called on the main
-/// thread for what must not be lost, and the status is that of success. Of what lives as long as
-/// the process, only that is destroyed which was made after the first of these; the rest stays,
-/// because other threads may still work.
+/// An X server closes its connection when a session is over; the toolkit then ends the process with
+/// exit(). While this object lives, such an end is a normal one: `last` is called on the main
+/// thread to save what must not be lost, and the exit status is success. Only static objects
+/// created after the first DisplayEnd are destroyed; the others stay, because other threads may
+/// still use them.
 ///
-/// The end of a Wayland compositor is none of this: there the toolkit fails by _exit(), asks
-/// nobody and calls nothing. What must not be lost has to be safe at any moment anyway, as with a
-/// crash. One for the process. Main thread.
+/// This does not help when a Wayland compositor ends: the toolkit then calls _exit(), without any
+/// callback. Important data must therefore be safe at any moment, as for a crash.
+///
+/// At most one per process. Main thread.
 class DisplayEnd final {
  public:
     explicit DisplayEnd(std::function<void()> last);

@@ -3,10 +3,10 @@
 
 namespace tarnwick::platform {
 
-/// Gives the application the desktop's interface font. The toolkit by itself learns it only from
-/// plug-ins that cost more memory than the whole program. Asks the settings daemon of the X11
-/// display; where there is none, the toolkit's own font stays, at the size that desktops have in
-/// common. Main thread, once the application exists.
+/// Sets the desktop's interface font for the application. Reads it from the settings daemon of the
+/// X11 display; without a daemon, the toolkit's own font stays, in the common size of desktops. The
+/// toolkit could read it only through plug-ins that need more memory than the whole program. Main
+/// thread. Requires: the application object exists.
 void applyInterfaceFont();
 
 }  // namespace tarnwick::platform

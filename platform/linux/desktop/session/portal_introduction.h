@@ -10,11 +10,13 @@ namespace tarnwick::platform {
 /// Name of the program's desktop entry, without its ending.
 inline constexpr auto kDesktopEntryName = "tarnwick";
 
-/// Tells the portal the name of the program, by which it keeps what its user grants; newer ones
-/// give no shortcuts to programs that they cannot name. It has to come before every other call to
-/// a portal, since the first call of a connection settles its name. `then` is called from the event
-/// loop once the portal has answered, whatever it said: older portals know of no names, others know
-/// only entries that are installed, and each hears a name just once. Not after the end of `owner`.
+/// Tells the portal the program's name. The portal stores what its user grants under this name;
+/// newer portals give no shortcuts to programs without a name.
+///
+/// Requires: no earlier call to a portal on this connection, because the first call fixes the name.
+/// `then` is called from the event loop after any answer, even an error: older portals have no such
+/// call, others accept only installed entries, and every portal accepts only one name. `then` is
+/// not called after `owner` is destroyed.
 void introduceToPortal(const QDBusConnection& bus, QObject* owner, std::function<void()> then);
 
 }  // namespace tarnwick::platform

@@ -13,7 +13,7 @@ constexpr auto kService = "org.freedesktop.portal.Desktop";
 constexpr auto kPath = "/org/freedesktop/portal/desktop";
 constexpr auto kInterface = "org.freedesktop.portal.Settings";
 
-/// Read wraps its value once more than the change signal does.
+/// Removes all variants around the value: Read returns one more than the change signal.
 QVariant unwrapped(QVariant value) {
     while (value.metaType() == QMetaType::fromType<QDBusVariant>()) {
         value = variantIn(value);
@@ -35,7 +35,7 @@ PortalSettings::PortalSettings(QDBusConnection bus, const std::vector<Setting>& 
 }
 
 void PortalSettings::portalChanged(const QString& owner) {
-    // The first question starts a portal that is not there; one that has gone is not started again.
+    // The first request starts a missing portal; a portal that has ended is not started again.
     if (!std::exchange(hasBegun_, true) || !owner.isEmpty()) {
         begin();
     }

@@ -22,8 +22,8 @@ class PortalSettings final : public QObject {
     struct Setting {
         QString space;
         QString key;
-        /// Called on the main thread with each value that the portal says, whether it is another
-        /// one or not. Not called where there is no portal or the portal knows no such setting.
+        /// Called on the main thread with each value from the portal, even if it did not change.
+        /// Not called if there is no portal or the portal does not know the setting.
         std::function<void(const QVariant& value)> heard;
     };
 
@@ -32,7 +32,7 @@ class PortalSettings final : public QObject {
  private:
     struct Followed {
         Setting setting;
-        /// Counts the changes that were heard of, so that an answer does not undo a later one.
+        /// Number of received changes: an answer that was requested before a change is ignored.
         int changes = 0;
     };
 
@@ -42,9 +42,9 @@ class PortalSettings final : public QObject {
     void settingChanged(const QDBusMessage& signal);
 
     QDBusConnection bus_;
-    /// As many as at first.
+    /// The size never changes after construction, because answers hold references to the elements.
     std::vector<Followed> followed_;
-    /// Settings were asked for, which starts a portal that is not there.
+    /// Whether settings were requested; a request starts a missing portal.
     bool hasBegun_ = false;
     ServiceSignals portal_;
 };

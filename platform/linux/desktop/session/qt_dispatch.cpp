@@ -16,8 +16,8 @@
 namespace tarnwick::platform {
 namespace {
 
-/// The longest time that the event loop's timer is armed for, seconds; its milliseconds would not
-/// fit an int for much longer. It is armed again on the way to what lies further off.
+/// Longest time for the event loop's timer, seconds: a much longer one does not fit into an int of
+/// milliseconds. For later moments the timer is armed again on the way.
 constexpr double kLongestAlarm = 86400;
 
 double monotonicSeconds() {
@@ -28,7 +28,7 @@ double monotonicSeconds() {
 
 }  // namespace
 
-/// Runs the work that has come by one posted event.
+/// Runs queued work from the event loop. One posted event serves all work that waits.
 class QtDispatch::MainQueue final : public QObject {
  public:
     void add(std::function<void()> work) {
@@ -38,8 +38,8 @@ class QtDispatch::MainQueue final : public QObject {
             queue_.push_back(std::move(work));
             mustPost = !std::exchange(posted_, true);
         }
-        // With the lock let go: the woken main thread would only go back to sleep for it. Should it
-        // take the work in between, the event finds nothing left to do.
+        // Posts after the lock is released: otherwise the woken main thread would have to wait for
+        // it. If the main thread takes the work in between, the event finds an empty queue.
         if (mustPost) {
             post();
         }
@@ -70,14 +70,14 @@ class QtDispatch::MainQueue final : public QObject {
         }
         auto work = std::move(queue_.front());
         queue_.pop_front();
-        // Should the work turn the event loop by itself, what is left runs in there.
+        // The work may run the event loop itself; the rest of the queue then runs there.
         if (!queue_.empty() && !std::exchange(posted_, true)) {
             post();
         }
         return work;
     }
 
-    /// Runs what is queued now; what is added meanwhile waits for the next turn.
+    /// Runs the work that is queued now. Work that is added meanwhile waits for the next turn.
     void runTurn() {
         std::size_t left = 0;
         {
@@ -112,13 +112,13 @@ class QtDispatch::Alarm final {
         QObject::connect(&timer_, &QTimer::timeout, &timer_, std::move(handler));
     }
 
-    /// Arms it for `time`, or not at all.
+    /// Arms the timer for `time`; without a time, stops it.
     void set(std::optional<double> time) {
         if (!time) {
             timer_.stop();
             return;
         }
-        // Rounded up: the timer counts whole milliseconds and must not go off early.
+        // Rounded up, because the timer counts whole milliseconds and must not fire early.
         const double seconds = std::clamp(*time - monotonicSeconds(), 0.0, kLongestAlarm);
         timer_.start(static_cast<int>(std::ceil(seconds * 1000)));
     }
@@ -130,7 +130,7 @@ class QtDispatch::Alarm final {
 QtDispatch::QtDispatch(std::chrono::milliseconds patience)
     : mainQueue_(std::make_unique<MainQueue>()),
       alarm_(std::make_unique<Alarm>([this] {
-          // Should the alarm have gone off early, nothing is due and it is only armed again.
+          // If the alarm fires early, nothing is due and it is only armed again.
           timers_.runDue(now());
           alarm_->set(timers_.nextWake());
       })),

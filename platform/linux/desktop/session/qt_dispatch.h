@@ -1,4 +1,4 @@
-// The dispatch of a Qt program: its event loop, and threads for what may block.
+// The dispatch of a Qt program: its event loop, and threads for work that may block.
 #pragma once
 
 #include <chrono>
@@ -11,10 +11,12 @@
 
 namespace tarnwick::platform {
 
-/// The main thread is the one that makes it; it runs a Qt event loop. All timers share one timer
-/// of the event loop, armed for the latest moment that the tolerances allow. Detached work that
-/// is stuck when this is destroyed is left behind after `patience` and may still use the dispatch:
-/// the program's own one must not be destroyed before the process ends.
+/// The thread that creates it is the main thread, which runs a Qt event loop. All timers share one
+/// timer of the event loop, armed for the latest moment that the tolerances allow.
+///
+/// The destructor waits at most `patience` for detached work; stuck work is left behind and may
+/// still use the dispatch. Requires: the program's own dispatch is not destroyed before the process
+/// ends.
 class QtDispatch final : public Dispatch {
  public:
     explicit QtDispatch(std::chrono::milliseconds patience = std::chrono::milliseconds(250));
@@ -38,7 +40,7 @@ class QtDispatch final : public Dispatch {
     std::unique_ptr<MainQueue> mainQueue_;
     std::unique_ptr<Alarm> alarm_;
     TimerQueue timers_;
-    // Last, so that its threads are gone before what they call.
+    // Declared last, so that its threads end before the objects that they use are destroyed.
     BackgroundWork background_;
 };
 

@@ -18,13 +18,13 @@ int wakeUp = -1;
 void handle(int) {
     const int savedError = errno;
     const std::uint64_t one = 1;
-    // A counter that cannot take more has woken the main thread already.
+    // If the write fails because the counter is full, the main thread has already been woken.
     [[maybe_unused]] const ssize_t written = ::write(wakeUp, &one, sizeof one);
     errno = savedError;
 }
 
-/// A terminal's signals are for those who did not ask to be left alone (nohup); to be terminated
-/// is for everybody.
+/// A program that was started to ignore its terminal's signals (nohup) keeps ignoring them. SIGTERM
+/// is never ignored.
 bool isToStayIgnored(int signal, const struct sigaction& action) {
     return signal != SIGTERM && action.sa_handler == SIG_IGN;
 }

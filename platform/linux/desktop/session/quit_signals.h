@@ -1,4 +1,4 @@
-// Ending when the session or the user says so by a signal.
+// Ends the program when the session or the user sends a signal.
 #pragma once
 
 #include <QObject>
@@ -11,11 +11,13 @@
 
 namespace tarnwick::platform {
 
-/// Turns SIGTERM, SIGINT and SIGHUP into a call on the main thread for each that comes, so that the
-/// program ends through its event loop; one that came before the loop runs is heard when it does.
-/// SIGINT and SIGHUP stay ignored where they are, as for a program that is to outlive its terminal.
-/// Destroyed, leaves every signal as it was. One for the process; must outlive the event loop. Main
-/// thread.
+/// Turns SIGTERM, SIGINT and SIGHUP into a call of `quit` on the main thread, so that the program
+/// ends through its event loop. Signals that come close together may give one call. A signal that
+/// comes before the loop runs is handled when it runs.
+///
+/// If SIGINT or SIGHUP is ignored, it stays ignored, as for a program that should outlive its
+/// terminal. The destructor restores all signals. One per process. Main thread. Requires: the
+/// object outlives the event loop.
 class QuitSignals final : public QObject {
     Q_OBJECT
 
@@ -26,7 +28,7 @@ class QuitSignals final : public QObject {
  private:
     std::function<void()> quit_;
     std::unique_ptr<QSocketNotifier> readable_;
-    /// The signals that are taken over, and what they did before.
+    /// The signals that were taken over, with their previous actions.
     std::vector<std::pair<int, struct sigaction>> before_;
 };
 

@@ -8,13 +8,14 @@
 
 namespace tarnwick::platform {
 
-/// Follows the desktop through the settings portal: what all desktops have agreed on, GNOME's
-/// switch for animations, and the speed of them that KDE Plasma lets its user choose, whose end is
-/// "instant". Any of them is enough. False where there is no portal or it does not say. Main
-/// thread; never waits for the bus.
+/// Follows three settings through the settings portal: the common one of all desktops, GNOME's
+/// switch for animations, and KDE Plasma's animation speed, which can be "instant". One of them is
+/// enough. False if there is no portal or the portal does not tell. Main thread. Never waits for
+/// the bus.
 class ReducedMotion final {
  public:
-    /// `changed` is called on the main thread, also for a first answer that asks for less.
+    /// `changed` is called on the main thread at each change; the first answer is a change if it
+    /// asks for less motion.
     ReducedMotion(const QDBusConnection& bus, std::function<void(bool isReduced)> changed);
 
     bool isReduced() const { return isReduced_; }

@@ -18,7 +18,7 @@ ServiceSignals::ServiceSignals(QDBusConnection bus, const QString& service,
     watcher_.addWatchedService(service);
     connect(&watcher_, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& owner) { setOwner(owner); });
-    // The library itself sends this one; no bus delivers it from anybody.
+    // The library itself sends this signal; it cannot come over the bus.
     bus_.connect("", "/org/freedesktop/DBus/Local", "org.freedesktop.DBus.Local", "Disconnected",
                  this, SLOT(disconnected()));
     callAsync(bus_, busCall("GetNameOwner", {service}), "s", this,

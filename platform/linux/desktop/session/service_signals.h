@@ -11,18 +11,18 @@
 
 namespace tarnwick::platform {
 
-/// Follows the owner of a name and hears what it alone signals: every program on a bus can send
-/// any signal, with any arguments. Main thread; never waits for the bus.
+/// Follows the owner of a name and passes on only signals from that owner: every program on a bus
+/// can send any signal with any arguments. Main thread. Never waits for the bus.
 class ServiceSignals final : public QObject {
     Q_OBJECT
 
  public:
     struct Signal {
-        /// Empty: of any object.
+        /// Path of the sending object; empty for any object.
         QString path;
         QString interface;
         QString member;
-        /// Of its arguments. A signal with other arguments is passed over.
+        /// Signature of the arguments. Signals with another signature are ignored.
         QString signature;
     };
 

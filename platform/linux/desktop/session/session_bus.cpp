@@ -7,7 +7,7 @@ namespace tarnwick::platform {
 namespace {
 
 constexpr auto kAddress = "DBUS_SESSION_BUS_ADDRESS";
-// No transport has that name; it is what others write there for the same purpose.
+// Not the name of any transport. Other programs write it there for the same purpose.
 constexpr auto kNoBus = "disabled:";
 
 bool isSocket(const QByteArray& path) {

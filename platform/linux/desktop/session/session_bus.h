@@ -5,10 +5,10 @@
 
 namespace tarnwick::platform {
 
-/// Where the session has no bus, keeps the libraries of this process from starting one by
-/// themselves: nobody else would talk to it, so it would bring no tray, and it would be left
-/// behind. Programs started from here see no bus either. To be called before the application
-/// object is made; more often does no harm.
+/// If the session has no bus, prevents the libraries of this process from starting one: no other
+/// program would use that bus, so it would bring no tray, and it would remain after the program.
+/// Programs started from here see no bus either. Requires: called before the application object is
+/// made. Further calls do no harm.
 void keepBusFromBeingStarted();
 
 /// The process's connection to the session bus; not connected when the session has none. Main

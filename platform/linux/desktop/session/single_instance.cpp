@@ -11,19 +11,19 @@
 namespace tarnwick::platform {
 namespace {
 
-/// Between two attempts to become the first, or to reach it.
+/// Pause between two attempts to become or to reach the first instance.
 constexpr int kPauseMilliseconds = 20;
-/// For the bus itself, which answers at once unless it hangs.
+/// Time limit for the bus itself, which answers at once unless it hangs.
 constexpr int kBusMilliseconds = 5000;
-/// A first that ends lets go of its lock when it lets go of its name; one that was killed, when it
-/// is gone.
+/// Time limit for the lock. An instance that ends releases its lock together with its name; a
+/// killed one releases it when its process is gone.
 constexpr int kLockMilliseconds = 500;
 
 }  // namespace
 
 QString displayName() {
     const QString compositor = qEnvironmentVariable("WAYLAND_DISPLAY");
-    // A screen's number follows the server's.
+    // Removes the number of the screen after that of the server.
     static const QRegularExpression screen(R"((:\d+)\.\d+$)");
     return compositor.isEmpty() ? qEnvironmentVariable("DISPLAY").replace(screen, R"(\1)")
                                 : compositor;
@@ -33,10 +33,11 @@ SingleInstance::SingleInstance(QDBusConnection bus, const QString& runtimeFolder
                                const QString& display)
     : bus_(std::move(bus)) {
     if (!runtimeFolder.isEmpty()) {
-        // A display may be named by a path, and they differ at their ends.
+        // Long names are cut at the start: a display may be named by a path, and such paths differ
+        // at the end.
         lock_.emplace(runtimeFolder + "/tarnwick-" + QString(display).replace('/', '_').right(100) +
                       ".lock");
-        // However long the program runs: the lock is another's as long as that one lives.
+        // The lock never expires by age; it is valid as long as its process lives.
         lock_->setStaleLockTime(0);
     }
 }
@@ -47,7 +48,7 @@ SingleInstance::~SingleInstance() {
 
 void SingleInstance::release() {
     bus_.unregisterObject(kPath);
-    // The lock first: whoever has the name wants it next.
+    // Releases the lock first, because a new owner of the name takes the lock next.
     if (lock_) {
         lock_->unlock();
     }
@@ -57,10 +58,10 @@ void SingleInstance::release() {
 }
 
 SingleInstance::Claim SingleInstance::claim(int answerMilliseconds) {
-    // There before the name, so that whoever finds the name finds the object.
+    // Registered before the name is taken, so that other instances find the object with the name.
     bus_.registerObject(kPath, this, QDBusConnection::ExportScriptableSlots);
     const QDeadlineTimer deadline(answerMilliseconds);
-    // A first that is ending does not answer, and lets go of the name.
+    // An instance that is ending does not answer, but it releases the name.
     while (!takeName()) {
         QDBusMessage call =
             QDBusMessage::createMethodCall(kService, kPath, kInterface, "OpenPanel");
@@ -94,7 +95,7 @@ bool SingleInstance::takeName() {
                               QDBus::Block, kBusMilliseconds),
                     "u");
     ownsName_ = answer && answer->first().toUInt() != kExists;
-    // Running unguarded is better than not running.
+    // If the bus gives no answer, the program runs without the name rather than not at all.
     return ownsName_ || !answer;
 }
 

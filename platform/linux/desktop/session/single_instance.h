@@ -1,4 +1,4 @@
-// One Tarnwick a session: the second start asks the first to open its panel.
+// One Tarnwick per session: a second start asks the first one to open its panel.
 #pragma once
 
 #include <QDBusConnection>
@@ -10,8 +10,8 @@
 
 namespace tarnwick::platform {
 
-/// Names the display of a session: the compositor's where there is one, else the X server's,
-/// whichever of its screens.
+/// Name of the session's display: that of the compositor if there is one, else that of the X server
+/// without the screen number.
 QString displayName();
 
 /// Main thread.
@@ -27,32 +27,33 @@ class SingleInstance final : public QObject {
     enum class Claim {
         /// This process is the one.
         first,
-        /// Another one runs and was asked to open its panel: end with status 0.
+        /// Another instance runs and was asked to open its panel. This process should end with
+        /// status 0.
         handedOver,
-        /// Another one runs and was not reached, and did not end either.
+        /// Another instance runs, could not be reached and did not end.
         unanswered,
     };
 
-    /// By a name on `bus` where it is connected, and by a lock for `display` in `runtimeFolder`
-    /// (private to the user; when empty or not usable there is no lock): it notices an instance
-    /// that sees another bus, or none, but cannot reach it.
+    /// Claims by a name on `bus`, if that is connected, and by a lock for `display` in
+    /// `runtimeFolder`. The folder is private to the user; without a usable folder there is no
+    /// lock. The lock detects an instance on another bus or without a bus, but cannot reach it.
     SingleInstance(QDBusConnection bus, const QString& runtimeFolder, const QString& display = {});
     ~SingleInstance() override;
 
-    /// Called once, at the start, before anything else is built: this is the one place that waits
-    /// for the bus, and a second start for the first, at most `answerMilliseconds`. A first that is
-    /// just ending is waited for and followed.
+    /// Call this once at the start, before anything else is made. It is the only place that waits
+    /// for the bus. A second start waits at most `answerMilliseconds` for the first one; if the
+    /// first one is just ending, this process takes its place.
     Claim claim(int answerMilliseconds = 5000);
 
-    /// From now on this process is not the one any more, and whoever starts is. For an end that
-    /// takes its time; more often does no harm.
+    /// Gives up the claim: from now on a new start becomes the owner. For an exit that takes some
+    /// time; further calls do no harm.
     void release();
 
-    /// `openPanel` runs on the main thread whenever another start asks; one that asked before is
-    /// made up for now.
+    /// `openPanel` is called on the main thread for each request of another start. A request from
+    /// before this call is fulfilled now.
     void setOpenPanel(std::function<void()> openPanel);
 
-    /// What another start calls.
+    /// Other starts call this over the bus.
  public Q_SLOTS:
     Q_SCRIPTABLE void OpenPanel();
 

@@ -8,8 +8,8 @@
 
 namespace tarnwick::platform {
 
-/// Hears of it from the login manager on the system bus; never where there is no system bus or no
-/// login manager. Main thread; never waits for the bus.
+/// The login manager on the system bus sends the signal; without that bus or a login manager there
+/// is none. Main thread. Never waits for the bus.
 class SleepSignals final {
  public:
     /// `woke` is called on the main thread each time.

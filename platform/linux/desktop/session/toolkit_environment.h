@@ -1,4 +1,4 @@
-// What the toolkit should not see of the environment while it starts.
+// Hides parts of the environment from the toolkit while it starts.
 #pragma once
 
 #include <string>
@@ -7,9 +7,10 @@
 
 namespace tarnwick::platform {
 
-/// Hides the variables by which the toolkit picks a desktop's theme plug-in, and puts them back
-/// when destroyed, for child processes. Such a plug-in costs up to 70 MB; the program draws its own
-/// look. To be made before the application object, while there is one thread.
+/// The constructor hides the variables by which the toolkit chooses a desktop's theme plug-in; the
+/// destructor restores them for child processes. Such a plug-in needs up to 70 MB, and the program
+/// draws its own look. Requires: made before the application object, while there is only one
+/// thread.
 class ToolkitEnvironment {
  public:
     ToolkitEnvironment();

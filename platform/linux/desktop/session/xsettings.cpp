@@ -8,7 +8,7 @@
 namespace tarnwick::platform {
 namespace {
 
-/// Reads the property from front to back; every reading is absent past its end.
+/// Reads the property from front to back. Every read past its end is absent.
 class Cursor {
  public:
     Cursor(std::span<const std::byte> bytes, bool bigEndian)
@@ -66,7 +66,7 @@ bool isStyleWord(std::string_view word) {
     return std::find(kWords.begin(), kWords.end(), word) != kWords.end();
 }
 
-/// Takes the last word off the text; empty when there is none.
+/// Removes the last word from the text and returns it; empty if there is none.
 std::string_view takeLastWord(std::string_view& text) {
     while (text.ends_with(' ')) {
         text.remove_suffix(1);

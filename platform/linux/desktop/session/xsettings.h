@@ -1,5 +1,5 @@
-// The settings that a desktop's settings daemon keeps on an X11 display, and what one of them says
-// of the interface font.
+// Reads the settings that a desktop's settings daemon stores on an X11 display, and the interface
+// font among them.
 #pragma once
 
 #include <cstddef>
@@ -11,8 +11,8 @@
 namespace tarnwick::platform {
 
 /// The text setting `name` ("Gtk/FontName") in the content of the _XSETTINGS_SETTINGS property.
-/// Absent when there is none of that name and type, or the content ends early or makes no sense
-/// before it.
+/// Absent if there is no setting with this name and type, or if the content before it ends early or
+/// is invalid.
 std::optional<std::string> xsettingsText(std::span<const std::byte> property,
                                          std::string_view name);
 
@@ -25,8 +25,9 @@ struct InterfaceFont {
     bool operator==(const InterfaceFont&) const = default;
 };
 
-/// Reads "Noto Sans Medium Italic 10.5": the size is the last word, words of style before it are
-/// left out of the family. Absent without a family or a size from 4 to 72 points.
+/// Reads a description such as "Noto Sans Medium Italic 10.5": the last word is the size; style
+/// words before it are not part of the family. Absent without a family or a size from 4 to 72
+/// points.
 std::optional<InterfaceFont> interfaceFont(std::string_view description);
 
 }  // namespace tarnwick::platform

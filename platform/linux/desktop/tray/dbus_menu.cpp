@@ -14,7 +14,7 @@ namespace {
 
 // The menu never changes, so there is one revision only.
 constexpr uint kRevision = 1;
-/// Hosts know which entries there are: an answer names no more wrong numbers than this.
+/// Greatest number of wrong entry numbers in an answer: hosts know which entries exist.
 constexpr qsizetype kMostUnknown = 16;
 
 constexpr auto kIntrospection = R"xml(
@@ -69,12 +69,13 @@ constexpr auto kIntrospection = R"xml(
 </interface>
 )xml";
 
-// An underscore marks the key of an entry; a real one is written twice.
+// Doubles underscores, because a single one marks the access key of an entry.
 QString escaped(QString label) {
     return label.replace("_", "__");
 }
 
-/// Reads a list of the bus value by value: a host may send millions of them. `list` has to be one.
+/// Reads a list from the bus one value at a time, because a host may send millions. Requires:
+/// `list` is a list.
 template <typename Value>
 void forEachIn(const QVariant& list, const std::function<void(const Value&)>& visit) {
     const auto values = list.value<QDBusArgument>();
@@ -87,7 +88,7 @@ void forEachIn(const QVariant& list, const std::function<void(const Value&)>& vi
     values.endArray();
 }
 
-/// False when it is there already.
+/// Appends `value` if it is not in the list yet. False if it is.
 template <typename Value>
 bool appendOnce(QList<Value>& list, const Value& value) {
     if (list.contains(value)) {
@@ -187,7 +188,7 @@ QDBusMessage DBusMenu::answerEvents(const QDBusMessage& message) {
     QList<std::pair<int, QString>> taken;
     forEachIn<MenuEvent>(message.arguments().first(), [&](const MenuEvent& each) {
         mention(each.id, mentioned);
-        // There is no end of other types, and none of them does anything.
+        // All other types are ignored. There may be any number of them.
         const bool matters = each.type == "clicked" || each.type == "opened";
         if (matters && exists(each.id) && appendOnce(taken, {each.id, each.type})) {
             event(each.id, each.type);
@@ -213,7 +214,7 @@ QDBusMessage DBusMenu::answer(const QDBusMessage& message) {
     if (call == "GetGroupProperties(aias)") {
         Mentioned mentioned = mentionedIn(arguments[0]);
         if (mentioned.entries.isEmpty() && mentioned.unknown.isEmpty()) {
-            // None named: every entry.
+            // If no entry is named, all entries are meant.
             mentioned.entries.resize(static_cast<qsizetype>(entries_.size()) + 1);
             std::iota(mentioned.entries.begin(), mentioned.entries.end(), 0);
         }

@@ -44,20 +44,20 @@ class DBusMenu final : public QDBusVirtualObject {
     bool exists(int id) const { return id >= 0 && id <= static_cast<int>(entries_.size()); }
     QVariantMap properties(int id, const QStringList& names) const;
     MenuNode node(int id, int depth, const QStringList& names) const;
-    /// What a request names, however often it does: each number once, in the order of their first
-    /// mention.
+    /// The numbers in a request: each once, in the order of their first mention.
     struct Mentioned {
         QList<int> entries;
-        /// Numbers of no entry; the first few.
+        /// Numbers without an entry; at most the first few.
         QList<int> unknown;
     };
     void mention(int id, Mentioned& mentioned) const;
     Mentioned mentionedIn(const QVariant& ids) const;
     QDBusMessage answer(const QDBusMessage& message);
     QDBusMessage answerEvents(const QDBusMessage& message);
-    /// A host asks about or tells of the entry with this number being shown.
+    /// A host reports, or asks before, showing the entry with this number.
     void aboutToShow(int id);
-    /// Queues the entry's action: the host is answered before anything is opened.
+    /// Handles an event of an entry. The action of a clicked entry is queued, so that the host gets
+    /// its answer first.
     void event(int id, const QString& type);
 
     QDBusConnection bus_;

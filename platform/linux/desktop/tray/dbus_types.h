@@ -47,7 +47,7 @@ struct MenuProperties {
 };
 using MenuPropertiesList = QList<MenuProperties>;
 
-/// Something that happened to a menu entry: (isvu).
+/// An event of a menu entry: (isvu).
 struct MenuEvent {
     int id = 0;
     QString type;
@@ -70,7 +70,7 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, MenuProperties& v
 QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvent& value);
 const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& value);
 
-/// Makes the types known to the bus library; needed once, more often does no harm.
+/// Registers the types with the bus library. Needed once; further calls do no harm.
 void registerBusTypes();
 
 }  // namespace tarnwick::platform

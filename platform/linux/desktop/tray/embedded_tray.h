@@ -14,8 +14,8 @@
 
 namespace tarnwick::platform {
 
-/// Made only while the session has no StatusNotifier host. It follows trays coming and going by
-/// itself. Main thread.
+/// Exists only while the session has no StatusNotifier host. Follows trays by itself as they appear
+/// and disappear. Main thread.
 class EmbeddedTray final {
  public:
     /// `trayChanged` is called when a tray has come or gone.
@@ -24,11 +24,12 @@ class EmbeddedTray final {
 
     /// Where the tray shows the item, in the screen's coordinates; none while no tray does.
     std::optional<QRect> place() const;
-    /// There is a tray that shows it.
+    /// Whether a tray shows the item.
     bool inTray() const;
-    /// Draws only what differs from the icon that is shown: most changes are of the text alone.
+    /// Draws the icon only if it differs from the current one, because most changes affect only the
+    /// text.
     void setIcon(const IconPainter& painter, const ItemIcon& icon);
-    /// The tool tip, and what screen readers say.
+    /// Sets the tool tip and the text for screen readers.
     void setText(const QString& text);
 
  private:

@@ -15,13 +15,13 @@ namespace {
 
 constexpr std::array kSquareSizes = {16, 22, 24, 32, 48, 64};
 
-// One row in points; a picture of any height is this row made larger or smaller.
+// Sizes in a row of 18 points; a picture of another height is scaled from it.
 constexpr qreal kRowHeight = 18;
 constexpr qreal kIconSize = 16;
 constexpr qreal kSpacing = StatusItemContent::kSpacing;
 constexpr qreal kTextWidth = StatusItemContent::kTextWidth;
-// The edge is the letters once more, moved by this much to each side; strong enough to read the
-// letters by where the bar is of their own shade.
+// The edge consists of copies of the letters, moved by this width in four directions. Its opacity
+// keeps letters readable on a bar of the same shade.
 constexpr qreal kEdgeWidth = 1;
 constexpr float kEdgeOpacity = 0.8F;
 
@@ -29,7 +29,7 @@ QFont textFont(qreal scale) {
     QFont font = QGuiApplication::font();
     font.setPixelSize(qRound(StatusItemContent::kFontSize * scale));
     font.setWeight(QFont::Medium);
-    // The ground is transparent, so coloured edges would have nothing to blend with.
+    // Without subpixels: on a transparent ground coloured edges have nothing to blend with.
     font.setStyleStrategy(QFont::NoSubpixelAntialias);
     return font;
 }

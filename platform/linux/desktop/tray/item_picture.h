@@ -17,11 +17,11 @@ namespace tarnwick::platform {
 using IconPainter =
     std::function<QImage(const std::string& symbol, Tint tint, bool dark, int pixels)>;
 
-/// What one picture shows.
+/// The content of one picture.
 struct ItemIcon {
     std::string symbol;
     Tint tint = Tint::green;
-    /// The desktop prefers dark.
+    /// Whether the desktop prefers dark.
     bool dark = false;
 
     bool operator==(const ItemIcon&) const = default;
@@ -33,17 +33,18 @@ QImage squarePicture(const IconPainter& painter, const ItemIcon& icon, int pixel
 /// The icon in each size that hosts ask for: 16, 22, 24, 32, 48 and 64 pixels.
 IconPixmaps squarePixmaps(const IconPainter& painter, const ItemIcon& icon);
 
-/// Width of widePicture() for a height, both in pixels: the same for every text, so that nothing
-/// beside the item moves when the text changes.
+/// Width of widePicture() for a height, both in pixels. It is the same for every text, so that
+/// items beside it do not move when the text changes.
 int widePictureWidth(int height);
 
 /// Edge of the icon in a widePicture() of a height, both in pixels.
 int wideIconSize(int height);
 
-/// `icon`, wideIconSize() pixels wide, and text in one row, `height` pixels high. The text is cut
-/// with an ellipsis where it does not fit; its digits take the same room each. It is dark, or light
-/// for a dark desktop; the ground of the bar is not known and may be of the letters' own shade, so
-/// they carry an edge of the opposite one.
+/// Draws `icon`, which is wideIconSize() pixels wide, and the text in one row, `height` pixels
+/// high. A text that does not fit is cut with an ellipsis; all digits have the same width.
+///
+/// The letters are dark, or light for a dark desktop. The colour of the bar is unknown and may be
+/// close to theirs, so the letters have an edge in the opposite shade.
 QImage widePicture(const QImage& icon, const QString& text, bool dark, int height);
 
 }  // namespace tarnwick::platform

@@ -11,8 +11,8 @@ namespace {
 
 constexpr auto kMenuPath = "/StatusNotifierMenu";
 constexpr auto kActivationToken = "XDG_ACTIVATION_TOKEN";
-/// Tokens have a few dozen letters. The C library never frees what was in the environment once, and
-/// what is very long there keeps programs from being started.
+/// Longest accepted token; real ones have a few dozen letters. The C library never frees old values
+/// of the environment, and a very long value prevents programs from starting.
 constexpr qsizetype kLongestToken = 1024;
 
 bool onX11() {
@@ -88,7 +88,7 @@ bool LinuxStatusItem::inTray() const {
 
 void LinuxStatusItem::start() {
     if (bus_.isConnected()) {
-        // The pointer is on the item now; by the time an entry is chosen it is on that.
+        // Read now, because the pointer is on the item; later it will be on the chosen entry.
         menu_ = std::make_unique<DBusMenu>(bus_, kMenuPath, entries_,
                                            [this] { anchor_ = placeUnderPointer(); });
         notifier_ = std::make_unique<StatusNotifierItem>(
@@ -114,8 +114,8 @@ void LinuxStatusItem::keepActivationToken(const QString& token) {
     if (token.size() > kLongestToken) {
         return;
     }
-    // Here the toolkit looks for one when a window is activated next, and takes it away. One that
-    // no window came for must not be used for another press.
+    // The toolkit reads the token from this variable when it next activates a window, and removes
+    // it. A token that no window has used must not serve another press, so the timer removes it.
     qputenv(kActivationToken, token.toUtf8());
     activationToken_.start();
 }
@@ -149,7 +149,7 @@ void LinuxStatusItem::update() {
         embedded_->setIcon(options_.painter, icon());
         embedded_->setText(QString::fromStdString(content_->accessibilityLabel));
     }
-    // Nobody looks while there is no host; the latest content is set when one comes.
+    // Without a host the content is not shown. It is set when a host appears.
     const NotifierRegistration::State state = registration_->state();
     if (state == NotifierRegistration::State::registering ||
         state == NotifierRegistration::State::present) {
@@ -164,7 +164,7 @@ std::optional<QRect> LinuxStatusItem::anchor() const {
 }
 
 void LinuxStatusItem::clicked() {
-    // Hosts do not agree on what the position in their message is relative to.
+    // Ignores the position in the message, because hosts disagree about its origin.
     anchor_ = placeUnderPointer();
     run(actions_.click);
 }
@@ -190,7 +190,8 @@ IconPixmap LinuxStatusItem::rowWithText(const QString& text, int height) {
 }
 
 NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& presentation) {
-    // By whether there is a text and never by which, so that the width is the display mode's.
+    // Only the presence of a text matters, not its content, so that the width depends on the
+    // display mode alone.
     const bool hasText = content_->text.has_value();
     const QString text = QString::fromStdString(content_->text.value_or(std::string()));
     NotifierContent content;

@@ -33,16 +33,16 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     struct Options {
         /// Draws the icon; required.
         IconPainter painter;
-        /// The desktop prefers dark.
+        /// Whether the desktop prefers dark.
         bool dark = false;
-        /// Tells the user one line.
+        /// Prints one line for the user.
         std::function<void(std::string_view)> notice;
-        /// Milliseconds without any tray after which the user is told, once.
+        /// Milliseconds without any tray after which the user is told. It happens once.
         int noTrayMilliseconds = 5000;
         /// Milliseconds for which a token of the compositor is kept for the window that a press
         /// opens.
         int tokenMilliseconds = 2000;
-        /// Names the program of a process.
+        /// Returns the name of a process's program.
         NotifierRegistration::ProgramOf programOf = programOfProcess;
         /// How soon a host that refuses the item is asked again.
         NotifierRegistration::RetryDelays retryDelays{};
@@ -50,7 +50,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         std::string runtimeFolder;
     };
 
-    /// Fills in what a session has: the notice on standard error, the runtime folder.
+    /// Options of a real session: the notice goes to standard error, the folder is the runtime
+    /// folder.
     static Options sessionOptions(IconPainter painter, bool dark);
 
     /// `bus` may be unconnected: then only a tray of the older kind is looked for.
@@ -62,13 +63,12 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     bool inTray() const override;
     bool performClick() override;
 
-    /// The desktop's preference changed: draws the icon in the other shade.
+    /// Draws the icon in the shade for the desktop's new preference.
     void setDark(bool dark);
 
-    /// The item's place on the screen as far as it is known, for a panel beside it: the icon's in
-    /// a tray of the older kind, else where the item was last clicked, as high as the bar it is
-    /// in. None before the first click and on desktops that do not let a program see the pointer
-    /// (Wayland).
+    /// The item's known place on the screen, for a panel beside it: the icon's place in the older
+    /// kind of tray, else the place of the last click, as high as its bar. Absent before the first
+    /// click, and on desktops that do not let a program see the pointer (Wayland).
     std::optional<QRect> anchor() const;
 
  private:
@@ -90,7 +90,7 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     std::optional<StatusItemContent> content_;
     std::vector<MenuEntry> entries_;
     std::optional<QRect> anchor_;
-    // The icons drawn last, and of what: most changes are of the text alone.
+    // The last drawn icons and what they show: kept, because most changes affect only the text.
     std::optional<ItemIcon> squaresOf_;
     IconPixmaps squares_;
     std::optional<ItemIcon> rowIconOf_;

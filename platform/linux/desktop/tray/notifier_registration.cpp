@@ -106,7 +106,7 @@ void NotifierRegistration::ask(const QString& owner) {
     call.setArguments({QString(kWatcherInterface), QString("IsStatusNotifierHostRegistered")});
     callAsync(bus_, call, "v", this, [this, asked](const BusArguments& answer) {
         if (asked == generation_ && !hasHost_) {
-            // A watcher that cannot tell is taken to be a host itself, as most are.
+            // A watcher that gives no answer is assumed to be a host itself, as most are.
             hasHost_ = !answer || variantIn(answer->first()).toBool();
             publish();
         }
@@ -121,7 +121,7 @@ void NotifierRegistration::hostRegistered() {
 }
 
 void NotifierRegistration::hostUnregistered() {
-    // One of several may have gone.
+    // There may be other hosts, so asks the watcher again.
     if (!owner_.isEmpty()) {
         hasHost_.reset();
         ask(owner_);
@@ -135,7 +135,7 @@ void NotifierRegistration::publish() {
     } else if (askedProgram_ && hasHost_) {
         state = !*hasHost_ ? State::absent : isTaken_ ? State::present : State::registering;
     } else {
-        // Still asking: what was true before stays until the answers are there.
+        // The answers are still on their way. The previous state stays until they arrive.
         return;
     }
     const std::string program = askedProgram_.value_or(std::string());

@@ -1,4 +1,4 @@
-// Keeps the status item registered with whatever StatusNotifier watcher the session has.
+// Keeps the status item registered with the StatusNotifier watcher of the session.
 #pragma once
 
 #include <QDBusConnection>
@@ -26,7 +26,8 @@ class NotifierRegistration final : public QObject {
         unknown,
         /// There is no watcher, it has no host that would draw the item, or there is no bus.
         absent,
-        /// There is a host, which has not taken the item yet; it may look at its content already.
+        /// There is a host that has not accepted the item yet. It may read the item's content
+        /// already.
         registering,
         /// A host draws the item.
         present,
@@ -38,12 +39,12 @@ class NotifierRegistration final : public QObject {
         int first = 300;
         int longest = 10'000;
 
-        /// From the refusal of the attempt of this number, from 1.
+        /// The delay after attempt number `attempt`, from 1.
         int after(int attempt) const;
     };
 
     NotifierRegistration(QDBusConnection bus, ProgramOf programOf, RetryDelays retryDelays);
-    /// Gives the item's name back, at which hosts drop the item.
+    /// Releases the item's bus name; hosts then remove the item.
     ~NotifierRegistration() override;
 
     State state() const { return state_; }
@@ -67,18 +68,18 @@ class NotifierRegistration final : public QObject {
     ProgramOf programOf_;
     RetryDelays retryDelays_;
     std::function<void()> changed_;
-    /// There once it is followed.
+    /// Absent until start().
     std::optional<ServiceSignals> watcher_;
     /// The name hosts know the item by; empty until the bus has granted one.
     QString service_;
     QString owner_;
-    /// Counts owners, so that answers about an earlier one are told apart.
+    /// Number of owners so far. It identifies answers about an earlier owner.
     int generation_ = 0;
     std::optional<std::string> askedProgram_;
     std::optional<bool> hasHost_;
-    /// The watcher was asked to take the item.
+    /// Whether the watcher was asked to accept the item.
     bool isAsked_ = false;
-    /// The watcher has taken it.
+    /// Whether the watcher has accepted it.
     bool isTaken_ = false;
     State state_ = State::unknown;
     std::string program_;

@@ -7,7 +7,7 @@
 namespace tarnwick::platform {
 namespace {
 
-// Hosts scale it down to their own size.
+// Edge of the picture in pixels. Hosts scale it down to their own size.
 constexpr int kPixels = 64;
 
 }  // namespace
@@ -23,7 +23,7 @@ PictureFile::~PictureFile() {
         QFile::remove(path);
     }
     if (!written_.empty()) {
-        // Fails, rightly, when somebody else keeps something there.
+        // Fails if another program keeps something in the folder; then the folder must stay.
         QDir().rmdir(folder_);
     }
 }

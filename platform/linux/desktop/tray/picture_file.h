@@ -10,12 +10,12 @@
 
 namespace tarnwick::platform {
 
-/// Writes each different icon once, under a name of its own because hosts keep what they read by
-/// name, and takes the files away again when destroyed. Main thread.
+/// Writes each different icon once. Each has its own name, because hosts cache what they read by
+/// name. The destructor removes the files. Main thread.
 class PictureFile final {
  public:
-    /// The files go into the folder "tarnwick" below `runtimeFolder`, made when it is needed. With
-    /// an empty path nothing is written.
+    /// The files lie in the folder "tarnwick" below `runtimeFolder`, which is made when needed. If
+    /// `runtimeFolder` is empty, nothing is written.
     explicit PictureFile(std::string runtimeFolder);
     ~PictureFile();
     PictureFile(const PictureFile&) = delete;
@@ -26,7 +26,7 @@ class PictureFile final {
 
  private:
     QString folder_;
-    /// Name to whole path, of what was written.
+    /// The written files: name to full path.
     std::map<QString, QString> written_;
 };
 

@@ -9,8 +9,8 @@
 namespace tarnwick::platform {
 namespace {
 
-// A bar is no higher than this share of its width, or it is as short as the few icons in it, and
-// then no higher than this, in points.
+// A window counts as a bar if it is at most this share of its width high. A short bar with few
+// icons counts if it is wider than high and at most kShortBarHeight points high.
 constexpr int kBarShare = 4;
 constexpr int kShortBarHeight = 64;
 
@@ -24,7 +24,7 @@ struct PointerAndWindow {
     QRect window;
 };
 
-/// In the pixels of the display.
+/// In pixels of the display.
 std::optional<PointerAndWindow> windowUnderPointer(xcb_connection_t* connection) {
     const x11::Reply<xcb_query_pointer_reply_t> pointer(xcb_query_pointer_reply(
         connection, xcb_query_pointer(connection, x11::roots(connection).front()), nullptr));
@@ -59,8 +59,8 @@ std::optional<QRect> placeUnderPointer() {
     if (!found) {
         return QRect(pointer, QSize(1, 1));
     }
-    // A screen's points are larger than its pixels by its scale and share its corner only, so the
-    // window is measured from the pointer.
+    // A screen's points and pixels share only its corner, because a point is larger by the screen's
+    // scale. So the window is measured from the pointer.
     const QScreen* screen = QGuiApplication::screenAt(pointer);
     const qreal scale = screen == nullptr ? 1 : screen->devicePixelRatio();
     const QPointF corner = QPointF(found->window.topLeft() - found->pointer) / scale;

@@ -6,13 +6,13 @@
 
 namespace tarnwick::platform {
 
-/// `window`, which the pointer is in, as the place of an item under the pointer: where the window
-/// is a bar along the screen's top or bottom, the place is as high as the bar, so that what opens
-/// beside it leaves the bar free; otherwise it is the pointer's alone. All in the same coordinates.
+/// The place of an item under the pointer in `window`. If the window is a bar along the top or
+/// bottom of the screen, the place is as high as the bar, so that a panel beside it does not cover
+/// the bar; otherwise it is only the pointer's point. All in the same coordinates.
 QRect placeInWindow(const QPoint& pointer, const QRect& window);
 
-/// The place under the pointer in the screen's coordinates; none where a program does not see the
-/// pointer (Wayland). Asks the X server, twice. Main thread.
+/// The place under the pointer in the screen's coordinates; absent if a program cannot see the
+/// pointer (Wayland). Takes two round trips to the X server. Main thread.
 std::optional<QRect> placeUnderPointer();
 
 }  // namespace tarnwick::platform

@@ -8,8 +8,8 @@
 
 namespace tarnwick::platform {
 
-/// Answers Get, GetAll and Set (nothing can be written) when `message` is a call of the
-/// properties interface; false when it is another call. `properties` belong to `interface`.
+/// Answers `message` if it is Get, GetAll or Set of the properties interface; Set is refused,
+/// because nothing can be written. False if it is another call. `properties` belong to `interface`.
 bool answerPropertyCall(const QDBusMessage& message, const QDBusConnection& bus,
                         const QString& interface, const QVariantMap& properties);
 

@@ -59,8 +59,7 @@ constexpr auto kLabelIntrospection = R"xml(
   <property name="XAyatanaLabel" type="s" access="read"/>
   <property name="XAyatanaLabelGuide" type="s" access="read"/>)xml";
 
-// The widest of all texts: hosts keep this much room, so that what is beside the item stays where
-// it is.
+// The widest possible text. Hosts reserve this width, so that items beside the label do not move.
 constexpr auto kLabelGuide = "Disk 100%";
 
 }  // namespace
@@ -123,7 +122,7 @@ QVariantMap StatusNotifierItem::properties() const {
         {"ToolTip", QVariant::fromValue(ToolTip{{}, {}, content_.text, {}})},
         {"ItemIsMenu", false},
         {"Menu", QVariant::fromValue(QDBusObjectPath(menuPath_))},
-        // The host's own order.
+        // 0 leaves the order to the host.
         {"XAyatanaOrderingIndex", 0U},
     };
     if (content_.label) {

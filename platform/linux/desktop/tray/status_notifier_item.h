@@ -15,7 +15,7 @@
 
 namespace tarnwick::platform {
 
-/// What hosts can see of the item.
+/// The item's content for hosts.
 struct NotifierContent {
     /// Title and tool tip, also read out by screen readers.
     QString text;
@@ -33,13 +33,13 @@ struct NotifierContent {
 struct NotifierActions {
     std::function<void()> activate;
     std::function<void()> secondaryActivate;
-    /// The press that follows may bring a window before the others with this token of the
-    /// compositor; empty where none is used.
+    /// Delivers a token of the compositor: the next press may bring a window to the front with it.
+    /// May be empty if tokens are not used.
     std::function<void(const QString& token)> activationToken;
 };
 
-/// Main thread. A host that hears a signal fetches the content again, which wakes both programs,
-/// so a signal goes out only for what changed.
+/// Main thread. Emits a signal only for changed content: a host that receives one fetches the
+/// content again, which wakes both programs.
 class StatusNotifierItem final : public QDBusVirtualObject {
     Q_OBJECT
 
@@ -51,7 +51,8 @@ class StatusNotifierItem final : public QDBusVirtualObject {
     StatusNotifierItem(QDBusConnection bus, QString menuPath, NotifierActions actions);
     ~StatusNotifierItem() override;
 
-    /// Announces what changed, in as few signals as a host that `fetches` like that needs.
+    /// Sets the content and announces the changes in as few signals as a host with these `fetches`
+    /// needs.
     void setContent(NotifierContent content, HostFetches fetches = HostFetches::named);
 
     QString introspect(const QString& path) const override;

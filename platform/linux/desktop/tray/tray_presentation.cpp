@@ -10,8 +10,8 @@ struct KnownHost {
     TrayPresentation presentation;
 };
 
-// plasmashell (kded), swaybar and whatever is not listed shrink a wide picture to a square or
-// refuse it. MATE's applet has labels too, but drops the icon for one.
+// plasmashell (kded), swaybar and all unlisted hosts shrink a wide picture to a square or refuse
+// it. MATE's applet can show labels, but then hides the icon.
 constexpr std::array kKnownHosts = {
     KnownHost{"ayatana-indicator-application-service",
               {.text = TextPlace::label, .iconFromFile = true}},
@@ -23,7 +23,7 @@ constexpr std::array kKnownHosts = {
     KnownHost{
         "waybar",
         {.text = TextPlace::picture, .pictureHeight = 44, .fetches = HostFetches::everything}},
-    // What runs the plug-ins of xfce4-panel.
+    // This program runs the plug-ins of xfce4-panel.
     KnownHost{"wrapper-2.0", {.fetches = HostFetches::everything}},
     KnownHost{"xfce4-panel", {.fetches = HostFetches::everything}},
 };

@@ -14,12 +14,12 @@ enum class TextPlace {
     label,
 };
 
-/// What the host fetches after a signal. Each fetch wakes both programs, so nothing is announced
-/// that the host would not look at.
+/// What the host fetches after a signal. Each fetch wakes both programs, so the item announces
+/// nothing that the host does not use.
 enum class HostFetches {
     /// What the signal names.
     named,
-    /// What the signal names; the title is of no use to it once it has the tool tip.
+    /// Only what the signal names; the title is unused, because the host shows the tool tip.
     namedButTitle,
     /// Everything after any signal.
     everything,
@@ -29,7 +29,7 @@ struct TrayPresentation {
     TextPlace text = TextPlace::toolTip;
     /// The host draws no pixmaps: the icon must be a file, its path in the icon's name.
     bool iconFromFile = false;
-    /// The host wants one wide picture of this height in pixels; 0 when `text` is no picture.
+    /// Height in pixels of the one wide picture that the host needs; 0 if `text` is not `picture`.
     int pictureHeight = 0;
     HostFetches fetches = HostFetches::named;
 
