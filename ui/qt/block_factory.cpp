@@ -1,8 +1,16 @@
 #include "ui/qt/block_factory.h"
 
+#include <QPainter>
+#include <QTransform>
+#include <algorithm>
+#include <cmath>
+#include <type_traits>
+
+#include "ui/qt/block_widget.h"
 #include "ui/qt/button_blocks.h"
-#include "ui/qt/divider_widget.h"
-#include "ui/qt/row_widgets.h"
+#include "ui/qt/device_pixels.h"
+#include "ui/qt/grid.h"
+#include "ui/qt/row_content.h"
 #include "ui/qt/top_apps_widget.h"
 #include "ui/qt/trend_row_widget.h"
 #include "ui/qt/usage_bar_widget.h"
@@ -10,6 +18,51 @@
 namespace tarnwick::qt {
 
 namespace {
+
+/// Draws a hairline across the page.
+class DividerWidget final : public ValueBlockWidget<PanelDivider> {
+ public:
+    using ValueBlockWidget::ValueBlockWidget;
+
+    int heightFor(int) const override { return grid::kHairline; }
+    QAccessible::Role accessibleRole() const override { return QAccessible::Separator; }
+
+ protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        // Whole pixels, so that every divider is equally thin.
+        const qreal scale = painter.deviceTransform().m22();
+        const qreal thickness = std::max(1.0, std::floor(scale * grid::kHairline)) / scale;
+        painter.fillRect(onPixelRows(painter, QRectF(0, height() - thickness, width(), thickness)),
+                         theme().color(ColorRole::hairline));
+    }
+};
+
+/// Draws a block that is a row of text: each that rowContent() knows.
+template <class Value>
+class RowWidget final : public ValueBlockWidget<Value> {
+ public:
+    using ValueBlockWidget<Value>::ValueBlockWidget;
+
+    int heightFor(int) const override { return rowHeight(content(), this->theme()); }
+    QAccessible::Role accessibleRole() const override {
+        return std::is_same_v<Value, GroupTitle> || std::is_same_v<Value, SectionHeader>
+                   ? QAccessible::Heading
+                   : QAccessible::StaticText;
+    }
+
+ protected:
+    void paintEvent(QPaintEvent*) override {
+        QPainter painter(this);
+        paintRow(painter, content(), this->theme(), this->rect());
+    }
+    QString cutTextAt(const QPoint&) const override {
+        return cutText(content(), this->theme(), this->width());
+    }
+
+ private:
+    RowContent content() const { return rowContent(this->value(), this->theme()); }
+};
 
 struct Maker {
     const Theme& theme;
@@ -20,18 +73,22 @@ struct Maker {
     BlockWidget* operator()(const PanelHeader&) const {
         return new PanelHeaderWidget(theme, press, parent);
     }
-    BlockWidget* operator()(const StatusRow&) const { return new StatusRowWidget(theme, parent); }
-    BlockWidget* operator()(const NoticeRow&) const { return new NoticeRowWidget(theme, parent); }
+    BlockWidget* operator()(const StatusRow&) const {
+        return new RowWidget<StatusRow>(theme, parent);
+    }
+    BlockWidget* operator()(const NoticeRow&) const {
+        return new RowWidget<NoticeRow>(theme, parent);
+    }
     BlockWidget* operator()(const UsageBar&) const {
         return new UsageBarWidget(theme, motion, parent);
     }
     BlockWidget* operator()(const SectionHeader&) const {
-        return new SectionHeaderWidget(theme, parent);
+        return new RowWidget<SectionHeader>(theme, parent);
     }
     BlockWidget* operator()(const CaptionText&) const {
-        return new CaptionTextWidget(theme, parent);
+        return new RowWidget<CaptionText>(theme, parent);
     }
-    BlockWidget* operator()(const InfoRow&) const { return new InfoRowWidget(theme, parent); }
+    BlockWidget* operator()(const InfoRow&) const { return new RowWidget<InfoRow>(theme, parent); }
     BlockWidget* operator()(const NavigationButton&) const {
         return new NavigationButtonWidget(theme, press, parent);
     }
@@ -45,7 +102,9 @@ struct Maker {
     BlockWidget* operator()(const DetailHeader&) const {
         return new DetailHeaderWidget(theme, press, parent);
     }
-    BlockWidget* operator()(const GroupTitle&) const { return new GroupTitleWidget(theme, parent); }
+    BlockWidget* operator()(const GroupTitle&) const {
+        return new RowWidget<GroupTitle>(theme, parent);
+    }
     BlockWidget* operator()(const TrendRow&) const { return new TrendRowWidget(theme, parent); }
     BlockWidget* operator()(const TopAppsList&) const {
         return new TopAppsListWidget(theme, parent);

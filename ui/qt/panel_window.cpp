@@ -1,11 +1,33 @@
 #include "ui/qt/panel_window.h"
 
+#include <cstdlib>
+#include <string>
 #include <utility>
 
-#include "ui/qt/compositor.h"
+#include "platform/qt/x11.h"
 #include "ui/qt/panel_popup.h"
 
 namespace tarnwick::qt {
+namespace {
+
+/// True if a compositor blends translucent windows with what is behind them. On X11: while any
+/// program owns the compositing manager's selection; without X11 always. Checked at each call.
+bool hasCompositor() {
+    xcb_connection_t* connection = x11::connection();
+    if (connection == nullptr) {
+        return true;
+    }
+    // The number in "host:display.number"; without one the server's first screen is meant.
+    int screen = 0;
+    int display = 0;
+    char* host = nullptr;
+    if (xcb_parse_display(nullptr, &host, &display, &screen) != 0) {
+        std::free(host);
+    }
+    return x11::selectionOwner(connection, "_NET_WM_CM_S" + std::to_string(screen)) != XCB_NONE;
+}
+
+}  // namespace
 
 PanelWindow::PanelWindow(MenuBarView& view, const Theme& theme, platform::Dispatch& dispatch)
     : view_(view), theme_(theme), dispatch_(dispatch), motion_(std::make_shared<Motion>(dispatch)) {

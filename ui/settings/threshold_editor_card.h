@@ -2,10 +2,11 @@
 #pragma once
 
 #include <array>
+#include <string>
 #include <string_view>
 
+#include "core/records/tint.h"
 #include "ui/settings/dual_threshold_slider.h"
-#include "ui/settings/threshold_value_pill.h"
 
 namespace tarnwick {
 
@@ -29,6 +30,21 @@ inline constexpr std::array kThresholdEditors = {
     ThresholdEditor{JudgedMetric::gpu, "GPU Usage", "display.2", {10, 99}, {11, 100}},
     ThresholdEditor{JudgedMetric::memory, "Memory Usage", "memorychip", {10, 99}, {11, 100}},
     ThresholdEditor{JudgedMetric::storage, "Storage Usage", "internaldrive", {50, 99}, {51, 100}},
+};
+
+/// The label above a slider for one of its thresholds: a dot in the colour, then the text.
+struct ThresholdValuePill {
+    /// Points.
+    static constexpr int kDotSize = 8;
+
+    std::string_view title;
+    /// Percent.
+    double value = 0;
+    Tint color = Tint::gray;
+
+    std::string text() const { return std::string(title) + ' ' + wholePercentText(value) + '%'; }
+
+    bool operator==(const ThresholdValuePill&) const = default;
 };
 
 /// A headline with its symbol, two pills and the slider.
