@@ -13,9 +13,6 @@ namespace tarnwick::qt {
 
 namespace {
 
-// So opaque are links under the pointer.
-constexpr float kHoveredLink = 0.75F;
-constexpr float kPressedLink = 0.5F;
 /// What a pressed switch and its ground are mixed with.
 constexpr QColor kShade(0, 0, 0, 28);
 

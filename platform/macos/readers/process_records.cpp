@@ -1,19 +1,8 @@
 #include "platform/macos/readers/process_records.h"
 
-#include <cstring>
+#include "platform/macos/readers/number_at.h"
 
 namespace tarnwick {
-namespace {
-
-/// The number at `offset`; the caller has made sure that it lies within the bytes.
-template <class T>
-T numberAt(std::span<const std::byte> bytes, std::size_t offset) {
-    T number{};
-    std::memcpy(&number, bytes.subspan(offset, sizeof number).data(), sizeof number);
-    return number;
-}
-
-}  // namespace
 
 std::optional<ProcessRecord> decodeProcessRecord(std::span<const std::byte> bytes) {
     if (bytes.size() < kProcessRecordSize) {

@@ -17,7 +17,7 @@ constexpr uint kRevision = 1;
 /// Hosts know which entries there are: an answer names no more wrong numbers than this.
 constexpr qsizetype kMostUnknown = 16;
 
-constexpr auto kIntrospection = R"xml(
+constexpr auto kMenuIntrospection = R"xml(
 <interface name="com.canonical.dbusmenu">
   <property name="Version" type="u" access="read"/>
   <property name="TextDirection" type="s" access="read"/>
@@ -118,7 +118,7 @@ DBusMenu::~DBusMenu() {
 }
 
 QString DBusMenu::introspect(const QString& path) const {
-    return path == path_ ? QString(kIntrospection) : QString();
+    return path == path_ ? QString(kMenuIntrospection) : QString();
 }
 
 QVariantMap DBusMenu::properties(int id, const QStringList& names) const {
