@@ -8,8 +8,9 @@ fail() {
     exit 1
 }
 
-# For the scripts that need more than the program; script/run may have left the rest out.
-readonly with_tests=(-DTARNWICK_TESTS=ON -DTARNWICK_BENCHMARKS=ON)
+# For the scripts that need more than the program; script/run may have left the tests out.
+readonly with_tests=(-DTARNWICK_TESTS=ON -DTARNWICK_BENCHMARKS=OFF)
+readonly with_benchmarks=(-DTARNWICK_TESTS=ON -DTARNWICK_BENCHMARKS=ON)
 
 # build <preset> [cmake option...] [--target name...]: configures and builds, quietly unless
 # something goes wrong; everything, or the targets alone.
@@ -24,29 +25,35 @@ build() {
     cmake --build --preset "$preset" -j "$(nproc)" "$@"
 }
 
-# run_tests <preset> [ctest option...]: every test of the preset in an environment of its own:
-# nothing of the user's session (display, bus, toolkit settings, home folder) reaches a test.
-# Leaves what ctest said in build/<preset>/ctest-output.txt.
-run_tests() (
-    preset=$1
-    shift
+# in_private <command...>: in an environment of its own: nothing of the user's session (display,
+# bus, toolkit settings, home folder) reaches the command.
+in_private() (
     private=$(mktemp -d)
     trap 'rm -rf "$private"' EXIT
     mkdir -m 700 "$private/home" "$private/runtime" "$private/tmp"
-    launcher=()
+    env -i PATH="/usr/local/bin:/usr/bin:/bin" LANG=C.UTF-8 TERM="${TERM:-dumb}" \
+        HOME="$private/home" XDG_RUNTIME_DIR="$private/runtime" TMPDIR="$private/tmp" \
+        TARNWICK_ALL_HOSTS="${TARNWICK_ALL_HOSTS:-}" "$@"
+)
+
+# run_tests <preset> [ctest option...]: every test of the preset; count_tests tells what became of
+# them.
+run_tests() {
+    local preset=$1 launcher=() reports=$PWD/build/$1/test-reports
+    shift
     # GCC's thread sanitizer needs the address layout of kernels with fewer random bits.
     if [ "$preset" = tsan ] && setarch -R true 2>/dev/null; then
         launcher=(setarch -R)
     fi
-    env -i PATH="/usr/local/bin:/usr/bin:/bin" LANG=C.UTF-8 TERM="${TERM:-dumb}" \
-        HOME="$private/home" XDG_RUNTIME_DIR="$private/runtime" TMPDIR="$private/tmp" \
-        TARNWICK_ALL_HOSTS="${TARNWICK_ALL_HOSTS:-}" \
-        "${launcher[@]}" ctest --preset "$preset" -j "$(nproc)" "$@" 2>&1 |
-        tee "build/$preset/ctest-output.txt"
-)
+    rm -rf "$reports"
+    mkdir -p "$reports"
+    in_private "${launcher[@]}" ctest --preset "$preset" -j "$(nproc)" \
+        --output-junit "$reports/ctest.xml" "$@"
+}
 
-# count_line <preset>: ctest's own line with the number of tests, empty when none ran.
-count_line() {
-    grep -E '^[0-9]+% tests passed, [0-9]+ tests? failed out of [0-9]+' \
-        "build/$1/ctest-output.txt" || true
+# count_tests <preset>...: the tests that failed when they were run the last time, and on a line of
+# its own how many there were. Fails where one failed, or there was none.
+count_tests() {
+    local folders=("${@/#/build/}")
+    /usr/bin/python3 -B script/lib/test_counts.py "${folders[@]/%//test-reports}"
 }

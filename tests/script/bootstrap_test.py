@@ -114,7 +114,7 @@ class Packages(Copy):
 
 class Extent(Copy):
     WITHOUT = "-DTARNWICK_TESTS=OFF -DTARNWICK_BENCHMARKS=OFF"
-    WITH = "-DTARNWICK_TESTS=ON -DTARNWICK_BENCHMARKS=ON"
+    WITH = "-DTARNWICK_TESTS=ON -DTARNWICK_BENCHMARKS=OFF"
 
     def test_a_first_run_builds_the_program_alone(self):
         self.run_script("run", DISPLAY=":1")
@@ -131,6 +131,24 @@ class Extent(Copy):
         self.run_script("test")
         self.run_script("run", DISPLAY=":1")
         self.assertNotIn("-DTARNWICK", self.lines("cmake")[2])
+
+
+class Tests(Copy):
+    WARNINGS = "-DTARNWICK_WARNINGS_AS_ERRORS=ON"
+
+    def test_warnings_are_errors_where_changes_are_checked(self):
+        self.run_script("test", CI="true")
+        self.assertIn(self.WARNINGS, self.lines("cmake")[0])
+
+    def test_warnings_are_no_errors_for_a_user(self):
+        self.run_script("test")
+        self.run_script("run", DISPLAY=":1", CI="true")
+        self.assertNotIn("WARNINGS", " ".join(self.lines("cmake")))
+
+    def test_a_run_without_any_test_fails_and_says_so(self):
+        ended = self.run_script("test")
+        self.assertNotEqual(ended.returncode, 0)
+        self.assertEqual(ended.stdout.splitlines()[-1], "0 passed, 0 failed, 0 skipped")
 
 
 class Format(Copy):

@@ -18,7 +18,7 @@ using testing::DoubleEq;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::uint32_t kLargest = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t kLargestCount = std::numeric_limits<std::uint32_t>::max();
 
 class CPUServiceTest : public testing::Test {
  protected:
@@ -129,7 +129,7 @@ TEST_F(CPUServiceTest, CountersThatWentBackwardsBecomeTheNextPrevious) {
 }
 
 TEST_F(CPUServiceTest, ACounterThatWrappedContributesNothing) {
-    read(processorTicks({{kLargest - 5, 0, 0, 0}}));
+    read(processorTicks({{kLargestCount - 5, 0, 0, 0}}));
     const CPUInfo info = read(processorTicks({{20, 0, 60, 0}}));
     EXPECT_EQ(info.userPercentage, 0);
     EXPECT_DOUBLE_EQ(info.idlePercentage, 100);
@@ -138,8 +138,9 @@ TEST_F(CPUServiceTest, ACounterThatWrappedContributesNothing) {
 
 TEST_F(CPUServiceTest, TotalsGoBeyondThirtyTwoBits) {
     read(processorTicks({{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 0, 0}}));
-    const CPUInfo info = read(processorTicks(
-        {{kLargest, 0, 0, 0}, {kLargest, 0, kLargest, 0}, {kLargest, kLargest, 0, kLargest}}));
+    const CPUInfo info = read(processorTicks({{kLargestCount, 0, 0, 0},
+                                              {kLargestCount, 0, kLargestCount, 0},
+                                              {kLargestCount, kLargestCount, 0, kLargestCount}}));
     EXPECT_THAT(info.coreUsages, ElementsAre(DoubleEq(100), DoubleEq(50), DoubleEq(100)));
     EXPECT_DOUBLE_EQ(info.userPercentage, 50);
     EXPECT_DOUBLE_EQ(info.systemPercentage, 100.0 / 6);
@@ -310,7 +311,7 @@ TEST_F(CPUServiceTest, AnEmptyArrayIsTooShortForOneProcessor) {
 TEST_F(CPUServiceTest, AProcessorCountBeyondAnyArrayReadsIdle) {
     HostProcessorInfo answer = processorTicks({{10, 0, 10, 0}});
     // Sixteen bytes each come to 2^32 bytes, and just below.
-    for (const std::uint32_t count : {0x10000000U, kLargest}) {
+    for (const std::uint32_t count : {0x10000000U, kLargestCount}) {
         answer.processorCount = count;
         EXPECT_THAT(read(answer).coreUsages, IsEmpty());
     }

@@ -22,7 +22,7 @@ using testing::IsEmpty;
 
 constexpr std::uint64_t kPage = 4096;
 constexpr std::uint64_t kGiB = 1024ULL * 1024 * 1024;
-constexpr std::uint32_t kLargest = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t kMostPages = std::numeric_limits<std::uint32_t>::max();
 
 class MemoryServiceTest : public testing::Test {
  protected:
@@ -112,16 +112,16 @@ TEST_F(MemoryServiceTest, MorePurgeableThanInternalPagesLeaveNoApplicationMemory
 
 TEST_F(MemoryServiceTest, FiguresGoBeyondFourGibibytes) {
     kernel.answers.memorySize.set(std::numeric_limits<std::uint64_t>::max());
-    const std::uint64_t bytes = std::uint64_t{kLargest} * kPage;
-    EXPECT_EQ(read({.free_count = kLargest}).free, bytes);
-    EXPECT_EQ(read({.internal_page_count = kLargest}).app, bytes);
-    EXPECT_EQ(read({.wire_count = kLargest}).wired, bytes);
-    EXPECT_EQ(read({.compressor_page_count = kLargest}).compressed, bytes);
-    EXPECT_EQ(read({.purgeable_count = kLargest, .external_page_count = kLargest}).cached,
+    const std::uint64_t bytes = std::uint64_t{kMostPages} * kPage;
+    EXPECT_EQ(read({.free_count = kMostPages}).free, bytes);
+    EXPECT_EQ(read({.internal_page_count = kMostPages}).app, bytes);
+    EXPECT_EQ(read({.wire_count = kMostPages}).wired, bytes);
+    EXPECT_EQ(read({.compressor_page_count = kMostPages}).compressed, bytes);
+    EXPECT_EQ(read({.purgeable_count = kMostPages, .external_page_count = kMostPages}).cached,
               2 * bytes);
-    EXPECT_EQ(read({.wire_count = kLargest,
-                    .compressor_page_count = kLargest,
-                    .internal_page_count = kLargest})
+    EXPECT_EQ(read({.wire_count = kMostPages,
+                    .compressor_page_count = kMostPages,
+                    .internal_page_count = kMostPages})
                   .used,
               3 * bytes);
 }
@@ -301,18 +301,18 @@ TEST_F(MemoryServiceTest, ConcurrentCallsGiveTheSameRecord) {
 
 TEST_F(MemoryServiceDeathTest, AProductThatDoesNotFitIsFatal) {
     constexpr std::uint64_t kHuge = 1ULL << 33;
-    EXPECT_DEATH(readWithPageSize(kHuge, {.free_count = kLargest}), "");
-    EXPECT_DEATH(readWithPageSize(kHuge, {.wire_count = kLargest}), "");
-    EXPECT_DEATH(readWithPageSize(kHuge, {.compressor_page_count = kLargest}), "");
-    EXPECT_DEATH(readWithPageSize(kHuge, {.external_page_count = kLargest}), "");
-    EXPECT_DEATH(readWithPageSize(kHuge, {.purgeable_count = kLargest}), "");
-    EXPECT_DEATH(readWithPageSize(kHuge, {.internal_page_count = kLargest}), "");
+    EXPECT_DEATH(readWithPageSize(kHuge, {.free_count = kMostPages}), "");
+    EXPECT_DEATH(readWithPageSize(kHuge, {.wire_count = kMostPages}), "");
+    EXPECT_DEATH(readWithPageSize(kHuge, {.compressor_page_count = kMostPages}), "");
+    EXPECT_DEATH(readWithPageSize(kHuge, {.external_page_count = kMostPages}), "");
+    EXPECT_DEATH(readWithPageSize(kHuge, {.purgeable_count = kMostPages}), "");
+    EXPECT_DEATH(readWithPageSize(kHuge, {.internal_page_count = kMostPages}), "");
 }
 
 TEST_F(MemoryServiceDeathTest, PagesAreMultipliedBeforeTheyAreSubtracted) {
     // The difference would be no pages at all, but neither product fits.
-    EXPECT_DEATH(readWithPageSize(1ULL << 33,
-                                  {.purgeable_count = kLargest, .internal_page_count = kLargest}),
+    EXPECT_DEATH(readWithPageSize(1ULL << 33, {.purgeable_count = kMostPages,
+                                               .internal_page_count = kMostPages}),
                  "");
 }
 
@@ -341,7 +341,7 @@ TEST_F(MemoryServiceDeathTest, FreeAndCachedMemoryThatDoNotFitAreFatal) {
 TEST_F(MemoryServiceTest, TheLargestFiguresThatFitAreExact) {
     kernel.answers.memorySize.set(std::numeric_limits<std::uint64_t>::max());
     const MemoryInfo info =
-        readWithPageSize(1ULL << 32, {.free_count = kLargest, .wire_count = kLargest});
+        readWithPageSize(1ULL << 32, {.free_count = kMostPages, .wire_count = kMostPages});
     EXPECT_EQ(info.free, 0xFFFFFFFF00000000U);
     EXPECT_EQ(info.used, 0xFFFFFFFF00000000U);
 }

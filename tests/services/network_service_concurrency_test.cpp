@@ -11,8 +11,8 @@
 namespace tarnwick {
 namespace {
 
-constexpr int kThreads = 4;
-constexpr int kReads = 500;
+constexpr int kReaders = 4;
+constexpr int kReadsEach = 500;
 
 TEST(NetworkServiceConcurrency, OverlappingCallsTakeTurnsFromTheReadingToTheSnapshot) {
     // Neither is guarded: calls that overlapped would be seen to meet, or as a data race.
@@ -33,14 +33,14 @@ TEST(NetworkServiceConcurrency, OverlappingCallsTakeTurnsFromTheReadingToTheSnap
             return clock;
         });
 
-    std::latch start(kThreads);
-    std::vector<std::vector<NetworkInfo>> results(kThreads);
+    std::latch start(kReaders);
+    std::vector<std::vector<NetworkInfo>> results(kReaders);
     {
         std::vector<std::jthread> threads;
         for (std::vector<NetworkInfo>& own : results) {
             threads.emplace_back([&] {
                 start.arrive_and_wait();
-                for (int i = 0; i < kReads; ++i) {
+                for (int i = 0; i < kReadsEach; ++i) {
                     own.push_back(service.readNetworkInfo());
                 }
             });
@@ -51,7 +51,7 @@ TEST(NetworkServiceConcurrency, OverlappingCallsTakeTurnsFromTheReadingToTheSnap
     std::set<std::uint64_t> totals;
     int first = 0;
     for (const std::vector<NetworkInfo>& own : results) {
-        ASSERT_EQ(own.size(), static_cast<std::size_t>(kReads));
+        ASSERT_EQ(own.size(), static_cast<std::size_t>(kReadsEach));
         for (const NetworkInfo& info : own) {
             totals.insert(info.totalReceivedBytes);
             first += info.hasSample ? 0 : 1;
@@ -61,7 +61,7 @@ TEST(NetworkServiceConcurrency, OverlappingCallsTakeTurnsFromTheReadingToTheSnap
         }
     }
     EXPECT_EQ(first, 1);
-    EXPECT_EQ(totals.size(), static_cast<std::size_t>(kThreads * kReads));
+    EXPECT_EQ(totals.size(), static_cast<std::size_t>(kReaders * kReadsEach));
 }
 
 }  // namespace

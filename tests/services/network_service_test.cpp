@@ -21,7 +21,7 @@ using testing::DoubleEq;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::uint64_t kLargest = std::numeric_limits<std::uint64_t>::max();
+constexpr std::uint64_t kMostBytes = std::numeric_limits<std::uint64_t>::max();
 
 class NetworkServiceTest : public testing::Test {
  protected:
@@ -208,18 +208,18 @@ TEST_F(NetworkServiceTest, ACallWithoutATableIsNoFirstSample) {
 }
 
 TEST_F(NetworkServiceTest, TotalsReachTheLargestNumber) {
-    const InterfaceTable full{{1, {kLargest - 1, 1, false}}, {2, {1, kLargest - 1, false}}};
-    expectTotals(read(0, full), kLargest, kLargest);
+    const InterfaceTable full{{1, {kMostBytes - 1, 1, false}}, {2, {1, kMostBytes - 1, false}}};
+    expectTotals(read(0, full), kMostBytes, kMostBytes);
 }
 
 TEST_F(NetworkServiceTest, ACounterMayMoveByTheLargestNumber) {
     read(0, InterfaceTable{{1, {0, 0, false}}});
-    expectRates(read(1, InterfaceTable{{1, {kLargest, kLargest, false}}}), 0x1p64, 0x1p64);
+    expectRates(read(1, InterfaceTable{{1, {kMostBytes, kMostBytes, false}}}), 0x1p64, 0x1p64);
 }
 
 TEST_F(NetworkServiceTest, TotalsThatOverflowAreFatal) {
-    EXPECT_DEATH(read(0, InterfaceTable{{1, {kLargest, 0, false}}, {2, {1, 0, false}}}), "");
-    EXPECT_DEATH(read(0, InterfaceTable{{1, {0, kLargest, false}}, {2, {0, 1, false}}}), "");
+    EXPECT_DEATH(read(0, InterfaceTable{{1, {kMostBytes, 0, false}}, {2, {1, 0, false}}}), "");
+    EXPECT_DEATH(read(0, InterfaceTable{{1, {0, kMostBytes, false}}, {2, {0, 1, false}}}), "");
 }
 
 TEST_F(NetworkServiceTest, EveryFailureOfAllSourcesIsLogged) {

@@ -14,15 +14,16 @@ namespace {
 using testing::ElementsAre;
 using testing::Field;
 
-constexpr std::uint64_t kBig = 1'000'000;
+constexpr std::uint64_t kMegabyte = 1'000'000;
 
 class ProcessServiceNames : public testing::Test {
  protected:
     ProcessServiceNames() {
         // By processor use 1 before 2 before 3, by memory 3 before 2 before 1.
-        table.processes = {{.identifier = 1, .command = "one", .task{{.residentSize = kBig}}},
-                           {.identifier = 2, .command = "two", .task{{.residentSize = 2 * kBig}}},
-                           {.identifier = 3, .command = "six", .task{{.residentSize = 3 * kBig}}}};
+        table.processes = {
+            {.identifier = 1, .command = "one", .task{{.residentSize = kMegabyte}}},
+            {.identifier = 2, .command = "two", .task{{.residentSize = 2 * kMegabyte}}},
+            {.identifier = 3, .command = "six", .task{{.residentSize = 3 * kMegabyte}}}};
     }
 
     std::vector<std::string> lookups() {
@@ -83,7 +84,7 @@ TEST_F(ProcessServiceNames, AnEmptyNameOfThePlatformIsTakenAsItIs) {
 }
 
 TEST_F(ProcessServiceNames, ACommandThatIsNotUTF8IsRepaired) {
-    table.processes = {{.identifier = 1, .command = "caf\xC3", .task{{.residentSize = kBig}}}};
+    table.processes = {{.identifier = 1, .command = "caf\xC3", .task{{.residentSize = kMegabyte}}}};
     EXPECT_EQ(service.readTopProcesses(1).cpu.at(0).name, "caf\xEF\xBF\xBD");
 }
 

@@ -9,7 +9,7 @@
 namespace tarnwick {
 namespace {
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 TEST(NumberAtStart, IsTheNumberOfTheText) {
     EXPECT_EQ(numberAtStart("42.5"), 42.5);
@@ -49,13 +49,13 @@ TEST(NumberAtStart, IsZeroWhereTheTextDoesNotStartWithANumber) {
 }
 
 TEST(NumberAtStart, BeyondTheRangeIsInfiniteOrZero) {
-    EXPECT_EQ(numberAtStart("1e999"), infinity);
-    EXPECT_EQ(numberAtStart("-1e999"), -infinity);
-    EXPECT_EQ(numberAtStart(std::string(400, '9')), infinity);
-    EXPECT_EQ(numberAtStart(std::string(400, '9') + ".5"), infinity);
+    EXPECT_EQ(numberAtStart("1e999"), kInfinity);
+    EXPECT_EQ(numberAtStart("-1e999"), -kInfinity);
+    EXPECT_EQ(numberAtStart(std::string(400, '9')), kInfinity);
+    EXPECT_EQ(numberAtStart(std::string(400, '9') + ".5"), kInfinity);
     EXPECT_EQ(numberAtStart("1e-999"), 0);
     EXPECT_EQ(numberAtStart("0." + std::string(400, '0') + "1"), 0);
-    EXPECT_EQ(numberAtStart("1e999 e-5"), infinity);
+    EXPECT_EQ(numberAtStart("1e999 e-5"), kInfinity);
 }
 
 TEST(WholeDecimalInteger, MayHaveASign) {

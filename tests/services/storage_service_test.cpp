@@ -18,8 +18,8 @@ using platform::VolumeResourceValues;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
-constexpr std::int64_t kSmallest = std::numeric_limits<std::int64_t>::min();
+constexpr std::int64_t kLargestCapacity = std::numeric_limits<std::int64_t>::max();
+constexpr std::int64_t kSmallestCapacity = std::numeric_limits<std::int64_t>::min();
 
 class StorageServiceTest : public testing::Test {
  protected:
@@ -87,7 +87,7 @@ TEST_F(StorageServiceTest, ANameIsKeptAsItIs) {
 TEST_F(StorageServiceTest, MoreAvailableThanTotalIsTheTotalAndNothingUsed) {
     expectSizes(read({.totalCapacity = 1000, .availableCapacity = 1001}), 1000, 1000, 0);
     expectSizes(read({.totalCapacity = 1000,
-                      .availableCapacityForImportantUsage = kLargest,
+                      .availableCapacityForImportantUsage = kLargestCapacity,
                       .availableCapacity = 5}),
                 1000, 1000, 0);
 }
@@ -132,13 +132,14 @@ TEST_F(StorageServiceTest, WithoutATotalAllSizesAreZero) {
 
 TEST_F(StorageServiceTest, ANegativeTotalIsRaisedToZero) {
     expectSizes(read({.totalCapacity = -1, .availableCapacity = 300}), 0, 0, 0);
-    expectSizes(read({.totalCapacity = kSmallest, .availableCapacity = kLargest}), 0, 0, 0);
+    expectSizes(read({.totalCapacity = kSmallestCapacity, .availableCapacity = kLargestCapacity}),
+                0, 0, 0);
 }
 
 TEST_F(StorageServiceTest, ANegativeAvailableCapacityIsRaisedToZero) {
     expectSizes(read({.totalCapacity = 1000, .availableCapacity = -1}), 1000, 0, 1000);
-    expectSizes(read({.totalCapacity = kLargest, .availableCapacity = kSmallest}), kLargest, 0,
-                kLargest);
+    expectSizes(read({.totalCapacity = kLargestCapacity, .availableCapacity = kSmallestCapacity}),
+                kLargestCapacity, 0, kLargestCapacity);
 }
 
 TEST_F(StorageServiceTest, ValuesThatAreAllMissingAreNoFailure) {

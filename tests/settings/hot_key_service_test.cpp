@@ -12,6 +12,7 @@
 #include "platform/testing/recording_log.h"
 #include "platform/testing/scripted_hot_keys.h"
 #include "platform/testing/scripted_login_service.h"
+#include "tests/settings/key_numbers.h"
 
 namespace tarnwick {
 namespace {
@@ -27,14 +28,6 @@ using platform::testing::ScriptedLoginService;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::Pair;
-
-constexpr std::int64_t kShift = 0x20000;
-constexpr std::int64_t kControl = 0x40000;
-constexpr std::int64_t kOption = 0x80000;
-constexpr std::int64_t kCommand = 0x100000;
-
-constexpr std::int64_t kL = 37;
-constexpr std::int64_t kK = 40;
 
 constexpr std::int32_t kNotHandled = -9874;
 constexpr std::int32_t kTaken = -9878;

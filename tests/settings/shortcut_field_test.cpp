@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/testing/scripted_keyboard_layout.h"
+#include "tests/settings/key_numbers.h"
 
 namespace tarnwick {
 namespace {
@@ -15,20 +16,14 @@ using platform::testing::ScriptedKeyboardLayout;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-constexpr std::int64_t kShift = 0x20000;
-constexpr std::int64_t kControl = 0x40000;
-constexpr std::int64_t kOption = 0x80000;
-constexpr std::int64_t kCommand = 0x100000;
 constexpr std::int64_t kCapsLock = 0x10000;
 
-constexpr std::int64_t kL = 37;
-constexpr std::int64_t kK = 40;
 constexpr std::int64_t kDelete = 51;
 constexpr std::int64_t kForwardDelete = 117;
 constexpr std::int64_t kEscape = 53;
 
-constexpr const char* kNeedsCommand = "message Shortcut must include Command.";
-constexpr const char* kTooMany =
+constexpr const char* kNeedsCommandMessage = "message Shortcut must include Command.";
+constexpr const char* kTooManyMessage =
     "message Use Command by itself or with one of Shift, Option, or Control.";
 
 class ShortcutFieldTest : public ::testing::Test {
@@ -124,8 +119,8 @@ TEST_F(ShortcutFieldTest, ModifiersAreJudgedWhileTheyAreHeld) {
     EXPECT_TRUE(field.flagsChanged(kOption | kCommand));
     EXPECT_TRUE(field.flagsChanged(kOption | kCommand | kShift));
     EXPECT_TRUE(field.flagsChanged(0));
-    EXPECT_THAT(steps, ElementsAre(kNeedsCommand, "refresh", "no message", "refresh", kTooMany,
-                                   "refresh", "no message", "refresh"));
+    EXPECT_THAT(steps, ElementsAre(kNeedsCommandMessage, "refresh", "no message", "refresh",
+                                   kTooManyMessage, "refresh", "no message", "refresh"));
     expectRecording();
 }
 
@@ -179,7 +174,7 @@ TEST_F(ShortcutFieldTest, KeyCodeZeroCanBeRecorded) {
 TEST_F(ShortcutFieldTest, APlainLetterAsksForCommandAndRecordingGoesOn) {
     startRecording();
     EXPECT_TRUE(field.keyDown(kK, 0));
-    EXPECT_THAT(steps, ElementsAre(kNeedsCommand, "refresh"));
+    EXPECT_THAT(steps, ElementsAre(kNeedsCommandMessage, "refresh"));
     expectRecording();
     field.keyDown(kK, kCommand);
     expectStopped({"⌘K", false});
@@ -188,7 +183,7 @@ TEST_F(ShortcutFieldTest, APlainLetterAsksForCommandAndRecordingGoesOn) {
 TEST_F(ShortcutFieldTest, TooManyModifiersAreRejectedAndRecordingGoesOn) {
     startRecording();
     EXPECT_TRUE(field.keyDown(kK, kCommand | kShift | kControl));
-    EXPECT_THAT(steps, ElementsAre(kTooMany, "refresh"));
+    EXPECT_THAT(steps, ElementsAre(kTooManyMessage, "refresh"));
     expectRecording();
     EXPECT_EQ(field.currentKeyCode(), kL);
 }

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/testing/scripted_keyboard_layout.h"
+#include "tests/settings/key_numbers.h"
 
 namespace tarnwick {
 namespace {
@@ -14,8 +15,6 @@ namespace {
 using platform::testing::ScriptedKeyboardLayout;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-
-constexpr std::int64_t kCommand = 0x100000;
 
 class ShortcutRecorderViewTest : public ::testing::Test {
  protected:

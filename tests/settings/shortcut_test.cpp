@@ -7,21 +7,16 @@
 #include <vector>
 
 #include "platform/testing/scripted_keyboard_layout.h"
+#include "tests/settings/key_numbers.h"
 
 namespace tarnwick {
 namespace {
 
 using platform::testing::ScriptedKeyboardLayout;
 
-constexpr std::int64_t kShift = 0x20000;
-constexpr std::int64_t kControl = 0x40000;
-constexpr std::int64_t kOption = 0x80000;
-constexpr std::int64_t kCommand = 0x100000;
 /// Caps lock, function key, and what tells left from right.
 constexpr std::int64_t kOtherBits = 0x10000 | 0x800000 | 0xFFFF;
 
-constexpr std::int64_t kL = 37;
-constexpr std::int64_t kK = 40;
 constexpr std::int64_t kQ = 12;
 
 constexpr const char* kNeedsCommand = "Shortcut must include Command.";

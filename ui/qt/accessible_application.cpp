@@ -41,7 +41,7 @@ class AccessibleApplication final : public QAccessibleApplication {
     }
 };
 
-QAccessibleInterface* make(const QString&, QObject* object) {
+QAccessibleInterface* makeApplication(const QString&, QObject* object) {
     return object != nullptr && object == QCoreApplication::instance() ? new AccessibleApplication()
                                                                        : nullptr;
 }
@@ -49,7 +49,7 @@ QAccessibleInterface* make(const QString&, QObject* object) {
 }  // namespace
 
 void listPopUpsForScreenReaders() {
-    QAccessible::installFactory(make);
+    QAccessible::installFactory(makeApplication);
 }
 
 }  // namespace tarnwick::qt

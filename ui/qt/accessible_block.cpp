@@ -42,7 +42,7 @@ class AccessibleBlock final : public QAccessibleWidget, public QAccessibleValueI
     bool hasValue() const { return block().accessibleValue().has_value(); }
 };
 
-QAccessibleInterface* make(const QString&, QObject* object) {
+QAccessibleInterface* makeBlock(const QString&, QObject* object) {
     if (auto* block = qobject_cast<BlockWidget*>(object)) {
         return new AccessibleBlock(block);
     }
@@ -56,7 +56,7 @@ QAccessibleInterface* make(const QString&, QObject* object) {
 }  // namespace
 
 void describeBlocksForScreenReaders() {
-    QAccessible::installFactory(make);
+    QAccessible::installFactory(makeBlock);
 }
 
 void announceValue(BlockWidget& block, double percent) {

@@ -18,9 +18,6 @@ namespace {
 
 /// A disabled button is drawn this opaque.
 constexpr qreal kDisabledOpacity = 0.45;
-// Opacity of links under the pointer and while pressed.
-constexpr float kHoveredLink = 0.75F;
-constexpr float kPressedLink = 0.5F;
 
 const char* nameOf(PanelAction action) {
     switch (action) {

@@ -13,9 +13,6 @@ namespace tarnwick::qt {
 
 namespace {
 
-// Opacity of links under the pointer and while pressed.
-constexpr float kHoveredLink = 0.75F;
-constexpr float kPressedLink = 0.5F;
 /// A pressed switch is mixed with this colour.
 constexpr QColor kShade(0, 0, 0, 28);
 

@@ -49,10 +49,6 @@ QPainterPath painterPath(const SymbolPart& part) {
     return path;
 }
 
-QString fromUtf8(std::string_view text) {
-    return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
-}
-
 }  // namespace
 
 bool hasSymbol(std::string_view name) {
@@ -92,8 +88,10 @@ QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
                    qreal devicePixelRatio) {
     static QCache<QString, QImage> cache(kSymbolCacheBytes);
     const int pixels = qCeil(size * devicePixelRatio);
-    const QString key =
-        QString("%1 %2 %3").arg(fromUtf8(name)).arg(colour.rgba(), 8, 16).arg(pixels);
+    const QString key = QString("%1 %2 %3")
+                            .arg(QLatin1String(name.data(), static_cast<qsizetype>(name.size())))
+                            .arg(colour.rgba(), 8, 16)
+                            .arg(pixels);
     QImage image;
     if (const QImage* kept = cache.object(key)) {
         image = *kept;

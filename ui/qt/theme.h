@@ -39,6 +39,10 @@ enum class FontRole {
     captionMedium,
 };
 
+/// So opaque are links under the pointer.
+inline constexpr float kHoveredLink = 0.75F;
+inline constexpr float kPressedLink = 0.5F;
+
 /// Light or dark. Main thread; one for the process, outliving every widget that draws with it.
 class Theme {
  public:

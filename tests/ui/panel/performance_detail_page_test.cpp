@@ -14,8 +14,8 @@ using testing::block;
 using testing::contains;
 using ::testing::ElementsAre;
 
-constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
-constexpr double kInfinity = std::numeric_limits<double>::infinity();
+constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
 /// A history with the values 0, 1, 2 and so on.
 std::vector<UsageSample> history(int count) {
@@ -75,7 +75,7 @@ TEST_F(PerformanceDetailPageTest, TrendsShowTheValuesOfNow) {
 }
 
 TEST_F(PerformanceDetailPageTest, ValuesOfProcessorsAreClamped) {
-    inputs.cpuInfo.usagePercentage = kNaN;
+    inputs.cpuInfo.usagePercentage = kNotANumber;
     inputs.gpuInfo.usagePercentage = 101;
     EXPECT_EQ(trend("trend.cpu").value, "0%");
     EXPECT_EQ(trend("trend.gpu").value, "100%");
@@ -123,7 +123,7 @@ TEST_F(PerformanceDetailPageTest, ColoursFollowTheLevels) {
 
 TEST_F(PerformanceDetailPageTest, LevelsAreJudgedBeforeTheUsageIsClamped) {
     const std::pair<double, Tint> levels[] = {
-        {kInfinity, Tint::red}, {kNaN, Tint::green}, {-kInfinity, Tint::green}};
+        {kInfinite, Tint::red}, {kNotANumber, Tint::green}, {-kInfinite, Tint::green}};
     for (const auto& [usage, tint] : levels) {
         SCOPED_TRACE(usage);
         inputs.cpuInfo.usagePercentage = usage;
@@ -192,7 +192,7 @@ TEST_F(PerformanceDetailPageTest, ShowsTheUnitsOfTheGPU) {
     EXPECT_EQ(block<InfoRow>(page(), "gpu.renderer"), (InfoRow{"Renderer", "16%"}));
     EXPECT_EQ(block<InfoRow>(page(), "gpu.tiler"), (InfoRow{"Tiler", "100%"}));
     inputs.gpuInfo.rendererUtilizationPercentage = -1;
-    inputs.gpuInfo.tilerUtilizationPercentage = kNaN;
+    inputs.gpuInfo.tilerUtilizationPercentage = kNotANumber;
     EXPECT_EQ(info("gpu.renderer"), "0%");
     EXPECT_EQ(info("gpu.tiler"), "0%");
 }

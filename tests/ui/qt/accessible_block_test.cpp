@@ -122,7 +122,7 @@ TEST_F(AccessibleBlockTest, ThePanelIsADialogWithAName) {
 }
 
 TEST_F(AccessibleBlockTest, ANewValueIsAnnouncedAndANewTextAloneIsNot) {
-    const testing::AccessibleEvents events;
+    const AccessibleEvents events;
     const auto bar = [](double value, const char* detail, Tint tint) {
         return Page{{"bar", 0, UsageBar{"Storage", "internaldrive", value, detail, tint}}};
     };
@@ -145,7 +145,7 @@ TEST_F(AccessibleBlockTest, ANewValueIsAnnouncedAndANewTextAloneIsNot) {
 TEST_F(AccessibleBlockTest, AnotherDescriptionIsAnnounced) {
     HomePageInputs inputs = tarnwick::testing::calmMachine();
     show(homePage(inputs, formatter));
-    const testing::AccessibleEvents events;
+    const AccessibleEvents events;
     const auto told = [&](const char* name) {
         return events.count(view.findChild<QWidget*>(name), QAccessible::DescriptionChanged);
     };

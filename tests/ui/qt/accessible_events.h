@@ -9,7 +9,7 @@
 #include <utility>
 #include <vector>
 
-namespace tarnwick::qt::testing {
+namespace tarnwick::qt {
 
 /// Records every event during its lifetime. Only one may exist at a time.
 class AccessibleEvents {
@@ -59,4 +59,4 @@ class AccessibleEvents {
     QAccessible::UpdateHandler before_;
 };
 
-}  // namespace tarnwick::qt::testing
+}  // namespace tarnwick::qt

@@ -19,10 +19,8 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
-using testing::kCommand;
-using testing::kShift;
 
-class SettingsControls : public testing::SettingsWidgetFixture {
+class SettingsControls : public SettingsWidgetFixture {
  protected:
     QAbstractButton* button(const char* name) {
         auto* found = qobject_cast<QAbstractButton*>(find(name));
@@ -516,7 +514,7 @@ TEST_F(ShortcutFieldControl, AssistiveTechnologyLearnsWhatItShows) {
     EXPECT_EQ(shown(), "Click to record");
     EXPECT_EQ(interface->text(QAccessible::Value), "Click to record");
     EXPECT_FALSE(interface->state().pressed);
-    const testing::AccessibleEvents events;
+    const AccessibleEvents events;
     startRecording();
     EXPECT_EQ(shown(), "Press ⌘ + key…");
     EXPECT_EQ(text->text(0, 5), "Press");

@@ -18,7 +18,7 @@ namespace {
 using ::testing::Each;
 using ::testing::ElementsAre;
 
-class SettingsDrawing : public testing::SettingsWidgetFixture {
+class SettingsDrawing : public SettingsWidgetFixture {
  protected:
     SettingsDrawing() { movePointer(kElsewhere); }
 
@@ -228,7 +228,7 @@ TEST_F(SettingsDrawing, APillHasADotOfEightPointsInItsColour) {
 }
 
 TEST_F(SettingsDrawing, TheLinesBelowTheShortcutHaveTheirSymbolsAndColours) {
-    storeShortcut(37, testing::kCommand);
+    storeShortcut(37, kCommand);
     const auto shown = [this] { return symbols(visible<ShortcutCardWidget>().at(0)); };
     for (const RegistrationState state : {RegistrationState::conflict, RegistrationState::failed}) {
         settings.setShortcutRegistrationState(state);
@@ -280,7 +280,7 @@ TEST_F(SettingsDrawing, TheRecordersTextIsCentredAndPaleWhileItIsNoShortcut) {
         catchUp();
         expectText("Press ⌘ + key…", ColorRole::secondaryText);
         widget->view().shortcutField().resignFirstResponder();
-        storeShortcut(37, testing::kCommand);
+        storeShortcut(37, kCommand);
         expectText("⌘L", ColorRole::text);
         EXPECT_FALSE(baseline("⌘L", ColorRole::secondaryText).has_value());
     }

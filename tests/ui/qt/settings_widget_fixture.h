@@ -18,7 +18,7 @@
 #include "tests/ui/qt/settle.h"
 #include "ui/qt/settings_widget.h"
 
-namespace tarnwick::qt::testing {
+namespace tarnwick::qt {
 
 inline constexpr std::int64_t kCommand = 0x100000;
 inline constexpr std::int64_t kShift = 0x20000;
@@ -135,4 +135,4 @@ class SettingsWidgetFixture : public ::testing::Test {
     std::unique_ptr<SettingsWidget> widget;
 };
 
-}  // namespace tarnwick::qt::testing
+}  // namespace tarnwick::qt

@@ -23,7 +23,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 using ::testing::SizeIs;
 
-class SettingsWidgetTest : public testing::SettingsWidgetFixture {
+class SettingsWidgetTest : public SettingsWidgetFixture {
  protected:
     /// What the keyboard comes by from the first tab on, until it is there again.
     std::vector<std::string> tabOrder() {
@@ -113,7 +113,7 @@ TEST_F(SettingsWidgetTest, KeysSelectTabs) {
 TEST_F(SettingsWidgetTest, TheKeyboardWalksTheGeneralTabInReadingOrder) {
     EXPECT_THAT(tabOrder(), ElementsAre("tab.General", "tab.Customize", "tab.About",
                                         "mode.iconOnly", "mode.advanced", "switch", "shortcut"));
-    storeShortcut(37, testing::kCommand);
+    storeShortcut(37, kCommand);
     EXPECT_THAT(tabOrder(),
                 ElementsAre("tab.General", "tab.Customize", "tab.About", "mode.iconOnly",
                             "mode.advanced", "switch", "shortcut", "clear"));
@@ -234,16 +234,16 @@ TEST_F(SettingsWidgetTest, EverySymbolIsDrawn) {
 }
 
 /// Sets the application's font and puts the old one back.
-class DesktopFont {
+class ScaledDesktopFont {
  public:
-    explicit DesktopFont(double factor) : old_(QApplication::font()) {
+    explicit ScaledDesktopFont(double factor) : old_(QApplication::font()) {
         QFont font = old_;
         font.setPointSizeF(font.pointSizeF() * factor);
         QApplication::setFont(font);
     }
-    DesktopFont(const DesktopFont&) = delete;
-    DesktopFont& operator=(const DesktopFont&) = delete;
-    ~DesktopFont() { QApplication::setFont(old_); }
+    ScaledDesktopFont(const ScaledDesktopFont&) = delete;
+    ScaledDesktopFont& operator=(const ScaledDesktopFont&) = delete;
+    ~ScaledDesktopFont() { QApplication::setFont(old_); }
 
  private:
     QFont old_;
@@ -252,13 +252,13 @@ class DesktopFont {
 class SettingsFonts : public SettingsWidgetTest, public ::testing::WithParamInterface<double> {};
 
 TEST_P(SettingsFonts, NoTextIsCut) {
-    storeShortcut(37, testing::kCommand);
+    storeShortcut(37, kCommand);
     settings.setShortcutRegistrationState(RegistrationState::conflict);
     // Also pages that were made before.
     for (const TabItem& item : kTabs) {
         select(item.tab);
     }
-    const DesktopFont font(GetParam());
+    const ScaledDesktopFont font(GetParam());
     for (const TabItem& item : kTabs) {
         select(item.tab);
         catchUp();
@@ -379,7 +379,7 @@ TEST_F(SettingsWidgetTest, TwoStepsInOneTurnAreTwoTabs) {
 }
 
 TEST_F(SettingsWidgetTest, TheMarkFollowsWhatTheFocusedControlStandsOn) {
-    storeShortcut(37, testing::kCommand);
+    storeShortcut(37, kCommand);
     find("clear")->setFocus(Qt::TabFocusReason);
     QWidget* ring = find("focusRing");
     ASSERT_NE(ring, nullptr);

@@ -24,10 +24,10 @@ class KeyWatcher final : public QObject {
     }
 };
 
-class IdleShortcutField : public testing::SettingsWidgetFixture {
+class IdleShortcutField : public SettingsWidgetFixture {
  protected:
     IdleShortcutField() {
-        storeShortcut(37, testing::kCommand);
+        storeShortcut(37, kCommand);
         find("shortcut")->setFocus(Qt::TabFocusReason);
         catchUp();
         find("shortcut")->parentWidget()->installEventFilter(&parent);
@@ -47,7 +47,7 @@ class IdleShortcutField : public testing::SettingsWidgetFixture {
     void expectNothingHappened() {
         EXPECT_FALSE(isRecording());
         EXPECT_EQ(settings.shortcutKeyCode(), 37);
-        EXPECT_EQ(settings.shortcutModifiers(), testing::kCommand);
+        EXPECT_EQ(settings.shortcutModifiers(), kCommand);
         EXPECT_EQ(widget->view().shortcutField().text().text, "⌘L");
         EXPECT_EQ(widget->view().shortcutValidationMessage(), std::nullopt);
     }

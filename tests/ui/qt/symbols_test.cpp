@@ -23,7 +23,7 @@ int pixelsOf(const QImage& image, QRgb colour) {
     return count;
 }
 
-class Symbols : public testing::TestWithParam<const char*> {};
+class Symbols : public ::testing::TestWithParam<const char*> {};
 
 TEST_P(Symbols, IsDrawnInTheColourInsideItsSquare) {
     ASSERT_TRUE(hasSymbol(GetParam()));
@@ -69,14 +69,14 @@ TEST_P(Symbols, LooksLikeItsFile) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, Symbols,
-                         testing::Values("gearshape", "arrow.clockwise", "clock", "thermometer",
-                                         "arrow.clockwise.circle.fill", "cpu", "display.2",
-                                         "memorychip", "internaldrive",
-                                         "exclamationmark.triangle.fill", "battery.100",
-                                         "chevron.left", "chevron.right", "checkmark.circle.fill",
-                                         "info.circle.fill", "dial.high", "info.circle", "circle",
-                                         "largecircle.fill.circle", "moon.fill", "leaf.fill",
-                                         "hand.raised.fill"),
+                         ::testing::Values("gearshape", "arrow.clockwise", "clock", "thermometer",
+                                           "arrow.clockwise.circle.fill", "cpu", "display.2",
+                                           "memorychip", "internaldrive",
+                                           "exclamationmark.triangle.fill", "battery.100",
+                                           "chevron.left", "chevron.right", "checkmark.circle.fill",
+                                           "info.circle.fill", "dial.high", "info.circle", "circle",
+                                           "largecircle.fill.circle", "moon.fill", "leaf.fill",
+                                           "hand.raised.fill"),
                          [](const auto& row) {
                              std::string name = row.param;
                              std::replace(name.begin(), name.end(), '.', '_');

@@ -31,7 +31,7 @@ double contrast(const QColor& text, const QColor& ground, const QColor& tint) {
     return (std::max(above, below) + 0.05) / (std::min(above, below) + 0.05);
 }
 
-class ThemeColours : public testing::TestWithParam<bool> {};
+class ThemeColours : public ::testing::TestWithParam<bool> {};
 
 TEST_P(ThemeColours, TextsCanBeReadOnEveryGround) {
     const Theme theme(GetParam());
@@ -48,7 +48,7 @@ TEST_P(ThemeColours, TextsCanBeReadOnEveryGround) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, ThemeColours, testing::Bool(),
+INSTANTIATE_TEST_SUITE_P(, ThemeColours, ::testing::Bool(),
                          [](const auto& row) { return row.param ? "Dark" : "Light"; });
 
 TEST(Theme, TintsHaveTheirOwnShadeInTheDark) {
@@ -65,7 +65,7 @@ TEST(Theme, TintsHaveTheirOwnShadeInTheDark) {
     EXPECT_EQ(theme.color(Tint::gray), theme.color(ColorRole::secondaryText));
 }
 
-class PaintCounter final : public QWidget {
+class CountingWidget final : public QWidget {
  public:
     int paints = 0;
 
@@ -76,7 +76,7 @@ class PaintCounter final : public QWidget {
 TEST(Theme, GoingDarkPaintsWidgetsAgainAndChangesThePalette) {
     Theme theme(false);
     EXPECT_EQ(QApplication::palette().color(QPalette::Window), QColor(0xF3F3F5));
-    PaintCounter widget;
+    CountingWidget widget;
     widget.show();
     settle();
     const int before = widget.paints;

@@ -9,7 +9,7 @@
 namespace tarnwick::qt {
 namespace {
 
-class ThresholdSliderDrawing : public testing::SettingsWidgetFixture {
+class ThresholdSliderDrawing : public SettingsWidgetFixture {
  protected:
     void SetUp() override {
         movePointer(kElsewhere);

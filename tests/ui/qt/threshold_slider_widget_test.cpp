@@ -17,7 +17,7 @@ namespace {
 using Thumb = DualThresholdSlider::Thumb;
 
 /// How often widgets paint themselves.
-class PaintCounter final : public QObject {
+class PaintsOfEach final : public QObject {
  public:
     std::map<QObject*, int> paints;
 
@@ -29,7 +29,7 @@ class PaintCounter final : public QObject {
     }
 };
 
-class ThresholdSliderWidgetTest : public testing::SettingsWidgetFixture {
+class ThresholdSliderWidgetTest : public SettingsWidgetFixture {
  protected:
     void SetUp() override {
         select(Tab::customize);
@@ -213,7 +213,7 @@ TEST_F(ThresholdSliderWidgetTest, ADragEndsWhenTheSliderIsHidden) {
 }
 
 TEST_F(ThresholdSliderWidgetTest, AssistiveTechnologyHearsOfEachChangeOnce) {
-    const testing::AccessibleEvents events;
+    const AccessibleEvents events;
     thumb("thumb.normal")->setFocus(Qt::TabFocusReason);
     key(Qt::Key_Right);
     EXPECT_THAT(
@@ -332,7 +332,7 @@ TEST_F(ThresholdSliderWidgetTest, TheGroundOfTheTrackIsSeenWhereNothingCoversIt)
 }
 
 TEST_F(ThresholdSliderWidgetTest, ADragOf500ChangesPaintsOnlyWhatItMovesOnceATurn) {
-    PaintCounter counter;
+    PaintsOfEach counter;
     for (QWidget* each : widget->findChildren<QWidget*>()) {
         each->installEventFilter(&counter);
     }

@@ -17,7 +17,7 @@ constexpr uint kRevision = 1;
 /// Greatest number of wrong entry numbers in an answer: hosts know which entries exist.
 constexpr qsizetype kMostUnknown = 16;
 
-constexpr auto kIntrospection = R"xml(
+constexpr auto kMenuIntrospection = R"xml(
 <interface name="com.canonical.dbusmenu">
   <property name="Version" type="u" access="read"/>
   <property name="TextDirection" type="s" access="read"/>
@@ -119,7 +119,7 @@ DBusMenu::~DBusMenu() {
 }
 
 QString DBusMenu::introspect(const QString& path) const {
-    return path == path_ ? QString(kIntrospection) : QString();
+    return path == path_ ? QString(kMenuIntrospection) : QString();
 }
 
 QVariantMap DBusMenu::properties(int id, const QStringList& names) const {

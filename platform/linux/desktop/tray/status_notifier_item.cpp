@@ -9,7 +9,7 @@
 namespace tarnwick::platform {
 namespace {
 
-constexpr auto kIntrospection = R"xml(
+constexpr auto kItemIntrospection = R"xml(
 <interface name="org.kde.StatusNotifierItem">
   <property name="Category" type="s" access="read"/>
   <property name="Id" type="s" access="read"/>
@@ -139,8 +139,9 @@ void StatusNotifierItem::emitSignal(const QString& name, const QVariantList& arg
 }
 
 QString StatusNotifierItem::introspect(const QString& path) const {
-    return path == kPath ? QString(kIntrospection).arg(content_.label ? kLabelIntrospection : "")
-                         : QString();
+    return path == kPath
+               ? QString(kItemIntrospection).arg(content_.label ? kLabelIntrospection : "")
+               : QString();
 }
 
 bool StatusNotifierItem::handleMessage(const QDBusMessage& message,

@@ -32,8 +32,8 @@ using testing::signatureOf;
 using testing::waitUntil;
 
 /// Of each signal, from each sender.
-constexpr int kBodies = 300;
-constexpr std::uint32_t kL = 37;
+constexpr int kBodiesEach = 300;
+constexpr std::uint32_t kKeyL = 37;
 
 struct TrueSignal {
     QString path;
@@ -53,7 +53,7 @@ class HostileSignals : public ::testing::Test {
     }
     /// Sends all kinds of bodies, and the true one, from a sender that must not send this signal.
     void forge(const TrueSignal& signal) {
-        for (int i = 0; i < kBodies; ++i) {
+        for (int i = 0; i < kBodiesEach; ++i) {
             send(stranger_, signal, bodies_.next(signal.body));
         }
         send(stranger_, signal, signal.body);
@@ -61,7 +61,7 @@ class HostileSignals : public ::testing::Test {
     }
     /// Sends all kinds of bodies of a wrong type from the sender of the true signal.
     void sendIllFormed(const TrueSignal& signal) {
-        for (int i = 0; i < kBodies;) {
+        for (int i = 0; i < kBodiesEach;) {
             const QVariantList body = bodies_.next(signal.body);
             if (signatureOf(body) != signatureOf(signal.body)) {
                 send(service_, signal, body);
@@ -72,7 +72,7 @@ class HostileSignals : public ::testing::Test {
     }
     /// Bodies of the signal's type, with anything in their variants.
     void sendWellFormed(const TrueSignal& signal) {
-        for (int i = 0; i < kBodies; ++i) {
+        for (int i = 0; i < kBodiesEach; ++i) {
             const QVariantList body = bodies_.next(signal.body);
             if (signatureOf(body) == signatureOf(signal.body)) {
                 send(service_, signal, body);
@@ -221,7 +221,7 @@ class HostileShortcutSignals : public HostileSignals {
     }
     std::int32_t add() {
         handle_.reset();
-        auto result = keys_.registerEventHotKey(kL, hot_key_modifier::kCommand, {1, 1});
+        auto result = keys_.registerEventHotKey(kKeyL, hot_key_modifier::kCommand, {1, 1});
         handle_ = std::move(result.handle);
         return result.status;
     }

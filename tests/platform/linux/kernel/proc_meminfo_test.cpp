@@ -14,36 +14,36 @@ namespace {
 
 using testing::recordedFile;
 
-constexpr std::uint64_t kB = 1024;
+constexpr std::uint64_t kKibibyte = 1024;
 constexpr std::uint64_t page = 4096;
 
 TEST(MemInfo, ReadsTheLinesItNeedsInBytes) {
     const MemInfo info = parseMemInfo(recordedFile("laptop", "proc/meminfo"));
-    EXPECT_EQ(info.memTotal, 16122588 * kB);
-    EXPECT_EQ(info.memFree, 1284532 * kB);
-    EXPECT_EQ(info.buffers, 412816 * kB);
-    EXPECT_EQ(info.cached, 6120948 * kB);
-    EXPECT_EQ(info.swapTotal, 8061288 * kB);
-    EXPECT_EQ(info.swapFree, 6904008 * kB);
-    EXPECT_EQ(info.zswap, 65536 * kB);
-    EXPECT_EQ(info.anonPages, 5340112 * kB);
-    EXPECT_EQ(info.shmem, 948420 * kB);
-    EXPECT_EQ(info.sReclaimable, 561224 * kB);
+    EXPECT_EQ(info.memTotal, 16122588 * kKibibyte);
+    EXPECT_EQ(info.memFree, 1284532 * kKibibyte);
+    EXPECT_EQ(info.buffers, 412816 * kKibibyte);
+    EXPECT_EQ(info.cached, 6120948 * kKibibyte);
+    EXPECT_EQ(info.swapTotal, 8061288 * kKibibyte);
+    EXPECT_EQ(info.swapFree, 6904008 * kKibibyte);
+    EXPECT_EQ(info.zswap, 65536 * kKibibyte);
+    EXPECT_EQ(info.anonPages, 5340112 * kKibibyte);
+    EXPECT_EQ(info.shmem, 948420 * kKibibyte);
+    EXPECT_EQ(info.sReclaimable, 561224 * kKibibyte);
 }
 
 TEST(MemInfo, LinesMayComeInAnyOrder) {
     const MemInfo info = parseMemInfo(
         "Shmem: 1 kB\nMemFree: 2 kB\nSwapCached: 9 kB\nMemTotal: 3 kB\nCached: 4 kB\n");
-    EXPECT_EQ(info.shmem, 1 * kB);
-    EXPECT_EQ(info.memFree, 2 * kB);
-    EXPECT_EQ(info.memTotal, 3 * kB);
-    EXPECT_EQ(info.cached, 4 * kB);
+    EXPECT_EQ(info.shmem, 1 * kKibibyte);
+    EXPECT_EQ(info.memFree, 2 * kKibibyte);
+    EXPECT_EQ(info.memTotal, 3 * kKibibyte);
+    EXPECT_EQ(info.cached, 4 * kKibibyte);
 }
 
 TEST(MemInfo, LinesOfANewerKernelAreAbsentInAnOldOne) {
     const MemInfo info = parseMemInfo(recordedFile("old-kernel", "proc/meminfo"));
-    EXPECT_EQ(info.memTotal, 1035344 * kB);
-    EXPECT_EQ(info.anonPages, 187620 * kB);
+    EXPECT_EQ(info.memTotal, 1035344 * kKibibyte);
+    EXPECT_EQ(info.anonPages, 187620 * kKibibyte);
     EXPECT_EQ(info.shmem, std::nullopt);
     EXPECT_EQ(info.sReclaimable, std::nullopt);
     EXPECT_EQ(info.zswap, std::nullopt);

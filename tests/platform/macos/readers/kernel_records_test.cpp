@@ -11,13 +11,13 @@ namespace {
 
 using testing::ElementsAre;
 
-/// Bytes of a record that a test fills in place by place.
-class Bytes {
+/// RecordBytes of a record that a test fills in place by place.
+class RecordBytes {
  public:
-    explicit Bytes(std::size_t size) : bytes_(size) {}
+    explicit RecordBytes(std::size_t size) : bytes_(size) {}
 
     template <class T>
-    Bytes& put(std::size_t offset, T number) {
+    RecordBytes& put(std::size_t offset, T number) {
         std::memcpy(bytes_.data() + offset, &number, sizeof number);
         return *this;
     }
@@ -35,8 +35,8 @@ class Bytes {
 };
 
 /// A `vm_statistics64`. Each 32-bit word holds 1,000 plus its own byte offset.
-Bytes numberedVMStatistics(std::size_t size = 248) {
-    Bytes bytes(size);
+RecordBytes numberedVMStatistics(std::size_t size = 248) {
+    RecordBytes bytes(size);
     for (std::uint32_t offset = 0; offset + 4 <= size; offset += 4) {
         bytes.put(offset, 1000 + offset);
     }
@@ -77,21 +77,21 @@ TEST(VMStatisticsRecord, IgnoresBytesBehindTheRecord) {
 }
 
 TEST(VMStatisticsRecord, EveryTruncationIsAbsent) {
-    const Bytes bytes = numberedVMStatistics();
+    const RecordBytes bytes = numberedVMStatistics();
     for (std::size_t size = 0; size < 248; ++size) {
         EXPECT_FALSE(decodeVMStatistics(bytes.first(size)).has_value()) << size;
     }
 }
 
 TEST(VMStatisticsRecord, CountsAreUnsigned) {
-    const auto pages = decodeVMStatistics(Bytes(248).put(0, 0xFFFFFFFFU).all());
+    const auto pages = decodeVMStatistics(RecordBytes(248).put(0, 0xFFFFFFFFU).all());
     ASSERT_TRUE(pages.has_value());
     EXPECT_EQ(pages->free_count, 0xFFFFFFFFU);
     EXPECT_EQ(pages->wire_count, 0U);
 }
 
-Bytes swapUsage(std::size_t size = 32) {
-    return Bytes(size)
+RecordBytes swapUsage(std::size_t size = 32) {
+    return RecordBytes(size)
         .put<std::uint64_t>(0, 0x1122334455667788)
         .put<std::uint64_t>(8, 0xFFFFFFFFFFFFFFFF)
         .put<std::uint64_t>(16, 7)
@@ -120,14 +120,14 @@ TEST(SwapUsageRecord, IgnoresBytesBehindTheRecord) {
 }
 
 TEST(SwapUsageRecord, EveryTruncationIsAbsent) {
-    const Bytes bytes = swapUsage();
+    const RecordBytes bytes = swapUsage();
     for (std::size_t size = 0; size < 32; ++size) {
         EXPECT_FALSE(decodeSwapUsage(bytes.first(size)).has_value()) << size;
     }
 }
 
-Bytes timeValue(std::size_t size = 16) {
-    return Bytes(size)
+RecordBytes timeValue(std::size_t size = 16) {
+    return RecordBytes(size)
         .put<std::int64_t>(0, 0x0123456789ABCDEF)
         .put<std::int32_t>(8, 999'999)
         .put<std::uint32_t>(12, 0xFFFFFFFF);
@@ -153,14 +153,14 @@ TEST(TimeValueRecord, IgnoresBytesBehindTheRecord) {
 }
 
 TEST(TimeValueRecord, EveryTruncationIsAbsent) {
-    const Bytes bytes = timeValue();
+    const RecordBytes bytes = timeValue();
     for (std::size_t size = 0; size < 16; ++size) {
         EXPECT_FALSE(decodeTimeValue(bytes.first(size)).has_value()) << size;
     }
 }
 
 TEST(TimeValueRecord, SecondsAreSigned) {
-    const auto time = decodeTimeValue(Bytes(16).put<std::int64_t>(0, -5).all());
+    const auto time = decodeTimeValue(RecordBytes(16).put<std::int64_t>(0, -5).all());
     ASSERT_TRUE(time.has_value());
     EXPECT_EQ(time->seconds, -5);
 }

@@ -6,19 +6,18 @@
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "tests/platform/linux/desktop/keyboard/installed_layout.h"
+#include "tests/platform/linux/desktop/keyboard/virtual_keys.h"
 
 namespace tarnwick::platform {
 namespace {
 
 using testing::InstalledLayout;
 
-// Virtual key codes, named after what a US keyboard prints on the keys.
+// More of them.
 constexpr std::uint16_t kA = 0;
 constexpr std::uint16_t kZ = 6;
 constexpr std::uint16_t kIso = 10;
-constexpr std::uint16_t kQ = 12;
 constexpr std::uint16_t kW = 13;
-constexpr std::uint16_t kY = 16;
 constexpr std::uint16_t k1 = 18;
 constexpr std::uint16_t k2 = 19;
 constexpr std::uint16_t kEqual = 24;
@@ -26,7 +25,6 @@ constexpr std::uint16_t kMinus = 27;
 constexpr std::uint16_t kLeftBracket = 33;
 constexpr std::uint16_t kI = 34;
 constexpr std::uint16_t kReturn = 36;
-constexpr std::uint16_t kL = 37;
 constexpr std::uint16_t kQuote = 39;
 constexpr std::uint16_t kK = 40;
 constexpr std::uint16_t kSemicolon = 41;
@@ -35,7 +33,7 @@ constexpr std::uint16_t kM = 46;
 constexpr std::uint16_t kSpace = 49;
 constexpr std::uint16_t kGrave = 50;
 constexpr std::uint16_t kFn = 63;
-constexpr std::uint16_t kShift = 56;
+constexpr std::uint16_t kShiftKey = 56;
 constexpr std::uint16_t kKeypadDecimal = 65;
 constexpr std::uint16_t kKeypadClear = 71;
 constexpr std::uint16_t kKeypadDivide = 75;
@@ -44,7 +42,6 @@ constexpr std::uint16_t kKeypad1 = 83;
 constexpr std::uint16_t kKeypad5 = 87;
 constexpr std::uint16_t kYen = 93;
 constexpr std::uint16_t kF5 = 96;
-constexpr std::uint16_t kF13 = 105;
 constexpr std::uint16_t kLeft = 123;
 
 using Text = std::optional<std::string>;
@@ -128,7 +125,7 @@ TEST(KeyText, OfTheKeypadIsDigitsWhateverNumLockSays) {
 
 TEST(KeyText, IsAbsentForKeysThatProduceNothingToSee) {
     // Return and Enter produce control characters.
-    for (const std::uint16_t key : {kF13, kShift, kKeypadClear, kYen, kReturn, kKeypadEnter}) {
+    for (const std::uint16_t key : {kF13, kShiftKey, kKeypadClear, kYen, kReturn, kKeypadEnter}) {
         EXPECT_EQ(text("us", key), std::nullopt) << key;
     }
 }

@@ -7,17 +7,13 @@
 #include <xkbcommon/xkbcommon-keysyms.h>
 
 #include "tests/platform/linux/desktop/keyboard/scripted_compositor.h"
+#include "tests/platform/linux/desktop/keyboard/virtual_keys.h"
 
 namespace tarnwick::platform {
 namespace {
 
 using testing::ScriptedCompositor;
 using Seat = ScriptedCompositor::Seat;
-
-constexpr std::uint16_t kQ = 12;
-constexpr std::uint16_t kY = 16;
-constexpr std::uint16_t kL = 37;
-constexpr std::uint16_t kF13 = 105;
 
 /// As the toolkit does when something has come: reads it, for all queues.
 void readEvents(const ScriptedCompositor& compositor) {

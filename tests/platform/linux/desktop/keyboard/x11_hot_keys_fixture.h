@@ -13,15 +13,13 @@
 #include "platform/linux/desktop/keyboard/x11_hot_keys.h"
 #include "platform/qt/x11.h"
 #include "platform/testing/manual_dispatch.h"
+#include "tests/platform/linux/desktop/keyboard/virtual_keys.h"
 #include "tests/platform/linux/desktop/private_display.h"
 
 namespace tarnwick::platform::testing {
 
 inline constexpr std::uint32_t kSignature = 0x54524E57;
 inline constexpr std::uint32_t kCommandL = 1;
-
-// Virtual key codes.
-inline constexpr std::uint32_t kL = 37;
 
 // X11 key codes.
 inline constexpr std::uint8_t kX11L = 46;

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <xkbcommon/xkbcommon-keysyms.h>
 
+#include "tests/platform/linux/desktop/keyboard/virtual_keys.h"
 #include "tests/platform/linux/desktop/private_display.h"
 
 namespace tarnwick::platform {
@@ -10,10 +11,6 @@ namespace {
 
 using testing::DisplayClient;
 using testing::PrivateDisplay;
-
-constexpr std::uint16_t kY = 16;
-constexpr std::uint16_t kL = 37;
-constexpr std::uint16_t kF13 = 105;
 
 class X11KeyboardLayoutTest : public ::testing::Test {
  protected:

@@ -63,7 +63,7 @@ class Property {
     bool bigEndian_;
 };
 
-class XSettingsByteOrder : public testing::TestWithParam<bool> {};
+class XSettingsByteOrder : public ::testing::TestWithParam<bool> {};
 
 TEST_P(XSettingsByteOrder, FindsATextBehindSettingsOfEveryType) {
     Property property(GetParam(), 4);
@@ -75,7 +75,7 @@ TEST_P(XSettingsByteOrder, FindsATextBehindSettingsOfEveryType) {
     EXPECT_EQ(xsettingsText(property.bytes, "Gtk/Font"), std::nullopt);
 }
 
-INSTANTIATE_TEST_SUITE_P(, XSettingsByteOrder, testing::Bool(),
+INSTANTIATE_TEST_SUITE_P(, XSettingsByteOrder, ::testing::Bool(),
                          [](const auto& row) { return row.param ? "BigEndian" : "LittleEndian"; });
 
 TEST(XSettings, EveryTruncationBeforeTheEndOfTheTextIsAbsent) {
