@@ -6,6 +6,7 @@
 
 #include "fuzz/fuzzer.h"
 #include "platform/linux/kernel/proc_meminfo.h"
+#include "platform/linux/kernel/zram_devices.h"
 
 using tarnwick::fuzz::require;
 

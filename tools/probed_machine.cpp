@@ -4,9 +4,9 @@
 
 #include "platform/linux/graphics/linux_accelerators.h"
 #include "platform/linux/kernel/linux_kernel.h"
-#include "platform/linux/kernel/linux_process_info.h"
 #include "platform/linux/network/linux_network_interfaces.h"
 #include "platform/linux/power/linux_power_sources.h"
+#include "platform/linux/power/linux_process_info.h"
 #include "platform/linux/processes/linux_process_table.h"
 #include "platform/linux/volumes/linux_volumes.h"
 #include "platform/user_defaults.h"

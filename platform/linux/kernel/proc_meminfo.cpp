@@ -69,20 +69,6 @@ MemInfo parseMemInfo(std::string_view text) {
     return info;
 }
 
-std::optional<std::uint64_t> parseZramMemoryUsed(std::string_view mmStat) {
-    std::uint64_t value = 0;
-    for (int column = 0; column < 3; ++column) {
-        mmStat.remove_prefix(std::min(mmStat.find_first_not_of(' '), mmStat.size()));
-        const char* const end = mmStat.data() + mmStat.size();
-        const auto [rest, error] = std::from_chars(mmStat.data(), end, value);
-        if (error != std::errc() || rest == end || (*rest != ' ' && *rest != '\n')) {
-            return std::nullopt;
-        }
-        mmStat.remove_prefix(static_cast<std::size_t>(rest - mmStat.data()));
-    }
-    return value;
-}
-
 std::uint32_t pagesOf(std::uint64_t bytes, std::uint64_t pageSize) {
     if (pageSize == 0) {
         return 0;

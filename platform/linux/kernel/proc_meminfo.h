@@ -28,10 +28,6 @@ struct MemInfo {
 
 MemInfo parseMemInfo(std::string_view text);
 
-/// The memory that a zram device really uses, bytes: the third number of its mm_stat. Absent when
-/// that is missing, damaged or cut short.
-std::optional<std::uint64_t> parseZramMemoryUsed(std::string_view mmStat);
-
 /// Pages of `pageSize` bytes, rounded to the nearest, at most 2^32 − 1.
 std::uint32_t pagesOf(std::uint64_t bytes, std::uint64_t pageSize);
 

@@ -1,11 +1,10 @@
 #include "platform/linux/kernel/zram_devices.h"
 
 #include <algorithm>
+#include <charconv>
 #include <filesystem>
 #include <limits>
 #include <system_error>
-
-#include "platform/linux/kernel/proc_meminfo.h"
 
 namespace tarnwick::platform {
 
@@ -14,6 +13,20 @@ namespace {
 constexpr double kSecondsBetweenSearches = 60;
 
 }  // namespace
+
+std::optional<std::uint64_t> parseZramMemoryUsed(std::string_view mmStat) {
+    std::uint64_t value = 0;
+    for (int column = 0; column < 3; ++column) {
+        mmStat.remove_prefix(std::min(mmStat.find_first_not_of(' '), mmStat.size()));
+        const char* const end = mmStat.data() + mmStat.size();
+        const auto [rest, error] = std::from_chars(mmStat.data(), end, value);
+        if (error != std::errc() || rest == end || (*rest != ' ' && *rest != '\n')) {
+            return std::nullopt;
+        }
+        mmStat.remove_prefix(static_cast<std::size_t>(rest - mmStat.data()));
+    }
+    return value;
+}
 
 ZramDevices::ZramDevices(const std::string& root) : folder_(belowRoot(root, "sys/block")) {}
 

@@ -2,12 +2,18 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/linux/files/kept_file.h"
 
 namespace tarnwick::platform {
+
+/// The memory that a zram device really uses, bytes: the third number of its mm_stat. Absent when
+/// that is missing, damaged or cut short.
+std::optional<std::uint64_t> parseZramMemoryUsed(std::string_view mmStat);
 
 /// One thread at a time.
 class ZramDevices {

@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "platform/linux/kernel/linux_kernel.h"
-#include "platform/linux/kernel/linux_process_info.h"
+#include "platform/linux/power/linux_process_info.h"
 #include "platform/linux/volumes/linux_volumes.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"

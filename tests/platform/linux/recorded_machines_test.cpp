@@ -9,7 +9,7 @@
 
 #include "platform/linux/files/kept_file.h"
 #include "platform/linux/kernel/linux_kernel.h"
-#include "platform/linux/kernel/linux_process_info.h"
+#include "platform/linux/power/linux_process_info.h"
 #include "platform/linux/volumes/linux_volumes.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"

@@ -1,4 +1,4 @@
-#include "platform/linux/kernel/linux_process_info.h"
+#include "platform/linux/power/linux_process_info.h"
 
 #include <cstdint>
 #include <gtest/gtest.h>
