@@ -32,10 +32,13 @@ LoginServiceError failure(std::string what, const std::filesystem::path& path,
     return {std::move(what)};
 }
 
-/// Absent if there is no regular file: pipes, devices and folders are not entries. Empty if the
-/// file cannot be read.
+/// Absent if there is no file: pipes and folders are not entries. Empty if the file cannot be read.
+/// A link to /dev/null is an empty file, with which people hide the entries of other folders.
 std::optional<std::string> textOf(const std::filesystem::path& file) {
     std::error_code error;
+    if (std::filesystem::is_character_file(file, error)) {
+        return "";
+    }
     if (!std::filesystem::is_regular_file(file, error)) {
         return std::nullopt;
     }

@@ -268,7 +268,11 @@ bool SettingsExchange::attempt(const SettingsWatch& watch, SettingsOutcome& outc
         isOther = contents->set(key, value) || isOther;
     }
     if (isOther && !error) {
-        error = replaceSettings(target, contents->encode(), reading.stamp);
+        // What could not be read again is not written.
+        const std::string text = contents->encode();
+        error = text.size() > SettingsDocument::kLimit
+                    ? std::make_error_code(std::errc::file_too_large)
+                    : replaceSettings(target, text, reading.stamp);
     }
     if (isOther && error) {
         return error != kOvertaken && give(" cannot be written (" + error.message() + ")");

@@ -46,7 +46,7 @@ void ServiceSignals::received(const QDBusMessage& signal) {
         return signal.member() == each.signal.member &&
                signal.interface() == each.signal.interface &&
                (each.signal.path.isEmpty() || signal.path() == each.signal.path) &&
-               signal.signature() == each.signal.signature;
+               (!each.signal.signature || signal.signature() == *each.signal.signature);
     });
     if (subscription != subscriptions_.end()) {
         subscription->heard(signal);

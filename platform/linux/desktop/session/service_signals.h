@@ -7,6 +7,7 @@
 #include <QObject>
 #include <QString>
 #include <functional>
+#include <optional>
 #include <vector>
 
 namespace tarnwick::platform {
@@ -22,8 +23,9 @@ class ServiceSignals final : public QObject {
         QString path;
         QString interface;
         QString member;
-        /// Signature of the arguments. Signals with another signature are ignored.
-        QString signature;
+        /// Signature of the arguments. Signals with another signature are ignored. Absent: any
+        /// arguments will do, because none is read.
+        std::optional<QString> signature{};
     };
 
     /// `ownerChanged` gets the owner's unique name, empty for none: first once the bus has said who

@@ -55,15 +55,14 @@ void NotifierRegistration::start(std::function<void()> changed) {
         return;
     }
     watcher_.emplace(bus_, kWatcherService, [this](const QString& owner) { ownerChanged(owner); });
+    // Some watchers give the host's name as an argument, others give none.
     watcher_->hear({.path = kWatcherPath,
                     .interface = kWatcherInterface,
-                    .member = "StatusNotifierHostRegistered",
-                    .signature = ""},
+                    .member = "StatusNotifierHostRegistered"},
                    [this](const QDBusMessage&) { hostRegistered(); });
     watcher_->hear({.path = kWatcherPath,
                     .interface = kWatcherInterface,
-                    .member = "StatusNotifierHostUnregistered",
-                    .signature = ""},
+                    .member = "StatusNotifierHostUnregistered"},
                    [this](const QDBusMessage&) { hostUnregistered(); });
 
     const QString name =

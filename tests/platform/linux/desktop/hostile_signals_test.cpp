@@ -159,13 +159,11 @@ TEST_F(HostileSignals, NeitherBringNorTakeAHost) {
     // A program that asks the watcher now is told that there is no host.
     host.hasHost = false;
     forge(went);
-    sendIllFormed(went);
     EXPECT_EQ(registration.state(), State::present);
     host.announceHost(false);
     settle();
     EXPECT_EQ(registration.state(), State::absent);
     forge(came);
-    sendIllFormed(came);
     EXPECT_EQ(registration.state(), State::absent);
     host.announceHost(true);
     settle();

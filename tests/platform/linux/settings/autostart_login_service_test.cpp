@@ -210,6 +210,13 @@ TEST_F(Autostart, WhatIsNoFileIsNoEntry) {
     EXPECT_EQ(status(), Status::notRegistered);
 }
 
+TEST_F(Autostart, ALinkToNothingAtAllHidesTheSystemsEntry) {
+    write(first_, entry());
+    std::filesystem::create_directories(own_.parent_path());
+    std::filesystem::create_symlink("/dev/null", own_);
+    EXPECT_EQ(status(), Status::notRegistered);
+}
+
 TEST_F(Autostart, AnEntryThatCannotBeReadIsOff) {
     write(first_, entry());
     write(own_, entry());

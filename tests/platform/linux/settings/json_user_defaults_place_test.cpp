@@ -1,4 +1,5 @@
 // Places that take no settings, and what is said about each.
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdint>
@@ -383,6 +384,25 @@ TEST_F(JsonUserDefaultsPlace, ALinkToNothingIsNoFreeName) {
     open();
     EXPECT_EQ(contentsOf(folder / "settings.json.damaged-2"), "none");
     EXPECT_TRUE(std::filesystem::is_symlink(folder / "settings.json.damaged-1"));
+}
+
+// A compact file has room for more than the same settings do with a line each.
+TEST_F(JsonUserDefaultsPlace, SettingsThatCouldNotBeReadAgainAreNotWritten) {
+    std::string compact = "{";
+    for (int i = 0; compact.size() < 900'000; ++i) {
+        compact += "\"" + std::to_string(i) + "\":0,";
+    }
+    compact += "\"last\":0}";
+    // All on one line, and with one member a line.
+    const auto members = static_cast<std::size_t>(std::count(compact.begin(), compact.end(), ','));
+    ASSERT_GT(compact.size() + members * 3, SettingsDocument::kLimit);
+    putContents(file, compact);
+    const auto store = open();
+    expectInMemory(*store, notWritten("File too large"));
+    EXPECT_EQ(contentsOf(file), compact);
+    EXPECT_THAT(names(), ElementsAre("settings.json"));
+    EXPECT_FALSE(store->settle());
+    EXPECT_THAT(names(), ElementsAre("settings.json"));
 }
 
 }  // namespace

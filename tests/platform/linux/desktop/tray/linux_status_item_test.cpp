@@ -245,6 +245,18 @@ TEST_F(Item, IsInNoTrayWhileTheWatcherHasNoHost) {
     EXPECT_EQ(host_.registered.size(), 1);
 }
 
+// As the watcher of sway's bar does, which has no host yet when it takes its name.
+TEST_F(Item, IsInTheTrayOfAHostThatTheWatcherNames) {
+    host_.hasHost = false;
+    show();
+    beginHost();
+    EXPECT_FALSE(item_->inTray());
+    host_.announceHost(true, {QString("org.freedesktop.StatusNotifierHost-1")});
+    EXPECT_TRUE(waitUntil([&] { return item_->inTray(); }));
+    host_.announceHost(false, {QString("org.freedesktop.StatusNotifierHost-1")});
+    EXPECT_TRUE(waitUntil([&] { return !item_->inTray(); }));
+}
+
 TEST_F(Item, SendsNothingWhenShownTheSameContent) {
     show();
     beginHost();

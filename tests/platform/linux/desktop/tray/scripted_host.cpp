@@ -37,11 +37,12 @@ void ScriptedHost::end() {
     }
 }
 
-void ScriptedHost::announceHost(bool there) {
+void ScriptedHost::announceHost(bool there, const QVariantList& arguments) {
     hasHost = there;
-    bus_.send(QDBusMessage::createSignal(
-        kPath, kService,
-        there ? "StatusNotifierHostRegistered" : "StatusNotifierHostUnregistered"));
+    QDBusMessage signal = QDBusMessage::createSignal(
+        kPath, kService, there ? "StatusNotifierHostRegistered" : "StatusNotifierHostUnregistered");
+    signal.setArguments(arguments);
+    bus_.send(signal);
 }
 
 QDBusMessage ScriptedHost::call(const QString& interface, const QString& member,

@@ -24,7 +24,8 @@ class ScriptedHost final : public QDBusVirtualObject {
     void end();
 
     /// Announces that a host came or went.
-    void announceHost(bool there);
+    /// `arguments` are those of the signal; some watchers name the host.
+    void announceHost(bool there, const QVariantList& arguments = {});
 
     /// Calls a method of the item that registered last.
     QDBusMessage call(const QString& interface, const QString& member,
