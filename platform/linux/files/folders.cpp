@@ -5,14 +5,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "platform/linux/files/last_error.h"
+
 namespace tarnwick::platform {
-namespace {
-
-std::error_code lastError() {
-    return {errno, std::generic_category()};
-}
-
-}  // namespace
 
 void makeLasting(const std::filesystem::path& folder) {
     const int descriptor = ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);

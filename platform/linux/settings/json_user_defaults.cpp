@@ -1,6 +1,8 @@
 #include "platform/linux/settings/json_user_defaults.h"
 
 #include <condition_variable>
+#include <set>
+#include <string>
 #include <utility>
 
 namespace tarnwick::platform {
@@ -155,7 +157,10 @@ int JsonUserDefaults::watchDescriptor() const {
 }
 
 void JsonUserDefaults::folderMayHaveChanged() {
-    if (channel_->watch.concerns({file_.filename().native(), fileName_})) {
+    // The folders above the file count, too: one of them may have been made.
+    std::set<std::string> names(file_.begin(), file_.end());
+    names.insert(fileName_);
+    if (channel_->watch.concerns(names)) {
         lookLater();
     }
 }

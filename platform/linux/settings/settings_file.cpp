@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "platform/linux/files/folders.h"
+#include "platform/linux/files/last_error.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -20,10 +21,6 @@ namespace {
 constexpr int kAttempts = 5;
 /// As many as the system follows.
 constexpr int kLinks = 40;
-
-std::error_code lastError() {
-    return {errno, std::generic_category()};
-}
 
 /// An open file, closed at the end.
 struct Opened {
@@ -184,10 +181,13 @@ SettingsWatch::~SettingsWatch() {
     }
 }
 
-void SettingsWatch::add(const std::filesystem::path& folder) const {
-    ::inotify_add_watch(
-        descriptor_, folder.c_str(),
-        IN_CLOSE_WRITE | IN_CREATE | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR);
+void SettingsWatch::add(std::filesystem::path folder) const {
+    constexpr std::uint32_t events =
+        IN_CLOSE_WRITE | IN_CREATE | IN_MOVED_TO | IN_DELETE_SELF | IN_MOVE_SELF | IN_ONLYDIR;
+    while (::inotify_add_watch(descriptor_, folder.c_str(), events) < 0 && errno == ENOENT &&
+           folder.has_relative_path()) {
+        folder = folder.parent_path();
+    }
 }
 
 bool SettingsWatch::concerns(const std::set<std::string>& names) const {

@@ -32,8 +32,9 @@ class SettingsWatch {
 
     /// Readable when something has happened; -1 where the system cannot tell.
     int descriptor() const { return descriptor_; }
-    /// Once is as good as twice. Any thread.
-    void add(const std::filesystem::path& folder) const;
+    /// Watches `folder` or, if that is missing, the nearest folder above it, in which it will be
+    /// made. Adding a folder again changes nothing. Any thread.
+    void add(std::filesystem::path folder) const;
     /// Takes what has happened: whether it concerns files of these names, or a whole folder.
     bool concerns(const std::set<std::string>& names) const;
 

@@ -315,5 +315,23 @@ TEST_F(JsonUserDefaultsEdit, AppliesToTheSettingsAtOnce) {
     EXPECT_EQ(settings.shortcutKeyCode(), 12);
 }
 
+TEST_F(JsonUserDefaultsEdit, InAFolderThatWasRemovedAndMadeAgainIsNoticed) {
+    file = folder / "config" / "tarnwick" / "settings.json";
+    const auto store = open();
+    store->set("key", true);
+    dispatch.runMain();
+    ASSERT_TRUE(std::filesystem::exists(file));
+    std::filesystem::remove_all(folder / "config");
+    notice(*store);
+    EXPECT_EQ(store->boolean("key"), true);
+    for (const bool value : {false, true}) {
+        std::filesystem::create_directories(file.parent_path());
+        notice(*store);
+        putContents(file, value ? R"({"key": true})" : R"({"key": false})");
+        notice(*store);
+        EXPECT_EQ(store->boolean("key"), value);
+    }
+}
+
 }  // namespace
 }  // namespace tarnwick::platform
