@@ -238,6 +238,8 @@ TEST_F(TwoScreensTest, NothingStaysGrabbedWhenAnotherHoldsItOnOne) {
 
 TEST_F(TwoScreensTest, TheInputExtensionIsAskedAboutBoth) {
     for (const xcb_window_t root : other.roots()) {
+        // What was given back is on its way.
+        own.sync();
         ASSERT_TRUE(other.grabByExtension(kX11L, XCB_MOD_MASK_4, root));
         EXPECT_EQ(add(kL, key::kCommand).status, status::kExists);
         other.ungrabByExtension(kX11L, XCB_MOD_MASK_4, root);
