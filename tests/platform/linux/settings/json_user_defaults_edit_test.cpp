@@ -317,19 +317,19 @@ TEST_F(JsonUserDefaultsEdit, AppliesToTheSettingsAtOnce) {
 
 TEST_F(JsonUserDefaultsEdit, InAFolderThatWasRemovedAndMadeAgainIsNoticed) {
     file = folder / "config" / "tarnwick" / "settings.json";
-    const auto store = open();
-    store->set("key", true);
+    const auto elsewhere = open();
+    elsewhere->set("key", true);
     dispatch.runMain();
     ASSERT_TRUE(std::filesystem::exists(file));
     std::filesystem::remove_all(folder / "config");
-    notice(*store);
-    EXPECT_EQ(store->boolean("key"), true);
+    notice(*elsewhere);
+    EXPECT_EQ(elsewhere->boolean("key"), true);
     for (const bool value : {false, true}) {
         std::filesystem::create_directories(file.parent_path());
-        notice(*store);
+        notice(*elsewhere);
         putContents(file, value ? R"({"key": true})" : R"({"key": false})");
-        notice(*store);
-        EXPECT_EQ(store->boolean("key"), value);
+        notice(*elsewhere);
+        EXPECT_EQ(elsewhere->boolean("key"), value);
     }
 }
 
