@@ -1,9 +1,8 @@
-#include "platform/macos/mac_accelerators.h"
-
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/IOKitLib.h>
 
 #include "platform/macos/core_foundation_values.h"
+#include "platform/macos/mac_machine.h"
 #include "platform/macos/owned.h"
 
 namespace tarnwick::platform {

@@ -1,8 +1,7 @@
-#include "platform/macos/mac_byte_count_formatter.h"
-
 #import <Foundation/Foundation.h>
 
 #include "platform/macos/foundation_text.h"
+#include "platform/macos/mac_machine.h"
 
 namespace tarnwick::platform {
 

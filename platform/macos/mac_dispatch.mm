@@ -1,7 +1,7 @@
-#include "platform/macos/mac_dispatch.h"
-
 #import <Foundation/Foundation.h>
 #include <utility>
+
+#include "platform/macos/mac_machine.h"
 
 namespace tarnwick::platform {
 namespace {

@@ -1,8 +1,8 @@
-#include "platform/macos/mac_hot_keys.h"
-
 #include <Carbon/Carbon.h>
 #include <sstream>
 #include <utility>
+
+#include "platform/macos/mac_machine.h"
 
 namespace tarnwick::platform {
 namespace {

@@ -1,5 +1,3 @@
-#include "platform/macos/mac_interface_calls.h"
-
 #include <cerrno>
 #include <cstring>
 #include <ifaddrs.h>
@@ -8,6 +6,8 @@
 #include <net/if_var.h>
 #include <sys/socket.h>
 #include <sys/sysctl.h>
+
+#include "platform/macos/mac_machine.h"
 
 namespace tarnwick::platform {
 namespace {

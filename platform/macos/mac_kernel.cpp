@@ -1,5 +1,3 @@
-#include "platform/macos/mac_kernel.h"
-
 #include <array>
 #include <chrono>
 #include <cstddef>
@@ -7,6 +5,7 @@
 #include <sys/sysctl.h>
 #include <time.h>
 
+#include "platform/macos/mac_machine.h"
 #include "platform/macos/owned.h"
 #include "platform/macos/readers/kernel_records.h"
 #include "services/processor_loads.h"

@@ -1,10 +1,9 @@
-#include "platform/macos/mac_keyboard_layout.h"
-
 #import <Carbon/Carbon.h>
 #import <Foundation/Foundation.h>
 #include <array>
 
 #include "platform/macos/foundation_text.h"
+#include "platform/macos/mac_machine.h"
 #include "platform/macos/owned.h"
 
 namespace tarnwick::platform {

@@ -1,7 +1,6 @@
-#include "platform/macos/mac_login_service.h"
-
 #include "platform/macos/foundation_text.h"
 #include "platform/macos/login_item_service.h"
+#include "platform/macos/mac_machine.h"
 
 namespace tarnwick::platform {
 namespace {

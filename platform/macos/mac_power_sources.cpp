@@ -1,11 +1,10 @@
-#include "platform/macos/mac_power_sources.h"
-
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/IOKitLib.h>
 #include <IOKit/ps/IOPSKeys.h>
 #include <IOKit/ps/IOPowerSources.h>
 
 #include "platform/macos/core_foundation_values.h"
+#include "platform/macos/mac_machine.h"
 #include "platform/macos/owned.h"
 
 namespace tarnwick::platform {

@@ -1,6 +1,6 @@
-#include "platform/macos/mac_process_info.h"
-
 #import <Foundation/Foundation.h>
+
+#include "platform/macos/mac_machine.h"
 
 namespace tarnwick::platform {
 

@@ -1,5 +1,3 @@
-#include "platform/macos/mac_raw_process_table.h"
-
 #import <AppKit/AppKit.h>
 #include <libproc.h>
 #include <mach/mach_time.h>
@@ -8,6 +6,7 @@
 #include <vector>
 
 #include "platform/macos/foundation_text.h"
+#include "platform/macos/mac_machine.h"
 
 namespace tarnwick::platform {
 

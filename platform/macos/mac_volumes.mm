@@ -1,9 +1,8 @@
-#include "platform/macos/mac_volumes.h"
-
 #import <Foundation/Foundation.h>
 
 #include "platform/macos/core_foundation_values.h"
 #include "platform/macos/foundation_text.h"
+#include "platform/macos/mac_machine.h"
 
 namespace tarnwick::platform {
 namespace {

@@ -2,9 +2,7 @@
 
 #include <variant>
 
-#include "ui/appkit/button_blocks.h"
-#include "ui/appkit/figure_blocks.h"
-#include "ui/appkit/process_list_view.h"
+#include "ui/appkit/panel_blocks.h"
 #include "ui/appkit/row_view.h"
 #include "ui/appkit/style.h"
 #include "ui/panel/spoken_text.h"

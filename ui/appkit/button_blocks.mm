@@ -1,9 +1,8 @@
-#include "ui/appkit/button_blocks.h"
-
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "ui/appkit/panel_blocks.h"
 #include "ui/appkit/style.h"
 
 namespace tarnwick::appkit {

@@ -1,8 +1,7 @@
-#include "ui/appkit/figure_blocks.h"
-
 #include <utility>
 
 #include "ui/appkit/charts.h"
+#include "ui/appkit/panel_blocks.h"
 #include "ui/appkit/row_view.h"
 #include "ui/appkit/style.h"
 

@@ -1,6 +1,5 @@
-#include "ui/appkit/floating_panel.h"
-
 #include "settings/key_codes.h"
+#include "ui/appkit/panel_views.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
-#include "ui/appkit/page_view.h"
-
 #include <algorithm>
 #include <utility>
 #include <vector>
+
+#include "ui/appkit/panel_views.h"
 
 namespace {
 

@@ -1,9 +1,8 @@
-#include "ui/appkit/panel_scroll_view.h"
-
 #include <algorithm>
 #include <limits>
 
 #include "settings/key_codes.h"
+#include "ui/appkit/panel_views.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "ui/appkit/floating_panel.h"
+#include "ui/appkit/panel_views.h"
 #include "ui/appkit/status_bar_button.h"
 
 namespace tarnwick::appkit {

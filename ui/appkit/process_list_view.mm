@@ -1,9 +1,8 @@
-#include "ui/appkit/process_list_view.h"
-
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "ui/appkit/panel_blocks.h"
 #include "ui/appkit/row_view.h"
 #include "ui/appkit/style.h"
 #include "ui/panel/held_order.h"

@@ -3,12 +3,9 @@
 #include <utility>
 #include <variant>
 
-#include "ui/appkit/display_mode_card.h"
 #include "ui/appkit/press_button.h"
-#include "ui/appkit/shortcut_card.h"
+#include "ui/appkit/settings_cards.h"
 #include "ui/appkit/style.h"
-#include "ui/appkit/switch_card.h"
-#include "ui/appkit/threshold_card.h"
 
 namespace {
 

@@ -1,10 +1,9 @@
-#include "ui/appkit/settings_page_view.h"
-
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "ui/appkit/settings_items.h"
+#include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
 
 namespace {

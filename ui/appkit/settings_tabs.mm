@@ -1,6 +1,4 @@
-#include "ui/appkit/settings_tabs.h"
-
-#include "ui/appkit/settings_page_view.h"
+#include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
 
 namespace {

@@ -4,7 +4,7 @@
 #include <optional>
 #include <string>
 
-#include "ui/appkit/settings_tabs.h"
+#include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
 #include "ui/appkit/view_holder.h"
 #include "ui/settings/settings_view.h"

@@ -1,10 +1,9 @@
-#include "ui/appkit/shortcut_card.h"
-
 #include <string>
 #include <vector>
 
 #include "ui/appkit/press_button.h"
-#include "ui/appkit/shortcut_field_view.h"
+#include "ui/appkit/settings_cards.h"
+#include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
 
 namespace {

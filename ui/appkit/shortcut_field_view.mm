@@ -1,5 +1,4 @@
-#include "ui/appkit/shortcut_field_view.h"
-
+#include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
 
 @implementation TNWShortcutFieldView {

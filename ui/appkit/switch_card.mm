@@ -1,7 +1,6 @@
-#include "ui/appkit/switch_card.h"
-
 #include <string>
 
+#include "ui/appkit/settings_cards.h"
 #include "ui/appkit/style.h"
 
 @interface TNWSwitchCard : TNWCard <TNWSettingsItemView>

@@ -1,10 +1,9 @@
-#include "ui/appkit/threshold_card.h"
-
 #include <array>
 #include <string>
 
+#include "ui/appkit/settings_cards.h"
+#include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
-#include "ui/appkit/threshold_slider_view.h"
 
 /// A dot in the colour of the threshold.
 @interface TNWDotView : NSView

@@ -1,7 +1,6 @@
-#include "ui/appkit/threshold_slider_view.h"
-
 #include <cmath>
 
+#include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
 
 namespace {
