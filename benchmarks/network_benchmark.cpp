@@ -16,7 +16,7 @@
 
 #include "benchmarks/bare_interface_files.h"
 #include "benchmarks/pairs.h"
-#include "platform/linux/events/descriptor_limit.h"
+#include "platform/linux/events/process_limits.h"
 #include "platform/linux/kernel/linux_kernel.h"
 #include "platform/linux/network/linux_network_interfaces.h"
 #include "services/network_service.h"

@@ -22,7 +22,7 @@
 
 #include "benchmarks/bare_process_loop.h"
 #include "benchmarks/pairs.h"
-#include "platform/linux/events/descriptor_limit.h"
+#include "platform/linux/events/process_limits.h"
 #include "platform/linux/kernel/linux_kernel.h"
 #include "platform/linux/processes/linux_process_table.h"
 #include "services/process_service.h"

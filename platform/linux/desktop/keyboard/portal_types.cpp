@@ -15,20 +15,6 @@ PortalShortcutEntries shortcutEntriesIn(const QVariant& value) {
     return qdbus_cast<PortalShortcutEntries>(value);
 }
 
-QDBusArgument& operator<<(QDBusArgument& argument, const PortalShortcutEntry& value) {
-    argument.beginStructure();
-    argument << value.id << value.properties;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShortcutEntry& value) {
-    argument.beginStructure();
-    argument >> value.id >> value.properties;
-    argument.endStructure();
-    return argument;
-}
-
 void registerPortalTypes() {
     qDBusRegisterMetaType<PortalShortcutEntry>();
     qDBusRegisterMetaType<PortalShortcutEntries>();

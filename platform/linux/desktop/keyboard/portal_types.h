@@ -1,11 +1,13 @@
 // The compound values of the shortcuts portal, and their marshalling.
 #pragma once
 
-#include <QDBusArgument>
 #include <QList>
 #include <QMetaType>
 #include <QString>
 #include <QVariantMap>
+#include <tuple>
+
+#include "platform/linux/desktop/session/bus_struct.h"
 
 namespace tarnwick::platform {
 
@@ -13,14 +15,13 @@ namespace tarnwick::platform {
 struct PortalShortcutEntry {
     QString id;
     QVariantMap properties;
+
+    static auto fields(auto& value) { return std::tie(value.id, value.properties); }
 };
 using PortalShortcutEntries = QList<PortalShortcutEntry>;
 
 /// The list that a value from the bus holds; empty when it holds something else.
 PortalShortcutEntries shortcutEntriesIn(const QVariant& value);
-
-QDBusArgument& operator<<(QDBusArgument& argument, const PortalShortcutEntry& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShortcutEntry& value);
 
 /// Registers the types with the bus library. Needed once; further calls do no harm.
 void registerPortalTypes();

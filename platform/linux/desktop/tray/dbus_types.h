@@ -2,13 +2,15 @@
 #pragma once
 
 #include <QByteArray>
-#include <QDBusArgument>
 #include <QDBusVariant>
 #include <QImage>
 #include <QList>
 #include <QMetaType>
 #include <QString>
 #include <QVariantMap>
+#include <tuple>
+
+#include "platform/linux/desktop/session/bus_struct.h"
 
 namespace tarnwick::platform {
 
@@ -18,6 +20,8 @@ struct IconPixmap {
     int width = 0;
     int height = 0;
     QByteArray bytes;
+
+    static auto fields(auto& value) { return std::tie(value.width, value.height, value.bytes); }
 
     bool operator==(const IconPixmap&) const = default;
 };
@@ -30,6 +34,10 @@ struct ToolTip {
     QString title;
     QString description;
 
+    static auto fields(auto& value) {
+        return std::tie(value.iconName, value.icon, value.title, value.description);
+    }
+
     bool operator==(const ToolTip&) const = default;
 };
 
@@ -38,12 +46,16 @@ struct MenuNode {
     int id = 0;
     QVariantMap properties;
     QList<QDBusVariant> children;
+
+    static auto fields(auto& value) { return std::tie(value.id, value.properties, value.children); }
 };
 
 /// The properties of one menu entry: (ia{sv}).
 struct MenuProperties {
     int id = 0;
     QVariantMap properties;
+
+    static auto fields(auto& value) { return std::tie(value.id, value.properties); }
 };
 using MenuPropertiesList = QList<MenuProperties>;
 
@@ -53,22 +65,15 @@ struct MenuEvent {
     QString type;
     QDBusVariant data;
     uint timestamp = 0;
+
+    static auto fields(auto& value) {
+        return std::tie(value.id, value.type, value.data, value.timestamp);
+    }
 };
 using MenuEvents = QList<MenuEvent>;
 
 /// The picture in the bus's format; any QImage format is taken.
 IconPixmap toPixmap(const QImage& image);
-
-QDBusArgument& operator<<(QDBusArgument& argument, const IconPixmap& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, IconPixmap& value);
-QDBusArgument& operator<<(QDBusArgument& argument, const ToolTip& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, ToolTip& value);
-QDBusArgument& operator<<(QDBusArgument& argument, const MenuNode& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, MenuNode& value);
-QDBusArgument& operator<<(QDBusArgument& argument, const MenuProperties& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, MenuProperties& value);
-QDBusArgument& operator<<(QDBusArgument& argument, const MenuEvent& value);
-const QDBusArgument& operator>>(const QDBusArgument& argument, MenuEvent& value);
 
 /// Registers the types with the bus library. Needed once; further calls do no harm.
 void registerBusTypes();

@@ -1,9 +1,12 @@
 #include "platform/linux/desktop/tray/item_picture.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFont>
 #include <QFontMetricsF>
 #include <QGuiApplication>
 #include <QPainter>
+#include <QSaveFile>
 #include <QtMath>
 #include <array>
 
@@ -33,6 +36,9 @@ QFont textFont(qreal scale) {
     font.setStyleStrategy(QFont::NoSubpixelAntialias);
     return font;
 }
+
+// Edge of the picture in pixels. Hosts scale it down to their own size.
+constexpr int kPixels = 64;
 
 }  // namespace
 
@@ -87,6 +93,43 @@ QImage widePicture(const QImage& icon, const QString& text, bool dark, int heigh
     }
     style.draw(canvas, start, shown, dark ? Qt::white : Qt::black);
     return picture;
+}
+
+PictureFile::PictureFile(std::string runtimeFolder) {
+    if (!runtimeFolder.empty()) {
+        folder_ = QDir(QString::fromStdString(runtimeFolder)).filePath("tarnwick");
+    }
+}
+
+PictureFile::~PictureFile() {
+    for (const auto& [name, path] : written_) {
+        QFile::remove(path);
+    }
+    if (!written_.empty()) {
+        // Fails if another program keeps something in the folder; then the folder must stay.
+        QDir().rmdir(folder_);
+    }
+}
+
+QString PictureFile::path(const IconPainter& painter, const ItemIcon& icon) {
+    if (folder_.isEmpty()) {
+        return {};
+    }
+    const QString name = QString("%1-%2-%3.png")
+                             .arg(QString::fromStdString(icon.symbol).replace('/', '_'))
+                             .arg(static_cast<int>(icon.tint))
+                             .arg(icon.dark ? "dark" : "light");
+    if (const auto known = written_.find(name); known != written_.end()) {
+        return known->second;
+    }
+    const QString path = QDir(folder_).filePath(name);
+    QSaveFile file(path);
+    if (!QDir().mkpath(folder_) || !file.open(QIODevice::WriteOnly) ||
+        !squarePicture(painter, icon, kPixels).save(&file, "PNG") || !file.commit()) {
+        return {};
+    }
+    written_.emplace(name, path);
+    return path;
 }
 
 }  // namespace tarnwick::platform

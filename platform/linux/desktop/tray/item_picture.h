@@ -1,10 +1,11 @@
-// The status item's pictures: the icon as a square in the sizes that tray hosts ask for, or icon
-// and text side by side.
+// The status item's pictures: the icon as a square in the sizes that tray hosts ask for or as a
+// file, or icon and text side by side.
 #pragma once
 
 #include <QImage>
 #include <QString>
 #include <functional>
+#include <map>
 #include <string>
 
 #include "core/records/tint.h"
@@ -46,5 +47,25 @@ int wideIconSize(int height);
 /// The letters are dark, or light for a dark desktop. The colour of the bar is unknown and may be
 /// close to theirs, so the letters have an edge in the opposite shade.
 QImage widePicture(const QImage& icon, const QString& text, bool dark, int height);
+
+/// Writes each different icon once. Each has its own name, because hosts cache what they read by
+/// name. The destructor removes the files. Main thread.
+class PictureFile final {
+ public:
+    /// The files lie in the folder "tarnwick" below `runtimeFolder`, which is made when needed. If
+    /// `runtimeFolder` is empty, nothing is written.
+    explicit PictureFile(std::string runtimeFolder);
+    ~PictureFile();
+    PictureFile(const PictureFile&) = delete;
+    PictureFile& operator=(const PictureFile&) = delete;
+
+    /// Path of the icon's file; empty when it could not be written.
+    QString path(const IconPainter& painter, const ItemIcon& icon);
+
+ private:
+    QString folder_;
+    /// The written files: name to full path.
+    std::map<QString, QString> written_;
+};
 
 }  // namespace tarnwick::platform

@@ -19,7 +19,6 @@
 #include "platform/linux/desktop/tray/embedded_tray.h"
 #include "platform/linux/desktop/tray/item_picture.h"
 #include "platform/linux/desktop/tray/notifier_registration.h"
-#include "platform/linux/desktop/tray/picture_file.h"
 #include "platform/linux/desktop/tray/status_notifier_item.h"
 #include "platform/linux/desktop/tray/tray_presentation.h"
 

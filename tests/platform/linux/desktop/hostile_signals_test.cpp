@@ -6,9 +6,8 @@
 #include <memory>
 
 #include "platform/linux/desktop/keyboard/portal_hot_keys.h"
+#include "platform/linux/desktop/session/appearance.h"
 #include "platform/linux/desktop/session/bus_calls.h"
-#include "platform/linux/desktop/session/color_scheme.h"
-#include "platform/linux/desktop/session/reduced_motion.h"
 #include "platform/linux/desktop/session/sleep_signals.h"
 #include "platform/linux/desktop/tray/notifier_registration.h"
 #include "tests/platform/linux/desktop/keyboard/installed_layout.h"

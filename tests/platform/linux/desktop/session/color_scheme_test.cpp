@@ -1,9 +1,8 @@
-#include "platform/linux/desktop/session/color_scheme.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <vector>
 
+#include "platform/linux/desktop/session/appearance.h"
 #include "tests/platform/linux/desktop/private_bus.h"
 #include "tests/platform/linux/desktop/session/scripted_settings_portal.h"
 

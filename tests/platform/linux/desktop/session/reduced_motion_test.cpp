@@ -1,10 +1,9 @@
-#include "platform/linux/desktop/session/reduced_motion.h"
-
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
 #include <vector>
 
+#include "platform/linux/desktop/session/appearance.h"
 #include "tests/platform/linux/desktop/private_bus.h"
 #include "tests/platform/linux/desktop/session/scripted_settings_portal.h"
 

@@ -1,4 +1,4 @@
-#include "platform/linux/events/descriptor_limit.h"
+#include "platform/linux/events/process_limits.h"
 
 #include <algorithm>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// Whether the desktop asks programs to move less.
+// How the desktop wants programs to look and move.
 #pragma once
 
 #include <QDBusConnection>
@@ -7,6 +7,24 @@
 #include "platform/linux/desktop/session/portal_settings.h"
 
 namespace tarnwick::platform {
+
+/// Follows the desktop's preference through the settings portal. Light if there is no portal or the
+/// portal does not tell. Main thread. Never waits for the bus.
+class ColorScheme final {
+ public:
+    /// `changed` is called on the main thread at each change; the first answer is a change if it is
+    /// dark.
+    ColorScheme(const QDBusConnection& bus, std::function<void(bool dark)> changed);
+
+    bool dark() const { return dark_; }
+
+ private:
+    void set(bool dark);
+
+    std::function<void(bool dark)> changed_;
+    bool dark_ = false;
+    PortalSettings settings_;
+};
 
 /// Follows three settings through the settings portal: the common one of all desktops, GNOME's
 /// switch for animations, and KDE Plasma's animation speed, which can be "instant". One of them is

@@ -1,10 +1,14 @@
-// How many files the program may have open at a time.
+// What the program asks of the system for its own process.
 #pragma once
 
 #include <cstddef>
 #include <optional>
 
 namespace tarnwick::platform {
+
+/// Returns freed memory from the heap to the system. It takes milliseconds, so call it only after
+/// much memory was freed that will not be needed soon. Any thread.
+void giveBackFreedMemory();
 
 /// Enough to keep one open for each of 8,000 processes. The kernel needs 4.5 kB for each.
 inline constexpr std::size_t kWantedDescriptors = 16'384;

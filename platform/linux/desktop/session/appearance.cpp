@@ -1,9 +1,16 @@
-#include "platform/linux/desktop/session/reduced_motion.h"
+#include "platform/linux/desktop/session/appearance.h"
 
 #include <utility>
 
 namespace tarnwick::platform {
 namespace {
+
+// 0: no preference, 1: dark, 2: light.
+constexpr uint kDark = 1;
+
+bool saysDark(const QVariant& value) {
+    return value.metaType() == QMetaType::fromType<uint>() && value.toUInt() == kDark;
+}
 
 // 0: no preference, 1: less motion.
 constexpr uint kReduced = 1;
@@ -24,6 +31,20 @@ bool saysInstant(const QVariant& value) {
 }
 
 }  // namespace
+
+ColorScheme::ColorScheme(const QDBusConnection& bus, std::function<void(bool dark)> changed)
+    : changed_(std::move(changed)),
+      settings_(bus, {{"org.freedesktop.appearance", "color-scheme",
+                       [this](const QVariant& value) { set(saysDark(value)); }}}) {}
+
+void ColorScheme::set(bool dark) {
+    if (dark_ != dark) {
+        dark_ = dark;
+        if (changed_) {
+            changed_(dark);
+        }
+    }
+}
 
 ReducedMotion::ReducedMotion(const QDBusConnection& bus,
                              std::function<void(bool isReduced)> changed)

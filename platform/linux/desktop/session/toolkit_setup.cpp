@@ -1,7 +1,8 @@
-#include "platform/linux/desktop/session/interface_font.h"
+#include "platform/linux/desktop/session/toolkit_setup.h"
 
 #include <QApplication>
 #include <QFont>
+#include <cstdlib>
 #include <optional>
 #include <string>
 #include <vector>
@@ -45,6 +46,22 @@ std::optional<InterfaceFont> desktopFont() {
 }
 
 }  // namespace
+
+ToolkitEnvironment::ToolkitEnvironment() {
+    for (const char* name : {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "KDE_FULL_SESSION",
+                             "GNOME_DESKTOP_SESSION_ID", "QT_QPA_PLATFORMTHEME"}) {
+        if (const char* value = std::getenv(name)) {
+            hidden_.emplace_back(name, value);
+            ::unsetenv(name);
+        }
+    }
+}
+
+ToolkitEnvironment::~ToolkitEnvironment() {
+    for (const auto& [name, value] : hidden_) {
+        ::setenv(name, value.c_str(), 1);
+    }
+}
 
 void applyInterfaceFont() {
     QFont font = QApplication::font();

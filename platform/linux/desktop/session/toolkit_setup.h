@@ -1,4 +1,4 @@
-// Hides parts of the environment from the toolkit while it starts.
+// What the toolkit is told of the desktop when the program starts.
 #pragma once
 
 #include <string>
@@ -21,5 +21,11 @@ class ToolkitEnvironment {
  private:
     std::vector<std::pair<const char*, std::string>> hidden_;
 };
+
+/// Sets the desktop's interface font for the application. Reads it from the settings daemon of the
+/// X11 display; without a daemon, the toolkit's own font stays, in the common size of desktops. The
+/// toolkit could read it only through plug-ins that need more memory than the whole program. Main
+/// thread. Requires: the application object exists.
+void applyInterfaceFont();
 
 }  // namespace tarnwick::platform

@@ -1,9 +1,14 @@
-#include "platform/linux/events/descriptor_limit.h"
+#include "platform/linux/events/process_limits.h"
 
 #include <algorithm>
+#include <malloc.h>
 #include <sys/resource.h>
 
 namespace tarnwick::platform {
+
+void giveBackFreedMemory() {
+    ::malloc_trim(0);
+}
 
 std::optional<std::size_t> raiseDescriptorLimit() {
     rlimit limit{};
