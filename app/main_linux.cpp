@@ -110,7 +110,7 @@ class Machine {
             .processTable = new platform::LinuxProcessTable(),
             .userDefaults = &userDefaults_,
             .loginService = new platform::AutostartLoginService(
-                platform::startCommand(runningProgram(), environment), environment),
+                platform::startedAtLogin(runningProgram(), environment), environment),
             .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, dispatch_).release(),
             .keyboardLayout = keyboardLayout,
             .byteCountFormatter = new platform::PlainByteCountFormatter(),

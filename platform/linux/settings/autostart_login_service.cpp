@@ -56,19 +56,6 @@ bool isOn(std::string_view text) {
            valueOf(text, "X-GNOME-Autostart-enabled") != "false";
 }
 
-/// Whether an entry's list of desktops contains one of the session's.
-bool names(std::string_view list, std::string_view current) {
-    const auto named = listItems(list, ';');
-    return std::ranges::any_of(listItems(current), [&named](std::string_view desktop) {
-        return std::ranges::count(named, desktop) > 0;
-    });
-}
-
-bool isMeantFor(std::string_view text, std::string_view current) {
-    const auto only = desktopEntryValue(text, "OnlyShowIn");
-    return (!only || names(*only, current)) && !names(valueOf(text, "NotShowIn"), current);
-}
-
 std::string escaped(std::string_view text, std::string_view reserved) {
     std::string result;
     for (const char character : text) {
@@ -124,65 +111,47 @@ std::error_code replaceFile(const std::filesystem::path& file, std::string_view 
 
 }  // namespace
 
-std::vector<std::string> startCommand(const std::filesystem::path& program,
-                                      const std::function<const char*(const char*)>& environment,
-                                      const std::filesystem::path& root) {
+std::filesystem::path startedAtLogin(const std::filesystem::path& program,
+                                     const std::function<const char*(const char*)>& environment) {
     const auto value = [&environment](const char* name) {
         const char* const text = environment(name);
         return std::string(text != nullptr ? text : "");
     };
+    // The variables of an image may come from the terminal that started this program. They count
+    // only if this program lies in the folder that they name.
+    const std::string image = value("APPIMAGE");
+    const std::string mounted = value("APPDIR");
+    if (!image.empty() && !mounted.empty() && program.native().starts_with(mounted + '/')) {
+        return image;
+    }
     std::error_code error;
-    const std::string flatpak = value("FLATPAK_ID");
-    if (!flatpak.empty() && std::filesystem::exists(root / ".flatpak-info", error)) {
-        return {"flatpak", "run", flatpak};
-    }
-    // The variables of an image or a snap may come from the terminal that started this program.
-    // They count only if this program lies in the folder that they name.
-    const auto liesIn = [&](const char* variable) {
-        const std::string folder = value(variable);
-        return !folder.empty() && program.native().starts_with(folder + '/');
-    };
-    if (const std::string image = value("APPIMAGE"); !image.empty() && liesIn("APPDIR")) {
-        return {image};
-    }
-    if (const std::string snap = value("SNAP_INSTANCE_NAME"); !snap.empty() && liesIn("SNAP")) {
-        return {"/snap/bin/" + snap};
-    }
     const auto found = findExecutable(program.filename().native(), value("PATH"));
-    const bool isSame = std::filesystem::equivalent(found, program, error);
-    return {isSame ? found.native() : program.native()};
+    return std::filesystem::equivalent(found, program, error) ? found : program;
 }
 
-AutostartLoginService::AutostartLoginService(std::vector<std::string> command,
-                                             Environment environment)
-    : command_(std::move(command)), environment_(std::move(environment)) {}
+AutostartLoginService::AutostartLoginService(std::filesystem::path program, Environment environment)
+    : program_(std::move(program)), environment_(std::move(environment)) {}
 
 LoginServiceStatus AutostartLoginService::status() {
     std::optional<std::string> text = textOf(ownFile());
     if (!text) {
         text = systemText();
     }
-    if (!text || !isOn(*text) || !isMeantFor(*text, value("XDG_CURRENT_DESKTOP"))) {
+    if (!text || !isOn(*text)) {
         return LoginServiceStatus::notRegistered;
     }
     const std::vector<std::string> command = desktopEntryCommand(valueOf(*text, "Exec"));
-    // The program that runs now exists, even if a sandbox hides it.
     const bool isThere =
-        !command.empty() && ((isSandboxed() && command == command_) ||
-                             !findExecutable(command.front(), value("PATH")).empty());
+        !command.empty() && !findExecutable(command.front(), value("PATH")).empty();
     return isThere ? LoginServiceStatus::enabled : LoginServiceStatus::notFound;
 }
 
 std::optional<LoginServiceError> AutostartLoginService::registerService() {
-    const std::string& program = command_.front();
+    const std::string& program = program_.native();
     if (isUnusable(program)) {
         return failure("Cannot start at login", program, "no autostart entry can hold this path");
     }
-    std::string line;
-    for (const std::string& word : command_) {
-        line += (line.empty() ? "" : " ") + commandWord(word);
-    }
-    return write(std::string(kHead) + "Exec=" + escaped(line, "\\") +
+    return write(std::string(kHead) + "Exec=" + escaped(commandWord(program), "\\") +
                  "\nTryExec=" + escaped(program, "\\") +
                  "\nTerminal=false\nStartupNotify=false\nX-GNOME-Autostart-enabled=true\n");
 }
@@ -207,14 +176,8 @@ std::string AutostartLoginService::value(const char* name) const {
     return text != nullptr ? text : "";
 }
 
-bool AutostartLoginService::isSandboxed() const {
-    return command_.front() == "flatpak";
-}
-
 std::filesystem::path AutostartLoginService::ownFile() const {
-    // In a sandbox the usual variable names a folder of the sandbox, which no desktop reads.
-    const std::filesystem::path config =
-        value(isSandboxed() ? "HOST_XDG_CONFIG_HOME" : "XDG_CONFIG_HOME");
+    const std::filesystem::path config = value("XDG_CONFIG_HOME");
     if (config.is_absolute()) {
         return config / kEntry;
     }
@@ -240,12 +203,7 @@ std::optional<LoginServiceError> AutostartLoginService::write(std::string_view t
     if (own.empty()) {
         return LoginServiceError{"Cannot change what starts at login: there is no home folder"};
     }
-    // A folder that is made inside the sandbox only is invisible to all other programs.
-    std::error_code error;
-    if (isSandboxed() && !std::filesystem::is_directory(own.parent_path(), error)) {
-        return failure("Cannot write", own, "the sandbox does not show this folder");
-    }
-    error = makeFolder(own.parent_path());
+    std::error_code error = makeFolder(own.parent_path());
     if (!error) {
         error = replaceFile(own, text);
     }

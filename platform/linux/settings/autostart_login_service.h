@@ -6,20 +6,16 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/login_service.h"
 
 namespace tarnwick::platform {
 
-/// The program and the arguments that start `program`, the running one, again after a login. For an
-/// image (AppImage) or a sandbox (Flatpak, Snap) they start that. Otherwise it is the path under
-/// which the PATH finds the program, because an update may change the target of a link there; if
-/// the PATH does not find it, its own path. `environment` returns a variable's value or null;
-/// `root` is "/".
-std::vector<std::string> startCommand(const std::filesystem::path& program,
-                                      const std::function<const char*(const char*)>& environment,
-                                      const std::filesystem::path& root = "/");
+/// What starts `program`, the running one, again after a login: the image (AppImage) that it lies
+/// in; else the path under which the PATH finds it, because an update may change the target of a
+/// link there; else its own path. `environment` returns a variable's value or null.
+std::filesystem::path startedAtLogin(const std::filesystem::path& program,
+                                     const std::function<const char*(const char*)>& environment);
 
 /// At login desktops start the programs named by entries in the autostart folders: the user's in
 /// $XDG_CONFIG_HOME, then the system's in $XDG_CONFIG_DIRS. If several entries have one name, the
@@ -28,13 +24,12 @@ class AutostartLoginService final : public LoginService {
  public:
     using Environment = std::function<const char*(const char*)>;
 
-    /// `command` starts this program: a path, or a name to search for, and its arguments.
-    /// `environment` returns a variable's value or null at each call. Requires: `command` is not
-    /// empty.
-    AutostartLoginService(std::vector<std::string> command, Environment environment);
+    /// `program` is what starts at login. `environment` returns a variable's value or null at each
+    /// call.
+    AutostartLoginService(std::filesystem::path program, Environment environment);
 
-    /// `enabled` when there is an entry that is not switched off and is meant for the session's
-    /// desktop, and its program can be executed. `notFound` when only the program is missing.
+    /// `enabled` when there is an entry that is not switched off, and its program can be executed.
+    /// `notFound` when only the program is missing.
     LoginServiceStatus status() override;
     /// Writes the user's entry and replaces any file with its name.
     std::optional<LoginServiceError> registerService() override;
@@ -44,15 +39,13 @@ class AutostartLoginService final : public LoginService {
 
  private:
     std::string value(const char* name) const;
-    /// Whether the program runs in a Flatpak, which shows only some of the user's folders.
-    bool isSandboxed() const;
     /// The user's entry; empty when the user has no folder for it.
     std::filesystem::path ownFile() const;
     /// Text of the first of the system's entries; absent when there is none.
     std::optional<std::string> systemText() const;
     std::optional<LoginServiceError> write(std::string_view text) const;
 
-    const std::vector<std::string> command_;
+    const std::filesystem::path program_;
     const Environment environment_;
 };
 

@@ -8,7 +8,9 @@ namespace tarnwick::platform {
 
 /// A type whose `fields(value)` ties the members of `value` in the order of the bus's structure.
 template <typename Type>
-concept BusStruct = requires(Type& value) { Type::fields(value); };
+concept BusStruct = requires(Type& value) {
+    Type::fields(value);
+};
 
 template <BusStruct Type>
 QDBusArgument& operator<<(QDBusArgument& argument, const Type& value) {
