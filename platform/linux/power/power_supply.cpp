@@ -203,7 +203,7 @@ std::string wordOf(const PowerSupply& pack) {
     if (word == "Unknown" || (word == "Dead" && isEmpty)) {
         return {};
     }
-    const auto* const fault =
+    const auto fault =
         std::ranges::find(kFaults, word, [](const auto& entry) { return entry.first; });
     return std::string(fault == kFaults.end() ? word : fault->second);
 }
@@ -237,14 +237,17 @@ void PowerSupply::take(std::string_view file, std::string text) {
     texts_.insert_or_assign(std::string(file), std::move(text));
 }
 
+std::string_view PowerSupply::text(std::string_view file) const {
+    const auto found = texts_.find(file);
+    return found == texts_.end() ? std::string_view() : found->second;
+}
+
 std::optional<std::int64_t> PowerSupply::figure(std::string_view file) const {
-    const auto text = texts_.find(file);
-    return text == texts_.end() ? std::nullopt : parseFigure(text->second);
+    return parseFigure(text(file));
 }
 
 std::string_view PowerSupply::word(std::string_view file) const {
-    const auto text = texts_.find(file);
-    return text == texts_.end() ? std::string_view() : parseWord(text->second);
+    return parseWord(text(file));
 }
 
 bool PowerSupply::isSystemBattery() const {

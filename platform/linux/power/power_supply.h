@@ -39,6 +39,8 @@ class PowerSupply {
     std::optional<bool> suppliesFromOutside() const;
 
  private:
+    std::string_view text(std::string_view file) const;
+
     std::map<std::string, std::string, std::less<>> texts_;
 };
 

@@ -99,8 +99,8 @@ TEST(PacksHealth, MakesAnEnergyOfChargeByTheNominalVoltage) {
     const PowerSupply worn = counting({{"charge_full", "2500000"}});
     EXPECT_EQ(healthPercentage({small(), worn}), 60);
     // At 12.5 V it weighs more.
-    EXPECT_EQ(healthPercentage({small(), counting({{"charge_full", "2500000"},
-                                                   {"voltage_min_design", "0"}})}),
+    EXPECT_EQ(healthPercentage(
+                  {small(), counting({{"charge_full", "2500000"}, {"voltage_min_design", "0"}})}),
               59);
 }
 
@@ -201,8 +201,9 @@ TEST(PacksTime, IsUntilAllAreEmpty) {
     EXPECT_EQ(minutesToEmpty({small(), large({{"power_now", "7000000"}})}), 840);
     EXPECT_EQ(minutesToEmpty({small(), large({{"power_now", ""}})}), 840);
     EXPECT_EQ(minutesToEmpty({small(), large({{"status", "Discharging"}})}), 840);
-    EXPECT_EQ(minutesToEmpty({small(), large({{"status", "Discharging"}, {"power_now", "9000000"}})}),
-              300);
+    EXPECT_EQ(
+        minutesToEmpty({small(), large({{"status", "Discharging"}, {"power_now", "9000000"}})}),
+        300);
 }
 
 TEST(PacksTime, AddsChargeAsEnergy) {
@@ -214,14 +215,18 @@ TEST(PacksTime, AddsChargeAsEnergy) {
 TEST(PacksTime, IsUnknownWithoutTheFiguresOfOne) {
     EXPECT_EQ(minutesToEmpty({small(), large({{"energy_now", ""}})}), kAbsent);
     EXPECT_EQ(minutesToEmpty({small({{"power_now", ""}}), large()}), kAbsent);
-    EXPECT_EQ(minutesToEmpty({small(), counting({{"voltage_min_design", ""}, {"voltage_now", ""}})}),
-              kAbsent);
+    EXPECT_EQ(
+        minutesToEmpty({small(), counting({{"voltage_min_design", ""}, {"voltage_now", ""}})}),
+        kAbsent);
 }
 
 TEST(PacksTime, CountsAPackThatChargesAgainstOneThatDischarges) {
-    EXPECT_EQ(minutesToEmpty({small(), large({{"status", "Charging"}, {"power_now", "3000000"}})}), 2100);
-    EXPECT_EQ(minutesToEmpty({small(), large({{"status", "Charging"}, {"power_now", "6000000"}})}), kAbsent);
-    EXPECT_EQ(minutesToEmpty({small(), large({{"status", "Charging"}, {"power_now", ""}})}), kAbsent);
+    EXPECT_EQ(minutesToEmpty({small(), large({{"status", "Charging"}, {"power_now", "3000000"}})}),
+              2100);
+    EXPECT_EQ(minutesToEmpty({small(), large({{"status", "Charging"}, {"power_now", "6000000"}})}),
+              kAbsent);
+    EXPECT_EQ(minutesToEmpty({small(), large({{"status", "Charging"}, {"power_now", ""}})}),
+              kAbsent);
 }
 
 TEST(PacksTime, IsUntilAllAreFull) {
@@ -235,8 +240,9 @@ TEST(PacksTime, IsUntilAllAreFull) {
 TEST(ToldTime, ComesBeforeAmountAndRate) {
     EXPECT_EQ(minutesToEmpty({small({{"time_to_empty_now", "3599"}})}), 59);
     EXPECT_EQ(minutesToEmpty({small({{"time_to_empty_avg", "7200"}})}), 120);
-    EXPECT_EQ(minutesToEmpty({small({{"time_to_empty_now", "3600"}, {"time_to_empty_avg", "7200"}})}),
-              60);
+    EXPECT_EQ(
+        minutesToEmpty({small({{"time_to_empty_now", "3600"}, {"time_to_empty_avg", "7200"}})}),
+        60);
     EXPECT_EQ(minutesToEmpty({small({{"time_to_full_now", "3600"}})}), 120);
     const auto charging = [](const char* file) {
         return minutesToFull({small({{"status", "Charging"}, {file, "5400"}})});
@@ -250,15 +256,17 @@ TEST(ToldTime, IsLeftOutWhereItIsNotBelievable) {
     // The last one is what gauges say that do not know: 65535 minutes.
     for (const char* seconds : {"0", "-1", "", "-NaN", "864060", "3932100"}) {
         EXPECT_EQ(minutesToEmpty({small({{"time_to_empty_now", seconds}})}), 120) << seconds;
-        EXPECT_EQ(
-            minutesToEmpty({small({{"time_to_empty_now", seconds}, {"time_to_empty_avg", "3600"}})}), 60)
+        EXPECT_EQ(minutesToEmpty(
+                      {small({{"time_to_empty_now", seconds}, {"time_to_empty_avg", "3600"}})}),
+                  60)
             << seconds;
     }
 }
 
 TEST(ToldTime, OfOneOfSeveralPacksIsNotThatOfAll) {
     EXPECT_EQ(minutesToEmpty({small({{"time_to_empty_now", "60"}}), large()}), 840);
-    EXPECT_EQ(minutesToFull({small({{"status", "Charging"}, {"time_to_full_now", "60"}}), large()}), 120);
+    EXPECT_EQ(minutesToFull({small({{"status", "Charging"}, {"time_to_full_now", "60"}}), large()}),
+              120);
 }
 
 TEST(ChargeLimit, EndsTheCharge) {
