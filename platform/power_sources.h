@@ -40,6 +40,8 @@ class PowerSources {
     virtual std::optional<std::vector<PowerSourceDescription>> descriptions() = 0;
     /// "CycleCount" of the battery's device registry entry. Absent when there is none.
     virtual std::optional<std::int64_t> cycleCount() = 0;
+    /// Another text when another battery was put in; empty when the system does not say.
+    virtual std::string identity() { return {}; }
 };
 
 /// How healthy the battery is.

@@ -13,6 +13,8 @@ constexpr const char* kHealthKey = "battery.exactHealth";
 constexpr const char* kConditionKey = "battery.exactCondition";
 constexpr const char* kLastFetchKey = "battery.lastExactFetch";
 constexpr const char* kLastAttemptFailedKey = "battery.lastAttemptFailed";
+/// Of the battery whose health is stored.
+constexpr const char* kIdentityKey = "battery.identity";
 
 /// After this many reads in a row without a battery, the machine counts as one without a battery.
 constexpr std::int64_t kMissesUntilPause = 3;
@@ -28,20 +30,25 @@ constexpr platform::Date kDistantPast{-62'135'596'800};
 }  // namespace
 
 BatteryService::BatteryService(platform::UserDefaults& store, ReadHealth health,
-                               ReadBattery battery, Now wallClock, ElapsedTime elapsed)
+                               ReadBattery battery, Now wallClock, ElapsedTime elapsed,
+                               ReadIdentity identity)
     : readHealth_(std::move(health)),
       readBattery_(std::move(battery)),
       now_(std::move(wallClock)),
       elapsedTime_(std::move(elapsed)),
+      readIdentity_(std::move(identity)),
       defaults_(store),
       cachedHealth_(defaults_.integer(kHealthKey)),
       cachedCondition_(defaults_.text(kConditionKey)),
+      identity_(defaults_.text(kIdentityKey).value_or("")),
       lastHealthAttempt_(defaults_.date(kLastFetchKey).value_or(kDistantPast)),
       lastAttemptFailed_(defaults_.boolean(kLastAttemptFailedKey).value_or(false)) {}
 
 std::shared_ptr<BatteryService> BatteryService::shared() {
     // Never destroyed: background work may still use it while the process ends.
-    static const auto& service = *new std::shared_ptr<BatteryService>(new BatteryService);
+    static const auto& service = *new std::shared_ptr<BatteryService>(
+        new BatteryService(standardDefaults(), systemHealth(), systemBattery(), systemNow(),
+                           systemElapsedTime(), systemIdentity()));
     return service;
 }
 
@@ -67,6 +74,10 @@ BatteryService::ElapsedTime BatteryService::systemElapsedTime() {
     return [&kernel = *platform::current().kernel] { return kernel.monotonicSeconds(); };
 }
 
+BatteryService::ReadIdentity BatteryService::systemIdentity() {
+    return [&sources = *platform::current().powerSources] { return sources.identity(); };
+}
+
 BatteryInfo BatteryService::currentBatteryInfo(bool force) {
     const std::lock_guard guard(lock);
     const double time = elapsedTime_();
@@ -78,6 +89,7 @@ BatteryInfo BatteryService::currentBatteryInfo(bool force) {
         missingSamples_ = 0;
         nextDetectionAttempt_ = 0;
         sourceCondition_ = info->healthCondition;
+        noticeAnotherBattery();
         mergeCache(*info);
         lastGoodInfo_ = std::move(info);
         return *lastGoodInfo_;
@@ -106,6 +118,18 @@ BatteryInfo BatteryService::batteryInfoWithHealth(bool force) {
     return *lastGoodInfo_;
 }
 
+void BatteryService::noticeAnotherBattery() {
+    std::string identity = readIdentity_ ? readIdentity_() : std::string();
+    if (identity.empty() || identity == identity_) {
+        return;
+    }
+    if (!identity_.empty()) {
+        cachedHealth_.reset();
+        cachedCondition_.reset();
+    }
+    identity_ = std::move(identity);
+}
+
 bool BatteryService::isHealthDue(double moment) const {
     const double age = moment - lastHealthAttempt_.secondsSince1970;
     const double interval = lastAttemptFailed_ ? kHealthRetryInterval : kHealthInterval;
@@ -118,6 +142,9 @@ void BatteryService::fetchHealth(platform::Date moment) {
     if (reading && reading->health) {
         cachedHealth_ = reading->health;
         defaults_.set(kHealthKey, *cachedHealth_);
+        if (!identity_.empty()) {
+            defaults_.set(kIdentityKey, identity_);
+        }
     }
     if (reading && reading->condition && !reading->condition->empty()) {
         cachedCondition_ = reading->condition;

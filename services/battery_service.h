@@ -21,8 +21,9 @@ using platform::HealthReading;
 /// three reads in a row without one make it look only every five minutes, unless forced.
 ///
 /// Asks for the exact health once a day, five minutes after a failed attempt, or when forced. The
-/// health is kept in the user's store, so that it outlives the process. Any thread; calls take
-/// turns, and also wait for a call that reads the health.
+/// health is kept in the user's store, so that it outlives the process; it is dropped when another
+/// battery was put in. Any thread; calls take turns, and also wait for a call that reads the
+/// health.
 class BatteryService final : public BatteryReader {
  public:
     /// Absent when the health could not be read.
@@ -34,12 +35,16 @@ class BatteryService final : public BatteryReader {
     /// Seconds of a monotonic clock. While the machine sleeps it stands still on Linux and
     /// continues on macOS.
     using ElapsedTime = std::function<double()>;
+    /// Which battery is in; empty when the system does not say. A function that is not there never
+    /// says.
+    using ReadIdentity = std::function<std::string()>;
 
     /// The defaults are those of the current platform.
     explicit BatteryService(platform::UserDefaults& defaults = standardDefaults(),
                             ReadHealth readHealth = systemHealth(),
                             ReadBattery readBattery = systemBattery(), Now now = systemNow(),
-                            ElapsedTime elapsedTime = systemElapsedTime());
+                            ElapsedTime elapsedTime = systemElapsedTime(),
+                            ReadIdentity readIdentity = {});
 
     /// The process-wide instance on the current platform, made on first use, never destroyed.
     static std::shared_ptr<BatteryService> shared();
@@ -53,7 +58,9 @@ class BatteryService final : public BatteryReader {
     static ReadBattery systemBattery();
     static Now systemNow();
     static ElapsedTime systemElapsedTime();
+    static ReadIdentity systemIdentity();
 
+    void noticeAnotherBattery();
     bool isHealthDue(double now) const;
     void fetchHealth(platform::Date now);
     void mergeCache(BatteryInfo& info) const;
@@ -62,6 +69,7 @@ class BatteryService final : public BatteryReader {
     const ReadBattery readBattery_;
     const Now now_;
     const ElapsedTime elapsedTime_;
+    const ReadIdentity readIdentity_;
     platform::UserDefaults& defaults_;
 
     std::mutex lock;
@@ -78,6 +86,8 @@ class BatteryService final : public BatteryReader {
     std::optional<std::int64_t> cachedHealth_;
     /// Present (perhaps empty) once the health has been asked for.
     std::optional<std::string> cachedCondition_;
+    /// Of the battery that these belong to; empty while it is unknown.
+    std::string identity_;
     platform::Date lastHealthAttempt_;
     /// True when the last attempt gave no reading at all.
     bool lastAttemptFailed_ = false;

@@ -63,10 +63,12 @@ struct ProbedMachine::Samplers {
     NetworkService network{networkInterfaces, kernel};
     ProcessService processes{processTable, kernel};
     StorageService storage;
-    BatteryService battery{userDefaults, [this] { return powerSources.readHealth(); },
+    BatteryService battery{userDefaults,
+                           [this] { return powerSources.readHealth(); },
                            [this] { return readPowerSources(powerSources); },
                            [this] { return platform::Date{kernel.wallClockSeconds()}; },
-                           [this] { return kernel.monotonicSeconds(); }};
+                           [this] { return kernel.monotonicSeconds(); },
+                           [this] { return powerSources.identity(); }};
 };
 
 ProbedMachine::ProbedMachine(const Options& options)

@@ -12,6 +12,11 @@ std::optional<std::int64_t> ScriptedPowerSources::cycleCount() {
     return answers.cycleCount.take();
 }
 
+std::string ScriptedPowerSources::identity() {
+    calls_.add("identity");
+    return answers.identity.take();
+}
+
 std::optional<HealthReading> ScriptedPowerSources::readHealth() {
     calls_.add("readHealth");
     return answers.readHealth.take();

@@ -19,6 +19,7 @@ class ScriptedPowerSources final : public PowerSources, public BatteryHealth {
         Answers<std::optional<std::vector<PowerSourceDescription>>> descriptions{
             std::vector<PowerSourceDescription>{}};
         Answers<std::optional<std::int64_t>> cycleCount{std::nullopt};
+        Answers<std::string> identity{std::string()};
         Answers<std::optional<HealthReading>> readHealth{std::nullopt};
     } answers;
 
@@ -28,6 +29,7 @@ class ScriptedPowerSources final : public PowerSources, public BatteryHealth {
 
     std::optional<std::vector<PowerSourceDescription>> descriptions() override;
     std::optional<std::int64_t> cycleCount() override;
+    std::string identity() override;
     std::optional<HealthReading> readHealth() override;
 
  private:

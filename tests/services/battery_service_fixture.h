@@ -20,6 +20,7 @@ inline constexpr auto kHealthKey = "battery.exactHealth";
 inline constexpr auto kConditionKey = "battery.exactCondition";
 inline constexpr auto kLastFetchKey = "battery.lastExactFetch";
 inline constexpr auto kFailedKey = "battery.lastAttemptFailed";
+inline constexpr auto kIdentityKey = "battery.identity";
 
 inline constexpr double kDay = 86'400;
 
@@ -71,7 +72,8 @@ class BatteryServiceFixture : public ::testing::Test {
                 advance(readTakes);
                 return battery;
             },
-            [this] { return platform::Date{wallTime}; }, [this] { return elapsed; });
+            [this] { return platform::Date{wallTime}; }, [this] { return elapsed; },
+            [this] { return identity; });
     }
     /// Sets up a machine on which a battery has been seen.
     void see(const BatteryInfo& seen) {
@@ -98,6 +100,7 @@ class BatteryServiceFixture : public ::testing::Test {
     // What the sources answer, and how often they were asked.
     std::optional<BatteryInfo> battery = BatteryInfo{};
     std::optional<HealthReading> health;
+    std::string identity;
     int batteryReads = 0;
     int healthReads = 0;
     // Seconds that each of these reads takes.

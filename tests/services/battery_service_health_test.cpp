@@ -308,6 +308,58 @@ TEST_F(BatteryHealthCache, ADateThatIsNoneMakesTheHealthDue) {
     EXPECT_TRUE(isHealthDue());
 }
 
+TEST_F(BatteryHealthCache, IsDroppedWhenAnotherBatteryWasPutIn) {
+    identity = "old";
+    health = HealthReading{.health = 72, .condition = "Service Recommended"};
+    see(makeBattery(63));
+    EXPECT_EQ(fetch().health, 72);
+    identity = "new";
+    const BatteryInfo live = service->currentBatteryInfo(false);
+    EXPECT_FALSE(live.health.has_value());
+    EXPECT_FALSE(live.healthSource.has_value());
+    EXPECT_EQ(live.healthCondition, "");
+    health = HealthReading{.health = 100};
+    EXPECT_TRUE(isHealthDue());
+    EXPECT_EQ(service->currentBatteryInfo(false).health, 100);
+    EXPECT_EQ(service->currentBatteryInfo(false).healthCondition, "");
+    EXPECT_FALSE(isHealthDue());
+}
+
+TEST_F(BatteryHealthCache, IsDroppedWhenAnotherBatteryWasPutInBetweenTwoRuns) {
+    identity = "old";
+    health = HealthReading{.health = 72};
+    see(makeBattery(63));
+    fetch();
+    restart();
+    EXPECT_EQ(store->text(kIdentityKey), "old");
+    see(makeBattery(63));
+    EXPECT_EQ(service->currentBatteryInfo(false).health, 72);
+    EXPECT_FALSE(isHealthDue());
+    // The new one has no health that could take the place of the old one's.
+    identity = "new";
+    health = HealthReading{};
+    for (int run = 0; run < 2; ++run) {
+        restart();
+        see(makeBattery(63));
+        EXPECT_FALSE(fetch().health.has_value());
+    }
+}
+
+TEST_F(BatteryHealthCache, StaysWhereTheSystemDoesNotSayWhichBatteryIsIn) {
+    health = HealthReading{.health = 72};
+    see(makeBattery(63));
+    fetch();
+    EXPECT_FALSE(store->contains(kIdentityKey));
+    // What it says for the first time is no change.
+    identity = "one";
+    EXPECT_EQ(service->currentBatteryInfo(false).health, 72);
+    identity = "";
+    EXPECT_EQ(service->currentBatteryInfo(false).health, 72);
+    identity = "one";
+    EXPECT_EQ(service->currentBatteryInfo(false).health, 72);
+    EXPECT_FALSE(isHealthDue());
+}
+
 TEST_F(BatteryHealthCache, AQuickCallWaitsForAFetchUnderWay) {
     std::atomic<bool> calling = false;
     std::atomic<bool> answered = false;

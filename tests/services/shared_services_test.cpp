@@ -127,6 +127,7 @@ TEST(SharedServices, TheBatteryServiceRunsOnTheInstalledPlatform) {
     machine.powerSources.answers.descriptions.set(std::vector{
         platform::PowerSourceDescription{.type = "InternalBattery", .currentCapacity = 63}});
     machine.powerSources.answers.cycleCount.set(412);
+    machine.powerSources.answers.identity.set("one");
     machine.powerSources.answers.readHealth.set(HealthReading{.health = 87, .condition = "Fair"});
 
     const BatteryInfo quick = BatteryService::shared()->currentBatteryInfo(false);
@@ -134,6 +135,7 @@ TEST(SharedServices, TheBatteryServiceRunsOnTheInstalledPlatform) {
     EXPECT_EQ(quick.cycleCount, 412);
     EXPECT_EQ(BatteryService::shared()->batteryInfoWithHealth(false).health, 87);
     EXPECT_EQ(machine.store.integer("battery.exactHealth"), 87);
+    EXPECT_EQ(machine.store.text("battery.identity"), "one");
     EXPECT_EQ(machine.store.date("battery.lastExactFetch"), platform::Date{5000});
 }
 

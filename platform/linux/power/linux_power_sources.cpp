@@ -1,19 +1,27 @@
 #include "platform/linux/power/linux_power_sources.h"
 
 #include <algorithm>
+#include <cstring>
 #include <filesystem>
-#include <span>
 #include <string_view>
 #include <system_error>
 #include <utility>
 
 #include "platform/linux/files/kept_file.h"
+#include "platform/linux/power/power_supply.h"
 
 namespace tarnwick::platform {
 
 namespace {
 
-/// The folders of the power supplies by name. Absent when they cannot be listed.
+/// The machine's battery, and whether outside power is connected; absent if no supply tells.
+struct Supplies {
+    Packs packs;
+    std::optional<bool> outside;
+};
+
+/// The folders of the power supplies, by name: BAT2 comes before BAT10. Absent when they cannot be
+/// listed.
 std::optional<std::vector<std::string>> suppliesIn(const std::string& folder) {
     std::vector<std::string> supplies;
     std::error_code error;
@@ -25,17 +33,44 @@ std::optional<std::vector<std::string>> suppliesIn(const std::string& folder) {
     if (error && error != std::errc::no_such_file_or_directory) {
         return std::nullopt;
     }
-    std::ranges::sort(supplies);
+    std::ranges::sort(supplies, [](const std::string& a, const std::string& b) {
+        return ::strverscmp(a.c_str(), b.c_str()) < 0;
+    });
     return supplies;
 }
 
-void read(const std::string& folder, std::span<const std::string_view> files, PowerSupply& supply) {
+void read(const std::string& folder, const std::vector<std::string_view>& files,
+          PowerSupply& supply) {
     for (const std::string_view file : files) {
-        if (const std::optional<std::string> text =
-                readWholeFile(folder + '/' + std::string(file))) {
-            supply.take(file, *text);
+        if (std::optional<std::string> text = readWholeFile(folder + '/' + std::string(file))) {
+            supply.take(file, std::move(*text));
         }
     }
+}
+
+std::optional<Supplies> readSupplies(const std::string& folder) {
+    const std::optional<std::vector<std::string>> folders = suppliesIn(folder);
+    if (!folders) {
+        return std::nullopt;
+    }
+    Supplies supplies;
+    for (const std::string& each : *folders) {
+        PowerSupply supply;
+        read(each, {"type", "scope", "online"}, supply);
+        if (supply.isSystemBattery()) {
+            read(each, filesOfBattery(), supply);
+            if (supply.figure("present") != 0) {
+                supplies.packs.push_back(std::move(supply));
+            }
+        } else if (const std::optional<bool> supplied = supply.suppliesFromOutside()) {
+            supplies.outside = *supplied || supplies.outside.value_or(false);
+        }
+    }
+    return supplies;
+}
+
+Packs readPacks(const std::string& folder) {
+    return readSupplies(folder).value_or(Supplies()).packs;
 }
 
 }  // namespace
@@ -43,62 +78,29 @@ void read(const std::string& folder, std::span<const std::string_view> files, Po
 LinuxPowerSources::LinuxPowerSources(std::string root)
     : folder_(belowRoot(root, "sys/class/power_supply")) {}
 
-std::optional<LinuxPowerSources::Supplies> LinuxPowerSources::readSupplies() const {
-    const std::optional<std::vector<std::string>> folders = suppliesIn(folder_);
-    if (!folders) {
-        return std::nullopt;
-    }
-    Supplies supplies;
-    for (const std::string& folder : *folders) {
-        PowerSupply supply;
-        read(folder, filesOfEverySupply(), supply);
-        if (supply.isSystemBattery()) {
-            read(folder, filesOfBattery(), supply);
-            supplies.batteries.push_back(std::move(supply));
-        } else if (const std::optional<bool> supplied = supply.suppliesFromOutside()) {
-            supplies.outside = *supplied || supplies.outside.value_or(false);
-        }
-    }
-    std::erase_if(supplies.batteries,
-                  [&](const PowerSupply& battery) { return !describe(battery, supplies.outside); });
-    return supplies;
-}
-
-std::optional<PowerSupply> LinuxPowerSources::firstBattery() const {
-    std::optional<Supplies> supplies = readSupplies();
-    if (!supplies || supplies->batteries.empty()) {
-        return std::nullopt;
-    }
-    return std::move(supplies->batteries.front());
-}
-
 std::optional<std::vector<PowerSourceDescription>> LinuxPowerSources::descriptions() {
-    const std::optional<Supplies> supplies = readSupplies();
+    const std::optional<Supplies> supplies = readSupplies(folder_);
     if (!supplies) {
         return std::nullopt;
     }
     std::vector<PowerSourceDescription> sources;
-    for (const PowerSupply& battery : supplies->batteries) {
-        sources.push_back(*describe(battery, supplies->outside));
+    if (!supplies->packs.empty()) {
+        sources.push_back(describe(supplies->packs, supplies->outside));
     }
     return sources;
 }
 
 std::optional<std::int64_t> LinuxPowerSources::cycleCount() {
-    const std::optional<PowerSupply> battery = firstBattery();
-    return battery ? cyclesOf(*battery) : std::nullopt;
+    return cyclesOf(readPacks(folder_));
+}
+
+std::string LinuxPowerSources::identity() {
+    return identityOf(readPacks(folder_));
 }
 
 std::optional<HealthReading> LinuxPowerSources::readHealth() {
-    const std::optional<PowerSupply> battery = firstBattery();
-    if (!battery) {
-        return std::nullopt;
-    }
-    HealthReading reading{.health = healthPercentage(*battery), .condition = {}};
-    if (std::string word = conditionWord(*battery); !word.empty()) {
-        reading.condition = std::move(word);
-    }
-    return reading;
+    const Packs packs = readPacks(folder_);
+    return packs.empty() ? std::nullopt : std::optional(HealthReading{healthPercentage(packs), {}});
 }
 
 }  // namespace tarnwick::platform

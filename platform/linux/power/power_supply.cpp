@@ -8,55 +8,21 @@
 #include <utility>
 
 #include "core/records/text.h"
+#include "platform/linux/files/list_items.h"
 
 namespace tarnwick::platform {
 
 namespace {
 
-using Word = std::string PowerSupply::*;
-using Figure = std::optional<std::int64_t> PowerSupply::*;
+using Amount = std::optional<double>;
+using Minutes = std::optional<std::int64_t>;
 
-constexpr std::array<std::pair<std::string_view, Word>, 4> kWords = {{
-    {"type", &PowerSupply::type},
-    {"scope", &PowerSupply::scope},
-    {"status", &PowerSupply::status},
-    {"health", &PowerSupply::health},
-}};
-
-constexpr std::array<std::pair<std::string_view, Figure>, 13> kFigures = {{
-    {"present", &PowerSupply::present},
-    {"online", &PowerSupply::online},
-    {"capacity", &PowerSupply::capacity},
-    {"energy_now", &PowerSupply::energyNow},
-    {"energy_full", &PowerSupply::energyFull},
-    {"energy_full_design", &PowerSupply::energyFullDesign},
-    {"charge_now", &PowerSupply::chargeNow},
-    {"charge_full", &PowerSupply::chargeFull},
-    {"charge_full_design", &PowerSupply::chargeFullDesign},
-    {"power_now", &PowerSupply::powerNow},
-    {"current_now", &PowerSupply::currentNow},
-    {"voltage_now", &PowerSupply::voltageNow},
-    {"cycle_count", &PowerSupply::cycleCount},
-}};
-
-constexpr std::array<std::string_view, 3> kEverySupply = {"type", "scope", "online"};
-
-constexpr std::array<std::string_view, 14> kBattery = {
-    "present",
-    "status",
-    "capacity",
-    "health",
-    "energy_now",
-    "energy_full",
-    "charge_now",
-    "charge_full",
-    "power_now",
-    "current_now",
-    "voltage_now",
-    "cycle_count",
-    "energy_full_design",
-    "charge_full_design",
-};
+constexpr std::string_view kBattery =
+    "present status capacity capacity_level health state_of_health cycle_count "
+    "energy_now energy_full energy_full_design charge_now charge_full charge_full_design "
+    "power_now current_now voltage_now voltage_min_design "
+    "time_to_empty_now time_to_empty_avg time_to_full_now time_to_full_avg "
+    "charge_control_end_threshold charge_stop_threshold manufacturer model_name serial_number";
 
 // Faults in the kernel's words, with the macOS words for them.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kFaults = {{
@@ -66,68 +32,186 @@ constexpr std::array<std::pair<std::string_view, std::string_view>, 4> kFaults =
     {"Cell imbalance", "Service Battery"},
 }};
 
+// What one pack does, all do: the first of these that a pack reports.
+constexpr std::array<std::string_view, 4> kStates = {"Discharging", "Charging", "Not charging",
+                                                     "Full"};
+
 constexpr double kLongestTime = 10 * 24 * 60;
 constexpr double kLargestHealth = 200;
+constexpr double kSecondsPerHour = 3600;
 
-/// The absolute value of a figure that is known and not 0; its sign has no meaning.
-std::optional<double> amount(const std::optional<std::int64_t>& figure) {
-    if (!figure || *figure == 0) {
-        return std::nullopt;
-    }
-    return std::fabs(static_cast<double>(*figure));
+Amount sum(Amount a, Amount b) {
+    return a && b ? Amount(*a + *b) : std::nullopt;
 }
 
-std::optional<double> product(std::optional<double> a, std::optional<double> b) {
-    return a && b ? std::optional(*a * *b) : std::nullopt;
+Amount product(Amount a, Amount b) {
+    return a && b ? Amount(*a * *b) : std::nullopt;
 }
 
-std::optional<double> quotient(std::optional<double> a, std::optional<double> b) {
-    return a && b ? std::optional(*a / *b) : std::nullopt;
+Amount quotient(Amount a, Amount b) {
+    return a && b ? Amount(*a / *b) : std::nullopt;
 }
 
-std::optional<double> either(std::optional<double> a, std::optional<double> b) {
+template <typename T>
+std::optional<T> either(std::optional<T> a, std::optional<T> b) {
     return a ? a : b;
 }
 
-/// Content, capacity and change per hour of a battery, all in one unit.
+Amount atLeast(Amount lowest, const PowerSupply& pack, std::string_view file) {
+    const Amount figure = pack.figure(file);
+    return figure >= lowest ? figure : std::nullopt;
+}
+
+Amount positive(const PowerSupply& pack, std::string_view file) {
+    return atLeast(1, pack, file);
+}
+
+/// The absolute value of a rate that is known and not 0; its sign has no meaning.
+Amount rate(const PowerSupply& pack, std::string_view file) {
+    const Amount figure = pack.figure(file);
+    return figure && *figure != 0 ? Amount(std::fabs(*figure)) : std::nullopt;
+}
+
+/// Content, capacity and change per hour of a pack in the unit that its driver counts in.
 struct Content {
-    std::optional<double> now;
-    std::optional<double> full;
-    std::optional<double> rate;
+    bool isEnergy = false;
+    Amount now;
+    Amount full;
+    Amount rate;
 };
 
-Content contentOf(const PowerSupply& supply) {
+Content contentOf(const PowerSupply& pack) {
+    const Amount power = rate(pack, "power_now");
+    const Amount current = rate(pack, "current_now");
+    const Amount volts = quotient(rate(pack, "voltage_now"), 1e6);
+    Content content;
     // 0 is a valid content: the battery is empty.
-    const auto held = [](const std::optional<std::int64_t>& figure) {
-        return figure && *figure >= 0 ? std::optional(static_cast<double>(*figure)) : std::nullopt;
-    };
-    const std::optional<double> power = amount(supply.powerNow);
-    const std::optional<double> current = amount(supply.currentNow);
-    const std::optional<double> volts =
-        quotient(amount(supply.voltageNow), std::optional<double>(1e6));
-    if (held(supply.energyNow)) {
-        return {held(supply.energyNow), amount(supply.energyFull),
-                either(power, product(current, volts))};
+    content.now = atLeast(0, pack, "energy_now");
+    content.isEnergy = content.now.has_value();
+    if (content.isEnergy) {
+        content.full = positive(pack, "energy_full");
+        content.rate = either(power, product(current, volts));
+    } else {
+        content.now = atLeast(0, pack, "charge_now");
+        content.full = positive(pack, "charge_full");
+        content.rate = either(current, quotient(power, volts));
     }
-    return {held(supply.chargeNow), amount(supply.chargeFull),
-            either(current, quotient(power, volts))};
+    // 0 is a valid rate, too, of one pack beside another one.
+    if (!content.rate && (pack.figure("power_now") == 0 || pack.figure("current_now") == 0)) {
+        content.rate = 0;
+    }
+    return content;
 }
 
-std::optional<std::int64_t> minutes(double content, std::optional<double> rate) {
-    const std::optional<double> time = quotient(std::optional(std::max(content, 0.0) * 60), rate);
-    if (!time || *time > kLongestTime) {
-        return std::nullopt;
-    }
-    return static_cast<std::int64_t>(*time);
+/// The volts that make an energy of a charge: those of the pack, not of the moment, so that its
+/// weight stays what it is.
+Amount nominalVolts(const PowerSupply& pack) {
+    return quotient(either(positive(pack, "voltage_min_design"), positive(pack, "voltage_now")),
+                    1e6);
 }
 
-bool isOnPower(const PowerSupply& supply, std::optional<bool> outside) {
-    // The supply that charges the battery may not be listed, for example a USB port that only
-    // powers.
-    if (supply.status == "Charging") {
-        return true;
+/// Percent; 100 where there is no limit.
+double chargeLimit(const PowerSupply& pack) {
+    for (const char* file : {"charge_control_end_threshold", "charge_stop_threshold"}) {
+        if (const Amount limit = positive(pack, file); limit && *limit < 100) {
+            return *limit;
+        }
     }
-    return outside.value_or(supply.status == "Full" || supply.status == "Not charging");
+    return 100;
+}
+
+Minutes minutes(Amount amount, Amount perHour) {
+    const Amount time = perHour > 0.0 ? quotient(product(amount, 60), perHour) : std::nullopt;
+    return time && *time <= kLongestTime ? Minutes(*time) : std::nullopt;
+}
+
+/// The time that the gauge tells: its latest figure, else its average.
+Minutes toldTime(const PowerSupply& gauge, const std::string& name) {
+    return either(minutes(positive(gauge, name + "_now"), kSecondsPerHour),
+                  minutes(positive(gauge, name + "_avg"), kSecondsPerHour));
+}
+
+/// The time until all packs are empty or, while charging, have reached their limits. A pack that
+/// charges while another one discharges works against it; one that waits has no part in the rate.
+Minutes reckonedTime(const Packs& packs, std::string_view state) {
+    Amount amount = 0;
+    Amount perHour = 0;
+    for (const PowerSupply& pack : packs) {
+        Content content = contentOf(pack);
+        if (state == "Charging") {
+            content.now =
+                sum(product(content.full, chargeLimit(pack) / 100), product(content.now, -1));
+            content.now = content.now ? Amount(std::max(*content.now, 0.0)) : std::nullopt;
+        }
+        // Charges at different voltages cannot be added, nor can charge and energy.
+        const Amount unit = packs.size() == 1 || content.isEnergy ? 1 : nominalVolts(pack);
+        amount = sum(amount, product(content.now, unit));
+        const std::string_view status = pack.word("status");
+        if (state.empty() || status == state) {
+            perHour = sum(perHour, product(content.rate, unit));
+        } else if (status == "Charging") {
+            perHour = sum(perHour, product(content.rate, product(unit, -1)));
+        }
+    }
+    return minutes(amount, perHour);
+}
+
+/// Percent.
+Amount levelOf(const PowerSupply& pack) {
+    const Content content = contentOf(pack);
+    const Amount told = atLeast(0, pack, "capacity");
+    const Amount share = product(quotient(content.now, content.full), 100);
+    return told && *told <= 100 ? told : share ? Amount(std::min(*share, 100.0)) : std::nullopt;
+}
+
+/// Percent; not cut where it is above the design.
+Amount healthOf(const PowerSupply& pack) {
+    const Amount share =
+        either(quotient(positive(pack, "energy_full"), positive(pack, "energy_full_design")),
+               quotient(positive(pack, "charge_full"), positive(pack, "charge_full_design")));
+    for (const Amount health : {positive(pack, "state_of_health"), product(share, 100)}) {
+        if (health && *health <= kLargestHealth) {
+            return health;
+        }
+    }
+    return std::nullopt;
+}
+
+/// The mean of what is known, weighed by an energy where all of those packs tell it.
+Amount meanOf(const Packs& packs, Amount (*figureOf)(const PowerSupply&), std::string_view energy,
+              std::string_view charge) {
+    double count = 0;
+    double plain = 0;
+    Amount weight = 0;
+    Amount weighed = 0;
+    for (const PowerSupply& pack : packs) {
+        if (const Amount figure = figureOf(pack)) {
+            const Amount own =
+                either(positive(pack, energy), product(positive(pack, charge), nominalVolts(pack)));
+            count += 1;
+            plain += *figure;
+            weight = sum(weight, own);
+            weighed = sum(weighed, product(figure, own));
+        }
+    }
+    return count == 0 ? std::nullopt : either(quotient(weighed, weight), Amount(plain / count));
+}
+
+std::string wordOf(const PowerSupply& pack) {
+    const std::string_view word = pack.word("health");
+    const bool isEmpty = pack.word("capacity_level") == "Critical" || levelOf(pack) == 0.0;
+    if (word == "Unknown" || (word == "Dead" && isEmpty)) {
+        return {};
+    }
+    const auto fault =
+        std::ranges::find(kFaults, word, [](const auto& entry) { return entry.first; });
+    return std::string(fault == kFaults.end() ? word : fault->second);
+}
+
+int severityOf(std::string_view word) {
+    const bool isFault =
+        std::ranges::any_of(kFaults, [&](const auto& entry) { return entry.second == word; });
+    return isFault ? 3 : word.empty() ? 0 : word == "Good" ? 1 : 2;
 }
 
 }  // namespace
@@ -149,102 +233,112 @@ std::string_view parseWord(std::string_view text) {
     return isPrintable ? word : std::string_view();
 }
 
-void PowerSupply::take(std::string_view file, std::string_view text) {
-    for (const auto& [name, word] : kWords) {
-        if (name == file) {
-            this->*word = parseWord(text);
-        }
-    }
-    for (const auto& [name, figure] : kFigures) {
-        if (name == file) {
-            this->*figure = parseFigure(text);
-        }
-    }
+void PowerSupply::take(std::string_view file, std::string text) {
+    texts_.insert_or_assign(std::string(file), std::move(text));
+}
+
+std::string_view PowerSupply::text(std::string_view file) const {
+    const auto found = texts_.find(file);
+    return found == texts_.end() ? std::string_view() : found->second;
+}
+
+std::optional<std::int64_t> PowerSupply::figure(std::string_view file) const {
+    return parseFigure(text(file));
+}
+
+std::string_view PowerSupply::word(std::string_view file) const {
+    return parseWord(text(file));
 }
 
 bool PowerSupply::isSystemBattery() const {
-    return type == "Battery" && scope != "Device";
+    return word("type") == "Battery" && word("scope") != "Device";
 }
 
 std::optional<bool> PowerSupply::suppliesFromOutside() const {
+    const std::string_view type = word("type");
+    const std::optional<std::int64_t> online = figure("online");
     // An uninterruptible supply is online whether it runs from the mains or from its own battery.
-    if (type.empty() || type == "Battery" || type == "UPS" || scope == "Device" || !online ||
-        *online < 0) {
+    if (type.empty() || type == "Battery" || type == "UPS" || word("scope") == "Device" ||
+        !online || *online < 0) {
         return std::nullopt;
     }
     return *online > 0;
 }
 
-std::span<const std::string_view> filesOfEverySupply() {
-    return kEverySupply;
+std::vector<std::string_view> filesOfBattery() {
+    return listItems(kBattery, ' ');
 }
 
-std::span<const std::string_view> filesOfBattery() {
-    return kBattery;
+std::optional<std::int64_t> chargeLevel(const Packs& packs) {
+    const Amount level = meanOf(packs, levelOf, "energy_full", "charge_full");
+    return level ? std::optional(std::llround(*level)) : std::nullopt;
 }
 
-std::optional<std::int64_t> chargeLevel(const PowerSupply& supply) {
-    if (supply.capacity && *supply.capacity >= 0 && *supply.capacity <= 100) {
-        return supply.capacity;
+std::optional<std::int64_t> healthPercentage(const Packs& packs) {
+    const Amount health = meanOf(packs, healthOf, "energy_full_design", "charge_full_design");
+    return health >= 0.5 ? std::optional(std::llround(std::min(*health, 100.0))) : std::nullopt;
+}
+
+std::string conditionWord(const Packs& packs) {
+    std::string worst;
+    for (const PowerSupply& pack : packs) {
+        if (std::string word = wordOf(pack); severityOf(word) > severityOf(worst)) {
+            worst = std::move(word);
+        }
     }
-    const Content content = contentOf(supply);
-    if (!content.now || !content.full) {
-        return std::nullopt;
-    }
-    return std::llround(std::min(*content.now / *content.full, 1.0) * 100);
+    return worst;
 }
 
-std::optional<std::int64_t> healthPercentage(const PowerSupply& supply) {
-    const auto known = [](const std::optional<std::int64_t>& figure) {
-        return figure && *figure > 0 ? amount(figure) : std::nullopt;
+std::optional<std::int64_t> cyclesOf(const Packs& packs) {
+    std::optional<std::int64_t> most;
+    for (const PowerSupply& pack : packs) {
+        most = std::max(most, pack.figure("cycle_count"));
+    }
+    return most > 0 ? most : std::nullopt;
+}
+
+std::string identityOf(const Packs& packs) {
+    std::string words;
+    for (const PowerSupply& pack : packs) {
+        for (const char* file : {"manufacturer", "model_name", "serial_number"}) {
+            words += std::string(pack.word(file)) + '\n';
+        }
+    }
+    // The settings need not know a serial number.
+    return words.empty() ? words : std::to_string(std::hash<std::string>()(words));
+}
+
+PowerSourceDescription describe(const Packs& packs, std::optional<bool> outside) {
+    std::string_view state;
+    for (const std::string_view one : kStates) {
+        const auto reports = [&](const PowerSupply& pack) { return pack.word("status") == one; };
+        if (state.empty() && std::ranges::any_of(packs, reports)) {
+            state = one;
+        }
+    }
+    // The supply that charges the battery may not be listed, for example a USB port that only
+    // powers.
+    const bool isOnPower =
+        state == "Charging" || outside.value_or(state == "Full" || state == "Not charging");
+    const bool discharges = state == "Discharging" || (state.empty() && !isOnPower);
+    const auto told = [&](const char* name) {
+        return packs.size() == 1 ? toldTime(packs.front(), name) : std::nullopt;
     };
-    const std::optional<double> share =
-        either(quotient(known(supply.energyFull), known(supply.energyFullDesign)),
-               quotient(known(supply.chargeFull), known(supply.chargeFullDesign)));
-    if (!share || *share * 100 > kLargestHealth) {
-        return std::nullopt;
-    }
-    const std::int64_t percentage = std::llround(std::min(*share, 1.0) * 100);
-    return percentage >= 1 ? std::optional(percentage) : std::nullopt;
-}
-
-std::string conditionWord(const PowerSupply& supply) {
-    if (supply.health == "Unknown") {
-        return {};
-    }
-    const auto fault =
-        std::ranges::find(kFaults, supply.health, [](const auto& entry) { return entry.first; });
-    return fault == kFaults.end() ? supply.health : std::string(fault->second);
-}
-
-std::optional<PowerSourceDescription> describe(const PowerSupply& supply,
-                                               std::optional<bool> outside) {
-    const std::optional<std::int64_t> level = chargeLevel(supply);
-    if (supply.present == 0 || !level) {
-        return std::nullopt;
-    }
     PowerSourceDescription source;
     source.type = "InternalBattery";
-    source.currentCapacity = level;
-    source.isCharging = supply.status == "Charging";
-    source.powerSourceState = isOnPower(supply, outside) ? "AC Power" : "Battery Power";
-    source.batteryHealthCondition = conditionWord(supply);
-
-    const Content content = contentOf(supply);
-    const bool isKnown = supply.status == "Charging" || supply.status == "Discharging" ||
-                         supply.status == "Full" || supply.status == "Not charging";
-    const bool discharges =
-        supply.status == "Discharging" || (!isKnown && source.powerSourceState != "AC Power");
-    if (discharges && content.now) {
-        source.timeToEmpty = minutes(*content.now, content.rate);
-    } else if (source.isCharging == true && content.now && content.full) {
-        source.timeToFullCharge = minutes(*content.full - *content.now, content.rate);
+    source.currentCapacity = chargeLevel(packs);
+    source.isCharging = state == "Charging";
+    source.powerSourceState = isOnPower ? "AC Power" : "Battery Power";
+    source.batteryHealthCondition = conditionWord(packs);
+    if (discharges) {
+        source.timeToEmpty = either(told("time_to_empty"), reckonedTime(packs, state));
+    } else if (state == "Charging") {
+        const bool isToTheFull =
+            std::ranges::all_of(packs, [](auto& pack) { return chargeLimit(pack) == 100; });
+        source.timeToFullCharge =
+            either(isToTheFull ? told("time_to_full") : std::nullopt, reckonedTime(packs, state));
     }
     return source;
-}
-
-std::optional<std::int64_t> cyclesOf(const PowerSupply& supply) {
-    return supply.cycleCount && *supply.cycleCount > 0 ? supply.cycleCount : std::nullopt;
 }
 
 }  // namespace tarnwick::platform

@@ -1,11 +1,13 @@
-// What the files of one power supply of the kernel mean.
+// What the files of the kernel's power supplies mean.
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/power_sources.h"
 
@@ -19,73 +21,65 @@ std::optional<std::int64_t> parseFigure(std::string_view text);
 /// kernel's words are.
 std::string_view parseWord(std::string_view text);
 
-/// One folder of the power supply class. A figure that a driver does not have is absent.
-struct PowerSupply {
-    // Words; empty when unknown.
-    std::string type;
-    /// "Device" for the supply of a peripheral, such as a mouse.
-    std::string scope;
-    std::string status;
-    std::string health;
-    /// 0 while a battery's bay is empty.
-    std::optional<std::int64_t> present;
-    /// Of a source of power: not 0 while it supplies.
-    std::optional<std::int64_t> online;
-    /// Percent.
-    std::optional<std::int64_t> capacity;
-    // A driver counts either energy, in millionths of a watt-hour, or charge, in millionths of an
-    // ampere-hour.
-    std::optional<std::int64_t> energyNow;
-    std::optional<std::int64_t> energyFull;
-    std::optional<std::int64_t> energyFullDesign;
-    std::optional<std::int64_t> chargeNow;
-    std::optional<std::int64_t> chargeFull;
-    std::optional<std::int64_t> chargeFullDesign;
-    // Rates, in millionths of a watt, an ampere and a volt. Some drivers give them a minus sign
-    // while the battery discharges.
-    std::optional<std::int64_t> powerNow;
-    std::optional<std::int64_t> currentNow;
-    std::optional<std::int64_t> voltageNow;
-    std::optional<std::int64_t> cycleCount;
+/// One folder of the power supply class: the texts of its files.
+class PowerSupply {
+ public:
+    void take(std::string_view file, std::string text);
 
-    /// Stores the content of one file. Unknown file names are ignored.
-    void take(std::string_view file, std::string_view text);
+    /// Absent when the driver does not have it. Energy and power, charge and current, and voltage
+    /// are in millionths of watt-hour, watt, ampere-hour, ampere and volt; times in seconds.
+    std::optional<std::int64_t> figure(std::string_view file) const;
+    /// Empty when the driver does not have it.
+    std::string_view word(std::string_view file) const;
 
     /// Whether this is a battery of the machine, not of a peripheral.
     bool isSystemBattery() const;
     /// Whether it supplies power from outside. Absent for batteries, uninterruptible supplies,
     /// supplies of peripherals and those that do not tell.
     std::optional<bool> suppliesFromOutside() const;
+
+ private:
+    std::string_view text(std::string_view file) const;
+
+    std::map<std::string, std::string, std::less<>> texts_;
 };
 
-/// The files that identify the kind of supply.
-std::span<const std::string_view> filesOfEverySupply();
-/// The further files of a battery.
-std::span<const std::string_view> filesOfBattery();
+/// The files of a battery, besides those that identify the kind of supply: type, scope, online.
+std::vector<std::string_view> filesOfBattery();
 
-/// Charge level, percent, 0 to 100: the driver's figure; if that is missing or not believable,
-/// computed from the amounts. A battery charged above its full capacity counts as full. Absent if
-/// unknown.
-std::optional<std::int64_t> chargeLevel(const PowerSupply& battery);
+/// The machine's battery: its system batteries, without empty bays.
+using Packs = std::vector<PowerSupply>;
 
-/// Capacity relative to the design, percent, 1 to 100; more than the design counts as the design.
-/// Absent when unknown or more than twice the design, which no battery has.
-std::optional<std::int64_t> healthPercentage(const PowerSupply& battery);
+/// Charge level, percent, 0 to 100. Of each pack the driver's figure; if that is missing or not
+/// believable, computed from the amounts, where a pack above its full capacity counts as full. Of
+/// several the mean, weighed by their full energy where all tell it. Packs of unknown level are
+/// left out; absent if all are.
+std::optional<std::int64_t> chargeLevel(const Packs& packs);
 
-/// The condition word: a fault in the words that macOS has for it, any other word as it is. Empty
-/// when unknown.
-std::string conditionWord(const PowerSupply& battery);
+/// Capacity relative to the design, percent, 1 to 100: the driver's figure, else the full capacity
+/// over the design; more than the design counts as the design. Of several packs the mean, weighed
+/// by their design energy where all tell it. Packs that do not tell, or tell more than twice the
+/// design, which no battery has, are left out; absent if all are.
+std::optional<std::int64_t> healthPercentage(const Packs& packs);
 
-/// A system battery as a power source. `outside` tells whether outside power is connected; absent
-/// if no supply tells.
+/// The worst condition of a pack: a fault in the words that macOS has for it, any other word as it
+/// is. Empty when unknown. A pack that is empty is not dead, although some gauges call it so.
+std::string conditionWord(const Packs& packs);
+
+/// Number of charge cycles, the largest of a pack. Absent if unknown; drivers report 0 if they do
+/// not know it.
+std::optional<std::int64_t> cyclesOf(const Packs& packs);
+
+/// Differs when a pack was put in, taken out or exchanged. Empty without packs.
+std::string identityOf(const Packs& packs);
+
+/// The battery as one power source. `outside` tells whether outside power is connected; absent if
+/// no supply tells.
 ///
-/// Times are absent if the present rate is unknown or 0, or if the time would exceed ten days. The
-/// result is absent for an empty bay, and if the charge level is unknown: then no other figure of
-/// the battery is believable either.
-std::optional<PowerSourceDescription> describe(const PowerSupply& battery,
-                                               std::optional<bool> outside);
-
-/// Number of charge cycles. Absent if unknown; drivers report 0 if they do not know it.
-std::optional<std::int64_t> cyclesOf(const PowerSupply& battery);
+/// All discharge if one pack does, else all charge if one does. Charging ends at the limits that
+/// are set. The time is what the gauge tells, if there is one pack and no limit; else that of all
+/// amounts at the present rate, absent if the rate is unknown or 0. A time above ten days is
+/// unknown.
+PowerSourceDescription describe(const Packs& packs, std::optional<bool> outside);
 
 }  // namespace tarnwick::platform

@@ -18,7 +18,7 @@ std::filesystem::path below(const std::string& root, std::string_view path) {
 
 }  // namespace
 
-std::vector<std::string> recordedMachines() {
+std::vector<std::string> recordedTrees() {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(TARNWICK_FIXTURES)) {
         if (entry.is_directory()) {
@@ -26,6 +26,14 @@ std::vector<std::string> recordedMachines() {
         }
     }
     std::sort(names.begin(), names.end());
+    return names;
+}
+
+std::vector<std::string> recordedMachines() {
+    std::vector<std::string> names = recordedTrees();
+    std::erase_if(names, [](const std::string& name) {
+        return !std::filesystem::exists(below(recordedMachine(name), "proc"));
+    });
     return names;
 }
 

@@ -9,6 +9,9 @@
 namespace tarnwick::platform::testing {
 
 /// The names of all recorded machines, in alphabetical order.
+std::vector<std::string> recordedTrees();
+
+/// Those that are whole. The others have no /proc, and the files of one kind only.
 std::vector<std::string> recordedMachines();
 
 /// Root of the recorded machine of this name.

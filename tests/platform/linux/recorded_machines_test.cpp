@@ -73,7 +73,7 @@ TEST(RecordedMachines, AreAllInTheTable) {
 
 TEST(RecordedMachines, HaveEachANoteAndALineInTheListOfAll) {
     const std::string list = readWholeFile(recordedMachine("README.md")).value_or("");
-    for (const std::string& name : recordedMachines()) {
+    for (const std::string& name : testing::recordedTrees()) {
         EXPECT_NE(list.find("| `" + name + "` |"), std::string::npos) << name;
         const std::string note = readWholeFile(recordedMachine(name + "/README.md")).value_or("");
         EXPECT_TRUE(note.starts_with("# " + name + "\n\nWritten by ")) << name;

@@ -22,7 +22,8 @@ class RecordedBatteryBlock : public ::testing::Test {
         platform::LinuxPowerSources sources(root);
         BatteryService service(
             store, [&] { return sources.readHealth(); }, [&] { return readPowerSources(sources); },
-            [] { return platform::Date{1000}; }, [] { return 0.0; });
+            [] { return platform::Date{1000}; }, [] { return 0.0; },
+            [&] { return sources.identity(); });
         HomePageInputs inputs = calmMachine();
         service.currentBatteryInfo(false);
         inputs.batteryInfo = service.batteryInfoWithHealth(false);
@@ -55,7 +56,6 @@ TEST_F(RecordedBatteryBlock, ShowsTheConditionInTheWordsOfThePanel) {
     const platform::testing::MachineTree tree("handheld");
     const auto condition = [&](const std::string& word) -> std::string {
         tree.write("sys/class/power_supply/BAT1/health", word + "\n");
-        store.remove("battery.exactCondition");
         return block<InfoRow>(pageOf(tree.root()), "battery.condition").value;
     };
     EXPECT_EQ(condition("Good"), "Normal");
@@ -65,17 +65,49 @@ TEST_F(RecordedBatteryBlock, ShowsTheConditionInTheWordsOfThePanel) {
     for (const char* other : {"Overheat", "Cold", "Over voltage"}) {
         EXPECT_EQ(condition(other), "Unknown") << other;
     }
+    // A fault that has passed is not remembered.
+    tree.write("sys/class/power_supply/BAT1/health", "Unknown\n");
+    EXPECT_FALSE(contains(pageOf(tree.root()), "battery.condition"));
+}
+
+TEST_F(RecordedBatteryBlock, ShowsSeveralPacksAsOne) {
+    const Page page = recorded("two-batteries");
+    EXPECT_EQ(block<InfoRow>(page, "battery.capacity"), (InfoRow{"Max Capacity", "91%"}));
+    EXPECT_EQ(block<InfoRow>(page, "battery.cycles"), (InfoRow{"Cycles", "31"}));
 }
 
 TEST_F(RecordedBatteryBlock, ShowsNoCyclesThatTheDriverDoesNotKnow) {
-    const Page page = recorded("two-batteries");
-    EXPECT_EQ(block<InfoRow>(page, "battery.capacity"), (InfoRow{"Max Capacity", "78%"}));
+    const Page page = recorded("battery-charge-only");
+    EXPECT_EQ(block<InfoRow>(page, "battery.capacity"), (InfoRow{"Max Capacity", "91%"}));
     EXPECT_FALSE(contains(page, "battery.cycles"));
+}
+
+TEST_F(RecordedBatteryBlock, ShowsThePackThatIsIn) {
+    const Page before = recorded("battery-swapped-before");
+    EXPECT_EQ(block<InfoRow>(before, "battery.capacity").value, "72%");
+    EXPECT_EQ(block<InfoRow>(before, "battery.cycles").value, "611");
+    const Page after = recorded("battery-swapped-after");
+    EXPECT_EQ(block<InfoRow>(after, "battery.capacity").value, "100%");
+    EXPECT_EQ(block<InfoRow>(after, "battery.cycles").value, "3");
+}
+
+TEST_F(RecordedBatteryBlock, ShowsNoFaultOfAnEmptyBattery) {
+    const Page page = recorded("battery-dead-but-empty");
+    EXPECT_EQ(block<InfoRow>(page, "battery.capacity").value, "97%");
+    EXPECT_FALSE(contains(page, "battery.condition"));
+}
+
+TEST_F(RecordedBatteryBlock, StaysWithoutAnyFigure) {
+    for (const std::string_view machine : {"damaged", "battery-without-design"}) {
+        const Page page = recorded(machine);
+        EXPECT_FALSE(contains(page, "battery.state")) << machine;
+        EXPECT_EQ(block<InfoRow>(page, "battery.capacity").value, "Unknown") << machine;
+    }
 }
 
 TEST_F(RecordedBatteryBlock, SaysThatThereIsNoBattery) {
     for (const std::string_view machine :
-         {"workstation", "server", "container-host", "old-kernel", "virtual-machine", "damaged"}) {
+         {"workstation", "server", "container-host", "old-kernel", "virtual-machine"}) {
         const Page page = recorded(machine);
         EXPECT_EQ(block<CaptionText>(page, "battery.state").text, "Battery data not available")
             << machine;
