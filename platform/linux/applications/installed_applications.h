@@ -23,6 +23,13 @@ struct ApplicationSources {
 /// session's variables may lack. `environment` returns a variable's value or null.
 ApplicationSources applicationSources(const std::function<const char*(const char*)>& environment);
 
+/// Text of the desktop entry of this name, without ".desktop". The first of the data folders that
+/// has one decides, even if it marks the application as removed. Absent if there is none. All
+/// folders are below `root`.
+std::optional<std::string> desktopEntryFile(const std::string& root,
+                                            const std::vector<std::string>& dataFolders,
+                                            const std::string& name);
+
 /// Looks up each entry once and remembers the result, including a missing entry, until forget().
 /// One thread at a time.
 class InstalledApplications {
@@ -35,8 +42,6 @@ class InstalledApplications {
     void forget();
 
  private:
-    std::optional<DesktopEntry> read(const std::string& name) const;
-
     const std::string root_;
     const ApplicationSources sources_;
     std::map<std::string, std::optional<DesktopEntry>> known_;

@@ -10,6 +10,7 @@
 
 #include "platform/linux/applications/application_unit.h"
 #include "platform/linux/files/kept_file.h"
+#include "platform/linux/files/list_items.h"
 #include "platform/linux/kernel/online_processors.h"
 #include "platform/linux/processes/proc_pid_stat.h"
 #include "platform/linux/processes/process_identifiers.h"
@@ -129,11 +130,12 @@ std::optional<TimebaseInfo> LinuxProcessTable::timebaseInfo() {
 
 std::optional<RunningApplication> LinuxProcessTable::runningApplication(std::int32_t identifier) {
     const std::optional<std::string> cgroups = readWholeFile(pathOf(identifier, "cgroup"));
-    if (!cgroups) {
+    const std::optional<ApplicationUnit> unit = applicationUnit(cgroups.value_or(""));
+    if (!unit || !isOfFirstProgram(identifier, unit->group)) {
         return std::nullopt;
     }
     const std::lock_guard guard(applicationsLock_);
-    for (const std::string& name : desktopEntryCandidates(*cgroups)) {
+    for (const std::string& name : unit->entries) {
         if (const std::optional<DesktopEntry>& entry = applications_.find(name)) {
             return RunningApplication{
                 .activationPolicy = entry->isShown ? RunningApplication::kRegularPolicy
@@ -144,11 +146,37 @@ std::optional<RunningApplication> LinuxProcessTable::runningApplication(std::int
     return std::nullopt;
 }
 
+bool LinuxProcessTable::isOfFirstProgram(std::int32_t identifier, const std::string& group) {
+    std::string members;
+    for (const char* const groups : {"sys/fs/cgroup", "sys/fs/cgroup/systemd"}) {
+        members += readWholeFile(belowRoot(root_, groups + group + "/cgroup.procs")).value_or("");
+    }
+    // In the order in which they came into the group.
+    for (const std::string_view member : listItems(members, '\n')) {
+        const std::int32_t first = parseProcessIdentifier(member);
+        const std::optional<std::string> program = executablePath(first);
+        if (first == 0 || (program && isStarter(*program))) {
+            continue;
+        }
+        const std::optional<std::string> own = executablePath(identifier);
+        return first == identifier || (program && own && belongsTo(*own, *program));
+    }
+    // The group cannot be read, has groups of its own, or holds nothing but a script.
+    return true;
+}
+
 std::optional<std::string> LinuxProcessTable::executablePath(std::int32_t identifier) {
     std::optional<std::string> path = targetOf(pathOf(identifier, "exe"));
     constexpr std::string_view mark = " (deleted)";
     if (path && path->size() > mark.size() && path->ends_with(mark)) {
         path->resize(path->size() - mark.size());
+    }
+    constexpr std::string_view memory = "/memfd:";
+    if (path && path->starts_with(memory)) {
+        path->erase(0, memory.size());
+        if (path->empty() || path->find('/') != std::string::npos) {
+            return std::nullopt;
+        }
     }
     return path;
 }

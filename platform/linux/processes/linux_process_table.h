@@ -32,11 +32,12 @@ class LinuxProcessTable final : public ProcessTable {
     std::int64_t processorCount() override;
     /// Always 1 / 1.
     std::optional<TimebaseInfo> timebaseInfo() override;
-    /// From the desktop entry of the unit in which the process runs. An application that no menu
-    /// shows is an accessory.
+    /// From the desktop entry of the unit in which the process runs, if the process belongs to the
+    /// first program in that unit: what runs in a terminal is not the terminal. An application that
+    /// no menu shows is an accessory.
     std::optional<RunningApplication> runningApplication(std::int32_t identifier) override;
     /// Absent for the kernel's threads and for processes of other users. If the file was replaced,
-    /// this is its old path.
+    /// this is its old path. For a program that lies in memory only, this is its name there.
     std::optional<std::string> executablePath(std::int32_t identifier) override;
     /// The last piece of the path.
     std::string displayName(const std::string& path) override;
@@ -44,6 +45,9 @@ class LinuxProcessTable final : public ProcessTable {
     void releaseCaches() override;
 
  private:
+    /// `group` is the path of the unit's control group. Shells and sandboxes that start the first
+    /// program are passed over.
+    bool isOfFirstProgram(std::int32_t identifier, const std::string& group);
     std::string pathOf(std::int32_t identifier, const char* file) const;
 
     const std::string root_;

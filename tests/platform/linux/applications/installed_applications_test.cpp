@@ -89,13 +89,30 @@ TEST_F(InstalledApplicationsTest, AreRememberedUntilForgotten) {
     EXPECT_EQ(nameOf("b"), "B auf Deutsch");
 }
 
-TEST_F(InstalledApplicationsTest, RemembersABoundedNumberOfNames) {
-    for (int i = 0; i < 1000; ++i) {
-        EXPECT_EQ(nameOf("a" + std::to_string(i)), "(none)");
-    }
-    // The first was forgotten on the way and is looked up again.
-    tree.write("usr/share/applications/a0.desktop", entry("A"));
-    EXPECT_EQ(nameOf("a0"), "A auf Deutsch");
+TEST_F(InstalledApplicationsTest, InFoldersOfTheirOwnHaveTheFoldersNameBeforeTheirs) {
+    tree.write("usr/share/applications/kde/ledger.desktop", entry("Ledger"));
+    tree.write("usr/share/applications/wine/Programs/7-Zip/7-Zip.desktop", entry("7-Zip"));
+    EXPECT_EQ(nameOf("kde-ledger"), "Ledger auf Deutsch");
+    EXPECT_EQ(nameOf("wine-Programs-7-Zip-7-Zip"), "7-Zip auf Deutsch");
+    EXPECT_EQ(nameOf("ledger"), "(none)");
+    EXPECT_EQ(nameOf("kde-"), "(none)");
+    EXPECT_EQ(nameOf("-kde-ledger"), "(none)");
+}
+
+TEST_F(InstalledApplicationsTest, OfThePlainNameComeFirst) {
+    tree.write("usr/share/applications/kde/ledger.desktop", entry("Inner"));
+    tree.write("usr/share/applications/kde-ledger.desktop", entry("Outer"));
+    EXPECT_EQ(nameOf("kde-ledger"), "Outer auf Deutsch");
+    tree.write("home/ada/share/applications/kde/ledger.desktop", entry("Ada's"));
+    applications.forget();
+    EXPECT_EQ(nameOf("kde-ledger"), "Ada's auf Deutsch");
+}
+
+TEST_F(InstalledApplicationsTest, NoNameLeadsOutOfTheFolder) {
+    tree.write("usr/share/secret.desktop", entry("Secret"));
+    tree.makeFolder("usr/share/applications/a");
+    EXPECT_EQ(nameOf("..-secret"), "(none)");
+    EXPECT_EQ(nameOf("a-..-..-secret"), "(none)");
 }
 
 }  // namespace
