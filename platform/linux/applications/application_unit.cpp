@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "platform/linux/files/list_items.h"
+
 namespace tarnwick::platform {
 
 namespace {
@@ -38,9 +40,7 @@ bool take(std::string_view& text, std::string_view prefix) {
 
 // The path of the group that the service manager made.
 std::string_view groupPath(std::string_view cgroups) {
-    while (!cgroups.empty()) {
-        std::string_view line = cgroups.substr(0, cgroups.find('\n'));
-        cgroups.remove_prefix(std::min(line.size() + 1, cgroups.size()));
+    for (std::string_view line : listItems(cgroups, '\n')) {
         line.remove_prefix(std::min(line.find(':'), line.size()));
         if ((take(line, "::") || take(line, ":name=systemd:")) && line.size() > 1) {
             return line;

@@ -11,17 +11,9 @@ namespace tarnwick::platform {
 
 namespace {
 
-std::string_view takeLine(std::string_view& text) {
-    std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
-    if (line.ends_with('\r')) {
-        line.remove_suffix(1);
-    }
-    return line;
-}
-
 std::string_view withoutSpaces(std::string_view text) {
-    constexpr std::string_view spaces = " \t";
+    // A line of another system ends with a carriage return, too.
+    constexpr std::string_view spaces = " \t\r";
     text.remove_prefix(std::min(text.find_first_not_of(spaces), text.size()));
     return text.substr(0, text.find_last_not_of(spaces) + 1);
 }
@@ -30,8 +22,8 @@ std::string_view withoutSpaces(std::string_view text) {
 template <class Visit>
 void visitKeys(std::string_view text, Visit visit) {
     bool isInGroup = false;
-    while (!text.empty()) {
-        const std::string_view line = takeLine(text);
+    for (std::string_view line : listItems(text, '\n')) {
+        line = withoutSpaces(line);
         const std::size_t equals = line.find('=');
         if (line.starts_with('[')) {
             if (isInGroup) {

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <string_view>
 #include <system_error>
-#include <utility>
 
+#include "platform/linux/applications/desktop_entry.h"
 #include "platform/linux/files/kept_file.h"
 #include "platform/linux/files/list_items.h"
 
@@ -66,23 +66,6 @@ ApplicationSources applicationSources(const std::function<const char*(const char
     addFolder("/var/lib/snapd/desktop", folders);
     sources.localeSuffixes = localeSuffixes(environment);
     return sources;
-}
-
-InstalledApplications::InstalledApplications(std::string root, ApplicationSources sources)
-    : root_(std::move(root)), sources_(std::move(sources)) {}
-
-const std::optional<DesktopEntry>& InstalledApplications::find(const std::string& name) {
-    const auto [known, isNew] = known_.try_emplace(name);
-    if (isNew) {
-        if (const auto text = desktopEntryFile(root_, sources_.dataFolders, name)) {
-            known->second = parseDesktopEntry(*text, sources_.localeSuffixes);
-        }
-    }
-    return known->second;
-}
-
-void InstalledApplications::forget() {
-    known_.clear();
 }
 
 std::optional<std::string> desktopEntryFile(const std::string& root,

@@ -96,9 +96,8 @@ std::optional<InstalledProgram> findSystemMonitor(
         InstalledProgram found{.entry = std::string(entry),
                                .command = desktopEntryCommand(key("Exec")),
                                .folder = desktopEntryText(key("Path"))};
-        const std::string tryExec = desktopEntryText(key("TryExec"));
         if (!parseDesktopEntry(text, {}) || found.command.empty() ||
-            !isThere(found.command.front()) || (!tryExec.empty() && !isThere(tryExec))) {
+            !isThere(found.command.front())) {
             continue;
         }
         if (key("Terminal") != "true") {

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/linux/applications/desktop_entry.h"
 #include "platform/linux/applications/installed_applications.h"
 #include "platform/linux/processes/kept_process_files.h"
 #include "platform/process_table.h"
@@ -39,7 +41,7 @@ class LinuxProcessTable final : public ProcessTable {
     /// Absent for the kernel's threads and for processes of other users. If the file was replaced,
     /// this is its old path. For a program that lies in memory only, this is its name there.
     std::optional<std::string> executablePath(std::int32_t identifier) override;
-    /// The last piece of the path.
+    /// What follows the last slash of the path.
     std::string displayName(const std::string& path) override;
     /// Closes the files and forgets the desktop entries.
     void releaseCaches() override;
@@ -57,9 +59,11 @@ class LinuxProcessTable final : public ProcessTable {
     std::vector<std::int32_t> identifiers_;
     KeptProcessFiles files_;
 
-    std::mutex applicationsLock_;
-    /// Guarded by applicationsLock_.
-    InstalledApplications applications_;
+    const ApplicationSources sources_;
+    std::mutex entriesLock_;
+    /// The desktop entries that were looked for, also those that are not there, by their names.
+    /// Guarded by entriesLock_.
+    std::map<std::string, std::optional<DesktopEntry>> entries_;
 };
 
 }  // namespace tarnwick::platform

