@@ -109,6 +109,15 @@ std::string_view lastPiece(std::string_view path) {
     return path.substr(path.rfind('/') + 1);
 }
 
+// Whether the program runs programs of many applications: /usr/bin/python3.11.
+bool isInterpreter(std::string_view program) {
+    constexpr std::array<std::string_view, 5> interpreters = {"java", "node", "perl", "python",
+                                                              "ruby"};
+    const std::string_view name = lastPiece(program);
+    return std::ranges::count(interpreters,
+                              name.substr(0, name.find_last_not_of("0123456789.") + 1)) > 0;
+}
+
 // The folder that holds nothing but one application, with a slash at its end. Empty where programs
 // of several lie.
 std::string_view ownFolder(std::string_view program) {
@@ -168,7 +177,7 @@ bool isStarter(std::string_view program) {
 
 bool belongsTo(std::string_view program, std::string_view first) {
     const std::string_view folder = ownFolder(first);
-    return program == first || (!folder.empty() && program.starts_with(folder));
+    return folder.empty() ? program == first && !isInterpreter(first) : program.starts_with(folder);
 }
 
 }  // namespace tarnwick::platform

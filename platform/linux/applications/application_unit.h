@@ -26,8 +26,9 @@ std::optional<ApplicationUnit> applicationUnit(std::string_view cgroups);
 /// Whether the program is a shell or a part of a sandbox, which starts an application and is none.
 bool isStarter(std::string_view program);
 
-/// Whether the program is a part of the application whose main program is `first`: the same file,
-/// or one in the application's own folder. Both are paths of executables.
+/// Whether another process with this program is a part of the application whose main program is
+/// `first`: the same file, or one in the application's own folder. Of an interpreter, which many
+/// share, only the first process is the application. Both are paths of executables.
 bool belongsTo(std::string_view program, std::string_view first);
 
 }  // namespace tarnwick::platform

@@ -157,6 +157,16 @@ TEST(ProgramOfAnApplication, LiesBesideNothingWhereManyProgramsLie) {
     EXPECT_FALSE(belongsTo("/usr/bin/make", ""));
 }
 
+TEST(ProgramOfAnApplication, IsNotEverythingThatItsInterpreterRuns) {
+    for (const char* program : {"/usr/bin/python3.11", "/usr/bin/perl", "/usr/bin/ruby3.1",
+                                "/usr/bin/node", "/usr/lib/jvm/java-17-openjdk-amd64/bin/java"}) {
+        EXPECT_FALSE(belongsTo(program, program)) << program;
+    }
+    EXPECT_TRUE(belongsTo("/usr/bin/pythonista", "/usr/bin/pythonista"));
+    EXPECT_TRUE(belongsTo("/usr/bin/2048", "/usr/bin/2048"));
+    EXPECT_TRUE(belongsTo("/opt/studio/jbr/bin/java", "/opt/studio/jbr/bin/java"));
+}
+
 TEST(ProgramOfAnApplication, LiesAnywhereInTheFolderOfItsPackage) {
     EXPECT_TRUE(belongsTo("/app/lib/chat/helper", "/app/bin/chat"));
     EXPECT_FALSE(belongsTo("/usr/bin/make", "/app/bin/chat"));

@@ -82,7 +82,7 @@ INSTANTIATE_TEST_SUITE_P(
                  {{2300, "asteroids.x86_64", 400'000},
                   {2150, "cc1plus", 90'000},
                   {2206, "Launcher", 60'000}},
-                 23},
+                 26},
         Recorded{"handheld",
                  {{1502, "Dungeon of Doom", 1'310'720},
                   {900, "gamescope", 45'056},
@@ -162,6 +162,10 @@ TEST(RecordedDeveloper, ProcessesAreNamedAfterWhatTheyRun) {
         {2800, "Editor"},
         {2810, "Editor"},
         {2900, "Vault"},
+        // A terminal written in Python, and a program in Python that runs in it.
+        {2950, "Snake Terminal"},
+        {2951, "bash"},
+        {2952, "python3.11"},
     };
     EXPECT_EQ(names, expected);
 }
