@@ -161,7 +161,8 @@ std::optional<ApplicationUnit> applicationUnit(std::string_view cgroups) {
                 return entry.empty() || entry.find('/') != std::string::npos ||
                        entry.find('\0') != std::string::npos;
             });
-            unit.entries.erase(std::ranges::unique(unit.entries).begin(), unit.entries.end());
+            unit.entries.erase(std::unique(unit.entries.begin(), unit.entries.end()),
+                               unit.entries.end());
             return unit.entries.empty() ? std::nullopt : std::optional(std::move(unit));
         }
         path.remove_suffix(std::min(name.size() + 1, path.size()));
