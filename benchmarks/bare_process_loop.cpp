@@ -6,13 +6,16 @@
 #include <string>
 #include <unistd.h>
 
-#include "platform/linux/processes/process_identifiers.h"
+#include "platform/linux/processes/linux_process_table.h"
 
 namespace tarnwick::benchmarks {
 
 std::vector<std::int32_t> population() {
     std::vector<std::int32_t> identifiers;
-    if (!platform::listProcessIdentifiers("/proc", identifiers)) {
+    platform::LinuxProcessTable().forEachProcess([&identifiers](platform::ProcessEntry& process) {
+        identifiers.push_back(process.identifier());
+    });
+    if (identifiers.empty()) {
         std::perror("/proc");
         std::exit(1);
     }

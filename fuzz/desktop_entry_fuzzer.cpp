@@ -1,5 +1,6 @@
 // Any text as an application's description and as a locale: a name is valid UTF-8 and never empty.
 // Any text as the groups of a process: no candidate leads out of a folder.
+// Any text as the path of an application's first program: a compiler is no part of it.
 #include <array>
 #include <cstdint>
 #include <string>
@@ -26,9 +27,15 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         require(!suffix.empty() && suffix != "C" && suffix != "POSIX");
     }
 
-    for (const std::string& name : tarnwick::platform::desktopEntryCandidates(text)) {
-        require(!name.empty() && name.find('/') == std::string::npos);
-        require(name.find('\0') == std::string::npos);
+    if (const auto unit = tarnwick::platform::applicationUnit(text)) {
+        require(!unit->entries.empty() && text.find(unit->group) != std::string_view::npos);
+        for (const std::string& name : unit->entries) {
+            require(!name.empty() && name.find('/') == std::string::npos);
+            require(name.find('\0') == std::string::npos);
+        }
     }
+
+    const std::string_view first = text.substr(0, text.find('\n'));
+    require(!tarnwick::platform::belongsTo("/usr/bin/make", first) || first == "/usr/bin/make");
     return 0;
 }

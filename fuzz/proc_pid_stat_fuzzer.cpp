@@ -7,7 +7,6 @@
 
 #include "fuzz/fuzzer.h"
 #include "platform/linux/processes/proc_pid_stat.h"
-#include "platform/linux/processes/process_identifiers.h"
 #include "platform/utf8.h"
 
 using tarnwick::fuzz::require;

@@ -145,6 +145,10 @@ void ProcessService::pruneStaleProcesses() {
 }
 
 void ProcessService::releaseCaches() {
+    {
+        const std::lock_guard guard(lock);
+        previousProcessCPU = {};
+    }
     table_.releaseCaches();
 }
 

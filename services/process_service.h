@@ -35,7 +35,8 @@ class ProcessService {
     void pruneStaleProcesses();
 
     /// No call of readTopProcesses() is expected soon: frees what the platform keeps open between
-    /// calls. The measured times are kept.
+    /// calls and forgets all times, because a share since the last opening of the panel says
+    /// nothing about now. The last lists are kept.
     void releaseCaches();
 
  private:

@@ -409,12 +409,23 @@ TEST_F(ProcessServiceTest, AnEndedProcessKeepsItsHistoryUntilItIsPruned) {
     EXPECT_DOUBLE_EQ(service.readTopProcesses(3).cpu.at(0).cpuUsage, 25);
 }
 
-TEST_F(ProcessServiceTest, ReleasingCachesKeepsWhatWasMeasured) {
-    table.processes = {process(1, kBig)};
+TEST_F(ProcessServiceTest, TheFirstListAfterReleasingCachesSaysNothingOfTheTimeSince) {
+    table.processes = {process(1, kBig), process(2, kBig)};
     shareAfter(1);
+    EXPECT_DOUBLE_EQ(shareAfter(2, kSecond), 50);
     service.releaseCaches();
     EXPECT_EQ(table.calls().back(), "releaseCaches");
-    EXPECT_DOUBLE_EQ(shareAfter(4, kSecond), 25);
+    // A busy hour in which nobody looked.
+    EXPECT_EQ(shareAfter(3600, 3600 * kSecond), 0);
+    EXPECT_DOUBLE_EQ(shareAfter(2, kSecond / 2), 25);
+}
+
+TEST_F(ProcessServiceTest, ReleasingCachesKeepsThePreviousLists) {
+    table.processes = {process(1, kBig)};
+    const TopProcessLists before = service.readTopProcesses(3);
+    service.releaseCaches();
+    table.processes.clear();
+    EXPECT_EQ(service.readTopProcesses(3).memory, before.memory);
 }
 
 }  // namespace

@@ -136,6 +136,7 @@ const std::vector<Expected>& expectations() {
          "",
          31055},
         {"damaged", "/home", 0, 0, 0, "/", 0, 0, 0, {}, "", 0},
+        {"developer", "/home/kim", 4, 8052344, 0, "/", {}, 3120.55, 0, {}, "", 2300},
         {"handheld", "/home/deck", 8, 15221396, 6'422'071'934, "home", 80, 8190.44, 0, 88,
          "AMD Custom GPU 0405", 1502},
         {"laptop",

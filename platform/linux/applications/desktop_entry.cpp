@@ -11,63 +11,44 @@ namespace tarnwick::platform {
 
 namespace {
 
-std::string_view takeLine(std::string_view& text) {
-    std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(line.size() + 1, text.size()));
-    if (line.ends_with('\r')) {
-        line.remove_suffix(1);
-    }
-    return line;
-}
-
 std::string_view withoutSpaces(std::string_view text) {
-    constexpr std::string_view spaces = " \t";
+    // A line of another system ends with a carriage return, too.
+    constexpr std::string_view spaces = " \t\r";
     text.remove_prefix(std::min(text.find_first_not_of(spaces), text.size()));
     return text.substr(0, text.find_last_not_of(spaces) + 1);
 }
 
-// Calls `visit` for each key of the main group and its value, without spaces around them, until
-// `visit` returns false.
+// Calls `visit` with each key of the main group and its value, without spaces around them.
 template <class Visit>
 void visitKeys(std::string_view text, Visit visit) {
     bool isInGroup = false;
-    while (!text.empty()) {
-        const std::string_view line = takeLine(text);
+    for (std::string_view line : listItems(text, '\n')) {
+        line = withoutSpaces(line);
+        const std::size_t equals = line.find('=');
         if (line.starts_with('[')) {
             if (isInGroup) {
                 break;
             }
             isInGroup = line == "[Desktop Entry]";
-            continue;
-        }
-        const std::size_t equals = line.find('=');
-        if (!isInGroup || line.starts_with('#') || equals == std::string_view::npos) {
-            continue;
-        }
-        if (!visit(withoutSpaces(line.substr(0, equals)), withoutSpaces(line.substr(equals + 1)))) {
-            break;
+        } else if (isInGroup && !line.starts_with('#') && equals != std::string_view::npos) {
+            visit(withoutSpaces(line.substr(0, equals)), withoutSpaces(line.substr(equals + 1)));
         }
     }
 }
 
-// Rank of the name under this key; the smallest is the best. Absent for any other key.
-std::optional<std::size_t> rankOfName(std::string_view key, std::span<const std::string> suffixes) {
-    constexpr std::string_view name = "Name";
-    if (!key.starts_with(name)) {
-        return std::nullopt;
-    }
-    key.remove_prefix(name.size());
-    if (key.empty()) {
+// Rank of the name under this key; the smallest is the best, and one more than there are suffixes
+// is that of any other key.
+std::size_t rankOfName(std::string_view key, std::span<const std::string> suffixes) {
+    if (key == "Name") {
         return suffixes.size();
     }
-    if (!key.starts_with('[') || !key.ends_with(']')) {
-        return std::nullopt;
+    if (key.starts_with("Name[") && key.ends_with(']')) {
+        const auto found = std::ranges::find(suffixes, key.substr(5, key.size() - 6));
+        if (found != suffixes.end()) {
+            return static_cast<std::size_t>(found - suffixes.begin());
+        }
     }
-    const auto found = std::ranges::find(suffixes, key.substr(1, key.size() - 2));
-    if (found == suffixes.end()) {
-        return std::nullopt;
-    }
-    return static_cast<std::size_t>(found - suffixes.begin());
+    return suffixes.size() + 1;
 }
 
 // Adds the suffixes of one locale, such as "de_AT.UTF-8@euro".
@@ -95,7 +76,6 @@ std::optional<std::string_view> desktopEntryValue(std::string_view text, std::st
         if (each == key) {
             found = value;
         }
-        return true;
     });
     return found;
 }
@@ -106,23 +86,10 @@ std::string desktopEntryText(std::string_view value) {
         char character = value.front();
         value.remove_prefix(1);
         if (character == '\\' && !value.empty()) {
-            switch (value.front()) {
-                case 's':
-                    character = ' ';
-                    break;
-                case 'n':
-                    character = '\n';
-                    break;
-                case 't':
-                    character = '\t';
-                    break;
-                case 'r':
-                    character = '\r';
-                    break;
-                default:
-                    character = value.front();
-                    break;
-            }
+            constexpr std::string_view letters = "sntr";
+            constexpr std::string_view meanings = " \n\t\r";
+            const std::size_t found = letters.find(value.front());
+            character = found == std::string_view::npos ? value.front() : meanings[found];
             value.remove_prefix(1);
         }
         text += character;
@@ -180,12 +147,13 @@ std::vector<std::string> localeSuffixes(
     }
     std::vector<std::string> ofLocale;
     addSuffixes(locale, ofLocale);
+    if (ofLocale.empty()) {
+        return {};
+    }
     // The list of languages is used only if the locale names a language.
     std::vector<std::string> suffixes;
-    if (!ofLocale.empty()) {
-        for (const std::string_view language : listItems(value("LANGUAGE"))) {
-            addSuffixes(language, suffixes);
-        }
+    for (const std::string_view language : listItems(value("LANGUAGE"))) {
+        addSuffixes(language, suffixes);
     }
     addSuffixes(locale, suffixes);
     return suffixes;
@@ -199,17 +167,13 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
     visitKeys(text, [&](std::string_view key, std::string_view value) {
         if ((key == "Type" && value != "Application") || (key == "Hidden" && value == "true")) {
             isApplication = false;
-            return false;
-        }
-        if (key == "NoDisplay") {
+        } else if (key == "NoDisplay") {
             entry.isShown = value != "true";
-        }
-        const std::optional<std::size_t> found = rankOfName(key, suffixes);
-        if (found && *found < rank && !value.empty()) {
-            rank = *found;
+        } else if (const std::size_t found = rankOfName(key, suffixes);
+                   found < rank && !value.empty()) {
+            rank = found;
             entry.name = repairedUTF8(desktopEntryText(value));
         }
-        return true;
     });
     if (!isApplication || entry.name.empty()) {
         return std::nullopt;

@@ -8,11 +8,16 @@
 
 namespace tarnwick::platform {
 
+namespace {
+
+// Whether this user may execute the file.
 bool isExecutable(const std::filesystem::path& file) {
     struct stat found {};
     return ::stat(file.c_str(), &found) == 0 && S_ISREG(found.st_mode) &&
            ::access(file.c_str(), X_OK) == 0;
 }
+
+}  // namespace
 
 std::filesystem::path findExecutable(std::string_view name, std::string_view list,
                                      const std::filesystem::path& root) {

@@ -7,9 +7,6 @@
 
 namespace tarnwick::platform {
 
-/// Whether this user may execute the file.
-bool isExecutable(const std::filesystem::path& file);
-
 /// The file of the program `name`. An absolute path stands for itself; for any other name it is the
 /// file in the first folder of `list` (the PATH) that has an executable file of this name. All
 /// paths are below `root`, including the returned one. Empty if there is none.

@@ -2,18 +2,17 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <filesystem>
 #include <string_view>
-#include <utility>
+#include <system_error>
 
+#include "platform/linux/applications/desktop_entry.h"
 #include "platform/linux/files/kept_file.h"
 #include "platform/linux/files/list_items.h"
 
 namespace tarnwick::platform {
 
 namespace {
-
-// Bounds the memory. The lists hold far fewer applications than this.
-constexpr std::size_t kMostKnown = 256;
 
 void addFolder(std::string_view folder, std::vector<std::string>& folders) {
     while (folder.size() > 1 && folder.ends_with('/')) {
@@ -23,6 +22,22 @@ void addFolder(std::string_view folder, std::vector<std::string>& folders) {
     if (folder.starts_with('/') && std::ranges::find(folders, folder) == folders.end()) {
         folders.emplace_back(folder);
     }
+}
+
+// Text of the entry in a folder with a slash at its end. An entry of a folder in it has the name of
+// that folder and a dash in front of its own: "kde-foo" is kde/foo.desktop.
+std::optional<std::string> textBelow(const std::string& folder, const std::string& name) {
+    std::optional<std::string> text = readWholeFile(folder + name + ".desktop");
+    for (std::size_t dash = name.find('-'); !text && dash != std::string::npos;
+         dash = name.find('-', dash + 1)) {
+        const std::string inner = folder + name.substr(0, dash) + '/';
+        std::error_code error;
+        // Nothing may lead out of the folder.
+        if (dash > 0 && !name.starts_with('.') && std::filesystem::is_directory(inner, error)) {
+            text = textBelow(inner, name.substr(dash + 1));
+        }
+    }
+    return text;
 }
 
 }  // namespace
@@ -53,30 +68,12 @@ ApplicationSources applicationSources(const std::function<const char*(const char
     return sources;
 }
 
-InstalledApplications::InstalledApplications(std::string root, ApplicationSources sources)
-    : root_(std::move(root)), sources_(std::move(sources)) {}
-
-const std::optional<DesktopEntry>& InstalledApplications::find(const std::string& name) {
-    const auto known = known_.find(name);
-    if (known != known_.end()) {
-        return known->second;
-    }
-    if (known_.size() >= kMostKnown) {
-        known_.clear();
-    }
-    return known_.emplace(name, read(name)).first->second;
-}
-
-void InstalledApplications::forget() {
-    known_.clear();
-}
-
-std::optional<DesktopEntry> InstalledApplications::read(const std::string& name) const {
-    for (const std::string& folder : sources_.dataFolders) {
-        // The first file with this name decides, even if it marks the application as removed.
-        if (const std::optional<std::string> text =
-                readWholeFile(belowRoot(root_, folder + "/applications/" + name + ".desktop"))) {
-            return parseDesktopEntry(*text, sources_.localeSuffixes);
+std::optional<std::string> desktopEntryFile(const std::string& root,
+                                            const std::vector<std::string>& dataFolders,
+                                            const std::string& name) {
+    for (const std::string& folder : dataFolders) {
+        if (auto text = textBelow(belowRoot(root, folder + "/applications/"), name)) {
+            return text;
         }
     }
     return std::nullopt;

@@ -2,12 +2,9 @@
 #pragma once
 
 #include <functional>
-#include <map>
 #include <optional>
 #include <string>
 #include <vector>
-
-#include "platform/linux/applications/desktop_entry.h"
 
 namespace tarnwick::platform {
 
@@ -23,23 +20,11 @@ struct ApplicationSources {
 /// session's variables may lack. `environment` returns a variable's value or null.
 ApplicationSources applicationSources(const std::function<const char*(const char*)>& environment);
 
-/// Looks up each entry once and remembers the result, including a missing entry, until forget().
-/// One thread at a time.
-class InstalledApplications {
- public:
-    /// All folders are below `root`.
-    InstalledApplications(std::string root, ApplicationSources sources);
-
-    /// The entry of this name, without ".desktop". Absent when there is none or it is damaged.
-    const std::optional<DesktopEntry>& find(const std::string& name);
-    void forget();
-
- private:
-    std::optional<DesktopEntry> read(const std::string& name) const;
-
-    const std::string root_;
-    const ApplicationSources sources_;
-    std::map<std::string, std::optional<DesktopEntry>> known_;
-};
+/// Text of the desktop entry of this name, without ".desktop". The first of the data folders that
+/// has one decides, even if it marks the application as removed. Absent if there is none. All
+/// folders are below `root`.
+std::optional<std::string> desktopEntryFile(const std::string& root,
+                                            const std::vector<std::string>& dataFolders,
+                                            const std::string& name);
 
 }  // namespace tarnwick::platform

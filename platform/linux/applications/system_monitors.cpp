@@ -9,7 +9,6 @@
 #include "platform/linux/applications/desktop_entry.h"
 #include "platform/linux/applications/executable_file.h"
 #include "platform/linux/applications/installed_applications.h"
-#include "platform/linux/files/kept_file.h"
 #include "platform/linux/files/list_items.h"
 
 namespace tarnwick::platform {
@@ -73,19 +72,6 @@ std::vector<std::string_view> entriesFor(std::string_view current) {
     return entries;
 }
 
-/// Text of an entry's file. The first file with this name counts, even if it marks the application
-/// as removed. Empty if there is none.
-std::string entryText(const std::vector<std::string>& folders, std::string_view entry,
-                      const std::filesystem::path& root) {
-    for (const std::string& folder : folders) {
-        const std::string file = folder + "/applications/" + std::string(entry) + ".desktop";
-        if (auto text = readWholeFile(belowRoot(root.native(), file))) {
-            return *std::move(text);
-        }
-    }
-    return {};
-}
-
 }  // namespace
 
 std::optional<InstalledProgram> findSystemMonitor(
@@ -102,16 +88,16 @@ std::optional<InstalledProgram> findSystemMonitor(
     // On any desktop a monitor with windows takes precedence over one in a terminal.
     std::optional<InstalledProgram> inTerminal;
     for (const std::string_view entry : entriesFor(current)) {
-        const std::string text = entryText(folders, entry, root);
+        const std::string text =
+            desktopEntryFile(root.native(), folders, std::string(entry)).value_or("");
         const auto key = [&text](std::string_view name) {
             return desktopEntryValue(text, name).value_or(std::string_view());
         };
         InstalledProgram found{.entry = std::string(entry),
                                .command = desktopEntryCommand(key("Exec")),
                                .folder = desktopEntryText(key("Path"))};
-        const std::string tryExec = desktopEntryText(key("TryExec"));
         if (!parseDesktopEntry(text, {}) || found.command.empty() ||
-            !isThere(found.command.front()) || (!tryExec.empty() && !isThere(tryExec))) {
+            !isThere(found.command.front())) {
             continue;
         }
         if (key("Terminal") != "true") {

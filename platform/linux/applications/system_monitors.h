@@ -26,7 +26,7 @@ struct InstalledProgram {
 /// else one for the terminal, if there is a terminal to run it in. Absent if there is none.
 ///
 /// A monitor counts only if its desktop entry is installed and not removed (Hidden), and its
-/// programs exist. `environment` returns a variable's value or null; `root` is "/".
+/// program exists. `environment` returns a variable's value or null; `root` is "/".
 std::optional<InstalledProgram> findSystemMonitor(
     const std::function<const char*(const char*)>& environment,
     const std::filesystem::path& root = "/");

@@ -1,18 +1,22 @@
 #include "platform/linux/processes/linux_process_table.h"
 
+#include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstddef>
 #include <cstdlib>
+#include <dirent.h>
 #include <limits>
+#include <memory>
 #include <string_view>
 #include <unistd.h>
 #include <utility>
 
 #include "platform/linux/applications/application_unit.h"
 #include "platform/linux/files/kept_file.h"
+#include "platform/linux/files/list_items.h"
 #include "platform/linux/kernel/online_processors.h"
 #include "platform/linux/processes/proc_pid_stat.h"
-#include "platform/linux/processes/process_identifiers.h"
 
 namespace tarnwick::platform {
 
@@ -77,6 +81,31 @@ class ListedProcess final : public ProcessEntry {
     std::optional<ProcessStat> stat_;
 };
 
+// Fills `identifiers` with those of the processes in a folder like /proc, rising. False when it
+// cannot be read.
+bool listProcessIdentifiers(const std::string& folder, std::vector<std::int32_t>& identifiers) {
+    identifiers.clear();
+    struct Close {
+        void operator()(DIR* opened) const { ::closedir(opened); }
+    };
+    const std::unique_ptr<DIR, Close> opened(::opendir(folder.c_str()));
+    if (!opened) {
+        return false;
+    }
+    errno = 0;
+    while (const dirent* entry = ::readdir(opened.get())) {
+        if (const std::int32_t identifier = parseProcessIdentifier(entry->d_name)) {
+            identifiers.push_back(identifier);
+        }
+    }
+    const bool isWhole = errno == 0;
+    // The kernel lists them in order; other file systems may not.
+    if (!std::ranges::is_sorted(identifiers)) {
+        std::ranges::sort(identifiers);
+    }
+    return isWhole;
+}
+
 // Target of a symbolic link, any bytes; absent if it cannot be read.
 std::optional<std::string> targetOf(const std::string& link) {
     std::array<char, 4096> target;
@@ -94,7 +123,7 @@ LinuxProcessTable::LinuxProcessTable(std::string root)
                         applicationSources([](const char* name) { return std::getenv(name); })) {}
 
 LinuxProcessTable::LinuxProcessTable(std::string root, ApplicationSources applications)
-    : root_(std::move(root)), applications_(root_, std::move(applications)) {}
+    : root_(std::move(root)), sources_(std::move(applications)) {}
 
 ProcessListing LinuxProcessTable::forEachProcess(const Visit& visit) {
     const std::lock_guard guard(walkLock_);
@@ -129,12 +158,20 @@ std::optional<TimebaseInfo> LinuxProcessTable::timebaseInfo() {
 
 std::optional<RunningApplication> LinuxProcessTable::runningApplication(std::int32_t identifier) {
     const std::optional<std::string> cgroups = readWholeFile(pathOf(identifier, "cgroup"));
-    if (!cgroups) {
+    const std::optional<ApplicationUnit> unit = applicationUnit(cgroups.value_or(""));
+    if (!unit || !isOfFirstProgram(identifier, unit->group)) {
         return std::nullopt;
     }
-    const std::lock_guard guard(applicationsLock_);
-    for (const std::string& name : desktopEntryCandidates(*cgroups)) {
-        if (const std::optional<DesktopEntry>& entry = applications_.find(name)) {
+    const std::lock_guard guard(entriesLock_);
+    for (const std::string& name : unit->entries) {
+        const auto [known, isNew] = entries_.try_emplace(name);
+        std::optional<DesktopEntry>& entry = known->second;
+        if (isNew) {
+            if (const auto text = desktopEntryFile(root_, sources_.dataFolders, name)) {
+                entry = parseDesktopEntry(*text, sources_.localeSuffixes);
+            }
+        }
+        if (entry) {
             return RunningApplication{
                 .activationPolicy = entry->isShown ? RunningApplication::kRegularPolicy
                                                    : RunningApplication::kAccessoryPolicy,
@@ -144,22 +181,43 @@ std::optional<RunningApplication> LinuxProcessTable::runningApplication(std::int
     return std::nullopt;
 }
 
+bool LinuxProcessTable::isOfFirstProgram(std::int32_t identifier, const std::string& group) {
+    std::string members;
+    for (const char* const groups : {"sys/fs/cgroup", "sys/fs/cgroup/systemd"}) {
+        members += readWholeFile(belowRoot(root_, groups + group + "/cgroup.procs")).value_or("");
+    }
+    // In the order in which they came into the group.
+    for (const std::string_view member : listItems(members, '\n')) {
+        const std::int32_t first = parseProcessIdentifier(member);
+        const std::optional<std::string> program = executablePath(first);
+        if (first == 0 || (program && isStarter(*program))) {
+            continue;
+        }
+        const std::optional<std::string> own = executablePath(identifier);
+        return first == identifier || (program && own && belongsTo(*own, *program));
+    }
+    // The group cannot be read, has groups of its own, or holds nothing but a script.
+    return true;
+}
+
 std::optional<std::string> LinuxProcessTable::executablePath(std::int32_t identifier) {
     std::optional<std::string> path = targetOf(pathOf(identifier, "exe"));
     constexpr std::string_view mark = " (deleted)";
     if (path && path->size() > mark.size() && path->ends_with(mark)) {
         path->resize(path->size() - mark.size());
     }
+    constexpr std::string_view memory = "/memfd:";
+    if (path && path->starts_with(memory)) {
+        path->erase(0, memory.size());
+        if (path->empty() || path->find('/') != std::string::npos) {
+            return std::nullopt;
+        }
+    }
     return path;
 }
 
 std::string LinuxProcessTable::displayName(const std::string& path) {
-    const std::size_t end = path.find_last_not_of('/');
-    if (end == std::string::npos) {
-        return path;
-    }
-    const std::string whole = path.substr(0, end + 1);
-    return whole.substr(whole.rfind('/') + 1);
+    return path.substr(path.rfind('/') + 1);
 }
 
 void LinuxProcessTable::releaseCaches() {
@@ -168,8 +226,8 @@ void LinuxProcessTable::releaseCaches() {
         files_.release();
         identifiers_ = std::vector<std::int32_t>();
     }
-    const std::lock_guard guard(applicationsLock_);
-    applications_.forget();
+    const std::lock_guard guard(entriesLock_);
+    entries_.clear();
 }
 
 std::string LinuxProcessTable::pathOf(std::int32_t identifier, const char* file) const {

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "platform/linux/applications/desktop_entry.h"
 #include "platform/linux/applications/installed_applications.h"
 #include "platform/linux/processes/kept_process_files.h"
 #include "platform/process_table.h"
@@ -32,18 +34,22 @@ class LinuxProcessTable final : public ProcessTable {
     std::int64_t processorCount() override;
     /// Always 1 / 1.
     std::optional<TimebaseInfo> timebaseInfo() override;
-    /// From the desktop entry of the unit in which the process runs. An application that no menu
-    /// shows is an accessory.
+    /// From the desktop entry of the unit in which the process runs, if the process belongs to the
+    /// first program in that unit: what runs in a terminal is not the terminal. An application that
+    /// no menu shows is an accessory.
     std::optional<RunningApplication> runningApplication(std::int32_t identifier) override;
     /// Absent for the kernel's threads and for processes of other users. If the file was replaced,
-    /// this is its old path.
+    /// this is its old path. For a program that lies in memory only, this is its name there.
     std::optional<std::string> executablePath(std::int32_t identifier) override;
-    /// The last piece of the path.
+    /// What follows the last slash of the path.
     std::string displayName(const std::string& path) override;
     /// Closes the files and forgets the desktop entries.
     void releaseCaches() override;
 
  private:
+    /// `group` is the path of the unit's control group. Shells and sandboxes that start the first
+    /// program are passed over.
+    bool isOfFirstProgram(std::int32_t identifier, const std::string& group);
     std::string pathOf(std::int32_t identifier, const char* file) const;
 
     const std::string root_;
@@ -53,9 +59,11 @@ class LinuxProcessTable final : public ProcessTable {
     std::vector<std::int32_t> identifiers_;
     KeptProcessFiles files_;
 
-    std::mutex applicationsLock_;
-    /// Guarded by applicationsLock_.
-    InstalledApplications applications_;
+    const ApplicationSources sources_;
+    std::mutex entriesLock_;
+    /// The desktop entries that were looked for, also those that are not there, by their names.
+    /// Guarded by entriesLock_.
+    std::map<std::string, std::optional<DesktopEntry>> entries_;
 };
 
 }  // namespace tarnwick::platform

@@ -42,15 +42,17 @@ std::optional<std::uint64_t> parseCount(std::string_view word) {
     return count;
 }
 
-// The kernel counts this in parts, so the sum may be slightly negative.
-std::optional<std::uint64_t> parsePages(std::string_view word) {
-    if (!word.starts_with('-')) {
-        return parseCount(word);
-    }
-    return parseCount(word.substr(1)) ? std::optional<std::uint64_t>(0) : std::nullopt;
-}
-
 }  // namespace
+
+std::int32_t parseProcessIdentifier(std::string_view name) {
+    if (name.empty() || name.front() < '1' || name.front() > '9') {
+        return 0;
+    }
+    std::int32_t identifier = 0;
+    const char* const end = name.data() + name.size();
+    const auto [rest, error] = std::from_chars(name.data(), end, identifier);
+    return error == std::errc() && rest == end ? identifier : 0;
+}
 
 std::optional<ProcessStat> parseProcessStat(std::string_view text) {
     const std::size_t open = text.find('(');
@@ -73,7 +75,7 @@ std::optional<ProcessStat> parseProcessStat(std::string_view text) {
         } else if (field == kSystemField) {
             system = parseCount(word);
         } else if (field == kResidentField) {
-            pages = parsePages(word);
+            pages = parseCount(word);
         }
     }
     if (!user || !system || !pages) {

@@ -1,4 +1,4 @@
-// Parses /proc/PID/stat.
+// Parses /proc/PID and /proc/PID/stat.
 #pragma once
 
 #include <cstdint>
@@ -6,6 +6,9 @@
 #include <string_view>
 
 namespace tarnwick::platform {
+
+/// The process identifier that is written as `name` in /proc; 0 for any other name.
+std::int32_t parseProcessIdentifier(std::string_view name);
 
 struct ProcessStat {
     /// The text between the outermost brackets: any bytes, brackets and line breaks among them.

@@ -44,6 +44,7 @@ const std::vector<Expected>& expectations() {
         {"container-host", 96, 1751328000, 263855104, 0, 0, "/home/deploy", "/home", 0,
          43921469.80},
         {"damaged", {}, {}, 0, 0, 0, "/home", "/", 0, {}},
+        {"developer", 4, 1767000000, 8052344, 4194300, 0, "/home/kim", "/", 0, 3120.55},
         {"handheld", 8, 1767200000, 15221396, 8658812, 756604, "/home/deck", "home", 0, 8190.44},
         {"laptop", 8, 1767612345, 16122588, 8061288, 1157280, "/home/ada", "Ada's Disk", 0,
          190643.27},

@@ -58,8 +58,8 @@ QProcessEnvironment environmentFrom(const StartConditions& conditions) {
     return environment;
 }
 
-/// The words to put before a command so that it runs in its own unit. desktopEntryCandidates()
-/// finds the desktop entry in the unit's name. Empty if no service manager of the user is running.
+/// The words to put before a command so that it runs in its own unit. applicationUnit() finds the
+/// desktop entry in the unit's name. Empty if no service manager of the user is running.
 QStringList scopeCommand(const QString& entry, const QProcessEnvironment& environment) {
     const QString runtime = environment.value("XDG_RUNTIME_DIR");
     const QString program = QStandardPaths::findExecutable(

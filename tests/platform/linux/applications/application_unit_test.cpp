@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <string>
+#include <vector>
 
 namespace tarnwick::platform {
 namespace {
@@ -10,10 +11,17 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// The candidates of a process in this unit of a user's session.
+const std::string session = "/user.slice/user-1000.slice/user@1000.service";
+
+/// The entries that a process with these groups may belong to.
+std::vector<std::string> entriesOf(const std::string& cgroups) {
+    const auto unit = applicationUnit(cgroups);
+    return unit ? unit->entries : std::vector<std::string>();
+}
+
+/// The entries that a process in this unit of a user's session may belong to.
 std::vector<std::string> candidatesOf(const std::string& unit) {
-    return desktopEntryCandidates("0::/user.slice/user-1000.slice/user@1000.service/app.slice/" +
-                                  unit + "\n");
+    return entriesOf("0::" + session + "/app.slice/" + unit + "\n");
 }
 
 TEST(ApplicationUnit, AScopeNamesTheEntryBetweenLauncherAndProcess) {
@@ -89,13 +97,84 @@ TEST(ApplicationUnit, OtherUnitsAreNoApplications) {
 }
 
 TEST(ApplicationUnit, ComesFromTheServiceManagersGroupAmongOldOnes) {
-    const std::string old =
-        "12:pids:/user.slice/app-wrong-1.scope\n"
-        "1:name=systemd:/user.slice/user@1000.service/app-right-1.scope\n";
-    EXPECT_THAT(desktopEntryCandidates(old), ElementsAre("right"));
-    EXPECT_THAT(desktopEntryCandidates("0::/\n" + old), ElementsAre("right"));
-    EXPECT_THAT(desktopEntryCandidates(old + "0::/\n"), ElementsAre("right"));
-    EXPECT_THAT(desktopEntryCandidates("0::/app-new-1.scope\n" + old), ElementsAre("new"));
+    const std::string old = "12:pids:" + session + "/app-wrong-1.scope\n1:name=systemd:" + session +
+                            "/app-right-1.scope\n";
+    EXPECT_THAT(entriesOf(old), ElementsAre("right"));
+    EXPECT_THAT(entriesOf("0::/\n" + old), ElementsAre("right"));
+    EXPECT_THAT(entriesOf(old + "0::/\n"), ElementsAre("right"));
+    EXPECT_THAT(entriesOf("0::" + session + "/app-new-1.scope\n" + old), ElementsAre("new"));
+}
+
+TEST(ApplicationUnit, OfTheSystemIsNone) {
+    EXPECT_THAT(entriesOf("0::/app-a-1.scope\n"), IsEmpty());
+    EXPECT_THAT(entriesOf("0::/system.slice/app-a@boot.service\n"), IsEmpty());
+    EXPECT_THAT(entriesOf("0::/system.slice/snap.cups.cupsd.service\n"), IsEmpty());
+    EXPECT_THAT(entriesOf("0::/user.slice/user-1000.slice/app-a-1.scope\n"), IsEmpty());
+    EXPECT_THAT(entriesOf("0::/user.slice/user@1000/app-a-1.scope\n"), IsEmpty());
+    EXPECT_THAT(entriesOf("0::" + session + "\n"), IsEmpty());
+    EXPECT_THAT(entriesOf("0::" + session + "/\n"), IsEmpty());
+    EXPECT_THAT(entriesOf("0::" + session + "/app-a-1.scope\n"), ElementsAre("a"));
+}
+
+TEST(ApplicationUnit, HasTheGroupOfTheUnitItself) {
+    EXPECT_EQ(applicationUnit("0::" + session + "/app.slice/app-a-1.scope/payload/inner\n")->group,
+              session + "/app.slice/app-a-1.scope");
+    EXPECT_EQ(applicationUnit("0::" + session + "/app-a\\x2db-1.scope")->group,
+              session + "/app-a\\x2db-1.scope");
+}
+
+TEST(Starter, IsAShellOrAPartOfASandbox) {
+    for (const char* program : {"/bin/sh", "/usr/bin/dash", "/usr/bin/bash", "/usr/bin/bwrap",
+                                "/usr/libexec/flatpak/xdg-dbus-proxy", "bash"}) {
+        EXPECT_TRUE(isStarter(program)) << program;
+    }
+    for (const char* program :
+         {"/usr/bin/python3", "/opt/bash/game", "/usr/bin/bashtop", "/", ""}) {
+        EXPECT_FALSE(isStarter(program)) << program;
+    }
+}
+
+TEST(ProgramOfAnApplication, IsItsOwnOneOrLiesBesideIt) {
+    EXPECT_TRUE(belongsTo("/usr/bin/terminal", "/usr/bin/terminal"));
+    EXPECT_TRUE(belongsTo("renderer", "renderer"));
+    EXPECT_TRUE(belongsTo("/usr/lib/mail/crash-reporter", "/usr/lib/mail/mail"));
+    EXPECT_TRUE(belongsTo("/usr/lib/mail/bin/helper", "/usr/lib/mail/mail"));
+    EXPECT_FALSE(belongsTo("/usr/lib/mailer/helper", "/usr/lib/mail/mail"));
+    EXPECT_FALSE(belongsTo("/usr/lib/helper", "/usr/lib/mail/mail"));
+    EXPECT_FALSE(belongsTo("/games/asteroids/asteroids", "/games/launcher/launcher"));
+}
+
+TEST(ProgramOfAnApplication, LiesBesideNothingWhereManyProgramsLie) {
+    EXPECT_FALSE(belongsTo("/usr/bin/make", "/usr/bin/terminal"));
+    EXPECT_FALSE(belongsTo("/bin/make", "/bin/terminal"));
+    EXPECT_FALSE(belongsTo("/usr/local/bin/make", "/usr/local/bin/terminal"));
+    EXPECT_FALSE(belongsTo("/home/ada/.local/bin/make", "/home/ada/.local/bin/terminal"));
+    EXPECT_FALSE(belongsTo("/usr/libexec/gcc/13/cc1plus", "/usr/libexec/terminal-server"));
+    EXPECT_FALSE(belongsTo("/usr/local/lib/gcc/13/cc1plus", "/usr/local/lib/terminal-server"));
+    EXPECT_FALSE(belongsTo("/home/ada/games/asteroids", "/home/ada/launcher"));
+    EXPECT_FALSE(belongsTo("/usr/bin/make", "/launcher"));
+    EXPECT_FALSE(belongsTo("make", "launcher"));
+    EXPECT_FALSE(belongsTo("/usr/bin/make", ""));
+}
+
+TEST(ProgramOfAnApplication, IsNotEverythingThatItsInterpreterRuns) {
+    for (const char* program : {"/usr/bin/python3.11", "/usr/bin/perl", "/usr/bin/ruby3.1",
+                                "/usr/bin/node", "/usr/lib/jvm/java-17-openjdk-amd64/bin/java"}) {
+        EXPECT_FALSE(belongsTo(program, program)) << program;
+    }
+    EXPECT_TRUE(belongsTo("/usr/bin/pythonista", "/usr/bin/pythonista"));
+    EXPECT_TRUE(belongsTo("/usr/bin/2048", "/usr/bin/2048"));
+    EXPECT_TRUE(belongsTo("/opt/studio/jbr/bin/java", "/opt/studio/jbr/bin/java"));
+}
+
+TEST(ProgramOfAnApplication, LiesAnywhereInTheFolderOfItsPackage) {
+    EXPECT_TRUE(belongsTo("/app/lib/chat/helper", "/app/bin/chat"));
+    EXPECT_FALSE(belongsTo("/usr/bin/make", "/app/bin/chat"));
+    EXPECT_TRUE(belongsTo("/snap/mail/12/usr/lib/helper", "/snap/mail/12/usr/bin/mail"));
+    EXPECT_FALSE(belongsTo("/snap/mailer/12/usr/bin/mail", "/snap/mail/12/usr/bin/mail"));
+    EXPECT_TRUE(belongsTo("/opt/studio/runtime/bin/java", "/opt/studio/bin/studio"));
+    EXPECT_FALSE(belongsTo("/opt/other/bin/java", "/opt/studio/bin/studio"));
+    EXPECT_FALSE(belongsTo("/opt/make", "/opt/studio"));
 }
 
 TEST(ApplicationUnit, NoNameLeadsOutOfTheFolders) {
@@ -112,10 +191,10 @@ TEST(ApplicationUnit, AnEscapeThatIsNoneStays) {
 TEST(ApplicationUnit, OfDamagedTextIsNone) {
     for (const char* text : {"", "\n", "0", "0:", "0::", "0::/", ":::::", "0:cpu:/app-a-1.scope",
                              "garbage\n\n\n", "::"}) {
-        EXPECT_THAT(desktopEntryCandidates(text), IsEmpty()) << text;
+        EXPECT_THAT(entriesOf(text), IsEmpty()) << text;
     }
     // A missing line break is no damage.
-    EXPECT_THAT(desktopEntryCandidates("0::/app-a-1.scope"), ElementsAre("a"));
+    EXPECT_THAT(entriesOf("0::" + session + "/app-a-1.scope"), ElementsAre("a"));
 }
 
 }  // namespace

@@ -46,56 +46,48 @@ TEST(ApplicationSources, KnowTheUsersLanguage) {
     EXPECT_THAT(sourcesFor({{"LANG", "de_DE.UTF-8"}}).localeSuffixes, ElementsAre("de_DE", "de"));
 }
 
-class InstalledApplicationsTest : public ::testing::Test {
+class DesktopEntryFile : public ::testing::Test {
  protected:
-    static std::string entry(const std::string& name) {
-        return "[Desktop Entry]\nName=" + name + "\nName[de]=" + name + " auf Deutsch\n";
-    }
-    std::string nameOf(const std::string& id) {
-        const auto& found = applications.find(id);
-        return found ? found->name : "(none)";
+    std::string find(const std::string& name) const {
+        return desktopEntryFile(tree.root(), {"/home/ada/share", "/usr/share"}, name)
+            .value_or("(none)");
     }
 
     testing::MachineTree tree;
-    InstalledApplications applications{
-        tree.root(), {.dataFolders = {"/home/ada/share", "/usr/share"}, .localeSuffixes = {"de"}}};
 };
 
-TEST_F(InstalledApplicationsTest, AreFoundInTheFirstFolderThatHasThem) {
-    tree.write("usr/share/applications/a.desktop", entry("System's A"));
-    tree.write("usr/share/applications/b.desktop", entry("B"));
-    tree.write("home/ada/share/applications/a.desktop", entry("Ada's A"));
-    EXPECT_EQ(nameOf("a"), "Ada's A auf Deutsch");
-    EXPECT_EQ(nameOf("b"), "B auf Deutsch");
-    EXPECT_EQ(nameOf("c"), "(none)");
+TEST_F(DesktopEntryFile, IsFoundInTheFirstFolderThatHasIt) {
+    tree.write("usr/share/applications/a.desktop", "System's A");
+    tree.write("usr/share/applications/b.desktop", "B");
+    tree.write("home/ada/share/applications/a.desktop", "Ada's A");
+    EXPECT_EQ(find("a"), "Ada's A");
+    EXPECT_EQ(find("b"), "B");
+    EXPECT_EQ(find("c"), "(none)");
 }
 
-TEST_F(InstalledApplicationsTest, AnApplicationThatTheUserRemovedIsNone) {
-    tree.write("usr/share/applications/a.desktop", entry("A"));
-    tree.write("home/ada/share/applications/a.desktop", "[Desktop Entry]\nHidden=true\n");
-    EXPECT_EQ(nameOf("a"), "(none)");
+TEST_F(DesktopEntryFile, InAFolderOfItsOwnHasTheFoldersNameBeforeItsOwn) {
+    tree.write("usr/share/applications/kde/ledger.desktop", "Ledger");
+    tree.write("usr/share/applications/wine/Programs/7-Zip/7-Zip.desktop", "7-Zip");
+    EXPECT_EQ(find("kde-ledger"), "Ledger");
+    EXPECT_EQ(find("wine-Programs-7-Zip-7-Zip"), "7-Zip");
+    EXPECT_EQ(find("ledger"), "(none)");
+    EXPECT_EQ(find("kde-"), "(none)");
+    EXPECT_EQ(find("-kde-ledger"), "(none)");
 }
 
-TEST_F(InstalledApplicationsTest, AreRememberedUntilForgotten) {
-    tree.write("usr/share/applications/a.desktop", entry("Old"));
-    EXPECT_EQ(nameOf("a"), "Old auf Deutsch");
-    EXPECT_EQ(nameOf("b"), "(none)");
-    tree.write("usr/share/applications/a.desktop", entry("New"));
-    tree.write("usr/share/applications/b.desktop", entry("B"));
-    EXPECT_EQ(nameOf("a"), "Old auf Deutsch");
-    EXPECT_EQ(nameOf("b"), "(none)");
-    applications.forget();
-    EXPECT_EQ(nameOf("a"), "New auf Deutsch");
-    EXPECT_EQ(nameOf("b"), "B auf Deutsch");
+TEST_F(DesktopEntryFile, OfThePlainNameComesFirst) {
+    tree.write("usr/share/applications/kde/ledger.desktop", "Inner");
+    tree.write("usr/share/applications/kde-ledger.desktop", "Outer");
+    EXPECT_EQ(find("kde-ledger"), "Outer");
+    tree.write("home/ada/share/applications/kde/ledger.desktop", "Ada's");
+    EXPECT_EQ(find("kde-ledger"), "Ada's");
 }
 
-TEST_F(InstalledApplicationsTest, RemembersABoundedNumberOfNames) {
-    for (int i = 0; i < 1000; ++i) {
-        EXPECT_EQ(nameOf("a" + std::to_string(i)), "(none)");
-    }
-    // The first was forgotten on the way and is looked up again.
-    tree.write("usr/share/applications/a0.desktop", entry("A"));
-    EXPECT_EQ(nameOf("a0"), "A auf Deutsch");
+TEST_F(DesktopEntryFile, LiesNowhereElse) {
+    tree.write("usr/share/secret.desktop", "Secret");
+    tree.makeFolder("usr/share/applications/a");
+    EXPECT_EQ(find("..-secret"), "(none)");
+    EXPECT_EQ(find("a-..-..-secret"), "(none)");
 }
 
 }  // namespace

@@ -144,14 +144,9 @@ TEST_F(SystemMonitors, ThatWereRemovedDoNotCount) {
 
 TEST_F(SystemMonitors, WhoseProgramIsMissingDoNotCount) {
     describe("qps", "qps");
-    install("lxtask", "lxtask", "TryExec=/opt/lxtask\n");
     EXPECT_EQ(foundIn("LXQt"), "(none)");
     installProgram("qps");
     EXPECT_EQ(foundIn("LXQt"), "qps");
-    tree.write("opt/lxtask", "");
-    EXPECT_EQ(foundIn("LXDE"), "qps");
-    std::filesystem::permissions(tree.root() + "/opt/lxtask", std::filesystem::perms::owner_all);
-    EXPECT_EQ(foundIn("LXDE"), "lxtask");
 }
 
 TEST_F(SystemMonitors, WhoseEntryIsDamagedDoNotCount) {

@@ -60,6 +60,7 @@ TEST(LinuxAccelerators, EveryRecordedMachineHasItsCards) {
     const std::map<std::string, std::vector<bool>> expected = {
         {"container-host", {false}},
         {"damaged", {false, false, false, false, false}},
+        {"developer", {}},
         {"handheld", {true}},
         {"laptop", {false, false}},
         {"old-kernel", {}},

@@ -47,6 +47,9 @@ class LinuxProcessTableTest : public ::testing::Test {
         tree.write("proc/" + std::to_string(identifier) + "/cgroup",
                    "0::/user.slice/user@1000.service/app.slice/" + unit + "\n");
     }
+    static std::string groupOf(const std::string& unit) {
+        return "sys/fs/cgroup/user.slice/user@1000.service/app.slice/" + unit + "/cgroup.procs";
+    }
     void install(const std::string& id, const std::string& keys) const {
         tree.write("usr/share/applications/" + id + ".desktop", "[Desktop Entry]\n" + keys);
     }
@@ -77,6 +80,7 @@ TEST_F(LinuxProcessTableTest, VisitsTheProcessesByRisingIdentifier) {
     write(9, "a", 4, 5, 6);
     write(20, "b", 7, 8, 9);
     tree.write("proc/meminfo", "no process");
+    tree.makeFolder("proc/0");
     EXPECT_THAT(walk(), ElementsAre("9 6 4 5 a", "20 9 7 8 b", "100 3 1 2 c"));
     EXPECT_EQ(listing, ProcessListing::complete);
 }
@@ -236,14 +240,96 @@ TEST_F(LinuxProcessTableTest, AProcessInNoUnitOrWithoutAnEntryIsNoApplication) {
     EXPECT_FALSE(table.runningApplication(9));
 }
 
+TEST_F(LinuxProcessTableTest, WhatAnApplicationStartsIsNotTheApplication) {
+    install("terminal", "Name=Terminal\n");
+    for (const std::int32_t identifier : {7, 8, 9, 10}) {
+        runIn(identifier, "app-terminal-7.scope");
+    }
+    tree.link("proc/7/exe", "/usr/bin/terminal");
+    tree.link("proc/8/exe", "/usr/bin/make");
+    tree.link("proc/9/exe", "/usr/bin/terminal (deleted)");
+    // In the order in which they came, whatever their numbers are.
+    tree.write(groupOf("app-terminal-7.scope"), "7\n8\n9\n10\n");
+    EXPECT_EQ(table.runningApplication(7)->localizedName, "Terminal");
+    EXPECT_FALSE(table.runningApplication(8));
+    EXPECT_EQ(table.runningApplication(9)->localizedName, "Terminal");
+    // Another user's.
+    EXPECT_FALSE(table.runningApplication(10));
+    tree.write(groupOf("app-terminal-7.scope"), "8\n7\n9\n10\n");
+    EXPECT_FALSE(table.runningApplication(7));
+    EXPECT_EQ(table.runningApplication(8)->localizedName, "Terminal");
+}
+
+TEST_F(LinuxProcessTableTest, TheFirstProgramMayHideItsExecutable) {
+    install("vault", "Name=Vault\n");
+    runIn(7, "app-vault-7.scope");
+    runIn(8, "app-vault-7.scope");
+    tree.link("proc/8/exe", "/usr/bin/make");
+    tree.write(groupOf("app-vault-7.scope"), "7\n8\n");
+    EXPECT_EQ(table.runningApplication(7)->localizedName, "Vault");
+    EXPECT_FALSE(table.runningApplication(8));
+}
+
+TEST_F(LinuxProcessTableTest, AShellOrSandboxThatStartsTheFirstProgramIsPassedOver) {
+    install("game", "Name=Game\n");
+    tree.link("proc/5/exe", "/usr/bin/bwrap");
+    tree.link("proc/6/exe", "/usr/bin/bash");
+    tree.link("proc/7/exe", "/usr/bin/game");
+    for (const std::int32_t identifier : {5, 6, 7}) {
+        runIn(identifier, "app-game-5.scope");
+    }
+    // Processes that this container does not see have the number 0.
+    tree.write(groupOf("app-game-5.scope"), "0\n5\n6\n7\n");
+    EXPECT_FALSE(table.runningApplication(5));
+    EXPECT_FALSE(table.runningApplication(6));
+    EXPECT_EQ(table.runningApplication(7)->localizedName, "Game");
+    // A script is the application as long as it runs nothing else.
+    tree.write(groupOf("app-game-5.scope"), "6\n");
+    EXPECT_EQ(table.runningApplication(6)->localizedName, "Game");
+}
+
+TEST_F(LinuxProcessTableTest, AUnitThatDoesNotTellWhatItHoldsNamesAllOfIt) {
+    install("box", "Name=Box\n");
+    runIn(7, "app-box-7.scope/payload");
+    tree.link("proc/7/exe", "/usr/bin/inner");
+    EXPECT_EQ(table.runningApplication(7)->localizedName, "Box");
+    tree.write(groupOf("app-box-7.scope"), "");
+    EXPECT_EQ(table.runningApplication(7)->localizedName, "Box");
+    tree.write(groupOf("app-box-7.scope"), "6\n");
+    EXPECT_FALSE(table.runningApplication(7));
+}
+
+TEST_F(LinuxProcessTableTest, TheOlderGroupsAreBelowTheServiceManagersFolder) {
+    install("terminal", "Name=Terminal\n");
+    runIn(8, "app-terminal-7.scope");
+    tree.link("proc/7/exe", "/usr/bin/terminal");
+    tree.link("proc/8/exe", "/usr/bin/make");
+    tree.write(
+        "sys/fs/cgroup/systemd/user.slice/user@1000.service/app.slice/app-terminal-7.scope/"
+        "cgroup.procs",
+        "7\n8\n");
+    EXPECT_FALSE(table.runningApplication(8));
+}
+
 TEST_F(LinuxProcessTableTest, EntriesAreForgottenWithTheCaches) {
     install("a", "Name=Old\n");
     runIn(7, "app-a-1.scope");
+    runIn(8, "app-b-1.scope");
     EXPECT_EQ(table.runningApplication(7)->localizedName, "Old");
+    EXPECT_FALSE(table.runningApplication(8));
     install("a", "Name=New\n");
+    install("b", "Name=B\n");
     EXPECT_EQ(table.runningApplication(7)->localizedName, "Old");
+    EXPECT_FALSE(table.runningApplication(8));
     table.releaseCaches();
     EXPECT_EQ(table.runningApplication(7)->localizedName, "New");
+    EXPECT_EQ(table.runningApplication(8)->localizedName, "B");
+}
+
+TEST_F(LinuxProcessTableTest, AnApplicationThatTheUserRemovedIsNone) {
+    install("a", "Name=A\nHidden=true\n");
+    runIn(7, "app-a-1.scope");
+    EXPECT_FALSE(table.runningApplication(7));
 }
 
 TEST_F(LinuxProcessTableTest, AnExecutableIsWhereItsLinkLeads) {
@@ -256,11 +342,18 @@ TEST_F(LinuxProcessTableTest, AnExecutableIsWhereItsLinkLeads) {
     EXPECT_EQ(table.executablePath(10), std::nullopt);
 }
 
-TEST_F(LinuxProcessTableTest, ADisplayNameIsTheLastPieceOfThePath) {
+TEST_F(LinuxProcessTableTest, AProgramInMemoryHasItsNameThereAndNoFolder) {
+    tree.link("proc/7/exe", "/memfd:renderer (deleted)");
+    tree.link("proc/8/exe", "/memfd: (deleted)");
+    tree.link("proc/9/exe", "/memfd:cloned:/proc/self/exe (deleted)");
+    EXPECT_EQ(table.executablePath(7), "renderer");
+    EXPECT_EQ(table.executablePath(8), std::nullopt);
+    EXPECT_EQ(table.executablePath(9), std::nullopt);
+}
+
+TEST_F(LinuxProcessTableTest, ADisplayNameFollowsTheLastSlash) {
     EXPECT_EQ(table.displayName("/opt/Maps.app"), "Maps.app");
-    EXPECT_EQ(table.displayName("/opt/Maps.app/"), "Maps.app");
     EXPECT_EQ(table.displayName("Maps"), "Maps");
-    EXPECT_EQ(table.displayName("/"), "/");
     EXPECT_EQ(table.displayName(""), "");
 }
 

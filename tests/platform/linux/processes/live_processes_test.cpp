@@ -4,16 +4,19 @@
 #include <csignal>
 #include <cstdint>
 #include <cstdio>
+#include <cstdlib>
 #include <fstream>
 #include <gtest/gtest.h>
 #include <iterator>
 #include <limits>
 #include <linux/sched.h>
 #include <optional>
+#include <sstream>
 #include <string>
 #include <sys/prctl.h>
 #include <sys/syscall.h>
 #include <sys/wait.h>
+#include <thread>
 #include <time.h>
 #include <unistd.h>
 #include <vector>
@@ -142,6 +145,122 @@ TEST(LiveProcesses, AChildThatBurnsProcessorTimeHasTheShareThatTheKernelSays) {
     // It did nothing else, so it is at the top or beaten by one that is busier still.
     EXPECT_GT(row->cpuUsage, 0);
 }
+
+std::string toolOutput(const std::string& command) {
+    // No settings of the user.
+    FILE* const pipe =
+        ::popen(("LC_ALL=C HOME=/ XDG_CONFIG_HOME=/ " + command + " 2>/dev/null").c_str(), "r");
+    std::string output;
+    std::array<char, 4096> part;
+    for (std::size_t size = 1; size > 0; output.append(part.data(), size)) {
+        size = ::fread(part.data(), 1, part.size(), pipe);
+    }
+    ::pclose(pipe);
+    return output;
+}
+
+/// The figure in the column "%CPU" of the last row that a tool printed about a process.
+std::optional<double> lastShareIn(const std::string& output, pid_t id) {
+    std::optional<double> share;
+    std::vector<std::string> heading;
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        std::istringstream text(line);
+        const std::vector<std::string> words(std::istream_iterator<std::string>(text), {});
+        if (std::ranges::count(words, "%CPU") > 0) {
+            heading = words;
+        }
+        const auto column = [&heading, &words](const char* name) {
+            const auto found = std::ranges::find(heading, name);
+            const auto index = static_cast<std::size_t>(found - heading.begin());
+            return found == heading.end() || index >= words.size() ? "" : words[index];
+        };
+        if (column("PID") == std::to_string(id)) {
+            share = std::strtod(column("%CPU").c_str(), nullptr);
+        }
+    }
+    return share;
+}
+
+/// Processor seconds of a process by its own clock.
+double clockOf(pid_t id) {
+    clockid_t clock{};
+    timespec used{};
+    EXPECT_EQ(::clock_getcpuclockid(id, &clock), 0);
+    EXPECT_EQ(::clock_gettime(clock, &used), 0);
+    return static_cast<double>(used.tv_sec) + static_cast<double>(used.tv_nsec) / 1e9;
+}
+
+TEST(LiveProcesses, TheTimeOfAllThreadsCounts) {
+    const Child child("threads", [] { std::thread(burn).join(); });
+    while (clockOf(child.id()) < 0.1) {
+        const timespec moment{.tv_sec = 0, .tv_nsec = 5'000'000};
+        ::nanosleep(&moment, nullptr);
+    }
+    LinuxProcessTable table;
+    std::uint64_t used = 0;
+    table.forEachProcess([&](ProcessEntry& process) {
+        if (process.identifier() == child.id()) {
+            const auto task = process.taskInformation();
+            used = task ? task->totalUser + task->totalSystem : 0;
+        }
+    });
+    EXPECT_GE(used, 80'000'000U);
+}
+
+/// The command of a tool that looks at processes for a second; their numbers follow.
+class LiveTool : public ::testing::TestWithParam<const char*> {};
+
+TEST_P(LiveTool, SaysOfABusyAndAnIdleChildWhatTheListSays) {
+    const std::string command = GetParam();
+    const std::string name = command.substr(0, command.find(' '));
+    if (toolOutput("command -v " + name).empty()) {
+        GTEST_SKIP() << name << " is not installed";
+    }
+    const Child busy("busy", burn);
+    const Child idle("idle", waitForEver);
+    LinuxKernel kernel;
+    LinuxProcessTable table;
+    ProcessService service(table, kernel);
+    const double outerStart = rawMonotonicSeconds();
+    service.readTopProcesses(kAll);
+    const double innerStart = rawMonotonicSeconds();
+    const double busyBefore = clockOf(busy.id());
+    const std::string output =
+        toolOutput(command + " -p " + std::to_string(busy.id()) + "," + std::to_string(idle.id()));
+    const double used = clockOf(busy.id()) - busyBefore;
+    const double inner = rawMonotonicSeconds() - innerStart;
+    const std::vector<AppProcessInfo> rows = service.readTopProcesses(kAll).cpu;
+    const double outer = rawMonotonicSeconds() - outerStart;
+
+    const auto busyShare = lastShareIn(output, busy.id());
+    const auto idleShare = lastShareIn(output, idle.id());
+    const auto busyRow = rowOf(rows, busy.id());
+    const auto idleRow = rowOf(rows, idle.id());
+    ASSERT_TRUE(busyShare && idleShare && busyRow && idleRow) << output;
+    // The tools count one busy processor as 100 %.
+    const double scale = static_cast<double>(table.processorCount());
+    EXPECT_LE(*idleShare, 5);
+    EXPECT_LE(idleRow->cpuUsage * scale, 5);
+    // The tool looked for a second of the time, or for longer if the machine was busy. What the
+    // child may have used in the rest counts in favour of both.
+    const double tool = *busyShare / 100;
+    const double list = busyRow->cpuUsage * scale / 100;
+    constexpr double slack = 0.1;
+    EXPECT_LE(tool, used + slack) << output;
+    EXPECT_LE(tool, list * outer + slack) << output;
+    EXPECT_GE(tool * outer + (outer - 1) + slack, used) << output;
+    EXPECT_GE(tool * outer + (outer - 1) + slack, list * inner) << output;
+    RecordProperty("tool", std::to_string(tool));
+    RecordProperty("list", std::to_string(list));
+}
+
+INSTANTIATE_TEST_SUITE_P(Tools, LiveTool,
+                         ::testing::Values("pidstat -u 1 1", "top -b -d 1 -n 2 -w 200"),
+                         [](const auto& instance) {
+                             const std::string command = instance.param;
+                             return command.substr(0, command.find(' '));
+                         });
 
 TEST(LiveProcesses, ACommandWithSpacesBracketsAndALineBreakIsReadWhole) {
     const char name[] = "a (b) c\nd) R 1";

@@ -6,6 +6,19 @@
 namespace tarnwick::platform {
 namespace {
 
+TEST(ProcessIdentifier, IsANameOfDigits) {
+    EXPECT_EQ(parseProcessIdentifier("1"), 1);
+    EXPECT_EQ(parseProcessIdentifier("4194304"), 4194304);
+    EXPECT_EQ(parseProcessIdentifier("2147483647"), 2147483647);
+}
+
+TEST(ProcessIdentifier, IsZeroForAnyOtherName) {
+    for (const char* name : {"", ".", "..", "self", "0", "07", "-1", "+1", "1a", "1 ", " 1",
+                             "2147483648", "99999999999999999999", "sys", "1.5"}) {
+        EXPECT_EQ(parseProcessIdentifier(name), 0) << name;
+    }
+}
+
 /// A line of a 6.1 kernel for a process of this name: 1234 and 567 ticks, 2,048 pages.
 std::string lineOf(const std::string& command) {
     return "4711 (" + command +
@@ -66,15 +79,10 @@ TEST(ProcessStat, AnEarlierNegativeFieldDoesNotMatter) {
                          "-1 7 "));
 }
 
-TEST(ProcessStat, PagesBelowZeroAreNone) {
-    const auto stat = parseProcessStat("1 (a) R 0 0 0 0 0 0 0 0 0 0 5 6 0 0 0 0 0 0 0 0 -12 0\n");
-    ASSERT_TRUE(stat);
-    EXPECT_EQ(stat->residentPages, 0U);
-}
-
-TEST(ProcessStat, TimesBelowZeroAreDamage) {
+TEST(ProcessStat, FiguresBelowZeroAreDamage) {
     EXPECT_FALSE(parseProcessStat("1 (a) R 0 0 0 0 0 0 0 0 0 0 -5 6 0 0 0 0 0 0 0 0 7 0\n"));
     EXPECT_FALSE(parseProcessStat("1 (a) R 0 0 0 0 0 0 0 0 0 0 5 -6 0 0 0 0 0 0 0 0 7 0\n"));
+    EXPECT_FALSE(parseProcessStat("1 (a) R 0 0 0 0 0 0 0 0 0 0 5 6 0 0 0 0 0 0 0 0 -12 0\n"));
 }
 
 TEST(ProcessStat, TakesTheLargestNumbers) {

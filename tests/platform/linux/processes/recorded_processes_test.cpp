@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <limits>
+#include <map>
 #include <ostream>
 #include <string>
 #include <unistd.h>
@@ -40,7 +41,7 @@ std::vector<Row> rowsOf(const std::vector<AppProcessInfo>& processes) {
 
 /// The user of each machine speaks German.
 ApplicationSources sources() {
-    return {.dataFolders = {"/home/deck/.local/share", "/usr/share",
+    return {.dataFolders = {"/home/deck/.local/share", "/home/kim/.local/share", "/usr/share",
                             "/var/lib/flatpak/exports/share", "/var/lib/snapd/desktop"},
             .localeSuffixes = {"de_DE", "de"}};
 }
@@ -77,6 +78,11 @@ INSTANTIATE_TEST_SUITE_P(
             "workstation",
             {{2200, "Blender", 1'048'576}, {4410, "cc1plus", 98'304}, {4420, "Code - OSS", 65'536}},
             5},
+        Recorded{"developer",
+                 {{2300, "asteroids.x86_64", 400'000},
+                  {2150, "cc1plus", 90'000},
+                  {2206, "Launcher", 60'000}},
+                 26},
         Recorded{"handheld",
                  {{1502, "Dungeon of Doom", 1'310'720},
                   {900, "gamescope", 45'056},
@@ -117,6 +123,51 @@ TEST(RecordedLaptop, ItsProcessesHaveTheNamesThatAPersonKnows) {
     EXPECT_THAT(names,
                 ::testing::ElementsAre("systemd", "(sd-pam)", "gnome-shell", "Firefox-Webbrowser",
                                        "Firefox-Webbrowser", "Karten", "bash", "Erinnerungen"));
+}
+
+TEST(RecordedDeveloper, ProcessesAreNamedAfterWhatTheyRun) {
+    LinuxProcessTable table(testing::recordedMachine("developer"), sources());
+    testing::ScriptedKernel kernel;
+    ProcessService service(table, kernel);
+    std::map<std::int32_t, std::string> names;
+    for (const AppProcessInfo& process : service.readTopProcesses(100).cpu) {
+        names[process.id] = process.name;
+    }
+    const std::map<std::int32_t, std::string> expected = {
+        {1, "systemd"},
+        // A unit of the system with the terminal's name.
+        {700, "term-server"},
+        {2100, "Terminal"},
+        {2110, "bash"},
+        {2149, "x86_64-linux-gnu-g++-13"},
+        {2150, "cc1plus"},
+        // The script that starts the launcher, the launcher, its helper, the game.
+        {2200, "dash"},
+        {2205, "Launcher"},
+        {2206, "Launcher"},
+        {2300, "asteroids.x86_64"},
+        // The sandbox around an application.
+        {2400, "bwrap"},
+        {2401, "bwrap"},
+        {2402, "xdg-dbus-proxy"},
+        {2405, "bwrap"},
+        {2406, "bash"},
+        {2410, "Chat"},
+        {2420, "Chat"},
+        // Entries in folders of their own.
+        {2500, "Haushaltsbuch"},
+        {2600, "Chess Club"},
+        {2700, "renderer"},
+        // Before and after an update.
+        {2800, "Editor"},
+        {2810, "Editor"},
+        {2900, "Vault"},
+        // A terminal written in Python, and a program in Python that runs in it.
+        {2950, "Snake Terminal"},
+        {2951, "bash"},
+        {2952, "python3.11"},
+    };
+    EXPECT_EQ(names, expected);
 }
 
 TEST(RecordedLaptop, ABusyProcessHasItsShareOfTheEightProcessors) {
