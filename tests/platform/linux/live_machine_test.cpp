@@ -19,6 +19,7 @@
 #include "platform/linux/files/kept_file.h"
 #include "platform/linux/kernel/linux_kernel.h"
 #include "platform/linux/kernel/proc_stat.h"
+#include "platform/linux/network/linux_network_interfaces.h"
 #include "platform/linux/power/linux_process_info.h"
 #include "platform/linux/volumes/linux_volumes.h"
 #include "services/cpu_service.h"
@@ -266,6 +267,36 @@ TEST(LiveMachine, TicksGrowAndSharesAddUp) {
     EXPECT_LE(info.usagePercentage, 100.0);
     EXPECT_LE(info.userPercentage + info.systemPercentage + info.idlePercentage, 100.001);
     EXPECT_EQ(info.coreUsages.size(), static_cast<std::size_t>(info.coreCount));
+}
+
+TEST(LiveMachine, CountersAgreeWithIp) {
+    const auto ipTool = [] {
+        InterfaceTable table;
+        const std::string text = outputOf("ip -json -s link");
+        for (const auto& link : nlohmann::json::parse(text.empty() ? "[]" : text)) {
+            const auto& figures = link.at("stats64");
+            table[link.at("ifindex").get<std::uint32_t>()] = {
+                .received = figures.at("rx").at("bytes").get<std::uint64_t>(),
+                .sent = figures.at("tx").at("bytes").get<std::uint64_t>(),
+                .uses32BitCounters = false};
+        }
+        return table;
+    };
+    LinuxNetworkInterfaces interfaces;
+    const InterfaceTable before = ipTool();
+    const auto table = interfaces.interfaceCounters();
+    const InterfaceTable after = ipTool();
+    if (before.empty()) {
+        GTEST_SKIP() << "ip is not installed";
+    }
+    ASSERT_TRUE(table);
+    for (const auto& [index, counters] : *table) {
+        ASSERT_TRUE(before.contains(index) && after.contains(index)) << index;
+        EXPECT_GE(counters.received, before.at(index).received) << index;
+        EXPECT_LE(counters.received, after.at(index).received) << index;
+        EXPECT_GE(counters.sent, before.at(index).sent) << index;
+        EXPECT_LE(counters.sent, after.at(index).sent) << index;
+    }
 }
 
 double kernelUptime() {

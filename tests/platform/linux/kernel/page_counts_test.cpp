@@ -181,8 +181,7 @@ TEST(VMStatistics, NeverExceedTheTotalWhateverTheFiguresAre) {
                            .anonPages = figure(),
                            .shmem = figure(),
                            .sReclaimable = figure()};
-        const UnnamedMemory unnamed{.zram = figure().value_or(0),
-                                    .zfsCache = figure().value_or(0)};
+        const UnnamedMemory unnamed{.zram = figure().value_or(0), .zfsCache = figure().value_or(0)};
         const auto counts = vmStatistics(info, unnamed, page);
         if (!counts) {
             continue;
