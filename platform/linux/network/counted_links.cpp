@@ -52,8 +52,8 @@ std::vector<bool> linksThatCount(const std::vector<LinkNature>& links, std::stri
     std::vector<bool> counts;
     for (const LinkNature& link : links) {
         const bool isBuiltOnAnother =
-            link.below != link.index && std::ranges::find(links, link.below, &LinkNature::index) !=
-                                            links.end();
+            link.below != link.index &&
+            std::ranges::find(links, link.below, &LinkNature::index) != links.end();
         const bool isHardware = link.hasDevice && !link.isPartOfDevice && !isBuiltOnAnother;
         counts.push_back(isHardware || (isSerial && link.isPPP));
     }

@@ -4,14 +4,17 @@
 #include <cmath>
 #include <cstdint>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <sched.h>
 #include <sstream>
 #include <stdio.h>
 #include <string>
+#include <system_error>
 #include <time.h>
 #include <variant>
 #include <vector>
@@ -21,7 +24,10 @@
 #include "platform/linux/kernel/proc_stat.h"
 #include "platform/linux/network/linux_network_interfaces.h"
 #include "platform/linux/power/linux_process_info.h"
+#include "platform/linux/volumes/file_system_calls.h"
 #include "platform/linux/volumes/linux_volumes.h"
+#include "platform/linux/volumes/mountinfo.h"
+#include "platform/linux/volumes/volume_label.h"
 #include "services/cpu_service.h"
 #include "services/memory_service.h"
 #include "services/storage_service.h"
@@ -142,32 +148,44 @@ TEST(LiveMachine, MemoryIsDividedUpWithoutRemainder) {
     EXPECT_LE(info.used + info.free + info.cached, info.total);
 }
 
+/// The columns of df for the home directory's file system.
+struct Df {
+    std::string source;
+    std::string type;
+    std::int64_t size = 0;
+    std::int64_t used = 0;
+    std::int64_t available = 0;
+    /// Whole, rounded up.
+    int percent = 0;
+    std::string mountPoint;
+};
+
+std::optional<Df> dfTool(const std::string& path) {
+    std::istringstream text(outputOf(
+        "df -B1 --output=source,fstype,size,used,avail,pcent,target '" + path + "' | tail -n 1"));
+    Df found;
+    char sign = 0;
+    text >> found.source >> found.type >> found.size >> found.used >> found.available >>
+        found.percent >> sign >> std::ws;
+    std::getline(text, found.mountPoint);
+    return text.fail() || sign != '%' ? std::nullopt : std::optional(found);
+}
+
 TEST(LiveMachine, CapacityAgreesWithDf) {
     LinuxVolumes volumes;
     const std::string home = volumes.homeDirectoryForCurrentUser();
-    const std::string command = "df -B1 --output=used,avail,pcent '" + home + "'";
-    if (outputOf(command).empty()) {
-        GTEST_SKIP() << "df does not know the home directory";
+    const std::optional<Mount> mount =
+        mountOf(readWholeFile("/proc/self/mountinfo").value_or(""), home);
+    if (!dfTool(home) || !mount || hasUserQuota(*mount)) {
+        GTEST_SKIP() << "df does not know the home directory, or knows nothing of its quota";
     }
-    struct Df {
-        std::int64_t used = 0;
-        std::int64_t available = 0;
-        /// Whole, rounded up.
-        int percent = 0;
-    };
     bool agreed = false;
     std::ostringstream last;
     // On a busy disk some readings lie too far apart.
     for (int turn = 0; turn < 100 && !agreed; ++turn) {
-        const auto df = [&command] {
-            std::istringstream text(outputOf(command + " | tail -n 1"));
-            Df found;
-            text >> found.used >> found.available >> found.percent;
-            return found;
-        };
-        const Df before = df();
+        const Df before = *dfTool(home);
         const StorageInfo info = StorageService(volumes).readStorageInfo();
-        const Df after = df();
+        const Df after = *dfTool(home);
         const auto percent = static_cast<int>(std::ceil(
             100.0 * static_cast<double>(info.usedSpace) / static_cast<double>(info.totalSpace)));
         agreed = between(static_cast<std::uint64_t>(info.usedSpace), before.used, after.used) &&
@@ -175,11 +193,34 @@ TEST(LiveMachine, CapacityAgreesWithDf) {
                          after.available) &&
                  percent >= std::min(before.percent, after.percent) &&
                  percent <= std::max(before.percent, after.percent);
+        // df's size has the system's reserve in it, which is no part of ours.
+        EXPECT_LE(info.totalSpace, std::max(before.size, after.size));
         last.str("");
         last << info.usedSpace << " used, " << info.availableSpace << " available, " << percent
              << " %; df: " << after.used << ", " << after.available << ", " << after.percent;
     }
     EXPECT_TRUE(agreed) << last.str();
+}
+
+TEST(LiveMachine, TheVolumeIsTheOneThatDfNames) {
+    LinuxVolumes volumes;
+    const std::string home = volumes.homeDirectoryForCurrentUser();
+    const std::optional<Df> df = dfTool(home);
+    std::error_code error;
+    const std::optional<Mount> mount = mountOf(readWholeFile("/proc/self/mountinfo").value_or(""),
+                                               std::filesystem::canonical(home, error).native());
+    if (!df || error) {
+        GTEST_SKIP() << "df does not know the home directory";
+    }
+    ASSERT_TRUE(mount);
+    EXPECT_EQ(mount->mountPoint, df->mountPoint);
+    EXPECT_EQ(mount->type, df->type);
+    EXPECT_EQ(mount->source, df->source);
+    const std::optional<std::string> label = labelOf("/", *mount);
+    const std::string name = StorageService(volumes).readStorageInfo().name;
+    EXPECT_TRUE(name == df->mountPoint || label == name ||
+                systemCalls().label(df->mountPoint) == name)
+        << name;
 }
 
 TEST(LiveMachine, TheVolumeHasAName) {

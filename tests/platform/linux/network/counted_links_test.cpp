@@ -61,8 +61,8 @@ TEST(RecordedNetworks, AreAllInTheTableAndTheNote) {
 
 TEST(RecordedNetworks, MoveWhatGoesOverTheWire) {
     for (const Network& expected : networks()) {
-        const auto table =
-            LinuxNetworkInterfaces(recordedMachine("networks/" + expected.name)).interfaceCounters();
+        const auto table = LinuxNetworkInterfaces(recordedMachine("networks/" + expected.name))
+                               .interfaceCounters();
         ASSERT_TRUE(table) << expected.name;
         std::uint64_t received = 0;
         std::uint64_t sent = 0;
