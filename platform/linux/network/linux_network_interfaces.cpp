@@ -48,7 +48,7 @@ std::optional<std::uint32_t> flagsIn(const FileDescriptor& file) {
 }
 
 // The number in a small file of an interface.
-std::optional<std::uint32_t> numberIn(const FileDescriptor& folder, const std::string& path) {
+std::optional<std::uint32_t> numberInFile(const FileDescriptor& folder, const std::string& path) {
     const FileDescriptor file(folder, path.c_str());
     NumberText buffer;
     return file.isOpen() ? parseInterfaceNumber(textOf(file, buffer)) : std::nullopt;
@@ -120,9 +120,9 @@ LinkNature LinuxNetworkInterfaces::natureOf(const Link& link) const {
     if (nature.hasDevice) {
         const std::string master = masterOf(folder_, link.name);
         nature.isPartOfDevice = !master.empty() && hasDevice(folder_, master);
-        nature.below = numberIn(folder_, link.name + "/iflink").value_or(link.index);
+        nature.below = numberInFile(folder_, link.name + "/iflink").value_or(link.index);
     } else if (nature.isPointToPoint) {
-        nature.isPPP = numberIn(folder_, link.name + "/type") == kTypeOfPPP;
+        nature.isPPP = numberInFile(folder_, link.name + "/type") == kTypeOfPPP;
     }
     return nature;
 }
@@ -174,7 +174,7 @@ bool LinuxNetworkInterfaces::follow(const std::vector<NetworkDevice>& devices) {
 
 void LinuxNetworkInterfaces::open(Link& link) const {
     link.flags.close();
-    if (const auto index = numberIn(folder_, link.name + "/ifindex")) {
+    if (const auto index = numberInFile(folder_, link.name + "/ifindex")) {
         if (*index != std::exchange(link.index, *index)) {
             link.lastFlags.reset();
         }

@@ -33,15 +33,14 @@ std::optional<Mount> parseLine(std::string_view line) {
     do {
         field = takeField(line);
     } while (field && *field != "-");
-    const std::optional<std::string_view> type = takeField(line);
+    takeField(line);
     const std::optional<std::string_view> source = takeField(line);
-    if (!field || !type || !source) {
+    if (!field || !source) {
         return std::nullopt;
     }
     return Mount{.mountPoint = decodedOctalEscapes(*mountPoint),
                  .source = decodedOctalEscapes(*source),
                  .device = std::string(*device),
-                 .type = std::string(*type),
                  .options = std::string(line)};
 }
 

@@ -17,8 +17,6 @@ struct Mount {
     /// Numbers of the device, such as "259:3"; they begin with "0:" where the file system is not
     /// that of one device.
     std::string device{};
-    /// Such as "ext4".
-    std::string type{};
     /// Of the file system, with commas between them.
     std::string options{};
 

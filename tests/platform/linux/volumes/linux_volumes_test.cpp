@@ -322,6 +322,13 @@ TEST_F(AskedFileSystems, OnlyOneWithLimitsIsAskedForThem) {
     EXPECT_GT(disks.attributesOfFileSystemForPath("/home/ada")->size.value_or(0), 100);
 }
 
+TEST(SystemCalls, GiveNothingWhereThereIsNothingToTell) {
+    EXPECT_EQ(systemCalls().label("/proc"), std::nullopt);
+    EXPECT_EQ(systemCalls().label("/no such folder"), std::nullopt);
+    EXPECT_FALSE(systemCalls().userQuota("/dev/null"));
+    EXPECT_FALSE(systemCalls().userQuota("/no such device"));
+}
+
 TEST(LabelIn, EndsAtANullByteOrNotAtAll) {
     EXPECT_EQ(labelIn(std::string_view("pool\0rest", 9)), "pool");
     EXPECT_EQ(labelIn("pool"), "pool");

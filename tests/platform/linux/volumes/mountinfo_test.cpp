@@ -79,12 +79,11 @@ TEST(MountOf, ATruncatedTextGivesMountsThatAreInIt) {
     }
 }
 
-TEST(MountOf, KnowsTheDeviceTheTypeAndTheOptions) {
+TEST(MountOf, KnowsTheDeviceAndTheOptions) {
     EXPECT_EQ(mountOf(recordedFile("volumes/quota", "proc/self/mountinfo"), "/home/ada"),
               (Mount{.mountPoint = "/home",
                      .source = "/dev/sda2",
                      .device = "8:2",
-                     .type = "ext4",
                      .options = "rw,usrquota,grpquota"}));
 }
 
