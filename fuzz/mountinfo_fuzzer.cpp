@@ -16,6 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::string path = "/" + std::string(text.substr(0, line));
     const auto mount = tarnwick::platform::mountOf(text.substr(line), path);
     require(!mount || (mount->mountPoint.starts_with('/') && path.starts_with(mount->mountPoint)));
+    require(!mount || !tarnwick::platform::hasUserQuota(*mount) ||
+            mount->options.find("quota") != std::string::npos);
     require(tarnwick::platform::decodedOctalEscapes(text).size() <= size);
     require(tarnwick::platform::decodedHexEscapes(text).size() <= size);
     return 0;

@@ -6,7 +6,7 @@
 
 #include "fuzz/fuzzer.h"
 #include "platform/linux/kernel/proc_stat.h"
-#include "platform/linux/kernel/processor_positions.h"
+#include "platform/linux/kernel/processor_counts.h"
 
 using tarnwick::fuzz::require;
 using tarnwick::platform::ProcessorTicks;
@@ -23,9 +23,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<ProcessorTicks> fewer;
     require(tarnwick::platform::parseProcessorTicks(text.substr(0, size / 2), fewer) ==
             !fewer.empty());
-    tarnwick::platform::ProcessorPositions positions;
+    tarnwick::platform::ProcessorCounts counts;
     for (const auto* reading : {&processors, &fewer, &processors}) {
-        require(positions.words(*reading).size() == reading->size() * 4);
+        require(counts.words(*reading).size() == reading->size() * 4);
     }
 
     const auto bootTime = tarnwick::platform::parseBootTime(text);

@@ -4,6 +4,7 @@
 #include <unistd.h>
 #include <utility>
 
+#include "platform/linux/kernel/page_counts.h"
 #include "platform/linux/kernel/proc_uptime.h"
 
 namespace tarnwick::platform {
@@ -23,7 +24,8 @@ LinuxKernel::LinuxKernel(const std::string& root, std::function<double()> sinceB
       onlineProcessors_(root),
       stat_(belowRoot(root, "proc/stat")),
       memInfoFile_(belowRoot(root, "proc/meminfo")),
-      zram_(root) {}
+      zram_(root),
+      zfs_(root) {}
 
 std::optional<std::int32_t> LinuxKernel::logicalCPUCount() {
     return onlineProcessors_.count();
@@ -50,9 +52,10 @@ HostStatistics LinuxKernel::hostStatistics64() {
     if (memInfoError_ != 0) {
         return {.result = memInfoError_, .statistics = {}};
     }
-    const std::uint64_t zramBytes =
-        zram_.memoryUsed(memInfoReadAt_, memInfo_.swapTotal.value_or(0));
-    const std::optional<VMStatistics> statistics = vmStatistics(memInfo_, zramBytes, pageSize_);
+    const UnnamedMemory unnamed{
+        .zram = zram_.memoryUsed(memInfoReadAt_, memInfo_.swapTotal.value_or(0)),
+        .zfsCache = zfs_.reclaimable(memInfoReadAt_, memInfo_.memTotal.value_or(0))};
+    const std::optional<VMStatistics> statistics = vmStatistics(memInfo_, unnamed, pageSize_);
     if (!statistics) {
         return {.result = EIO, .statistics = {}};
     }
@@ -82,7 +85,7 @@ HostProcessorInfo LinuxKernel::hostProcessorInfo() {
         info.result = EIO;
     } else {
         info.processorCount = static_cast<std::uint32_t>(ticks_.size());
-        info.words = positions_.words(ticks_);
+        info.words = counts_.words(ticks_);
     }
     return info;
 }

@@ -14,7 +14,8 @@
 #include "platform/linux/kernel/online_processors.h"
 #include "platform/linux/kernel/proc_meminfo.h"
 #include "platform/linux/kernel/proc_stat.h"
-#include "platform/linux/kernel/processor_positions.h"
+#include "platform/linux/kernel/processor_counts.h"
+#include "platform/linux/kernel/zfs_cache.h"
 #include "platform/linux/kernel/zram_devices.h"
 
 namespace tarnwick::platform {
@@ -31,13 +32,14 @@ class LinuxKernel final : public Kernel {
     /// The memory that the kernel manages: a little less than what is installed.
     std::optional<std::uint64_t> memorySize() override;
     std::optional<SwapUsage> swapUsage() override;
-    /// The processors that are online, in the kernel's order. The result is the error of the read,
+    /// The processors that are online, in the kernel's order; counted from the first call on. The
+    /// result is the error of the read,
     /// or EIO for a damaged file.
     HostProcessorInfo hostProcessorInfo() override;
-    /// External is the page cache without shared memory and with reclaimable kernel memory,
-    /// internal is anonymous and shared memory, the compressor is compressed swap in memory, wired
-    /// is the rest. No page counts as purgeable or speculative. The result is the error of the
-    /// read, or EIO for a damaged file.
+    /// External is what of the page cache, of the kernel's own caches and of that of ZFS is
+    /// available, internal is anonymous and shared memory, the compressor is compressed swap in
+    /// memory, wired is what else is in use. No page counts as purgeable or speculative. The result
+    /// is the error of the read, or EIO for a damaged file.
     HostStatistics hostStatistics64() override;
     std::optional<TimeValue> bootTime() override;
     std::uint64_t pageSize() override;
@@ -63,12 +65,13 @@ class LinuxKernel final : public Kernel {
     // Guarded by statLock_.
     KeptFile stat_;
     std::vector<ProcessorTicks> ticks_;
-    ProcessorPositions positions_;
+    ProcessorCounts counts_;
 
     std::mutex memoryLock_;
     // Guarded by memoryLock_.
     KeptFile memInfoFile_;
     ZramDevices zram_;
+    ZfsCache zfs_;
     MemInfo memInfo_;
     /// Error of the last read of the file; 0 when it could be read.
     int memInfoError_ = 0;

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <limits>
 #include <system_error>
 
 namespace tarnwick::platform {
@@ -15,9 +14,10 @@ struct Line {
     std::optional<std::uint64_t> MemInfo::*field;
 };
 
-constexpr std::array<Line, 10> kLines = {{
+constexpr std::array<Line, 11> kLines = {{
     {"MemTotal:", &MemInfo::memTotal},
     {"MemFree:", &MemInfo::memFree},
+    {"MemAvailable:", &MemInfo::memAvailable},
     {"Buffers:", &MemInfo::buffers},
     {"Cached:", &MemInfo::cached},
     {"SwapTotal:", &MemInfo::swapTotal},
@@ -67,42 +67,6 @@ MemInfo parseMemInfo(std::string_view text) {
         }
     }
     return info;
-}
-
-std::uint32_t pagesOf(std::uint64_t bytes, std::uint64_t pageSize) {
-    if (pageSize == 0) {
-        return 0;
-    }
-    const std::uint64_t remainder = bytes % pageSize;
-    const std::uint64_t pages = bytes / pageSize + (remainder >= pageSize - remainder ? 1 : 0);
-    return static_cast<std::uint32_t>(
-        std::min<std::uint64_t>(pages, std::numeric_limits<std::uint32_t>::max()));
-}
-
-std::optional<VMStatistics> vmStatistics(const MemInfo& info, std::uint64_t zramBytes,
-                                         std::uint64_t pageSize) {
-    if (!info.memTotal || *info.memTotal == 0 || !info.memFree || *info.memFree > *info.memTotal) {
-        return std::nullopt;
-    }
-    const std::uint64_t total = *info.memTotal;
-    const auto bytes = [total](const std::optional<std::uint64_t>& figure) {
-        return figure && *figure <= total ? *figure : 0;
-    };
-    const std::uint64_t free = *info.memFree;
-    const std::uint64_t shared = bytes(info.shmem);
-    const std::uint64_t internal = bytes(info.anonPages) + shared;
-    const std::uint64_t files = bytes(info.buffers) + bytes(info.cached) + bytes(info.sReclaimable);
-    const std::uint64_t external = files - std::min(files, shared);
-    const std::uint64_t compressor = bytes(info.zswap) + bytes(zramBytes);
-    const std::uint64_t named = free + internal + external + compressor;
-
-    VMStatistics statistics;
-    statistics.free_count = pagesOf(free, pageSize);
-    statistics.wire_count = pagesOf(total - std::min(total, named), pageSize);
-    statistics.compressor_page_count = pagesOf(compressor, pageSize);
-    statistics.external_page_count = pagesOf(external, pageSize);
-    statistics.internal_page_count = pagesOf(internal, pageSize);
-    return statistics;
 }
 
 std::optional<SwapUsage> swapUsageOf(const MemInfo& info) {

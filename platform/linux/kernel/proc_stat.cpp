@@ -7,23 +7,6 @@ namespace tarnwick::platform {
 
 namespace {
 
-bool isDigit(char character) {
-    return character >= '0' && character <= '9';
-}
-
-// Removes a run of digits from the front and stores its number modulo 2^32. False if there is none.
-bool takeCounter(std::string_view& text, std::uint32_t& counter) {
-    std::size_t length = 0;
-    std::uint32_t value = 0;
-    while (length < text.size() && isDigit(text[length])) {
-        value = value * 10U + static_cast<std::uint32_t>(text[length] - '0');
-        ++length;
-    }
-    text.remove_prefix(length);
-    counter = value;
-    return length > 0;
-}
-
 // The line after "cpu", such as "0 8857 0 5712 279498 2482 0 131 360 0 0". Old kernels have fewer
 // columns, but never fewer than four.
 bool parseProcessor(std::string_view line, ProcessorTicks& ticks) {
@@ -34,8 +17,6 @@ bool parseProcessor(std::string_view line, ProcessorTicks& ticks) {
     }
     line.remove_prefix(static_cast<std::size_t>(rest - line.data()));
 
-    enum Column { user, nice, system, idle, iowait, irq, softirq, steal, columnCount };
-    std::array<std::uint32_t, columnCount> columns{};
     std::size_t column = 0;
     while (!line.empty()) {
         if (line.front() != ' ') {
@@ -45,22 +26,18 @@ bool parseProcessor(std::string_view line, ProcessorTicks& ticks) {
         if (line.empty()) {
             break;
         }
-        std::uint32_t counter = 0;
-        if (!takeCounter(line, counter)) {
+        std::uint64_t counter = 0;
+        const auto [next, fault] = std::from_chars(line.data(), end, counter);
+        if (fault != std::errc()) {
             return false;
         }
-        if (column < columns.size()) {
-            columns[column] = counter;
+        line.remove_prefix(static_cast<std::size_t>(next - line.data()));
+        if (column < ticks.columns.size()) {
+            ticks.columns[column] = counter;
         }
         ++column;
     }
-    if (column <= idle) {
-        return false;
-    }
-    ticks.words = {columns[user],
-                   columns[system] + columns[irq] + columns[softirq] + columns[steal],
-                   columns[idle] + columns[iowait], columns[nice]};
-    return true;
+    return column > ProcessorTicks::idle;
 }
 
 }  // namespace

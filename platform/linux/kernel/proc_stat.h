@@ -11,11 +11,13 @@ namespace tarnwick::platform {
 
 /// Cumulative ticks of one processor that is online.
 struct ProcessorTicks {
+    /// Time given to guests is already inside user and nice.
+    enum Column { user, nice, system, idle, ioWait, irq, softIrq, steal, columnCount };
+
     /// The kernel's number of the processor. Offline processors leave gaps.
     std::uint32_t processor = 0;
-    /// user, system (with interrupts and stolen time), idle (with waiting for input and output),
-    /// nice; each modulo 2^32. Time given to guests is already inside user and nice.
-    std::array<std::uint32_t, 4> words{};
+    /// 0 for what an old kernel does not tell.
+    std::array<std::uint64_t, columnCount> columns{};
 
     bool operator==(const ProcessorTicks&) const = default;
 };

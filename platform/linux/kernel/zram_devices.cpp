@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <charconv>
-#include <filesystem>
 #include <limits>
 #include <system_error>
 
@@ -28,7 +27,22 @@ std::optional<std::uint64_t> parseZramMemoryUsed(std::string_view mmStat) {
     return value;
 }
 
-ZramDevices::ZramDevices(const std::string& root) : folder_(belowRoot(root, "sys/block")) {}
+std::vector<std::string_view> parseZramSwaps(std::string_view swaps) {
+    std::vector<std::string_view> names;
+    std::size_t end = 0;
+    while ((end = swaps.find('\n')) != std::string_view::npos) {
+        const std::string_view path = swaps.substr(0, swaps.substr(0, end).find_first_of(" \t"));
+        swaps.remove_prefix(end + 1);
+        const std::string_view name = path.substr(path.rfind('/') + 1);
+        if (path.starts_with('/') && name.starts_with("zram") && name.size() > 4 &&
+            name.find_first_not_of("0123456789", 4) == std::string_view::npos) {
+            names.push_back(name);
+        }
+    }
+    return names;
+}
+
+ZramDevices::ZramDevices(const std::string& root) : root_(root) {}
 
 std::uint64_t ZramDevices::memoryUsed(double now, std::uint64_t swapTotal) {
     const double age = now - searchedAt_;
@@ -49,12 +63,10 @@ std::uint64_t ZramDevices::memoryUsed(double now, std::uint64_t swapTotal) {
 
 void ZramDevices::findDevices() {
     statistics_.clear();
-    std::error_code error;
-    std::filesystem::directory_iterator entry(folder_, error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        if (entry->path().filename().native().starts_with("zram")) {
-            statistics_.emplace_back((entry->path() / "mm_stat").native(), 256);
-        }
+    const std::string swaps = readWholeFile(belowRoot(root_, "proc/swaps")).value_or("");
+    for (const std::string_view name : parseZramSwaps(swaps)) {
+        statistics_.emplace_back(belowRoot(root_, "sys/block/" + std::string(name) + "/mm_stat"),
+                                 256);
     }
 }
 

@@ -3,15 +3,22 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <fcntl.h>
 #include <string_view>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <unistd.h>
+#include <utility>
 
 namespace tarnwick::platform {
 
 namespace {
 
 constexpr std::size_t kUsualListSize = 4096;
+constexpr double kLongestChoice = 30;
+// A bit of the flags, and one of the hardware types of links.
+constexpr std::uint32_t kPointToPoint = 0x10;
+constexpr std::uint32_t kTypeOfPPP = 512;
 
 // Room for a number and its line break. A full buffer would mean a longer text.
 using NumberText = std::array<char, 32>;
@@ -40,10 +47,34 @@ std::optional<std::uint32_t> flagsIn(const FileDescriptor& file) {
     return parseInterfaceFlags(textOf(file, buffer));
 }
 
+// The number in a small file of an interface.
+std::optional<std::uint32_t> numberInFile(const FileDescriptor& folder, const std::string& path) {
+    const FileDescriptor file(folder, path.c_str());
+    NumberText buffer;
+    return file.isOpen() ? parseInterfaceNumber(textOf(file, buffer)) : std::nullopt;
+}
+
+// Whether the interface has a link to its device. The link is there as long as the device is.
+bool hasDevice(const FileDescriptor& folder, const std::string& name) {
+    struct stat link {};
+    return ::fstatat(folder.get(), (name + "/device").c_str(), &link, AT_SYMLINK_NOFOLLOW) == 0;
+}
+
+// The name of the interface that has taken this one in; empty if there is none.
+std::string masterOf(const FileDescriptor& folder, const std::string& name) {
+    std::array<char, 512> target;
+    const ssize_t size =
+        ::readlinkat(folder.get(), (name + "/master").c_str(), target.data(), target.size());
+    const std::string_view path(target.data(), size < 0 ? 0 : static_cast<std::size_t>(size));
+    return std::string(path.substr(path.rfind('/') + 1));
+}
+
 }  // namespace
 
-LinuxNetworkInterfaces::LinuxNetworkInterfaces(const std::string& root)
-    : folderPath_(belowRoot(root, "sys/class/net")),
+LinuxNetworkInterfaces::LinuxNetworkInterfaces(const std::string& root,
+                                               std::function<double()> sinceBoot)
+    : root_(root),
+      sinceBoot_(std::move(sinceBoot)),
       list_(belowRoot(root, "proc/net/dev"), kUsualListSize, KeptFile::Delivery::inParts) {}
 
 std::optional<InterfaceTable> LinuxNetworkInterfaces::interfaceCounters() {
@@ -53,17 +84,70 @@ std::optional<InterfaceTable> LinuxNetworkInterfaces::interfaceCounters() {
     if (!devices || !follow(*devices)) {
         return std::nullopt;
     }
+    const double age = sinceBoot_() - chosenAt_;
+    if (readFlags() || age < 0 || age >= kLongestChoice) {
+        choose();
+    }
     InterfaceTable interfaces;
     interfaces.reserve(devices->size());
     for (std::size_t place = 0; place < devices->size(); ++place) {
-        const auto flags = currentFlags(place);
-        if (flags && isCounted(*flags)) {
+        if (links_[place].counts) {
             const NetworkDevice& device = (*devices)[place];
             interfaces[links_[place].index] = {
                 .received = device.received, .sent = device.sent, .uses32BitCounters = false};
         }
     }
     return interfaces;
+}
+
+bool LinuxNetworkInterfaces::readFlags() {
+    bool changed = false;
+    for (std::size_t place = 0; place < links_.size(); ++place) {
+        const std::optional<std::uint32_t> flags = currentFlags(place);
+        Link& link = links_[place];
+        changed = changed || flags != link.lastFlags;
+        link.lastFlags = flags;
+    }
+    return changed;
+}
+
+LinkNature LinuxNetworkInterfaces::natureOf(const Link& link) const {
+    LinkNature nature{.name = link.name,
+                      .index = link.index,
+                      .below = link.index,
+                      .hasDevice = hasDevice(folder_, link.name),
+                      .isPointToPoint = (*link.lastFlags & kPointToPoint) != 0};
+    if (nature.hasDevice) {
+        const std::string master = masterOf(folder_, link.name);
+        nature.isPartOfDevice = !master.empty() && hasDevice(folder_, master);
+        nature.below = numberInFile(folder_, link.name + "/iflink").value_or(link.index);
+    } else if (nature.isPointToPoint) {
+        nature.isPPP = numberInFile(folder_, link.name + "/type") == kTypeOfPPP;
+    }
+    return nature;
+}
+
+void LinuxNetworkInterfaces::choose() {
+    std::vector<Link*> active;
+    std::vector<LinkNature> natures;
+    for (Link& link : links_) {
+        link.counts = false;
+        if (link.lastFlags && isCounted(*link.lastFlags)) {
+            active.push_back(&link);
+            natures.push_back(natureOf(link));
+        }
+    }
+    std::string routes;
+    std::string pppoe;
+    if (needsRoutes(natures)) {
+        routes = readWholeFile(belowRoot(root_, "proc/net/route")).value_or("");
+        pppoe = readWholeFile(belowRoot(root_, "proc/net/pppoe")).value_or("");
+    }
+    const std::vector<bool> counts = linksThatCount(natures, routes, pppoe);
+    for (std::size_t place = 0; place < active.size(); ++place) {
+        active[place]->counts = counts[place];
+    }
+    chosenAt_ = sinceBoot_();
 }
 
 bool LinuxNetworkInterfaces::follow(const std::vector<NetworkDevice>& devices) {
@@ -76,7 +160,7 @@ bool LinuxNetworkInterfaces::follow(const std::vector<NetworkDevice>& devices) {
         return true;
     }
     links_.clear();
-    folder_ = FileDescriptor(folderPath_);
+    folder_ = FileDescriptor(belowRoot(root_, "sys/class/net"));
     if (!folder_.isOpen()) {
         return false;
     }
@@ -90,12 +174,10 @@ bool LinuxNetworkInterfaces::follow(const std::vector<NetworkDevice>& devices) {
 
 void LinuxNetworkInterfaces::open(Link& link) const {
     link.flags.close();
-    NumberText buffer;
-    const FileDescriptor indexFile(folder_, (link.name + "/ifindex").c_str());
-    const auto index = indexFile.isOpen() ? parseInterfaceIndex(textOf(indexFile, buffer))
-                                          : std::optional<std::uint32_t>();
-    if (index) {
-        link.index = *index;
+    if (const auto index = numberInFile(folder_, link.name + "/ifindex")) {
+        if (*index != std::exchange(link.index, *index)) {
+            link.lastFlags.reset();
+        }
         link.flags = FileDescriptor(folder_, (link.name + "/flags").c_str());
     }
 }

@@ -104,7 +104,7 @@ std::optional<std::vector<NetworkDevice>> parseNetworkDevices(std::string_view t
     return devices;
 }
 
-std::optional<std::uint32_t> parseInterfaceIndex(std::string_view text) {
+std::optional<std::uint32_t> parseInterfaceNumber(std::string_view text) {
     const auto index = numberIn<std::uint32_t>(withoutLineEnd(text), 10);
     return index && *index != 0 ? index : std::nullopt;
 }

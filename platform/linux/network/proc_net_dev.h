@@ -21,8 +21,8 @@ struct NetworkDevice {
 /// damaged.
 std::optional<std::vector<NetworkDevice>> parseNetworkDevices(std::string_view text);
 
-/// /sys/class/net/NAME/ifindex. Absent for anything but a number above 0.
-std::optional<std::uint32_t> parseInterfaceIndex(std::string_view text);
+/// /sys/class/net/NAME/ifindex, iflink or type. Absent for anything but a number above 0.
+std::optional<std::uint32_t> parseInterfaceNumber(std::string_view text);
 
 /// /sys/class/net/NAME/flags, such as "0x1003". Absent for anything else.
 std::optional<std::uint32_t> parseInterfaceFlags(std::string_view text);

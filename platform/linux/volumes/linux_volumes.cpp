@@ -11,8 +11,6 @@
 #include <vector>
 
 #include "platform/linux/files/kept_file.h"
-#include "platform/linux/volumes/mountinfo.h"
-#include "platform/linux/volumes/volume_capacity.h"
 #include "platform/linux/volumes/volume_label.h"
 
 namespace tarnwick::platform {
@@ -45,20 +43,21 @@ std::string homeDirectory(const std::optional<std::string>& choice) {
     return variable != nullptr && variable[0] == '/' ? variable : homeFromPasswordDatabase();
 }
 
-std::optional<VolumeCapacity> capacityOf(const std::string& path) {
-    struct statvfs figures {};
-    int result = 0;
-    do {
-        result = ::statvfs(path.c_str(), &figures);
-    } while (result != 0 && errno == EINTR);
-    return result != 0 ? std::nullopt : std::optional(volumeCapacity(figures));
+FileSystemCalls noCalls() {
+    return {.label = [](const std::string&) { return std::nullopt; },
+            .userQuota = [](const std::string&) { return std::nullopt; }};
 }
 
 }  // namespace
 
 LinuxVolumes::LinuxVolumes(std::string root, std::optional<std::string> home,
-                           std::function<double()> sinceBoot)
-    : root_(std::move(root)), home_(homeDirectory(home)), sinceBoot_(std::move(sinceBoot)) {}
+                           std::function<double()> sinceBoot, std::optional<FileSystemCalls> calls)
+    : root_(std::move(root)),
+      home_(homeDirectory(home)),
+      sinceBoot_(std::move(sinceBoot)),
+      calls_(calls          ? *std::move(calls)
+             : root_ == "/" ? systemCalls()
+                            : noCalls()) {}
 
 std::string LinuxVolumes::homeDirectoryForCurrentUser() {
     return home_;
@@ -66,11 +65,11 @@ std::string LinuxVolumes::homeDirectoryForCurrentUser() {
 
 std::variant<VolumeResourceValues, VolumeError> LinuxVolumes::resourceValues(
     const std::string& path) {
-    const std::optional<VolumeCapacity> capacity = capacityOf(belowRoot(root_, path));
+    const std::optional<VolumeCapacity> capacity = capacityOf(path);
     if (!capacity) {
-        return VolumeResourceValues{.name = nameOfVolume(path, 0)};
+        return VolumeResourceValues{.name = volumeOf(path, 0).name};
     }
-    return VolumeResourceValues{.name = nameOfVolume(path, capacity->fileSystem),
+    return VolumeResourceValues{.name = volumeOf(path, capacity->fileSystem).name,
                                 .totalCapacity = capacity->total,
                                 .availableCapacityForImportantUsage = std::nullopt,
                                 .availableCapacity = capacity->available};
@@ -78,29 +77,51 @@ std::variant<VolumeResourceValues, VolumeError> LinuxVolumes::resourceValues(
 
 std::optional<FileSystemAttributes> LinuxVolumes::attributesOfFileSystemForPath(
     const std::string& path) {
-    const std::optional<VolumeCapacity> capacity = capacityOf(belowRoot(root_, path));
+    const std::optional<VolumeCapacity> capacity = capacityOf(path);
     if (!capacity) {
         return std::nullopt;
     }
     return FileSystemAttributes{.size = capacity->total, .freeSize = capacity->available};
 }
 
-std::string LinuxVolumes::nameOfVolume(const std::string& path, unsigned long fileSystem) {
+std::optional<VolumeCapacity> LinuxVolumes::capacityOf(const std::string& path) {
+    struct statvfs figures {};
+    int result = 0;
+    do {
+        result = ::statvfs(belowRoot(root_, path).c_str(), &figures);
+    } while (result != 0 && errno == EINTR);
+    if (result != 0) {
+        return std::nullopt;
+    }
+    const VolumeCapacity capacity = volumeCapacity(figures);
+    const std::string device = volumeOf(path, capacity.fileSystem).quotaDevice;
+    const std::optional<UserQuota> quota = device.empty() ? std::nullopt : calls_.userQuota(device);
+    return quota ? withinQuota(capacity, *quota) : capacity;
+}
+
+LinuxVolumes::Volume LinuxVolumes::volumeOf(const std::string& path, unsigned long fileSystem) {
     const std::lock_guard guard(lock_);
     const double now = sinceBoot_();
     if (!known_ || known_->path != path || known_->fileSystem != fileSystem ||
         now < known_->foundAt || now - known_->foundAt >= kLongestAgeOfName) {
         // Falls back to "/": every path lies below the root, even if the mount table does not show
         // it.
-        known_ = KnownName{.path = path,
-                           .fileSystem = fileSystem,
-                           .foundAt = now,
-                           .name = findName(path).value_or("/")};
+        known_ = Volume{.path = path, .fileSystem = fileSystem, .foundAt = now, .name = "/"};
+        if (const std::optional<Mount> mount = findMount(path)) {
+            known_->name = mount->mountPoint;
+            if (mount->source.starts_with('/')) {
+                std::optional<std::string> label = labelOf(root_, *mount);
+                // Of a file system on several devices only one may be listed.
+                label = label ? label : calls_.label(mount->mountPoint);
+                known_->name = label.value_or(mount->mountPoint);
+                known_->quotaDevice = hasUserQuota(*mount) ? mount->source : "";
+            }
+        }
     }
-    return known_->name;
+    return *known_;
 }
 
-std::optional<std::string> LinuxVolumes::findName(const std::string& path) const {
+std::optional<Mount> LinuxVolumes::findMount(const std::string& path) const {
     const std::optional<std::string> mountInfo =
         readWholeFile(belowRoot(root_, "proc/self/mountinfo"));
     if (!mountInfo) {
@@ -115,16 +136,7 @@ std::optional<std::string> LinuxVolumes::findName(const std::string& path) const
     if (error || real.empty()) {
         return std::nullopt;
     }
-    const std::optional<Mount> mount = mountOf(*mountInfo, real == "." ? "/" : "/" + real.native());
-    if (!mount) {
-        return std::nullopt;
-    }
-    if (mount->source.starts_with('/')) {
-        if (std::optional<std::string> label = labelOfDevice(root_, mount->source)) {
-            return label;
-        }
-    }
-    return mount->mountPoint;
+    return mountOf(*mountInfo, real == "." ? "/" : "/" + real.native());
 }
 
 }  // namespace tarnwick::platform

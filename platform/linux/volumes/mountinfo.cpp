@@ -1,5 +1,6 @@
 #include "platform/linux/volumes/mountinfo.h"
 
+#include <algorithm>
 #include <utility>
 
 namespace tarnwick::platform {
@@ -19,13 +20,12 @@ std::optional<std::string_view> takeField(std::string_view& line) {
 
 // "36 35 98:0 /root /mount/point rw,noatime master:1 - ext4 /dev/source rw"
 std::optional<Mount> parseLine(std::string_view line) {
-    for (int field = 0; field < 4; ++field) {
-        if (!takeField(line)) {
-            return std::nullopt;
-        }
-    }
+    takeField(line);
+    takeField(line);
+    const std::optional<std::string_view> device = takeField(line);
+    takeField(line);
     const std::optional<std::string_view> mountPoint = takeField(line);
-    if (!mountPoint || !mountPoint->starts_with('/')) {
+    if (!device || !mountPoint || !mountPoint->starts_with('/')) {
         return std::nullopt;
     }
     // Any number of optional fields follows; a single dash ends them.
@@ -33,15 +33,15 @@ std::optional<Mount> parseLine(std::string_view line) {
     do {
         field = takeField(line);
     } while (field && *field != "-");
-    if (!field || !takeField(line)) {
-        return std::nullopt;
-    }
+    takeField(line);
     const std::optional<std::string_view> source = takeField(line);
-    if (!source) {
+    if (!field || !source) {
         return std::nullopt;
     }
     return Mount{.mountPoint = decodedOctalEscapes(*mountPoint),
-                 .source = decodedOctalEscapes(*source)};
+                 .source = decodedOctalEscapes(*source),
+                 .device = std::string(*device),
+                 .options = std::string(line)};
 }
 
 bool holds(std::string_view mountPoint, std::string_view path) {
@@ -65,6 +65,18 @@ std::optional<Mount> mountOf(std::string_view mountInfo, std::string_view path) 
             best = std::move(mount);
         }
     }
+}
+
+bool hasUserQuota(const Mount& mount) {
+    std::string_view rest = mount.options;
+    while (!rest.empty()) {
+        const std::string_view option = rest.substr(0, rest.find(','));
+        rest.remove_prefix(std::min(option.size() + 1, rest.size()));
+        if (option == "usrquota" || option == "quota" || option.starts_with("usrjquota=")) {
+            return true;
+        }
+    }
+    return false;
 }
 
 std::string decodedOctalEscapes(std::string_view text) {

@@ -1,5 +1,6 @@
 #include "platform/linux/volumes/volume_capacity.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace tarnwick::platform {
@@ -28,6 +29,23 @@ VolumeCapacity volumeCapacity(const struct statvfs& figures) {
     return {.total = used > kLargest - available ? kLargest : used + available,
             .available = available,
             .fileSystem = figures.f_fsid};
+}
+
+VolumeCapacity withinQuota(const VolumeCapacity& capacity, const UserQuota& quota) {
+    std::uint64_t limit = std::min(quota.softLimit, quota.hardLimit);
+    if (limit == 0) {
+        limit = std::max(quota.softLimit, quota.hardLimit);
+    }
+    if (limit == 0 || limit >= static_cast<std::uint64_t>(capacity.total)) {
+        return capacity;
+    }
+    const std::uint64_t left = limit - std::min(limit, quota.used);
+    const std::uint64_t available = std::min(static_cast<std::uint64_t>(capacity.available), left);
+    const std::uint64_t used =
+        std::min(quota.used, static_cast<std::uint64_t>(kLargest) - available);
+    return {.total = static_cast<std::int64_t>(used + available),
+            .available = static_cast<std::int64_t>(available),
+            .fileSystem = capacity.fileSystem};
 }
 
 }  // namespace tarnwick::platform

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <sys/statvfs.h>
 
+#include "platform/linux/volumes/file_system_calls.h"
+
 namespace tarnwick::platform {
 
 /// Bytes; from 0 to the largest number that fits.
@@ -18,5 +20,9 @@ struct VolumeCapacity {
 };
 
 VolumeCapacity volumeCapacity(const struct statvfs& figures);
+
+/// The part of the file system that is this user's: what the user has used and may still fill.
+/// Without a limit below the capacity it is all of it.
+VolumeCapacity withinQuota(const VolumeCapacity& capacity, const UserQuota& quota);
 
 }  // namespace tarnwick::platform

@@ -1,8 +1,12 @@
 #include "platform/linux/volumes/volume_label.h"
 
+#include <algorithm>
 #include <charconv>
 #include <filesystem>
+#include <sstream>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 #include "platform/linux/files/kept_file.h"
 
@@ -27,17 +31,29 @@ std::string decodedHexEscapes(std::string_view text) {
     return decoded;
 }
 
-std::optional<std::string> labelOfDevice(const std::string& root, const std::string& device) {
-    std::error_code error;
-    const std::filesystem::path target = std::filesystem::canonical(belowRoot(root, device), error);
-    if (error) {
-        return std::nullopt;
+std::optional<std::string> labelOf(const std::string& root, const Mount& mount) {
+    std::vector<std::filesystem::path> devices;
+    std::istringstream sources(mount.source);
+    for (std::string source; std::getline(sources, source, ':');) {
+        std::error_code missing;
+        auto device = std::filesystem::canonical(belowRoot(root, source), missing);
+        if (source.starts_with('/') && !missing) {
+            devices.push_back(std::move(device));
+        }
     }
+    // The source may be no device, as "/dev/root" is none.
+    const auto isDevice = [&](const std::filesystem::path& target) {
+        const std::string numbers =
+            belowRoot(root, "sys/class/block/" + target.filename().native() + "/dev");
+        return std::ranges::find(devices, target) != devices.end() ||
+               (!mount.device.starts_with("0:") && readWholeFile(numbers) == mount.device + "\n");
+    };
+    std::error_code error;
     std::optional<std::string> label;
     std::filesystem::directory_iterator entry(belowRoot(root, "dev/disk/by-label"), error);
     for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
         std::error_code broken;
-        if (std::filesystem::canonical(entry->path(), broken) != target) {
+        if (!isDevice(std::filesystem::canonical(entry->path(), broken)) || broken) {
             continue;
         }
         std::string name = decodedHexEscapes(entry->path().filename().native());

@@ -18,22 +18,16 @@ std::filesystem::path below(const std::string& root, std::string_view path) {
 
 }  // namespace
 
-std::vector<std::string> recordedTrees() {
+std::vector<std::string> recordedMachines(std::string_view group) {
     std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(TARNWICK_FIXTURES)) {
-        if (entry.is_directory()) {
+    for (const auto& entry : std::filesystem::directory_iterator(below(TARNWICK_FIXTURES, group))) {
+        // The folder of a group has a note and machines only.
+        const bool isGroup = group.empty() && !std::filesystem::is_directory(entry.path() / "proc");
+        if (entry.is_directory() && !isGroup) {
             names.push_back(entry.path().filename().native());
         }
     }
     std::sort(names.begin(), names.end());
-    return names;
-}
-
-std::vector<std::string> recordedMachines() {
-    std::vector<std::string> names = recordedTrees();
-    std::erase_if(names, [](const std::string& name) {
-        return !std::filesystem::exists(below(recordedMachine(name), "proc"));
-    });
     return names;
 }
 

@@ -8,13 +8,11 @@
 
 namespace tarnwick::platform::testing {
 
-/// The names of all recorded machines, in alphabetical order.
-std::vector<std::string> recordedTrees();
+/// The names of all recorded machines, in alphabetical order. A group, such as "memories", holds
+/// machines of which only that part is recorded.
+std::vector<std::string> recordedMachines(std::string_view group = "");
 
-/// Those that are whole. The others have no /proc, and the files of one kind only.
-std::vector<std::string> recordedMachines();
-
-/// Root of the recorded machine of this name.
+/// Root of the recorded machine of this name, such as "laptop" or "memories/zfs".
 std::string recordedMachine(std::string_view name);
 
 /// The content of a file of a recorded machine; the test fails if the file is missing.

@@ -74,10 +74,20 @@ TEST(RecordedMachines, AreAllInTheTable) {
 
 TEST(RecordedMachines, HaveEachANoteAndALineInTheListOfAll) {
     const std::string list = readWholeFile(recordedMachine("README.md")).value_or("");
-    for (const std::string& name : testing::recordedTrees()) {
+    for (const std::string& name : recordedMachines()) {
         EXPECT_NE(list.find("| `" + name + "` |"), std::string::npos) << name;
         const std::string note = readWholeFile(recordedMachine(name + "/README.md")).value_or("");
         EXPECT_TRUE(note.starts_with("# " + name + "\n\nWritten by ")) << name;
+    }
+}
+
+TEST(RecordedMachines, OfAGroupHaveEachALineInItsNote) {
+    for (const std::string group : {"batteries", "memories", "networks", "processors", "volumes"}) {
+        const std::string note = readWholeFile(recordedMachine(group + "/README.md")).value_or("");
+        EXPECT_FALSE(recordedMachines(group).empty()) << group;
+        for (const std::string& name : recordedMachines(group)) {
+            EXPECT_NE(note.find("| `" + name + "` |"), std::string::npos) << group << '/' << name;
+        }
     }
 }
 

@@ -77,28 +77,28 @@ TEST_F(RecordedBatteryBlock, ShowsSeveralPacksAsOne) {
 }
 
 TEST_F(RecordedBatteryBlock, ShowsNoCyclesThatTheDriverDoesNotKnow) {
-    const Page page = recorded("battery-charge-only");
+    const Page page = recorded("batteries/charge-only");
     EXPECT_EQ(block<InfoRow>(page, "battery.capacity"), (InfoRow{"Max Capacity", "91%"}));
     EXPECT_FALSE(contains(page, "battery.cycles"));
 }
 
 TEST_F(RecordedBatteryBlock, ShowsThePackThatIsIn) {
-    const Page before = recorded("battery-swapped-before");
+    const Page before = recorded("batteries/swapped-before");
     EXPECT_EQ(block<InfoRow>(before, "battery.capacity").value, "72%");
     EXPECT_EQ(block<InfoRow>(before, "battery.cycles").value, "611");
-    const Page after = recorded("battery-swapped-after");
+    const Page after = recorded("batteries/swapped-after");
     EXPECT_EQ(block<InfoRow>(after, "battery.capacity").value, "100%");
     EXPECT_EQ(block<InfoRow>(after, "battery.cycles").value, "3");
 }
 
 TEST_F(RecordedBatteryBlock, ShowsNoFaultOfAnEmptyBattery) {
-    const Page page = recorded("battery-dead-but-empty");
+    const Page page = recorded("batteries/dead-but-empty");
     EXPECT_EQ(block<InfoRow>(page, "battery.capacity").value, "97%");
     EXPECT_FALSE(contains(page, "battery.condition"));
 }
 
 TEST_F(RecordedBatteryBlock, StaysWithoutAnyFigure) {
-    for (const std::string_view machine : {"damaged", "battery-without-design"}) {
+    for (const std::string_view machine : {"damaged", "batteries/without-design"}) {
         const Page page = recorded(machine);
         EXPECT_FALSE(contains(page, "battery.state")) << machine;
         EXPECT_EQ(block<InfoRow>(page, "battery.capacity").value, "Unknown") << machine;

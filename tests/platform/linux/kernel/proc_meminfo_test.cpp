@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <gtest/gtest.h>
-#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -15,12 +14,12 @@ namespace {
 using testing::recordedFile;
 
 constexpr std::uint64_t kKibibyte = 1024;
-constexpr std::uint64_t page = 4096;
 
 TEST(MemInfo, ReadsTheLinesItNeedsInBytes) {
     const MemInfo info = parseMemInfo(recordedFile("laptop", "proc/meminfo"));
     EXPECT_EQ(info.memTotal, 16122588 * kKibibyte);
     EXPECT_EQ(info.memFree, 1284532 * kKibibyte);
+    EXPECT_EQ(info.memAvailable, 7310244 * kKibibyte);
     EXPECT_EQ(info.buffers, 412816 * kKibibyte);
     EXPECT_EQ(info.cached, 6120948 * kKibibyte);
     EXPECT_EQ(info.swapTotal, 8061288 * kKibibyte);
@@ -44,6 +43,7 @@ TEST(MemInfo, LinesOfANewerKernelAreAbsentInAnOldOne) {
     const MemInfo info = parseMemInfo(recordedFile("old-kernel", "proc/meminfo"));
     EXPECT_EQ(info.memTotal, 1035344 * kKibibyte);
     EXPECT_EQ(info.anonPages, 187620 * kKibibyte);
+    EXPECT_EQ(info.memAvailable, std::nullopt);
     EXPECT_EQ(info.shmem, std::nullopt);
     EXPECT_EQ(info.sReclaimable, std::nullopt);
     EXPECT_EQ(info.zswap, std::nullopt);
@@ -58,8 +58,8 @@ TEST(MemInfo, DamagedLinesAreAbsent) {
     }
     const MemInfo info = parseMemInfo(recordedFile("damaged", "proc/meminfo"));
     for (const auto& field :
-         {info.memTotal, info.memFree, info.buffers, info.cached, info.swapTotal, info.swapFree,
-          info.zswap, info.anonPages, info.shmem, info.sReclaimable}) {
+         {info.memTotal, info.memFree, info.memAvailable, info.buffers, info.cached, info.swapTotal,
+          info.swapFree, info.zswap, info.anonPages, info.shmem, info.sReclaimable}) {
         EXPECT_EQ(field, std::nullopt);
     }
 }
@@ -80,104 +80,14 @@ TEST(MemInfo, ATruncatedTextGivesEachFigureWholeOrNotAtAll) {
         for (std::size_t size = 0; size < text.size(); ++size) {
             const MemInfo part = parseMemInfo(std::string_view(text).substr(0, size));
             for (const auto field :
-                 {&MemInfo::memTotal, &MemInfo::memFree, &MemInfo::buffers, &MemInfo::cached,
-                  &MemInfo::swapTotal, &MemInfo::swapFree, &MemInfo::zswap, &MemInfo::anonPages,
-                  &MemInfo::shmem, &MemInfo::sReclaimable}) {
+                 {&MemInfo::memTotal, &MemInfo::memFree, &MemInfo::memAvailable, &MemInfo::buffers,
+                  &MemInfo::cached, &MemInfo::swapTotal, &MemInfo::swapFree, &MemInfo::zswap,
+                  &MemInfo::anonPages, &MemInfo::shmem, &MemInfo::sReclaimable}) {
                 ASSERT_TRUE(part.*field == std::nullopt || part.*field == whole.*field)
                     << machine << size;
             }
         }
     }
-}
-
-TEST(PagesOf, RoundsToTheNearestPageAndSaturates) {
-    EXPECT_EQ(pagesOf(0, page), 0U);
-    EXPECT_EQ(pagesOf(page, page), 1U);
-    EXPECT_EQ(pagesOf(page * 3 / 2 - 1, page), 1U);
-    EXPECT_EQ(pagesOf(page * 3 / 2, page), 2U);
-    EXPECT_EQ(pagesOf(page * 0xFFFFFFFF, page), 0xFFFFFFFFU);
-    EXPECT_EQ(pagesOf(page * 0x100000000, page), 0xFFFFFFFFU);
-    EXPECT_EQ(pagesOf(std::numeric_limits<std::uint64_t>::max(), page), 0xFFFFFFFFU);
-    EXPECT_EQ(pagesOf(std::numeric_limits<std::uint64_t>::max(), 1), 0xFFFFFFFFU);
-    EXPECT_EQ(pagesOf(5, 0), 0U);
-}
-
-MemInfo pages(std::uint64_t total, std::uint64_t free) {
-    MemInfo info;
-    info.memTotal = total * page;
-    info.memFree = free * page;
-    return info;
-}
-
-TEST(VMStatistics, DividesTheMemoryUp) {
-    MemInfo info = pages(1000, 100);
-    info.buffers = 10 * page;
-    info.cached = 200 * page;
-    info.sReclaimable = 30 * page;
-    info.shmem = 50 * page;
-    info.anonPages = 300 * page;
-    info.zswap = 7 * page;
-    const std::optional<VMStatistics> statistics = vmStatistics(info, 20 * page, page);
-    ASSERT_TRUE(statistics);
-    EXPECT_EQ(statistics->free_count, 100U);
-    EXPECT_EQ(statistics->external_page_count, 10U + 200U + 30U - 50U);
-    EXPECT_EQ(statistics->internal_page_count, 300U + 50U);
-    EXPECT_EQ(statistics->compressor_page_count, 27U);
-    EXPECT_EQ(statistics->wire_count, 1000U - 100U - 190U - 350U - 27U);
-    EXPECT_EQ(statistics->purgeable_count, 0U);
-    EXPECT_EQ(statistics->speculative_count, 0U);
-}
-
-TEST(VMStatistics, WiredAndCachedAreNeverNegative) {
-    MemInfo info = pages(1000, 500);
-    info.anonPages = 900 * page;
-    info.shmem = 300 * page;
-    info.cached = 200 * page;
-    const std::optional<VMStatistics> statistics = vmStatistics(info, 0, page);
-    ASSERT_TRUE(statistics);
-    EXPECT_EQ(statistics->wire_count, 0U);
-    EXPECT_EQ(statistics->external_page_count, 0U);
-}
-
-TEST(VMStatistics, LinesThatAreMissingCountAsNothing) {
-    const std::optional<VMStatistics> statistics = vmStatistics(pages(1000, 100), 0, page);
-    ASSERT_TRUE(statistics);
-    EXPECT_EQ(statistics->wire_count, 900U);
-    EXPECT_EQ(statistics->external_page_count, 0U);
-    EXPECT_EQ(statistics->internal_page_count, 0U);
-    EXPECT_EQ(statistics->compressor_page_count, 0U);
-}
-
-TEST(VMStatistics, FiguresAboveTheTotalCountAsNothing) {
-    MemInfo info = pages(1000, 100);
-    info.anonPages = 1001 * page;
-    info.zswap = std::uint64_t{1} << 60;
-    const std::optional<VMStatistics> statistics =
-        vmStatistics(info, std::numeric_limits<std::uint64_t>::max(), page);
-    ASSERT_TRUE(statistics);
-    EXPECT_EQ(statistics->internal_page_count, 0U);
-    EXPECT_EQ(statistics->compressor_page_count, 0U);
-    EXPECT_EQ(statistics->wire_count, 900U);
-}
-
-TEST(VMStatistics, NeedTheTotalAndTheFreeMemory) {
-    MemInfo info = pages(1000, 100);
-    info.memFree.reset();
-    EXPECT_FALSE(vmStatistics(info, 0, page));
-    info = pages(1000, 100);
-    info.memTotal.reset();
-    EXPECT_FALSE(vmStatistics(info, 0, page));
-    EXPECT_FALSE(vmStatistics(pages(0, 0), 0, page));
-    EXPECT_FALSE(vmStatistics(pages(1000, 1001), 0, page));
-    EXPECT_TRUE(vmStatistics(pages(1000, 1000), 0, page));
-}
-
-TEST(VMStatistics, CountsOfAMachineTooLargeForThemSaturate) {
-    const std::optional<VMStatistics> statistics =
-        vmStatistics(pages(std::uint64_t{1} << 47, std::uint64_t{1} << 46), 0, page);
-    ASSERT_TRUE(statistics);
-    EXPECT_EQ(statistics->free_count, 0xFFFFFFFFU);
-    EXPECT_EQ(statistics->wire_count, 0xFFFFFFFFU);
 }
 
 TEST(SwapUsage, IsWhatIsNotFree) {

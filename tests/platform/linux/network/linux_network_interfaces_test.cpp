@@ -26,16 +26,14 @@ std::optional<InterfaceTable> recorded(const std::string& machine) {
     return LinuxNetworkInterfaces(recordedMachine(machine)).interfaceCounters();
 }
 
-TEST(LinuxNetworkInterfaces, TheLaptopHasAWirelessInterfaceAndATunnel) {
+TEST(LinuxNetworkInterfaces, TheLaptopHasAWirelessInterfaceBelowItsTunnel) {
     EXPECT_THAT(recorded("laptop"),
-                Optional(InterfaceTable{{3, {18'734'092'881, 1'906'447'215, false}},
-                                        {7, {734'119'208, 88'120'533, false}}}));
+                Optional(InterfaceTable{{3, {18'734'092'881, 1'906'447'215, false}}}));
 }
 
-TEST(LinuxNetworkInterfaces, TheWorkstationHasACableAndABridge) {
+TEST(LinuxNetworkInterfaces, TheWorkstationHasACableBesideItsGuests) {
     EXPECT_THAT(recorded("workstation"),
-                Optional(InterfaceTable{{2, {1'204'877'310'554, 96'620'448'817, false}},
-                                        {4, {51'240'812, 7'733'045'210, false}}}));
+                Optional(InterfaceTable{{2, {1'204'877'310'554, 96'620'448'817, false}}}));
 }
 
 TEST(LinuxNetworkInterfaces, TheHandheldHasAWirelessInterface) {
@@ -49,21 +47,15 @@ TEST(LinuxNetworkInterfaces, TheOlderNotebookHasACounterBeyondThirtyTwoBits) {
                                         {3, {733'120'881, 80'233'102, false}}}));
 }
 
-TEST(LinuxNetworkInterfaces, TheServerHasTwoSocketsAndWhatBindsThem) {
+TEST(LinuxNetworkInterfaces, TheServerHasTwoSocketsBelowWhatBindsThem) {
     EXPECT_THAT(recorded("server"),
                 Optional(InterfaceTable{{2, {48'120'447'713'340, 91'822'048'117'250, false}},
-                                        {3, {47'990'120'337'104, 90'113'340'291'884, false}},
-                                        {4, {96'110'568'050'444, 181'935'388'409'134, false}}}));
+                                        {3, {47'990'120'337'104, 90'113'340'291'884, false}}}));
 }
 
-TEST(LinuxNetworkInterfaces, TheContainerHostHasTheEndsOfItsContainers) {
+TEST(LinuxNetworkInterfaces, TheContainerHostHasOneSocketBesideItsContainers) {
     EXPECT_THAT(recorded("container-host"),
-                Optional(InterfaceTable{{2, {9'120'448'812'077, 6'310'227'441'908, false}},
-                                        {4, {210'448'133'077, 702'218'840'312, false}},
-                                        {5, {0, 0, false}},
-                                        {9, {80'112'004'431, 301'220'448'119, false}},
-                                        {11, {130'336'128'646, 400'998'392'193, false}},
-                                        {2048, {0, 4'410, false}}}));
+                Optional(InterfaceTable{{2, {9'120'448'812'077, 6'310'227'441'908, false}}}));
 }
 
 TEST(LinuxNetworkInterfaces, TheVirtualMachineHasOneInterface) {
@@ -80,9 +72,15 @@ TEST(LinuxNetworkInterfaces, TheDamagedMachineHasNoTable) {
     EXPECT_EQ(recorded("damaged"), std::nullopt);
 }
 
-/// The container host, to be changed.
+/// The container host without its own sockets, so that every interface that is up counts; to be
+/// changed.
 class ChangedNetworkInterfaces : public ::testing::Test {
  protected:
+    ChangedNetworkInterfaces() { unplug(tree); }
+
+    static void unplug(const MachineTree& host) {
+        host.write("sys/class/net/ens1f0np0/flags", "0x1002\n");
+    }
     std::optional<InterfaceTable> read() {
         return LinuxNetworkInterfaces(tree.root()).interfaceCounters();
     }
@@ -235,23 +233,25 @@ TEST_F(ChangedNetworkInterfaces, AnInterfaceThatGoesDownIsLeftOut) {
     ASSERT_TRUE(read()->contains(11));
     tree.write(std::string(folder) + "flags", "0x1102\n");
     EXPECT_FALSE(read()->contains(11));
-    EXPECT_EQ(read()->size(), 5U);
+    EXPECT_EQ(read()->size(), 4U);
 }
 
 TEST_F(ChangedNetworkInterfaces, AnInterfaceWithoutAnIndexOrFlagsIsLeftOut) {
     for (const std::string file : {"ifindex", "flags"}) {
         MachineTree changed("container-host");
+        unplug(changed);
         changed.remove(folder + file);
         const auto table = LinuxNetworkInterfaces(changed.root()).interfaceCounters();
         ASSERT_TRUE(table) << file;
         EXPECT_FALSE(table->contains(11)) << file;
-        EXPECT_EQ(table->size(), 5U) << file;
+        EXPECT_EQ(table->size(), 4U) << file;
     }
 }
 
 TEST_F(ChangedNetworkInterfaces, AnInterfaceWithADamagedIndexOrFlagsIsLeftOut) {
     for (const std::string file : {"ifindex", "flags"}) {
         MachineTree changed("container-host");
+        unplug(changed);
         changed.write(folder + file, "x\n");
         const auto table = LinuxNetworkInterfaces(changed.root()).interfaceCounters();
         ASSERT_TRUE(table) << file;

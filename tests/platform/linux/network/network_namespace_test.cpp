@@ -261,6 +261,15 @@ TEST_F(NetworkNamespace, ATableIsTrueWhileInterfacesComeAndGo) {
     EXPECT_EQ(table(), steady);
 }
 
+TEST_F(NetworkNamespace, WithoutHardwareABridgeAndItsPortsAllCount) {
+    joinedPair();
+    ip("link add bridge type bridge\nlink set bridge up\nlink set right master bridge");
+    sendFrames("left", 1'000, 10);
+    EXPECT_EQ(table(), toolsTable());
+    EXPECT_EQ(table().size(), 3U);
+    EXPECT_EQ(table().at(indexOf("right")).received, 10'000U);
+}
+
 TEST_F(NetworkNamespace, ATableOfAnotherRootHasNothingOfThisNetwork) {
     joinedPair();
     EXPECT_EQ(LinuxNetworkInterfaces("/nonexistent").interfaceCounters(), std::nullopt);

@@ -103,12 +103,12 @@ TEST(ProcNetDev, EveryTruncationIsDamageUnlessItEndsWithALine) {
 }
 
 TEST(ProcNetDev, AnIndexIsANumberAboveZero) {
-    EXPECT_EQ(parseInterfaceIndex("1\n"), 1U);
-    EXPECT_EQ(parseInterfaceIndex("2147483647\n"), 2147483647U);
-    EXPECT_EQ(parseInterfaceIndex("12"), 12U);
+    EXPECT_EQ(parseInterfaceNumber("1\n"), 1U);
+    EXPECT_EQ(parseInterfaceNumber("2147483647\n"), 2147483647U);
+    EXPECT_EQ(parseInterfaceNumber("12"), 12U);
     for (const char* text :
          {"", "\n", "0\n", "-1\n", "x\n", "1x\n", " 1\n", "1\n\n", "1 2\n", "4294967296\n"}) {
-        EXPECT_EQ(parseInterfaceIndex(text), std::nullopt) << text;
+        EXPECT_EQ(parseInterfaceNumber(text), std::nullopt) << text;
     }
 }
 

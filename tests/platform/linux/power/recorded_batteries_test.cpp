@@ -51,20 +51,20 @@ INSTANTIATE_TEST_SUITE_P(All, RecordedBattery, ::testing::ValuesIn(std::vector<E
     {"handheld", 80, true, true, 27, 156, 94, "Good"},
     {"two-batteries", 92, true, true, 19, 31, 91, ""},
     {"damaged", 0, false, false, 0, {}, {}, ""},
-    {"battery-charge-only", 53, false, false, 90, {}, 91, ""},
-    {"battery-dead-but-empty", 0, true, true, 346, 77, 97, ""},
-    {"battery-gauge", 57, false, false, 252, 203, 94, "Good"},
-    {"battery-limited", 80, false, true, 0, 58, 87, ""},
-    {"battery-pair", 57, false, false, 230, 388, 91, ""},
-    {"battery-state-of-health", 100, false, true, 0, 64, 91, "Good"},
-    {"battery-swapped-after", 88, false, false, 334, 3, 100, ""},
-    {"battery-swapped-before", 35, false, false, 96, 611, 72, ""},
-    {"battery-ten", 55, false, false, 132, 100, 80, "Overheat"},
-    {"battery-unknown-level", 0, false, true, 0, 96, 84, ""},
-    {"battery-without-design", 75, false, false, 300, 140, {}, ""},
+    {"batteries/charge-only", 53, false, false, 90, {}, 91, ""},
+    {"batteries/dead-but-empty", 0, true, true, 346, 77, 97, ""},
+    {"batteries/gauge", 57, false, false, 252, 203, 94, "Good"},
+    {"batteries/limited", 80, false, true, 0, 58, 87, ""},
+    {"batteries/pair", 57, false, false, 230, 388, 91, ""},
+    {"batteries/state-of-health", 100, false, true, 0, 64, 91, "Good"},
+    {"batteries/swapped-after", 88, false, false, 334, 3, 100, ""},
+    {"batteries/swapped-before", 35, false, false, 96, 611, 72, ""},
+    {"batteries/ten", 55, false, false, 132, 100, 80, "Overheat"},
+    {"batteries/unknown-level", 0, false, true, 0, 96, 84, ""},
+    {"batteries/without-design", 75, false, false, 300, 140, {}, ""},
 }), [](const auto& parameter) {
     std::string name = parameter.param.machine;
-    std::erase(name, '-');
+    std::erase_if(name, [](char each) { return each == '-' || each == '/'; });
     return name;
 });
 // clang-format on
@@ -81,7 +81,7 @@ TEST(RecordedBatteries, AreMissingOnMachinesWithoutOne) {
 }
 
 TEST(RecordedBatteries, WithALimitAreChargedUpToIt) {
-    const MachineTree tree("battery-limited");
+    const MachineTree tree("batteries/limited");
     const std::string pack = "sys/class/power_supply/BAT0/";
     tree.write(pack + "status", "Charging\n");
     tree.write(pack + "capacity", "50\n");
@@ -96,17 +96,17 @@ TEST(RecordedBatteries, WithALimitAreChargedUpToIt) {
 }
 
 TEST(RecordedBatteries, AreToldApartByTheirSerialNumbers) {
-    LinuxPowerSources before(recordedMachine("battery-swapped-before"));
-    LinuxPowerSources after(recordedMachine("battery-swapped-after"));
+    LinuxPowerSources before(recordedMachine("batteries/swapped-before"));
+    LinuxPowerSources after(recordedMachine("batteries/swapped-after"));
     EXPECT_EQ(before.identity(),
-              LinuxPowerSources(recordedMachine("battery-swapped-before")).identity());
+              LinuxPowerSources(recordedMachine("batteries/swapped-before")).identity());
     EXPECT_NE(before.identity(), after.identity());
     EXPECT_EQ(before.identity().find("4711"), std::string::npos);
     EXPECT_NE(before.identity(), "");
 }
 
 TEST(RecordedBatteries, AreAnotherOneWithoutOneOfTheirPacks) {
-    const MachineTree tree("battery-ten");
+    const MachineTree tree("batteries/ten");
     LinuxPowerSources sources(tree.root());
     const std::string whole = sources.identity();
     tree.write("sys/class/power_supply/BAT7/present", "0\n");

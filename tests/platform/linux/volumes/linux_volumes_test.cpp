@@ -9,7 +9,9 @@
 #include <string_view>
 #include <sys/statvfs.h>
 #include <unistd.h>
+#include <utility>
 #include <variant>
+#include <vector>
 
 #include "platform/linux/volumes/volume_capacity.h"
 #include "services/storage_service.h"
@@ -244,6 +246,94 @@ TEST(LinuxVolumes, TruncatedMountsNeverGiveAForeignName) {
         const std::optional<std::string> name = nameOf(volumes, "/home/ada");
         ASSERT_TRUE(name == "/" || name == "Ada's Disk") << size << name.value_or("none");
     }
+}
+
+TEST(RecordedVolumes, HaveTheirNames) {
+    const std::vector<std::pair<std::string, std::string>> expected = {
+        {"bcachefs", "tank"}, {"btrfs-on-two-devices", "/home"},
+        {"container", "/"},   {"dev-root", "rootfs"},
+        {"quota", "homes"},   {"zfs", "/home"}};
+    std::vector<std::string> names;
+    for (const auto& [name, volume] : expected) {
+        names.push_back(name);
+        LinuxVolumes volumes(recordedMachine("volumes/" + name), "/home/ada");
+        EXPECT_EQ(StorageService(volumes).readStorageInfo().name, volume) << name;
+    }
+    EXPECT_EQ(names, testing::recordedMachines("volumes"));
+}
+
+/// File systems that answer as the test says, and what they were asked.
+class AskedFileSystems : public ::testing::Test {
+ protected:
+    LinuxVolumes volumes(const std::string& root) {
+        return LinuxVolumes(
+            root, "/", [] { return 500.0; },
+            FileSystemCalls{.label =
+                                [this](const std::string& mountPoint) {
+                                    asked.push_back("label " + mountPoint);
+                                    return label;
+                                },
+                            .userQuota =
+                                [this](const std::string& device) {
+                                    asked.push_back("quota " + device);
+                                    return quota;
+                                }});
+    }
+
+    std::optional<std::string> label;
+    std::optional<UserQuota> quota;
+    std::vector<std::string> asked;
+};
+
+TEST_F(AskedFileSystems, AFileSystemOnSeveralDevicesTellsItsLabelItself) {
+    label = "pool";
+    LinuxVolumes disks = volumes(recordedMachine("volumes/btrfs-on-two-devices"));
+    EXPECT_EQ(nameOf(disks, "/home/ada"), "pool");
+    EXPECT_EQ(asked, std::vector<std::string>{"label /home"});
+}
+
+TEST_F(AskedFileSystems, WhatIsListedOrHasNoDeviceIsNotAsked) {
+    label = "wrong";
+    for (const auto& [machine, name] :
+         {std::pair("dev-root", "rootfs"), {"bcachefs", "tank"}, {"zfs", "/home"}}) {
+        LinuxVolumes disks = volumes(recordedMachine(std::string("volumes/") + machine));
+        EXPECT_EQ(nameOf(disks, "/home/ada"), name);
+    }
+    EXPECT_TRUE(asked.empty());
+}
+
+TEST_F(AskedFileSystems, OnlyOneWithLimitsIsAskedForThem) {
+    const MachineTree tree("volumes/quota");
+    tree.makeFolder("home/ada");
+    tree.makeFolder("srv");
+    LinuxVolumes disks = volumes(tree.root());
+    const auto all = disks.attributesOfFileSystemForPath("/srv");
+    ASSERT_TRUE(all);
+    EXPECT_EQ(asked, std::vector<std::string>{"label /"});
+    asked.clear();
+    quota = UserQuota{.softLimit = 0, .hardLimit = 100, .used = 40};
+    const auto values = std::get<VolumeResourceValues>(disks.resourceValues("/home/ada"));
+    EXPECT_EQ(values.totalCapacity, 100);
+    EXPECT_EQ(values.availableCapacity, 60);
+    EXPECT_EQ(disks.attributesOfFileSystemForPath("/home/ada")->freeSize, 60);
+    EXPECT_EQ(asked, (std::vector<std::string>{"quota /dev/sda2", "quota /dev/sda2"}));
+    // The user may not ask.
+    quota.reset();
+    EXPECT_GT(disks.attributesOfFileSystemForPath("/home/ada")->size.value_or(0), 100);
+}
+
+TEST(SystemCalls, GiveNothingWhereThereIsNothingToTell) {
+    EXPECT_EQ(systemCalls().label("/proc"), std::nullopt);
+    EXPECT_EQ(systemCalls().label("/no such folder"), std::nullopt);
+    EXPECT_FALSE(systemCalls().userQuota("/dev/null"));
+    EXPECT_FALSE(systemCalls().userQuota("/no such device"));
+}
+
+TEST(LabelIn, EndsAtANullByteOrNotAtAll) {
+    EXPECT_EQ(labelIn(std::string_view("pool\0rest", 9)), "pool");
+    EXPECT_EQ(labelIn("pool"), "pool");
+    EXPECT_EQ(labelIn(std::string_view("\0\0", 2)), std::nullopt);
+    EXPECT_EQ(labelIn(""), std::nullopt);
 }
 
 }  // namespace

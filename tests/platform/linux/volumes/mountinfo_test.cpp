@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "tests/platform/linux/machine_tree.h"
 
@@ -12,6 +13,13 @@ namespace {
 
 using testing::recordedFile;
 
+// The mount point and the source; neither where there is no mount.
+std::pair<std::string, std::string> found(std::string_view text, std::string_view path) {
+    const std::optional<Mount> mount = mountOf(text, path);
+    return mount ? std::pair(mount->mountPoint, mount->source)
+                 : std::pair<std::string, std::string>();
+}
+
 std::optional<std::string> mountPointOf(std::string_view text, std::string_view path) {
     const std::optional<Mount> mount = mountOf(text, path);
     return mount ? std::optional(mount->mountPoint) : std::nullopt;
@@ -19,8 +27,9 @@ std::optional<std::string> mountPointOf(std::string_view text, std::string_view 
 
 TEST(MountOf, FindsTheLongestMountPoint) {
     const std::string text = recordedFile("laptop", "proc/self/mountinfo");
-    EXPECT_EQ(mountOf(text, "/home/ada"), (Mount{"/home", "/dev/nvme0n1p3"}));
-    EXPECT_EQ(mountOf(text, "/home"), (Mount{"/home", "/dev/nvme0n1p3"}));
+    EXPECT_EQ(found(text, "/home/ada"),
+              std::pair(std::string("/home"), std::string("/dev/nvme0n1p3")));
+    EXPECT_EQ(found(text, "/home"), std::pair(std::string("/home"), std::string("/dev/nvme0n1p3")));
     EXPECT_EQ(mountPointOf(text, "/"), "/");
     EXPECT_EQ(mountPointOf(text, "/homes"), "/");
     EXPECT_EQ(mountPointOf(text, "/boot/grub"), "/");
@@ -28,20 +37,22 @@ TEST(MountOf, FindsTheLongestMountPoint) {
 }
 
 TEST(MountOf, AMountPointMayHoldSpaces) {
-    EXPECT_EQ(mountOf(recordedFile("laptop", "proc/self/mountinfo"), "/mnt/Holiday Pictures/2024"),
-              (Mount{"/mnt/Holiday Pictures", "/dev/sda1"}));
+    EXPECT_EQ(found(recordedFile("laptop", "proc/self/mountinfo"), "/mnt/Holiday Pictures/2024"),
+              std::pair(std::string("/mnt/Holiday Pictures"), std::string("/dev/sda1")));
 }
 
 TEST(MountOf, TheLastOfStackedMountsCoversTheOthers) {
-    EXPECT_EQ(mountOf(recordedFile("laptop", "proc/self/mountinfo"), "/mnt/shelf/a"),
-              (Mount{"/mnt/shelf", "/dev/sdb1"}));
+    EXPECT_EQ(found(recordedFile("laptop", "proc/self/mountinfo"), "/mnt/shelf/a"),
+              std::pair(std::string("/mnt/shelf"), std::string("/dev/sdb1")));
 }
 
 TEST(MountOf, OptionalFieldsMayBeMissingOrMany) {
-    EXPECT_EQ(mountOf("1 1 8:1 / / rw - ext4 /dev/a rw\n", "/x"), (Mount{"/", "/dev/a"}));
-    EXPECT_EQ(mountOf("1 1 8:1 / / rw shared:1 master:2 unbindable - ext4 /dev/a rw\n", "/x"),
-              (Mount{"/", "/dev/a"}));
-    EXPECT_EQ(mountOf("1 1 0:9 / / rw - tmpfs  rw\n", "/x"), (Mount{"/", ""}));
+    EXPECT_EQ(found("1 1 8:1 / / rw - ext4 /dev/a rw\n", "/x"),
+              std::pair(std::string("/"), std::string("/dev/a")));
+    EXPECT_EQ(found("1 1 8:1 / / rw shared:1 master:2 unbindable - ext4 /dev/a rw\n", "/x"),
+              std::pair(std::string("/"), std::string("/dev/a")));
+    EXPECT_EQ(found("1 1 0:9 / / rw - tmpfs  rw\n", "/x"),
+              std::pair(std::string("/"), std::string("")));
 }
 
 TEST(MountOf, DamagedLinesArePassedOver) {
@@ -65,6 +76,25 @@ TEST(MountOf, ATruncatedTextGivesMountsThatAreInIt) {
             ASSERT_EQ(mount->source, "/dev/nvme0n1p3") << size;
             ASSERT_TRUE(mount->mountPoint == "/" || mount->mountPoint == "/home") << size;
         }
+    }
+}
+
+TEST(MountOf, KnowsTheDeviceAndTheOptions) {
+    EXPECT_EQ(mountOf(recordedFile("volumes/quota", "proc/self/mountinfo"), "/home/ada"),
+              (Mount{.mountPoint = "/home",
+                     .source = "/dev/sda2",
+                     .device = "8:2",
+                     .options = "rw,usrquota,grpquota"}));
+}
+
+TEST(HasUserQuota, IsAnOptionOfTheFileSystem) {
+    for (const char* const options :
+         {"usrquota", "rw,usrquota,grpquota", "rw,quota", "rw,jqfmt=vfsv1,usrjquota=aquota.user"}) {
+        EXPECT_TRUE(hasUserQuota({.mountPoint = "", .source = "", .options = options})) << options;
+    }
+    for (const char* const options :
+         {"", "rw", "rw,noquota", "rw,uqnoenforce", "rw,grpquota,prjquota", ",", "rw,usrquotas"}) {
+        EXPECT_FALSE(hasUserQuota({.mountPoint = "", .source = "", .options = options})) << options;
     }
 }
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
+#include <utility>
 
 namespace tarnwick::platform {
 namespace {
@@ -90,6 +91,35 @@ TEST(VolumeCapacity, BlocksWithoutASizeAreNoCapacity) {
     const VolumeCapacity found = capacity({.all = 1000, .free = 350, .available = 300}, 0);
     EXPECT_EQ(found.total, 0);
     EXPECT_EQ(found.available, 0);
+}
+
+TEST(WithinQuota, IsWhatTheUserHasUsedAndMayFill) {
+    const VolumeCapacity all{.total = 1000, .available = 600, .fileSystem = 77};
+    const auto within = [&all](const UserQuota& quota) {
+        const VolumeCapacity part = withinQuota(all, quota);
+        EXPECT_EQ(part.fileSystem, 77U);
+        return std::pair(part.total, part.available);
+    };
+    using Sizes = std::pair<std::int64_t, std::int64_t>;
+    EXPECT_EQ(within({.softLimit = 0, .hardLimit = 500, .used = 100}), Sizes(500, 400));
+    EXPECT_EQ(within({.softLimit = 300, .hardLimit = 500, .used = 100}), Sizes(300, 200));
+    EXPECT_EQ(within({.softLimit = 300, .hardLimit = 0, .used = 100}), Sizes(300, 200));
+    // The file system has less than the limit leaves.
+    EXPECT_EQ(within({.softLimit = 0, .hardLimit = 900, .used = 100}), Sizes(700, 600));
+    // Above the limit, as for a while above the soft one.
+    EXPECT_EQ(within({.softLimit = 300, .hardLimit = 500, .used = 350}), Sizes(350, 0));
+    EXPECT_EQ(within({.softLimit = 0, .hardLimit = 1, .used = UINT64_MAX}), Sizes(kLargest, 0));
+}
+
+TEST(WithinQuota, WithoutALimitBelowTheCapacityIsAllOfIt) {
+    const VolumeCapacity all{.total = 1000, .available = 600, .fileSystem = 77};
+    for (const UserQuota quota : {UserQuota{.used = 100},
+                                  {.softLimit = 1000, .hardLimit = 0, .used = 100},
+                                  {.softLimit = UINT64_MAX, .hardLimit = 2000, .used = 100}}) {
+        EXPECT_EQ(withinQuota(all, quota).total, 1000);
+        EXPECT_EQ(withinQuota(all, quota).available, 600);
+    }
+    EXPECT_EQ(withinQuota({}, {.hardLimit = 5, .used = 5}).total, 0);
 }
 
 }  // namespace
