@@ -21,7 +21,7 @@ std::filesystem::path below(const std::string& root, std::string_view path) {
 std::vector<std::string> recordedMachines() {
     std::vector<std::string> names;
     for (const auto& entry : std::filesystem::directory_iterator(TARNWICK_FIXTURES)) {
-        if (entry.is_directory()) {
+        if (std::filesystem::exists(entry.path() / "proc/uptime")) {
             names.push_back(entry.path().filename().native());
         }
     }
@@ -80,6 +80,12 @@ void MachineTree::link(std::string_view path, std::string_view target) const {
     const std::filesystem::path link = below(root_, path);
     std::filesystem::create_directories(link.parent_path());
     std::filesystem::create_symlink(target, link);
+}
+
+void MachineTree::turnToLater() const {
+    std::filesystem::copy(below(root_, "later"), root_,
+                          std::filesystem::copy_options::recursive |
+                              std::filesystem::copy_options::overwrite_existing);
 }
 
 }  // namespace tarnwick::platform::testing

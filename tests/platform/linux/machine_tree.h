@@ -8,7 +8,8 @@
 
 namespace tarnwick::platform::testing {
 
-/// The names of all recorded machines, in alphabetical order.
+/// The names of all recorded machines, in alphabetical order. Folders of parts of machines, such as
+/// `graphics`, are not among them.
 std::vector<std::string> recordedMachines();
 
 /// Root of the recorded machine of this name.
@@ -35,6 +36,8 @@ class MachineTree {
     void remove(std::string_view path) const;
     void makeFolder(std::string_view path) const;
     void link(std::string_view path, std::string_view target) const;
+    /// Writes the files of the folder `later` over those of the tree, in place.
+    void turnToLater() const;
 
  private:
     std::string root_;

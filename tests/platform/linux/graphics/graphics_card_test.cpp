@@ -202,6 +202,46 @@ TEST_F(GraphicsCardTest, ACardThatWakesUpIsAskedAtOnce) {
     EXPECT_EQ(usageAt(14), 90);
 }
 
+TEST_F(GraphicsCardTest, ARestEndsWhenSomebodyUsesTheCard) {
+    setControl("auto");
+    tree.write("device/power/autosuspend_delay_ms", "60000\n");
+    tree.write("device/power/runtime_usage", "0\n");
+    script.answer = {.device = 0};
+    EXPECT_EQ(usageAt(10), 0);
+    script.answer = {.device = 97};
+    EXPECT_EQ(usageAt(12), 0);
+    tree.write("device/power/runtime_usage", "1\n");
+    EXPECT_EQ(usageAt(14), 97);
+}
+
+TEST_F(GraphicsCardTest, ARestEndsWhenTheCardSleptUnseen) {
+    setControl("auto");
+    tree.write("device/power/autosuspend_delay_ms", "60000\n");
+    const auto awakeFor = [this](int milliseconds) {
+        tree.write("device/power/runtime_active_time", std::to_string(milliseconds) + "\n");
+    };
+    awakeFor(50000);
+    script.answer = {.device = 0};
+    EXPECT_EQ(usageAt(10), 0);
+    script.answer = {.device = 97};
+    awakeFor(52000);
+    EXPECT_EQ(usageAt(12), 0);
+    awakeFor(61100);
+    EXPECT_EQ(usageAt(22), 0);
+    awakeFor(61900);
+    EXPECT_EQ(usageAt(24), 97);
+}
+
+TEST_F(GraphicsCardTest, ARestEndsWhereNothingElseIsTold) {
+    setControl("auto");
+    tree.write("device/power/autosuspend_delay_ms", "60000\n");
+    script.answer = {.device = 0};
+    EXPECT_EQ(usageAt(10), 0);
+    script.answer = {.device = 97};
+    EXPECT_EQ(usageAt(71.9), 0);
+    EXPECT_EQ(usageAt(72), 97);
+}
+
 TEST_F(GraphicsCardTest, WithoutASourceThereIsNothing) {
     GraphicsCard silent(tree.root(), {.folder = tree.root() + "/device"}, nullptr);
     EXPECT_FALSE(silent.hasSource());
