@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string_view>
+#include <sys/inotify.h>
 #include <unistd.h>
 #include <utility>
 
@@ -15,56 +16,99 @@ namespace tarnwick::platform {
 
 namespace {
 
-// Seconds.
+/// Seconds between searches, and what the list of processes adds.
 constexpr double kShortestPause = 10;
-constexpr double kLongestPauseOfSearches = 60;
-constexpr double kLongestPauseOfProcess = 640;
-constexpr double kPauseGrowth = 4;
-/// Names of processes and descriptors that are read over time, at about a microsecond each.
-constexpr double kNamesPerSecond = 20;
+constexpr double kLongestPause = 60;
+constexpr double kProcessesPerSecond = 20;
+constexpr double kDescriptorsPerSecond = 3;
+constexpr double kGreatestAllowance = 20'000;
+/// A new process is looked at so often before it counts as one without the card.
+constexpr int kFirstLooks = 2;
 /// Far above what any desktop has. Bounds what the program keeps open.
 constexpr std::size_t kMostClients = 512;
 
 }  // namespace
 
 DrmClients::DrmClients(const std::string& root, std::vector<std::string> nodes)
-    : folder_(belowRoot(root, "proc")), nodes_(std::move(nodes)) {}
+    : root_(root), folder_(belowRoot(root, "proc")), nodes_(std::move(nodes)) {}
+
+bool DrmClients::wasOpened() {
+    if (!watch_.isOpen()) {
+        watch_ = FileDescriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
+        isWatching_ = std::ranges::all_of(nodes_, [this](const std::string& node) {
+            const std::string path = belowRoot(root_, "dev/dri/" + node);
+            return ::inotify_add_watch(watch_.get(), path.c_str(), IN_OPEN) >= 0;
+        });
+    }
+    bool seen = !isWatching_;
+    alignas(inotify_event) std::array<char, 1024> events;
+    while (::read(watch_.get(), events.data(), events.size()) > 0) {
+        seen = true;
+    }
+    return seen;
+}
 
 void DrmClients::search(double now) {
     if (nodes_.empty() || (now >= searchedAt_ && now < nextSearch_)) {
         return;
     }
+    if (wasOpened()) {
+        searchesDue_ = 2;
+        isUnexplained_ = true;
+    }
+    if (!processes_.empty() && now > searchedAt_) {
+        allowance_ =
+            std::min(allowance_ + (now - searchedAt_) * kDescriptorsPerSecond, kGreatestAllowance);
+    }
     searchedAt_ = now;
+    if (searchesDue_ == 0 && !(isUnexplained_ && allowance_ > 0)) {
+        return;
+    }
+    searchesDue_ = std::max(searchesDue_ - 1, 0);
+    takeList();
+    nextSearch_ = now + std::clamp(static_cast<double>(processes_.size()) / kProcessesPerSecond,
+                                   kShortestPause, kLongestPause);
+
+    const std::size_t knownClients = clients_.size();
+    std::vector<Process*> others;
+    for (Process& process : processes_) {
+        if (process.looks < kFirstLooks || (process.hasCard && isWatching_)) {
+            look(process);
+        } else {
+            others.push_back(&process);
+        }
+    }
+    isUnexplained_ = isUnexplained_ && clients_.size() == knownClients;
+    if (isUnexplained_ && allowance_ > 0) {
+        for (Process* const process : others) {
+            allowance_ -= static_cast<double>(look(*process));
+        }
+        isUnexplained_ = false;
+    }
+}
+
+void DrmClients::takeList() {
     listProcessIdentifiers(folder_, listed_);
-    std::size_t names = listed_.size();
     std::vector<Process> processes;
     processes.reserve(listed_.size());
     auto known = processes_.begin();
     for (const std::int32_t identifier : listed_) {
-        while (known != processes_.end() && known->identifier < identifier) {
-            ++known;
-        }
-        const bool isNew = known == processes_.end() || known->identifier != identifier;
-        Process process =
-            isNew ? Process{.identifier = identifier, .due = now, .pause = kShortestPause} : *known;
-        // A clock that went back makes everything due.
-        if (now >= process.due || process.due - now > process.pause) {
-            names += look(identifier);
-            process.due = now + process.pause;
-            process.pause = std::min(process.pause * kPauseGrowth, kLongestPauseOfProcess);
-        }
-        processes.push_back(process);
+        known = std::find_if(known, processes_.end(), [identifier](const Process& process) {
+            return process.identifier >= identifier;
+        });
+        const bool isKnown = known != processes_.end() && known->identifier == identifier;
+        processes.push_back(isKnown ? *known : Process{.identifier = identifier});
     }
     processes_ = std::move(processes);
-    nextSearch_ = now + std::clamp(static_cast<double>(names) / kNamesPerSecond, kShortestPause,
-                                   kLongestPauseOfSearches);
 }
 
-std::size_t DrmClients::look(std::int32_t process) {
+std::size_t DrmClients::look(Process& process) {
+    process.looks = std::min(process.looks + 1, kFirstLooks);
+    process.hasCard = false;
     struct Close {
         void operator()(DIR* opened) const { ::closedir(opened); }
     };
-    const std::string folder = folder_ + "/" + std::to_string(process) + "/fd";
+    const std::string folder = folder_ + "/" + std::to_string(process.identifier) + "/fd";
     const std::unique_ptr<DIR, Close> opened(::opendir(folder.c_str()));
     std::size_t count = 0;
     while (const dirent* entry = opened ? ::readdir(opened.get()) : nullptr) {
@@ -80,7 +124,8 @@ std::size_t DrmClients::look(std::int32_t process) {
         }
         target.remove_prefix(prefix.size());
         if (std::ranges::count(nodes_, target) > 0) {
-            add(process, entry->d_name, target.starts_with("card"));
+            process.hasCard = true;
+            add(process.identifier, entry->d_name, target.starts_with("card"));
         }
     }
     return count;
@@ -107,13 +152,11 @@ std::vector<ClientTimes> DrmClients::read() {
             all.push_back(std::move(*times));
             return false;
         }
-        // The process may have another one now, and another process may hold the client.
+        // Another process may hold the client, and its own may have a new one.
         for (Process& process : processes_) {
-            if (process.identifier == client.process) {
-                process = {
-                    .identifier = client.process, .due = searchedAt_, .pause = kShortestPause};
-            }
+            process.looks = process.hasCard ? kFirstLooks - 1 : process.looks;
         }
+        searchesDue_ = std::max(searchesDue_, 1);
         nextSearch_ = std::min(nextSearch_, searchedAt_ + kShortestPause);
         return true;
     });

@@ -132,7 +132,10 @@ class EngineTimeSource final : public GpuSource {
         std::error_code error;
         std::filesystem::directory_iterator entry(device + "/drm", error);
         for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-            nodes.push_back(entry->path().filename().native());
+            std::string name = entry->path().filename().native();
+            if (name.starts_with("card") || name.starts_with("renderD")) {
+                nodes.push_back(std::move(name));
+            }
         }
         return nodes;
     }

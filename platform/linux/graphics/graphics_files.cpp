@@ -91,8 +91,11 @@ void takeLine(std::vector<EngineLines>& lines, std::string_view key, std::string
                                           "drm-total-cycles-", "drm-cycles-"};
     const auto* const kind = std::ranges::find_if(
         kinds, [key](std::string_view prefix) { return key.starts_with(prefix); });
+    if (kind == std::end(kinds)) {
+        return;
+    }
     const std::optional<std::uint64_t> number = wholeNumber(takeUntil(value, ' '), 10);
-    if (kind == std::end(kinds) || !number) {
+    if (!number) {
         return;
     }
     const std::string_view engine = key.substr(kind->size());
@@ -189,7 +192,8 @@ std::optional<ClientTimes> parseClientTimes(std::string_view fdinfo) {
     std::vector<EngineLines> lines;
     forEachLine(fdinfo, [&](std::string_view line) {
         const std::string_view key = takeUntil(line, ':');
-        const std::string_view value = trimmed(line);
+        const std::string_view value =
+            line.substr(std::min(line.find_first_not_of("\t "), line.size()));
         if (key == "drm-client-id") {
             client = wholeNumber(value, 10);
         } else {

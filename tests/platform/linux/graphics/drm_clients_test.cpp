@@ -140,20 +140,100 @@ TEST_F(DrmClientsTest, ThatWereHandedOnAreFoundWithTheirNewOwner) {
     EXPECT_THAT(at(150), ElementsAre(40));
 }
 
-TEST_F(DrmClientsTest, ProcessesWithoutTheCardAreLookedAtEverMoreRarely) {
-    open(7, 0, "/dev/null");
+TEST_F(DrmClientsTest, OlderProcessesAreLookedAtRarely) {
+    for (int descriptor = 0; descriptor < 1000; ++descriptor) {
+        open(7, descriptor, "/dev/null");
+    }
     OpenedFiles opened;
     if (!opened.watch(tree.root(), "proc/7/fd")) {
         GTEST_SKIP() << "this machine does not tell which files are opened";
     }
     std::vector<int> looks;
-    for (int moment = 0; moment < 2400; moment += 10) {
+    for (int moment = 0; moment < 700; moment += 10) {
         clients.search(moment);
         if (opened.any()) {
             looks.push_back(moment);
         }
     }
-    EXPECT_THAT(looks, ElementsAre(0, 10, 50, 210, 850, 1490, 2130));
+    // Three descriptors a second, after the first two looks.
+    EXPECT_THAT(looks, ElementsAre(0, 10, 20, 340, 670));
+}
+
+/// The system tells when the card is opened.
+class WatchedDrmClientsTest : public DrmClientsTest {
+ protected:
+    WatchedDrmClientsTest() {
+        tree.write("dev/dri/card1", "");
+        tree.write("dev/dri/renderD128", "");
+        open(7, 0, "/dev/null");
+    }
+    void SetUp() override {
+        if (!opened.watch(tree.root(), "proc")) {
+            GTEST_SKIP() << "this machine does not tell which files are opened";
+        }
+        clients.search(0);
+        opened.any();
+    }
+    void openNode() const { FileDescriptor(tree.root() + "/dev/dri/renderD128"); }
+    bool searchesAt(double moment) {
+        clients.search(moment);
+        return opened.any();
+    }
+
+    OpenedFiles opened;
+};
+
+TEST_F(WatchedDrmClientsTest, NobodyIsLookedAtWhileNobodyOpensTheCard) {
+    for (double moment = 10; moment < 100'000; moment += 10) {
+        ASSERT_FALSE(searchesAt(moment));
+    }
+}
+
+TEST_F(WatchedDrmClientsTest, AnOpenedCardIsLookedForTwice) {
+    openNode();
+    EXPECT_FALSE(searchesAt(5));
+    EXPECT_TRUE(searchesAt(20));
+    EXPECT_FALSE(searchesAt(22));
+    EXPECT_TRUE(searchesAt(30));
+    EXPECT_FALSE(searchesAt(40));
+}
+
+TEST_F(WatchedDrmClientsTest, AnOldProcessThatOpensTheCardIsFoundAtOnce) {
+    openNode();
+    clients.search(10);
+    clients.search(20);
+    EXPECT_THAT(at(1000), IsEmpty());
+    openCard(7, 3, 40);
+    EXPECT_THAT(at(2000), IsEmpty());
+    openNode();
+    EXPECT_THAT(at(2002), ElementsAre(40));
+}
+
+TEST_F(WatchedDrmClientsTest, AnOldProcessIsFoundOnceItsManyDescriptorsMayBeLookedAt) {
+    for (int descriptor = 1; descriptor < 1000; ++descriptor) {
+        open(7, descriptor, "/dev/null");
+    }
+    for (const double moment : {10, 20, 30}) {
+        openNode();
+        clients.search(moment);
+    }
+    openCard(7, 1000, 40);
+    openNode();
+    for (double moment = 40; moment <= 330; moment += 10) {
+        ASSERT_THAT(at(moment), IsEmpty()) << moment;
+    }
+    EXPECT_THAT(at(340), ElementsAre(40));
+}
+
+TEST_F(WatchedDrmClientsTest, AClientThatHasGoneIsLookedForElsewhere) {
+    openCard(12, 3, 40);
+    openCard(13, 3, 40);
+    openNode();
+    EXPECT_THAT(at(10), ElementsAre(40));
+    EXPECT_THAT(at(20), ElementsAre(40));
+    end(12);
+    EXPECT_THAT(at(30), IsEmpty());
+    EXPECT_THAT(at(32), ElementsAre(40));
 }
 
 TEST_F(DrmClientsTest, BetweenSearchesOnlyTheirOwnFilesAreRead) {
