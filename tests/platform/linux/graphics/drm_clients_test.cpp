@@ -141,7 +141,7 @@ TEST_F(DrmClientsTest, ThatWereHandedOnAreFoundWithTheirNewOwner) {
 }
 
 TEST_F(DrmClientsTest, OlderProcessesAreLookedAtRarely) {
-    for (int descriptor = 0; descriptor < 1000; ++descriptor) {
+    for (int descriptor = 0; descriptor < 300; ++descriptor) {
         open(7, descriptor, "/dev/null");
     }
     OpenedFiles opened;
@@ -149,14 +149,14 @@ TEST_F(DrmClientsTest, OlderProcessesAreLookedAtRarely) {
         GTEST_SKIP() << "this machine does not tell which files are opened";
     }
     std::vector<int> looks;
-    for (int moment = 0; moment < 700; moment += 10) {
+    for (int moment = 0; moment < 400; moment += 10) {
         clients.search(moment);
         if (opened.any()) {
             looks.push_back(moment);
         }
     }
     // Three descriptors a second, after the first two looks.
-    EXPECT_THAT(looks, ElementsAre(0, 10, 20, 340, 670));
+    EXPECT_THAT(looks, ElementsAre(0, 10, 20, 110, 210, 310));
 }
 
 /// The system tells when the card is opened.
@@ -210,7 +210,7 @@ TEST_F(WatchedDrmClientsTest, AnOldProcessThatOpensTheCardIsFoundAtOnce) {
 }
 
 TEST_F(WatchedDrmClientsTest, AnOldProcessIsFoundOnceItsManyDescriptorsMayBeLookedAt) {
-    for (int descriptor = 1; descriptor < 1000; ++descriptor) {
+    for (int descriptor = 1; descriptor < 300; ++descriptor) {
         open(7, descriptor, "/dev/null");
     }
     for (const double moment : {10, 20, 30}) {
@@ -219,10 +219,10 @@ TEST_F(WatchedDrmClientsTest, AnOldProcessIsFoundOnceItsManyDescriptorsMayBeLook
     }
     openCard(7, 1000, 40);
     openNode();
-    for (double moment = 40; moment <= 330; moment += 10) {
+    for (double moment = 40; moment <= 100; moment += 10) {
         ASSERT_THAT(at(moment), IsEmpty()) << moment;
     }
-    EXPECT_THAT(at(340), ElementsAre(40));
+    EXPECT_THAT(at(110), ElementsAre(40));
 }
 
 TEST_F(WatchedDrmClientsTest, AClientThatHasGoneIsLookedForElsewhere) {
@@ -252,13 +252,13 @@ TEST_F(DrmClientsTest, BetweenSearchesOnlyTheirOwnFilesAreRead) {
 }
 
 TEST_F(DrmClientsTest, MoreProcessesMakeSearchesRarer) {
-    for (int process = 1; process <= 800; ++process) {
+    for (int process = 1; process <= 300; ++process) {
         tree.makeFolder(processFolder(process));
     }
     at(100);
     openCard(900, 3, 40);
-    EXPECT_THAT(at(139.9), IsEmpty());
-    EXPECT_THAT(at(140), ElementsAre(40));
+    EXPECT_THAT(at(114.9), IsEmpty());
+    EXPECT_THAT(at(115), ElementsAre(40));
 }
 
 TEST_F(DrmClientsTest, AClockThatWentBackStartsASearch) {
