@@ -88,6 +88,10 @@ class EngineTimeSource final : public GpuSource {
           queues_(device.folder + "/gpu_stats"),
           clients_(root, nodesOf(device.folder)) {}
 
+    /// Graphics on the chip of the processor, which are on no bus, sleep between two pictures.
+    /// Their drivers keep the times in memory and ask nothing.
+    bool touchesCard() const override { return !device_.identity.slot.empty(); }
+
     std::optional<GpuUtilization> read(double now) override {
         const std::optional<double> awake = shareAwake(now);
         if (awake && *awake < kHardlyAwake) {

@@ -35,10 +35,14 @@ struct GpuUtilization {
     bool operator==(const GpuUtilization&) const = default;
 };
 
-/// Asked only while the card is awake. One thread at a time.
+/// How busy a card is. One thread at a time.
 class GpuSource {
  public:
     virtual ~GpuSource() = default;
+
+    /// Whether asking touches the card: it would wake it, or keep it awake. Then the card is asked
+    /// only while it is awake.
+    virtual bool touchesCard() const { return true; }
 
     /// The utilisation at `now`, in seconds of a clock that stands still while the machine sleeps.
     /// Absent if the driver cannot tell.

@@ -48,6 +48,9 @@ std::optional<GpuUtilization> GraphicsCard::utilization(double now) {
     if (!source_) {
         return std::nullopt;
     }
+    if (!source_->touchesCard()) {
+        return readSource(now);
+    }
     if (!power_.isAwake()) {
         source_->forget();
         rest_.reset();
@@ -57,10 +60,7 @@ std::optional<GpuUtilization> GraphicsCard::utilization(double now) {
         return last_;
     }
     rest_.reset();
-    last_ = source_->read(now);
-    if (last_ && !modelName_) {
-        lookUpName();
-    }
+    last_ = readSource(now);
     if ((!last_ || last_->device < kIdleBelow) && power_.couldSleep()) {
         rest_ = {.from = now,
                  .until = now + power_.secondsUntilSleep() + kSecondsBeyondSleep,
@@ -68,6 +68,14 @@ std::optional<GpuUtilization> GraphicsCard::utilization(double now) {
         source_->rest();
     }
     return last_;
+}
+
+std::optional<GpuUtilization> GraphicsCard::readSource(double now) {
+    const std::optional<GpuUtilization> current = source_->read(now);
+    if (current && !modelName_) {
+        lookUpName();
+    }
+    return current;
 }
 
 bool GraphicsCard::isOver(const Rest& rest, double now) {

@@ -18,7 +18,7 @@ namespace tarnwick::platform {
 /// card.
 std::vector<GraphicsDevice> findGraphicsDevices(const std::string& root);
 
-/// A sleeping card is never read and gives no statistics. An idle card that could sleep is left
+/// A sleeping card is never touched and gives no statistics. An idle card that could sleep is left
 /// alone until it has had time to fall asleep, or until somebody uses it; its last figure is valid
 /// meanwhile. Reading it at every tick would keep it awake for ever. One thread at a time.
 class GraphicsCard {
@@ -43,6 +43,7 @@ class GraphicsCard {
     };
 
     std::optional<GpuUtilization> utilization(double now);
+    std::optional<GpuUtilization> readSource(double now);
     /// Whether the rest has lasted long enough, or somebody else uses the card.
     bool isOver(const Rest& rest, double now);
     /// Asked once, when the card has first given a figure.

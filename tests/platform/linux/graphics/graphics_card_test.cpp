@@ -17,6 +17,7 @@ struct ScriptedSource final : GpuSource {
         std::optional<GpuUtilization> answer{};
         std::string name{};
         std::optional<std::int64_t> cores{};
+        bool touchesCard = true;
         int reads = 0;
         int rests = 0;
         int forgotten = 0;
@@ -24,6 +25,7 @@ struct ScriptedSource final : GpuSource {
     };
 
     explicit ScriptedSource(Script& answers) : script(answers) {}
+    bool touchesCard() const override { return script.touchesCard; }
     std::optional<GpuUtilization> read(double) override {
         ++script.reads;
         return script.answer;
@@ -131,6 +133,20 @@ TEST_F(GraphicsCardTest, ACardThatSleepsIsNotAsked) {
     EXPECT_EQ(script.forgotten, 4);
     setStatus("active");
     EXPECT_EQ(usageAt(12), 50);
+}
+
+TEST_F(GraphicsCardTest, ACardThatAskingDoesNotTouchIsAlwaysAsked) {
+    script.touchesCard = false;
+    script.name = "Graphics";
+    setControl("auto");
+    for (const std::string_view status : {"suspended", "active", "suspended"}) {
+        setStatus(status);
+        script.answer = {.device = script.reads / 10.0};
+        EXPECT_EQ(usageAt(10), script.answer->device);
+    }
+    EXPECT_EQ(script.reads, 3);
+    EXPECT_EQ(script.names, 1);
+    EXPECT_EQ(script.rests, 0);
 }
 
 TEST_F(GraphicsCardTest, ACardThatFallsAsleepKeepsItsName) {
