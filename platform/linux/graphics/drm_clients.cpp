@@ -110,7 +110,8 @@ std::size_t DrmClients::look(Process& process) {
     };
     const std::string folder = folder_ + "/" + std::to_string(process.identifier) + "/fd";
     const std::unique_ptr<DIR, Close> opened(::opendir(folder.c_str()));
-    std::size_t count = 0;
+    // Opening the folder takes as long as reading a few links.
+    std::size_t count = 3;
     while (const dirent* entry = opened ? ::readdir(opened.get()) : nullptr) {
         ++count;
         // Longer than the name of any node of a card.

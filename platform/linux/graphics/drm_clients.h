@@ -50,7 +50,7 @@ class DrmClients {
     /// Whether the card may have been opened since the last call.
     bool wasOpened();
     void takeList();
-    /// Adds the clients that the process has. The number of its descriptors.
+    /// Adds the clients that the process has. About the number of its descriptors.
     std::size_t look(Process& process);
     void add(std::int32_t process, const std::string& descriptor, bool isOnPrimaryNode);
 
