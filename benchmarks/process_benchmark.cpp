@@ -8,20 +8,15 @@
 // end. Only figures of an optimised build mean anything.
 #include <algorithm>
 #include <benchmark/benchmark.h>
-#include <charconv>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
-#include <string_view>
-#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
-#include <system_error>
 #include <unistd.h>
-#include <vector>
 
 #include "benchmarks/bare_process_loop.h"
 #include "benchmarks/pairs.h"
+#include "benchmarks/sleepers.h"
 #include "platform/linux/events/process_limits.h"
 #include "platform/linux/kernel/linux_kernel.h"
 #include "platform/linux/processes/linux_process_table.h"
@@ -39,43 +34,6 @@ using tarnwick::platform::LinuxProcessTable;
 constexpr int kRows = 3;
 // How many files most systems let a program open by default. Some systems allow no more at all.
 constexpr rlim_t kUsualDescriptors = 1024;
-
-// Processes that sleep until they are ended, each by its own identifier.
-class Sleepers {
- public:
-    explicit Sleepers(int count) {
-        const pid_t parent = ::getpid();
-        for (int made = 0; made < count; ++made) {
-            const pid_t identifier = ::fork();
-            if (identifier < 0) {
-                std::perror("process_benchmark: cannot make a process");
-                break;
-            }
-            if (identifier == 0) {
-                // Ends the sleeper if the benchmark is killed.
-                ::prctl(PR_SET_PDEATHSIG, SIGKILL);
-                while (::getppid() == parent) {
-                    ::pause();
-                }
-                ::_exit(0);
-            }
-            identifiers_.push_back(identifier);
-        }
-    }
-    Sleepers(const Sleepers&) = delete;
-    Sleepers& operator=(const Sleepers&) = delete;
-    ~Sleepers() {
-        for (const pid_t identifier : identifiers_) {
-            ::kill(identifier, SIGKILL);
-        }
-        for (const pid_t identifier : identifiers_) {
-            ::waitpid(identifier, nullptr, 0);
-        }
-    }
-
- private:
-    std::vector<pid_t> identifiers_;
-};
 
 // Adds the time per process to the output.
 void countProcesses(benchmark::State& state) {
@@ -125,28 +83,6 @@ void firstPass(benchmark::State& state) {
     countProcesses(state);
 }
 
-// Takes "--processes=N" off the command line.
-int takeProcesses(int& argc, char** argv) {
-    constexpr std::string_view option = "--processes=";
-    int count = 5000;
-    int kept = 1;
-    for (int index = 1; index < argc; ++index) {
-        const std::string_view argument = argv[index];
-        if (!argument.starts_with(option)) {
-            argv[kept++] = argv[index];
-            continue;
-        }
-        const char* const end = argument.data() + argument.size();
-        const auto [rest, error] = std::from_chars(argument.data() + option.size(), end, count);
-        if (error != std::errc() || rest != end || count < 0) {
-            std::fprintf(stderr, "process_benchmark: not a number of processes: %s\n", argv[index]);
-            std::exit(2);
-        }
-    }
-    argc = kept;
-    return count;
-}
-
 // A pass that keeps files open saves enough time to pay for all that the bare loop does not do,
 // above all listing the processes. If few or no files are kept, that work comes on top.
 constexpr Pair kPairs[] = {
@@ -175,10 +111,10 @@ int measureApart(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    const int added = takeProcesses(argc, argv);
+    const int added = tarnwick::benchmarks::takeProcesses(argc, argv, 5000);
     tarnwick::platform::raiseDescriptorLimit();
     const int few = measureApart(argc, argv);
-    const Sleepers sleepers(added);
+    const tarnwick::benchmarks::Sleepers sleepers(added);
     const int many = measure(argc, argv);
     return few != 0 ? few : many;
 }

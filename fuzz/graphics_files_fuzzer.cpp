@@ -1,5 +1,6 @@
 // Any text as one of the files of a graphics driver, and as the lines of the names databases.
 #include <cstdint>
+#include <string>
 #include <string_view>
 
 #include "fuzz/fuzzer.h"
@@ -38,6 +39,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(firstLineOf(text).find('\n') == std::string_view::npos);
     require(locationOfSlot(text).has_value() == domainOfSlot(text).has_value());
     parseNamedCount(text, "simd_count");
+
+    const auto activity = parseAverageActivity(text);
+    require(!activity || (*activity >= 0 && *activity <= 100));
+    if (const auto times = parseClientTimes(text)) {
+        for (const EngineTime& engine : times->engines) {
+            require(engine.capacity > 0);
+            require(engine.engine.find('\n') == std::string::npos);
+        }
+    }
+    for (const EngineTime& queue : parseQueueTimes(text)) {
+        require(queue.total > 0 && queue.capacity == 1);
+    }
 
     feed(PciNameSearch("1002", "744c"), text);
     feed(AmdNameSearch("744c", "c8"), text);

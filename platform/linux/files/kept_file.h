@@ -13,6 +13,8 @@ namespace tarnwick::platform {
 class FileDescriptor {
  public:
     FileDescriptor() = default;
+    /// Takes over what a system call returned: an open descriptor, or -1.
+    explicit FileDescriptor(int descriptor) : descriptor_(descriptor) {}
     /// Opens the file for reading. If isOpen() is false afterwards, errno has the reason.
     explicit FileDescriptor(const std::string& path);
     /// The same for a path relative to an open folder.

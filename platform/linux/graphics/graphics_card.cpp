@@ -14,6 +14,8 @@ namespace {
 constexpr double kIdleBelow = 1;
 /// Extra seconds, because the card's own timer starts after the answer and fires a little late.
 constexpr double kSecondsBeyondSleep = 2;
+/// Seconds. A card that was awake for so much less than the time that passed has slept.
+constexpr double kShortestSleep = 1;
 
 }  // namespace
 
@@ -46,24 +48,47 @@ std::optional<GpuUtilization> GraphicsCard::utilization(double now) {
     if (!source_) {
         return std::nullopt;
     }
+    if (!source_->touchesCard()) {
+        return readSource(now);
+    }
     if (!power_.isAwake()) {
         source_->forget();
-        restsUntil_.reset();
+        rest_.reset();
         return std::nullopt;
     }
-    if (restsUntil_ && now < *restsUntil_) {
+    if (rest_ && !isOver(*rest_, now)) {
         return last_;
     }
-    restsUntil_.reset();
-    last_ = source_->read(now);
-    if (last_ && !modelName_) {
-        lookUpName();
-    }
+    rest_.reset();
+    last_ = readSource(now);
     if ((!last_ || last_->device < kIdleBelow) && power_.couldSleep()) {
-        restsUntil_ = now + power_.secondsUntilSleep() + kSecondsBeyondSleep;
+        rest_ = {.from = now,
+                 .until = now + power_.secondsUntilSleep() + kSecondsBeyondSleep,
+                 .awake = power_.millisecondsAwake()};
         source_->rest();
     }
     return last_;
+}
+
+std::optional<GpuUtilization> GraphicsCard::readSource(double now) {
+    const std::optional<GpuUtilization> current = source_->read(now);
+    if (current && !modelName_) {
+        lookUpName();
+    }
+    return current;
+}
+
+bool GraphicsCard::isOver(const Rest& rest, double now) {
+    if (now < rest.from || now >= rest.until || power_.isHeldAwake()) {
+        return true;
+    }
+    const std::optional<std::uint64_t> awake = power_.millisecondsAwake();
+    if (!awake || !rest.awake || *awake <= *rest.awake) {
+        return false;
+    }
+    // The card fell asleep in between, and somebody woke it.
+    const double slept = now - rest.from - static_cast<double>(*awake - *rest.awake) / 1000;
+    return slept > kShortestSleep;
 }
 
 void GraphicsCard::lookUpName() {

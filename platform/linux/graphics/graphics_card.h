@@ -1,6 +1,7 @@
 // One graphics card: whether it may be read, its figures and its name.
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -8,27 +9,18 @@
 
 #include "platform/accelerators.h"
 #include "platform/linux/graphics/gpu_source.h"
-#include "platform/linux/graphics/graphics_files.h"
 #include "platform/linux/graphics/runtime_power.h"
 
 namespace tarnwick::platform {
 
-/// Identity of a card, and the places of its files.
-struct GraphicsDevice {
-    /// The device's folder.
-    std::string folder;
-    /// The DRM device's folder; empty where there is none.
-    std::string card{};
-    /// The folders of the connectors for screens.
-    std::vector<std::string> connectors{};
-    GraphicsIdentity identity{};
+/// The devices of the DRM cards below `root`, in the order of their numbers. Graphics processors of
+/// NVIDIA's driver without a DRM card follow, in the order of their places on the bus. Wakes no
+/// card.
+std::vector<GraphicsDevice> findGraphicsDevices(const std::string& root);
 
-    bool operator==(const GraphicsDevice&) const = default;
-};
-
-/// A sleeping card is never read and gives no statistics. An idle card that could sleep is left
-/// alone until it has had time to fall asleep; its last figure is valid meanwhile. Reading it at
-/// every tick would keep it awake for ever. One thread at a time.
+/// A sleeping card is never touched and gives no statistics. An idle card that could sleep is left
+/// alone until it has had time to fall asleep, or until somebody uses it; its last figure is valid
+/// meanwhile. Reading it at every tick would keep it awake for ever. One thread at a time.
 class GraphicsCard {
  public:
     /// `root` is the root of the tree; `source` is null for drivers that report nothing.
@@ -42,7 +34,18 @@ class GraphicsCard {
     PropertyDictionary properties(double now);
 
  private:
+    /// A time in which the card is left alone.
+    struct Rest {
+        double from;
+        double until;
+        /// Milliseconds that the card had been awake.
+        std::optional<std::uint64_t> awake;
+    };
+
     std::optional<GpuUtilization> utilization(double now);
+    std::optional<GpuUtilization> readSource(double now);
+    /// Whether the rest has lasted long enough, or somebody else uses the card.
+    bool isOver(const Rest& rest, double now);
     /// Asked once, when the card has first given a figure.
     void lookUpName();
 
@@ -52,8 +55,7 @@ class GraphicsCard {
     RuntimePower power_;
 
     std::optional<GpuUtilization> last_;
-    /// The card is not read before this time.
-    std::optional<double> restsUntil_;
+    std::optional<Rest> rest_;
     std::optional<std::string> modelName_;
     std::optional<std::int64_t> coreCount_;
 };

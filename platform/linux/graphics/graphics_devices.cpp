@@ -1,5 +1,3 @@
-#include "platform/linux/graphics/graphics_devices.h"
-
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
@@ -12,6 +10,7 @@
 #include <utility>
 
 #include "platform/linux/files/kept_file.h"
+#include "platform/linux/graphics/graphics_card.h"
 
 namespace tarnwick::platform {
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstring>
 #include <system_error>
 
 #include "core/records/text.h"
@@ -61,6 +62,62 @@ void forEachLine(std::string_view text, Take take) {
     }
 }
 
+/// The part of a text up to `separator`, which is removed from the text with the separator.
+std::string_view takeUntil(std::string_view& text, char separator) {
+    const std::size_t end = text.find(separator);
+    const std::string_view part = text.substr(0, end);
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+    return part;
+}
+
+/// The number in two bytes of a table that the kernel wrote.
+std::uint16_t pairAt(std::string_view table, std::size_t offset) {
+    std::uint16_t number = 0;
+    std::memcpy(&number, table.data() + offset, sizeof number);
+    return number;
+}
+
+/// An engine class while its lines are collected.
+struct EngineLines {
+    std::string_view engine;
+    std::optional<std::uint64_t> nanoseconds{};
+    std::optional<std::uint64_t> cycles{};
+    std::uint64_t totalCycles = 0;
+    std::uint64_t capacity = 1;
+};
+
+void takeLine(std::vector<EngineLines>& lines, std::string_view key, std::string_view value) {
+    constexpr std::string_view kinds[] = {"drm-engine-capacity-", "drm-engine-",
+                                          "drm-total-cycles-", "drm-cycles-"};
+    const auto* const kind = std::ranges::find_if(
+        kinds, [key](std::string_view prefix) { return key.starts_with(prefix); });
+    if (kind == std::end(kinds)) {
+        return;
+    }
+    const std::optional<std::uint64_t> number = wholeNumber(takeUntil(value, ' '), 10);
+    if (!number) {
+        return;
+    }
+    const std::string_view engine = key.substr(kind->size());
+    auto known = std::ranges::find(lines, engine, &EngineLines::engine);
+    if (known == lines.end()) {
+        known = lines.insert(lines.end(), {.engine = engine});
+    }
+    switch (kind - kinds) {
+        case 0:
+            known->capacity = std::max<std::uint64_t>(*number, 1);
+            break;
+        case 1:
+            known->nanoseconds = value == "ns" ? number : std::nullopt;
+            break;
+        case 2:
+            known->totalCycles = *number;
+            break;
+        default:
+            known->cycles = number;
+    }
+}
+
 struct SlotParts {
     std::uint32_t domain;
     std::uint32_t location;
@@ -99,12 +156,78 @@ std::optional<std::uint64_t> parseCount(std::string_view text) {
     return wholeNumber(text.substr(0, text.size() - 1), 10);
 }
 
-std::optional<double> parsePercentage(std::string_view text) {
-    const std::optional<std::uint64_t> number = parseCount(text);
-    if (!number || *number > 100) {
+std::optional<double> percentageOf(double figure) {
+    constexpr double greatestOvershoot = 120;
+    if (!(figure >= 0 && figure <= greatestOvershoot)) {
         return std::nullopt;
     }
-    return static_cast<double>(*number);
+    return std::min(figure, 100.0);
+}
+
+std::optional<double> parsePercentage(std::string_view text) {
+    const std::optional<std::uint64_t> number = parseCount(text);
+    return number ? percentageOf(static_cast<double>(*number)) : std::nullopt;
+}
+
+std::optional<double> parseAverageActivity(std::string_view table) {
+    // Size of the table, two bytes, and two numbers of its layout.
+    constexpr std::size_t header = 4;
+    if (table.size() < header || table[2] != 1) {
+        return std::nullopt;
+    }
+    const int layout = static_cast<unsigned char>(table[3]);
+    if (layout > 8) {
+        return std::nullopt;
+    }
+    const std::size_t offset = layout == 0 ? 28 : layout <= 3 ? 16 : 12;
+    const std::size_t size = pairAt(table, 0);
+    if (size < offset + 2 || table.size() < size) {
+        return std::nullopt;
+    }
+    return percentageOf(pairAt(table, offset));
+}
+
+std::optional<ClientTimes> parseClientTimes(std::string_view fdinfo) {
+    std::optional<std::uint64_t> client;
+    std::vector<EngineLines> lines;
+    forEachLine(fdinfo, [&](std::string_view line) {
+        const std::string_view key = takeUntil(line, ':');
+        const std::string_view value =
+            line.substr(std::min(line.find_first_not_of("\t "), line.size()));
+        if (key == "drm-client-id") {
+            client = wholeNumber(value, 10);
+        } else {
+            takeLine(lines, key, value);
+        }
+    });
+    if (!client) {
+        return std::nullopt;
+    }
+    ClientTimes times{.client = *client};
+    for (const EngineLines& line : lines) {
+        const bool isByCycles = !line.nanoseconds && line.cycles && line.totalCycles > 0;
+        if (line.nanoseconds || isByCycles) {
+            times.engines.push_back({.engine = std::string(line.engine),
+                                     .busy = isByCycles ? *line.cycles : *line.nanoseconds,
+                                     .total = isByCycles ? line.totalCycles : 0,
+                                     .capacity = line.capacity});
+        }
+    }
+    return times;
+}
+
+std::vector<EngineTime> parseQueueTimes(std::string_view stats) {
+    std::vector<EngineTime> queues;
+    forEachLine(stats, [&queues](std::string_view line) {
+        const std::string_view queue = takeUntil(line, '\t');
+        const auto moment = wholeNumber(takeUntil(line, '\t'), 10);
+        takeUntil(line, '\t');
+        const auto busy = wholeNumber(line, 10);
+        if (queue != "cpu" && moment.value_or(0) > 0 && busy) {
+            queues.push_back({.engine = std::string(queue), .busy = *busy, .total = *moment});
+        }
+    });
+    return queues;
 }
 
 std::string_view firstLineOf(std::string_view text) {

@@ -1,14 +1,11 @@
 #include "platform/linux/graphics/linux_accelerators.h"
 
 #include <algorithm>
+#include <array>
 #include <string_view>
 #include <utility>
 
 #include "platform/linux/files/kept_file.h"
-#include "platform/linux/graphics/amdgpu_source.h"
-#include "platform/linux/graphics/graphics_devices.h"
-#include "platform/linux/graphics/intel_source.h"
-#include "platform/linux/graphics/nvidia_source.h"
 #include "platform/linux/kernel/clocks.h"
 #include "platform/linux/kernel/proc_uptime.h"
 
@@ -17,6 +14,11 @@ namespace tarnwick::platform {
 namespace {
 
 constexpr double kSecondsBetweenSearches = 60;
+
+/// Drivers of which some kernel tells how long the engines worked. On machines where the screen and
+/// the graphics have a device each, the last three are the names that the whole card has.
+constexpr std::array<std::string_view, 9> kDriversWithEngineTimes = {
+    "i915", "xe", "nouveau", "v3d", "panfrost", "panthor", "msm_dpu", "msm_mdp", "adreno"};
 
 bool isRunningMachine(std::string_view root) {
     return root == "/";
@@ -75,14 +77,13 @@ void LinuxAccelerators::findCards() {
 std::unique_ptr<GpuSource> LinuxAccelerators::sourceFor(const GraphicsDevice& device) {
     const GraphicsIdentity& identity = device.identity;
     if (identity.driver == "amdgpu") {
-        return std::make_unique<AmdgpuSource>(root_, device.folder, identity.slot);
+        return makeAmdgpuSource(root_, device);
     }
-    if ((identity.driver == "i915" || identity.driver == "xe") && !device.card.empty()) {
-        auto source = std::make_unique<IntelSource>(device.card);
-        return source->isUsable() ? std::move(source) : nullptr;
+    if (std::ranges::count(kDriversWithEngineTimes, identity.driver) > 0 && !device.card.empty()) {
+        return makeEngineTimeSource(root_, device);
     }
     if (identity.driver == "nvidia" && !identity.slot.empty()) {
-        return std::make_unique<NvidiaSource>(nvml_, identity.slot);
+        return makeNvidiaSource(nvml_, identity.slot);
     }
     return nullptr;
 }

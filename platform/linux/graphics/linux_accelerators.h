@@ -15,8 +15,8 @@
 namespace tarnwick::platform {
 
 /// Lists the cards in the order of their DRM numbers, then NVIDIA's cards without such a number.
-/// Their utilisation comes from amdgpu's own figure, from the sleep counters of i915 and xe, and
-/// from NVIDIA's management library; other drivers report nothing. New cards are noticed within a
+/// Their utilisation comes from amdgpu's own figure, from the engine times of i915, xe and other
+/// drivers that tell them, and from NVIDIA's management library. New cards are noticed within a
 /// minute. Any thread; calls take turns.
 class LinuxAccelerators final : public Accelerators {
  public:

@@ -1,8 +1,6 @@
 #include "platform/linux/graphics/runtime_power.h"
 
 #include <algorithm>
-#include <cstdint>
-#include <optional>
 #include <string_view>
 
 #include "platform/linux/graphics/graphics_files.h"
@@ -23,7 +21,9 @@ std::string_view wordIn(KeptFile& file) {
 RuntimePower::RuntimePower(const std::string& device, const std::vector<std::string>& connectors)
     : status_(device + "/power/runtime_status", 64),
       control_(device + "/power/control", 64),
-      delay_(device + "/power/autosuspend_delay_ms", 64) {
+      delay_(device + "/power/autosuspend_delay_ms", 64),
+      users_(device + "/power/runtime_usage", 64),
+      awake_(device + "/power/runtime_active_time", 64) {
     for (const std::string& connector : connectors) {
         connectors_.push_back({.enabled = KeptFile(connector + "/enabled", 64),
                                .power = KeptFile(connector + "/dpms", 64)});
@@ -37,6 +37,14 @@ bool RuntimePower::isAwake() {
 
 bool RuntimePower::couldSleep() {
     return wordIn(control_) == "auto" && !drivesAScreen();
+}
+
+bool RuntimePower::isHeldAwake() {
+    return parseCount(users_.read().value_or("")).value_or(0) > 0;
+}
+
+std::optional<std::uint64_t> RuntimePower::millisecondsAwake() {
+    return parseCount(awake_.read().value_or(""));
 }
 
 double RuntimePower::secondsUntilSleep() {

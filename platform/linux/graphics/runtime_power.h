@@ -1,6 +1,8 @@
 // Whether a graphics card is awake, and whether it could fall asleep.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,17 @@ class RuntimePower {
     /// card drives no screen.
     bool couldSleep();
 
+    /// Whether somebody uses the card right now, so that it cannot fall asleep. Also false where
+    /// the kernel does not tell.
+    bool isHeldAwake();
+
+    /// How long the card has been awake since the system started. Absent if the kernel does not
+    /// tell.
+    std::optional<std::uint64_t> millisecondsAwake();
+
+    /// Whether a screen that the card drives is on.
+    bool drivesAScreen();
+
     /// Seconds without any reading until the card falls asleep.
     double secondsUntilSleep();
 
@@ -31,11 +44,11 @@ class RuntimePower {
         KeptFile power;
     };
 
-    bool drivesAScreen();
-
     KeptFile status_;
     KeptFile control_;
     KeptFile delay_;
+    KeptFile users_;
+    KeptFile awake_;
     std::vector<Connector> connectors_;
     /// The connector that had a screen last.
     std::size_t lit_ = 0;

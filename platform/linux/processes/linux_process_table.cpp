@@ -81,8 +81,18 @@ class ListedProcess final : public ProcessEntry {
     std::optional<ProcessStat> stat_;
 };
 
-// Fills `identifiers` with those of the processes in a folder like /proc, rising. False when it
-// cannot be read.
+// Target of a symbolic link, any bytes; absent if it cannot be read.
+std::optional<std::string> targetOf(const std::string& link) {
+    std::array<char, 4096> target;
+    const ssize_t size = ::readlink(link.c_str(), target.data(), target.size());
+    if (size <= 0) {
+        return std::nullopt;
+    }
+    return std::string(target.data(), static_cast<std::size_t>(size));
+}
+
+}  // namespace
+
 bool listProcessIdentifiers(const std::string& folder, std::vector<std::int32_t>& identifiers) {
     identifiers.clear();
     struct Close {
@@ -105,18 +115,6 @@ bool listProcessIdentifiers(const std::string& folder, std::vector<std::int32_t>
     }
     return isWhole;
 }
-
-// Target of a symbolic link, any bytes; absent if it cannot be read.
-std::optional<std::string> targetOf(const std::string& link) {
-    std::array<char, 4096> target;
-    const ssize_t size = ::readlink(link.c_str(), target.data(), target.size());
-    if (size <= 0) {
-        return std::nullopt;
-    }
-    return std::string(target.data(), static_cast<std::size_t>(size));
-}
-
-}  // namespace
 
 LinuxProcessTable::LinuxProcessTable(std::string root)
     : LinuxProcessTable(std::move(root),

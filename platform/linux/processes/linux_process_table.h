@@ -15,6 +15,10 @@
 
 namespace tarnwick::platform {
 
+/// Fills `identifiers` with those of the processes in a folder like /proc, rising. False when it
+/// cannot be read; then there may be some of them.
+bool listProcessIdentifiers(const std::string& folder, std::vector<std::int32_t>& identifiers);
+
 /// Reads the tree below `root`. A walk reads the stat file of a process once, if its task
 /// information is requested, and keeps the file open for the next walk if the program's limit of
 /// descriptors allows it. Any thread; walks take turns.

@@ -84,4 +84,10 @@ void MachineTree::link(std::string_view path, std::string_view target) const {
     std::filesystem::create_symlink(target, link);
 }
 
+void MachineTree::turnToLater() const {
+    std::filesystem::copy(below(root_, "later"), root_,
+                          std::filesystem::copy_options::recursive |
+                              std::filesystem::copy_options::overwrite_existing);
+}
+
 }  // namespace tarnwick::platform::testing

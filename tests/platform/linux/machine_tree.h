@@ -36,6 +36,8 @@ class MachineTree {
     void remove(std::string_view path) const;
     void makeFolder(std::string_view path) const;
     void link(std::string_view path, std::string_view target) const;
+    /// Writes the files of the folder `later` over those of the tree, in place.
+    void turnToLater() const;
 
  private:
     std::string root_;

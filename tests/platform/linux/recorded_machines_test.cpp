@@ -82,7 +82,8 @@ TEST(RecordedMachines, HaveEachANoteAndALineInTheListOfAll) {
 }
 
 TEST(RecordedMachines, OfAGroupHaveEachALineInItsNote) {
-    for (const std::string group : {"batteries", "memories", "networks", "processors", "volumes"}) {
+    for (const std::string group :
+         {"batteries", "graphics", "memories", "networks", "processors", "volumes"}) {
         const std::string note = readWholeFile(recordedMachine(group + "/README.md")).value_or("");
         EXPECT_FALSE(recordedMachines(group).empty()) << group;
         for (const std::string& name : recordedMachines(group)) {

@@ -17,6 +17,7 @@ struct ScriptedSource final : GpuSource {
         std::optional<GpuUtilization> answer{};
         std::string name{};
         std::optional<std::int64_t> cores{};
+        bool touchesCard = true;
         int reads = 0;
         int rests = 0;
         int forgotten = 0;
@@ -24,6 +25,7 @@ struct ScriptedSource final : GpuSource {
     };
 
     explicit ScriptedSource(Script& answers) : script(answers) {}
+    bool touchesCard() const override { return script.touchesCard; }
     std::optional<GpuUtilization> read(double) override {
         ++script.reads;
         return script.answer;
@@ -133,6 +135,20 @@ TEST_F(GraphicsCardTest, ACardThatSleepsIsNotAsked) {
     EXPECT_EQ(usageAt(12), 50);
 }
 
+TEST_F(GraphicsCardTest, ACardThatAskingDoesNotTouchIsAlwaysAsked) {
+    script.touchesCard = false;
+    script.name = "Graphics";
+    setControl("auto");
+    for (const std::string_view status : {"suspended", "active", "suspended"}) {
+        setStatus(status);
+        script.answer = {.device = script.reads / 10.0};
+        EXPECT_EQ(usageAt(10), script.answer->device);
+    }
+    EXPECT_EQ(script.reads, 3);
+    EXPECT_EQ(script.names, 1);
+    EXPECT_EQ(script.rests, 0);
+}
+
 TEST_F(GraphicsCardTest, ACardThatFallsAsleepKeepsItsName) {
     script.answer = {.device = 50};
     script.name = "Graphics";
@@ -200,6 +216,46 @@ TEST_F(GraphicsCardTest, ACardThatWakesUpIsAskedAtOnce) {
     setStatus("active");
     script.answer = {.device = 90};
     EXPECT_EQ(usageAt(14), 90);
+}
+
+TEST_F(GraphicsCardTest, ARestEndsWhenSomebodyUsesTheCard) {
+    setControl("auto");
+    tree.write("device/power/autosuspend_delay_ms", "60000\n");
+    tree.write("device/power/runtime_usage", "0\n");
+    script.answer = {.device = 0};
+    EXPECT_EQ(usageAt(10), 0);
+    script.answer = {.device = 97};
+    EXPECT_EQ(usageAt(12), 0);
+    tree.write("device/power/runtime_usage", "1\n");
+    EXPECT_EQ(usageAt(14), 97);
+}
+
+TEST_F(GraphicsCardTest, ARestEndsWhenTheCardSleptUnseen) {
+    setControl("auto");
+    tree.write("device/power/autosuspend_delay_ms", "60000\n");
+    const auto awakeFor = [this](int milliseconds) {
+        tree.write("device/power/runtime_active_time", std::to_string(milliseconds) + "\n");
+    };
+    awakeFor(50000);
+    script.answer = {.device = 0};
+    EXPECT_EQ(usageAt(10), 0);
+    script.answer = {.device = 97};
+    awakeFor(52000);
+    EXPECT_EQ(usageAt(12), 0);
+    awakeFor(61100);
+    EXPECT_EQ(usageAt(22), 0);
+    awakeFor(61900);
+    EXPECT_EQ(usageAt(24), 97);
+}
+
+TEST_F(GraphicsCardTest, ARestEndsWhereNothingElseIsTold) {
+    setControl("auto");
+    tree.write("device/power/autosuspend_delay_ms", "60000\n");
+    script.answer = {.device = 0};
+    EXPECT_EQ(usageAt(10), 0);
+    script.answer = {.device = 97};
+    EXPECT_EQ(usageAt(71.9), 0);
+    EXPECT_EQ(usageAt(72), 97);
 }
 
 TEST_F(GraphicsCardTest, WithoutASourceThereIsNothing) {

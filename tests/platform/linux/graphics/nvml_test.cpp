@@ -4,7 +4,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/linux/graphics/nvidia_source.h"
+#include "platform/linux/graphics/gpu_source.h"
 #include "tests/platform/linux/graphics/loaded_test_nvml.h"
 
 namespace tarnwick::platform {
@@ -109,42 +109,42 @@ TEST(NvmlLibrary, OfAnOldDriverTellsTheUtilizationOnly) {
 
 class NvidiaSourceTest : public NvmlTest {
  protected:
-    NvidiaSource source{nvml, slot};
+    const std::unique_ptr<GpuSource> source = makeNvidiaSource(nvml, slot);
 };
 
 TEST_F(NvidiaSourceTest, OneConnectionServesManyReadings) {
     library->utilization = 7;
-    EXPECT_EQ(source.read(10), GpuUtilization{.device = 7});
+    EXPECT_EQ(source->read(10), GpuUtilization{.device = 7});
     library->utilization = 70;
-    EXPECT_EQ(source.read(12), GpuUtilization{.device = 70});
+    EXPECT_EQ(source->read(12), GpuUtilization{.device = 70});
     EXPECT_EQ(library->initialized, 1);
     EXPECT_EQ(library->devicesAsked, 1);
 }
 
 TEST_F(NvidiaSourceTest, AfterAFailureTheConnectionEndsAndAMinutePasses) {
-    EXPECT_TRUE(source.read(10));
+    EXPECT_TRUE(source->read(10));
     library->utilizationResult = notSupported;
-    EXPECT_EQ(source.read(12), std::nullopt);
+    EXPECT_EQ(source->read(12), std::nullopt);
     EXPECT_EQ(library->connections(), 0);
     library->utilizationResult = 0;
-    EXPECT_EQ(source.read(71), std::nullopt);
+    EXPECT_EQ(source->read(71), std::nullopt);
     EXPECT_EQ(library->initialized, 1);
-    EXPECT_TRUE(source.read(72));
-    EXPECT_TRUE(source.read(73));
+    EXPECT_TRUE(source->read(72));
+    EXPECT_TRUE(source->read(73));
     EXPECT_EQ(library->initialized, 2);
 }
 
 TEST_F(NvidiaSourceTest, RestEndsTheConnection) {
     library->name = "NVIDIA Test Card";
-    EXPECT_TRUE(source.read(10));
-    EXPECT_EQ(source.modelName(), "NVIDIA Test Card");
-    EXPECT_EQ(source.coreCount(), 0);
-    source.rest();
+    EXPECT_TRUE(source->read(10));
+    EXPECT_EQ(source->modelName(), "NVIDIA Test Card");
+    EXPECT_EQ(source->coreCount(), 0);
+    source->rest();
     EXPECT_EQ(library->connections(), 0);
-    EXPECT_EQ(source.modelName(), "");
-    EXPECT_EQ(source.coreCount(), std::nullopt);
-    EXPECT_TRUE(source.read(12));
-    source.forget();
+    EXPECT_EQ(source->modelName(), "");
+    EXPECT_EQ(source->coreCount(), std::nullopt);
+    EXPECT_TRUE(source->read(12));
+    source->forget();
     EXPECT_EQ(library->connections(), 0);
 }
 

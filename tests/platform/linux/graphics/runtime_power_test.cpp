@@ -59,6 +59,22 @@ TEST_F(RuntimePowerTest, ACardThatDrivesAScreenDoesNotSleep) {
     EXPECT_FALSE(power.couldSleep());
 }
 
+TEST_F(RuntimePowerTest, ACardWithUsersIsHeldAwake) {
+    EXPECT_FALSE(power.isHeldAwake());
+    tree.write("device/power/runtime_usage", "0\n");
+    EXPECT_FALSE(power.isHeldAwake());
+    tree.write("device/power/runtime_usage", "2\n");
+    EXPECT_TRUE(power.isHeldAwake());
+    tree.write("device/power/runtime_usage", "-1\n");
+    EXPECT_FALSE(power.isHeldAwake());
+}
+
+TEST_F(RuntimePowerTest, TheTimeAwakeIsTheKernels) {
+    EXPECT_EQ(power.millisecondsAwake(), std::nullopt);
+    tree.write("device/power/runtime_active_time", "912345\n");
+    EXPECT_EQ(power.millisecondsAwake(), 912345U);
+}
+
 TEST_F(RuntimePowerTest, TheTimeUntilSleepIsTheDriversOwn) {
     EXPECT_EQ(power.secondsUntilSleep(), 8);
     tree.write("device/power/autosuspend_delay_ms", "5000\n");
