@@ -26,9 +26,9 @@ class TimedSource {
     TimedSource(Workers& workers, double patience) : workers_(workers), patience_(patience) {}
 
     /// What `ask` returns. If it does not return in time or cannot be started: the last record, for
-    /// up to kReadingsWithoutAnswer readings in a row; then absent, as where there is none. While it
-    /// has not returned, it is not asked again and no longer waited for. What comes late counts as
-    /// the last record. What `ask` uses must live until it returns, which may be never.
+    /// up to kReadingsWithoutAnswer readings in a row; then absent, as where there is none. While
+    /// it has not returned, it is not asked again and no longer waited for. What comes late counts
+    /// as the last record. What `ask` uses must live until it returns, which may be never.
     std::optional<Record> read(std::function<Record()> ask) {
         const std::lock_guard guard(lock_);
         if (out_ && take()) {

@@ -30,11 +30,6 @@ printf '%s\\n' "$@" > {asked}
 while [ "${{1#--}}" != "$1" ]; do shift; done
 exec "$@"
 """
-_NO_MANAGER = """\
-#!/bin/sh
-echo "Failed to connect to bus: Connection refused" >&2
-exit 1
-"""
 _ENTRY = """\
 [Desktop Entry]
 Type=Application
@@ -135,9 +130,15 @@ class ActivityMonitorTest(DesktopTestCase):
         # A list of processes finds the application by this name.
         self.assertRegex(arguments[5], r"^--unit=app-tarnwick-mate\\x2dsystem\\x2dmonitor-\d+\.scope$")
 
+    def test_opens_it_plainly_where_the_service_manager_refuses(self):
+        self.open_plainly("echo 'Failed to connect to bus: Connection refused' >&2; exit 1")
+
     def test_opens_it_plainly_where_the_service_manager_does_not_answer(self):
+        self.open_plainly("exec sleep 600")
+
+    def open_plainly(self, answer):
         told = self.install("mate-system-monitor")
-        self.make_program("systemd-run", _NO_MANAGER)
+        self.make_program("systemd-run", f"#!/bin/sh\n{answer}\n")
         os.mkdir(self.desktop.path("runtime/systemd"))
         with open(self.desktop.path("runtime/systemd/private"), "wb"):
             pass

@@ -70,8 +70,12 @@ bool makesUnits(const QStringList& command, const QProcessEnvironment& environme
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     process.start(command.front(), command.mid(1) + QStringList("true"));
-    return process.waitForFinished(kPatience) && process.exitStatus() == QProcess::NormalExit &&
-           process.exitCode() == 0;
+    if (!process.waitForFinished(kPatience)) {
+        process.kill();
+        process.waitForFinished(kPatience);
+        return false;
+    }
+    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
 }
 
 /// The words to put before a command so that it runs in its own unit. desktopEntryCandidates()
@@ -108,7 +112,7 @@ QStringList monitorArguments(const StartConditions& conditions) {
         }
     }
     // The shell sets the limit and the folder; the program that replaces it inherits both.
-    QString script = R"(cd "$0" && exec "$@")";
+    QString script = R"(cd "$0"; exec "$@")";
     if (conditions.descriptorLimit) {
         script.prepend(QString("ulimit -Sn %1; ").arg(*conditions.descriptorLimit));
     }
