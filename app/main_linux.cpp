@@ -103,7 +103,7 @@ class Machine {
             .kernel = new platform::LinuxKernel(),
             .volumes = new platform::LinuxVolumes(),
             .networkInterfaces = new platform::LinuxNetworkInterfaces(),
-            .accelerators = new platform::LinuxAccelerators(),
+            .accelerators = new platform::LinuxAccelerators("/", workers_),
             .processInfo = new platform::LinuxProcessInfo(),
             .powerSources = powerSources,
             .batteryHealth = powerSources,
@@ -115,12 +115,15 @@ class Machine {
             .keyboardLayout = keyboardLayout,
             .byteCountFormatter = new platform::PlainByteCountFormatter(),
             .dispatch = &dispatch_,
+            .workers = &workers_,
         });
     }
 
     // The platform is never destroyed: background work that is stuck when the program ends may
     // still use it.
     platform::QtDispatch& dispatch_ = *new platform::QtDispatch();
+    platform::Workers& workers_ = *new platform::ThreadWorkers(
+        [&dispatch = dispatch_](auto work) { return dispatch.detached(std::move(work)); });
     platform::JsonUserDefaults& userDefaults_ =
         *new platform::JsonUserDefaults(platform::settingsFile(environment), dispatch_);
     QSocketNotifier settingsWatch_{QSocketNotifier::Read};
@@ -169,7 +172,6 @@ class Program {
     void quit();
 
     QApplication& application_;
-    const platform::StartConditions& conditions_;
     platform::SingleInstance& instance_;
     const platform::QuitSignals quitSignals_{[this] { quit(); }};
     Machine machine_;
@@ -180,6 +182,7 @@ class Program {
     TarnwickApp app_;
     MenuBarView view_;
     qt::PanelWindow panel_;
+    platform::ActivityMonitor activityMonitor_;
     const platform::ReducedMotion reducedMotion_;
     const platform::SleepSignals sleepSignals_;
 };
@@ -187,7 +190,6 @@ class Program {
 Program::Program(QApplication& application, const platform::StartConditions& conditions,
                  const QDBusConnection& bus, platform::SingleInstance& instance)
     : application_(application),
-      conditions_(conditions),
       instance_(instance),
       machine_(bus),
       item_(bus, platform::LinuxStatusItem::sessionOptions(paintIcon, theme_.isDark())),
@@ -203,6 +205,8 @@ Program::Program(QApplication& application, const platform::StartConditions& con
                               }}),
       view_(app_.statsManager(), panelTargets()),
       panel_(view_, theme_, *platform::current().dispatch),
+      // An open panel would lie over the monitor and hold the pointer.
+      activityMonitor_(conditions, *platform::current().dispatch, [this] { panel_.close(); }),
       reducedMotion_(bus, [this](bool isReduced) { panel_.setMotionReduced(isReduced); }),
       sleepSignals_(QDBusConnection::systemBus(), [this] { app_.machineDidWake(); }) {
     item_.setActions(itemActions());
@@ -232,13 +236,7 @@ PanelTargets Program::panelTargets() {
                     app_.showSettingsWindow();
                     panel_.close();
                 },
-            .openActivityMonitor =
-                [this] {
-                    // An open panel would lie over the monitor and hold the pointer.
-                    if (platform::openActivityMonitor(conditions_)) {
-                        panel_.close();
-                    }
-                },
+            .openActivityMonitor = [this] { activityMonitor_.open(); },
             .quit = [this] { quit(); }};
 }
 

@@ -31,12 +31,6 @@ constexpr double kBatteryInterval = 120;
 /// Longer than any timer waits.
 constexpr double kLongestInterval = 2 * kBatteryInterval;
 
-class CalmProcessInfo final : public platform::ProcessInfo {
- public:
-    std::int64_t activeProcessorCount() override { return 8; }
-    std::int64_t thermalState() override { return 0; }
-};
-
 class FixedBattery final : public BatteryReader {
  public:
     BatteryInfo currentBatteryInfo(bool) override { return battery(); }
@@ -79,7 +73,6 @@ struct TurnedPanel::Machine {
     platform::testing::ManualDispatch dispatch;
     platform::testing::MemoryUserDefaults store;
     platform::testing::ScriptedLoginService loginService;
-    CalmProcessInfo processInfo;
     platform::PlainByteCountFormatter formatter;
     UserSettings settings{store, loginService};
     StatsManager manager{
@@ -91,7 +84,7 @@ struct TurnedPanel::Machine {
     qt::Theme theme;
     MenuBarView view{manager,
                      {.showSettings = [] {}, .openActivityMonitor = [] {}, .quit = [] {}},
-                     {dispatch, processInfo, formatter}};
+                     {dispatch, formatter}};
     qt::PanelWindow window{view, theme, dispatch};
 
     MetricSources sources();
@@ -160,6 +153,7 @@ MetricSources TurnedPanel::Machine::sources() {
                     storage.availableSpace = 500 * kGB - used;
                     return storage;
                 },
+            .readThermalState = [] { return std::int64_t{0}; },
             .readUptime = [this] { return 60 * dispatch.now(); }};
 }
 

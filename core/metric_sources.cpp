@@ -1,6 +1,9 @@
 #include "core/metric_sources.h"
 
+#include <memory>
+
 #include "platform/platform.h"
+#include "platform/timed_source.h"
 #include "services/cpu_service.h"
 #include "services/gpu_service.h"
 #include "services/memory_service.h"
@@ -12,8 +15,15 @@
 namespace tarnwick {
 
 MetricSources MetricSources::shared() {
+    using platform::TimedSource;
     platform::Kernel& kernel = *platform::current().kernel;
     platform::Volumes& volumes = *platform::current().volumes;
+    platform::ProcessInfo& processInfo = *platform::current().processInfo;
+    platform::Workers& workers = *platform::current().workers;
+    const auto home =
+        std::make_shared<TimedSource<StorageInfo>>(workers, platform::kSourcePatience);
+    const auto heat =
+        std::make_shared<TimedSource<std::int64_t>>(workers, platform::kSensorPatience);
     return {
         .readCPUInfo = [] { return CPUService::shared().readCPUInfo(); },
         .readGPUInfo = [] { return GPUService::shared().readGPUInfo(); },
@@ -23,7 +33,15 @@ MetricSources MetricSources::shared() {
             [](int limit) { return ProcessService::shared().readTopProcesses(limit); },
         .pruneStaleProcesses = [] { ProcessService::shared().pruneStaleProcesses(); },
         .releaseProcessCaches = [] { ProcessService::shared().releaseCaches(); },
-        .readStorageInfo = [&volumes] { return StorageService(volumes).readStorageInfo(); },
+        .readStorageInfo =
+            [&volumes, home] {
+                return home->read([&volumes] { return StorageService(volumes).readStorageInfo(); });
+            },
+        .readThermalState =
+            [&processInfo, heat] {
+                return heat->read([&processInfo] { return processInfo.thermalState(); })
+                    .value_or(platform::kUnknownThermalState);
+            },
         .readUptime = [&kernel] { return tarnwick::readUptime(kernel); },
     };
 }

@@ -1,7 +1,9 @@
 // The samplers that the stats manager calls, one function each.
 #pragma once
 
+#include <cstdint>
 #include <functional>
+#include <optional>
 
 #include "core/records/metric_records.h"
 #include "services/top_process_lists.h"
@@ -19,7 +21,10 @@ struct MetricSources {
     std::function<void()> pruneStaleProcesses;
     /// No process lists are wanted at present: frees what they keep between two calls.
     std::function<void()> releaseProcessCaches;
-    std::function<StorageInfo()> readStorageInfo;
+    /// Absent when the volume does not answer.
+    std::function<std::optional<StorageInfo>()> readStorageInfo;
+    /// As ProcessInfo::thermalState(); unknown also when the sensors do not answer.
+    std::function<std::int64_t()> readThermalState;
     /// Seconds since boot.
     std::function<double()> readUptime;
 

@@ -17,6 +17,7 @@ FastRefreshSnapshot measureFast(const MetricSources& sources, bool includeProces
     snapshot.memory = sources.readMemoryInfo();
     snapshot.network = sources.readNetworkInfo();
     if (includeProcesses) {
+        snapshot.thermalState = sources.readThermalState();
         TopProcessLists processes = sources.readTopProcesses(StatsManager::kTopProcessLimit);
         snapshot.topCPUProcesses = std::move(processes.cpu);
         snapshot.topMemoryProcesses = std::move(processes.memory);
@@ -72,31 +73,31 @@ void StatsManager::refreshFast() {
         queuedFastRefresh_ = true;
         return;
     }
-    isFastRefreshInFlight_ = true;
-    dispatch_.detached([weak = Weak(self_), sources = sources_, &dispatch = dispatch_,
-                        includeProcesses = isPopoverVisible_] {
-        dispatch.async(
-            [weak, includeProcesses, snapshot = measureFast(*sources, includeProcesses)]() mutable {
+    isFastRefreshInFlight_ =
+        dispatch_.detached([weak = Weak(self_), sources = sources_, &dispatch = dispatch_,
+                            includeProcesses = isPopoverVisible_] {
+            dispatch.async([weak, includeProcesses,
+                            snapshot = measureFast(*sources, includeProcesses)]() mutable {
                 if (StatsManager* manager = alive(weak)) {
                     manager->receiveFast(std::move(snapshot), includeProcesses);
                 }
             });
-    });
+        });
 }
 
 void StatsManager::receiveFast(FastRefreshSnapshot snapshot, bool includesProcesses) {
     if (includesProcesses) {
         fastRefreshCount_ = checkedIncrement(fastRefreshCount_);
-        if (fastRefreshCount_ % kVisibleRefreshesPerPrune == 0) {
+        if (fastRefreshCount_ % kVisibleRefreshesPerPrune == 0 &&
             dispatch_.detached([weak = Weak(self_), sources = sources_, &dispatch = dispatch_,
-                                snapshot = std::move(snapshot)]() mutable {
+                                snapshot]() mutable {
                 sources->pruneStaleProcesses();
                 dispatch.async([weak, snapshot = std::move(snapshot)]() mutable {
                     if (StatsManager* manager = alive(weak)) {
                         manager->applyFast(std::move(snapshot));
                     }
                 });
-            });
+            })) {
             return;
         }
     }
@@ -111,6 +112,9 @@ void StatsManager::applyFast(FastRefreshSnapshot snapshot) {
     gpuInfo.set(std::move(snapshot.gpu));
     memoryInfo.set(snapshot.memory);
     networkInfo.set(snapshot.network);
+    if (snapshot.thermalState) {
+        thermalState.set(*snapshot.thermalState);
+    }
     if (snapshot.topCPUProcesses && snapshot.topMemoryProcesses) {
         topCPUProcesses.set(std::move(*snapshot.topCPUProcesses));
         topMemoryProcesses.set(std::move(*snapshot.topMemoryProcesses));
@@ -130,15 +134,14 @@ void StatsManager::refreshSlow(bool exactBattery) {
         queuedSlowExactBatteryRefresh_ = queuedSlowExactBatteryRefresh_ || exactBattery;
         return;
     }
-    isSlowRefreshInFlight_ = true;
     startBatteryStage(exactBattery);
 }
 
 // The battery's quick reading comes first and the health reading, which may take seconds, comes
 // last, so that the quick one is not delayed.
 void StatsManager::startBatteryStage(bool exactBattery) {
-    dispatch_.detached([weak = Weak(self_), service = batteryService_, &dispatch = dispatch_,
-                        exactBattery] {
+    continueSlow([weak = Weak(self_), service = batteryService_, &dispatch = dispatch_,
+                  exactBattery] {
         dispatch.async([weak, exactBattery, battery = service->currentBatteryInfo(exactBattery)] {
             if (StatsManager* manager = alive(weak)) {
                 manager->batteryInfo.set(battery);
@@ -150,21 +153,21 @@ void StatsManager::startBatteryStage(bool exactBattery) {
 }
 
 void StatsManager::startStorageStage(bool exactBattery) {
-    dispatch_.detached(
-        [weak = Weak(self_), sources = sources_, &dispatch = dispatch_, exactBattery] {
-            StorageInfo storage = sources->readStorageInfo();
-            const double uptime = sources->readUptime();
-            dispatch.async([weak, exactBattery, storage = std::move(storage), uptime] {
-                if (StatsManager* manager = alive(weak)) {
-                    manager->applyStorage(storage, uptime);
-                    manager->startHealthStage(exactBattery);
-                }
-            });
+    continueSlow([weak = Weak(self_), sources = sources_, &dispatch = dispatch_, exactBattery] {
+        std::optional<StorageInfo> storage = sources->readStorageInfo();
+        const double uptime = sources->readUptime();
+        const std::int64_t thermal = sources->readThermalState();
+        dispatch.async([weak, exactBattery, storage = std::move(storage), uptime, thermal] {
+            if (StatsManager* manager = alive(weak)) {
+                manager->applyStorage(storage, uptime, thermal);
+                manager->startHealthStage(exactBattery);
+            }
         });
+    });
 }
 
 void StatsManager::startHealthStage(bool exactBattery) {
-    dispatch_.detached(
+    continueSlow(
         [weak = Weak(self_), service = batteryService_, &dispatch = dispatch_, exactBattery] {
             dispatch.async([weak, battery = service->batteryInfoWithHealth(exactBattery)] {
                 if (StatsManager* manager = alive(weak)) {
@@ -174,11 +177,20 @@ void StatsManager::startHealthStage(bool exactBattery) {
         });
 }
 
-void StatsManager::applyStorage(StorageInfo storage, double uptime) {
+void StatsManager::continueSlow(std::function<void()> work) {
+    // What is queued stays queued for the next refresh that ends.
+    isSlowRefreshInFlight_ = dispatch_.detached(std::move(work));
+}
+
+void StatsManager::applyStorage(std::optional<StorageInfo> storage, double uptime,
+                                std::int64_t thermal) {
     std::vector<StorageInfo> volumes;
-    volumes.push_back(std::move(storage));
+    if (storage) {
+        volumes.push_back(*std::move(storage));
+    }
     storageInfo.set(std::move(volumes));
     systemInfo.set({.uptime = uptime});
+    thermalState.set(thermal);
     const auto primary = primaryStorage();
     appendSample(storageUsageHistory, primary ? primary->usagePercentage() : 0);
 }

@@ -14,6 +14,7 @@
 #include "evaluation/metric_summary_resolver.h"
 #include "platform/dispatch.h"
 #include "platform/log.h"
+#include "platform/process_info.h"
 #include "services/battery_reader.h"
 #include "settings/user_settings.h"
 
@@ -46,7 +47,7 @@ class StatsManager final : public ObservableObject {
     Published<BatteryInfo> batteryInfo{*this};
     /// True from the first battery reading on, whether or not there is a battery.
     Published<bool> batteryDetectionComplete{*this, false};
-    /// The one volume that the storage sampler reads.
+    /// The one volume that the storage sampler reads; empty also when it does not answer.
     Published<std::vector<StorageInfo>> storageInfo{*this};
     Published<MemoryInfo> memoryInfo{*this};
     Published<CPUInfo> cpuInfo{*this};
@@ -61,6 +62,8 @@ class StatsManager final : public ObservableObject {
     Published<std::vector<UsageSample>> memoryUsageHistory{*this};
     Published<std::vector<UsageSample>> storageUsageHistory{*this};
     Published<NetworkInfo> networkInfo{*this};
+    /// As ProcessInfo::thermalState() tells it.
+    Published<std::int64_t> thermalState{*this, platform::kUnknownThermalState};
 
     static constexpr std::size_t kHistoryLimit = 60;
     /// Rows that each list of top processes is asked for.
@@ -76,11 +79,12 @@ class StatsManager final : public ObservableObject {
     static constexpr double kFastMinimumTolerance = 0.25;
     static constexpr double kSlowMinimumTolerance = 1;
 
-    /// Starts a fast refresh (CPU, GPU, memory, network and, while the panel is visible,
-    /// processes), or queues one.
+    /// Starts a fast refresh (CPU, GPU, memory, network and, while the panel is visible, thermal
+    /// state and processes), or queues one. If the system starts no thread for it, nothing is
+    /// refreshed, and the next request tries again; so it is with a slow one.
     void refreshFast();
-    /// Starts a slow refresh (battery, storage, uptime), or queues one. `exactBattery` asks for a
-    /// fresh battery reading instead of a cached one.
+    /// Starts a slow refresh (battery, storage, uptime, thermal state), or queues one.
+    /// `exactBattery` asks for a fresh battery reading instead of a cached one.
     void refreshSlow(bool exactBattery);
     /// A fast refresh and an exact slow one: what a person means by refresh.
     void refreshNow();
@@ -121,7 +125,9 @@ class StatsManager final : public ObservableObject {
     void startBatteryStage(bool exactBattery);
     void startStorageStage(bool exactBattery);
     void startHealthStage(bool exactBattery);
-    void applyStorage(StorageInfo storage, double uptime);
+    void applyStorage(std::optional<StorageInfo> storage, double uptime, std::int64_t thermal);
+    /// The rest of a slow refresh, in the background; without a thread the refresh ends here.
+    void continueSlow(std::function<void()> work);
     void finishSlow(BatteryInfo battery);
     void appendSample(Published<std::vector<UsageSample>>& history, double value);
 

@@ -35,13 +35,16 @@ struct MatchingServices {
     /// The services in the order of the iterator. For each accelerator: its properties among
     /// "PerformanceStatistics" (a dictionary of percentages), "model" and "gpu-core-count".
     std::vector<PropertyDictionary> services{};
+    /// Accelerators that should have answered, but did not in time; they are not among the
+    /// services.
+    std::size_t silent = 0;
 };
 
 class Accelerators {
  public:
     virtual ~Accelerators() = default;
 
-    /// The services of class "IOAccelerator" as they are now. Any thread.
+    /// The services of class "IOAccelerator" as they are now. Any thread but the main one.
     virtual MatchingServices matchingServices() = 0;
 };
 

@@ -37,8 +37,9 @@ class Dispatch {
     /// Runs `work` on the main queue, `seconds` from now or later. Main thread.
     virtual void asyncAfter(double seconds, std::function<void()> work) = 0;
     /// Runs `work` off the main thread at utility priority. Work that blocks does not hold up
-    /// other work. Any thread.
-    virtual void detached(std::function<void()> work) = 0;
+    /// other work. False if the system starts no thread for it now: the work is dropped, and a
+    /// later call tries again. Any thread.
+    virtual bool detached(std::function<void()> work) = 0;
     /// A timer that first fires one interval (seconds, above 0) from now. Main thread.
     virtual std::unique_ptr<Timer> scheduleRepeating(double interval,
                                                      std::function<void()> handler) = 0;

@@ -14,6 +14,7 @@
 #include "platform/process_table.h"
 #include "platform/user_defaults.h"
 #include "platform/volumes.h"
+#include "platform/workers.h"
 
 namespace tarnwick::platform {
 
@@ -33,6 +34,7 @@ struct Platform {
     KeyboardLayout* keyboardLayout = nullptr;
     ByteCountFormatter* byteCountFormatter = nullptr;
     Dispatch* dispatch = nullptr;
+    Workers* workers = nullptr;
 };
 
 /// The process's platform, as installed by `main`. Only the defaults of process-wide instances and

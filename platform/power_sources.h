@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "platform/timed_source.h"
+
 namespace tarnwick::platform {
 
 /// One power source, as `IOPSGetPowerSourceDescription` describes it. A field is absent where the
@@ -62,6 +64,8 @@ class BatteryHealth {
     /// Blocks, perhaps for seconds. Absent if the health could not be read; a reading without
     /// figures if it was read and the machine reports none.
     virtual std::optional<HealthReading> readHealth() = 0;
+    /// Seconds after which a reading that has not come back hangs.
+    virtual double longestReading() const { return kSourcePatience; }
 };
 
 }  // namespace tarnwick::platform

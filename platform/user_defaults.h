@@ -37,6 +37,9 @@ class UserDefaults {
     /// Whether anything is stored under `key`, even a value that object() cannot read. Call this
     /// before storing a default value, so that an unreadable value is not overwritten.
     virtual bool contains(std::string_view key) { return object(key).has_value(); }
+    /// Whether all that is stored is known. False while the store cannot be read: what it holds
+    /// then comes as an external change.
+    virtual bool isComplete() { return true; }
     /// Each is absent when there is no value or it has another type.
     std::optional<bool> boolean(std::string_view key);
     std::optional<std::int64_t> integer(std::string_view key);
@@ -45,8 +48,8 @@ class UserDefaults {
     /// Integers are numbers, too.
     std::optional<double> number(std::string_view key);
 
-    /// Calls `observer` when somebody else has changed values, which readers find by then. Never
-    /// where the system cannot tell. Main thread.
+    /// Calls `observer` when somebody else has changed values, which readers find by then, and when
+    /// the store becomes complete. Never where the system cannot tell. Main thread.
     [[nodiscard]] virtual Subscription onExternalChange(std::function<void()> observer);
 };
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "platform/platform.h"
+#include "platform/timed_source.h"
 #include "services/power_source_reader.h"
 
 namespace tarnwick {
@@ -57,11 +58,23 @@ platform::UserDefaults& BatteryService::standardDefaults() {
 }
 
 BatteryService::ReadHealth BatteryService::systemHealth() {
-    return [&health = *platform::current().batteryHealth] { return health.readHealth(); };
+    using Reading = std::optional<HealthReading>;
+    auto& health = *platform::current().batteryHealth;
+    const auto source = std::make_shared<platform::TimedSource<Reading>>(
+        *platform::current().workers, health.longestReading());
+    return [&health, source] {
+        return source->read([&health] { return health.readHealth(); }).value_or(std::nullopt);
+    };
 }
 
 BatteryService::ReadBattery BatteryService::systemBattery() {
-    return [&sources = *platform::current().powerSources] { return readPowerSources(sources); };
+    using Reading = std::optional<BatteryInfo>;
+    const auto source = std::make_shared<platform::TimedSource<Reading>>(
+        *platform::current().workers, platform::kSourcePatience);
+    return [&sources = *platform::current().powerSources, source] {
+        return source->read([&sources] { return readPowerSources(sources); })
+            .value_or(std::nullopt);
+    };
 }
 
 BatteryService::Now BatteryService::systemNow() {

@@ -1,6 +1,5 @@
 #include "services/gpu_service.h"
 
-#include <optional>
 #include <string>
 #include <utility>
 
@@ -18,11 +17,15 @@ GPUService& GPUService::shared() {
 }
 
 GPUInfo GPUService::readGPUInfo() {
+    return answeredGPUInfo().value_or(GPUInfo{});
+}
+
+std::optional<GPUInfo> GPUService::answeredGPUInfo() {
     const platform::MatchingServices found = accelerators_.matchingServices();
     if (found.result != 0) {
         logger_.error("IOServiceGetMatchingServices(IOAccelerator) failed with result: " +
                       std::to_string(found.result));
-        return {};
+        return GPUInfo{};
     }
     std::optional<GPUInfo> best;
     for (const platform::PropertyDictionary& service : found.services) {
@@ -31,7 +34,7 @@ GPUInfo GPUService::readGPUInfo() {
             best = std::move(candidate);
         }
     }
-    return best.value_or(GPUInfo{});
+    return best || found.silent > 0 ? best : GPUInfo{};
 }
 
 }  // namespace tarnwick

@@ -1,6 +1,8 @@
 // Use of the graphics processor.
 #pragma once
 
+#include <optional>
+
 #include "core/records/metric_records.h"
 #include "platform/accelerators.h"
 #include "platform/log.h"
@@ -19,6 +21,8 @@ class GPUService {
     /// The busiest accelerator, the first of equally busy ones. Never fails: the record is
     /// unavailable where no accelerator has statistics.
     GPUInfo readGPUInfo();
+    /// The same, but absent where no accelerator has statistics because one does not answer.
+    std::optional<GPUInfo> answeredGPUInfo();
 
  private:
     platform::Accelerators& accelerators_;

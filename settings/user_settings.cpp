@@ -75,9 +75,7 @@ std::optional<MenuBarDisplayMode> menuBarDisplayModeFromRawValue(std::string_vie
 UserSettings::UserSettings(platform::UserDefaults& store, platform::LoginService& loginService,
                            platform::Logger logger)
     : store_(store), loginService_(loginService), logger_(logger) {
-    migrateLegacyShortcut();
-    syncLoginItemState();
-    settledLaunchOnLogin_ = launchOnLogin();
+    settle();
     storeSubscription_ = store_.onExternalChange([this] { storeDidChange(); });
 }
 
@@ -92,8 +90,19 @@ void UserSettings::write(std::string_view key, const platform::DefaultsValue& va
     store_.set(key, value);
 }
 
+void UserSettings::settle() {
+    isSettled_ = store_.isComplete();
+    migrateLegacyShortcut();
+    syncLoginItemState();
+    settledLaunchOnLogin_ = launchOnLogin();
+}
+
 void UserSettings::storeDidChange() {
     announceChange();
+    if (!isSettled_ && store_.isComplete()) {
+        settle();
+        return;
+    }
     const bool wanted = launchOnLogin();
     if (std::exchange(settledLaunchOnLogin_, wanted) != wanted) {
         updateLoginItem();

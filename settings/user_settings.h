@@ -123,6 +123,8 @@ class UserSettings final : public ObservableObject {
 
  private:
     void write(std::string_view key, const platform::DefaultsValue& value);
+    /// What is done with a store once what it holds is known: at the start, if all is well.
+    void settle();
     void migrateLegacyShortcut();
     void storeDidChange();
 
@@ -132,6 +134,7 @@ class UserSettings final : public ObservableObject {
     RegistrationState registrationState_ = RegistrationState::inactive;
     /// As the system was last told, or has told.
     bool settledLaunchOnLogin_ = false;
+    bool isSettled_ = false;
     Subscription storeSubscription_;
 };
 

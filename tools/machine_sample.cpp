@@ -106,7 +106,7 @@ Json json(const AppProcessInfo& process) {
 }
 
 template <class Record>
-Json list(const std::vector<Record>& records) {
+Json json(const std::vector<Record>& records) {
     Json result = Json::array();
     for (const Record& record : records) {
         result.push_back(json(record));
@@ -114,12 +114,19 @@ Json list(const std::vector<Record>& records) {
     return result;
 }
 
+template <class Record>
+Json jsonOrNull(const std::optional<Record>& record) {
+    return record ? json(*record) : Json(nullptr);
+}
+
 Json summary(const MachineSample& sample) {
-    const double storage = sample.storage.empty() ? 0 : sample.storage.front().usagePercentage();
+    const GPUInfo gpu = sample.gpu.value_or(GPUInfo{});
+    const bool hasVolume = sample.storage && !sample.storage->empty();
+    const double storage = hasVolume ? sample.storage->front().usagePercentage() : 0;
     const MetricDisplaySummary summary =
         MetricSummaryResolver::displaySummary(MetricSummaryResolver::candidates(
-            sample.gpu.isAvailable, MetricThresholds(), sample.cpu.usagePercentage,
-            sample.gpu.usagePercentage, sample.memory.usagePercentage(), storage));
+            gpu.isAvailable, MetricThresholds(), sample.cpu.usagePercentage, gpu.usagePercentage,
+            sample.memory.usagePercentage(), storage));
     return {{"severity", static_cast<std::int32_t>(summary.severity)},
             {"menuBarText", summary.menuBarText},
             {"popoverText", summary.popoverText}};
@@ -129,15 +136,15 @@ Json summary(const MachineSample& sample) {
 
 std::string reportLine(const MachineSample& sample) {
     const Json report = {{"cpu", json(sample.cpu)},
-                         {"gpu", json(sample.gpu)},
+                         {"gpu", jsonOrNull(sample.gpu)},
                          {"memory", json(sample.memory)},
                          {"network", json(sample.network)},
-                         {"storage", list(sample.storage)},
-                         {"battery", json(sample.battery)},
+                         {"storage", jsonOrNull(sample.storage)},
+                         {"battery", jsonOrNull(sample.battery)},
                          {"system", {{"uptime", sample.system.uptime}}},
-                         {"topCPUProcesses", list(sample.topCPUProcesses)},
-                         {"topMemoryProcesses", list(sample.topMemoryProcesses)},
-                         {"thermalState", sample.thermalState},
+                         {"topCPUProcesses", json(sample.topCPUProcesses)},
+                         {"topMemoryProcesses", json(sample.topMemoryProcesses)},
+                         {"thermalState", orNull(sample.thermalState)},
                          {"summary", summary(sample)}};
     return report.dump(-1, ' ', false, Json::error_handler_t::replace);
 }

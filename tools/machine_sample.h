@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -9,22 +10,23 @@
 
 namespace tarnwick::probe {
 
+/// A record is absent where its source did not answer in time.
 struct MachineSample {
     CPUInfo cpu;
-    GPUInfo gpu;
+    std::optional<GPUInfo> gpu = GPUInfo{};
     MemoryInfo memory;
     NetworkInfo network;
-    std::vector<StorageInfo> storage;
-    BatteryInfo battery;
+    std::optional<std::vector<StorageInfo>> storage = std::vector<StorageInfo>{};
+    std::optional<BatteryInfo> battery = BatteryInfo{};
     SystemInfo system;
     std::vector<AppProcessInfo> topCPUProcesses;
     std::vector<AppProcessInfo> topMemoryProcesses;
-    /// 0 nominal, 1 fair, 2 serious, 3 critical.
-    std::int64_t thermalState = 0;
+    /// 0 nominal, 1 fair, 2 serious, 3 critical; absent also where no sensor tells.
+    std::optional<std::int64_t> thermalState{};
 };
 
 /// One JSON object without a line break. It holds the records under the names of their fields, and
-/// `summary`: the verdict with the default thresholds. Absent optionals and numbers that are not
+/// `summary`: the verdict with the default thresholds. What is absent and numbers that are not
 /// finite become null; bytes that are not UTF-8 are replaced.
 std::string reportLine(const MachineSample& sample);
 

@@ -1,7 +1,11 @@
 #include "tools/probed_machine.h"
 
+#include <cstdint>
+#include <optional>
 #include <utility>
+#include <vector>
 
+#include "platform/linux/events/background_work.h"
 #include "platform/linux/graphics/linux_accelerators.h"
 #include "platform/linux/kernel/linux_kernel.h"
 #include "platform/linux/network/linux_network_interfaces.h"
@@ -9,7 +13,9 @@
 #include "platform/linux/power/linux_process_info.h"
 #include "platform/linux/processes/linux_process_table.h"
 #include "platform/linux/volumes/linux_volumes.h"
+#include "platform/timed_source.h"
 #include "platform/user_defaults.h"
+#include "platform/workers.h"
 #include "services/battery_service.h"
 #include "services/cpu_service.h"
 #include "services/gpu_service.h"
@@ -23,6 +29,8 @@
 
 namespace tarnwick::probe {
 namespace {
+
+using platform::TimedSource;
 
 /// An empty store: the probe reads no stored values and leaves nothing behind.
 class NoUserDefaults final : public platform::UserDefaults {
@@ -39,7 +47,7 @@ struct ProbedMachine::Samplers {
     explicit Samplers(const Options& options)
         : kernel(options.root),
           volumes(options.root, options.home),
-          accelerators(options.root),
+          accelerators(options.root, workers),
           processInfo(options.root),
           networkInterfaces(options.root),
           powerSources(options.root),
@@ -47,6 +55,8 @@ struct ProbedMachine::Samplers {
           storage(options.root == "/" ? static_cast<platform::Volumes&>(volumes)
                                       : recordedVolumes) {}
 
+    platform::BackgroundWork threads;
+    platform::ThreadWorkers workers{[this](auto work) { return threads.run(std::move(work)); }};
     platform::LinuxKernel kernel;
     platform::LinuxVolumes volumes;
     RecordedVolumes recordedVolumes{volumes};
@@ -63,34 +73,57 @@ struct ProbedMachine::Samplers {
     NetworkService network{networkInterfaces, kernel};
     ProcessService processes{processTable, kernel};
     StorageService storage;
-    BatteryService battery{userDefaults,
-                           [this] { return powerSources.readHealth(); },
-                           [this] { return readPowerSources(powerSources); },
-                           [this] { return platform::Date{kernel.wallClockSeconds()}; },
-                           [this] { return kernel.monotonicSeconds(); },
-                           [this] { return powerSources.identity(); }};
+    BatteryService battery{
+        userDefaults,
+        [this] {
+            return health.read([this] { return powerSources.readHealth(); }).value_or(std::nullopt);
+        },
+        [this] { return readBattery(); },
+        [this] { return platform::Date{kernel.wallClockSeconds()}; },
+        [this] { return kernel.monotonicSeconds(); },
+        [this] { return powerSources.identity(); }};
+
+    // The sources that may hang.
+    TimedSource<StorageInfo> volume{workers, platform::kSourcePatience};
+    TimedSource<std::optional<BatteryInfo>> supplies{workers, platform::kSourcePatience};
+    TimedSource<std::optional<HealthReading>> health{workers, platform::kSourcePatience};
+    TimedSource<std::int64_t> zones{workers, platform::kSensorPatience};
+    bool isBatterySilent = false;
+
+    std::optional<BatteryInfo> readBattery() {
+        const auto answer = supplies.read([this] { return readPowerSources(powerSources); });
+        isBatterySilent = !answer;
+        return answer.value_or(std::nullopt);
+    }
 };
 
 ProbedMachine::ProbedMachine(const Options& options)
-    : samplers_(std::make_unique<Samplers>(options)), limit_(options.limit) {}
-
-ProbedMachine::~ProbedMachine() = default;
+    : samplers_(*new Samplers(options)), limit_(options.limit) {}
 
 MachineSample ProbedMachine::read() {
-    Samplers& from = *samplers_;
+    Samplers& from = samplers_;
     MachineSample sample;
     sample.cpu = from.cpu.readCPUInfo();
-    sample.gpu = from.gpu.readGPUInfo();
+    sample.gpu = from.gpu.answeredGPUInfo();
     sample.memory = from.memory.readMemoryInfo();
     sample.network = from.network.readNetworkInfo();
-    sample.storage = {from.storage.readStorageInfo()};
+    sample.storage.reset();
+    if (auto volume = from.volume.read([&from] { return from.storage.readStorageInfo(); })) {
+        sample.storage = std::vector{*std::move(volume)};
+    }
     from.battery.currentBatteryInfo(true);
     sample.battery = from.battery.batteryInfoWithHealth(true);
+    if (from.isBatterySilent) {
+        sample.battery.reset();
+    }
     TopProcessLists processes = from.processes.readTopProcesses(limit_);
     sample.topCPUProcesses = std::move(processes.cpu);
     sample.topMemoryProcesses = std::move(processes.memory);
     sample.system.uptime = readUptime(from.kernel);
-    sample.thermalState = from.processInfo.thermalState();
+    sample.thermalState = from.zones.read([&from] { return from.processInfo.thermalState(); });
+    if (sample.thermalState == platform::kUnknownThermalState) {
+        sample.thermalState.reset();
+    }
     return sample;
 }
 

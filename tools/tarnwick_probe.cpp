@@ -45,7 +45,7 @@ int complain(std::string message, int status) {
 }
 
 int probe(const Options& options) {
-    ProbedMachine machine(options);
+    auto& machine = *new ProbedMachine(options);
     Pace pace(options.interval, now());
     // The first reading only starts the counters that rates are computed from.
     machine.read();

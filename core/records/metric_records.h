@@ -183,6 +183,8 @@ struct FastRefreshSnapshot {
     /// Absent when process lists were not gathered on this refresh.
     std::optional<std::vector<AppProcessInfo>> topCPUProcesses;
     std::optional<std::vector<AppProcessInfo>> topMemoryProcesses;
+    /// As ProcessInfo::thermalState() tells it; absent when it was not asked for.
+    std::optional<std::int64_t> thermalState{};
 };
 
 }  // namespace tarnwick

@@ -50,12 +50,13 @@ void MacDispatch::asyncAfter(double seconds, std::function<void()> work) {
     });
 }
 
-void MacDispatch::detached(std::function<void()> work) {
+bool MacDispatch::detached(std::function<void()> work) {
     dispatch_async(dispatch_get_global_queue(QOS_CLASS_UTILITY, 0), ^{
       @autoreleasepool {
           work();
       }
     });
+    return true;
 }
 
 std::unique_ptr<Timer> MacDispatch::scheduleRepeating(double interval,

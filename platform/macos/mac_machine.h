@@ -36,7 +36,8 @@ class MacDispatch final : public Dispatch {
     double now() const override;
     void async(std::function<void()> work) override;
     void asyncAfter(double seconds, std::function<void()> work) override;
-    void detached(std::function<void()> work) override;
+    /// Never refused: the system keeps the work until it has a thread.
+    bool detached(std::function<void()> work) override;
     std::unique_ptr<Timer> scheduleRepeating(double interval,
                                              std::function<void()> handler) override;
 };

@@ -11,6 +11,7 @@ namespace tarnwick::platform {
 
 Platform makeMacPlatform() {
     auto* kernel = new MacKernel();
+    auto* dispatch = new MacDispatch();
     return {
         .kernel = kernel,
         .volumes = new MacVolumes(),
@@ -26,7 +27,9 @@ Platform makeMacPlatform() {
         .hotKeys = new MacHotKeys(),
         .keyboardLayout = new MacKeyboardLayout(),
         .byteCountFormatter = new MacByteCountFormatter(),
-        .dispatch = new MacDispatch(),
+        .dispatch = dispatch,
+        .workers = new ThreadWorkers(
+            [dispatch](auto work) { return dispatch->detached(std::move(work)); }),
     };
 }
 

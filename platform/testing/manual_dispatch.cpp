@@ -18,10 +18,14 @@ void ManualDispatch::asyncAfter(double seconds, std::function<void()> work) {
     timers_.scheduleOnce(now_ + std::max(0.0, seconds), std::move(work));
 }
 
-void ManualDispatch::detached(std::function<void()> work) {
+bool ManualDispatch::detached(std::function<void()> work) {
+    if (refusesDetached_) {
+        return false;
+    }
     const std::lock_guard guard(lock_);
     ++detachedCount_;
     detached_.push_back(std::move(work));
+    return true;
 }
 
 std::unique_ptr<Timer> ManualDispatch::scheduleRepeating(double interval,

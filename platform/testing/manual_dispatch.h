@@ -31,11 +31,13 @@ class ManualDispatch final : public Dispatch {
     double now() const override { return now_; }
     void async(std::function<void()> work) override;
     void asyncAfter(double seconds, std::function<void()> work) override;
-    void detached(std::function<void()> work) override;
+    bool detached(std::function<void()> work) override;
     std::unique_ptr<Timer> scheduleRepeating(double interval,
                                              std::function<void()> handler) override;
 
     void setBackground(Background background) { background_ = background; }
+    /// Whether detached() refuses, as where the system starts no thread.
+    void refuseDetached(bool refuses) { refusesDetached_ = refuses; }
 
     /// Runs the main queue until it is empty, including work that is added meanwhile. With an
     /// automatic background it also runs the detached work, in turns, until both are empty.
@@ -51,7 +53,8 @@ class ManualDispatch final : public Dispatch {
     /// timers that are due, and runs the work that follows from that. Runs the main queue first, so
     /// that earlier requests are finished.
     void advance(double seconds);
-    /// Turns the clock while the machine is asleep: no timer fires before the next advance().
+    /// Turns the clock while the machine is asleep or the background waits: no timer fires before
+    /// the next advance().
     void sleep(double seconds) { now_ += seconds; }
 
     /// Work waiting in the main queue.
@@ -60,7 +63,7 @@ class ManualDispatch final : public Dispatch {
     std::size_t detachedPending() const;
     /// How many times async() was called.
     std::size_t asyncCount() const;
-    /// How many times detached() was called.
+    /// How many times detached() took work.
     std::size_t detachedCount() const;
     /// How many times timers woke the main thread.
     std::size_t wakeUps() const { return wakeUps_; }
@@ -76,6 +79,7 @@ class ManualDispatch final : public Dispatch {
     double now_;
     Background background_;
     bool inBackground_ = false;
+    bool refusesDetached_ = false;
     std::size_t wakeUps_ = 0;
     TimerQueue timers_;
     mutable std::mutex lock_;

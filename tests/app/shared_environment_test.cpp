@@ -43,6 +43,7 @@ TEST(SharedTarnwickAppEnvironment, IsTheCurrentPlatformWithTheSharedSettingsAndB
     platform.loginService = &machine.loginService;
     platform.hotKeys = &machine.hotKeys;
     platform.dispatch = &machine.dispatch;
+    platform.workers = &platform::noWorkers();
     platform::install(platform);
 
     const TarnwickAppEnvironment environment = TarnwickAppEnvironment::shared();

@@ -54,6 +54,7 @@ class TarnwickAppTest : public testing::Test {
                         volume.usedSpace = 50;
                         return volume;
                     },
+                .readThermalState = [] { return std::int64_t{0}; },
                 .readUptime = [] { return 5.0; }};
     }
 

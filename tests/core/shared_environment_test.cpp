@@ -1,5 +1,7 @@
 // The process-wide samplers and the manager that runs on them.
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <memory>
@@ -18,10 +20,17 @@
 #include "platform/testing/scripted_power_sources.h"
 #include "platform/testing/scripted_process_table.h"
 #include "platform/testing/scripted_volumes.h"
+#include "platform/testing/scripted_workers.h"
 #include "services/battery_service.h"
 
 namespace tarnwick {
 namespace {
+
+class FairMachine final : public platform::ProcessInfo {
+ public:
+    std::int64_t activeProcessorCount() override { return 1; }
+    std::int64_t thermalState() override { return 1; }
+};
 
 /// The machine under the process-wide instances, which keep it for good.
 struct Machine {
@@ -34,6 +43,8 @@ struct Machine {
     platform::testing::ScriptedLoginService loginService;
     platform::testing::ManualDispatch dispatch;
     platform::testing::ScriptedProcessTable processTable;
+    FairMachine processInfo;
+    platform::testing::ScriptedWorkers workers;
 
     static Machine& installed() {
         static Machine& machine = *[] {
@@ -49,6 +60,8 @@ struct Machine {
             platform.loginService = &made->loginService;
             platform.dispatch = &made->dispatch;
             platform.processTable = &made->processTable;
+            platform.processInfo = &made->processInfo;
+            platform.workers = &made->workers;
             platform::install(platform);
             made->kernel.answers.logicalCPUCount.set(8);
             made->kernel.answers.memorySize.set(4096);
@@ -73,8 +86,23 @@ TEST(MetricSources, ReadTheCurrentPlatform) {
     EXPECT_EQ(sources.readGPUInfo().usagePercentage, 41.5);
     EXPECT_EQ(sources.readMemoryInfo().total, 4096u);
     EXPECT_EQ(sources.readNetworkInfo().totalReceivedBytes, 600u);
-    EXPECT_EQ(sources.readStorageInfo().totalSpace, 500);
+    EXPECT_EQ(sources.readStorageInfo().value().totalSpace, 500);
+    EXPECT_EQ(sources.readThermalState(), 1);
     EXPECT_EQ(sources.readUptime(), 600);
+}
+
+TEST(MetricSources, AreAbsentOrUnknownWhereNoAnswerComes) {
+    Machine& machine = Machine::installed();
+    machine.workers.hangs = true;
+    const MetricSources sources = MetricSources::shared();
+    EXPECT_FALSE(sources.readStorageInfo());
+    EXPECT_EQ(sources.readThermalState(), platform::kUnknownThermalState);
+    EXPECT_EQ(machine.workers.waits, (std::vector<double>{1, 0.25}));
+    EXPECT_EQ(sources.readUptime(), 600);
+    machine.workers.hangs = false;
+    machine.workers.comeBack();
+    EXPECT_EQ(sources.readStorageInfo().value().totalSpace, 500);
+    EXPECT_EQ(sources.readThermalState(), 1);
 }
 
 TEST(MetricSources, KeepWhatRatesAreCountedFrom) {
@@ -139,8 +167,40 @@ TEST(SharedStatsManager, RunsOnTheCurrentPlatformWithTheSharedSettings) {
     EXPECT_EQ(manager.networkInfo->totalSentBytes, 700u);
     EXPECT_EQ(manager.storageInfo->at(0).usedSpace, 300);
     EXPECT_EQ(manager.systemInfo->uptime, 600);
+    EXPECT_EQ(*manager.thermalState, 1);
     EXPECT_EQ(manager.cpuUsageHistory->at(0).timestamp, 1000);
     EXPECT_TRUE(*manager.batteryDetectionComplete);
+}
+
+TEST(SharedStatsManager, GoesOnBesideSourcesThatNeverAnswer) {
+    Machine& machine = Machine::installed();
+    StatsManager manager(nullptr, BatteryService::shared(), 30, 120);
+    machine.dispatch.runMain();
+    ASSERT_EQ(manager.storageInfo->size(), 1U);
+    machine.workers.hangs = true;
+    manager.popoverDidAppear();
+    const std::size_t before = manager.cpuUsageHistory->size();
+    for (int refresh = 1; refresh <= 100; ++refresh) {
+        machine.kernel.setWallClockSeconds(1000 + refresh);
+        manager.refreshNow();
+        machine.dispatch.runMain();
+        EXPECT_EQ(manager.storageInfo->size(), refresh <= 3 ? 1U : 0U) << refresh;
+        EXPECT_EQ(manager.systemInfo->uptime, 600 + refresh);
+        EXPECT_EQ(manager.memoryInfo->total, 4096U);
+    }
+    EXPECT_EQ(*manager.thermalState, platform::kUnknownThermalState);
+    EXPECT_EQ(manager.cpuUsageHistory->size(), std::min(before + 100, StatsManager::kHistoryLimit));
+    // The volume, the thermal sensors and the battery; its health is not asked for without it.
+    EXPECT_EQ(machine.workers.hanging(), 3U);
+
+    machine.workers.hangs = false;
+    machine.workers.comeBack();
+    manager.refreshNow();
+    machine.dispatch.runMain();
+    ASSERT_EQ(manager.storageInfo->size(), 1U);
+    EXPECT_EQ(manager.storageInfo->at(0).totalSpace, 500);
+    EXPECT_EQ(*manager.thermalState, 1);
+    machine.kernel.setWallClockSeconds(1000);
 }
 
 TEST(SharedStatsManager, LogsNothingByDefault) {

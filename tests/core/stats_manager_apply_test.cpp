@@ -200,19 +200,21 @@ TEST_F(StatsManagerApply, ThePrimaryStorageIsTheLargestAndTheEarlierOfEquals) {
 }
 
 TEST_F(StatsManagerApply, TheDetectionCompletesOnAMachineWithoutABattery) {
-    StatsManager manager(&settings, noBattery(store), 30, 120,
-                         StatsManagerEnvironment{manual,
-                                                 {.readCPUInfo = [] { return CPUInfo{}; },
-                                                  .readGPUInfo = [] { return GPUInfo{}; },
-                                                  .readMemoryInfo = [] { return MemoryInfo{}; },
-                                                  .readNetworkInfo = [] { return NetworkInfo{}; },
-                                                  .readTopProcesses = {},
-                                                  .pruneStaleProcesses = {},
-                                                  .releaseProcessCaches = [] {},
-                                                  .readStorageInfo = [] { return StorageInfo{}; },
-                                                  .readUptime = [] { return 0.0; }},
-                                                 [] { return 0.0; },
-                                                 platform::Logger()});
+    StatsManager manager(
+        &settings, noBattery(store), 30, 120,
+        StatsManagerEnvironment{manual,
+                                {.readCPUInfo = [] { return CPUInfo{}; },
+                                 .readGPUInfo = [] { return GPUInfo{}; },
+                                 .readMemoryInfo = [] { return MemoryInfo{}; },
+                                 .readNetworkInfo = [] { return NetworkInfo{}; },
+                                 .readTopProcesses = {},
+                                 .pruneStaleProcesses = {},
+                                 .releaseProcessCaches = [] {},
+                                 .readStorageInfo = [] { return StorageInfo{}; },
+                                 .readThermalState = [] { return std::int64_t{0}; },
+                                 .readUptime = [] { return 0.0; }},
+                                [] { return 0.0; },
+                                platform::Logger()});
     settle();
     EXPECT_TRUE(*manager.batteryDetectionComplete);
     EXPECT_FALSE(manager.batteryInfo->hasBattery);

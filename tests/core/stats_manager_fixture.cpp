@@ -70,9 +70,9 @@ class RecordingDispatch::RecordingTimer final : public platform::Timer {
     std::unique_ptr<Timer> target_;
 };
 
-void RecordingDispatch::detached(std::function<void()> work) {
+bool RecordingDispatch::detached(std::function<void()> work) {
     events.emplace_back("detached");
-    target_.detached(std::move(work));
+    return target_.detached(std::move(work));
 }
 
 std::unique_ptr<platform::Timer> RecordingDispatch::scheduleRepeating(
@@ -159,6 +159,11 @@ MetricSources StatsManagerTest::sources() {
             [this] {
                 record("storage");
                 return storage;
+            },
+        .readThermalState =
+            [this] {
+                record("thermal");
+                return thermalState;
             },
         .readUptime =
             [this] {

@@ -34,7 +34,7 @@ class RecordingDispatch final : public platform::Dispatch {
     void asyncAfter(double seconds, std::function<void()> work) override {
         target_.asyncAfter(seconds, std::move(work));
     }
-    void detached(std::function<void()> work) override;
+    bool detached(std::function<void()> work) override;
     std::unique_ptr<platform::Timer> scheduleRepeating(double interval,
                                                        std::function<void()> handler) override;
 
@@ -109,7 +109,8 @@ class StatsManagerTest : public ::testing::Test {
     NetworkInfo network{.downloadBytesPerSecond = 5, .hasSample = true};
     TopProcessLists processes{.cpu = {{.id = 1, .name = "busy"}},
                               .memory = {{.id = 2, .name = "big"}}};
-    StorageInfo storage = makeVolume(1000, 140);
+    std::optional<StorageInfo> storage = makeVolume(1000, 140);
+    std::int64_t thermalState = 0;
     double uptime = 77;
     /// Wall-clock seconds; independent of the timers' clock.
     double wallTime = 5000;

@@ -33,7 +33,7 @@ TEST_F(StatsManagerFlights, AFastRefreshWhileVisibleReadsThreeProcessesAListLast
     const auto manager = makeSettled();
     manager->popoverDidAppear();
     settle();
-    EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "memory", "network", "processes 3"}));
+    EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "memory", "network", "thermal", "processes 3"}));
 }
 
 TEST_F(StatsManagerFlights, TenFastRequestsDuringAFlightYieldOneFollowUp) {
@@ -149,7 +149,7 @@ TEST_F(StatsManagerFlights, ASlowRefreshHasThreeStagesEachAppliedBeforeTheNext) 
     EXPECT_EQ(manager->systemInfo->uptime, 77);
 
     ASSERT_TRUE(manual.runNextDetached());
-    EXPECT_EQ(takeCalls(), (Calls{"storage", "uptime"}));
+    EXPECT_EQ(takeCalls(), (Calls{"storage", "uptime", "thermal"}));
     EXPECT_EQ(manual.detachedPending(), 0u);
     manual.runMainTurn();
     EXPECT_EQ(manager->systemInfo->uptime, 99);
@@ -166,7 +166,8 @@ TEST_F(StatsManagerFlights, ExactIsHandedToBothBatteryReadings) {
     const auto manager = makeSettled();
     manager->refreshSlow(true);
     settle();
-    EXPECT_EQ(takeCalls(), (Calls{"battery forced", "storage", "uptime", "health forced"}));
+    EXPECT_EQ(takeCalls(),
+              (Calls{"battery forced", "storage", "uptime", "thermal", "health forced"}));
 }
 
 TEST_F(StatsManagerFlights, ASlowFlightLastsUntilTheHealthReadingIsApplied) {
@@ -184,7 +185,7 @@ TEST_F(StatsManagerFlights, ASlowFlightLastsUntilTheHealthReadingIsApplied) {
     EXPECT_EQ(manual.detachedPending(), 1u);
     takeCalls();
     settle();
-    EXPECT_EQ(takeCalls(), (Calls{"battery", "storage", "uptime", "health"}));
+    EXPECT_EQ(takeCalls(), (Calls{"battery", "storage", "uptime", "thermal", "health"}));
 }
 
 TEST_F(StatsManagerFlights, ARequestMadeAtAnyWriteOfTheThreeStagesIsQueued) {
@@ -199,7 +200,7 @@ TEST_F(StatsManagerFlights, ARequestMadeAtAnyWriteOfTheThreeStagesIsQueued) {
     });
     manager->refreshSlow(false);
     settle();
-    EXPECT_EQ(requests, 6);
+    EXPECT_EQ(requests, 7);
     EXPECT_EQ(count("battery"), 2u);
     EXPECT_EQ(count("health"), 2u);
 }
@@ -210,8 +211,9 @@ TEST_F(StatsManagerFlights, QueuedInexactThenExactYieldsOneExactFollowUp) {
     manager->refreshSlow(false);
     manager->refreshSlow(true);
     settle();
-    EXPECT_EQ(takeCalls(), (Calls{"battery", "storage", "uptime", "health", "battery forced",
-                                  "storage", "uptime", "health forced"}));
+    EXPECT_EQ(takeCalls(),
+              (Calls{"battery", "storage", "uptime", "thermal", "health", "battery forced",
+                     "storage", "uptime", "thermal", "health forced"}));
 }
 
 TEST_F(StatsManagerFlights, AnExactRequestIsNotLostToLaterInexactOnes) {
@@ -238,8 +240,8 @@ TEST_F(StatsManagerFlights, BothQueuedFlagsAreClearOnceTheFollowUpStarts) {
     takeCalls();
     manager->refreshSlow(false);
     settle();
-    EXPECT_EQ(takeCalls(), (Calls{"battery forced", "storage", "uptime", "health forced", "battery",
-                                  "storage", "uptime", "health"}));
+    EXPECT_EQ(takeCalls(), (Calls{"battery forced", "storage", "uptime", "thermal", "health forced",
+                                  "battery", "storage", "uptime", "thermal", "health"}));
 }
 
 TEST_F(StatsManagerFlights, QueuedInexactRequestsYieldAnInexactFollowUpEvenOfAnExactFlight) {
@@ -249,6 +251,59 @@ TEST_F(StatsManagerFlights, QueuedInexactRequestsYieldAnInexactFollowUpEvenOfAnE
     settle();
     EXPECT_EQ(count("battery forced"), 1u);
     EXPECT_EQ(count("battery"), 1u);
+}
+
+TEST_F(StatsManagerFlights, ARefreshThatNeverBeganIsTriedAgainAtTheNextRequest) {
+    const auto manager = makeSettled();
+    manual.refuseDetached(true);
+    manager->refreshNow();
+    settle();
+    EXPECT_TRUE(takeCalls().empty());
+    manual.refuseDetached(false);
+    manager->refreshFast();
+    settle();
+    EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "memory", "network"}));
+    manager->refreshSlow(false);
+    settle();
+    EXPECT_EQ(takeCalls(), (Calls{"battery", "storage", "uptime", "thermal", "health"}));
+}
+
+TEST_F(StatsManagerFlights, ASlowRefreshThatCannotGoOnIsTriedAgainAndKeepsWhatIsQueued) {
+    const auto manager = makeSettled();
+    manager->refreshSlow(false);
+    manager->refreshSlow(true);
+    manual.runNextDetached();
+    manual.refuseDetached(true);
+    settle();
+    EXPECT_EQ(takeCalls(), (Calls{"battery"}));
+    manual.refuseDetached(false);
+    manager->refreshSlow(false);
+    settle();
+    EXPECT_EQ(takeCalls(),
+              (Calls{"battery", "storage", "uptime", "thermal", "health", "battery forced",
+                     "storage", "uptime", "thermal", "health forced"}));
+}
+
+TEST_F(StatsManagerFlights, WithoutAThreadToPruneTheResultIsAppliedAllTheSame) {
+    const auto manager = makeSettled();
+    manager->popoverDidAppear();
+    settle();
+    for (int refresh = 2; refresh < StatsManager::kVisibleRefreshesPerPrune; ++refresh) {
+        manager->refreshFast();
+        settle();
+    }
+    cpu = makeCPU(77, 4);
+    manager->refreshFast();
+    manual.runNextDetached();
+    manual.refuseDetached(true);
+    settle();
+    EXPECT_EQ(count("prune"), 0U);
+    EXPECT_EQ(manager->cpuInfo->usagePercentage, 77);
+    manual.refuseDetached(false);
+    cpu = makeCPU(78, 4);
+    manager->refreshFast();
+    settle();
+    EXPECT_EQ(manager->cpuInfo->usagePercentage, 78);
 }
 
 TEST_F(StatsManagerFlights, FastRefreshesGoOnWhileASlowOneHangs) {
@@ -266,9 +321,9 @@ TEST_F(StatsManagerFlights, FastRefreshesGoOnWhileASlowOneHangs) {
     manager->refreshSlow(false);
     settle();
     EXPECT_TRUE(hung);
-    EXPECT_EQ(takeCalls(),
-              (Calls{"battery", "storage", "uptime", "health", "cpu", "gpu", "memory", "network",
-                     "cpu", "gpu", "memory", "network", "cpu", "gpu", "memory", "network"}));
+    EXPECT_EQ(takeCalls(), (Calls{"battery", "storage", "uptime", "thermal", "health", "cpu", "gpu",
+                                  "memory", "network", "cpu", "gpu", "memory", "network", "cpu",
+                                  "gpu", "memory", "network"}));
     EXPECT_EQ(manager->cpuUsageHistory->size(), 4u);
 }
 
@@ -289,8 +344,8 @@ TEST_F(StatsManagerFlights, SlowRefreshesGoOnWhileAFastOneHangs) {
     manager->refreshFast();
     manual.runNextDetached();
     EXPECT_TRUE(hung);
-    EXPECT_EQ(takeCalls(),
-              (Calls{"cpu", "gpu", "battery", "storage", "uptime", "health", "memory", "network"}));
+    EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "battery", "storage", "uptime", "thermal", "health",
+                                  "memory", "network"}));
 }
 
 TEST_F(StatsManagerFlights, RefreshNowIsAFastThenAnExactSlowRefresh) {
@@ -300,7 +355,8 @@ TEST_F(StatsManagerFlights, RefreshNowIsAFastThenAnExactSlowRefresh) {
     manual.runNextDetached();
     EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "memory", "network"}));
     settle();
-    EXPECT_EQ(takeCalls(), (Calls{"battery forced", "storage", "uptime", "health forced"}));
+    EXPECT_EQ(takeCalls(),
+              (Calls{"battery forced", "storage", "uptime", "thermal", "health forced"}));
 }
 
 TEST_F(StatsManagerFlights, RefreshNowDuringFlightsQueuesBothAndStaysExact) {

@@ -138,6 +138,7 @@ class StatsManagerGrowth : public ::testing::Test {
                     info.usedSpace = 5;
                     return info;
                 },
+            .readThermalState = [] { return std::int64_t{0}; },
             .readUptime = [this] { return dispatch.now(); },
         };
     }

@@ -23,7 +23,7 @@ TEST_F(StatsManagerHistory, EachRefreshAppendsItsUsages) {
     cpu.usagePercentage = 21;
     gpu.usagePercentage = 22;
     memory.used = 46;
-    storage.usedSpace = 240;
+    storage->usedSpace = 240;
     manager->refreshNow();
     settle();
     EXPECT_EQ(values(manager->cpuUsageHistory), (std::vector<double>{11, 21}));

@@ -39,7 +39,7 @@ TEST_F(StatsManagerPrune, PruningHappensInTheBackgroundBetweenMeasuringAndApplyi
 
     manager->refreshFast();
     manual.runNextDetached();
-    EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "memory", "network", "processes 3"}));
+    EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "memory", "network", "thermal", "processes 3"}));
     manual.runMainTurn();
     // Counted, but neither pruned on the main thread nor applied.
     EXPECT_TRUE(calls.empty());
@@ -66,7 +66,8 @@ TEST_F(StatsManagerPrune, TheFlightGoesOnWhilePruning) {
     EXPECT_EQ(manual.detachedPending(), 1u);
     takeCalls();
     settle();
-    EXPECT_EQ(takeCalls(), (Calls{"prune", "cpu", "gpu", "memory", "network", "processes 3"}));
+    EXPECT_EQ(takeCalls(),
+              (Calls{"prune", "cpu", "gpu", "memory", "network", "thermal", "processes 3"}));
 }
 
 TEST_F(StatsManagerPrune, RefreshesStartedWhileHiddenDoNotCount) {
@@ -127,8 +128,8 @@ TEST_F(StatsManagerPrune, AListRefreshStillUnderWayWhenThePanelGoesIsFollowedByT
     manager->refreshFast();
     takeCalls();
     settle();
-    EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "memory", "network", "processes 3", "cpu", "gpu",
-                                  "memory", "network"}));
+    EXPECT_EQ(takeCalls(), (Calls{"cpu", "gpu", "memory", "network", "thermal", "processes 3",
+                                  "cpu", "gpu", "memory", "network"}));
     EXPECT_EQ(cacheReleases, 1);
 }
 

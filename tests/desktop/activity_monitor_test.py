@@ -130,6 +130,25 @@ class ActivityMonitorTest(DesktopTestCase):
         # A list of processes finds the application by this name.
         self.assertRegex(arguments[5], r"^--unit=app-tarnwick-mate\\x2dsystem\\x2dmonitor-\d+\.scope$")
 
+    def test_opens_it_plainly_where_the_service_manager_refuses(self):
+        self.open_plainly("echo 'Failed to connect to bus: Connection refused' >&2; exit 1")
+
+    def test_opens_it_plainly_where_the_service_manager_does_not_answer(self):
+        self.open_plainly("exec sleep 600")
+
+    def open_plainly(self, answer):
+        told = self.install("mate-system-monitor")
+        self.make_program("systemd-run", f"#!/bin/sh\n{answer}\n")
+        os.mkdir(self.desktop.path("runtime/systemd"))
+        with open(self.desktop.path("runtime/systemd/private"), "wb"):
+            pass
+        program = self.start("MATE", PATH=f"{self.desktop.folder}:{self.desktop.env['PATH']}")
+        self.press_button(program)
+        lines = self.told(told)
+        self.assert_closed(program)
+        os.kill(int(lines[0].split()[1]), signal.SIGKILL)
+        self.assertEqual(program.output(), "")
+
     def test_opens_another_where_the_desktop_has_none(self):
         other = self.install("xfce4-taskmanager")
         program = self.start("GNOME")

@@ -44,6 +44,7 @@ struct Machine {
             platform.processTable = &made->processTable;
             platform.accelerators = &made->accelerators;
             platform.userDefaults = &made->store;
+            platform.workers = &platform::noWorkers();
             platform::install(platform);
             return made;
         }();

@@ -17,12 +17,12 @@ MachineSample busyLaptop() {
                   .idlePercentage = 7.5,
                   .coreCount = 2,
                   .coreUsages = {100, 85}};
-    sample.gpu = {.usagePercentage = 37,
-                  .rendererUtilizationPercentage = 36,
-                  .tilerUtilizationPercentage = 35,
-                  .modelName = "Card",
-                  .coreCount = 8,
-                  .isAvailable = true};
+    sample.gpu = GPUInfo{.usagePercentage = 37,
+                         .rendererUtilizationPercentage = 36,
+                         .tilerUtilizationPercentage = 35,
+                         .modelName = "Card",
+                         .coreCount = 8,
+                         .isAvailable = true};
     sample.memory = {.total = 100,
                      .used = 85,
                      .free = 5,
@@ -44,16 +44,16 @@ MachineSample busyLaptop() {
     volume.totalSpace = 1000;
     volume.usedSpace = 400;
     volume.availableSpace = 600;
-    sample.storage = {volume};
-    sample.battery = {.percentage = 81,
-                      .isCharging = true,
-                      .isPluggedIn = true,
-                      .health = 93,
-                      .healthSource = BatteryHealthSource::systemProfiler,
-                      .healthCondition = "Normal",
-                      .cycleCount = 212,
-                      .timeRemaining = 35,
-                      .hasBattery = true};
+    sample.storage = std::vector{volume};
+    sample.battery = BatteryInfo{.percentage = 81,
+                                 .isCharging = true,
+                                 .isPluggedIn = true,
+                                 .health = 93,
+                                 .healthSource = BatteryHealthSource::systemProfiler,
+                                 .healthCondition = "Normal",
+                                 .cycleCount = 212,
+                                 .timeRemaining = 35,
+                                 .hasBattery = true};
     sample.system.uptime = 61.25;
     sample.topCPUProcesses = {{.id = 7, .name = "cc1plus", .cpuUsage = 50, .memoryUsage = 4096}};
     sample.topMemoryProcesses = {{.id = 8, .name = "editor", .cpuUsage = 0, .memoryUsage = 8192}};
@@ -101,15 +101,28 @@ TEST(ReportLine, HasNullForWhatIsNotKnown) {
     EXPECT_TRUE(report["battery"]["health"].is_null());
     EXPECT_TRUE(report["battery"]["healthSource"].is_null());
     EXPECT_TRUE(report["battery"]["cycleCount"].is_null());
+    EXPECT_TRUE(report["thermalState"].is_null());
     EXPECT_EQ(report["storage"], json::array());
     EXPECT_EQ(report["topCPUProcesses"], json::array());
 }
 
+TEST(ReportLine, HasNullForWhatDidNotAnswer) {
+    MachineSample sample;
+    sample.gpu.reset();
+    sample.storage.reset();
+    sample.battery.reset();
+    const json report = json::parse(reportLine(sample));
+    EXPECT_TRUE(report["gpu"].is_null());
+    EXPECT_TRUE(report["storage"].is_null());
+    EXPECT_TRUE(report["battery"].is_null());
+    EXPECT_EQ(report["summary"]["popoverText"], "No metrics are above thresholds.");
+}
+
 TEST(ReportLine, NamesTheOtherSourcesOfHealth) {
     MachineSample sample;
-    sample.battery.healthSource = BatteryHealthSource::ioRegistry;
+    sample.battery->healthSource = BatteryHealthSource::ioRegistry;
     EXPECT_EQ(json::parse(reportLine(sample))["battery"]["healthSource"], "ioRegistry");
-    sample.battery.healthSource = BatteryHealthSource::qualitative;
+    sample.battery->healthSource = BatteryHealthSource::qualitative;
     EXPECT_EQ(json::parse(reportLine(sample))["battery"]["healthSource"], "qualitative");
 }
 
@@ -124,16 +137,16 @@ TEST(ReportLine, JudgesEveryMetric) {
     EXPECT_EQ(json::parse(reportLine(sample))["summary"],
               json::parse(R"({"severity": 0, "menuBarText": "",
                               "popoverText": "No metrics are above thresholds."})"));
-    sample.storage.resize(1);
-    sample.storage[0].totalSpace = 100;
-    sample.storage[0].usedSpace = 81;
+    sample.storage->resize(1);
+    sample.storage->at(0).totalSpace = 100;
+    sample.storage->at(0).usedSpace = 81;
     EXPECT_EQ(json::parse(reportLine(sample))["summary"]["menuBarText"], "Disk 81%");
     sample.memory.total = 100;
     sample.memory.used = 85;
     EXPECT_EQ(json::parse(reportLine(sample))["summary"]["menuBarText"], "RAM 85%");
-    sample.gpu.usagePercentage = 99;
+    sample.gpu->usagePercentage = 99;
     EXPECT_EQ(json::parse(reportLine(sample))["summary"]["menuBarText"], "RAM 85%");
-    sample.gpu.isAvailable = true;
+    sample.gpu->isAvailable = true;
     EXPECT_EQ(json::parse(reportLine(sample))["summary"]["menuBarText"], "GPU 99%");
     EXPECT_EQ(json::parse(reportLine(sample))["summary"]["severity"], 2);
 }

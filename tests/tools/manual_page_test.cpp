@@ -46,7 +46,7 @@ TEST(ManualPage, DescribesEveryOption) {
 
 TEST(ManualPage, NamesEveryMember) {
     MachineSample sample;
-    sample.storage.resize(1);
+    sample.storage->resize(1);
     sample.topCPUProcesses.resize(1);
     std::set<std::string> names;
     collectNames(json::parse(reportLine(sample)), names);

@@ -7,7 +7,9 @@
 #include <optional>
 #include <sstream>
 #include <string>
+#include <sys/stat.h>
 #include <sys/wait.h>
+#include <unistd.h>
 #include <vector>
 
 #include "tests/platform/linux/machine_tree.h"
@@ -113,7 +115,8 @@ struct Expected {
     /// Charge level; absent without a battery.
     std::optional<int> battery;
     double uptime;
-    int thermalState;
+    /// Absent where no zone tells.
+    std::optional<int> thermalState;
     /// Utilisation; absent without a graphics processor that tells at once.
     std::optional<double> gpu;
     std::string model;
@@ -131,12 +134,12 @@ const std::vector<Expected>& expectations() {
          "/home",
          {},
          43921469.80,
-         0,
+         {},
          {},
          "",
          31055},
-        {"damaged", "/home", 0, 0, 0, "/", 0, 0, 0, {}, "", 0},
-        {"developer", "/home/kim", 4, 8052344, 0, "/", {}, 3120.55, 0, {}, "", 2300},
+        {"damaged", "/home", 0, 0, 0, "/", 0, 0, {}, {}, "", 0},
+        {"developer", "/home/kim", 4, 8052344, 0, "/", {}, 3120.55, {}, {}, "", 2300},
         {"handheld", "/home/deck", 8, 15221396, 6'422'071'934, "home", 80, 8190.44, 0, 88,
          "AMD Custom GPU 0405", 1502},
         {"laptop",
@@ -151,7 +154,7 @@ const std::vector<Expected>& expectations() {
          {},
          "",
          2301},
-        {"old-kernel", "/home/bob", 2, 1035344, 3'812'044'817, "/", {}, 86399.99, 0, {}, "", 3402},
+        {"old-kernel", "/home/bob", 2, 1035344, 3'812'044'817, "/", {}, 86399.99, {}, {}, "", 3402},
         {"server",
          "/home/ops",
          63,
@@ -160,7 +163,7 @@ const std::vector<Expected>& expectations() {
          "/home",
          {},
          31546211.90,
-         0,
+         {},
          {},
          "",
          40110},
@@ -184,7 +187,7 @@ const std::vector<Expected>& expectations() {
          "cloudimg-rootfs",
          {},
          2419206.55,
-         0,
+         {},
          {},
          "",
          844},
@@ -229,7 +232,8 @@ TEST_P(ProbedRecording, IsReadAsItIs) {
     EXPECT_EQ(sample["battery"]["hasBattery"], expected.battery.has_value());
     EXPECT_EQ(sample["battery"]["percentage"], expected.battery.value_or(0));
     EXPECT_NEAR(sample["system"]["uptime"].get<double>(), expected.uptime, 0.001);
-    EXPECT_EQ(sample["thermalState"], expected.thermalState);
+    EXPECT_EQ(sample["thermalState"],
+              expected.thermalState ? json(*expected.thermalState) : json());
     EXPECT_EQ(sample["gpu"]["isAvailable"], expected.gpu.has_value());
     EXPECT_EQ(sample["gpu"]["usagePercentage"], expected.gpu.value_or(0));
     EXPECT_EQ(sample["gpu"]["modelName"], expected.model);
@@ -284,6 +288,77 @@ TEST(Probe, AsksNoLibraryOfThisMachineAboutARecordedOne) {
     EXPECT_EQ(sample["gpu"]["isAvailable"], false);
 }
 
+/// Runs the probe on a recorded machine on which all of `paths`, and the volume of `volume`, hang
+/// for ever.
+Outcome runStuck(const MachineTree& tree, const std::string& paths, const std::string& volume,
+                 const std::string& arguments) {
+    tree.write("stuck", "");
+    std::string list;
+    std::istringstream words(paths);
+    for (std::string path; words >> path;) {
+        list += tree.root() + path + ':';
+    }
+    return runShell("TARNWICK_STUCK_WHILE=" + tree.root() + "/stuck TARNWICK_STUCK_VOLUMES='" +
+                    (volume.empty() ? "" : tree.root() + volume) + "' TARNWICK_STUCK_FILES='" +
+                    list +
+                    "' LD_PRELOAD=" STUCK_FILES " timeout 60 " PROBE " --interval 0.01 --root " +
+                    tree.root() + " " + arguments + " 2>&1");
+}
+
+TEST(Probe, SaysNullForWhatDoesNotAnswerAndEnds) {
+    if (*SANITIZED != '\0') {
+        GTEST_SKIP() << "the sanitizers want to be loaded first";
+    }
+    const MachineTree tree("handheld");
+    const Outcome result =
+        runStuck(tree,
+                 "/sys/class/drm/card0/device/gpu_busy_percent /sys/class/thermal "
+                 "/sys/class/power_supply",
+                 "/home", "--samples 2 --home /home/deck");
+    EXPECT_EQ(result.status, 0) << result.output;
+    const std::vector<json> samples = lines(result.output);
+    ASSERT_EQ(samples.size(), 2U);
+    for (const json& sample : samples) {
+        EXPECT_TRUE(sample["gpu"].is_null());
+        EXPECT_TRUE(sample["thermalState"].is_null());
+        EXPECT_TRUE(sample["battery"].is_null());
+        EXPECT_TRUE(sample["storage"].is_null());
+        EXPECT_EQ(sample["cpu"]["coreCount"], 8);
+        EXPECT_EQ(sample["memory"]["total"], std::uint64_t{15221396} * 1024);
+        EXPECT_NEAR(sample["system"]["uptime"].get<double>(), 8190.44, 0.001);
+        EXPECT_FALSE(sample["topMemoryProcesses"].empty());
+    }
+}
+
+TEST(Probe, ASourceThatHangsHoldsUpNoOther) {
+    if (*SANITIZED != '\0') {
+        GTEST_SKIP() << "the sanitizers want to be loaded first";
+    }
+    const MachineTree tree("handheld");
+    const Outcome result = runStuck(tree, "/sys/class/thermal", "", "--home /home/deck");
+    EXPECT_EQ(result.status, 0) << result.output;
+    const json sample = lines(result.output).at(0);
+    EXPECT_TRUE(sample["thermalState"].is_null());
+    EXPECT_EQ(sample["gpu"]["usagePercentage"], 88);
+    EXPECT_EQ(sample["battery"]["percentage"], 80);
+    EXPECT_EQ(sample["storage"][0]["name"], "home");
+}
+
+TEST(Probe, APipeInThePlaceOfASensorHoldsUpNothing) {
+    const MachineTree tree("handheld");
+    for (const char* file :
+         {"/sys/class/thermal/thermal_zone0/temp", "/sys/class/power_supply/BAT1/capacity",
+          "/sys/class/drm/card0/device/gpu_busy_percent"}) {
+        const std::string path = tree.root() + file;
+        ::unlink(path.c_str());
+        ASSERT_EQ(::mkfifo(path.c_str(), 0600), 0) << file;
+    }
+    const Outcome result =
+        runShell("timeout 60 " PROBE " --interval 0.01 --root " + tree.root() + " 2>&1");
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_EQ(lines(result.output).size(), 1U);
+}
+
 TEST(Probe, MeasuresTheVolumeThatItIsTold) {
     const json root = lines(run("--interval 0.01 --home /").output).at(0);
     EXPECT_GT(root["storage"][0]["totalSpace"], 0);
@@ -323,7 +398,7 @@ TEST(Probe, FindsNothingInAnEmptyFolder) {
     EXPECT_EQ(sample["topCPUProcesses"], json::array());
     EXPECT_EQ(sample["topMemoryProcesses"], json::array());
     EXPECT_EQ(sample["system"]["uptime"], 0);
-    EXPECT_EQ(sample["thermalState"], 0);
+    EXPECT_TRUE(sample["thermalState"].is_null());
 }
 
 TEST(Probe, EndsWithOneLineAndStatusTwoForAWrongOption) {

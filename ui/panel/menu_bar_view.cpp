@@ -19,7 +19,7 @@ constexpr std::array kActions = {
 
 MenuBarViewEnvironment MenuBarViewEnvironment::shared() {
     const platform::Platform& platform = platform::current();
-    return {*platform.dispatch, *platform.processInfo, *platform.byteCountFormatter};
+    return {*platform.dispatch, *platform.byteCountFormatter};
 }
 
 MenuBarView::MenuBarView(StatsManager& statsManager, PanelTargets targets,
@@ -71,7 +71,7 @@ Page MenuBarView::page() const {
 HomePageInputs MenuBarView::homePageInputs() const {
     return {.displaySummary = statsManager_.displaySummary(),
             .systemInfo = *statsManager_.systemInfo,
-            .thermalState = environment_.processInfo.thermalState(),
+            .thermalState = *statsManager_.thermalState,
             .cpuInfo = *statsManager_.cpuInfo,
             .gpuInfo = *statsManager_.gpuInfo,
             .memoryInfo = *statsManager_.memoryInfo,
@@ -100,7 +100,7 @@ PerformanceDetailInputs MenuBarView::performanceDetailInputs() const {
             .gpuUsageHistory = *statsManager_.gpuUsageHistory,
             .memoryUsageHistory = *statsManager_.memoryUsageHistory,
             .storageUsageHistory = *statsManager_.storageUsageHistory,
-            .thermalState = environment_.processInfo.thermalState(),
+            .thermalState = *statsManager_.thermalState,
             .thresholds = statsManager_.settings().thresholds(),
             .enabledActions = enabledActions()};
 }

@@ -10,7 +10,6 @@
 #include "platform/byte_count_formatter.h"
 #include "platform/dispatch.h"
 #include "platform/next_turn.h"
-#include "platform/process_info.h"
 #include "ui/panel/blocks.h"
 #include "ui/panel/home_page.h"
 #include "ui/panel/memory_detail_page.h"
@@ -36,7 +35,6 @@ struct PanelTargets {
 /// What a view runs on. All of it must outlive the view.
 struct MenuBarViewEnvironment {
     platform::Dispatch& dispatch;
-    platform::ProcessInfo& processInfo;
     const platform::ByteCountFormatter& byteCountFormatter;
 
     static MenuBarViewEnvironment shared();

@@ -56,25 +56,27 @@ struct BackgroundWork::State : std::enable_shared_from_this<State> {
     /// them.
     std::list<std::thread> ended;
     std::size_t waiting = 0;
+    MakeThread makeThread;
     bool stopping = false;
 
     /// The main loop of each thread.
     void serve();
-    /// Requires: the caller holds the lock.
-    void addThread();
+    /// False if the system refuses. Requires: the caller holds the lock.
+    bool addThread();
     void endThisThread();
 };
 
-void BackgroundWork::State::addThread() {
+bool BackgroundWork::State::addThread() {
     const SignalsBlocked guard;
     try {
-        threads.emplace_back([state = shared_from_this()] {
+        threads.push_back(makeThread([state = shared_from_this()] {
             lowerPriorityOfThisThread();
             state->serve();
-        });
+        }));
     } catch (const std::system_error&) {
-        // No thread can be started now. The work stays in the queue for the next free thread.
+        return false;
     }
+    return true;
 }
 
 void BackgroundWork::State::endThisThread() {
@@ -99,7 +101,7 @@ void BackgroundWork::State::serve() {
             // Releases the work's captures on this thread instead of the one that added the work.
             work = nullptr;
             guard.lock();
-        } else if (waiting == 0) {
+        } else if (waiting < kIdleLimit) {
             ++waiting;
             workAdded.wait(guard, [this] { return stopping || !queue.empty(); });
             --waiting;
@@ -110,8 +112,14 @@ void BackgroundWork::State::serve() {
     endThisThread();
 }
 
-BackgroundWork::BackgroundWork(std::chrono::milliseconds patience)
-    : state_(std::make_shared<State>()), patience_(patience) {}
+BackgroundWork::BackgroundWork(std::chrono::milliseconds patience, MakeThread makeThread)
+    : state_(std::make_shared<State>()), patience_(patience) {
+    state_->makeThread = std::move(makeThread);
+}
+
+std::thread BackgroundWork::makeSystemThread(std::function<void()> body) {
+    return std::thread(std::move(body));
+}
 
 BackgroundWork::~BackgroundWork() {
     std::deque<std::function<void()>> dropped;
@@ -133,16 +141,20 @@ BackgroundWork::~BackgroundWork() {
     }
 }
 
-void BackgroundWork::run(std::function<void()> work) {
+bool BackgroundWork::run(std::function<void()> work) {
     std::list<std::thread> ended;
     bool isWaitedFor = false;
+    bool isRefused = false;
     {
         const std::lock_guard guard(state_->lock);
         state_->queue.push_back(std::move(work));
         if (state_->waiting >= state_->queue.size()) {
             isWaitedFor = true;
-        } else if (state_->threads.size() < kThreadLimit) {
-            state_->addThread();
+        } else if (state_->threads.size() < kThreadLimit && !state_->addThread()) {
+            // Nobody may ever come back for it: all threads may be stuck.
+            work = std::move(state_->queue.back());
+            state_->queue.pop_back();
+            isRefused = true;
         }
         ended.swap(state_->ended);
     }
@@ -153,6 +165,7 @@ void BackgroundWork::run(std::function<void()> work) {
     for (std::thread& thread : ended) {
         thread.join();
     }
+    return !isRefused;
 }
 
 std::size_t BackgroundWork::threadCount() const {

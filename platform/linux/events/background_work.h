@@ -5,23 +5,30 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <thread>
 
 namespace tarnwick::platform {
 
 /// Runs work on at most kThreadLimit threads, at nice +10 under the batch policy; if the system
 /// refuses the priority or the policy, the threads run without it. Any thread may add work.
 ///
-/// One thread waits for work without polling. If all threads are busy when work comes, perhaps
-/// stuck on a dead network mount, a new thread is made for it; a thread that finds no more work
-/// ends, unless it is the only one waiting. So one piece of work does not delay another until
-/// kThreadLimit of them are stuck; later work then waits for the first thread that becomes free.
-/// The threads receive no signals.
+/// Up to kIdleLimit threads wait for work without polling: a refresh, and a worker that it waits
+/// for. If all threads are busy when work comes, perhaps stuck on a dead network mount, a new
+/// thread is made for it; a thread that finds no more work ends, unless it is one of those that
+/// wait. So one piece of work does not delay another until kThreadLimit of them are stuck, which is
+/// more than there are sources; later work then waits for the first thread that becomes free. The
+/// threads receive no signals.
 class BackgroundWork {
  public:
-    static constexpr std::size_t kThreadLimit = 4;
+    static constexpr std::size_t kThreadLimit = 32;
+    static constexpr std::size_t kIdleLimit = 2;
+
+    /// Starts a thread; throws std::system_error where the system refuses.
+    using MakeThread = std::function<std::thread(std::function<void()>)>;
 
     /// Makes no thread yet. `patience` is how long the destructor waits for running work.
-    explicit BackgroundWork(std::chrono::milliseconds patience = std::chrono::milliseconds(250));
+    explicit BackgroundWork(std::chrono::milliseconds patience = std::chrono::milliseconds(250),
+                            MakeThread makeThread = makeSystemThread);
     BackgroundWork(const BackgroundWork&) = delete;
     BackgroundWork& operator=(const BackgroundWork&) = delete;
     /// Drops work that has not begun and joins the threads. If a thread's work does not end within
@@ -30,13 +37,16 @@ class BackgroundWork {
     /// was given. Requires: those objects live as long as the process.
     ~BackgroundWork();
 
-    void run(std::function<void()> work);
+    /// False if a thread is needed and none can be started now: the work is dropped.
+    bool run(std::function<void()> work);
 
     /// Threads that exist now: at work or waiting for some.
     std::size_t threadCount() const;
 
  private:
     struct State;
+
+    static std::thread makeSystemThread(std::function<void()> body);
 
     std::shared_ptr<State> state_;
     std::chrono::milliseconds patience_;

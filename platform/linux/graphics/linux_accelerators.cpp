@@ -34,12 +34,16 @@ std::function<double()> clockOf(const std::string& root) {
 
 }  // namespace
 
-LinuxAccelerators::LinuxAccelerators(std::string root)
-    : LinuxAccelerators(root, clockOf(root), isRunningMachine(root) ? "libnvidia-ml.so.1" : "") {}
+LinuxAccelerators::LinuxAccelerators(std::string root, Workers& workers)
+    : LinuxAccelerators(root, clockOf(root), isRunningMachine(root) ? "libnvidia-ml.so.1" : "",
+                        workers) {}
 
 LinuxAccelerators::LinuxAccelerators(std::string root, std::function<double()> clock,
-                                     std::string nvmlLibrary)
-    : root_(std::move(root)), clock_(std::move(clock)), nvml_(std::move(nvmlLibrary)) {}
+                                     std::string nvmlLibrary, Workers& workers)
+    : root_(std::move(root)),
+      clock_(std::move(clock)),
+      workers_(workers),
+      nvml_(std::move(nvmlLibrary)) {}
 
 MatchingServices LinuxAccelerators::matchingServices() {
     const std::lock_guard guard(lock_);
@@ -49,26 +53,39 @@ MatchingServices LinuxAccelerators::matchingServices() {
         cardsFoundAt_ = now;
     }
     MatchingServices found;
-    for (const std::unique_ptr<GraphicsCard>& card : cards_) {
-        found.services.push_back(card->properties(now));
+    for (const auto& [card, source] : cards_) {
+        const auto ask = [this, card = card, now] {
+            std::unique_lock library(nvmlInUse_, std::defer_lock);
+            if (card->device().identity.driver == "nvidia") {
+                library.lock();
+            }
+            return card->properties(now);
+        };
+        // A card without a source is asked nothing, so it needs no worker.
+        if (auto properties = card->hasSource() ? source->read(ask) : ask()) {
+            found.services.push_back(*std::move(properties));
+        } else {
+            ++found.silent;
+        }
     }
     return found;
 }
 
 void LinuxAccelerators::findCards() {
-    std::vector<std::unique_ptr<GraphicsCard>> cards;
+    std::vector<Card> cards;
     for (GraphicsDevice& device : findGraphicsDevices(root_)) {
         // A card that is still there keeps its samples. A card without a source is made anew,
         // because its driver may have been starting.
-        const auto known = std::find_if(cards_.begin(), cards_.end(), [&device](const auto& card) {
-            return card && card->hasSource() && card->device() == device;
+        const auto known = std::find_if(cards_.begin(), cards_.end(), [&device](const Card& one) {
+            return one.card && one.card->hasSource() && one.card->device() == device;
         });
         if (known != cards_.end()) {
             cards.push_back(std::move(*known));
         } else {
             std::unique_ptr<GpuSource> source = sourceFor(device);
             cards.push_back(
-                std::make_unique<GraphicsCard>(root_, std::move(device), std::move(source)));
+                {std::make_shared<GraphicsCard>(root_, std::move(device), std::move(source)),
+                 std::make_unique<TimedSource<PropertyDictionary>>(workers_, kSensorPatience)});
         }
     }
     cards_ = std::move(cards);

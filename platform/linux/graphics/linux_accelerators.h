@@ -11,6 +11,8 @@
 #include "platform/accelerators.h"
 #include "platform/linux/graphics/graphics_card.h"
 #include "platform/linux/graphics/nvml.h"
+#include "platform/timed_source.h"
+#include "platform/workers.h"
 
 namespace tarnwick::platform {
 
@@ -23,25 +25,37 @@ class LinuxAccelerators final : public Accelerators {
     /// Reads the tree below `root`. If `root` is not "/", nothing comes from the running machine:
     /// the management library is not used, and the time is that of the tree, which stands still in
     /// a recorded one.
-    explicit LinuxAccelerators(std::string root = "/");
+    explicit LinuxAccelerators(std::string root = "/", Workers& workers = noWorkers());
     /// `clock` gives seconds that do not pass while the machine sleeps; `nvmlLibrary` is the name
-    /// or path of the management library, none if empty.
-    LinuxAccelerators(std::string root, std::function<double()> clock, std::string nvmlLibrary);
+    /// or path of the management library, none if empty. Each card is read by one of `workers`.
+    /// Requires: while a card has not answered, this object lives.
+    LinuxAccelerators(std::string root, std::function<double()> clock, std::string nvmlLibrary,
+                      Workers& workers = noWorkers());
 
-    /// Never fails: without cards there are no services.
+    /// Never fails: without cards there are no services. A card that hangs delays the answer once,
+    /// by kSensorPatience, and holds up no other card.
     MatchingServices matchingServices() override;
 
  private:
+    struct Card {
+        // Shared with a worker that may never come back.
+        std::shared_ptr<GraphicsCard> card;
+        std::unique_ptr<TimedSource<PropertyDictionary>> source;
+    };
+
     void findCards();
     std::unique_ptr<GpuSource> sourceFor(const GraphicsDevice& device);
 
     const std::string root_;
     const std::function<double()> clock_;
+    Workers& workers_;
 
+    /// Held by a worker while it reads a card of NVIDIA's: the library takes one thread at a time.
+    std::mutex nvmlInUse_;
     std::mutex lock_;
     // Guarded by lock_.
     Nvml nvml_;
-    std::vector<std::unique_ptr<GraphicsCard>> cards_;
+    std::vector<Card> cards_;
     std::optional<double> cardsFoundAt_;
 };
 

@@ -11,14 +11,9 @@ namespace tarnwick::platform {
 
 namespace {
 
-constexpr double kLongestAgeOfState = 2;
 constexpr double kLongestAgeOfZones = 60;
 // The kernel allows no more trip points in a zone.
 constexpr int kLargestTripCount = 32;
-
-bool isFresh(const std::optional<double>& moment, double now, double longestAge) {
-    return moment && now >= *moment && now - *moment < longestAge;
-}
 
 std::string_view firstLine(std::string_view text) {
     return text.substr(0, text.find('\n'));
@@ -54,15 +49,27 @@ std::int64_t LinuxProcessInfo::activeProcessorCount() {
 
 std::int64_t LinuxProcessInfo::thermalState() {
     const double now = sinceBoot_();
-    if (!isFresh(stateReadAt_, now, kLongestAgeOfState)) {
-        if (!isFresh(zonesFoundAt_, now, kLongestAgeOfZones)) {
-            findZones();
-            zonesFoundAt_ = now;
-        }
-        state_ = readThermalState();
-        stateReadAt_ = now;
+    if (!zonesFoundAt_ || now < *zonesFoundAt_ || now - *zonesFoundAt_ >= kLongestAgeOfZones) {
+        findZones();
+        zonesFoundAt_ = now;
     }
-    return state_;
+    std::int64_t hottest = 0;
+    std::int64_t state = kUnknownThermalState;
+    for (Zone& zone : zones_) {
+        // Zones of old kernels have no mode; they are always enabled.
+        if (firstLine(zone.mode.read().value_or("")) == "disabled") {
+            continue;
+        }
+        const std::optional<std::int64_t> temperature =
+            parseTemperature(zone.temperature.read().value_or(""));
+        if (!temperature || *temperature < hottest) {
+            continue;
+        }
+        const std::int64_t own = thermalStateAt(*temperature, zone.trips);
+        state = *temperature > hottest ? own : std::max(state, own);
+        hottest = *temperature;
+    }
+    return state;
 }
 
 void LinuxProcessInfo::findZones() {
@@ -82,26 +89,6 @@ void LinuxProcessInfo::findZones() {
                               .trips = trips});
         }
     }
-}
-
-std::int64_t LinuxProcessInfo::readThermalState() {
-    std::int64_t hottest = 0;
-    std::int64_t state = 0;
-    for (Zone& zone : zones_) {
-        // Zones of old kernels have no mode; they are always enabled.
-        if (firstLine(zone.mode.read().value_or("")) == "disabled") {
-            continue;
-        }
-        const std::optional<std::int64_t> temperature =
-            parseTemperature(zone.temperature.read().value_or(""));
-        if (!temperature || *temperature < hottest) {
-            continue;
-        }
-        const std::int64_t own = thermalStateAt(*temperature, zone.trips);
-        state = *temperature > hottest ? own : std::max(state, own);
-        hottest = *temperature;
-    }
-    return state;
 }
 
 }  // namespace tarnwick::platform

@@ -24,8 +24,8 @@ class LinuxProcessInfo final : public ProcessInfo {
 
     std::int64_t activeProcessorCount() override;
     /// The state of the hottest zone by its own trip points; if several zones are equally hot, the
-    /// worst of their states. Only enabled zones with trip points count; nominal if there is none.
-    /// An answer is reused for two seconds. Zones and trip points are searched again every minute.
+    /// worst of their states. Only enabled zones with trip points and a believable temperature
+    /// count; unknown if there is none. Zones and trip points are searched again every minute.
     std::int64_t thermalState() override;
 
  private:
@@ -36,17 +36,13 @@ class LinuxProcessInfo final : public ProcessInfo {
     };
 
     void findZones();
-    std::int64_t readThermalState();
 
     const std::string root_;
     const std::function<double()> sinceBoot_;
     OnlineProcessors onlineProcessors_;
 
-    // Main thread only.
     std::vector<Zone> zones_;
     std::optional<double> zonesFoundAt_;
-    std::optional<double> stateReadAt_;
-    std::int64_t state_ = 0;
 };
 
 }  // namespace tarnwick::platform

@@ -36,6 +36,11 @@ bool JsonUserDefaults::contains(std::string_view key) {
     return !isKnown_ || memory_.contains(key);
 }
 
+bool JsonUserDefaults::isComplete() {
+    const std::lock_guard guard(channel_->lock);
+    return isKnown_;
+}
+
 std::optional<Date> JsonUserDefaults::date(std::string_view key) {
     const auto seconds = number(key);
     return seconds ? std::optional(Date{*seconds}) : std::nullopt;
@@ -61,31 +66,44 @@ Subscription JsonUserDefaults::onExternalChange(std::function<void()> observer) 
     return external_.observe(std::move(observer));
 }
 
-/// Brings what has been set to the file, which is looked at in any case.
 void JsonUserDefaults::exchange(std::unique_lock<std::mutex>& guard, bool isPatient) {
     // What is set from here on belongs to another turn.
     for (auto& [key, value] : std::exchange(fresh_, {})) {
         waiting_.insert_or_assign(key, std::move(value));
+        tried_.erase(key);
     }
     if (std::exchange(isRunning_, true)) {
         isAgain_ = true;
         return;
     }
     inFlight_ = std::exchange(waiting_, {});
-    SettingsExchange work{file_, base_, inFlight_,
+    SettingsExchange work{file_, base_, inFlight_, isKnown_ ? tried_ : std::set<std::string>(),
                           isPatient && isKnown_ ? std::optional(suspect_) : std::nullopt};
     guard.unlock();
-    dispatch_.detached([channel = channel_, &dispatch = dispatch_, work = std::move(work),
-                        take = later([this] { takeOutcome(); })] {
-        auto outcome = work.perform(channel->watch);
-        {
-            const std::lock_guard done(channel->lock);
-            channel->outcome = std::move(outcome);
-        }
-        channel->done.notify_all();
-        dispatch.async(take);
-    });
+    const bool isStarted =
+        dispatch_.detached([channel = channel_, &dispatch = dispatch_, work = std::move(work),
+                            take = later([this] { takeOutcome(); })] {
+            auto outcome = work.perform(channel->watch);
+            {
+                const std::lock_guard done(channel->lock);
+                channel->outcome = std::move(outcome);
+            }
+            channel->done.notify_all();
+            dispatch.async(take);
+        });
     guard.lock();
+    if (!isStarted) {
+        isRunning_ = false;
+        putBack({});
+    }
+}
+
+void JsonUserDefaults::putBack(const std::set<std::string>& yielded) {
+    for (auto& [key, value] : std::exchange(inFlight_, {})) {
+        if (yielded.count(key) == 0 && waiting_.try_emplace(key, std::move(value)).second) {
+            tried_.insert(key);
+        }
+    }
 }
 
 void JsonUserDefaults::takeOutcome() {
@@ -97,13 +115,14 @@ void JsonUserDefaults::takeOutcome() {
     isRunning_ = false;
     fileName_ = outcome.fileName;
     suspect_ = outcome.suspect.value_or(FileStamp{});
+    const bool isFirst = outcome.contents && !isKnown_;
     if (outcome.contents) {
         isKnown_ = true;
         base_ = *outcome.contents;
     }
+    tried_.clear();
     if (!outcome.isWritten) {
-        // What has been set since then stays.
-        waiting_.merge(inFlight_);
+        putBack(outcome.yielded);
     }
     inFlight_.clear();
     SettingsDocument next = base_;
@@ -112,7 +131,7 @@ void JsonUserDefaults::takeOutcome() {
             next.set(key, value);
         }
     }
-    const bool isOther = !next.readsAs(memory_);
+    const bool isOther = isFirst || !next.readsAs(memory_);
     memory_ = std::move(next);
     if (std::exchange(isAgain_, false)) {
         exchange(guard, true);
@@ -141,6 +160,9 @@ bool JsonUserDefaults::settle(std::chrono::milliseconds patience) {
                 return isDone && isKnown_;
             }
             exchange(guard, false);
+            if (!isRunning_) {
+                return false;
+            }
         }
         if (!channel_->done.wait_until(guard, deadline,
                                        [this] { return channel_->outcome.has_value(); })) {

@@ -24,7 +24,8 @@ namespace tarnwick::platform {
 /// on: the file is read, what was set is put into it, and the whole replaces it. So what somebody
 /// else has written under other keys stays, and becomes memory's, too.
 ///
-/// What cannot be written stays in memory and is tried again with the next set() and with settle().
+/// What cannot be written stays in memory and is tried again at the next look at the file, the next
+/// set() and settle(); where somebody else has changed the same key meanwhile, that edit counts.
 /// A file that holds no settings is renamed and a new one begun: at the start and the end at once,
 /// else where it still is the same after a moment, since it might be on its way. What is no file or
 /// may not be read is left alone. The user is told about each of these in one line, once.
@@ -40,8 +41,8 @@ class JsonUserDefaults final : public UserDefaults {
 
     using Notice = std::function<void(std::string_view)>;
 
-    /// Begins to read `file`; empty means that there is no place for one. Until it has been read,
-    /// there may be something under every key. `dispatch` must outlive what it is given to run.
+    /// Begins to read `file`; empty means that there is no place for one. `dispatch` must outlive
+    /// what it is given to run.
     JsonUserDefaults(std::filesystem::path file, Dispatch& dispatch,
                      Notice notice = &platform::notice);
     /// Waits for nothing; settle() does.
@@ -50,6 +51,8 @@ class JsonUserDefaults final : public UserDefaults {
     std::optional<DefaultsValue> object(std::string_view key) override;
     void set(std::string_view key, const DefaultsValue& value) override;
     bool contains(std::string_view key) override;
+    /// False until the file has been read; there may be something under every key then.
+    bool isComplete() override;
     std::optional<Date> date(std::string_view key) override;
     [[nodiscard]] Subscription onExternalChange(std::function<void()> observer) override;
 
@@ -65,7 +68,11 @@ class JsonUserDefaults final : public UserDefaults {
     /// What the background holds, too; it may be left behind there.
     struct Channel;
 
+    /// Brings what has been set to the file, which is looked at in any case. Where the system
+    /// starts no thread for it, the next call does.
     void exchange(std::unique_lock<std::mutex>& guard, bool isPatient);
+    /// What was in flight waits again, but for `yielded` and what has been set since then.
+    void putBack(const std::set<std::string>& yielded);
     void takeOutcome();
     void lookLater();
     /// Work for a later turn, unless this is gone by then.
@@ -89,6 +96,8 @@ class JsonUserDefaults final : public UserDefaults {
     SettingsDocument memory_;
     SettingsDocument base_;
     SettingsValues waiting_;
+    /// Keys of what waits and could not be written before.
+    std::set<std::string> tried_;
     SettingsValues inFlight_;
     SettingsValues fresh_;
     /// The file has been read, or there was none.

@@ -217,6 +217,7 @@ SettingsOutcome SettingsExchange::perform(const SettingsWatch& watch) const {
 
 bool SettingsExchange::attempt(const SettingsWatch& watch, SettingsOutcome& outcome) const {
     outcome.contents.reset();
+    outcome.yielded.clear();
     if (file.empty()) {
         outcome.lines = {
             "settings: there is no home directory to keep them in; changes are lost when the "
@@ -265,7 +266,11 @@ bool SettingsExchange::attempt(const SettingsWatch& watch, SettingsOutcome& outc
     const bool isMoved = !outcome.lines.empty();
     bool isOther = isEmpty && (!changes.empty() || (isMoved && !contents->empty()));
     for (const auto& [key, value] : changes) {
-        isOther = contents->set(key, value) || isOther;
+        if (yielding.count(key) > 0 && contents->value(key) != base.value(key)) {
+            outcome.yielded.insert(key);
+        } else {
+            isOther = contents->set(key, value) || isOther;
+        }
     }
     if (isOther && !error) {
         // What could not be read again is not written.

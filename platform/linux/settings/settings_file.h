@@ -56,8 +56,10 @@ struct FileStamp {
 struct SettingsOutcome {
     /// What is in the file now; absent where that cannot be known.
     std::optional<SettingsDocument> contents{};
-    /// The changes are in there.
+    /// The changes are in there, but for those that have yielded to an edit.
     bool isWritten = false;
+    /// Keys of these.
+    std::set<std::string> yielded{};
     /// Of a file that holds no settings and is to be looked at again.
     std::optional<FileStamp> suspect{};
     /// The name behind all links.
@@ -72,6 +74,9 @@ struct SettingsExchange {
     /// What a missing or empty file stands for.
     SettingsDocument base{};
     SettingsValues changes{};
+    /// Keys of changes that could not be written before. If somebody else has changed the value
+    /// that the base has under one of them, that edit is the later one and stays.
+    std::set<std::string> yielding{};
     /// Only a file with this stamp is moved away when it holds no settings; any when absent.
     std::optional<FileStamp> suspect{};
 

@@ -41,18 +41,21 @@ struct Expected {
 
 const std::vector<Expected>& expectations() {
     static const std::vector<Expected> all = {
-        {"container-host", 96, 1751328000, 263855104, 0, 0, "/home/deploy", "/home", 0,
-         43921469.80},
-        {"damaged", {}, {}, 0, 0, 0, "/home", "/", 0, {}},
-        {"developer", 4, 1767000000, 8052344, 4194300, 0, "/home/kim", "/", 0, 3120.55},
+        {"container-host", 96, 1751328000, 263855104, 0, 0, "/home/deploy", "/home",
+         kUnknownThermalState, 43921469.80},
+        {"damaged", {}, {}, 0, 0, 0, "/home", "/", kUnknownThermalState, {}},
+        {"developer", 4, 1767000000, 8052344, 4194300, 0, "/home/kim", "/", kUnknownThermalState,
+         3120.55},
         {"handheld", 8, 1767200000, 15221396, 8658812, 756604, "/home/deck", "home", 0, 8190.44},
         {"laptop", 8, 1767612345, 16122588, 8061288, 1157280, "/home/ada", "Ada's Disk", 0,
          190643.27},
-        {"old-kernel", 2, 1199145600, 1035344, 2031608, 20124, "/home/bob", "/", 0, 86399.99},
-        {"server", 63, 1735689600, 527985432, 0, 0, "/home/ops", "/home", 0, 31546211.90},
+        {"old-kernel", 2, 1199145600, 1035344, 2031608, 20124, "/home/bob", "/",
+         kUnknownThermalState, 86399.99},
+        {"server", 63, 1735689600, 527985432, 0, 0, "/home/ops", "/home", kUnknownThermalState,
+         31546211.90},
         {"two-batteries", 4, 1767500000, 7980448, 8388604, 87492, "/home/mia", "/", 1, 61822.07},
         {"virtual-machine", 2, 1764547200, 2014432, 1048572, 46240, "/home/admin",
-         "cloudimg-rootfs", 0, 2419206.55},
+         "cloudimg-rootfs", kUnknownThermalState, 2419206.55},
         {"workstation", 24, 1766900000, 65758412, 8388604, 0, "/home/grace", "/", 0, 262811.38},
     };
     return all;

@@ -14,19 +14,11 @@ using testing::block;
 using testing::contains;
 using ::testing::ElementsAre;
 
-class ScriptedProcessInfo final : public platform::ProcessInfo {
- public:
-    std::int64_t activeProcessorCount() override { return 1; }
-    std::int64_t thermalState() override { return state; }
-
-    std::int64_t state = 0;
-};
-
 class MenuBarViewTest : public testing::StatsManagerTest {
  protected:
     MenuBarViewTest() : manager(makeSettled()) {
-        view = std::make_unique<MenuBarView>(
-            *manager, targets(), MenuBarViewEnvironment{manual, processInfo, formatter});
+        view = std::make_unique<MenuBarView>(*manager, targets(),
+                                             MenuBarViewEnvironment{manual, formatter});
         view->setPageObserver([this](const Page& page) { pages.push_back(page); });
     }
 
@@ -37,7 +29,6 @@ class MenuBarViewTest : public testing::StatsManagerTest {
     }
 
     std::unique_ptr<StatsManager> manager;
-    ScriptedProcessInfo processInfo;
     testing::SpellingByteCountFormatter formatter;
     std::unique_ptr<MenuBarView> view;
     /// What the observer was told.
@@ -54,7 +45,7 @@ TEST_F(MenuBarViewTest, StartsOnTheHomePage) {
 }
 
 TEST_F(MenuBarViewTest, PageShowsWhatTheManagerPublishes) {
-    processInfo.state = 2;
+    manager->thermalState.set(2);
     BatteryInfo info = *manager->batteryInfo;
     info.cycleCount = 412;
     manager->batteryInfo.set(info);
@@ -72,7 +63,7 @@ TEST_F(MenuBarViewTest, PageShowsWhatTheManagerPublishes) {
 
 TEST_F(MenuBarViewTest, PageIsLoadingBeforeAnythingWasMeasured) {
     const auto fresh = make();
-    const MenuBarView early(*fresh, {}, {manual, processInfo, formatter});
+    const MenuBarView early(*fresh, {}, {manual, formatter});
     const Page page = early.page();
     EXPECT_EQ(block<PanelHeader>(page, "header").summary, "Collecting system data...");
     EXPECT_EQ(block<UsageBar>(page, "bar.storage").detail, "Loading...");
@@ -235,7 +226,7 @@ TEST_F(MenuBarViewTest, ActionsRunTheirTargets) {
                      {.showSettings = target("settings"),
                       .openActivityMonitor = target("monitor"),
                       .quit = target("quit")},
-                     {manual, processInfo, formatter});
+                     {manual, formatter});
     for (const PanelAction action :
          {PanelAction::showSettings, PanelAction::openActivityMonitor, PanelAction::quit}) {
         EXPECT_TRUE(full.canPerform(action));
@@ -330,7 +321,7 @@ TEST_F(MenuBarViewTest, MemoryPageShowsWhatTheManagerPublishes) {
 }
 
 TEST_F(MenuBarViewTest, PerformancePageShowsWhatTheManagerPublishes) {
-    processInfo.state = 1;
+    manager->thermalState.set(1);
     manager->cpuUsageHistory.set({{UUID{}, 0, 1}, {UUID{}, 0, 2}});
     manager->gpuUsageHistory.set({{UUID{}, 0, 3}});
     manager->memoryUsageHistory.set({{UUID{}, 0, 4}});

@@ -15,12 +15,6 @@ namespace {
 using testing::block;
 using testing::contains;
 
-class CoolMachine final : public platform::ProcessInfo {
- public:
-    std::int64_t activeProcessorCount() override { return 1; }
-    std::int64_t thermalState() override { return 0; }
-};
-
 class PublishedFields : public testing::StatsManagerTest {
  protected:
     PublishedFields() {
@@ -35,9 +29,8 @@ class PublishedFields : public testing::StatsManagerTest {
     }
 
     std::unique_ptr<StatsManager> manager = makeSettled();
-    CoolMachine processInfo;
     testing::SpellingByteCountFormatter formatter;
-    MenuBarView view{*manager, {}, {manual, processInfo, formatter}};
+    MenuBarView view{*manager, {}, {manual, formatter}};
     std::vector<Page> pages;
 };
 
@@ -131,6 +124,10 @@ INSTANTIATE_TEST_SUITE_P(
                   [](StatsManager& manager) { manager.gpuInfo.set(testing::makeGPU(50, true)); }},
         FieldCase{"systemInfo", kHome,
                   [](StatsManager& manager) { manager.systemInfo.set({120}); }},
+        FieldCase{"thermalState", kHome,
+                  [](StatsManager& manager) { manager.thermalState.set(2); }},
+        FieldCase{"thermalStateOfThePerformance", kPerformance,
+                  [](StatsManager& manager) { manager.thermalState.set(2); }},
         FieldCase{"topCPUProcesses", kHome,
                   [](StatsManager& manager) {
                       manager.topCPUProcesses.set({{.id = 9, .name = "other", .cpuUsage = 3}});

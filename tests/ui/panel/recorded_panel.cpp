@@ -206,12 +206,13 @@ struct RecordedPanel::Machine {
           .pruneStaleProcesses = [this] { processes.pruneStaleProcesses(); },
           .releaseProcessCaches = [this] { processes.releaseCaches(); },
           .readStorageInfo = [this] { return withUsedSpace(storage.readStorageInfo(), usedSpace); },
+          .readThermalState = [this] { return processInfo.thermalState(); },
           .readUptime = [this] { return readUptime(kernel); }},
          [this] { return kernel.wallClockSeconds(); },
          platform::Logger()}};
     MenuBarView view{manager,
                      {.showSettings = [] {}, .openActivityMonitor = [] {}, .quit = [] {}},
-                     {dispatch, processInfo, formatter}};
+                     {dispatch, formatter}};
 };
 
 RecordedPanel::RecordedPanel(std::string_view machine)

@@ -17,16 +17,19 @@
 
 namespace tarnwick::qt {
 
-class FixedProcessInfo final : public platform::ProcessInfo {
+/// Counts how often it is asked.
+class CountingFormatter final : public platform::ByteCountFormatter {
  public:
-    std::int64_t activeProcessorCount() override { return 1; }
-    std::int64_t thermalState() override {
-        ++reads;
-        return 0;
+    std::string stringFromByteCount(std::int64_t byteCount,
+                                    platform::CountStyle style) const override {
+        ++calls;
+        return formatter_.stringFromByteCount(byteCount, style);
     }
 
-    /// Each page reads the thermal state once.
-    int reads = 0;
+    mutable int calls = 0;
+
+ private:
+    testing::PlainByteCountFormatter formatter_;
 };
 
 class PanelWindowTest : public testing::StatsManagerTest {
@@ -35,7 +38,7 @@ class PanelWindowTest : public testing::StatsManagerTest {
         : manager(makeSettled()),
           view(*manager,
                {.showSettings = {}, .openActivityMonitor = {}, .quit = [this] { ++quits; }},
-               {manual, processInfo, formatter}),
+               {manual, formatter}),
           window(std::make_unique<PanelWindow>(view, theme, manual)) {}
 
     ~PanelWindowTest() override {
@@ -94,8 +97,7 @@ class PanelWindowTest : public testing::StatsManagerTest {
     }
 
     Theme theme;
-    FixedProcessInfo processInfo;
-    testing::PlainByteCountFormatter formatter;
+    CountingFormatter formatter;
     std::unique_ptr<StatsManager> manager;
     int quits = 0;
     MenuBarView view;

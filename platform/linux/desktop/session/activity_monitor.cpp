@@ -9,12 +9,16 @@
 #include <cstdlib>
 #include <qpa/qplatformnativeinterface.h>
 #include <string>
+#include <utility>
 
 #include "platform/linux/applications/system_monitors.h"
 #include "platform/linux/events/standard_error.h"
 
 namespace tarnwick::platform {
 namespace {
+
+/// Milliseconds that the service manager has for an answer.
+constexpr int kPatience = 2000;
 
 /// Variables that are different for each start of a program.
 constexpr const char* kOfOneStart[] = {"DESKTOP_STARTUP_ID",
@@ -58,8 +62,24 @@ QProcessEnvironment environmentFrom(const StartConditions& conditions) {
     return environment;
 }
 
+/// Whether the service manager makes a unit when it is asked.
+bool makesUnits(const QStringList& command, const QProcessEnvironment& environment) {
+    QProcess process;
+    process.setProcessEnvironment(environment);
+    process.setStandardInputFile(QProcess::nullDevice());
+    process.setStandardOutputFile(QProcess::nullDevice());
+    process.setStandardErrorFile(QProcess::nullDevice());
+    process.start(command.front(), command.mid(1) + QStringList("true"));
+    if (!process.waitForFinished(kPatience)) {
+        process.kill();
+        process.waitForFinished(kPatience);
+        return false;
+    }
+    return process.exitStatus() == QProcess::NormalExit && process.exitCode() == 0;
+}
+
 /// The words to put before a command so that it runs in its own unit. applicationUnit() finds the
-/// desktop entry in the unit's name. Empty if no service manager of the user is running.
+/// desktop entry in the unit's name. Empty if no service manager of the user answers.
 QStringList scopeCommand(const QString& entry, const QProcessEnvironment& environment) {
     const QString runtime = environment.value("XDG_RUNTIME_DIR");
     const QString program = QStandardPaths::findExecutable(
@@ -72,47 +92,79 @@ QStringList scopeCommand(const QString& entry, const QProcessEnvironment& enviro
     const QString unit = QString("app-tarnwick-%1-%2.scope")
                              .arg(QString(entry).replace("-", "\\x2d"))
                              .arg(QRandomGenerator::global()->generate());
-    return {program,         "--user", "--scope", "--quiet", "--collect", "--slice=app.slice",
-            "--unit=" + unit};
+    const QStringList command{program,   "--user",    "--scope",
+                              "--quiet", "--collect", "--slice=app.slice"};
+    return makesUnits(command, environment) ? command + QStringList("--unit=" + unit)
+                                            : QStringList();
 }
 
-}  // namespace
-
-bool openActivityMonitor(const StartConditions& conditions) {
+/// Arguments for a shell that becomes the monitor. Empty if there is none. Any thread.
+QStringList monitorArguments(const StartConditions& conditions) {
     const auto monitor = findSystemMonitor([](const char* name) { return std::getenv(name); });
     if (!monitor) {
-        return false;
+        return {};
     }
-    const QProcessEnvironment environment = environmentFrom(conditions);
-    // Sets the limit for the shell; the program that replaces it inherits the limit.
-    QString script = R"(exec "$@")";
+    QString folder;
+    for (const QString& each :
+         {QFile::decodeName(monitor->folder.c_str()), QDir::homePath(), QDir::rootPath()}) {
+        if (folder.isEmpty() && QFileInfo(each).isDir()) {
+            folder = each;
+        }
+    }
+    // The shell sets the limit and the folder; the program that replaces it inherits both.
+    QString script = R"(cd "$0"; exec "$@")";
     if (conditions.descriptorLimit) {
         script.prepend(QString("ulimit -Sn %1; ").arg(*conditions.descriptorLimit));
     }
-    QStringList arguments{"-c", script, "sh"};
-    arguments += scopeCommand(QString::fromStdString(monitor->entry), environment);
+    QStringList arguments{"-c", script, folder};
+    arguments += scopeCommand(QString::fromStdString(monitor->entry), conditions.environment);
     for (const std::string& word : monitor->command) {
         arguments += QFile::decodeName(word.c_str());
     }
+    return arguments;
+}
+
+/// False if it cannot be started. Not in the background, whose priority it would inherit.
+bool start(const QStringList& arguments, const QProcessEnvironment& environment) {
     QProcess process;
     process.setProgram("/bin/sh");
     process.setArguments(arguments);
     process.setProcessEnvironment(environment);
-    for (const QString& folder :
-         {QFile::decodeName(monitor->folder.c_str()), QDir::homePath(), QDir::rootPath()}) {
-        if (process.workingDirectory().isEmpty() && QFileInfo(folder).isDir()) {
-            process.setWorkingDirectory(folder);
-        }
-    }
+    process.setWorkingDirectory(QDir::rootPath());
     process.setStandardInputFile(QProcess::nullDevice());
     process.setStandardOutputFile(QProcess::nullDevice());
     process.setStandardErrorFile(QProcess::nullDevice());
     if (!process.startDetached()) {
-        notice("cannot start " + monitor->command.front() + ": " +
+        notice("cannot start " + arguments.back().toStdString() + ": " +
                process.errorString().toStdString());
         return false;
     }
     return true;
+}
+
+}  // namespace
+
+ActivityMonitor::ActivityMonitor(StartConditions conditions, Dispatch& dispatch,
+                                 std::function<void()> opened)
+    : conditions_(std::move(conditions)), dispatch_(dispatch), opened_(std::move(opened)) {}
+
+void ActivityMonitor::open() {
+    if (isOpening_) {
+        return;
+    }
+    // The token says when the user has pressed.
+    isOpening_ =
+        dispatch_.detached([weak = std::weak_ptr(self_), conditions = conditions_,
+                            &dispatch = dispatch_, environment = environmentFrom(conditions_)] {
+            dispatch.async([weak, environment, arguments = monitorArguments(conditions)] {
+                if (const auto self = weak.lock()) {
+                    (*self)->isOpening_ = false;
+                    if (!arguments.isEmpty() && start(arguments, environment)) {
+                        (*self)->opened_();
+                    }
+                }
+            });
+        });
 }
 
 }  // namespace tarnwick::platform

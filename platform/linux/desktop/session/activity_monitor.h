@@ -3,7 +3,11 @@
 
 #include <QProcessEnvironment>
 #include <cstddef>
+#include <functional>
+#include <memory>
 #include <optional>
+
+#include "platform/dispatch.h"
 
 namespace tarnwick::platform {
 
@@ -14,10 +18,26 @@ struct StartConditions {
     std::optional<std::size_t> descriptorLimit{};
 };
 
-/// Starts the system monitor that findSystemMonitor() finds. It is not a child of this process and
-/// runs in its own session and, if the user has a service manager, in its own unit: it does not end
-/// with this program and is not counted as part of it. False if there is none, or if it cannot be
-/// started, which the user is told by notice(). Main thread.
-bool openActivityMonitor(const StartConditions& conditions);
+/// Starts the system monitor that findSystemMonitor() finds, and looks for it in the background.
+/// Main thread.
+class ActivityMonitor {
+ public:
+    /// `opened` is called after each start. Requires: `dispatch` outlives what it is given to run.
+    ActivityMonitor(StartConditions conditions, Dispatch& dispatch, std::function<void()> opened);
+
+    /// The monitor is not a child of this process and runs in its own session and, if the user has
+    /// a service manager that answers, in its own unit: it does not end with this program and is
+    /// not counted as part of it. Nothing happens if there is none, or if it cannot be started,
+    /// which the user is told by notice(), or while an earlier call is still looking.
+    void open();
+
+ private:
+    const StartConditions conditions_;
+    Dispatch& dispatch_;
+    const std::function<void()> opened_;
+    bool isOpening_ = false;
+    /// Expires with this.
+    const std::shared_ptr<ActivityMonitor*> self_ = std::make_shared<ActivityMonitor*>(this);
+};
 
 }  // namespace tarnwick::platform

@@ -151,8 +151,8 @@ void QtDispatch::asyncAfter(double seconds, std::function<void()> work) {
     timers_.scheduleOnce(now() + std::max(0.0, seconds), std::move(work));
 }
 
-void QtDispatch::detached(std::function<void()> work) {
-    background_.run(std::move(work));
+bool QtDispatch::detached(std::function<void()> work) {
+    return background_.run(std::move(work));
 }
 
 std::unique_ptr<Timer> QtDispatch::scheduleRepeating(double interval,

@@ -29,7 +29,7 @@ class QtDispatch final : public Dispatch {
     double now() const override;
     void async(std::function<void()> work) override;
     void asyncAfter(double seconds, std::function<void()> work) override;
-    void detached(std::function<void()> work) override;
+    bool detached(std::function<void()> work) override;
     std::unique_ptr<Timer> scheduleRepeating(double interval,
                                              std::function<void()> handler) override;
 

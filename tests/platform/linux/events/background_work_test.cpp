@@ -11,10 +11,14 @@
 #include <memory>
 #include <sched.h>
 #include <sys/resource.h>
+#include <system_error>
 #include <thread>
 #include <unistd.h>
 #include <utility>
 #include <vector>
+
+#include "platform/timed_source.h"
+#include "platform/workers.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -33,6 +37,13 @@ auto askInBackground(BackgroundWork& work, F question) {
 /// Waits, however long it takes, until so many threads are left.
 void waitForThreads(const BackgroundWork& work, std::size_t count) {
     while (work.threadCount() != count) {
+        std::this_thread::yield();
+    }
+}
+
+/// The same for no more than so many.
+void waitForAtMost(const BackgroundWork& work, std::size_t count) {
+    while (work.threadCount() > count) {
         std::this_thread::yield();
     }
 }
@@ -98,12 +109,97 @@ TEST(BackgroundWork, TakesNoSignals) {
     EXPECT_EQ(sigismember(&own, SIGTERM), 0);
 }
 
-TEST(BackgroundWork, OneThreadStaysForOneRefreshAfterAnother) {
+TEST(BackgroundWork, NoMoreThreadsStayThanOneRefreshAfterAnotherNeeds) {
     BackgroundWork work;
     for (int i = 0; i < 50; ++i) {
         askInBackground(work, [] { return 0; });
-        waitForThreads(work, 1);
+        waitForAtMost(work, BackgroundWork::kIdleLimit);
     }
+}
+
+TEST(BackgroundWork, WithoutAThreadWorkIsRefusedAndTheNextOneTried) {
+    bool refuses = true;
+    BackgroundWork work(std::chrono::hours(1), [&refuses](std::function<void()> body) {
+        if (refuses) {
+            throw std::system_error(
+                std::make_error_code(std::errc::resource_unavailable_try_again));
+        }
+        return std::thread(std::move(body));
+    });
+    const auto held = std::make_shared<int>();
+    EXPECT_FALSE(work.run([held] {}));
+    EXPECT_EQ(held.use_count(), 1);
+    EXPECT_EQ(work.threadCount(), 0U);
+    refuses = false;
+    EXPECT_EQ(askInBackground(work, [] { return 5; }), 5);
+}
+
+TEST(BackgroundWork, WorkIsAlsoRefusedBesideStuckWork) {
+    bool refuses = false;
+    BackgroundWork work(std::chrono::hours(1), [&refuses](std::function<void()> body) {
+        if (refuses) {
+            throw std::system_error(
+                std::make_error_code(std::errc::resource_unavailable_try_again));
+        }
+        return std::thread(std::move(body));
+    });
+    Gate gate(1);
+    EXPECT_TRUE(work.run(gate.stuckWork()));
+    gate.waitForArrivals();
+    refuses = true;
+    EXPECT_FALSE(work.run([] { ADD_FAILURE() << "was dropped"; }));
+    refuses = false;
+    EXPECT_EQ(askInBackground(work, [] { return 5; }), 5);
+    gate.open();
+}
+
+TEST(ThreadWorkers, WaitUntilTheWorkHasEnded) {
+    BackgroundWork threads;
+    ThreadWorkers workers([&threads](auto work) { return threads.run(std::move(work)); });
+    std::thread::id worker;
+    EXPECT_EQ(workers.run([&worker] { worker = std::this_thread::get_id(); }, 3600),
+              Workers::Outcome::ended);
+    EXPECT_NE(worker, std::thread::id());
+    EXPECT_NE(worker, std::this_thread::get_id());
+}
+
+TEST(ThreadWorkers, LeaveWorkBehindThatHangs) {
+    BackgroundWork threads;
+    ThreadWorkers workers([&threads](auto work) { return threads.run(std::move(work)); });
+    Gate gate(1);
+    EXPECT_EQ(workers.run(gate.stuckWork(), 0.001), Workers::Outcome::late);
+    EXPECT_EQ(workers.run([] {}, 3600), Workers::Outcome::ended);
+    gate.open();
+    gate.waitForDepartures();
+}
+
+TEST(ThreadWorkers, TellWhereNoThreadCanBeStarted) {
+    ThreadWorkers workers([](const auto&) { return false; });
+    EXPECT_EQ(workers.run([] {}, 3600), Workers::Outcome::refused);
+}
+
+TEST(ThreadWorkers, OneThreadForEachSourceThatHangsAfterManyReadings) {
+    constexpr int kSources = 8;
+    BackgroundWork threads;
+    ThreadWorkers workers([&threads](auto work) { return threads.run(std::move(work)); });
+    Gate gate(kSources);
+    std::vector<std::unique_ptr<TimedSource<int>>> sources;
+    for (int i = 0; i < kSources; ++i) {
+        sources.push_back(std::make_unique<TimedSource<int>>(workers, 0.001));
+    }
+    for (int reading = 0; reading < 100; ++reading) {
+        for (const auto& source : sources) {
+            EXPECT_FALSE(source->read([stuck = gate.stuckWork()] {
+                stuck();
+                return 1;
+            }));
+        }
+        // Other work goes on.
+        EXPECT_EQ(askInBackground(threads, [reading] { return reading; }), reading);
+    }
+    waitForAtMost(threads, kSources + BackgroundWork::kIdleLimit);
+    gate.open();
+    gate.waitForDepartures();
 }
 
 TEST(BackgroundWork, StuckWorkDoesNotHoldUpOtherWork) {
@@ -117,7 +213,7 @@ TEST(BackgroundWork, StuckWorkDoesNotHoldUpOtherWork) {
     gate.open();
 }
 
-TEST(BackgroundWork, AFurtherThreadEndsWhenItHasNothingToDo) {
+TEST(BackgroundWork, FurtherThreadsEndWhenTheyHaveNothingToDo) {
     BackgroundWork work;
     Gate gate(3);
     for (int i = 0; i < 3; ++i) {
@@ -126,7 +222,7 @@ TEST(BackgroundWork, AFurtherThreadEndsWhenItHasNothingToDo) {
     gate.waitForArrivals();
     EXPECT_EQ(work.threadCount(), 3u);
     gate.open();
-    waitForThreads(work, 1);
+    waitForThreads(work, BackgroundWork::kIdleLimit);
 }
 
 TEST(BackgroundWork, NoMoreThanTheLimitOfThreadsAreMade) {

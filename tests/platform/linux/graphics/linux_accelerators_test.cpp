@@ -10,6 +10,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/testing/scripted_workers.h"
 #include "services/gpu_service.h"
 #include "tests/platform/linux/files/opened_files.h"
 #include "tests/platform/linux/graphics/loaded_test_nvml.h"
@@ -105,6 +106,43 @@ TEST(LinuxAccelerators, OfTwoCardsTheOneThatIsAwakeIsShown) {
     EXPECT_EQ(info.tilerUtilizationPercentage, 37);
     EXPECT_EQ(info.modelName, "AMD Radeon RX 7900 XTX");
     EXPECT_EQ(info.coreCount, 96);
+}
+
+TEST(LinuxAccelerators, ACardThatHangsHoldsUpNoOther) {
+    const MachineTree tree("workstation");
+    testing::ScriptedWorkers workers;
+    LinuxAccelerators accelerators(
+        tree.root(), [] { return 1000.0; }, "", workers);
+    workers.hangNext = 1;
+    for (int reading = 0; reading < 100; ++reading) {
+        const MatchingServices found = accelerators.matchingServices();
+        EXPECT_EQ(found.silent, 1U);
+        EXPECT_THAT(found.services, SizeIs(1));
+        EXPECT_EQ(workers.hanging(), 1U);
+        EXPECT_EQ(GPUService(accelerators).readGPUInfo().usagePercentage, 37);
+    }
+    EXPECT_EQ(workers.waits, (std::vector<double>{0.25}));
+    workers.comeBack();
+    EXPECT_THAT(accelerators.matchingServices().services, SizeIs(2));
+}
+
+TEST(LinuxAccelerators, ACardThatHangsKeepsItsLastFigureForThreeReadings) {
+    const MachineTree tree("handheld");
+    testing::ScriptedWorkers workers;
+    LinuxAccelerators accelerators(
+        tree.root(), [] { return 1000.0; }, "", workers);
+    GPUService service(accelerators);
+    EXPECT_EQ(service.answeredGPUInfo()->usagePercentage, 88);
+    workers.hangs = true;
+    for (int reading = 0; reading < 3; ++reading) {
+        EXPECT_EQ(service.answeredGPUInfo()->usagePercentage, 88);
+    }
+    EXPECT_FALSE(service.answeredGPUInfo());
+    EXPECT_FALSE(service.readGPUInfo().isAvailable);
+    workers.hangs = false;
+    workers.comeBack();
+    tree.write("sys/class/drm/card0/device/gpu_busy_percent", "41\n");
+    EXPECT_EQ(service.answeredGPUInfo()->usagePercentage, 41);
 }
 
 TEST(LinuxAccelerators, GraphicsInsideTheProcessorHaveANameOfTheDatabase) {

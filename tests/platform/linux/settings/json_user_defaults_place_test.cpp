@@ -16,6 +16,8 @@
 #include <unistd.h>
 
 #include "platform/linux/settings/json_user_defaults.h"
+#include "platform/testing/scripted_login_service.h"
+#include "settings/user_settings.h"
 #include "tests/platform/linux/child_process.h"
 #include "tests/platform/linux/settings/json_user_defaults_fixture.h"
 
@@ -25,6 +27,7 @@ namespace {
 using tarnwick::testing::ChildProcess;
 using tarnwick::testing::contentsOf;
 using tarnwick::testing::putContents;
+using tarnwick::testing::replaceContents;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -341,10 +344,89 @@ TEST_F(JsonUserDefaultsPlace, EditsAreStillHeardOfWhereNothingCanBeWritten) {
     testing::beforeSync = [] { return ENOSPC; };
     store->set("key", std::int64_t{1});
     dispatch.runMain();
-    putContents(file, R"({"old": 2, "key": 3})");
+    putContents(file, R"({"old": 2})");
     notice(*store);
     EXPECT_EQ(store->integer("old"), 2);
     EXPECT_EQ(store->integer("key"), 1);
+}
+
+TEST_F(JsonUserDefaultsPlace, WhatCouldNotBeWrittenYieldsToALaterEditOfTheSameKey) {
+    putContents(file, R"({"a": 1, "b": 1, "c": 1})");
+    const auto store = open();
+    testing::beforeSync = [] { return ENOSPC; };
+    store->set("a", std::int64_t{10});
+    store->set("b", std::int64_t{10});
+    dispatch.runMain();
+    EXPECT_EQ(store->integer("a"), 10);
+    // Still full, and then not any more.
+    putContents(file, R"({"a": 2, "b": 1, "c": 2})");
+    notice(*store);
+    EXPECT_EQ(store->integer("a"), 2);
+    EXPECT_EQ(store->integer("b"), 10);
+    testing::beforeSync = nullptr;
+    notice(*store);
+    replaceContents(file, R"({"a": 3, "b": 1, "c": 3})");
+    notice(*store);
+    EXPECT_EQ(contentsOf(file), "{\n  \"a\": 3,\n  \"b\": 10,\n  \"c\": 3\n}\n");
+    EXPECT_EQ(store->integer("a"), 3);
+}
+
+TEST_F(JsonUserDefaultsPlace, WhatIsSetAfterAnEditWinsThoughAnEarlierValueYielded) {
+    putContents(file, R"({"a": 1})");
+    const auto store = open();
+    testing::beforeSync = [] { return ENOSPC; };
+    store->set("a", std::int64_t{10});
+    dispatch.runMain();
+    putContents(file, R"({"a": 2})");
+    notice(*store);
+    testing::beforeSync = nullptr;
+    store->set("a", std::int64_t{11});
+    dispatch.runMain();
+    EXPECT_EQ(contentsOf(file), "{\n  \"a\": 11\n}\n");
+}
+
+TEST_F(JsonUserDefaultsPlace, WithoutAThreadItIsReadAndWrittenWithTheNextSet) {
+    putContents(file, R"({"old": 1})");
+    dispatch.refuseDetached(true);
+    const auto store = open();
+    EXPECT_FALSE(store->isComplete());
+    store->set("key", std::int64_t{1});
+    dispatch.runMain();
+    EXPECT_FALSE(store->settle());
+    EXPECT_EQ(contentsOf(file), R"({"old": 1})");
+    dispatch.refuseDetached(false);
+    store->set("key", std::int64_t{2});
+    dispatch.runMain();
+    EXPECT_TRUE(store->isComplete());
+    EXPECT_EQ(store->integer("old"), 1);
+    EXPECT_EQ(contentsOf(file), "{\n  \"old\": 1,\n  \"key\": 2\n}\n");
+}
+
+// The autostart entry is the system's answer, which a file that is read at last does not overrule.
+TEST_F(JsonUserDefaultsPlace, AFileThatCanBeReadOnlyLaterStartsNothingAtLogin) {
+    putContents(file, R"({"settings.launchOnLogin": true})");
+    allow(file, 0000);
+    asUser([&] {
+        const auto store = open();
+        testing::ScriptedLoginService service;
+        const UserSettings settings(*store, service);
+        EXPECT_FALSE(store->isComplete());
+        service.clearCalls();
+        allow(file, 0600);
+        store->folderMayHaveChanged();
+        dispatch.advance(JsonUserDefaults::kDelay);
+        // A change of its rights alone is not noticed.
+        replaceContents(file, R"({"settings.launchOnLogin": true})");
+        notice(*store);
+        EXPECT_TRUE(store->isComplete());
+        EXPECT_THAT(service.calls(), ElementsAre(testing::ScriptedLoginService::Call::status));
+        EXPECT_FALSE(settings.launchOnLogin());
+        // From here on an edit is a wish.
+        dispatch.runMain();
+        replaceContents(file, R"({"settings.launchOnLogin": true})");
+        notice(*store);
+        EXPECT_EQ(service.calls().back(), testing::ScriptedLoginService::Call::registerService);
+    });
 }
 
 // What is left on the way.

@@ -303,7 +303,7 @@ class ThreadDispatch final : public Dispatch {
         queue_.push_back(std::move(work));
     }
     void asyncAfter(double, std::function<void()>) override {}
-    void detached(std::function<void()> work) override { work_.run(std::move(work)); }
+    bool detached(std::function<void()> work) override { return work_.run(std::move(work)); }
     std::unique_ptr<Timer> scheduleRepeating(double, std::function<void()>) override {
         throw std::logic_error("no timers here");
     }
