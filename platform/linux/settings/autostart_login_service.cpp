@@ -56,6 +56,19 @@ bool isOn(std::string_view text) {
            valueOf(text, "X-GNOME-Autostart-enabled") != "false";
 }
 
+/// Whether an entry's list of desktops contains one of the session's.
+bool names(std::string_view list, std::string_view current) {
+    const auto named = listItems(list, ';');
+    return std::ranges::any_of(listItems(current), [&named](std::string_view desktop) {
+        return std::ranges::count(named, desktop) > 0;
+    });
+}
+
+bool isMeantFor(std::string_view text, std::string_view current) {
+    const auto only = desktopEntryValue(text, "OnlyShowIn");
+    return (!only || names(*only, current)) && !names(valueOf(text, "NotShowIn"), current);
+}
+
 std::string escaped(std::string_view text, std::string_view reserved) {
     std::string result;
     for (const char character : text) {
@@ -137,7 +150,7 @@ LoginServiceStatus AutostartLoginService::status() {
     if (!text) {
         text = systemText();
     }
-    if (!text || !isOn(*text)) {
+    if (!text || !isOn(*text) || !isMeantFor(*text, value("XDG_CURRENT_DESKTOP"))) {
         return LoginServiceStatus::notRegistered;
     }
     const std::vector<std::string> command = desktopEntryCommand(valueOf(*text, "Exec"));

@@ -28,7 +28,8 @@ class AutostartLoginService final : public LoginService {
     /// call.
     AutostartLoginService(std::filesystem::path program, Environment environment);
 
-    /// `enabled` when there is an entry that is not switched off, and its program can be executed.
+    /// `enabled` when there is an entry that is not switched off and is meant for the session's
+    /// desktop, and its program can be executed.
     /// `notFound` when only the program is missing.
     LoginServiceStatus status() override;
     /// Writes the user's entry and replaces any file with its name.

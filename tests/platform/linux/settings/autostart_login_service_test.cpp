@@ -162,6 +162,17 @@ TEST_F(Autostart, ADamagedEntryOfTheUserHidesTheSystems) {
     }
 }
 
+TEST_F(Autostart, IsOffOnADesktopThatTheEntryIsNotFor) {
+    write(own_, entry("OnlyShowIn=MATE;KDE\n"));
+    EXPECT_EQ(status(), Status::notRegistered);
+    variables_["XDG_CURRENT_DESKTOP"] = "special:KDE";
+    EXPECT_EQ(status(), Status::enabled);
+    write(own_, entry("NotShowIn=KDE;\n"));
+    EXPECT_EQ(status(), Status::notRegistered);
+    variables_.erase("XDG_CURRENT_DESKTOP");
+    EXPECT_EQ(status(), Status::enabled);
+}
+
 TEST_F(Autostart, IsOffWhenTheProgramIsMissing) {
     write(own_, entry());
     std::filesystem::remove(program_);
@@ -348,6 +359,13 @@ TEST_F(Autostart, UnregisteringLeavesNothingWhereTheSystemStartsNothing) {
     EXPECT_EQ(registering(), "");
     EXPECT_EQ(unregistering(), "");
     EXPECT_THAT(namesIn(autostart_), IsEmpty());
+    EXPECT_EQ(status(), Status::notRegistered);
+}
+
+TEST_F(Autostart, UnregisteringCountsForTheOtherDesktopsOfTheSystemsEntry) {
+    write(first_, entry("OnlyShowIn=KDE;\n"));
+    EXPECT_EQ(unregistering(), "");
+    variables_["XDG_CURRENT_DESKTOP"] = "KDE";
     EXPECT_EQ(status(), Status::notRegistered);
 }
 
