@@ -9,6 +9,8 @@
 #include <qpa/qplatformnativeinterface.h>
 #include <utility>
 
+#include "platform/qt/x11.h"
+
 namespace tarnwick::platform {
 namespace {
 
@@ -52,7 +54,10 @@ EmbeddedTray::EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<
 }
 
 bool EmbeddedTray::inTray() const {
-    return tray_.isVisible() && QSystemTrayIcon::isSystemTrayAvailable();
+    // The toolkit misses the end of a tray that goes while it looks for one.
+    xcb_connection_t* connection = x11::connection();
+    return tray_.isVisible() && connection != nullptr &&
+           x11::selectionOwner(connection, "_NET_SYSTEM_TRAY_S0") != XCB_NONE;
 }
 
 std::optional<QRect> EmbeddedTray::place() const {

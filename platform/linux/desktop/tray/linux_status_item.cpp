@@ -134,7 +134,8 @@ void LinuxStatusItem::hostChanged() {
 }
 
 void LinuxStatusItem::countTimeWithoutTray() {
-    if (inTray()) {
+    // A tray of the older kind may be about to go: what counts is whether it is there in the end.
+    if (registration_->state() == NotifierRegistration::State::present) {
         withoutTray_.stop();
     } else if (!withoutTray_.isActive()) {
         withoutTray_.start();
