@@ -28,8 +28,9 @@ std::function<double()> clockOf(const std::string& root) {
     if (isRunningMachine(root)) {
         return rawMonotonicSeconds;
     }
-    const auto uptime = std::make_shared<KeptFile>(belowRoot(root, "proc/uptime"), 64);
-    return [uptime] { return parseUptime(uptime->read().value_or("")).value_or(0); };
+    return [file = belowRoot(root, "proc/uptime")] {
+        return parseUptime(readWholeFile(file).value_or("")).value_or(0);
+    };
 }
 
 }  // namespace
@@ -54,13 +55,7 @@ MatchingServices LinuxAccelerators::matchingServices() {
     }
     MatchingServices found;
     for (const auto& [card, source] : cards_) {
-        const auto ask = [this, card = card, now] {
-            std::unique_lock library(nvmlInUse_, std::defer_lock);
-            if (card->device().identity.driver == "nvidia") {
-                library.lock();
-            }
-            return card->properties(now);
-        };
+        const auto ask = [this, card = card] { return card->properties(clock_()); };
         // A card without a source is asked nothing, so it needs no worker.
         if (auto properties = card->hasSource() ? source->read(ask) : ask()) {
             found.services.push_back(*std::move(properties));
@@ -88,7 +83,14 @@ void LinuxAccelerators::findCards() {
                  std::make_unique<TimedSource<PropertyDictionary>>(workers_, kSensorPatience)});
         }
     }
-    cards_ = std::move(cards);
+    cards_.swap(cards);
+    // To end the connection to NVIDIA's driver is a question like any other: it may hang.
+    for (Card& gone : cards) {
+        if (gone.card && gone.card->hasSource()) {
+            workers_.run([card = std::move(gone.card)]() mutable { card.reset(); },
+                         kSensorPatience);
+        }
+    }
 }
 
 std::unique_ptr<GpuSource> LinuxAccelerators::sourceFor(const GraphicsDevice& device) {
