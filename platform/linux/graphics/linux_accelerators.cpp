@@ -54,16 +54,33 @@ MatchingServices LinuxAccelerators::matchingServices() {
         cardsFoundAt_ = now;
     }
     MatchingServices found;
-    for (const auto& [card, source] : cards_) {
-        const auto ask = [this, card = card] { return card->properties(clock_()); };
-        // A card without a source is asked nothing, so it needs no worker.
-        if (auto properties = card->hasSource() ? source->read(ask) : ask()) {
+    for (Card& card : cards_) {
+        if (auto properties = propertiesOf(card)) {
             found.services.push_back(*std::move(properties));
         } else {
             ++found.silent;
         }
     }
     return found;
+}
+
+std::optional<PropertyDictionary> LinuxAccelerators::propertiesOf(Card& one) {
+    const auto ask = [this, card = one.card] { return card->properties(clock_()); };
+    if (!one.card->hasSource()) {
+        return ask();
+    }
+    const bool sleeps = one.card->maySleep() && !one.power.isAwake();
+    if (!sleeps) {
+        one.asleep.reset();
+    } else if (one.asleep) {
+        // It has nothing new to tell, so no worker has to wake up.
+        return one.asleep;
+    }
+    auto properties = one.source->read(ask);
+    if (sleeps && properties && propertyValue(*properties, "PerformanceStatistics") == nullptr) {
+        one.asleep = properties;
+    }
+    return properties;
 }
 
 void LinuxAccelerators::findCards() {
@@ -78,9 +95,11 @@ void LinuxAccelerators::findCards() {
             cards.push_back(std::move(*known));
         } else {
             std::unique_ptr<GpuSource> source = sourceFor(device);
+            RuntimePower power(device.folder, {});
             cards.push_back(
                 {std::make_shared<GraphicsCard>(root_, std::move(device), std::move(source)),
-                 std::make_unique<TimedSource<PropertyDictionary>>(workers_, kSensorPatience)});
+                 std::make_unique<TimedSource<PropertyDictionary>>(workers_, kSensorPatience),
+                 std::move(power)});
         }
     }
     cards_.swap(cards);

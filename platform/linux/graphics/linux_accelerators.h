@@ -11,6 +11,7 @@
 #include "platform/accelerators.h"
 #include "platform/linux/graphics/graphics_card.h"
 #include "platform/linux/graphics/nvml.h"
+#include "platform/linux/graphics/runtime_power.h"
 #include "platform/timed_source.h"
 #include "platform/workers.h"
 
@@ -41,9 +42,15 @@ class LinuxAccelerators final : public Accelerators {
         // Shared with a worker that may never come back.
         std::shared_ptr<GraphicsCard> card;
         std::unique_ptr<TimedSource<PropertyDictionary>> source;
+        /// Read here, where no driver can hold it up.
+        RuntimePower power;
+        /// What a card tells that has been found asleep; absent while it is awake.
+        std::optional<PropertyDictionary> asleep{};
     };
 
     void findCards();
+    /// Absent if the card does not answer.
+    std::optional<PropertyDictionary> propertiesOf(Card& one);
     std::unique_ptr<GpuSource> sourceFor(const GraphicsDevice& device);
 
     const std::string root_;

@@ -145,6 +145,20 @@ TEST(LinuxAccelerators, ACardThatHangsKeepsItsLastFigureForThreeReadings) {
     EXPECT_EQ(service.answeredGPUInfo()->usagePercentage, 41);
 }
 
+TEST(LinuxAccelerators, ACardThatSleepsNeedsNoWorker) {
+    const MachineTree tree("workstation");
+    testing::ScriptedWorkers workers;
+    LinuxAccelerators accelerators(
+        tree.root(), [] { return 1000.0; }, "", workers);
+    EXPECT_THAT(statisticsOf(accelerators), ElementsAre(false, true));
+    workers.hangs = true;
+    EXPECT_THAT(statisticsOf(accelerators), ElementsAre(false, true));
+    EXPECT_EQ(workers.hanging(), 1U);
+    tree.write("sys/class/drm/card0/device/power/runtime_status", "active\n");
+    accelerators.matchingServices();
+    EXPECT_EQ(workers.hanging(), 2U);
+}
+
 TEST(LinuxAccelerators, WhatComesLateIsCountedFromTheMomentItWasRead) {
     const MachineTree tree("laptop");
     tree.remove("sys/class/drm/card0");
