@@ -33,7 +33,7 @@ DrmClients::DrmClients(const std::string& root, std::vector<std::string> nodes)
     : root_(root), folder_(belowRoot(root, "proc")), nodes_(std::move(nodes)) {}
 
 bool DrmClients::wasOpened() {
-    if (!watch_.isOpen()) {
+    if (!isWatching_) {
         watch_ = FileDescriptor(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC));
         isWatching_ = std::ranges::all_of(nodes_, [this](const std::string& node) {
             const std::string path = belowRoot(root_, "dev/dri/" + node);
@@ -41,9 +41,18 @@ bool DrmClients::wasOpened() {
         });
     }
     bool seen = !isWatching_;
-    alignas(inotify_event) std::array<char, 1024> events;
-    while (::read(watch_.get(), events.data(), events.size()) > 0) {
+    // Events of watched files have no names, so all have the same size.
+    std::array<inotify_event, 64> events;
+    ssize_t size = 0;
+    while ((size = ::read(watch_.get(), events.data(), sizeof events)) > 0) {
         seen = true;
+        const std::size_t count = static_cast<std::size_t>(size) / sizeof events.front();
+        // A node that has gone may come back as another file of the same name.
+        if (std::any_of(events.begin(), events.begin() + count, [](const inotify_event& event) {
+                return (event.mask & IN_IGNORED) != 0;
+            })) {
+            isWatching_ = false;
+        }
     }
     return seen;
 }

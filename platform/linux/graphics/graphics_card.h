@@ -28,6 +28,8 @@ class GraphicsCard {
 
     const GraphicsDevice& device() const { return device_; }
     bool hasSource() const { return source_ != nullptr; }
+    /// Whether the card is asked only while it is awake.
+    bool maySleep() const { return source_ && source_->touchesCard(); }
 
     /// The known properties among "model", "gpu-core-count" and "PerformanceStatistics" at `now`,
     /// in seconds of a clock that stands still while the machine sleeps.

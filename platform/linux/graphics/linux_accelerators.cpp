@@ -28,8 +28,9 @@ std::function<double()> clockOf(const std::string& root) {
     if (isRunningMachine(root)) {
         return rawMonotonicSeconds;
     }
-    const auto uptime = std::make_shared<KeptFile>(belowRoot(root, "proc/uptime"), 64);
-    return [uptime] { return parseUptime(uptime->read().value_or("")).value_or(0); };
+    return [file = belowRoot(root, "proc/uptime")] {
+        return parseUptime(readWholeFile(file).value_or("")).value_or(0);
+    };
 }
 
 }  // namespace
@@ -53,22 +54,33 @@ MatchingServices LinuxAccelerators::matchingServices() {
         cardsFoundAt_ = now;
     }
     MatchingServices found;
-    for (const auto& [card, source] : cards_) {
-        const auto ask = [this, card = card, now] {
-            std::unique_lock library(nvmlInUse_, std::defer_lock);
-            if (card->device().identity.driver == "nvidia") {
-                library.lock();
-            }
-            return card->properties(now);
-        };
-        // A card without a source is asked nothing, so it needs no worker.
-        if (auto properties = card->hasSource() ? source->read(ask) : ask()) {
+    for (Card& card : cards_) {
+        if (auto properties = propertiesOf(card)) {
             found.services.push_back(*std::move(properties));
         } else {
             ++found.silent;
         }
     }
     return found;
+}
+
+std::optional<PropertyDictionary> LinuxAccelerators::propertiesOf(Card& one) {
+    const auto ask = [this, card = one.card] { return card->properties(clock_()); };
+    if (!one.card->hasSource()) {
+        return ask();
+    }
+    const bool sleeps = one.card->maySleep() && !one.power.isAwake();
+    if (!sleeps) {
+        one.asleep.reset();
+    } else if (one.asleep) {
+        // It has nothing new to tell, so no worker has to wake up.
+        return one.asleep;
+    }
+    auto properties = one.source->read(ask);
+    if (sleeps && properties && propertyValue(*properties, "PerformanceStatistics") == nullptr) {
+        one.asleep = properties;
+    }
+    return properties;
 }
 
 void LinuxAccelerators::findCards() {
@@ -83,12 +95,21 @@ void LinuxAccelerators::findCards() {
             cards.push_back(std::move(*known));
         } else {
             std::unique_ptr<GpuSource> source = sourceFor(device);
+            RuntimePower power(device.folder, {});
             cards.push_back(
                 {std::make_shared<GraphicsCard>(root_, std::move(device), std::move(source)),
-                 std::make_unique<TimedSource<PropertyDictionary>>(workers_, kSensorPatience)});
+                 std::make_unique<TimedSource<PropertyDictionary>>(workers_, kSensorPatience),
+                 std::move(power)});
         }
     }
-    cards_ = std::move(cards);
+    cards_.swap(cards);
+    // To end the connection to NVIDIA's driver is a question like any other: it may hang.
+    for (Card& gone : cards) {
+        if (gone.card && gone.card->hasSource()) {
+            workers_.run([card = std::move(gone.card)]() mutable { card.reset(); },
+                         kSensorPatience);
+        }
+    }
 }
 
 std::unique_ptr<GpuSource> LinuxAccelerators::sourceFor(const GraphicsDevice& device) {

@@ -11,6 +11,7 @@
 #include "platform/accelerators.h"
 #include "platform/linux/graphics/graphics_card.h"
 #include "platform/linux/graphics/nvml.h"
+#include "platform/linux/graphics/runtime_power.h"
 #include "platform/timed_source.h"
 #include "platform/workers.h"
 
@@ -26,14 +27,14 @@ class LinuxAccelerators final : public Accelerators {
     /// the management library is not used, and the time is that of the tree, which stands still in
     /// a recorded one.
     explicit LinuxAccelerators(std::string root = "/", Workers& workers = noWorkers());
-    /// `clock` gives seconds that do not pass while the machine sleeps; `nvmlLibrary` is the name
-    /// or path of the management library, none if empty. Each card is read by one of `workers`.
-    /// Requires: while a card has not answered, this object lives.
+    /// `clock` gives seconds that do not pass while the machine sleeps, on any thread;
+    /// `nvmlLibrary` is the name or path of the management library, none if empty. Each card is
+    /// read by one of `workers`. Requires: while a card has not answered, this object lives.
     LinuxAccelerators(std::string root, std::function<double()> clock, std::string nvmlLibrary,
                       Workers& workers = noWorkers());
 
     /// Never fails: without cards there are no services. A card that hangs delays the answer once,
-    /// by kSensorPatience, and holds up no other card.
+    /// by kSensorPatience, and holds up no other card, except that of two cards of NVIDIA's.
     MatchingServices matchingServices() override;
 
  private:
@@ -41,20 +42,25 @@ class LinuxAccelerators final : public Accelerators {
         // Shared with a worker that may never come back.
         std::shared_ptr<GraphicsCard> card;
         std::unique_ptr<TimedSource<PropertyDictionary>> source;
+        /// Read here, where no driver can hold it up.
+        RuntimePower power;
+        /// What a card tells that has been found asleep; absent while it is awake.
+        std::optional<PropertyDictionary> asleep{};
     };
 
     void findCards();
+    /// Absent if the card does not answer.
+    std::optional<PropertyDictionary> propertiesOf(Card& one);
     std::unique_ptr<GpuSource> sourceFor(const GraphicsDevice& device);
 
     const std::string root_;
     const std::function<double()> clock_;
     Workers& workers_;
 
-    /// Held by a worker while it reads a card of NVIDIA's: the library takes one thread at a time.
-    std::mutex nvmlInUse_;
+    /// Used by the sources of NVIDIA's cards.
+    Nvml nvml_;
     std::mutex lock_;
     // Guarded by lock_.
-    Nvml nvml_;
     std::vector<Card> cards_;
     std::optional<double> cardsFoundAt_;
 };

@@ -67,6 +67,7 @@ Nvml::Nvml(std::string library) : name_(std::move(library)) {}
 Nvml::~Nvml() = default;
 
 std::unique_ptr<Nvml::Session> Nvml::open(const std::string& slot) {
+    const std::lock_guard guard(lock_);
     if (!library_ && !name_.empty()) {
         library_ = NvmlLibrary::load(name_);
     }
@@ -85,12 +86,14 @@ std::unique_ptr<Nvml::Session> Nvml::open(const std::string& slot) {
 }
 
 Nvml::Session::~Session() {
+    const std::lock_guard guard(owner_.lock_);
     if (--owner_.sessions_ == 0) {
         owner_.library_->shutDown();
     }
 }
 
 std::optional<double> Nvml::Session::utilization() const {
+    const std::lock_guard guard(owner_.lock_);
     UtilizationRates rates{};
     if (owner_.library_->utilizationRates(device_, &rates) != kSuccess || rates.processor > 100) {
         return std::nullopt;
@@ -99,6 +102,7 @@ std::optional<double> Nvml::Session::utilization() const {
 }
 
 std::string Nvml::Session::name() const {
+    const std::lock_guard guard(owner_.lock_);
     // Room for the longest name that the library gives, with its final zero.
     std::array<char, 96> text{};
     const auto function = owner_.library_->name;
@@ -109,6 +113,7 @@ std::string Nvml::Session::name() const {
 }
 
 std::optional<std::int64_t> Nvml::Session::coreCount() const {
+    const std::lock_guard guard(owner_.lock_);
     unsigned int count = 0;
     const auto function = owner_.library_->coreCount;
     if (function == nullptr || function(device_, &count) != kSuccess) {

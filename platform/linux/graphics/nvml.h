@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <string>
 
@@ -10,7 +11,8 @@ namespace tarnwick::platform {
 
 class NvmlLibrary;
 
-/// The library may be missing, and may fail at any time; both are normal. One thread at a time.
+/// The library may be missing, and may fail at any time; both are normal. Any thread, also for
+/// sessions; calls take turns, so they wait for a driver that hangs.
 class Nvml {
  public:
     /// `library` is the name or path that the dynamic loader takes; empty for none.
@@ -48,6 +50,8 @@ class Nvml {
 
  private:
     const std::string name_;
+    std::mutex lock_;
+    // Guarded by lock_.
     std::unique_ptr<NvmlLibrary> library_;
     int sessions_ = 0;
 };

@@ -225,6 +225,20 @@ TEST_F(WatchedDrmClientsTest, AnOldProcessIsFoundOnceItsManyDescriptorsMayBeLook
     EXPECT_THAT(at(110), ElementsAre(40));
 }
 
+TEST_F(WatchedDrmClientsTest, ANodeThatWasMadeAnewIsWatchedAgain) {
+    tree.remove("dev/dri/renderD128");
+    clients.search(10);
+    tree.write("dev/dri/renderD128", "");
+    for (const double moment : {20, 30, 40, 50}) {
+        clients.search(moment);
+    }
+    opened.any();
+    EXPECT_FALSE(searchesAt(60));
+    openCard(12, 3, 40);
+    openNode();
+    EXPECT_THAT(at(70), ElementsAre(40));
+}
+
 TEST_F(WatchedDrmClientsTest, AClientThatHasGoneIsLookedForElsewhere) {
     openCard(12, 3, 40);
     openCard(13, 3, 40);

@@ -145,6 +145,42 @@ TEST(LinuxAccelerators, ACardThatHangsKeepsItsLastFigureForThreeReadings) {
     EXPECT_EQ(service.answeredGPUInfo()->usagePercentage, 41);
 }
 
+TEST(LinuxAccelerators, ACardThatSleepsNeedsNoWorker) {
+    const MachineTree tree("workstation");
+    testing::ScriptedWorkers workers;
+    LinuxAccelerators accelerators(
+        tree.root(), [] { return 1000.0; }, "", workers);
+    EXPECT_THAT(statisticsOf(accelerators), ElementsAre(false, true));
+    workers.hangs = true;
+    EXPECT_THAT(statisticsOf(accelerators), ElementsAre(false, true));
+    EXPECT_EQ(workers.hanging(), 1U);
+    tree.write("sys/class/drm/card0/device/power/runtime_status", "active\n");
+    accelerators.matchingServices();
+    EXPECT_EQ(workers.hanging(), 2U);
+}
+
+TEST(LinuxAccelerators, WhatComesLateIsCountedFromTheMomentItWasRead) {
+    const MachineTree tree("laptop");
+    tree.remove("sys/class/drm/card0");
+    testing::ScriptedWorkers workers;
+    double now = 1000;
+    LinuxAccelerators accelerators(
+        tree.root(), [&now] { return now; }, "", workers);
+    GPUService service(accelerators);
+    openCard(tree, 1000);
+    service.readGPUInfo();
+    workers.hangs = true;
+    now = 1002;
+    service.readGPUInfo();
+    workers.hangs = false;
+    now = 1012;
+    openCard(tree, 13'000);
+    workers.comeBack();
+    now = 1014;
+    openCard(tree, 14'000);
+    EXPECT_EQ(service.readGPUInfo().usagePercentage, 50);
+}
+
 TEST(LinuxAccelerators, GraphicsInsideTheProcessorHaveANameOfTheDatabase) {
     const GPUInfo info = Machine(recordedMachine("handheld")).read();
     EXPECT_EQ(info.usagePercentage, 88);
@@ -370,6 +406,28 @@ TEST(LinuxAccelerators, AnIdleCardOfNvidiaMayFallAsleep) {
     EXPECT_EQ(library->utilizationsAsked, 1);
     machine.readAfter(6);
     EXPECT_EQ(library->utilizationsAsked, 2);
+}
+
+TEST(LinuxAccelerators, AWorkerEndsTheConnectionToACardOfNvidiaThatHasGone) {
+    const LoadedTestNvml library;
+    library->utilization = 42;
+    const MachineTree tree("laptop");
+    tree.write("sys/class/drm/card0/device/power/runtime_status", "active\n");
+    tree.remove("sys/class/drm/card1");
+    testing::ScriptedWorkers workers;
+    double now = 1000;
+    LinuxAccelerators accelerators(
+        tree.root(), [&now] { return now; }, TARNWICK_TEST_NVML, workers);
+    EXPECT_THAT(statisticsOf(accelerators), ElementsAre(true));
+    tree.remove("sys/class/drm/card0");
+    tree.remove("sys/bus/pci/drivers/nvidia");
+    workers.hangs = true;
+    now += 60;
+    EXPECT_THAT(statisticsOf(accelerators), IsEmpty());
+    EXPECT_EQ(library->connections(), 1);
+    EXPECT_EQ(workers.hanging(), 1U);
+    workers.comeBack();
+    EXPECT_EQ(library->connections(), 0);
 }
 
 TEST(LinuxAccelerators, ANvidiaCardWithoutAnAnswerGivesNoStatistics) {

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <thread>
+#include <vector>
 
 #include "platform/linux/graphics/gpu_source.h"
 #include "tests/platform/linux/graphics/loaded_test_nvml.h"
@@ -86,6 +88,24 @@ TEST_F(NvmlTest, ANameWithoutEndStaysWithinItsRoom) {
     const auto session = nvml.open(slot);
     ASSERT_TRUE(session);
     EXPECT_EQ(session->name(), std::string(95, 'n'));
+}
+
+TEST_F(NvmlTest, AnyThreadMayAsk) {
+    library->utilization = 42;
+    std::vector<std::thread> threads;
+    for (int number = 0; number < 4; ++number) {
+        threads.emplace_back([this] {
+            for (int reading = 0; reading < 2000; ++reading) {
+                const auto session = nvml.open(slot);
+                ASSERT_TRUE(session);
+                ASSERT_EQ(session->utilization(), 42);
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(library->connections(), 0);
 }
 
 TEST(NvmlLibrary, MayBeMissing) {
