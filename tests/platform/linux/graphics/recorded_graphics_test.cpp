@@ -19,6 +19,7 @@ namespace {
 using testing::MachineTree;
 using testing::OpenedFiles;
 using testing::recordedMachine;
+using testing::recordedMachines;
 
 struct Use {
     double device = 0;
