@@ -154,6 +154,7 @@ TEST(ProgramOfAnApplication, LiesBesideNothingWhereManyProgramsLie) {
         belongsTo("/usr/local/libexec/gcc/13/cc1plus", "/usr/local/libexec/terminal-server"));
     EXPECT_FALSE(belongsTo("/usr/local/lib/gcc/13/cc1plus", "/usr/local/lib/terminal-server"));
     EXPECT_FALSE(belongsTo("/home/ada/games/asteroids", "/home/ada/launcher"));
+    EXPECT_FALSE(belongsTo("/usr/local/games/asteroids", "/usr/local/games/launcher"));
     EXPECT_FALSE(belongsTo("/usr/bin/make", "/launcher"));
     EXPECT_FALSE(belongsTo("make", "launcher"));
     EXPECT_FALSE(belongsTo("/usr/bin/make", ""));
