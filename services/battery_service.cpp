@@ -88,7 +88,11 @@ BatteryService::ElapsedTime BatteryService::systemElapsedTime() {
 }
 
 BatteryService::ReadIdentity BatteryService::systemIdentity() {
-    return [&sources = *platform::current().powerSources] { return sources.identity(); };
+    const auto source = std::make_shared<platform::TimedSource<std::string>>(
+        *platform::current().workers, platform::kSourcePatience);
+    return [&sources = *platform::current().powerSources, source] {
+        return source->read([&sources] { return sources.identity(); }).value_or("");
+    };
 }
 
 BatteryInfo BatteryService::currentBatteryInfo(bool force) {

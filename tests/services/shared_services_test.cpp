@@ -1,10 +1,12 @@
 // The process-wide instances. They take what the platform offers when they are first used, so these
 // tests install one scripted platform that lives as long as the process.
+#include <functional>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <latch>
 #include <set>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "platform/platform.h"
@@ -24,8 +26,32 @@
 namespace tarnwick {
 namespace {
 
+/// Workers whose work comes back at once or, while they hang, when the test lets it.
+class HangingWorkers final : public platform::Workers {
+ public:
+    Outcome run(std::function<void()> work, double seconds) override {
+        if (!hangs_) {
+            return platform::noWorkers().run(std::move(work), seconds);
+        }
+        late_.push_back(std::move(work));
+        return Outcome::late;
+    }
+    void hang() { hangs_ = true; }
+    void comeBack() {
+        hangs_ = false;
+        for (const auto& work : std::exchange(late_, {})) {
+            work();
+        }
+    }
+
+ private:
+    bool hangs_ = false;
+    std::vector<std::function<void()>> late_;
+};
+
 /// The machine under the process-wide instances, which keep it for good.
 struct Machine {
+    HangingWorkers workers;
     platform::testing::ScriptedKernel kernel;
     platform::testing::ScriptedNetworkInterfaces networkInterfaces;
     platform::testing::ScriptedPowerSources powerSources;
@@ -44,7 +70,7 @@ struct Machine {
             platform.processTable = &made->processTable;
             platform.accelerators = &made->accelerators;
             platform.userDefaults = &made->store;
-            platform.workers = &platform::noWorkers();
+            platform.workers = &made->workers;
             platform::install(platform);
             return made;
         }();
@@ -138,6 +164,21 @@ TEST(SharedServices, TheBatteryServiceRunsOnTheInstalledPlatform) {
     EXPECT_EQ(machine.store.integer("battery.exactHealth"), 87);
     EXPECT_EQ(machine.store.text("battery.identity"), "one");
     EXPECT_EQ(machine.store.date("battery.lastExactFetch"), platform::Date{5000});
+}
+
+TEST(SharedServices, TheBatteryServiceWaitsForNoQuestionToADriverThatHangs) {
+    Machine& machine = Machine::installed();
+    machine.powerSources.answers.descriptions.set(std::vector{
+        platform::PowerSourceDescription{.type = "InternalBattery", .currentCapacity = 63}});
+    ASSERT_TRUE(BatteryService::shared()->currentBatteryInfo(true).hasBattery);
+    machine.powerSources.clearCalls();
+    machine.workers.hang();
+    // The last reading stands, and only workers ask.
+    EXPECT_EQ(BatteryService::shared()->currentBatteryInfo(false).percentage, 63);
+    EXPECT_EQ(BatteryService::shared()->batteryInfoWithHealth(true).percentage, 63);
+    EXPECT_THAT(machine.powerSources.calls(), testing::IsEmpty());
+    machine.workers.comeBack();
+    EXPECT_THAT(machine.powerSources.calls(), testing::Contains("descriptions"));
 }
 
 TEST(SharedServices, TheBatteryServicePausesOnTheMonotonicClock) {

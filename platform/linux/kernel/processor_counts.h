@@ -16,11 +16,12 @@ namespace tarnwick::platform {
 ///
 /// Each column of the kernel is compared by itself: one that went backwards, as the wait for input
 /// and output does on some kernels, adds nothing and takes nothing from the others. The counts
-/// begin at 0 with the first reading, so that they do not wrap where the kernel's, cut to 32 bits,
-/// would: after 497 days of uptime.
+/// begin at 0 with the first reading, whatever the uptime is. Where one would not fit into 32 bits,
+/// after 497 days of readings, all begin at 0 again: had only the idle time gone back, the machine
+/// would seem busy.
 class ProcessorCounts {
  public:
-    /// Four words for each processor, in the given order, modulo 2^32: user, system (with
+    /// Four words for each processor, in the given order: user, system (with
     /// interrupts and stolen time), idle (with waiting for input and output), nice. A processor
     /// that was not in the last list adds no ticks yet.
     std::vector<std::uint32_t> words(const std::vector<ProcessorTicks>& processors);

@@ -16,6 +16,9 @@ namespace {
 
 constexpr std::size_t kUsualListSize = 4096;
 constexpr double kLongestChoice = 30;
+// More bytes than any interface has moved. A driver that subtracts too much tells more, which would
+// neither fit into the sum of all interfaces nor make a rate.
+constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 60;
 // A bit of the flags, and one of the hardware types of links.
 constexpr std::uint32_t kPointToPoint = 0x10;
 constexpr std::uint32_t kTypeOfPPP = 512;
@@ -91,8 +94,8 @@ std::optional<InterfaceTable> LinuxNetworkInterfaces::interfaceCounters() {
     InterfaceTable interfaces;
     interfaces.reserve(devices->size());
     for (std::size_t place = 0; place < devices->size(); ++place) {
-        if (links_[place].counts) {
-            const NetworkDevice& device = (*devices)[place];
+        const NetworkDevice& device = (*devices)[place];
+        if (links_[place].counts && std::max(device.received, device.sent) <= kMostBytes) {
             interfaces[links_[place].index] = {
                 .received = device.received, .sent = device.sent, .uses32BitCounters = false};
         }

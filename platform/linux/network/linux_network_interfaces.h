@@ -28,9 +28,9 @@ class LinuxNetworkInterfaces final : public NetworkInterfaces {
                                     std::function<double()> sinceBoot = sinceBootSeconds);
 
     /// The interfaces whose bytes went over the wire, each byte once; see linksThatCount(). The
-    /// counters have 64 bits. An interface without an index or flags, as one that has just
-    /// gone, is left out. Absent when the list of interfaces cannot be read or is damaged, or when
-    /// there is no folder of interfaces.
+    /// counters have 64 bits. An interface without an index or flags, as one that has just gone, is
+    /// left out, and so is one whose counters cannot be true. Absent when the list of interfaces
+    /// cannot be read or is damaged, or when there is no folder of interfaces.
     std::optional<InterfaceTable> interfaceCounters() override;
 
  private:

@@ -329,6 +329,8 @@ TEST(LiveMachine, CountersAgreeWithIp) {
         GTEST_SKIP() << "ip is not installed";
     }
     ASSERT_TRUE(table);
+    const auto isUp = outputOf("ip -o link show up | grep -v LOOPBACK");
+    EXPECT_EQ(table->empty(), isUp.empty()) << isUp;
     for (const auto& [index, counters] : *table) {
         ASSERT_TRUE(before.contains(index) && after.contains(index)) << index;
         EXPECT_GE(counters.received, before.at(index).received) << index;

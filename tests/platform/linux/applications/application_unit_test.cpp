@@ -150,8 +150,11 @@ TEST(ProgramOfAnApplication, LiesBesideNothingWhereManyProgramsLie) {
     EXPECT_FALSE(belongsTo("/usr/local/bin/make", "/usr/local/bin/terminal"));
     EXPECT_FALSE(belongsTo("/home/ada/.local/bin/make", "/home/ada/.local/bin/terminal"));
     EXPECT_FALSE(belongsTo("/usr/libexec/gcc/13/cc1plus", "/usr/libexec/terminal-server"));
+    EXPECT_FALSE(
+        belongsTo("/usr/local/libexec/gcc/13/cc1plus", "/usr/local/libexec/terminal-server"));
     EXPECT_FALSE(belongsTo("/usr/local/lib/gcc/13/cc1plus", "/usr/local/lib/terminal-server"));
     EXPECT_FALSE(belongsTo("/home/ada/games/asteroids", "/home/ada/launcher"));
+    EXPECT_FALSE(belongsTo("/usr/local/games/asteroids", "/usr/local/games/launcher"));
     EXPECT_FALSE(belongsTo("/usr/bin/make", "/launcher"));
     EXPECT_FALSE(belongsTo("make", "launcher"));
     EXPECT_FALSE(belongsTo("/usr/bin/make", ""));

@@ -59,6 +59,17 @@ TEST(VMStatistics, OldKernelsHaveTheFilesPagesAvailable) {
     EXPECT_EQ(counts->wire_count, 710U - 350U);
 }
 
+TEST(VMStatistics, SharedMemoryOfAContainersHostIsNotPartOfTheCache) {
+    MemInfo info = pages(1000, 100);
+    info.memAvailable = 400 * page;
+    info.cached = 200 * page;
+    info.sReclaimable = 30 * page;
+    info.shmem = 500 * page;
+    EXPECT_EQ(vmStatistics(info, {}, page)->external_page_count, 230U);
+    info.memAvailable.reset();
+    EXPECT_EQ(vmStatistics(info, {}, page)->external_page_count, 230U);
+}
+
 TEST(VMStatistics, NoMoreIsCachedThanFilesHave) {
     MemInfo info = pages(1000, 100);
     info.memAvailable = 600 * page;

@@ -45,6 +45,18 @@ TEST(ProcessorCounts, CountersMayPassThirtyTwoBits) {
     EXPECT_THAT(counts.words({{0, {limit + 4, 0, 7 * limit + 9, 0}}}), ElementsAre(5, 9, 0, 0));
 }
 
+TEST(ProcessorCounts, AllBeginAtZeroAgainWhereOneWouldWrap) {
+    ProcessorCounts counts;
+    constexpr std::uint32_t most = 0xffffffff;
+    counts.words({{0, {}}, {1, {}}});
+    EXPECT_THAT(counts.words({{0, {5, 0, 0, most}}, {1, {6, 0, 0, 7}}}),
+                ElementsAre(5, 0, most, 0, 6, 0, 7, 0));
+    EXPECT_THAT(counts.words({{0, {6, 0, 0, most + 200ULL}}, {1, {6, 0, 0, 207}}}),
+                ElementsAre(0, 0, 0, 0, 0, 0, 0, 0));
+    EXPECT_THAT(counts.words({{0, {7, 0, 0, most + 399ULL}}, {1, {8, 0, 0, 407}}}),
+                ElementsAre(1, 0, 199, 0, 2, 0, 200, 0));
+}
+
 TEST(ProcessorCounts, WhenOneLeavesTheOthersGoOnByTheirOwnTicks) {
     ProcessorCounts counts;
     counts.words({{0, {10, 0, 0, 100}}, {1, {20, 0, 0, 200}}, {2, {500, 0, 0, 90}}});

@@ -135,11 +135,16 @@ TEST_F(ChangingNetwork, LinksAreChosenAnewWhenOneComes) {
 
 TEST_F(ChangingNetwork, AnotherInterfaceUnderTheSameNameIsChosenAnew) {
     ASSERT_TRUE(counts(2));
+    // The open file of an interface that is gone says nothing any more.
+    tree.truncate(std::string(wired) + "flags", 0);
     tree.remove("sys/class/net/eth0");
     tree.write(std::string(wired) + "ifindex", "12\n");
     tree.write(std::string(wired) + "flags", "0x1003\n");
-    now += 31;
     EXPECT_FALSE(counts(12));
+    EXPECT_FALSE(counts(2));
+    tree.write(std::string(wired) + "device", "");
+    now += 31;
+    EXPECT_TRUE(counts(12));
 }
 
 LinkNature ppp(std::uint32_t index) {

@@ -259,6 +259,27 @@ TEST_F(ChangedNetworkInterfaces, AnInterfaceWithADamagedIndexOrFlagsIsLeftOut) {
     }
 }
 
+TEST_F(ChangedNetworkInterfaces, AnInterfaceWithCountersThatCannotBeTrueIsLeftOut) {
+    InterfaceTable expected = *read();
+    const std::string text = testing::recordedFile("container-host", "proc/net/dev");
+    const auto writeTun = [this, &text](const std::string& received, const std::string& sent) {
+        tree.write("proc/net/dev",
+                   text + "  tun0: " + received + " 1 0 0 0 0 0 0 " + sent + " 1 0 0 0 0 0 0\n");
+    };
+    tree.write("sys/class/net/tun0/ifindex", "70000\n");
+    tree.write("sys/class/net/tun0/flags", "0x1091\n");
+    // A driver that subtracts too much.
+    for (const char* const counter : {"18446744073709551615", "1152921504606846977"}) {
+        writeTun(counter, "9");
+        EXPECT_THAT(read(), Optional(expected)) << counter;
+        writeTun("9", counter);
+        EXPECT_THAT(read(), Optional(expected)) << counter;
+    }
+    writeTun("1152921504606846976", "9");
+    expected[70'000] = {std::uint64_t{1} << 60, 9, false};
+    EXPECT_THAT(read(), Optional(expected));
+}
+
 TEST_F(ChangedNetworkInterfaces, HundredsOfInterfacesAreAllThere) {
     const InterfaceTable expected = addInterfaces(500);
     EXPECT_THAT(read(), Optional(expected));
