@@ -211,7 +211,7 @@ class EngineTimeSource final : public GpuSource {
         // What draws the screen does most of the work. If it is not among the clients, it runs as
         // another user or outside of this container.
         if (!clients_.hasScreenOwner() &&
-            RuntimePower(device_.folder, device_.connectors).drivesAScreen()) {
+            RuntimePower(device_.folder, device_.card).drivesAScreen()) {
             times.clear();
         }
         return times;

@@ -5,7 +5,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/linux/graphics/graphics_files.h"
 
@@ -19,8 +18,6 @@ struct GraphicsDevice {
     std::string folder;
     /// The DRM device's folder; empty where there is none.
     std::string card{};
-    /// The folders of the connectors for screens.
-    std::vector<std::string> connectors{};
     GraphicsIdentity identity{};
 
     bool operator==(const GraphicsDevice&) const = default;

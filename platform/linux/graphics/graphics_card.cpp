@@ -24,7 +24,7 @@ GraphicsCard::GraphicsCard(std::string root, GraphicsDevice device,
     : root_(std::move(root)),
       device_(std::move(device)),
       source_(std::move(source)),
-      power_(device_.folder, device_.connectors) {}
+      power_(device_.folder, device_.card) {}
 
 PropertyDictionary GraphicsCard::properties(double now) {
     PropertyDictionary properties;

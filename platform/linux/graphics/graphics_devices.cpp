@@ -2,7 +2,6 @@
 #include <charconv>
 #include <cstdint>
 #include <filesystem>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <string_view>
@@ -29,26 +28,16 @@ std::vector<std::string> namesIn(const std::string& folder) {
     return names;
 }
 
-/// The parts of a name such as "card3" or its connector "card3-DP-1": the number after "card", and
-/// the rest after the number.
-struct CardName {
-    std::uint32_t number = 0;
-    std::string_view rest;
-};
-
-std::optional<CardName> parseCardName(std::string_view name) {
+/// The number of "card3"; absent for its connectors, such as "card3-DP-1", and other names.
+std::optional<std::uint32_t> cardNumber(std::string_view name) {
     constexpr std::string_view prefix = "card";
+    std::uint32_t number = 0;
+    const char* const end = name.data() + name.size();
     if (!name.starts_with(prefix)) {
         return std::nullopt;
     }
-    CardName card;
-    const char* const end = name.data() + name.size();
-    const auto [rest, error] = std::from_chars(name.data() + prefix.size(), end, card.number);
-    if (error != std::errc()) {
-        return std::nullopt;
-    }
-    card.rest = std::string_view(rest, static_cast<std::size_t>(end - rest));
-    return card;
+    const auto [rest, error] = std::from_chars(name.data() + prefix.size(), end, number);
+    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
 }
 
 GraphicsIdentity identityIn(const std::string& folder) {
@@ -60,27 +49,17 @@ GraphicsIdentity identityIn(const std::string& folder) {
 std::vector<GraphicsDevice> findGraphicsDevices(const std::string& root) {
     const std::string drm = belowRoot(root, "sys/class/drm");
     std::map<std::uint32_t, GraphicsDevice> cards;
-    std::multimap<std::uint32_t, std::string> connectors;
     for (const std::string& name : namesIn(drm)) {
-        const std::optional<CardName> card = parseCardName(name);
-        if (!card) {
-            continue;
-        }
-        const std::string folder = drm + "/" + name;
-        if (card->rest.empty()) {
-            cards[card->number] = {.folder = folder + "/device",
-                                   .card = folder,
-                                   .identity = identityIn(folder + "/device")};
-        } else if (card->rest.starts_with('-')) {
-            connectors.emplace(card->number, folder);
+        if (const std::optional<std::uint32_t> number = cardNumber(name)) {
+            const std::string folder = drm + "/" + name;
+            cards[*number] = {.folder = folder + "/device",
+                              .card = folder,
+                              .identity = identityIn(folder + "/device")};
         }
     }
 
     std::vector<GraphicsDevice> devices;
     for (auto& [number, card] : cards) {
-        const auto [first, last] = connectors.equal_range(number);
-        std::transform(first, last, std::back_inserter(card.connectors),
-                       [](const auto& connector) { return connector.second; });
         devices.push_back(std::move(card));
     }
 

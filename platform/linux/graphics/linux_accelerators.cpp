@@ -95,7 +95,7 @@ void LinuxAccelerators::findCards() {
             cards.push_back(std::move(*known));
         } else {
             std::unique_ptr<GpuSource> source = sourceFor(device);
-            RuntimePower power(device.folder, {});
+            RuntimePower power(device.folder);
             cards.push_back(
                 {std::make_shared<GraphicsCard>(root_, std::move(device), std::move(source)),
                  std::make_unique<TimedSource<PropertyDictionary>>(workers_, kSensorPatience),

@@ -1,7 +1,10 @@
 #include "platform/linux/graphics/runtime_power.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <string_view>
+#include <system_error>
+#include <utility>
 
 #include "platform/linux/graphics/graphics_files.h"
 
@@ -18,17 +21,13 @@ std::string_view wordIn(KeptFile& file) {
 
 }  // namespace
 
-RuntimePower::RuntimePower(const std::string& device, const std::vector<std::string>& connectors)
+RuntimePower::RuntimePower(const std::string& device, std::string card)
     : status_(device + "/power/runtime_status", 64),
       control_(device + "/power/control", 64),
       delay_(device + "/power/autosuspend_delay_ms", 64),
       users_(device + "/power/runtime_usage", 64),
-      awake_(device + "/power/runtime_active_time", 64) {
-    for (const std::string& connector : connectors) {
-        connectors_.push_back({.enabled = KeptFile(connector + "/enabled", 64),
-                               .power = KeptFile(connector + "/dpms", 64)});
-    }
-}
+      awake_(device + "/power/runtime_active_time", 64),
+      card_(std::move(card)) {}
 
 bool RuntimePower::isAwake() {
     const std::optional<std::string_view> status = status_.read();
@@ -55,12 +54,28 @@ double RuntimePower::secondsUntilSleep() {
     return static_cast<double>(std::min(*delay, kLongestMillisecondsUntilSleep)) / 1000;
 }
 
+bool RuntimePower::Connector::isLit() {
+    return wordIn(enabled) == "enabled" && wordIn(power) == "On";
+}
+
 bool RuntimePower::drivesAScreen() {
-    for (std::size_t tried = 0; tried < connectors_.size(); ++tried) {
-        const std::size_t index = (lit_ + tried) % connectors_.size();
-        Connector& connector = connectors_[index];
-        if (wordIn(connector.enabled) == "enabled" && wordIn(connector.power) == "On") {
-            lit_ = index;
+    if (lit_ && lit_->isLit()) {
+        return true;
+    }
+    lit_.reset();
+    // Looked for each time, because docks bring connectors and take them away.
+    const std::filesystem::path card(card_);
+    const std::string prefix = card.filename().native() + '-';
+    std::error_code error;
+    std::filesystem::directory_iterator entry(card.parent_path(), error);
+    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
+        const std::string folder = entry->path().native();
+        if (!entry->path().filename().native().starts_with(prefix)) {
+            continue;
+        }
+        Connector connector{KeptFile(folder + "/enabled", 64), KeptFile(folder + "/dpms", 64)};
+        if (connector.isLit()) {
+            lit_ = std::move(connector);
             return true;
         }
     }

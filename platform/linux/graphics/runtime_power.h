@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "platform/linux/files/kept_file.h"
 
@@ -13,8 +12,9 @@ namespace tarnwick::platform {
 /// Reading these files never wakes a card. One thread at a time.
 class RuntimePower {
  public:
-    /// `device` is the device's folder, `connectors` are the folders of its screens' connectors.
-    RuntimePower(const std::string& device, const std::vector<std::string>& connectors);
+    /// `device` is the device's folder, `card` that of the DRM device, beside which its screens'
+    /// connectors lie; empty where there is none.
+    explicit RuntimePower(const std::string& device, std::string card = {});
 
     /// False while the card sleeps, goes to sleep or wakes up, and when its power state is in
     /// error. A card without power management is always awake.
@@ -42,6 +42,8 @@ class RuntimePower {
     struct Connector {
         KeptFile enabled;
         KeptFile power;
+
+        bool isLit();
     };
 
     KeptFile status_;
@@ -49,9 +51,9 @@ class RuntimePower {
     KeptFile delay_;
     KeptFile users_;
     KeptFile awake_;
-    std::vector<Connector> connectors_;
+    std::string card_;
     /// The connector that had a screen last.
-    std::size_t lit_ = 0;
+    std::optional<Connector> lit_;
 };
 
 }  // namespace tarnwick::platform

@@ -26,7 +26,6 @@ class EngineTimeSourceTest : public ::testing::Test {
         sleep(0);
         source = makeEngineTimeSource(tree.root(), {.folder = tree.root() + "/device",
                                                     .card = tree.root() + "/card",
-                                                    .connectors = {tree.root() + "/screen"},
                                                     .identity = {.driver = "i915"}});
     }
 
@@ -169,8 +168,8 @@ TEST_F(EngineTimeSourceTest, WithoutTheClientThatDrivesTheScreenTheUseIsUnknown)
     useAt(100);
     setWork(20, "render", 200);
     EXPECT_EQ(useAt(102), 10) << "drives no screen";
-    tree.write("screen/enabled", "enabled\n");
-    tree.write("screen/dpms", "On\n");
+    tree.write("card-eDP-1/enabled", "enabled\n");
+    tree.write("card-eDP-1/dpms", "On\n");
     EXPECT_EQ(useAt(104), std::nullopt);
 }
 

@@ -55,8 +55,8 @@ class GraphicsCardTest : public ::testing::Test {
         tree.write("device/power/control", std::string(control) + "\n");
     }
     void setScreen(std::string_view enabled) {
-        tree.write("connector/enabled", std::string(enabled) + "\n");
-        tree.write("connector/dpms", "On\n");
+        tree.write("drm/card1-DP-1/enabled", std::string(enabled) + "\n");
+        tree.write("drm/card1-DP-1/dpms", "On\n");
     }
     std::optional<double> usageAt(double moment) {
         const PropertyDictionary properties = card.properties(moment);
@@ -73,7 +73,7 @@ class GraphicsCardTest : public ::testing::Test {
     ScriptedSource::Script script;
     GraphicsCard card{tree.root(),
                       {.folder = tree.root() + "/device",
-                       .connectors = {tree.root() + "/connector"},
+                       .card = tree.root() + "/drm/card1",
                        .identity = {.driver = "scripted",
                                     .vendor = "1002",
                                     .device = "744c",

@@ -159,6 +159,21 @@ TEST(LinuxAccelerators, ACardThatSleepsNeedsNoWorker) {
     EXPECT_EQ(workers.hanging(), 2U);
 }
 
+TEST(LinuxAccelerators, ACardStaysTheSameWhenAScreenIsPluggedIn) {
+    const MachineTree tree("workstation");
+    testing::ScriptedWorkers workers;
+    double now = 1000;
+    LinuxAccelerators accelerators(
+        tree.root(), [&now] { return now; }, "", workers);
+    workers.hangs = true;
+    accelerators.matchingServices();
+    EXPECT_EQ(workers.hanging(), 2U);
+    tree.write("sys/class/drm/card1-DP-9/enabled", "enabled\n");
+    now += 61;
+    accelerators.matchingServices();
+    EXPECT_EQ(workers.hanging(), 2U);
+}
+
 TEST(LinuxAccelerators, WhatComesLateIsCountedFromTheMomentItWasRead) {
     const MachineTree tree("laptop");
     tree.remove("sys/class/drm/card0");

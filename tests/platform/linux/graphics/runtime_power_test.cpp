@@ -12,12 +12,12 @@ namespace {
 class RuntimePowerTest : public ::testing::Test {
  protected:
     void setConnector(std::string_view name, std::string_view enabled, std::string_view dpms) {
-        tree.write(std::string(name) + "/enabled", std::string(enabled) + "\n");
-        tree.write(std::string(name) + "/dpms", std::string(dpms) + "\n");
+        tree.write("drm/" + std::string(name) + "/enabled", std::string(enabled) + "\n");
+        tree.write("drm/" + std::string(name) + "/dpms", std::string(dpms) + "\n");
     }
 
     const testing::MachineTree tree;
-    RuntimePower power{tree.root() + "/device", {tree.root() + "/one", tree.root() + "/two"}};
+    RuntimePower power{tree.root() + "/device", tree.root() + "/drm/card1"};
 };
 
 TEST_F(RuntimePowerTest, ACardIsAwakeWhileItsStatusSaysSo) {
@@ -48,15 +48,27 @@ TEST_F(RuntimePowerTest, ACardSleepsByItselfWhereTheSystemLetsIt) {
 
 TEST_F(RuntimePowerTest, ACardThatDrivesAScreenDoesNotSleep) {
     tree.write("device/power/control", "auto\n");
-    setConnector("one", "disabled", "On");
-    setConnector("two", "enabled", "Off");
+    setConnector("card1-eDP-1", "disabled", "On");
+    setConnector("card1-DP-1", "enabled", "Off");
+    setConnector("card10-DP-1", "enabled", "On");
     EXPECT_TRUE(power.couldSleep());
-    setConnector("two", "enabled", "On");
+    setConnector("card1-DP-1", "enabled", "On");
     EXPECT_FALSE(power.couldSleep());
-    setConnector("two", "disabled", "Off");
+    setConnector("card1-DP-1", "disabled", "Off");
     EXPECT_TRUE(power.couldSleep());
-    setConnector("one", "enabled", "On");
+    setConnector("card1-eDP-1", "enabled", "On");
     EXPECT_FALSE(power.couldSleep());
+}
+
+TEST_F(RuntimePowerTest, ADockBringsScreens) {
+    tree.write("device/power/control", "auto\n");
+    EXPECT_TRUE(power.couldSleep());
+    setConnector("card1-DP-9", "enabled", "On");
+    EXPECT_FALSE(power.couldSleep());
+    // What is kept open of a connector that has gone holds nothing.
+    setConnector("card1-DP-9", "", "");
+    tree.remove("drm/card1-DP-9");
+    EXPECT_TRUE(power.couldSleep());
 }
 
 TEST_F(RuntimePowerTest, ACardWithUsersIsHeldAwake) {
