@@ -22,6 +22,9 @@ constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 60;
 // A bit of the flags, and one of the hardware types of links.
 constexpr std::uint32_t kPointToPoint = 0x10;
 constexpr std::uint32_t kTypeOfPPP = 512;
+// The forms in which a radio hands out all that it hears.
+constexpr std::uint32_t kFirstTypeOfMonitor = 801;
+constexpr std::uint32_t kLastTypeOfMonitor = 803;
 
 // Room for a number and its line break. A full buffer would mean a longer text.
 using NumberText = std::array<char, 32>;
@@ -63,13 +66,20 @@ bool hasDevice(const FileDescriptor& folder, const std::string& name) {
     return ::fstatat(folder.get(), (name + "/device").c_str(), &link, AT_SYMLINK_NOFOLLOW) == 0;
 }
 
-// The name of the interface that has taken this one in; empty if there is none.
-std::string masterOf(const FileDescriptor& folder, const std::string& name) {
+// The last part of what a symbolic link leads to; empty if there is none.
+std::string targetName(const FileDescriptor& folder, const std::string& path) {
     std::array<char, 512> target;
-    const ssize_t size =
-        ::readlinkat(folder.get(), (name + "/master").c_str(), target.data(), target.size());
-    const std::string_view path(target.data(), size < 0 ? 0 : static_cast<std::size_t>(size));
-    return std::string(path.substr(path.rfind('/') + 1));
+    const ssize_t size = ::readlinkat(folder.get(), path.c_str(), target.data(), target.size());
+    const std::string_view text(target.data(), size < 0 ? 0 : static_cast<std::size_t>(size));
+    return std::string(text.substr(text.rfind('/') + 1));
+}
+
+// Whether the bytes of an interface with a device are also those of another one: it listens to a
+// radio beside the interface that uses it, or it is the host's end of a guest's interface (Xen).
+bool isSecondOfDevice(const FileDescriptor& folder, const std::string& name,
+                      std::optional<std::uint32_t> type) {
+    return (type >= kFirstTypeOfMonitor && type <= kLastTypeOfMonitor) ||
+           targetName(folder, name + "/device/subsystem") == "xen-backend";
 }
 
 }  // namespace
@@ -120,12 +130,15 @@ LinkNature LinuxNetworkInterfaces::natureOf(const Link& link) const {
                       .below = link.index,
                       .hasDevice = hasDevice(folder_, link.name),
                       .isPointToPoint = (*link.lastFlags & kPointToPoint) != 0};
+    const std::optional<std::uint32_t> type = numberInFile(folder_, link.name + "/type");
+    nature.hasDevice = nature.hasDevice && !isSecondOfDevice(folder_, link.name, type);
     if (nature.hasDevice) {
-        const std::string master = masterOf(folder_, link.name);
+        // The name of the interface that has taken this one in.
+        const std::string master = targetName(folder_, link.name + "/master");
         nature.isPartOfDevice = !master.empty() && hasDevice(folder_, master);
         nature.below = numberInFile(folder_, link.name + "/iflink").value_or(link.index);
     } else if (nature.isPointToPoint) {
-        nature.isPPP = numberInFile(folder_, link.name + "/type") == kTypeOfPPP;
+        nature.isPPP = type == kTypeOfPPP;
     }
     return nature;
 }
