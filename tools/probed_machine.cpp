@@ -55,8 +55,8 @@ struct ProbedMachine::Samplers {
           storage(options.root == "/" ? static_cast<platform::Volumes&>(volumes)
                                       : recordedVolumes) {}
 
-    platform::BackgroundWork threads;
-    platform::ThreadWorkers workers{[this](auto work) { return threads.run(std::move(work)); }};
+    std::optional<platform::BackgroundWork> threads{std::in_place};
+    platform::ThreadWorkers workers{[this](auto work) { return threads->run(std::move(work)); }};
     platform::LinuxKernel kernel;
     platform::LinuxVolumes volumes;
     RecordedVolumes recordedVolumes{volumes};
@@ -99,6 +99,10 @@ struct ProbedMachine::Samplers {
 
 ProbedMachine::ProbedMachine(const Options& options)
     : samplers_(*new Samplers(options)), limit_(options.limit) {}
+
+void ProbedMachine::end() {
+    samplers_.threads.reset();
+}
 
 MachineSample ProbedMachine::read() {
     Samplers& from = samplers_;

@@ -13,7 +13,11 @@ class ProbedMachine {
     explicit ProbedMachine(const Options& options);
     ~ProbedMachine() = delete;
 
+    /// Requires: not after end().
     MachineSample read();
+
+    /// Ends the threads that read. One that hangs is left behind after a moment.
+    void end();
 
  private:
     struct Samplers;

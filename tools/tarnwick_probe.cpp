@@ -44,8 +44,8 @@ int complain(std::string message, int status) {
     return status;
 }
 
-int probe(const Options& options) {
-    auto& machine = *new ProbedMachine(options);
+/// False if the output cannot be written.
+bool printSamples(ProbedMachine& machine, const Options& options) {
     Pace pace(options.interval, now());
     // The first reading only starts the counters that rates are computed from.
     machine.read();
@@ -53,10 +53,17 @@ int probe(const Options& options) {
         waitUntil(pace.next());
         pace.begin(now());
         if (!print(reportLine(machine.read()) + '\n')) {
-            return complain("the output cannot be written", EXIT_FAILURE);
+            return false;
         }
     }
-    return EXIT_SUCCESS;
+    return true;
+}
+
+int probe(const Options& options) {
+    static auto& machine = *new ProbedMachine(options);
+    const bool isPrinted = printSamples(machine, options);
+    machine.end();
+    return isPrinted ? EXIT_SUCCESS : complain("the output cannot be written", EXIT_FAILURE);
 }
 
 }  // namespace

@@ -21,6 +21,11 @@ namespace {
 
 using testing::ElementsAre;
 
+class UnheatedMachine final : public platform::ProcessInfo {
+    std::int64_t activeProcessorCount() override { return 1; }
+    std::int64_t thermalState() override { return 0; }
+};
+
 /// The machine under the process-wide instances, which keep it for good.
 struct Machine {
     platform::testing::ScriptedKernel kernel;
@@ -30,6 +35,7 @@ struct Machine {
     platform::testing::ScriptedLoginService loginService;
     platform::testing::ScriptedHotKeys hotKeys;
     platform::testing::ManualDispatch dispatch;
+    UnheatedMachine processInfo;
 };
 
 TEST(SharedTarnwickAppEnvironment, IsTheCurrentPlatformWithTheSharedSettingsAndBattery) {
@@ -43,6 +49,7 @@ TEST(SharedTarnwickAppEnvironment, IsTheCurrentPlatformWithTheSharedSettingsAndB
     platform.loginService = &machine.loginService;
     platform.hotKeys = &machine.hotKeys;
     platform.dispatch = &machine.dispatch;
+    platform.processInfo = &machine.processInfo;
     platform.workers = &platform::noWorkers();
     platform::install(platform);
 
