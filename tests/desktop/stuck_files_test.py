@@ -46,6 +46,19 @@ class StuckFilesTest(DesktopTestCase):
         self.assert_ends(program)
         self.assertEqual(program.output(), "")
 
+    def test_shortcut_and_quit_are_as_ever(self):
+        program = self.start_stuck()
+        item = program.wait_for_item()
+        self.until(lambda: self.desktop.bus.item_property(item, "Title"), "the program answers")
+        self.desktop.screen.press_key("Super_L", "l")
+        self.assert_open(program)
+        self.desktop.screen.press_key("Super_L", "l")
+        self.assert_closed(program)
+        program.open_panel()
+        self.press(program, "Quit")
+        self.assert_ends(program)
+        self.assertEqual(program.output(), "")
+
     def test_what_comes_back_is_shown(self):
         program = self.start_stuck()
         program.open_panel()

@@ -192,11 +192,13 @@ class Screen:
             xtest.fake_input(self._display, X.ButtonRelease, 1)
             self._display.sync()
 
-    def press_key(self, name):
-        """A press and a release of a key, by its X name."""
-        code = self._display.keysym_to_keycode(XK.string_to_keysym(name))
-        xtest.fake_input(self._display, X.KeyPress, code)
-        xtest.fake_input(self._display, X.KeyRelease, code)
+    def press_key(self, *names):
+        """Presses keys by their X names one after the other, and lets go of the last one first."""
+        codes = [self._display.keysym_to_keycode(XK.string_to_keysym(name)) for name in names]
+        for code in codes:
+            xtest.fake_input(self._display, X.KeyPress, code)
+        for code in reversed(codes):
+            xtest.fake_input(self._display, X.KeyRelease, code)
         self._display.sync()
 
     def open_window(self):
