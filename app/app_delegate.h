@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What happens once the program has been launched.
 #pragma once
 

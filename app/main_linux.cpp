@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program on a Linux desktop: puts the machine, the toolkit and the shell together.
 #include <QApplication>
 #include <QDesktopServices>

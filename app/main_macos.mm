@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program on macOS: puts the machine, the toolkit and the shell together.
 #import <AppKit/AppKit.h>
 

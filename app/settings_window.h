@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The life of the one settings window.
 #pragma once
 

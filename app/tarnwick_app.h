@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The application object: owns the long-lived objects, keeps the status item's label current and
 // the stored shortcut registered.
 #pragma once

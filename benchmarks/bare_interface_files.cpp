@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/bare_interface_files.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The floor of a network pass: reads the same files and ignores their content.
 #pragma once
 

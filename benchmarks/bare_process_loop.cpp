@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/bare_process_loop.h"
 
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What following the clients of a graphics card costs beside bare loops over the same files.
 //
 //   graphics_benchmark [--processes=N] [--check] [options of the benchmark library]

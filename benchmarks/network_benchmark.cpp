@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What one network pass costs beside the bare reading of the same files.
 //
 //   network_benchmark [--check] [options of the benchmark library]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Compares work with its floor: the system calls that the work cannot do without.
 #pragma once
 

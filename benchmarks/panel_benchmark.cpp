@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the panel costs beside a bare window of the same toolkit with as many texts.
 //
 //   panel_benchmark [--check] [options of the benchmark library]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a pass over all processes costs beside a bare loop that opens, reads and closes the stat
 // file of each.
 //

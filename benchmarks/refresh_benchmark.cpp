@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What one refresh costs beside the system calls that it cannot do without.
 //
 //   refresh_benchmark [--check] [options of the benchmark library]

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What dragging a threshold in the settings window costs beside bare durable writes of the store.
 //
 //   settings_benchmark [--check] [options of the benchmark library]

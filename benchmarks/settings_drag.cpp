@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/settings_drag.h"
 
 #include <QApplication>

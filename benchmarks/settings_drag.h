@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A threshold that is dragged in the settings window, over a store on the disk.
 #pragma once
 

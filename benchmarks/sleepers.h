@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Processes that do nothing.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "benchmarks/turned_panel.h"
 
 #include <QApplication>

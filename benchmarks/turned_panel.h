@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole panel on an invented machine, in time that the benchmark advances by hand.
 #pragma once
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Keeps the layers apart. The build breaks when
 #  - tarnwick_core is linked against anything but the standard library,
 #  - tarnwick_core needs a symbol that the standard library does not have,

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # TARNWICK_SANITIZE: a list for -fsanitize=, such as "address,undefined". Empty: none.
 set(TARNWICK_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
 if(TARNWICK_SANITIZE)

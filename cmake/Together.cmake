@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # TARNWICK_COMPILE_TOGETHER: fewer, larger compilations, so that a build from nothing is soon done.
 # The presets for users and for the sanitizers ask for it. The debug preset compiles each file by
 # itself and notices one that does not include what it needs.

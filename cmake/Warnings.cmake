@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Warnings for the project's own code. Linked PRIVATE by every target.
 #
 # They are errors for those who work on the project, not for a user whose newer compiler warns of

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # cmake -DROOT=<tree> [-DSTAMP=<file>] -P check_layers.cmake
 # Reads the #include lines of the tree and fails on the first set of arrows that point up.
 cmake_minimum_required(VERSION 3.25)

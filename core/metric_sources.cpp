@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/metric_sources.h"
 
 #include <memory>

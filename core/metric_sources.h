@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The samplers that the stats manager calls, one function each.
 #pragma once
 

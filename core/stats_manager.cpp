@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/stats_manager.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The one object that owns the current picture of the machine.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the stats manager says about its records.
 #include <cmath>
 #include <cstddef>

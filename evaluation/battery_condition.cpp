@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "evaluation/battery_condition.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the panel calls a battery's condition.
 #pragma once
 

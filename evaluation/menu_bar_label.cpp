@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "evaluation/menu_bar_label.h"
 
 namespace tarnwick {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The status item's label as a value.
 #pragma once
 

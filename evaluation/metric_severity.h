@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The verdict on a metric.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "evaluation/metric_summary_resolver.h"
 
 #include <algorithm>

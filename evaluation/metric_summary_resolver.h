@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Judges the four metrics and chooses the one summary that is shown.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any text as an application's description and as a locale: a name is valid UTF-8 and never empty.
 // Any text as the groups of a process: no candidate leads out of a folder.
 // Any text as the path of an application's first program: a compiler is no part of it.

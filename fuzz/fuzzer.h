@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The function that every fuzz program defines, and the check that it uses.
 #pragma once
 

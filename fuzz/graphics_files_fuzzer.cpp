@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any text as one of the files of a graphics driver, and as the lines of the names databases.
 #include <cstdint>
 #include <string>

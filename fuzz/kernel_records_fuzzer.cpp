@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as the fixed-size kernel records: a record is decoded exactly when all its bytes are
 // there, and its fields hold the numbers that lie at their places.
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A path in the first line, followed by any text as the list of mounts: the mount that is found
 // contains the path.
 #include <cstdint>

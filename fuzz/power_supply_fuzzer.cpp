@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any texts as the files of a battery's packs. The first byte of an input says what is known about
 // outside power: '0' for none, '1' for some, any other for unknown. Lines follow: the name of a
 // file, "=", and its content, to which a line break is added. An empty line begins another pack.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any text as the memory figures of the kernel, of the cache of ZFS and of compressed devices: the
 // parts of the memory never exceed the whole.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any text as the kernel's table of network interfaces, as an interface's index and flags, and as
 // its routes.
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any text as the stat file of a process: the command lies between the first "(" and the last ")".
 // Any text as a command: the parser finds it again, and the fields behind it.
 // Any text as a name in the list of processes.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any text as the kernel's statistics: either there are processors, in ascending order, or the
 // parser reports none.
 #include <cstdint>

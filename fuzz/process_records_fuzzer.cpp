@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as a process table and as the task information of each process in it: the decoded
 // values are those in the bytes, and the reader visits exactly the complete records.
 //

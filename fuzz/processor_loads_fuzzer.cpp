@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Tick arrays of any length, for any claimed number of processors, pass one after the other through
 // one CPU sampler: every record keeps its promises.
 //

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any text as the hardware profiler's report.
 #include <cstdint>
 #include <string_view>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as a value of an accelerator's properties.
 #include <cmath>
 #include <cstddef>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs a fuzz program over files that are there already: replay_NAME <file or folder>...
 // Fails when it finds no file, so that a lost corpus is noticed.
 #include <cstdio>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any bytes as the interface list of macOS: the decoder returns a table exactly when the bytes are
 // complete messages of the known version. The table holds what the last message about each
 // interface says.

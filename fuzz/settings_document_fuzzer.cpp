@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings file, which anybody may edit.
 #include <string_view>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Any text as one of the kernel's files with a single figure.
 #include <cstdint>
 #include <string_view>

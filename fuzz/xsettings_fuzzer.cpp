@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings property of an X11 display, which any client may write, and the font named in it.
 #include <span>
 

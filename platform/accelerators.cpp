@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/accelerators.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The graphics accelerators of the machine and what their drivers publish about them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Byte counts as people read them.
 #pragma once
 

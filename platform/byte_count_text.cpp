@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/byte_count_text.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Byte counts as people read them, the same in every locale.
 #pragma once
 

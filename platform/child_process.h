@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Child processes whose output is read through a pipe.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program's place on the desktop: the status item, and what the desktop does for it.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The main queue, timers on it, and work in the background.
 #pragma once
 

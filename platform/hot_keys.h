@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shortcuts that work whichever program is in front.
 #pragma once
 

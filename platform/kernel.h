@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Kernel statistics, under the names of the calls that macOS has for them. Other systems give the
 // same quantities from their own sources.
 #pragma once

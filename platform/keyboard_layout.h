@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The keyboard layout that the user types with.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program's structured log: fixed English messages at two levels, written to a handle.
 //
 // A logger is bound to a handle when it is made. The default handle is disabled: messages are

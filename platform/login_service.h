@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether the system starts the program when the user logs in.
 #pragma once
 

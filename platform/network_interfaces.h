@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Byte counters of the network interfaces, and the macOS calls that supply them there.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Work that runs once, on the next turn, after any number of requests.
 #pragma once
 

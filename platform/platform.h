@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The machine that the program runs on: one object for each family of operations.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the machine knows about its batteries.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the system says about the machine as a whole.
 #pragma once
 

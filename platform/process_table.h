@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The processes of the machine and the applications that they belong to, under the names of the
 // calls that macOS has for them. Other systems give the same from their own sources.
 #pragma once

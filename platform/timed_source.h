@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A source that may hang: read by a worker, waited for a while, and never asked by two.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/timer_queue.h"
 
 #include <algorithm>

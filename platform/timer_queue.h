@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The timers of a dispatch. The owner drives them: it asks for the next wake-up time and passes in
 // the current time. The queue has no clock of its own, so the same code runs on an event loop and
 // in virtual time.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The per-user store of typed values.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Repairs text from outside that should be UTF-8.
 #pragma once
 

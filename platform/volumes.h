@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Capacity of the volume that holds a path.
 #pragma once
 

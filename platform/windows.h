@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Windows with a title bar, and the order of the applications on the screen.
 #pragma once
 

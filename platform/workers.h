@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Work that may never come back.
 #pragma once
 

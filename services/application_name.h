@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The name of the application that a process belongs to.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a slow refresh asks about the battery.
 #pragma once
 

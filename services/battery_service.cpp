@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/battery_service.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the battery does now and how healthy it is.
 #pragma once
 

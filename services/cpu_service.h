@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Processor use from the kernel's cumulative tick counters.
 #pragma once
 

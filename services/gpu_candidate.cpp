@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/gpu_candidate.h"
 
 #include <algorithm>

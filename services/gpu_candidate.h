@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What one accelerator's properties say about it, and which of two accelerators is shown.
 #pragma once
 

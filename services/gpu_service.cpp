@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/gpu_service.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Use of the graphics processor.
 #pragma once
 

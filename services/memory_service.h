@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Memory and swap from the kernel's page counts.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/network_service.h"
 
 #include <utility>

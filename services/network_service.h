@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Network throughput from the cumulative byte counters of the interfaces.
 #pragma once
 

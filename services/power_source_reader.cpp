@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/power_source_reader.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The live state of the battery from the power source descriptions.
 #pragma once
 

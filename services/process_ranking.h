@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which processes get a row, and in which order.
 #pragma once
 

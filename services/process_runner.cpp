@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/process_runner.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The output of a command that ends soon.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The processes that use most of the processors and of the memory.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/processor_loads.h"
 
 namespace tarnwick {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The format in which the platform delivers the ticks of its processors.
 #pragma once
 

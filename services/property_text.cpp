@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/property_text.h"
 
 #include <algorithm>

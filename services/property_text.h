@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading numbers and names out of the texts and bytes of a property dictionary.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/rate_text.h"
 
 #include <cmath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Transfer rates as text.
 #pragma once
 

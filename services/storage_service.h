@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Capacity of the volume that holds the user's home directory.
 #pragma once
 

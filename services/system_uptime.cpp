@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/system_uptime.h"
 
 #include <cmath>

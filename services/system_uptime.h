@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Time since the machine booted.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The processes that use the most CPU or memory, as rows.
 #pragma once
 

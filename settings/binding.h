@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Access to a value that is kept elsewhere.
 #pragma once
 

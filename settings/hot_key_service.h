@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The global shortcut: one hot key at a time, and what a press of it does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Virtual key codes of the platform keyboard that the program knows by name.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "settings/key_name.h"
 
 #include <algorithm>

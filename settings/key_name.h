@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a key is called in the text of a shortcut.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start at login: the stored preference is a wish, and the system's answer decides.
 #include <string>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "settings/metric_thresholds.h"
 
 namespace tarnwick {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The two thresholds of each judged metric, as readers receive them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which key combinations may be the global shortcut, and the text that shows one.
 //
 // A shortcut is a virtual key code of the platform keyboard (-1 for none) and modifier flags. Only

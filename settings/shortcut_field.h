@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The control in which the user records a shortcut by pressing it. Independent of any toolkit.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ties a shortcut field to the settings it edits.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Opening and closing the panel from code.
 #include "settings/hot_key_service.h"
 

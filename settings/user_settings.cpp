@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "settings/user_settings.h"
 
 #include <limits>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The user's preferences, kept in the per-user defaults store.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/machine_sample.h"
 
 #include <array>

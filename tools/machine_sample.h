@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Everything that Tarnwick measures, at one moment.
 #pragma once
 

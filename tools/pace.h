@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rhythm of readings.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/probe_options.h"
 
 #include <array>

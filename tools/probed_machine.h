@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The samplers on one machine, live or recorded.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tools/recorded_volumes.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The volumes of a recorded machine.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // tarnwick-probe: what the program measures, as lines of JSON for terminals, scripts and bug
 // reports. Ends with 0, with 1 when its output cannot be written, with 2 for a wrong command line.
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A status item, a timer that does nothing every ten seconds, and a plain panel that a click on the
 // item opens and closes. It measures and draws nothing else: it is the floor of the cost of any
 // program with this toolkit and a status item.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Counter arithmetic that ends the program instead of wrapping around: a wrong figure must never
 // be shown, and an overflow here can only come from a fault of ours.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The plain records that samplers fill, the stats manager publishes and the views read.
 //
 // All are values: a copy shares nothing with its original. Percentages are doubles from 0 to 100.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Percentages within their bounds.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/records/published.h"
 
 #include <algorithm>

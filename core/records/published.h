@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Observation: a published field announces a change to its observers before it is written.
 //
 // Main thread only. During the call the observer still reads the old value. It should mark itself

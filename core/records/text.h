@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Small text helpers that do not depend on the process's locale.
 #pragma once
 

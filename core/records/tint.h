@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The colours in which the program shows its values. Each front end maps them to exact shades for
 // light and dark.
 #pragma once

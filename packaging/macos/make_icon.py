@@ -1,4 +1,5 @@
 #!/usr/bin/python3
+# SPDX-License-Identifier: MIT
 """Makes Tarnwick.icns beside itself from the project's drawing of the symbol that means all is well.
 
 Run it again when the drawing has changed.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/core_foundation_values.h"
 
 #include <cstddef>

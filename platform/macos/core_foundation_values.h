@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Converts the values of property lists to plain ones.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Checks the numbers and words that the portable code shares with the desktop against the system's
 // headers. It has no code: the checks happen when it is compiled.
 #import <AppKit/AppKit.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Converts texts to and from Foundation. For Objective-C++ only.
 #pragma once
 

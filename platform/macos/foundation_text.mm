@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/foundation_text.h"
 
 #include "platform/utf8.h"

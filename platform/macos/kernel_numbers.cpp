@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Checks every number that the portable code uses to call the kernel and to read its records
 // against the system's headers. It has no code: the checks happen when it is compiled.
 #include <cerrno>

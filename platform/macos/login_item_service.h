@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The system's service for login items. Declares it if the SDK lacks its header. For Objective-C++
 // only.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <Carbon/Carbon.h>
 #include <sstream>
 #include <utility>

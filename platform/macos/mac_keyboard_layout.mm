@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #import <Carbon/Carbon.h>
 #import <Foundation/Foundation.h>
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/foundation_text.h"
 #include "platform/macos/login_item_service.h"
 #include "platform/macos/mac_machine.h"

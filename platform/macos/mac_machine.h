@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The machine on macOS: each class answers one interface by the system's calls of the same names.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/mac_platform.h"
 
 #include "platform/macos/mac_machine.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Makes all objects of the machine.
 #pragma once
 

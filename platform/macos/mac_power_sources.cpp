@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include <CoreFoundation/CoreFoundation.h>
 #include <IOKit/IOKitLib.h>
 #include <IOKit/ps/IOPSKeys.h>

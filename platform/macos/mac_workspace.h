@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Opens other applications, and reports when the machine wakes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/mac_workspace.h"
 
 #import <AppKit/AppKit.h>

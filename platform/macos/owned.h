@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Owners of system resources: each destructor gives its resource back.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/qt/font_memory.h"
 
 #include <QtGui/private/qfont_p.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the toolkit keeps of fonts.
 #pragma once
 

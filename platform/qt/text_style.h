@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A style for texts: a font, its measures, and digits of equal width.
 #pragma once
 

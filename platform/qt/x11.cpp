@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/qt/x11.h"
 
 #include <QGuiApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The toolkit's connection to an X server, and requests to that server.
 #pragma once
 

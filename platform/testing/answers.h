@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Answers of scripted operations, and a record of the calls.
 #pragma once
 

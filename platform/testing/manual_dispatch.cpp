@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/testing/manual_dispatch.h"
 
 #include <algorithm>

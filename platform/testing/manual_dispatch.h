@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A dispatch in virtual time: a test turns the clock and runs the queues by hand.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The per-user store in memory.
 #pragma once
 

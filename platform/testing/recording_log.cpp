@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/testing/recording_log.h"
 
 namespace tarnwick::platform::testing {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A log handle that a test reads back.
 #pragma once
 

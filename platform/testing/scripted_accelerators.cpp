@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/testing/scripted_accelerators.h"
 
 namespace tarnwick::platform::testing {

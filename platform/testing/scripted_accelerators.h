@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Accelerators with answers from a test.
 #pragma once
 

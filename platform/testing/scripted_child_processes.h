@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Child processes that follow a test's script, with their own clock.
 #pragma once
 

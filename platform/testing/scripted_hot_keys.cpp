@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/testing/scripted_hot_keys.h"
 
 #include <utility>

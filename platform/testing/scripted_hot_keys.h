@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hot keys that a test presses, refuses and takes away.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A kernel with answers from a test, and with clocks that the test sets.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An invented keyboard layout.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/testing/scripted_login_service.h"
 
 namespace tarnwick::platform::testing {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A login service with answers from a test.
 #pragma once
 

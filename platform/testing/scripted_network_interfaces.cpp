@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/testing/scripted_network_interfaces.h"
 
 #include <algorithm>

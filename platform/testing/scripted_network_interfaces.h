@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Network interfaces with answers from a test.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/testing/scripted_power_sources.h"
 
 namespace tarnwick::platform::testing {

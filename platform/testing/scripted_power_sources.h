@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Batteries with figures from a test.
 #pragma once
 

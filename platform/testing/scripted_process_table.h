@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A process table with answers from a test.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A status item that records what it is shown.
 #pragma once
 

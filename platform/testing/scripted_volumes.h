@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Volumes with answers from a test.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Windows without a screen.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Workers that a test makes hang.
 #pragma once
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Shared by the scripts: sourced, never run. Leaves the caller in the root of the tree.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/../.."

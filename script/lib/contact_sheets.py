@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Puts many pictures on few sheets, each with its name: started by script/screens."""
 
 import argparse

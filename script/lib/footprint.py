@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Measures what the program costs beside a bare tray program: started by script/footprint."""
 
 import argparse

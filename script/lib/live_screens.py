@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Pictures of the real program's pages on this machine: started by script/screens."""
 
 import argparse

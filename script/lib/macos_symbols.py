@@ -1,4 +1,5 @@
 #!/usr/bin/env python3
+# SPDX-License-Identifier: MIT
 """The objects of the macOS program and the symbols that they need. For script/check-macos.
 
 macos_symbols.py objects BUILD

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 # Clang and LLVM's tools for macOS, without Apple's linker: what script/check-macos compiles with.
 # The script sets TARNWICK_MACOS_SDK, TARNWICK_MACOS_FLAGS, TARNWICK_MACOS_ARCHITECTURE,
 # TARNWICK_CLANG, TARNWICK_AR and TARNWICK_RANLIB.

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Shows the program on a private desktop and keeps pictures of it: started by script/run."""
 
 import argparse

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Adds up what the tests have reported: test_counts.py FOLDER...
 
 Each folder holds what ctest says of its entries, in ctest.xml, and for an entry that runs a program

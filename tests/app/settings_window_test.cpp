@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/settings_window.h"
 
 #include <gmock/gmock.h>

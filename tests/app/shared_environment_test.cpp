@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the application runs on where nothing else is said.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

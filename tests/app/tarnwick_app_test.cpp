@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "app/tarnwick_app.h"
 
 #include <functional>

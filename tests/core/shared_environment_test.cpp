@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The process-wide samplers and the manager that runs on them.
 #include <algorithm>
 #include <array>

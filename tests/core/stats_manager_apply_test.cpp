@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is published, in which order, and what is kept.
 #include "tests/core/stats_manager_fixture.h"
 #include "tests/services/no_battery.h"

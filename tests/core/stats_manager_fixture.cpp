@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/core/stats_manager_fixture.h"
 
 #include <algorithm>

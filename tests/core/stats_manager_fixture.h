@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A stats manager on scripted samplers, in virtual time. Records everything that it does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Single flights, queued follow-ups and the order in which samplers are called.
 #include <utility>
 

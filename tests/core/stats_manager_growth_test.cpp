@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A program of its own: it replaces the global allocation functions and counts what is alive.
 #include <atomic>
 #include <cstddef>

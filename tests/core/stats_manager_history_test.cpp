@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The four histories.
 #include <set>
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is left to do when the manager has gone: nothing.
 #include "tests/core/stats_manager_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every fifteenth visible fast refresh forgets stale processes before it is applied.
 #include "tests/core/stats_manager_fixture.h"
 

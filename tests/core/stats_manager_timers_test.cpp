@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pace, tolerance and what a change of visibility does to the timers.
 #include "tests/core/stats_manager_fixture.h"
 

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The panel as a screen reader finds it: asked from another process over the accessibility bus."""
 
 import contextlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The button that opens the desktop's own system monitor."""
 
 import contextlib

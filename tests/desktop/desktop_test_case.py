@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What the desktop tests share."""
 
 import contextlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """How the program ends: by a signal, with its session, with its display; and what it survives."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The panel: what opens it, what closes it, how it looks."""
 
 import contextlib

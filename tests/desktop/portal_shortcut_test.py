@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The shortcut where a Wayland compositor has the keys: the desktop's portal tells of presses."""
 
 import time

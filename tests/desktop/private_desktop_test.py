@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The private desktop itself: nothing of it outlives the script that made it."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The panel where the desktop has several screens, or its bar elsewhere than at the top."""
 
 from desktop_test_case import DesktopTestCase, main

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An X session manager for one client, ended by its own command: prints its address, then what
 // the client tells about its restart; "logout" on standard input ends the session.
 #include <X11/ICE/ICElib.h>

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What the tours of the settings window share: the window, the store, hands, other programs."""
 
 import colorsys

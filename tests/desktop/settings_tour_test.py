@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The settings window used: by mouse, by keyboard alone and by assistive technology alone."""
 
 import re

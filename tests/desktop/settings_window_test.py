@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The settings window: what opens it, where it is, what closing it means."""
 
 import contextlib

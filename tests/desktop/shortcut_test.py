@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The shortcut: pressed while another program is in front."""
 
 import contextlib

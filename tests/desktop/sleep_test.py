@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Waking from sleep, as the login manager tells it on the system bus."""
 
 import time

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Starting and ending: in a whole session, in a broken one, a second time."""
 
 import fcntl

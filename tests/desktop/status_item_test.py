@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The status item in the trays of real hosts, which come and go."""
 
 import time

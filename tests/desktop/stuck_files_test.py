@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A disk, sensors and a battery that hang: the rest of the program goes on."""
 
 import contextlib

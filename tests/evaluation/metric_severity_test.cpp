@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "evaluation/metric_severity.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/next_turn.h"
 
 #include <gtest/gtest.h>

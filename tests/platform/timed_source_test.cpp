@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/timed_source.h"
 
 #include <gtest/gtest.h>

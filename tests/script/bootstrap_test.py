@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Which packages the scripts install, what they build, and with which formatter: on a copy of them,
 with stand-ins for the tools."""
 

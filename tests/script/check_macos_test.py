@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """script/check-macos without an SDK, and how it judges symbols."""
 
 import importlib.util

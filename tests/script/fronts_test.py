@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Both fronts draw every building block and every value of it."""
 
 import os

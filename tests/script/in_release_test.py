@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What script/in-release refuses before it makes anything."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What the application bundle of macOS says of itself."""
 
 import os

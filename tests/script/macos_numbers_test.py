@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Every number that the portable code has of macOS is tied to the system's headers."""
 
 import os

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The written pages name files, keys and libraries that exist, and none that counts is left out."""
 
 import os

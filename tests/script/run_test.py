@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What script/run says before it installs or builds anything."""
 
 import os

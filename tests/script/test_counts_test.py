@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """How many tests script/test says there were: from what real runs of ctest report."""
 
 import os

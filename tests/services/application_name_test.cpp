@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/application_name.h"
 
 #include <gmock/gmock.h>

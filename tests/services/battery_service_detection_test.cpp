@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The live state: finding a battery, leaving a machine without one alone, and the last good record.
 #include "tests/services/battery_service_fixture.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A battery service in virtual time on a real store file; the file outlives the service.
 #pragma once
 

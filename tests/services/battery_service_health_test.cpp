@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The exact health: when it is asked for, what is kept of it over a restart, what is shown.
 #include <atomic>
 #include <thread>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/cpu_service.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/memory_service.h"
 
 #include <atomic>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The battery service of a machine without a battery.
 #pragma once
 

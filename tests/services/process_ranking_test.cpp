@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/process_ranking.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rules of the runner on scripted children, in virtual time. Real children are run beside the
 // POSIX sources.
 #include "services/process_runner.h"

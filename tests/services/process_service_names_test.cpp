@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the rows of the process lists get their names.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The process-wide instances. They take what the platform offers when they are first used, so these
 // tests install one scripted platform that lives as long as the process.
 #include <functional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "services/storage_service.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "settings/hot_key_service.h"
 
 #include <gmock/gmock.h>

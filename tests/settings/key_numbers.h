@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The masks and key codes that the tests of shortcuts press.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "settings/shortcut_recorder_view.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "settings/shortcut.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings over each kind of store, closed and opened again as by a new launch.
 #include <functional>
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Preloaded into a program: files that hang as those of a dead disk or driver do.
 //
 // TARNWICK_STUCK_FILES lists the beginnings of paths, with colons between them, and

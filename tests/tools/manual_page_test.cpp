@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The manual page beside what the program does.
 #include <fstream>
 #include <gtest/gtest.h>

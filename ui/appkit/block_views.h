@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The views of a page's building blocks. For Objective-C++ only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/appkit/block_views.h"
 
 #include <variant>

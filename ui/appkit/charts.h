@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The views that draw figures. For Objective-C++ only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "settings/key_codes.h"
 #include "ui/appkit/panel_views.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The item in the menu bar.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/appkit/mac_status_item.h"
 
 #import <AppKit/AppKit.h>

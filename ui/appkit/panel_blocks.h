@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The blocks of the panel that are more than one row of text. For Objective-C++ only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The panel's window and what it contains. For Objective-C++ only.
 #pragma once
 

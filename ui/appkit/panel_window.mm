@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/appkit/panel_window.h"
 
 #import <AppKit/AppKit.h>

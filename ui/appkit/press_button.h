@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A button that runs a function. For Objective-C++ only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/appkit/press_button.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A row of a page: a symbol and a text at the left, a text at the right. For Objective-C++ only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/appkit/row_view.h"
 
 #include <variant>

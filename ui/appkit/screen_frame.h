@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A rectangle in screen coordinates.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The cards of the settings window. For Objective-C++ only.
 #pragma once
 

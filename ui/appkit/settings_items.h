@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The views of the items of a settings page. For Objective-C++ only.
 #pragma once
 

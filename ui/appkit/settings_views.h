@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the settings window contains. For Objective-C++ only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/appkit/settings_window_view.h"
 
 #import <AppKit/AppKit.h>

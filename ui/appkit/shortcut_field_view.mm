@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finding the status item's button among the application's windows. For Objective-C++ only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/appkit/status_bar_button.h"
 
 namespace tarnwick::appkit {

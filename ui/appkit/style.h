@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The fonts, colours and symbols that every view draws with. For Objective-C++ only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Windows with a title bar.
 #pragma once
 

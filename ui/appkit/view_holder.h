@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A native view as the content of a window. For Objective-C++ only.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The building blocks of the panel's pages, as plain values. The headers of the pages say in which
 // order the blocks stand; each front end draws each kind of block in one place.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel/held_order.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The order of a list while the pointer is over it.
 #pragma once
 

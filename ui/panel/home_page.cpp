@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel/home_page.h"
 
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page that the panel opens with.
 #pragma once
 

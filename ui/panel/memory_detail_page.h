@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page behind "What's Using Memory?".
 #pragma once
 

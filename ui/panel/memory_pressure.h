@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How short of memory the machine is, as an estimate.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The panel's root: which page is shown, what is on it, and what a press does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Smooth steps from one figure to the next, for figures that are drawn as a length.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A page of the panel as a value: its building blocks from top to bottom.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Puts the building blocks of a page together.
 #pragma once
 

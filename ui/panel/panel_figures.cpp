@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel/panel_figures.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the pages of the panel write and colour their figures.
 #pragma once
 

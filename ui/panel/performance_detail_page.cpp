@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel/performance_detail_page.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page behind "Performance & Network".
 #pragma once
 

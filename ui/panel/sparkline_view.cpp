@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel/sparkline_view.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A small line chart.
 #pragma once
 

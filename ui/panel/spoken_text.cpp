@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel/spoken_text.h"
 
 #include <string_view>

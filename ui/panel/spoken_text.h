@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a screen reader says for a building block.
 #pragma once
 

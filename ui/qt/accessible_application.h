@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How screen readers see the program.
 #pragma once
 

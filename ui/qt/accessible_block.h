@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What screen readers learn about the panel and its blocks in addition to their names.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/block_factory.h"
 
 #include <QPainter>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Makes the widget for a building block.
 #pragma once
 

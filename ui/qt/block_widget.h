@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A widget that draws one building block of a page from its value alone.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The building blocks that hold buttons.
 #pragma once
 

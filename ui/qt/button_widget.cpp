@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/button_widget.h"
 
 #include <QHelpEvent>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Everything in the panel that can be pressed.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/click_by_return.h"
 
 namespace tarnwick::qt {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lets Return press buttons as the space bar does.
 #pragma once
 

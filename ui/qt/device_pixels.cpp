@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/device_pixels.h"
 
 #include <QPainter>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Edges that fall on whole device pixels, also if a logical pixel is not a whole number of them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/double_click_guard.h"
 
 #include <QApplication>

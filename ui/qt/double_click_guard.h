@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Guards against double clicks on something that the first press removes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/focus_ring.h"
 
 #include <QApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Marks the button that has the keyboard's focus.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/foreign_activation.h"
 
 #include <QGuiApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Notices when the user turns to another program while a pop-up is open.
 #pragma once
 

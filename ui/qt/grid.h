@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The measures that the panel's widgets share, in logical pixels.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/panel_placement.h"
 
 #include <algorithm>

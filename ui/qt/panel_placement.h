@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the panel is placed on the screen.
 #pragma once
 

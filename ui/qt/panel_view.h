@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The column of building blocks of a page.
 #pragma once
 

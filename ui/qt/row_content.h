@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Rows of the panel: a symbol, a text at the left and a text at the right, on one baseline.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What assistive technology learns about the settings window in addition to what the toolkit's own
 // controls report.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/settings_buttons.h"
 
 #include <QKeyEvent>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Switches and buttons of the settings window.
 #pragma once
 

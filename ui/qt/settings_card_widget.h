@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rounded card that groups related controls.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The cards of the settings window, each for one value of a page.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The content of the settings window.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Marks the control of the settings window that has the keyboard's focus.
 #pragma once
 

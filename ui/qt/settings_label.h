@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Texts and symbols of the settings window.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/settings_mode_card.h"
 
 #include <QHBoxLayout>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The card of a display mode.
 #pragma once
 

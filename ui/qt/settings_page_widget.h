@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The page of one tab of the settings window; scrolls if it is higher than the window.
 #pragma once
 

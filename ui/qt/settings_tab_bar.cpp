@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/settings_tab_bar.h"
 
 #include <QAccessible>

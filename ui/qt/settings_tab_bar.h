@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The tabs of the settings window, along its top.
 #pragma once
 

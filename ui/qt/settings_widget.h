@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole content of the settings window.
 #pragma once
 

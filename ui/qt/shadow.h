@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The soft shadow under the panel.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/shortcut_field_widget.h"
 
 #include <QAccessible>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The control that records the global shortcut.
 #pragma once
 

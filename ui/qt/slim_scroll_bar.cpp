@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/slim_scroll_bar.h"
 
 #include <QApplication>

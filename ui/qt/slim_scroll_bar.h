@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A vertical scroll bar that is only a handle, and nothing while there is nothing to scroll.
 #pragma once
 

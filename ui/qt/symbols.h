@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The program's own symbols: each is one SVG on a grid of 16, drawn in one colour at any scale.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The colours and fonts that every widget draws with.
 #pragma once
 

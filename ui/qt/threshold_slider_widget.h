@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The slider with two thumbs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/top_apps_widget.h"
 
 #include <QCursor>

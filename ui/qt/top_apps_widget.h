@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Draws a list of processes, with or without a title.
 #pragma once
 

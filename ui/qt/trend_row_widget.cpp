@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/trend_row_widget.h"
 
 #include <QPainter>

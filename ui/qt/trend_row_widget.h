@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Draws a trend: title over value at the left, the sparkline at the right.
 #pragma once
 

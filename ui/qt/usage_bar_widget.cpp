@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/usage_bar_widget.h"
 
 #include <QPaintEvent>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Draws a usage bar.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A widget as the content of a window.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Sentences on a few lines.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the program says about itself.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The choice of what the status item shows.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/settings/dual_threshold_slider.h"
 
 #include <algorithm>

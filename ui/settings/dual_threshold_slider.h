@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The slider that sets a metric's two thresholds. Independent of any toolkit.
 #pragma once
 

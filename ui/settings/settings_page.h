@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a tab of the settings window shows, as a value.
 #pragma once
 

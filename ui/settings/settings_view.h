@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings window's content: what it shows, and what each control does.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The part of the settings in which the global shortcut is recorded.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The card that sets the two thresholds of one metric.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Build tool: compile_symbols OUTPUT.cpp SYMBOL.svg... Lets the SVG library draw each file onto a
 // paint device that records what is drawn, and writes the recording as tables. It supports only
 // what the symbols use; anything else is an error.

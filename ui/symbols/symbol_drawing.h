@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A symbol as strokes and fills on a grid of 16 by 16. The tables are made from the SVG files when
 // the program is built.
 #pragma once

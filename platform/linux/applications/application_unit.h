@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds the application that a process belongs to, by its systemd unit and its program.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/applications/desktop_entry.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The files that describe applications to desktops.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/applications/executable_file.h"
 
 #include <algorithm>

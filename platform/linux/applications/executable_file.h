@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds programs.
 #pragma once
 

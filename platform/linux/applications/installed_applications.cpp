@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/applications/installed_applications.h"
 
 #include <algorithm>

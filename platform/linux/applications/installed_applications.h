@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The applications that are installed, by the names of their desktop entries.
 #pragma once
 

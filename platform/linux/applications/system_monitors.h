@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The system monitors that desktops come with.
 #pragma once
 

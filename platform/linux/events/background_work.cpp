@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/events/background_work.h"
 
 #include <algorithm>

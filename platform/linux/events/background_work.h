@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Work outside the main thread, at a low priority that does not disturb other programs.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the program asks of the system for its own process.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/events/standard_error.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lines on standard error that users should know about.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Folders of the user that may not be there yet.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reading the small files of /proc and /sys.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Why the last call of the system failed.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/files/list_items.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lists in texts, such as PATH.
 #pragma once
 

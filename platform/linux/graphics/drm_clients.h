@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The programs that have a graphics card open.
 #pragma once
 

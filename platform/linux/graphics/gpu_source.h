@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the utilisation of one graphics card comes from.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/graphics/graphics_card.h"
 
 #include <string_view>

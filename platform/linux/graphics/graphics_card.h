@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One graphics card: whether it may be read, its figures and its name.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The small texts that a graphics driver publishes about a card.
 #pragma once
 

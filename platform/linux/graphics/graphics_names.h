@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The names of graphics cards in the databases that most systems have installed.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/graphics/linux_accelerators.h"
 
 #include <algorithm>

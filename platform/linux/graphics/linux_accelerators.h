@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The graphics cards of the machine.
 #pragma once
 

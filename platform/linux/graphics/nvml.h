@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // NVIDIA's management library, loaded at run time.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whether a graphics card is awake, and whether it could fall asleep.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/kernel/clocks.h"
 
 #include <time.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The clocks of the system, in seconds.
 #pragma once
 

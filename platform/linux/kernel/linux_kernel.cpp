@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/kernel/linux_kernel.h"
 
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Kernel statistics from /proc and /sys.
 #pragma once
 

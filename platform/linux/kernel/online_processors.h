@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The number of online processors.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/kernel/page_counts.h"
 
 #include <algorithm>

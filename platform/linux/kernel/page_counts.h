@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the pages of the memory are used for.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Parses /proc/meminfo.
 #pragma once
 

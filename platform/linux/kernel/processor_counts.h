@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Counts the ticks at each position of the list of processors.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/kernel/zfs_cache.h"
 
 #include <charconv>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The memory that the cache of ZFS holds.
 #pragma once
 

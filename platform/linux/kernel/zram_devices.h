@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The memory that compressed swap devices occupy.
 #pragma once
 

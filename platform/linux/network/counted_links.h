@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which links of the network count, so that each byte on the wire counts once.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Byte counters of the network interfaces of a Linux machine.
 #pragma once
 

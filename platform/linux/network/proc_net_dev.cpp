@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/network/proc_net_dev.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The kernel's text files about network interfaces.
 #pragma once
 

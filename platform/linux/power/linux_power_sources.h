@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The machine's battery from the kernel's power supplies.
 #pragma once
 

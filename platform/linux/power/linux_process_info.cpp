@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/power/linux_process_info.h"
 
 #include <algorithm>

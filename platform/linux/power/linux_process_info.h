@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Processors and heat of the machine.
 #pragma once
 

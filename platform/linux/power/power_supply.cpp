@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/power/power_supply.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the files of the kernel's power supplies mean.
 #pragma once
 

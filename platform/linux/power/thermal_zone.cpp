@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/power/thermal_zone.h"
 
 #include <algorithm>

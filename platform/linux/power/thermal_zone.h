@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the temperature of one thermal zone means.
 #pragma once
 

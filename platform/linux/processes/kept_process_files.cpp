@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/processes/kept_process_files.h"
 
 #include <cerrno>

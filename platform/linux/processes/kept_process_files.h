@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stat files of the processes, kept open from one walk to the next.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/processes/linux_process_table.h"
 
 #include <algorithm>

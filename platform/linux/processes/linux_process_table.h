@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The processes of /proc and the applications that the session says they belong to.
 #pragma once
 

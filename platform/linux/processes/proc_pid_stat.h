@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Parses /proc/PID and /proc/PID/stat.
 #pragma once
 

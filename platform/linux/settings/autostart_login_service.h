@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Start at login by an entry in the user's autostart folder.
 #pragma once
 

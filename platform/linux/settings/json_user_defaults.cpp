@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/settings/json_user_defaults.h"
 
 #include <condition_variable>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The per-user store in one JSON file, which its user may edit at any time.
 #pragma once
 

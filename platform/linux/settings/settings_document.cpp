@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/settings/settings_document.h"
 
 #include <algorithm>

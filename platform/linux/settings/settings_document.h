@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text of a settings file as values by key, and back.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings file on the disk: one look at it, and what is brought into it on the way.
 #pragma once
 

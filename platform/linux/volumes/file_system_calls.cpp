@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/volumes/file_system_calls.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What only the file system itself can tell.
 #pragma once
 

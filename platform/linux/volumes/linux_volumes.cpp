@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/volumes/linux_volumes.h"
 
 #include <cerrno>

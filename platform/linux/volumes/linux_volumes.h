@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Capacity and name of a volume from the file system that holds a path.
 #pragma once
 

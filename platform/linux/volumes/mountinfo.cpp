@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/volumes/mountinfo.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Parses /proc/self/mountinfo.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the figures of a file system mean in bytes.
 #pragma once
 

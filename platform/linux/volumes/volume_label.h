@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Labels of file systems, as the device manager lists them.
 #pragma once
 

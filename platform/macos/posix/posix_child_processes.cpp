@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/posix/posix_child_processes.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Child processes through calls that every POSIX system has.
 #pragma once
 

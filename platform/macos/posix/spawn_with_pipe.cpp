@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/posix/spawn_with_pipe.h"
 
 #include <fcntl.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Starting an executable with a pipe to its standard output.
 #pragma once
 

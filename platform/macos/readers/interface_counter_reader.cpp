@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/readers/interface_counter_reader.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the byte counters of the network interfaces through the calls of macOS.
 #pragma once
 

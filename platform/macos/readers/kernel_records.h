@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Decodes the binary records of macOS with kernel statistics from plain bytes.
 //
 // Numbers are in the byte order of the machine; the bytes need no alignment. A decoder returns

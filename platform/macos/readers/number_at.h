@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Numbers inside the binary records of a kernel.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Decodes the binary records of macOS with the process table and the resources of a process from
 // plain bytes.
 //

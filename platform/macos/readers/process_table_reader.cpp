@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/readers/process_table_reader.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The process table made of the bytes that raw system calls deliver.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/readers/profiler_health.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The battery's exact health from the system's hardware profiler.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The macOS calls that deliver the process table and related data as plain bytes. A portable reader
 // makes a process table from these bytes.
 #pragma once

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The interface list in which macOS delivers 64-bit byte counters: a sequence of routing messages,
 // decoded from plain bytes.
 #pragma once

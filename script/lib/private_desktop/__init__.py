@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A desktop of its own for one program: display, session bus, window manager, tray, home folder.
 
 Used by script/run, script/footprint and the desktop tests. Nothing of the user's session is read

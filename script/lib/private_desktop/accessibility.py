@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """What screen readers see of a program: its tree on the accessibility bus."""
 
 from gi.repository import Gio, GLib

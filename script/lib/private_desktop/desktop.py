@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The private desktop as a whole."""
 
 import os

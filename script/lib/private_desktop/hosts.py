@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Programs that show a tray, each with a configuration that makes it show little else."""
 
 import dataclasses

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Processes that end with the script that started them, on every way out."""
 
 import ctypes

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """One program with a status item and a panel, on a private desktop."""
 
 import signal

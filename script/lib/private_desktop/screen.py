@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The X display: its windows, a pointer and a keyboard, pictures of what is on it."""
 
 import contextlib

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The private session bus: status items that are registered on it, and the colour scheme."""
 
 import dataclasses

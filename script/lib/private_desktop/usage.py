@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """The costs of a process, read from /proc."""
 
 import dataclasses

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """Waiting for a condition instead of for a time."""
 
 import time

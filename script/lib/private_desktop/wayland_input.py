@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A pointer and a keyboard for a Wayland compositor that has none.
 
 Speaks the few requests that it takes straight over the compositor's socket: no program or library

@@ -1,3 +1,4 @@
+# SPDX-License-Identifier: MIT
 """A Wayland session without a display: the compositor sway, controlled from outside."""
 
 import io

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/records/checked_math.h"
 
 #include <cstdint>

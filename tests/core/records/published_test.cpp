@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/records/published.h"
 
 #include <gtest/gtest.h>

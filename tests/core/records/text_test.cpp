@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "core/records/text.h"
 
 #include <clocale>

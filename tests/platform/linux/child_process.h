@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Work in a process of its own, for cases that one process cannot show: other lock holders, a
 // sudden end, fewer rights, limits.
 #pragma once

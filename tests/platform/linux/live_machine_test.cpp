@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The readers on the machine that runs the tests, beside the tools that people trust.
 #include <algorithm>
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/linux/machine_tree.h"
 
 #include <algorithm>

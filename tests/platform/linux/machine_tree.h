@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // File trees that stand for a machine: recorded ones and ones that a test writes.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Every reader of one moment over every recorded machine, side by side.
 #include <cstdint>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A private folder for one test, removed with everything in it.
 #pragma once
 

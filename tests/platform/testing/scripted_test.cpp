@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stand-ins themselves: a test can only be trusted when they do what they say.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/ui/panel/detail_fixtures.h"
 
 #include <cmath>

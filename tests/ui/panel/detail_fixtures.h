@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Machines in interesting states, as inputs of the detail pages.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole pages against tests/golden/*.txt. After a change that is meant, run script/golden, which
 // writes the files anew and shows the difference, and read that before committing it.
 #include <cstdlib>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/ui/panel/home_fixtures.h"
 
 #include <array>

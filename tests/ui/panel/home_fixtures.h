@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Machines in interesting states, as inputs of the home page.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel/memory_pressure.h"
 
 #include <cstdint>

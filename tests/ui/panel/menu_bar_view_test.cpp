@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel/menu_bar_view.h"
 
 #include <gmock/gmock.h>

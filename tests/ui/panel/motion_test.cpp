@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/panel/motion.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds items in a page.
 #pragma once
 

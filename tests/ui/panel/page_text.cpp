@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/ui/panel/page_text.h"
 
 #include <sstream>

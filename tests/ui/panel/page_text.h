@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A page as text, for people to read and for tests to compare.
 #pragma once
 

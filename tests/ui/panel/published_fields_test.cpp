@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Everything that the manager publishes and every threshold reaches the page that shows it.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The battery block of recorded machines: from the kernel's files to what the panel says.
 #include <gtest/gtest.h>
 #include <optional>

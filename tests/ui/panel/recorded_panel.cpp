@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/ui/panel/recorded_panel.h"
 
 #include <algorithm>

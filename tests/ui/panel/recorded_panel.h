@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The panel over a recorded machine: the real sources, the real manager, a turned clock.
 #pragma once
 

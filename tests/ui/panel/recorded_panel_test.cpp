@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The whole way over recorded machines: from the kernel's files to what the panel says.
 #include "tests/ui/panel/recorded_panel.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/accessible_block.h"
 
 #include <QAccessible>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The events that assistive technology receives.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Finds what a widget has drawn.
 #pragma once
 

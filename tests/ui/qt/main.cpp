@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the widget tests in one application without a display, in a home of its own.
 #include <QApplication>
 #include <QFile>

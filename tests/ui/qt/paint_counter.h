@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Records what is painted between two moments of a test.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the panel's blocks are drawn: which text stands where, in which font and colour.
 #include <gtest/gtest.h>
 

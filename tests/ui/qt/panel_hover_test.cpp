@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The rows of a process list stay under the pointer, whatever happens around them.
 #include <QHelpEvent>
 #include <QScrollArea>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What of the panel moves, and what is painted for it.
 #include <QApplication>
 #include <QPainter>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What of a page is painted when some of its figures change.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

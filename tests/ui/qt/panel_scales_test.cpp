@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The panel's pixels at every scale, also where a point is no whole number of them.
 #include <QPainter>
 #include <QtMath>

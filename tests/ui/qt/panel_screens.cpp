@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // panel_screens FOLDER: pictures of the panel's pages in every state that the tests keep as text,
 // and over every recorded machine while it is calm and while it is in trouble; light and dark, at
 // the scale that QT_SCALE_FACTOR says.

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What holds of every page, whatever the machine is like.
 #include <algorithm>
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A page of the panel without its window.
 #pragma once
 

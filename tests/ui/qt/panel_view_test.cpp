@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/panel_view.h"
 
 #include <QApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The panel over a stats manager on scripted samplers.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Presses of the pointer that change what lies under it.
 #include <QScrollBar>
 #include <QStyleHints>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The pointer of a screen without a display.
 #pragma once
 

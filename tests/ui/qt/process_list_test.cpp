@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lists of processes, and what they do under the pointer.
 #include <QApplication>
 #include <QHelpEvent>

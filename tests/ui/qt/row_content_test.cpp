@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/row_content.h"
 
 #include <gtest/gtest.h>

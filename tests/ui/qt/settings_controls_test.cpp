@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the controls of the settings window do and show.
 #include <QAccessible>
 #include <QAccessibleInterface>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a drag in the settings window writes onto the disk.
 #include "benchmarks/settings_drag.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the settings window is drawn: which symbol, text and measure stands where, in which colour.
 #include <algorithm>
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What is left of a settings window that was closed.
 #include <cstdint>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // settings_screens FOLDER: pictures of every tab of the settings window, light and dark, at several
 // scales and with larger fonts.
 #include <QApplication>

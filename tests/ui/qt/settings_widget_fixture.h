@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The content of the settings window on a screen without a display, over a store in memory.
 #pragma once
 

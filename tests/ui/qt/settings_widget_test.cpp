@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The settings window's content as a whole: tabs, keyboard, what stands where.
 #include "ui/qt/settings_widget.h"
 

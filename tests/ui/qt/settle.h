@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Lets an application without a display finish its pending work.
 #pragma once
 

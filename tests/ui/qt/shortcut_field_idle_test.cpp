@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The shortcut's field while it has the keyboard and records nothing.
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

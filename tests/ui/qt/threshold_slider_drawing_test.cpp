@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The measures of the slider for two thresholds, and who gets the keyboard.
 #include <gtest/gtest.h>
 

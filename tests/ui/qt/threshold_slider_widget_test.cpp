@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/threshold_slider_widget.h"
 
 #include <QAccessible>

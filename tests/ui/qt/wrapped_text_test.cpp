@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/wrapped_text.h"
 
 #include <QApplication>

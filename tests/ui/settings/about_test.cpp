@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/settings/about.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/settings/display_mode_card.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Whole tabs against tests/golden/settings_*.txt. After a change that is meant, run the tests with
 // TARNWICK_RENEW_GOLDEN=1 to write the files anew, and read the difference before committing it.
 #include <cstdlib>

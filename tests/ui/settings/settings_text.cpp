@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/ui/settings/settings_text.h"
 
 #include <sstream>

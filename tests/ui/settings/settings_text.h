@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Pages of the settings as text, for tests.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A settings view over a store in memory.
 #pragma once
 

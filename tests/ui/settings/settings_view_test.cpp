@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/settings/settings_view.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/settings/shortcut_editor.h"
 
 #include <gmock/gmock.h>

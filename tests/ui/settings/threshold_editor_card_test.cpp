@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/settings/threshold_editor_card.h"
 
 #include <cmath>

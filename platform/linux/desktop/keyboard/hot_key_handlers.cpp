@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/hot_key_handlers.h"
 
 #include <utility>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Code that all sources of hot keys share: handles, and the handler of their events.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The keys of a keyboard by their place: virtual key codes, as shortcuts are stored, and the key
 // codes of X11, which Wayland shares.
 #pragma once

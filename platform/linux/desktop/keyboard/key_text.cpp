@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/key_text.h"
 
 #include <QChar>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What a key is called: the characters that it produces in a keyboard layout.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/keysym_layout.h"
 
 namespace tarnwick::platform {

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A keyboard layout that also gives the XKB keysyms of its keys.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/portal_hot_keys.h"
 
 #include <QMetaObject>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hot keys of desktops that do not let programs grab keys and grant shortcuts through a portal
 // instead.
 #pragma once

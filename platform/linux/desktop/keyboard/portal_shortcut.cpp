@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/portal_shortcut.h"
 
 #include <QDBusArgument>

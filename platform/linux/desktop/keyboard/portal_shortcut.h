@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One shortcut, requested from the desktop through the portal, which asks the user.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/portal_types.h"
 
 #include <QDBusMetaType>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The compound values of the shortcuts portal, and their marshalling.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/session_keyboard.h"
 
 #include <QAbstractEventDispatcher>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Shortcuts and key names of the session at hand.
 #pragma once
 

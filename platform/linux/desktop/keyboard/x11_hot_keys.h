@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hot keys of an X server, by passive grabs of its keyboard.
 #pragma once
 

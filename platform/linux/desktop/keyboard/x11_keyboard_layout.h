@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Names of keys in the layout of an X server.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The bits of an X11 key event for the modifiers of a shortcut.
 #pragma once
 

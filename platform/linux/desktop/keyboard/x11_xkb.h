@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Includes the header of X11's keyboard extension, which is written for C only.
 #pragma once
 

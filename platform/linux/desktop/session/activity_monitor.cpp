@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/session/activity_monitor.h"
 
 #include <QDir>

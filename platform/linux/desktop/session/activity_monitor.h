@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Opens the desktop's own system monitor.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How the desktop wants programs to look and move.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Calls over the bus that do not wait, and the content of messages.
 #pragma once
 

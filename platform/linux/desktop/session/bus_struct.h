@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Structures of the bus, marshalled by the list of their fields.
 #pragma once
 

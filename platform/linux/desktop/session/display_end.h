@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ends the program properly when the display disappears.
 #pragma once
 

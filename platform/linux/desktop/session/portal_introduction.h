@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Telling the desktop's portal which program is calling.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Settings of the desktop, as its portal tells them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The dispatch of a Qt program: its event loop, and threads for work that may block.
 #pragma once
 

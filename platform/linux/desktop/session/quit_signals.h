@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Ends the program when the session or the user sends a signal.
 #pragma once
 

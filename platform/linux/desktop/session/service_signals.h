@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Signals of the program that owns a name on the bus.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/session/session_bus.h"
 
 #include <QByteArray>

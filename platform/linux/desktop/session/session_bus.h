@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The way to the session bus.
 #pragma once
 

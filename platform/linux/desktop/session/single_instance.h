@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // One Tarnwick per session: a second start asks the first one to open its panel.
 #pragma once
 

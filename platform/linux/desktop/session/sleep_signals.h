@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The machine waking from sleep.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the toolkit is told of the desktop when the program starts.
 #pragma once
 

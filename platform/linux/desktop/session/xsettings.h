@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Reads the settings that a desktop's settings daemon stores on an X11 display, and the interface
 // font among them.
 #pragma once

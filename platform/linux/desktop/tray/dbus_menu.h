@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The item's menu as an object on the session bus, in the protocol of com.canonical.dbusmenu.
 #pragma once
 

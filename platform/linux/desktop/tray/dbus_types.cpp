@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/tray/dbus_types.h"
 
 #include <QDBusMetaType>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The compound values that tray hosts exchange over the bus, and their marshalling.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The item in the older kind of tray, where the program docks a small window of its own (X11).
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The status item's pictures: the icon as a square in the sizes that tray hosts ask for or as a
 // file, or icon and text side by side.
 #pragma once

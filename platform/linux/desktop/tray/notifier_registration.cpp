@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/tray/notifier_registration.h"
 
 #include <QCoreApplication>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Keeps the status item registered with the StatusNotifier watcher of the session.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where on the screen the pointer is, as the place of something that was just clicked.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Answers to org.freedesktop.DBus.Properties for objects that keep their properties in a map.
 #pragma once
 

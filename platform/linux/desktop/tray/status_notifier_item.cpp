@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/tray/status_notifier_item.h"
 
 #include <QDBusObjectPath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The status item as an object on the session bus, in the protocol of StatusNotifierItem.
 #pragma once
 

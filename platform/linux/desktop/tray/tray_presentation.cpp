@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/tray/tray_presentation.h"
 
 #include <array>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Where the live text goes, by the program that shows the tray.
 #pragma once
 

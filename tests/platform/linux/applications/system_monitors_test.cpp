@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/applications/system_monitors.h"
 
 #include <filesystem>

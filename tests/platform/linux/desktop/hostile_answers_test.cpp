@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Programs that own the names of services and answer anything.
 #include <QDBusArgument>
 #include <QDBusObjectPath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Calls of the program's objects with arguments that they do not take.
 #include <QDBusVariant>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Signals from a wrong sender, and signals from the right sender with wrong arguments. They change
 // nothing, and later true signals still have their effect.
 #include <QDBusObjectPath>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the tests in one application without a display, in a home of its own and without the
 // user's session bus.
 #include <QApplication>

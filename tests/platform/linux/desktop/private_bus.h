@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A message bus of the test's own.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/linux/desktop/private_display.h"
 
 #include <xcb/xinput.h>

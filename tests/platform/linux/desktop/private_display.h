@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // An X server of the test's own, and actions on it as other programs perform them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/linux/desktop/random_bodies.h"
 
 #include <QDBusArgument>

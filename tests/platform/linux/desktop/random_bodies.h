@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Message contents that a hostile program could send.
 #pragma once
 

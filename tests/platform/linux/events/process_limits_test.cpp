@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/events/process_limits.h"
 
 #include <algorithm>

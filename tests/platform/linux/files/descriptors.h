@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How many files a process has open and may have open.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Which files were opened.
 #pragma once
 

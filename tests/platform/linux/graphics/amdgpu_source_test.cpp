@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cards of the amdgpu driver.
 #include <gtest/gtest.h>
 #include <memory>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/graphics/drm_clients.h"
 
 #include <gmock/gmock.h>

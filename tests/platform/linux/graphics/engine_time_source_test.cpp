@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Cards whose drivers tell how long the engines worked.
 #include <cstdint>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/graphics/graphics_files.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The graphics cards of the machine that runs the tests.
 #include <array>
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The stand-in for NVIDIA's management library, loaded by a test.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/graphics/nvml.h"
 
 #include <gtest/gtest.h>

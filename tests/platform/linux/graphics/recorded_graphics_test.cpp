@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Recorded parts of machines: their graphics at one moment and two seconds later.
 #include <algorithm>
 #include <filesystem>

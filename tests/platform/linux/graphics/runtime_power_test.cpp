@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/graphics/runtime_power.h"
 
 #include <gtest/gtest.h>

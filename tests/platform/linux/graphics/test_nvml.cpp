@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/linux/graphics/test_nvml.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A stand-in for NVIDIA's management library: a shared object with answers that a test sets.
 #pragma once
 

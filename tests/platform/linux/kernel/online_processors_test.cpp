@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/kernel/online_processors.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/kernel/proc_meminfo.h"
 
 #include <cstdint>

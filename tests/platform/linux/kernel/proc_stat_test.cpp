@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/kernel/proc_stat.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/kernel/processor_counts.h"
 
 #include <gmock/gmock.h>

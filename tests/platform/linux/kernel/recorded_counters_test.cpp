@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What the processor and memory samplers say of the recorded processors and memories.
 #include <cstdint>
 #include <gmock/gmock.h>

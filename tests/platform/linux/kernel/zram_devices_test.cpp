@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/kernel/zram_devices.h"
 
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/network/counted_links.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/linux/network/network_namespace.h"
 
 #include <algorithm>

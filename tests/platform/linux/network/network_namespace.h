@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A private network for a test, with interfaces of its own that no other process sees.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The sampler in private networks with interfaces of the test's own and real traffic, beside what
 // the tool that people trust says.
 #include "tests/platform/linux/network/network_namespace.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What several packs are together, and what a gauge or a limit says beside the amounts.
 #include <gtest/gtest.h>
 #include <string>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/power/linux_power_sources.h"
 
 #include <filesystem>

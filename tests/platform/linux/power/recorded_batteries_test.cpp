@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The battery of each recorded machine that shows something of its own.
 #include <cstdint>
 #include <gtest/gtest.h>

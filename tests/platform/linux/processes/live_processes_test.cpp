@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The process lists on the machine that runs the tests, with processes that the tests start.
 #include <algorithm>
 #include <array>

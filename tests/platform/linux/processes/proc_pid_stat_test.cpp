@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/processes/proc_pid_stat.h"
 
 #include <gtest/gtest.h>

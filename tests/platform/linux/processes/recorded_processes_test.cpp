@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The process lists of all recorded machines.
 #include <cstdint>
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/settings/autostart_login_service.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/linux/settings/counted_syncs.h"
 
 #include <cerrno>

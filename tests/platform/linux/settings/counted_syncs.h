@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // How often a test program forces a file onto the disk, and what comes of it.
 #pragma once
 

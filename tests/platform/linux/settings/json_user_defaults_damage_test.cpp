@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Files that hold no settings, and values that are none.
 #include <cstdint>
 #include <filesystem>

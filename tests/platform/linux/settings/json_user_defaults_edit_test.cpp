@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // What somebody else writes into the file while the program runs.
 #include <fcntl.h>
 #include <filesystem>

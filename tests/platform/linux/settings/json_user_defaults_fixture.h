@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A store on a file in a private folder, in virtual time, with what it told the user.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Places that take no settings, and what is said about each.
 #include <algorithm>
 #include <cerrno>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The store on a file: what readers see, what is written and when, and its end.
 #include "platform/linux/settings/json_user_defaults.h"
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The text of a settings file as values and back.
 #include "platform/linux/settings/settings_document.h"
 

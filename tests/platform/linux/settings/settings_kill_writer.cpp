@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Kills a program that writes settings, at random moments, and looks at what is left:
 //
 //   settings_kill_writer [KILLS]

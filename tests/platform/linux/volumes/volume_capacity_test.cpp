@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/volumes/volume_capacity.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A child for the tests of the process runner: child_program <what to do> [...].
 #include <csignal>
 #include <cstdio>

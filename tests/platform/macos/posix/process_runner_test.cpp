@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The runner with real children. Where a child is to be too slow, the clock is turned once the
 // child has printed what shows how far it has come.
 #include "services/process_runner.h"

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Real child processes, and checks that they leave nothing behind.
 #pragma once
 

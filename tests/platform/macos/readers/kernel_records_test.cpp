@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/readers/kernel_records.h"
 
 #include <cstring>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/readers/process_records.h"
 
 #include <cstring>

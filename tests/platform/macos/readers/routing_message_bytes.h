@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Builds routing messages for tests.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/macos/readers/routing_messages.h"
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/macos/readers/scripted_raw_process_table.h"
 
 #include <algorithm>

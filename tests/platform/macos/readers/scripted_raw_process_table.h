@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The system calls below the process table of macOS, with scripted answers.
 #pragma once
 

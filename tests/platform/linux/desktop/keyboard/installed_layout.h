@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A keyboard with layouts as they are installed on the machine.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/key_codes.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The user's shortcut on a desktop with a portal, from the settings to the press.
 #include <functional>
 #include <gmock/gmock.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/linux/desktop/keyboard/scripted_compositor.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A Wayland compositor without a screen: seats with keyboards, as a test scripts them.
 #pragma once
 

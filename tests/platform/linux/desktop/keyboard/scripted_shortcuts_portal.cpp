@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/linux/desktop/keyboard/scripted_shortcuts_portal.h"
 
 #include <QDBusArgument>

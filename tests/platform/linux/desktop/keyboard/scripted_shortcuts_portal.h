@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A shortcuts portal that does what a test says and records the requests.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Virtual key codes, named after what a US keyboard prints on the keys.
 #pragma once
 

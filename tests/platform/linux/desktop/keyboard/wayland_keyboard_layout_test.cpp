@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/wayland_keyboard_layout.h"
 
 #include <filesystem>

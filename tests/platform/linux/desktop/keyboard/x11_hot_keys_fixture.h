@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Hot keys on an X server of the test's own. The test sees every event that comes for them.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/x11_modifiers.h"
 
 #include <gtest/gtest.h>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The user's shortcut on an X server, from the settings to the press.
 #include <QDeadlineTimer>
 #include <functional>

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A settings portal with the values that a test sets.
 #pragma once
 

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/session/sleep_signals.h"
 
 #include <gtest/gtest.h>

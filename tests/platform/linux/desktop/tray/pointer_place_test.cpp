@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/tray/pointer_place.h"
 
 #include <gtest/gtest.h>

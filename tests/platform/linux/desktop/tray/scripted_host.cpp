@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "tests/platform/linux/desktop/tray/scripted_host.h"
 
 #include <QDBusArgument>

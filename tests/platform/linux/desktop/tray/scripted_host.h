@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // A tray host that does what a test says and records what it receives.
 #pragma once
 
