@@ -1,7 +1,9 @@
+// SPDX-License-Identifier: MIT
 #include "tools/probed_machine.h"
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -81,12 +83,13 @@ struct ProbedMachine::Samplers {
         [this] { return readBattery(); },
         [this] { return platform::Date{kernel.wallClockSeconds()}; },
         [this] { return kernel.monotonicSeconds(); },
-        [this] { return powerSources.identity(); }};
+        [this] { return names.read([this] { return powerSources.identity(); }).value_or(""); }};
 
     // The sources that may hang.
     TimedSource<StorageInfo> volume{workers, platform::kSourcePatience};
     TimedSource<std::optional<BatteryInfo>> supplies{workers, platform::kSourcePatience};
     TimedSource<std::optional<HealthReading>> health{workers, platform::kSourcePatience};
+    TimedSource<std::string> names{workers, platform::kSourcePatience};
     TimedSource<std::int64_t> zones{workers, platform::kSensorPatience};
     bool isBatterySilent = false;
 

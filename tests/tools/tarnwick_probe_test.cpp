@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // Runs the program itself.
 #include <array>
 #include <cstdint>
@@ -342,6 +343,23 @@ TEST(Probe, ASourceThatHangsHoldsUpNoOther) {
     EXPECT_EQ(sample["gpu"]["usagePercentage"], 88);
     EXPECT_EQ(sample["battery"]["percentage"], 80);
     EXPECT_EQ(sample["storage"][0]["name"], "home");
+}
+
+TEST(Probe, ABatteryThatBeginsToHangHoldsUpNothing) {
+    if (*SANITIZED != '\0') {
+        GTEST_SKIP() << "the sanitizers want to be loaded first";
+    }
+    const MachineTree tree("handheld");
+    // It hangs from the first line on; while its last figures stand, nobody may ask it who it is.
+    const std::string stuck = tree.root() + "/stuck";
+    const Outcome result =
+        runShell("TARNWICK_STUCK_WHILE=" + stuck + " TARNWICK_STUCK_FILES=" + tree.root() +
+                 "/sys/class/power_supply LD_PRELOAD=" STUCK_FILES " timeout 60 " PROBE
+                 " --interval 0.2 --samples 3 --root " +
+                 tree.root() + " 2>&1 | { read -r line; echo \"$line\"; : >" + stuck + "; cat; }");
+    const std::vector<json> samples = lines(result.output);
+    ASSERT_EQ(samples.size(), 3U) << result.output;
+    EXPECT_EQ(samples.back()["battery"]["percentage"], 80);
 }
 
 TEST(Probe, APipeInThePlaceOfASensorHoldsUpNothing) {
