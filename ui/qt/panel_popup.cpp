@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/panel_popup.h"
 
 #include <QBitmap>
@@ -120,8 +121,14 @@ void PanelPopup::takeInput(int attempt) {
     }
 }
 
+void PanelPopup::putAway() {
+    // On Wayland hiding makes the window inactive before it is hidden.
+    isPutAway_ = true;
+    hide();
+}
+
 void PanelPopup::dismiss() {
-    wasDismissedByPress_ = true;
+    wasDismissedByPress_ = !isPutAway_;
     hide();
 }
 
@@ -182,7 +189,7 @@ void PanelPopup::cancel() {
     const bool stays = cancel_ && cancel_();
     isCancelling_ = false;
     if (!stays) {
-        hide();
+        putAway();
     }
 }
 

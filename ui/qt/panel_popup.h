@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 // The panel while it is on screen.
 #pragma once
 
@@ -43,6 +44,8 @@ class PanelPopup final : public QWidget {
     /// True if a press outside hid the panel, or something that a press outside may have caused:
     /// the activation of another window.
     bool wasDismissedByPress() const { return wasDismissedByPress_; }
+    /// Hides the panel because the user asked for that, not by a press outside.
+    void putAway();
 
  signals:
     void hidden();
@@ -79,6 +82,7 @@ class PanelPopup final : public QWidget {
     /// True while the button is down after a press outside.
     bool isPressedOutside_ = false;
     bool wasDismissedByPress_ = false;
+    bool isPutAway_ = false;
 };
 
 }  // namespace tarnwick::qt

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "ui/qt/panel_window.h"
 
 #include <cstdlib>
@@ -73,7 +74,7 @@ void PanelWindow::pageChanged(const Page& page) {
 
 void PanelWindow::close() {
     if (popup_ != nullptr) {
-        popup_->hide();
+        popup_->putAway();
     }
 }
 

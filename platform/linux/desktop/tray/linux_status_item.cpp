@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/tray/linux_status_item.h"
 
 #include <QGuiApplication>
@@ -94,7 +95,7 @@ void LinuxStatusItem::start() {
         notifier_ = std::make_unique<StatusNotifierItem>(
             bus_, kMenuPath,
             NotifierActions{
-                .activate = [this] { clicked(); },
+                .activate = [this] { activated(); },
                 .secondaryActivate = [this] { run(actions_.refresh); },
                 .activationToken = [this](const QString& token) { keepActivationToken(token); }});
         activationToken_.setSingleShot(true);
@@ -162,6 +163,15 @@ void LinuxStatusItem::update() {
 std::optional<QRect> LinuxStatusItem::anchor() const {
     const std::optional<QRect> embedded = embedded_ ? embedded_->place() : std::nullopt;
     return embedded ? embedded : anchor_;
+}
+
+void LinuxStatusItem::activated() {
+    if (sinceActivation_.isValid() && sinceActivation_.elapsed() < options_.samePressMilliseconds) {
+        return;
+    }
+    clicked();
+    // From here on, because opening the panel takes a while.
+    sinceActivation_.start();
 }
 
 void LinuxStatusItem::clicked() {

@@ -1,8 +1,10 @@
+// SPDX-License-Identifier: MIT
 // The status item on Linux: on the bus where a StatusNotifier host draws it, else in the tray of
 // the older kind.
 #pragma once
 
 #include <QDBusConnection>
+#include <QElapsedTimer>
 #include <QImage>
 #include <QObject>
 #include <QRect>
@@ -41,6 +43,9 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         /// Milliseconds for which a token of the compositor is kept for the window that a press
         /// opens.
         int tokenMilliseconds = 2000;
+        /// Milliseconds from the end of a press on the bus in which another one counts as the same:
+        /// waybar reports the second press of a quick pair as a press and as a double click.
+        int samePressMilliseconds = 20;
         /// Returns the name of a process's program.
         NotifierRegistration::ProgramOf programOf = programOfProcess;
         /// How soon a host that refuses the item is asked again.
@@ -76,6 +81,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     void hostChanged();
     void countTimeWithoutTray();
     void update();
+    /// A host on the bus reports a press.
+    void activated();
     void clicked();
     ItemIcon icon() const;
     NotifierContent notifierContent(const TrayPresentation& presentation);
@@ -89,6 +96,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     std::optional<StatusItemContent> content_;
     std::vector<MenuEntry> entries_;
     std::optional<QRect> anchor_;
+    /// Runs from the end of the last press that a host on the bus reported.
+    QElapsedTimer sinceActivation_;
     // The last drawn icons and what they show: kept, because most changes affect only the text.
     std::optional<ItemIcon> squaresOf_;
     IconPixmaps squares_;

@@ -1,3 +1,4 @@
+// SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/tray/linux_status_item.h"
 
 #include <QCoreApplication>
@@ -39,13 +40,14 @@ class Item : public ::testing::Test {
     Item() { make(itemBus_); }
 
     void make(const QDBusConnection& bus, int noTrayMilliseconds = 3'600'000,
-              int tokenMilliseconds = 3'600'000) {
+              int tokenMilliseconds = 3'600'000, int samePressMilliseconds = 0) {
         item_.reset();
         LinuxStatusItem::Options options;
         options.painter = paint;
         options.notice = [this](std::string_view line) { notices_.emplace_back(line); };
         options.noTrayMilliseconds = noTrayMilliseconds;
         options.tokenMilliseconds = tokenMilliseconds;
+        options.samePressMilliseconds = samePressMilliseconds;
         options.programOf = [this](unsigned) { return program_; };
         options.retryDelays = {.first = 1, .longest = 4};
         options.runtimeFolder = runtime_.path().toStdString();
@@ -382,6 +384,23 @@ TEST_F(Item, ReportsClicksOfEachButton) {
     host_.callItem("SecondaryActivate", {0, 0});
     EXPECT_EQ(refreshes_, 1);
     EXPECT_EQ(clicks_, 1);
+}
+
+TEST_F(Item, TakesTwoReportsOfOnePressForOneClick) {
+    make(itemBus_, 3'600'000, 3'600'000, 3'600'000);
+    show();
+    beginHost();
+    host_.callItem("Activate", {0, 0});
+    host_.callItem("Activate", {0, 0});
+    EXPECT_EQ(clicks_, 1);
+}
+
+TEST_F(Item, TakesTwoPressesForTwoClicks) {
+    show();
+    beginHost();
+    host_.callItem("Activate", {0, 0});
+    host_.callItem("Activate", {0, 0});
+    EXPECT_EQ(clicks_, 2);
 }
 
 TEST_F(Item, KeepsATokenOfTheCompositorForTheToolkit) {
