@@ -2,6 +2,7 @@
 // The program on a Linux desktop: puts the machine, the toolkit and the shell together.
 #include <QApplication>
 #include <QDesktopServices>
+#include <QIcon>
 #include <QLoggingCategory>
 #include <QProcessEnvironment>
 #include <QScreen>
@@ -10,8 +11,10 @@
 #include <QTimer>
 #include <QUrl>
 #include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <system_error>
 
@@ -21,6 +24,7 @@
 #include "platform/linux/desktop/keyboard/session_keyboard.h"
 #include "platform/linux/desktop/session/activity_monitor.h"
 #include "platform/linux/desktop/session/appearance.h"
+#include "platform/linux/desktop/session/command_line.h"
 #include "platform/linux/desktop/session/display_end.h"
 #include "platform/linux/desktop/session/portal_introduction.h"
 #include "platform/linux/desktop/session/qt_dispatch.h"
@@ -33,6 +37,7 @@
 #include "platform/linux/events/process_limits.h"
 #include "platform/linux/events/standard_error.h"
 #include "platform/linux/graphics/linux_accelerators.h"
+#include "platform/linux/identifier.h"
 #include "platform/linux/kernel/linux_kernel.h"
 #include "platform/linux/network/linux_network_interfaces.h"
 #include "platform/linux/power/linux_power_sources.h"
@@ -153,6 +158,15 @@ void giveBackMemory() {
     platform::giveBackFreedMemory();
 }
 
+/// For window managers that do not look into the desktop entry.
+QIcon windowIcon() {
+    QIcon icon;
+    for (const char* picture : {":/16.png", ":/32.png", ":/48.png", ":/64.png", ":/128.png"}) {
+        icon.addFile(picture);
+    }
+    return icon;
+}
+
 /// The running program; the one of the session. Its members stand in the order of their lives.
 class Program {
  public:
@@ -161,8 +175,9 @@ class Program {
     Program(QApplication& application, const platform::StartConditions& conditions,
             const QDBusConnection& bus, platform::SingleInstance& instance);
 
-    /// Returns the exit status when the user, a signal or the session has ended the program.
-    int run();
+    /// Fulfils `request` and returns the exit status when the user, a signal or the session has
+    /// ended the program.
+    int run(std::optional<platform::Request> request);
 
  private:
     PanelTargets panelTargets();
@@ -170,6 +185,7 @@ class Program {
     /// At the item or, where its place is not known, in a corner.
     QRect panelAnchor() const;
     void openPanel();
+    void perform(platform::Request request);
     void quit();
 
     QApplication& application_;
@@ -179,7 +195,7 @@ class Program {
     qt::Theme theme_;
     platform::LinuxStatusItem item_;
     const platform::ColorScheme colorScheme_;
-    qt::TitledWindows windows_{giveBackMemory};
+    qt::TitledWindows windows_{giveBackMemory, windowIcon};
     TarnwickApp app_;
     MenuBarView view_;
     qt::PanelWindow panel_;
@@ -211,7 +227,10 @@ Program::Program(QApplication& application, const platform::StartConditions& con
       reducedMotion_(bus, [this](bool isReduced) { panel_.setMotionReduced(isReduced); }),
       sleepSignals_(QDBusConnection::systemBus(), [this] { app_.machineDidWake(); }) {
     item_.setActions(itemActions());
-    instance_.setOpenPanel([this] { openPanel(); });
+    instance_.setPerform([this](platform::Request request, const QString& activationToken) {
+        item_.keepActivationToken(activationToken);
+        perform(request);
+    });
     QObject::connect(&panel_, &qt::PanelWindow::widgetsFreed, giveBackMemory);
     QTimer::singleShot(kStartIsOver, &application_, &platform::giveBackFreedMemory);
     // Only the entry at login starts the program again: a session that restores what ran in it
@@ -221,8 +240,11 @@ Program::Program(QApplication& application, const platform::StartConditions& con
         [](QSessionManager& session) { session.setRestartHint(QSessionManager::RestartNever); });
 }
 
-int Program::run() {
+int Program::run(std::optional<platform::Request> request) {
     app_.appDelegate().applicationDidFinishLaunching();
+    if (request) {
+        perform(*request);
+    }
     const int status = application_.exec();
     // A session's end comes without a call of quit().
     instance_.release();
@@ -267,6 +289,21 @@ void Program::openPanel() {
     panel_.open(panelAnchor());
 }
 
+void Program::perform(platform::Request request) {
+    switch (request) {
+        case platform::Request::openPanel:
+            openPanel();
+            break;
+        case platform::Request::togglePanel:
+            app_.appDelegate().panelWasAskedFor();
+            panel_.toggle(panelAnchor());
+            break;
+        case platform::Request::showSettings:
+            app_.showSettingsWindow();
+            break;
+    }
+}
+
 void Program::quit() {
     // From here on a new start becomes the owner instead of asking this exiting process for its
     // panel.
@@ -274,11 +311,12 @@ void Program::quit() {
     application_.quit();
 }
 
-int run(QApplication& application, const platform::StartConditions& conditions) {
+int run(QApplication& application, const platform::StartConditions& conditions,
+        std::optional<platform::Request> request) {
     const QDBusConnection bus = platform::sessionBus();
     platform::SingleInstance instance(bus, qEnvironmentVariable("XDG_RUNTIME_DIR"),
                                       platform::displayName());
-    switch (instance.claim()) {
+    switch (instance.claim(request.value_or(platform::Request::openPanel))) {
         case platform::SingleInstance::Claim::first:
             break;
         case platform::SingleInstance::Claim::handedOver:
@@ -291,7 +329,7 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
         platform::notice("there is no session bus: only a tray of the older kind can be used");
     }
     platform::applyInterfaceFont();
-    return Program(application, conditions, bus, instance).run();
+    return Program(application, conditions, bus, instance).run(request);
 }
 
 }  // namespace
@@ -299,6 +337,12 @@ int run(QApplication& application, const platform::StartConditions& conditions) 
 
 int main(int argc, char* argv[]) {
     using namespace tarnwick;
+    const platform::CommandLine commandLine =
+        platform::parseCommandLine(argc, argv, TARNWICK_VERSION);
+    if (commandLine.text) {
+        std::fputs(commandLine.text->c_str(), stdout);
+        return EXIT_SUCCESS;
+    }
     if (!hasDisplay()) {
         platform::notice("there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
         return EXIT_FAILURE;
@@ -311,9 +355,9 @@ int main(int argc, char* argv[]) {
     QLoggingCategory::setFilterRules("qt.accessibility.atspi.warning=false");
     QApplication application(argc, argv);
     environment.reset();
-    QApplication::setApplicationName("tarnwick");
+    QApplication::setApplicationName(platform::kIdentifier);
     QApplication::setApplicationVersion(TARNWICK_VERSION);
-    QApplication::setDesktopFileName(platform::kDesktopEntryName);
+    QApplication::setDesktopFileName(platform::kIdentifier);
     QApplication::setQuitOnLastWindowClosed(false);
-    return run(application, conditions);
+    return run(application, conditions, commandLine.request);
 }

@@ -115,6 +115,10 @@ class AccessibilityTest(DesktopTestCase):
 
         self.assert_each(role, look)
 
+    def test_the_program_has_the_name_that_people_know(self):
+        root = self.until(lambda: self.bus.program(self.program.pid), "the program is found")
+        self.assertEqual(root.name, "Tarnwick")
+
     def test_every_page_is_found_read_and_left(self):
         self.assert_reads(_HOME)
         self.until(lambda: self.window().role == "dialog", "the panel is a dialog")

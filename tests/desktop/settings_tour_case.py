@@ -295,7 +295,7 @@ class SettingsTourCase(DesktopTestCase):
         self.assert_closed(self.program)
 
     def entry(self):
-        return self.desktop.path("home/.config/autostart/tarnwick.desktop")
+        return self.desktop.path("home/.config/autostart/org.tarnwick.Tarnwick.desktop")
 
     def assert_starts_at_login(self):
         self.until(lambda: os.path.exists(self.entry()), "the program starts at login")
@@ -308,7 +308,7 @@ class SettingsTourCase(DesktopTestCase):
         entry = parser["Desktop Entry"]
         self.assertEqual(
             {key: entry[key] for key in ("Type", "Name", "Icon", "Terminal")},
-            {"Type": "Application", "Name": "Tarnwick", "Icon": "tarnwick", "Terminal": "false"})
+            {"Type": "Application", "Name": "Tarnwick", "Icon": "org.tarnwick.Tarnwick", "Terminal": "false"})
         self.assertNotIn("Hidden", entry)
         self.assertEqual(GLib.shell_parse_argv(entry["Exec"])[1],
                          [os.path.realpath(os.environ["TARNWICK"])])

@@ -205,7 +205,7 @@ class StartTest(DesktopTestCase):
         self.assertFalse(self.is_in_store("settings.launchOnLogin"))
         folder = self.desktop.path("home/.config/autostart")
         os.makedirs(folder)
-        with open(os.path.join(folder, "tarnwick.desktop"), "w", encoding="ascii") as file:
+        with open(os.path.join(folder, "org.tarnwick.Tarnwick.desktop"), "w", encoding="ascii") as file:
             file.write("[Desktop Entry]\nType=Application\nName=x\nExec=sh\nOnlyShowIn=X;\n")
         program = self.program("elsewhere").start(XDG_CURRENT_DESKTOP="Y")
         program.wait_for_item()

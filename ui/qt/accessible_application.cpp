@@ -25,6 +25,10 @@ QList<QAccessibleInterface*> popUps() {
 
 class AccessibleApplication final : public QAccessibleApplication {
  public:
+    // Of the program as people know it; what the toolkit takes is the windows' class.
+    QString text(QAccessible::Text kind) const override {
+        return kind == QAccessible::Name ? "Tarnwick" : QAccessibleApplication::text(kind);
+    }
     int childCount() const override {
         return QAccessibleApplication::childCount() + static_cast<int>(popUps().size());
     }

@@ -70,8 +70,10 @@ class TitledWindow::Frame final : public QMainWindow {
     bool isClosing_ = false;
 };
 
-TitledWindow::TitledWindow(const platform::WindowOptions& options, std::function<void()> gone)
+TitledWindow::TitledWindow(const platform::WindowOptions& options, std::function<void()> gone,
+                           const QIcon& icon)
     : frame_(new Frame(*this, windowKind(options), std::move(gone))) {
+    frame_->setWindowIcon(icon);
     if (options.isResizable) {
         frame_->resize(options.width, options.height);
     } else {
@@ -114,7 +116,7 @@ void TitledWindow::makeKeyAndOrderFront() {
 
 std::unique_ptr<platform::Window> TitledWindows::makeWindow(
     const platform::WindowOptions& options) {
-    return std::make_unique<TitledWindow>(options, gone_);
+    return std::make_unique<TitledWindow>(options, gone_, icon_ ? icon_() : QIcon());
 }
 
 void TitledWindows::activateIgnoringOtherApps() {

@@ -2,6 +2,7 @@
 // Windows with a title bar.
 #pragma once
 
+#include <QIcon>
 #include <QMainWindow>
 #include <functional>
 #include <memory>
@@ -17,8 +18,9 @@ namespace tarnwick::qt {
 class TitledWindow final : public platform::Window {
  public:
     /// `gone` is called on a later turn, after the window and everything in it are destroyed. May
-    /// be empty.
-    explicit TitledWindow(const platform::WindowOptions& options, std::function<void()> gone = {});
+    /// be empty. Desktops that know the program by its entry show the entry's icon, not `icon`.
+    explicit TitledWindow(const platform::WindowOptions& options, std::function<void()> gone = {},
+                          const QIcon& icon = {});
     TitledWindow(const TitledWindow&) = delete;
     TitledWindow& operator=(const TitledWindow&) = delete;
     ~TitledWindow() override;
@@ -41,14 +43,16 @@ class TitledWindow final : public platform::Window {
 
 class TitledWindows final : public platform::Windows {
  public:
-    /// `gone` is passed to each window.
-    explicit TitledWindows(std::function<void()> gone = {}) : gone_(std::move(gone)) {}
+    /// `gone` is passed to each window, and what `icon` makes when it opens.
+    explicit TitledWindows(std::function<void()> gone = {}, std::function<QIcon()> icon = {})
+        : gone_(std::move(gone)), icon_(std::move(icon)) {}
 
     std::unique_ptr<platform::Window> makeWindow(const platform::WindowOptions& options) override;
     void activateIgnoringOtherApps() override;
 
  private:
     std::function<void()> gone_;
+    std::function<QIcon()> icon_;
 };
 
 }  // namespace tarnwick::qt

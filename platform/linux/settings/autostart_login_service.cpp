@@ -14,15 +14,17 @@
 #include "platform/linux/files/folders.h"
 #include "platform/linux/files/kept_file.h"
 #include "platform/linux/files/list_items.h"
+#include "platform/linux/identifier.h"
 #include "platform/utf8.h"
 
 namespace tarnwick::platform {
 namespace {
 
-constexpr auto kEntry = "autostart/tarnwick.desktop";
-constexpr std::string_view kHead =
-    "[Desktop Entry]\nType=Application\nName=Tarnwick\nComment=System monitor for the status area\n"
-    "Icon=tarnwick\n";
+const std::string kEntry = std::string("autostart/") + kIdentifier + ".desktop";
+const std::string kHead = std::string(
+                              "[Desktop Entry]\nType=Application\nName=Tarnwick\n"
+                              "Comment=System monitor for the status area\nIcon=") +
+                          kIdentifier + '\n';
 
 /// The message for the user: one line, even if the path contains control characters.
 LoginServiceError failure(std::string what, const std::filesystem::path& path,

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "platform/linux/desktop/session/bus_calls.h"
+#include "platform/linux/identifier.h"
 
 namespace tarnwick::platform {
 
@@ -13,7 +14,7 @@ void introduceToPortal(const QDBusConnection& bus, QObject* owner, std::function
     QDBusMessage call = QDBusMessage::createMethodCall(
         "org.freedesktop.portal.Desktop", "/org/freedesktop/portal/desktop",
         "org.freedesktop.host.portal.Registry", "Register");
-    call.setArguments({QString(kDesktopEntryName), QVariantMap()});
+    call.setArguments({QString(kIdentifier), QVariantMap()});
     callAsync(bus, call, "", owner, [then = std::move(then)](const BusArguments&) { then(); });
 }
 

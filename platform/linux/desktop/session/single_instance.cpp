@@ -4,6 +4,8 @@
 #include <QDBusMessage>
 #include <QDeadlineTimer>
 #include <QRegularExpression>
+#include <algorithm>
+#include <iterator>
 #include <poll.h>
 #include <utility>
 
@@ -19,6 +21,31 @@ constexpr int kBusMilliseconds = 5000;
 /// Time limit for the lock. An instance that ends releases its lock together with its name; a
 /// killed one releases it when its process is gone.
 constexpr int kLockMilliseconds = 500;
+/// The compositor's permission to come to the front, among what launchers tell.
+constexpr auto kTokenKey = "activation-token";
+
+struct Action {
+    QLatin1String name;
+    Request request;
+};
+constexpr Action kActions[] = {{QLatin1String("open-panel"), Request::openPanel},
+                               {QLatin1String("toggle-panel"), Request::togglePanel},
+                               {QLatin1String("settings"), Request::showSettings}};
+
+/// Asks the running program; the permission to come to the front passes on to it.
+QDBusMessage callFor(Request request) {
+    QVariantMap platformData;
+    if (const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); !token.isEmpty()) {
+        platformData.insert(kTokenKey, token);
+    }
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(SingleInstance::kService, SingleInstance::kPath,
+                                       SingleInstance::kInterface, "ActivateAction");
+    call.setArguments({QString(std::ranges::find(kActions, request, &Action::request)->name),
+                       QVariantList(), platformData});
+    call.setAutoStartService(false);
+    return call;
+}
 
 }  // namespace
 
@@ -58,15 +85,13 @@ void SingleInstance::release() {
     }
 }
 
-SingleInstance::Claim SingleInstance::claim(int answerMilliseconds) {
+SingleInstance::Claim SingleInstance::claim(Request request, int answerMilliseconds) {
     // Registered before the name is taken, so that other instances find the object with the name.
     bus_.registerObject(kPath, this, QDBusConnection::ExportScriptableSlots);
     const QDeadlineTimer deadline(answerMilliseconds);
     // An instance that is ending does not answer, but it releases the name.
     while (!takeName()) {
-        QDBusMessage call =
-            QDBusMessage::createMethodCall(kService, kPath, kInterface, "OpenPanel");
-        call.setAutoStartService(false);
+        const QDBusMessage call = callFor(request);
         const int remaining = static_cast<int>(deadline.remainingTime());
         if (remaining == 0) {
             release();
@@ -105,19 +130,35 @@ bool SingleInstance::takeLock() {
            lock_->error() != QLockFile::LockFailedError;
 }
 
-void SingleInstance::setOpenPanel(std::function<void()> openPanel) {
-    openPanel_ = std::move(openPanel);
-    if (openPanel_ && std::exchange(askedEarly_, false)) {
-        openPanel_();
+void SingleInstance::setPerform(Perform perform) {
+    perform_ = std::move(perform);
+    if (const auto early = std::exchange(early_, nullptr)) {
+        early();
     }
 }
 
-void SingleInstance::OpenPanel() {
-    if (openPanel_) {
-        openPanel_();
-    } else {
-        askedEarly_ = true;
+void SingleInstance::Activate(const QVariantMap& platformData) {
+    perform(Request::openPanel, platformData);
+}
+
+void SingleInstance::Open(const QStringList&, const QVariantMap& platformData) {
+    perform(Request::openPanel, platformData);
+}
+
+void SingleInstance::ActivateAction(const QString& action, const QVariantList&,
+                                    const QVariantMap& platformData) {
+    const auto known = std::ranges::find(kActions, action, &Action::name);
+    if (known != std::end(kActions)) {
+        perform(known->request, platformData);
     }
+}
+
+void SingleInstance::perform(Request request, const QVariantMap& platformData) {
+    if (!perform_) {
+        early_ = [this, request, platformData] { perform(request, platformData); };
+        return;
+    }
+    perform_(request, platformData.value(kTokenKey).toString());
 }
 
 }  // namespace tarnwick::platform

@@ -112,7 +112,7 @@ void LinuxStatusItem::start() {
 }
 
 void LinuxStatusItem::keepActivationToken(const QString& token) {
-    if (token.size() > kLongestToken) {
+    if (token.isEmpty() || token.size() > kLongestToken) {
         return;
     }
     // The toolkit reads the token from this variable when it next activates a window, and removes

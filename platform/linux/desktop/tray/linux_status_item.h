@@ -75,9 +75,12 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     /// click, and on desktops that do not let a program see the pointer (Wayland).
     std::optional<QRect> anchor() const;
 
+    /// Keeps the compositor's permission to come to the front for the next window that is opened;
+    /// an empty one changes nothing.
+    void keepActivationToken(const QString& token);
+
  private:
     void start();
-    void keepActivationToken(const QString& token);
     void hostChanged();
     void countTimeWithoutTray();
     void update();

@@ -6,6 +6,7 @@
 
 #include "platform/linux/desktop/session/bus_calls.h"
 #include "platform/linux/desktop/tray/property_calls.h"
+#include "platform/linux/identifier.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -106,7 +107,8 @@ QVariantMap StatusNotifierItem::properties() const {
     const QVariant noPicture = QVariant::fromValue(IconPixmaps());
     QVariantMap map{
         {"Category", "SystemServices"},
-        {"Id", "tarnwick"},
+        // Hosts look up the icon for their settings by it.
+        {"Id", kIdentifier},
         {"Title", content_.text},
         {"Status", "Active"},
         {"WindowId", 0},

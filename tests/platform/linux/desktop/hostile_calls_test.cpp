@@ -67,7 +67,15 @@ class HostileCalls : public ::testing::Test {
                  {.id = 1, .type = "clicked", .data = QDBusVariant(""), .timestamp = 0}})}},
             {kMenuPath, menu, "AboutToShow", {0}},
             {kMenuPath, menu, "AboutToShowGroup", {QVariant::fromValue(QList<int>{0})}},
-            {SingleInstance::kPath, SingleInstance::kInterface, "OpenPanel", {}},
+            {SingleInstance::kPath, SingleInstance::kInterface, "Activate", {QVariantMap()}},
+            {SingleInstance::kPath,
+             SingleInstance::kInterface,
+             "Open",
+             {QStringList{"address"}, QVariantMap()}},
+            {SingleInstance::kPath,
+             SingleInstance::kInterface,
+             "ActivateAction",
+             {"settings", QVariantList(), QVariantMap()}},
         };
         for (const auto& [path, interface, property] :
              {std::tuple{itemPath, item, "Title"},
@@ -77,7 +85,7 @@ class HostileCalls : public ::testing::Test {
         }
         return all;
     }
-    int runs() const { return activated_ + secondary_ + tokens_ + chosen_ + opening_ + panels_; }
+    int runs() const { return activated_ + secondary_ + tokens_ + chosen_ + opening_ + requests_; }
 
     PrivateBus daemon_;
     QDBusConnection bus_ = daemon_.connect();
@@ -88,7 +96,7 @@ class HostileCalls : public ::testing::Test {
     int tokens_ = 0;
     int chosen_ = 0;
     int opening_ = 0;
-    int panels_ = 0;
+    int requests_ = 0;
     DBusMenu menu_{
         bus_, kMenuPath, {{.label = "Open Panel", .chosen = [this] { ++chosen_; }}}, [this] {
             ++opening_;
@@ -103,7 +111,7 @@ class HostileCalls : public ::testing::Test {
 TEST_F(HostileCalls, AreRefusedAndDoNothing) {
     SingleInstance instance(bus_, {});
     ASSERT_EQ(instance.claim(), SingleInstance::Claim::first);
-    instance.setOpenPanel([this] { ++panels_; });
+    instance.setPerform([this](Request, const QString&) { ++requests_; });
     for (const Method& method : methods()) {
         for (int i = 0; i < kBodies; ++i) {
             const QVariantList body = bodies_.next(method.truth);
@@ -124,7 +132,7 @@ TEST_F(HostileCalls, AreRefusedAndDoNothing) {
     EXPECT_EQ(secondary_, 2);
     EXPECT_EQ(tokens_, 1);
     EXPECT_EQ(opening_, 2);
-    EXPECT_EQ(panels_, 1);
+    EXPECT_EQ(requests_, 3);
 }
 
 TEST_F(HostileCalls, AreAnsweredWhateverIsInTheirVariants) {

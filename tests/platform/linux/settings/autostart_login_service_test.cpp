@@ -110,9 +110,11 @@ class Autostart : public ::testing::Test {
     std::map<std::string, std::string> variables_;
     std::filesystem::path program_ = folder_ / "opt" / "tarnwick";
     std::filesystem::path autostart_ = folder_ / "home" / ".config" / "autostart";
-    std::filesystem::path own_ = autostart_ / "tarnwick.desktop";
-    std::filesystem::path first_ = folder_ / "first" / "autostart" / "tarnwick.desktop";
-    std::filesystem::path second_ = folder_ / "second" / "autostart" / "tarnwick.desktop";
+    std::filesystem::path own_ = autostart_ / "org.tarnwick.Tarnwick.desktop";
+    std::filesystem::path first_ =
+        folder_ / "first" / "autostart" / "org.tarnwick.Tarnwick.desktop";
+    std::filesystem::path second_ =
+        folder_ / "second" / "autostart" / "org.tarnwick.Tarnwick.desktop";
 };
 
 // What counts as enabled.
@@ -225,7 +227,7 @@ TEST_F(Autostart, AnEntryThatCannotBeReadIsOff) {
 }
 
 TEST_F(Autostart, LooksWhereTheSessionKeepsItsConfiguration) {
-    write(folder_ / "config" / "autostart" / "tarnwick.desktop", entry());
+    write(folder_ / "config" / "autostart" / "org.tarnwick.Tarnwick.desktop", entry());
     EXPECT_EQ(status(), Status::notRegistered);
     variables_["XDG_CONFIG_HOME"] = (folder_ / "config").native();
     EXPECT_EQ(status(), Status::enabled);
@@ -243,7 +245,7 @@ TEST_F(Autostart, RegisteringSwitchesItOn) {
     EXPECT_EQ(registering(), "");
     EXPECT_EQ(status(), Status::enabled);
     EXPECT_EQ(desktopEntryValue(contentsOf(own_), "Exec"), program_.native());
-    EXPECT_THAT(namesIn(autostart_), ElementsAre("tarnwick.desktop"));
+    EXPECT_THAT(namesIn(autostart_), ElementsAre("org.tarnwick.Tarnwick.desktop"));
 }
 
 TEST_F(Autostart, RegisteringReplacesWhateverTheUsersEntryWas) {
@@ -256,7 +258,7 @@ TEST_F(Autostart, RegisteringReplacesWhateverTheUsersEntryWas) {
 }
 
 TEST_F(Autostart, RegisteringReplacesALinkAndNotWhatItLeadsTo) {
-    const std::filesystem::path target = folder_ / "applications" / "tarnwick.desktop";
+    const std::filesystem::path target = folder_ / "applications" / "org.tarnwick.Tarnwick.desktop";
     write(target, entry("Hidden=true\n"));
     std::filesystem::create_directories(autostart_);
     std::filesystem::create_symlink(target, own_);
@@ -330,7 +332,7 @@ TEST_F(Autostart, UnregisteringWhatIsNotThereSucceedsAndMakesNothing) {
 }
 
 TEST_F(Autostart, UnregisteringRemovesALinkAndNotWhatItLeadsTo) {
-    const std::filesystem::path target = folder_ / "applications" / "tarnwick.desktop";
+    const std::filesystem::path target = folder_ / "applications" / "org.tarnwick.Tarnwick.desktop";
     write(target, entry());
     std::filesystem::create_directories(autostart_);
     std::filesystem::create_symlink(target, own_);
@@ -348,7 +350,7 @@ TEST_F(Autostart, UnregisteringSwitchesOffWhatTheSystemWouldStart) {
     EXPECT_EQ(status(), Status::notRegistered);
     EXPECT_EQ(desktopEntryValue(contentsOf(own_), "Hidden"), "true");
     EXPECT_EQ(contentsOf(second_), entry());
-    EXPECT_THAT(namesIn(autostart_), ElementsAre("tarnwick.desktop"));
+    EXPECT_THAT(namesIn(autostart_), ElementsAre("org.tarnwick.Tarnwick.desktop"));
     EXPECT_EQ(unregistering(), "");
     EXPECT_EQ(status(), Status::notRegistered);
     EXPECT_EQ(registering(), "");

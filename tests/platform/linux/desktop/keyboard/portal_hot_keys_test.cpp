@@ -135,7 +135,7 @@ TEST_F(PortalKeys, AreAskedForByName) {
         makeKeys(std::chrono::hours(1));
         addAndHold();
         ASSERT_EQ(portal_.names.size(), 1) << takesNames;
-        EXPECT_EQ(portal_.names.first().first, "tarnwick");
+        EXPECT_EQ(portal_.names.first().first, "org.tarnwick.Tarnwick");
         // The first call of all settles what the caller is called.
         EXPECT_EQ(portal_.names.first().second, 0);
     }

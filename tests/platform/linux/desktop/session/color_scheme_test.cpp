@@ -50,7 +50,7 @@ TEST_F(Scheme, IsAskedForByName) {
     portal_.begin();
     follow();
     EXPECT_TRUE(waitUntil([this] { return portal_.reads == 1; }));
-    EXPECT_THAT(portal_.names, ElementsAre("tarnwick"));
+    EXPECT_THAT(portal_.names, ElementsAre("org.tarnwick.Tarnwick"));
     EXPECT_EQ(portal_.readsBeforeName, 0);
 }
 

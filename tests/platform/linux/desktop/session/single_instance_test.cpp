@@ -15,6 +15,7 @@
 #include <thread>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include "tests/platform/linux/desktop/private_bus.h"
 
@@ -52,14 +53,15 @@ class OnBus : public ::testing::Test {
     /// A second start, as a process of its own would make it: in a thread, on a connection of its
     /// own, while this thread's event loop runs.
     Claim secondStart(const QString& folder = {}) { return secondStart(bus_, folder); }
-    Claim secondStart(const PrivateBus& bus, const QString& folder) {
+    Claim secondStart(const PrivateBus& bus, const QString& folder,
+                      Request request = Request::openPanel) {
         const QString address = bus.address();
         std::atomic<bool> done = false;
         Claim result = Claim::unanswered;
         std::thread second([&] {
             {
                 SingleInstance other(QDBusConnection::connectToBus(address, "second"), folder);
-                result = other.claim(30'000);
+                result = other.claim(request, 30'000);
             }
             QDBusConnection::disconnectFromBus("second");
             done = true;
@@ -75,12 +77,13 @@ class OnBus : public ::testing::Test {
     PrivateBus bus_;
     QDBusConnection firstBus_ = bus_.connect();
     int opened_ = 0;
+    const Perform count_ = [this](Request, const QString&) { ++opened_; };
 };
 
 TEST_F(OnBus, TheSecondStartAsksTheFirstToOpenItsPanel) {
     SingleInstance first(firstBus_, {});
     EXPECT_EQ(first.claim(), Claim::first);
-    first.setOpenPanel([this] { ++opened_; });
+    first.setPerform(count_);
     EXPECT_EQ(secondStart(), Claim::handedOver);
     EXPECT_TRUE(waitUntil([&] { return opened_ == 1; }));
     EXPECT_EQ(secondStart(), Claim::handedOver);
@@ -92,8 +95,44 @@ TEST_F(OnBus, ARequestDuringTheStartIsMadeUpFor) {
     ASSERT_EQ(first.claim(), Claim::first);
     EXPECT_EQ(secondStart(), Claim::handedOver);
     EXPECT_EQ(opened_, 0);
-    first.setOpenPanel([this] { ++opened_; });
+    first.setPerform(count_);
     EXPECT_EQ(opened_, 1);
+}
+
+TEST_F(OnBus, TheSecondStartPassesOnWhatItIsAskedForAndThePermissionOfTheCompositor) {
+    SingleInstance first(firstBus_, {});
+    ASSERT_EQ(first.claim(), Claim::first);
+    std::vector<std::pair<Request, QString>> asked;
+    first.setPerform(
+        [&asked](Request request, const QString& token) { asked.emplace_back(request, token); });
+    qputenv("XDG_ACTIVATION_TOKEN", "a token");
+    EXPECT_EQ(secondStart(bus_, {}, Request::showSettings), Claim::handedOver);
+    qunsetenv("XDG_ACTIVATION_TOKEN");
+    EXPECT_EQ(secondStart(bus_, {}, Request::togglePanel), Claim::handedOver);
+    ASSERT_TRUE(waitUntil([&] { return asked.size() == 2; }));
+    EXPECT_EQ(asked[0], std::pair(Request::showSettings, QString("a token")));
+    EXPECT_EQ(asked[1], std::pair(Request::togglePanel, QString()));
+}
+
+TEST_F(OnBus, LaunchersAskByTheNamesOfActions) {
+    SingleInstance first(firstBus_, {});
+    ASSERT_EQ(first.claim(), Claim::first);
+    std::vector<Request> asked;
+    first.setPerform([&asked](Request request, const QString&) { asked.push_back(request); });
+    const auto call = [this](const QString& method, const QVariantList& arguments) {
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(SingleInstance::kService, "/org/tarnwick/Tarnwick",
+                                           "org.freedesktop.Application", method);
+        message.setArguments(arguments);
+        EXPECT_EQ(ask(bus_.connect(), message).type(), QDBusMessage::ReplyMessage);
+    };
+    call("Activate", {QVariantMap()});
+    call("Open", {QStringList{"file:///home"}, QVariantMap()});
+    for (const char* action : {"open-panel", "toggle-panel", "unknown", "", "settings"}) {
+        call("ActivateAction", {action, QVariantList{1}, QVariantMap{{"activation-token", 1}}});
+    }
+    EXPECT_EQ(asked, (std::vector{Request::openPanel, Request::openPanel, Request::openPanel,
+                                  Request::togglePanel, Request::showSettings}));
 }
 
 TEST_F(OnBus, TheNameIsFreeOnceTheFirstHasEnded) {
@@ -109,7 +148,7 @@ TEST_F(OnBus, SaysSoWhenTheFirstDoesNotAnswer) {
     ASSERT_EQ(first.claim(), Claim::first);
     // This thread waits for the second and so cannot answer as the first.
     SingleInstance second(bus_.connect(), {});
-    EXPECT_EQ(second.claim(50), Claim::unanswered);
+    EXPECT_EQ(second.claim(Request::openPanel, 50), Claim::unanswered);
 }
 
 /// A first that ends as soon as it is asked: it answers with an error, or not at all.
@@ -162,13 +201,14 @@ TEST_F(OnBus, AStartWhileTheFirstIsEndingIsTheNextFirst) {
 TEST_F(OnBus, AFirstThatHasLetGoSendsAwayWhoeverStillAsks) {
     SingleInstance first(firstBus_, {});
     ASSERT_EQ(first.claim(), Claim::first);
-    first.setOpenPanel([this] { ++opened_; });
+    first.setPerform(count_);
     first.release();
     // Under its own name: who found it just before it let go.
     const QDBusMessage answer =
         ask(bus_.connect(),
             QDBusMessage::createMethodCall(firstBus_.baseService(), SingleInstance::kPath,
-                                           SingleInstance::kInterface, "OpenPanel"));
+                                           SingleInstance::kInterface, "Activate")
+                << QVariantMap());
     EXPECT_EQ(answer.type(), QDBusMessage::ErrorMessage);
     EXPECT_EQ(opened_, 0);
     EXPECT_EQ(secondStart(), Claim::first);

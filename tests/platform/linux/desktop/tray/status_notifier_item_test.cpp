@@ -63,7 +63,7 @@ class NotifierItem : public ::testing::Test {
 TEST_F(NotifierItem, HasEveryPropertyThatHostsRead) {
     const QVariantMap all = host_.properties();
     EXPECT_EQ(all.value("Category"), QVariant("SystemServices"));
-    EXPECT_EQ(all.value("Id"), QVariant("tarnwick"));
+    EXPECT_EQ(all.value("Id"), QVariant("org.tarnwick.Tarnwick"));
     EXPECT_EQ(all.value("Title"), QVariant("Tarnwick status: CPU 12%"));
     EXPECT_EQ(all.value("IconAccessibleDesc"), QVariant("Tarnwick status: CPU 12%"));
     EXPECT_EQ(all.value("AttentionAccessibleDesc"), QVariant(""));

@@ -1,0 +1,10 @@
+#compdef tarnwick-probe
+# SPDX-License-Identifier: MIT
+_arguments \
+    '--root[read the machine recorded below a folder]:folder:_directories' \
+    '--samples[samples to print]:number' \
+    '--interval[time between two samples]:seconds' \
+    '--limit[greatest number of rows of a process list]:number' \
+    '--home[measure the volume that holds a folder]:folder:_directories' \
+    '(- *)--help[print the options and end]' \
+    '(- *)--version[print the version and end]'
