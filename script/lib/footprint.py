@@ -2,17 +2,14 @@
 """Measures what the program costs beside a bare tray program: started by script/footprint."""
 
 import argparse
-import contextlib
 import dataclasses
-import os
-import signal
 import sys
 import time
 
 from private_desktop import PrivateDesktop, Program, Timeout
 from private_desktop import usage
-from private_desktop.processes import descendants, end_on_signals
-from private_desktop.wait import until
+from private_desktop.crowd import crowd, population
+from private_desktop.processes import end_on_signals
 
 _RESIDENT_LIMIT = 1.15
 _HIDDEN_SWITCHES_LIMIT = 0.5
@@ -24,14 +21,6 @@ _CROWDS = (_ORDINARY_CROWD, 3000)
 # The report warns when the machine has more than this times the wanted number of processes: those
 # of others, such as of a second measurement, cost as much as the measured crowd.
 _CROWDED = 1.2
-# Forks as many processes as its argument says. All of them wait until they are ended.
-_CROWD_PROGRAM = """
-import os, signal, sys
-for _ in range(int(sys.argv[1])):
-    if os.fork() == 0:
-        break
-signal.pause()
-"""
 # Seconds: long enough for a first start to greet, and for a closed panel to be destroyed.
 _SETTLE = 5.0
 # Seconds. The toolkit's helper threads from the start end after half a minute.
@@ -60,26 +49,6 @@ def started(program):
     program.start()
     program.wait_for_item()
     return program
-
-
-def population():
-    """How many processes the machine has now."""
-    return sum(entry.isdigit() for entry in os.listdir("/proc"))
-
-
-@contextlib.contextmanager
-def crowd(desktop, number):
-    """Runs idle processes, so many that the machine has at least `number` processes."""
-    missing = max(0, number - population())
-    host = desktop.processes.start([sys.executable, "-c", _CROWD_PROGRAM, str(missing)],
-                                   desktop.env, "crowd")
-    try:
-        until(lambda: len(descendants(host.pid)) == missing, f"there are {number} processes")
-        yield
-    finally:
-        for pid in descendants(host.pid):
-            os.kill(pid, signal.SIGKILL)
-        desktop.processes.end(host)
 
 
 def open_rates(program, seconds):

@@ -11,6 +11,8 @@ class Memory:
 
     resident: int
     anonymous: int
+    # What several processes share counts for each of them in part.
+    proportional: int
 
 
 @dataclasses.dataclass(frozen=True)
@@ -36,8 +38,8 @@ def _fields(path, names):
 
 
 def memory(pid):
-    found = _fields(f"/proc/{pid}/smaps_rollup", ("Rss", "Anonymous"))
-    return Memory(found["Rss"], found["Anonymous"])
+    found = _fields(f"/proc/{pid}/smaps_rollup", ("Rss", "Anonymous", "Pss"))
+    return Memory(found["Rss"], found["Anonymous"], found["Pss"])
 
 
 def activity(pid):
