@@ -1,0 +1,64 @@
+# SPDX-License-Identifier: MIT
+"""What the pages say about the programs that are built: their libraries and their network."""
+
+import os
+import pathlib
+import re
+import subprocess
+import unittest
+
+ROOT = pathlib.Path(os.environ["TARNWICK_SCRIPTS"]).parent
+TARNWICK, PROBE = (pathlib.Path(os.environ[name]) for name in ("TARNWICK", "TARNWICK_PROBE"))
+# What some releases and processors link, and what the presets with sanitizers add.
+OPTIONAL = {"libLayerShellQtInterface", "ld-linux"}
+SANITIZERS = {"libasan", "libtsan", "libubsan"}
+# Without these a program reaches no network; the libraries of the desktop have sockets of their own.
+NETWORK = {"accept", "accept4", "bind", "connect", "getaddrinfo", "listen", "socket"}
+
+
+def output(*command):
+    return subprocess.run(command, capture_output=True, text=True, check=True).stdout
+
+
+def needed(program):
+    """The libraries that a program links, without their versions."""
+    found = re.findall(r"\(NEEDED\).*\[(.*)\]", output("readelf", "--dynamic", "--wide", program))
+    return {re.sub(r"^ld-linux.*", "ld-linux", name.partition(".so")[0])
+            for name in found} - SANITIZERS
+
+
+def imported(program):
+    """The functions that a program takes from its libraries."""
+    lines = output("nm", "--dynamic", "--undefined-only", program).splitlines()
+    return {line.split()[-1].partition("@")[0] for line in lines}
+
+
+class Libraries(unittest.TestCase):
+    def listed(self, users):
+        """The libraries of the page that one of the users has."""
+        rows = re.findall(r"^\| (`lib.*?) \|.*\| (.*?) \|$",
+                          (ROOT / "docs/licences.md").read_text(), re.MULTILINE)
+        return {name for cell, user in rows if user in users
+                for name in re.findall(r"`([\w+-]+)`", cell)}
+
+    def test_all_that_the_programs_link_are_listed(self):
+        for program, users in ((TARNWICK, ("`tarnwick`", "both")), (PROBE, ("both",))):
+            with self.subTest(program=program.name):
+                libraries = needed(program)
+                self.assertIn("libc", libraries)
+                self.assertEqual(libraries - self.listed(users), set())
+                self.assertEqual(self.listed(users) - libraries - OPTIONAL, set())
+
+
+class Network(unittest.TestCase):
+    def test_the_programs_can_open_no_connection(self):
+        for program in (TARNWICK, PROBE):
+            with self.subTest(program=program.name):
+                functions = imported(program)
+                self.assertIn("open", {name.removesuffix("64") for name in functions})
+                self.assertEqual(functions & NETWORK, set())
+        self.assertNotIn("libQt6Network", needed(TARNWICK))
+
+
+if __name__ == "__main__":
+    unittest.main()
