@@ -3,6 +3,7 @@
 
 import os
 import pathlib
+import re
 import sys
 import unittest
 
@@ -71,6 +72,12 @@ class Monitors(unittest.TestCase):
             cost_table.install_line([Monitor("", "z", ("z",), True),
                                      Monitor("", "a", ("x", "a"), True, beside=("x",))]),
             "sudo apt-get install --no-install-recommends a x z")
+
+    def test_the_page_has_all_of_them(self):
+        page = (SCRIPT.parents[1] / "README.md").read_text()
+        for monitor in cost_table.MONITORS:
+            begin, end = map(re.escape, monitor.name.split("{}"))
+            self.assertRegex(page, rf"(?m)^\| {begin}[\d.]+{end} \|", monitor.package)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 """The written pages name files, keys and libraries that exist, and none that counts is left out."""
 
+import json
 import os
 import pathlib
 import re
@@ -8,13 +9,19 @@ import unittest
 
 ROOT = pathlib.Path(os.environ["TARNWICK_SCRIPTS"]).parent
 PAGES = [ROOT / name for name in (
-    "ARCHITECTURE.md", "CONTRIBUTING.md", "README.md", "docs/linux-desktop.md",
-    "docs/linux-sources.md", "docs/macos.md", "packaging/macos/README.md")]
+    "ARCHITECTURE.md", "CHANGELOG.md", "CONTRIBUTING.md", "README.md", "SECURITY.md")]
+PAGES += sorted((ROOT / "docs").glob("*.md")) + sorted((ROOT / "packaging").rglob("*.md"))
 FOLDERS = "app|cmake|core|docs|evaluation|platform|script|services|settings|tests|tools|ui"
 
 
 def text(path):
     return (ROOT / path).read_text()
+
+
+def anchors(page):
+    """The names by which links lead to the headings of a page."""
+    return {re.sub(r"[^\w -]", "", heading.lower()).replace(" ", "-")
+            for heading in re.findall(r"^#+ (.*)$", page, re.MULTILINE)}
 
 
 def row(page, name):
@@ -27,11 +34,17 @@ class Pages(unittest.TestCase):
     def test_links_lead_to_files_and_headings(self):
         for page in PAGES:
             for path, heading in re.findall(r"\]\(([^)#:]*)(?:#([^)]*))?\)", page.read_text()):
-                with self.subTest(page=page.name, link=path):
-                    target = page.parent / path
+                with self.subTest(page=page.name, link=path, heading=heading):
+                    target = page.parent / path if path else page
                     self.assertTrue(target.exists())
                     if heading:
-                        self.assertIn(f"\n## {heading}\n", target.read_text().lower())
+                        self.assertIn(heading, anchors(target.read_text()))
+
+    def test_pictures_are_there(self):
+        pictures = re.findall(r'(?:src|srcset)="([^"]*)"', text("README.md"))
+        self.assertEqual(len(pictures), 2)
+        for path in pictures:
+            self.assertEqual((ROOT / path).read_bytes()[1:4], b"PNG", path)
 
     def test_paths_are_there(self):
         for page in PAGES:
@@ -83,7 +96,7 @@ class Libraries(unittest.TestCase):
 
 class Settings(unittest.TestCase):
     def test_every_key_is_in_the_table_with_its_default(self):
-        table = text("README.md")
+        table = text("docs/settings.md")
         keys = re.findall(r'\{"(settings\.\w+)",\s*("?[\w-]+"?)\}',
                           text("settings/user_settings.cpp"))
         self.assertGreater(len(keys), 10)
@@ -100,7 +113,16 @@ class Settings(unittest.TestCase):
         keys = re.findall(r'"(battery\.\w+)"', text("services/battery_service.cpp"))
         self.assertEqual(len(keys), 5)
         for key in keys:
-            self.assertIn(f"`{key}`", text("README.md"))
+            self.assertIn(f"`{key}`", text("docs/settings.md"))
+
+    def test_the_example_has_keys_and_values_that_count(self):
+        page = text("docs/settings.md")
+        example = json.loads(re.search(r"```\n(\{.*?\})\n```", page, re.DOTALL).group(1))
+        self.assertEqual(len(example), 3)
+        for key, value in example.items():
+            with self.subTest(key=key):
+                cells = re.search(rf"^\| .*`{re.escape(key)}`.*\|$", page, re.MULTILINE).group(0)
+                self.assertTrue(isinstance(value, int) or f'`"{value}"`' in cells)
 
 
 if __name__ == "__main__":

@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
-"""What the pages say about the programs that are built: their libraries and their network."""
+"""What the pages say about the programs that are built: their libraries, their network, recipes."""
 
+import json
 import os
 import pathlib
 import re
@@ -33,6 +34,13 @@ def imported(program):
     return {line.split()[-1].partition("@")[0] for line in lines}
 
 
+def members(value):
+    """The names of all members of a JSON value, at every depth."""
+    if isinstance(value, dict):
+        return set(value).union(*map(members, value.values()))
+    return set().union(*map(members, value)) if isinstance(value, list) else set()
+
+
 class Libraries(unittest.TestCase):
     def listed(self, users):
         """The libraries of the page that one of the users has."""
@@ -58,6 +66,20 @@ class Network(unittest.TestCase):
                 self.assertIn("open", {name.removesuffix("64") for name in functions})
                 self.assertEqual(functions & NETWORK, set())
         self.assertNotIn("libQt6Network", needed(TARNWICK))
+
+
+class Recipes(unittest.TestCase):
+    def test_name_members_that_the_probe_prints(self):
+        line = output(PROBE, "--root", ROOT / "tests/fixtures/laptop", "--interval", "0.1")
+        names = members(json.loads(line))
+        commands = re.findall(r"tarnwick-probe.*\| jq (.*)", (ROOT / "README.md").read_text())
+        self.assertGreater(len(commands), 3)
+        for command in commands:
+            paths = re.findall(r"\.([A-Za-z]\w+(?:\.\w+)*)", command.partition(">>")[0])
+            self.assertTrue(paths, command)
+            for path in paths:
+                with self.subTest(path=path):
+                    self.assertLessEqual(set(path.split(".")), names)
 
 
 if __name__ == "__main__":
