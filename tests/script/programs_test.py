@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-"""What the pages say about the programs that are built: their libraries, their network, recipes."""
+"""What the pages say about the programs that are built: libraries, network, reading, recipes."""
 
 import json
 import os
@@ -66,6 +66,16 @@ class Network(unittest.TestCase):
                 self.assertIn("open", {name.removesuffix("64") for name in functions})
                 self.assertEqual(functions & NETWORK, set())
         self.assertNotIn("libQt6Network", needed(TARNWICK))
+
+
+class Reading(unittest.TestCase):
+    def test_the_programs_ask_for_no_arguments_and_environments_of_processes(self):
+        for program in (TARNWICK, PROBE):
+            with self.subTest(program=program.name):
+                content = program.read_bytes()
+                self.assertIn(b"cgroup", content)
+                self.assertNotIn(b"cmdline", content)
+                self.assertNotIn(b"/environ", content)
 
 
 class Recipes(unittest.TestCase):
