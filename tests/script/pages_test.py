@@ -94,6 +94,22 @@ class Libraries(unittest.TestCase):
         self.assertGreater(found, 10)
 
 
+class Commands(unittest.TestCase):
+    def test_the_program_knows_them(self):
+        page = text("README.md")
+        options = set(re.findall(r"tarnwick (--\w+)", page))
+        self.assertEqual(options, {"--toggle", "--settings"})
+        for option in options:
+            self.assertIn(f'"{option}"', text("platform/linux/desktop/session/command_line.cpp"))
+        identifier = re.search(r'kIdentifier = "(.*)"', text("platform/linux/identifier.h")).group(1)
+        self.assertIn(f"`~/.config/autostart/{identifier}.desktop`", page)
+        self.assertIn(f"busctl --user call {identifier} /{identifier.replace('.', '/')} ", page)
+        actions = re.findall(rf"gapplication action {re.escape(identifier)} ([\w-]+)", page)
+        self.assertTrue(actions)
+        for action in {*actions, "open-panel", "toggle-panel", "settings"}:
+            self.assertIn(f'"{action}"', text("platform/linux/desktop/session/single_instance.cpp"))
+
+
 class Settings(unittest.TestCase):
     def test_every_key_is_in_the_table_with_its_default(self):
         table = text("docs/settings.md")
