@@ -11,7 +11,8 @@ ROOT = pathlib.Path(os.environ["TARNWICK_SCRIPTS"]).parent
 PAGES = [ROOT / name for name in (
     "ARCHITECTURE.md", "CHANGELOG.md", "CONTRIBUTING.md", "README.md", "SECURITY.md")]
 PAGES += sorted((ROOT / "docs").glob("*.md")) + sorted((ROOT / "packaging").rglob("*.md"))
-FOLDERS = "app|cmake|core|docs|evaluation|platform|script|services|settings|tests|tools|ui"
+FOLDERS = ("app|benchmarks|cmake|core|docs|evaluation|fuzz|packaging|platform|script|services|settings|"
+           "tests|tools|ui")
 
 
 def text(path):
