@@ -20,7 +20,7 @@ _ENVIRONMENT = {"GSK_RENDERER": "cairo"}
 _CROWD = 300
 # Seconds: long enough for a first start to greet.
 _GREETING = 2.0
-# The panel of Xfce runs its plug-in in a process of this name.
+# Xfce's panel runs the plug-in in a process of its own, whose command line names this.
 _PLUGIN = "libsystemload.so"
 
 
