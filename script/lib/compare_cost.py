@@ -29,10 +29,6 @@ def read(path):
         return file.read()
 
 
-def progress(package):
-    print(f"compare-cost: measures {package}", file=sys.stderr, flush=True)
-
-
 def family(pid):
     return [pid, *descendants(pid)]
 
@@ -48,7 +44,7 @@ def activity(pid):
     return found
 
 
-def measured(name, pid, seconds):
+def measured(name, is_always_there, pid, seconds):
     """The costs of a process and its children over some time; the memory is that at the end."""
     before = activity(pid)
     begun = time.monotonic()
@@ -56,7 +52,7 @@ def measured(name, pid, seconds):
     rates = usage.rates(before, activity(pid), time.monotonic() - begun)
     memories = [usage.memory(each) for each in family(pid)]
     return cost_table.Cost(
-        name, sum(each.proportional for each in memories),
+        name, is_always_there, sum(each.proportional for each in memories),
         sum(each.resident for each in memories),
         rates.processor_percent / 100 * 60 * 1000, rates.switches_per_second, rates.lost_threads)
 
@@ -75,11 +71,11 @@ def own_costs(path, settle, seconds):
         time.sleep(settle)
         if program.panel():
             raise Timeout("the panel is open without a click")
-        hidden = measured(f"Tarnwick {version}, hidden", program.pid, seconds)
+        hidden = measured(f"Tarnwick {version}, hidden", True, program.pid, seconds)
         program.open_panel()
         desktop.screen.move_pointer(desktop.nowhere)
         time.sleep(settle)
-        opened = measured(f"Tarnwick {version}, panel open", program.pid, seconds)
+        opened = measured(f"Tarnwick {version}, panel open", False, program.pid, seconds)
         if program.panel_picture() is None:
             raise Timeout("the panel did not stay open")
         return hidden, opened
@@ -119,12 +115,22 @@ def cost_of(monitor, settle, seconds):
         desktop.screen.move_pointer(desktop.nowhere)
         time.sleep(settle)
         try:
-            cost = measured(monitor.name.format(cost_table.upstream(version)), pid, seconds)
+            cost = measured(monitor.name.format(cost_table.upstream(version)),
+                            monitor.is_always_there, pid, seconds)
         except FileNotFoundError:
             raise Timeout(f"{monitor.package} ended: " + desktop.log("monitor").strip()) from None
         if not desktop.screen.windows(pid):
             raise Timeout(f"{monitor.package} did not stay on the screen")
         return cost
+
+
+def report(costs, arguments):
+    print(cost_table.table(costs))
+    print(f"\n{time.strftime('%Y-%m-%d')}, "
+          + cost_table.machine(read("/proc/cpuinfo"), read("/proc/meminfo"),
+                               read("/etc/os-release"))
+          + f", {max(_CROWD, population())} processes, "
+          f"{arguments.seconds:g} s each after {arguments.settle:g} s", flush=True)
 
 
 def main():
@@ -143,36 +149,35 @@ def main():
                if each not in monitors and each != cost_table.OWN]
     if unknown:
         parser.error(f"no such monitor: {unknown[0]}")
-    wanted = [each for name, each in monitors.items()
-              if not arguments.monitor or name in arguments.monitor]
-    missing = [each for each in wanted if not each.is_there()]
+    chosen = set(arguments.monitor or (cost_table.OWN, *monitors))
+    missing = [each for each in cost_table.MONITORS
+               if each.package in chosen and not each.is_there()]
     if missing:
         print("compare-cost: not on this machine: " + ", ".join(each.package for each in missing)
               + "\n  " + cost_table.install_line(missing), file=sys.stderr, flush=True)
+        chosen -= {each.package for each in missing}
     end_on_signals()
-    always, opened = [], []
+    costs, failed = [], []
     try:
-        if not arguments.monitor or cost_table.OWN in arguments.monitor:
-            progress(cost_table.OWN)
-            for costs, cost in zip((always, opened), own_costs(
-                    arguments.program, arguments.settle, arguments.seconds)):
-                costs.append(cost)
-        for each in wanted:
-            if each not in missing:
-                progress(each.package)
-                costs = always if each.is_always_there else opened
-                costs.append(cost_of(each, arguments.settle, arguments.seconds))
-    except (OSError, RuntimeError, Timeout) as problem:
-        sys.exit(f"compare-cost: {problem}")
-    costs = always + opened
-    if not costs:
-        sys.exit("compare-cost: nothing to measure")
-    print(cost_table.table(costs))
-    print(f"\n{time.strftime('%Y-%m-%d')}, "
-          + cost_table.machine(read("/proc/cpuinfo"), read("/proc/meminfo"),
-                               read("/etc/os-release"))
-          + f", {max(_CROWD, population())} processes, "
-          f"{arguments.seconds:g} s each after {arguments.settle:g} s")
+        for package in [cost_table.OWN, *monitors]:
+            if package not in chosen:
+                continue
+            print(f"compare-cost: measures {package}", file=sys.stderr, flush=True)
+            times = arguments.settle, arguments.seconds
+            try:
+                if package == cost_table.OWN:
+                    costs += own_costs(arguments.program, *times)
+                else:
+                    costs.append(cost_of(monitors[package], *times))
+            except (OSError, RuntimeError, Timeout) as problem:
+                print(f"compare-cost: {problem}", file=sys.stderr, flush=True)
+                failed.append(package)
+    finally:
+        # Also where it is interrupted: each row took minutes.
+        if costs:
+            report(costs, arguments)
+    if failed or not costs:
+        sys.exit(1)
 
 
 main()

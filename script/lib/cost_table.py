@@ -54,6 +54,7 @@ class Cost:
 
     # As in the table, with the version.
     name: str
+    is_always_there: bool
     # kB: memory with a share of what several programs use, and with all of that.
     proportional: int
     resident: int
@@ -75,7 +76,11 @@ def figure(value):
 
 
 def table(costs):
-    """The costs as a table in Markdown, and a line about each that is not complete."""
+    """The costs as a table in Markdown, and a line about each that is not complete.
+
+    First come the programs that are always on the screen.
+    """
+    costs = sorted(costs, key=lambda cost: not cost.is_always_there)
     lines = ["| program | PSS, MB | RSS, MB | processor time, ms a minute "
              "| context switches a second |",
              "|---|--:|--:|--:|--:|"]

@@ -15,16 +15,19 @@ from cost_table import Cost, Monitor  # noqa: E402
 
 
 class Table(unittest.TestCase):
-    def test_has_a_row_for_each_program(self):
-        text = cost_table.table([Cost("One 1.0", 2048, 10240, 1234.5, 0.25),
-                                 Cost("Two 2.0", 1024, 1024, 0, 0)])
+    def test_has_a_row_for_each_program_first_those_always_there(self):
+        text = cost_table.table([Cost("Two 2.0", False, 1024, 1024, 0, 0),
+                                 Cost("One 1.0", True, 2048, 10240, 1234.5, 0.25),
+                                 Cost("Three", False, 0, 0, 0, 0)])
         self.assertEqual(text.splitlines()[2:],
                          ["| One 1.0 | 2.0 | 10.0 | 1,234 | 0.25 |",
-                          "| Two 2.0 | 1.0 | 1.0 | 0 | 0 |"])
+                          "| Two 2.0 | 1.0 | 1.0 | 0 | 0 |",
+                          "| Three | 0.0 | 0.0 | 0 | 0 |"])
         self.assertEqual(len({line.count("|") for line in text.splitlines()}), 1)
 
     def test_says_where_a_figure_is_not_complete(self):
-        lines = cost_table.table([Cost("One", 1, 1, 1, 1, lost_threads=3), Cost("Two", 1, 1, 1, 1)])
+        lines = cost_table.table([Cost("One", True, 1, 1, 1, 1, lost_threads=3),
+                                  Cost("Two", True, 1, 1, 1, 1)])
         self.assertEqual(lines.splitlines()[-2:],
                          ["", "One: what 3 ended threads did is not counted"])
 
