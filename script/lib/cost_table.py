@@ -88,7 +88,7 @@ def table(costs):
         lines.append(
             f"| {cost.name} | {cost.proportional / 1024:.1f} | {cost.resident / 1024:.1f} "
             f"| {figure(cost.milliseconds)} | {figure(cost.switches_per_second)} |")
-    notes = [f"{cost.name}: what {cost.lost_threads} ended threads did is not counted"
+    notes = [f"{cost.name}: threads that ended before they were counted: {cost.lost_threads}"
              for cost in costs if cost.lost_threads]
     return "\n".join(lines + ["", *notes] if notes else lines)
 

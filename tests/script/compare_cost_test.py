@@ -29,7 +29,7 @@ class Table(unittest.TestCase):
         lines = cost_table.table([Cost("One", True, 1, 1, 1, 1, lost_threads=3),
                                   Cost("Two", True, 1, 1, 1, 1)])
         self.assertEqual(lines.splitlines()[-2:],
-                         ["", "One: what 3 ended threads did is not counted"])
+                         ["", "One: threads that ended before they were counted: 3"])
 
     def test_figures_have_two_digits_and_whole_numbers_all(self):
         for value, text in ((0, "0"), (0.0123, "0.012"), (0.996, "1.0"), (0.25, "0.25"),
