@@ -14,8 +14,11 @@ SCRIPTS = pathlib.Path(os.environ["TARNWICK_SCRIPTS"])
 TOOLS = {
     "dpkg-query": 'for name; do case $name in -*) ;; *) '
                   'grep -qsx "$name" "$LOG/installed" && echo "installed $name" ;; esac; done; true',
+    # The release has every package but $LACKS; then it installs none of those that it is asked for.
     "apt-get": 'on=; for word; do case $word in install) on=yes ;; -* | Dpkg::*) ;; '
-               '*) [ -z "$on" ] || echo "$word" >>"$LOG/installed" ;; esac; done',
+               '*) [ -z "$on" ] || asked+=("$word") ;; esac; done; '
+               'for word in "${asked[@]}"; do [ "$word" != "$LACKS" ] || exit 100; done; '
+               '[ -z "$on" ] || printf "%s\\n" "${asked[@]}" >>"$LOG/installed"',
     "id": "echo 0",
     "cmake": 'echo "$*" >>"$LOG/cmake"; case $1 in --preset) mkdir -p "build/$2/app"; '
              'touch "build/$2/CMakeCache.txt"; printf "#!/bin/sh\\necho started\\n" '
@@ -73,7 +76,7 @@ class Packages(Copy):
 
     def test_each_purpose_has_some_and_none_is_named_twice(self):
         named = packages()
-        self.assertEqual(set(named), {"build", "test", "desktop", "style"})
+        self.assertEqual(set(named), {"build", "test", "desktop", "style", "package"})
         self.assertTrue(all(named.values()))
         self.assertEqual(sum(map(len, named.values())), len(set().union(*named.values())))
 
@@ -104,7 +107,40 @@ class Packages(Copy):
 
     def test_without_a_purpose_all_are_installed(self):
         self.assertEqual(self.run_script("bootstrap").returncode, 0)
-        self.expect_installed("build", "test", "desktop", "style")
+        self.expect_installed("build", "test", "desktop", "style", "package")
+
+    def test_what_is_installed_is_left_alone(self):
+        self.run_script("bootstrap")
+        before = self.lines("installed")
+        ended = self.run_script("bootstrap")
+        self.assertEqual((ended.returncode, ended.stdout), (0, ""))
+        self.assertEqual(self.lines("installed"), before)
+
+    def test_a_release_without_the_formatter_stops_nobody(self):
+        ended = self.run_script("bootstrap", LACKS="clang-format")
+        self.assertEqual(ended.returncode, 0, ended.stderr)
+        self.assertIn("goes on without clang-format", ended.stdout)
+        self.expect_installed("build", "test", "desktop", "package")
+
+    def test_a_release_without_anything_else_is_refused(self):
+        ended = self.run_script("bootstrap", LACKS="cmake")
+        self.assertEqual(ended.returncode, 1)
+        self.assertIn("could not install", ended.stderr)
+
+    def test_a_user_who_may_install_nothing_needs_no_formatter(self):
+        self.run_script("bootstrap", "build", "test", "desktop", "package")
+        # Nothing but what is asked for before sudo is.
+        for name in ("bash", "env", "dirname", "basename", "grep", "awk", "sort", "comm"):
+            (self.root / "bin" / name).symlink_to(shutil.which(name, path="/usr/bin:/bin"))
+        self.add_tool("id", "echo 1000")
+        alone = {"PATH": f"{self.root}/bin"}
+        ended = self.run_script("bootstrap", **alone)
+        self.assertEqual(ended.returncode, 0, ended.stderr)
+        self.assertIn("goes on without clang-format", ended.stdout)
+        (self.log / "installed").unlink()
+        ended = self.run_script("bootstrap", **alone)
+        self.assertEqual(ended.returncode, 1)
+        self.assertIn("neither root nor sudo", ended.stderr)
 
     def test_an_unknown_purpose_is_refused(self):
         for purposes in (["everything"], ["build", "tset"]):
@@ -171,6 +207,16 @@ class Format(Copy):
     def test_a_difference_fails_the_check(self):
         self.add_formatter("clang-format-14", 14)
         self.assertEqual(self.run_script("format", "--check", FORMAT_STATUS="1").returncode, 1)
+
+    def test_without_a_formatter_nothing_is_checked(self):
+        for name in ("bash", "dirname", "basename"):
+            (self.root / "bin" / name).symlink_to(shutil.which(name, path="/usr/bin:/bin"))
+        alone = {"PATH": f"{self.root}/bin"}
+        ended = self.run_script("format", "--check", **alone)
+        self.assertEqual((ended.returncode, ended.stdout),
+                         (0, "format: not checked: clang-format is missing\n"))
+        ended = self.run_script("format", **alone)
+        self.assertEqual((ended.returncode, ended.stdout), (1, ""))
 
     def test_another_version_checks_nothing_and_says_so(self):
         self.add_formatter("clang-format-14", 19)
