@@ -243,7 +243,12 @@ Program::Program(QApplication& application, const platform::StartConditions& con
 int Program::run(std::optional<platform::Request> request) {
     app_.appDelegate().applicationDidFinishLaunching();
     if (request) {
-        perform(*request);
+        // After the greeting of a first start: its settings would close a panel that is open
+        // before. The greeting may have opened the panel, and it has to stay open.
+        platform::current().dispatch->async([this, request] {
+            perform(*request == platform::Request::togglePanel ? platform::Request::openPanel
+                                                               : *request);
+        });
     }
     const int status = application_.exec();
     // A session's end comes without a call of quit().

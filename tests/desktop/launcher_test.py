@@ -50,6 +50,14 @@ class LauncherTest(DesktopTestCase):
         self.until(lambda: self.settings_window(program), "the settings window is open")
         self.assertIsNone(program.panel())
 
+    def test_the_very_first_start_greets_and_does_what_it_is_asked_for(self):
+        self.open_desktop()
+        program = self.program("asked", ["--toggle"]).start()
+        self.until(lambda: self.settings_window(program), "the settings window is open")
+        self.assert_open(program)
+        self.ask("--toggle")
+        self.assert_closed(program)
+
     def test_the_bus_starts_it_for_a_launcher(self):
         self.open_desktop()
         self.start_known_to_user().end()
