@@ -55,6 +55,9 @@ class LinuxIdentity(unittest.TestCase):
         actions = entry["Desktop Entry"]["Actions"].rstrip(";").split(";")
         self.assertEqual([entry[f"Desktop Action {each}"]["Name"] for each in actions],
                          ["Open Panel", "Settings"])
+        # Desktops that do not ask over the bus start these, also where none runs yet.
+        self.assertEqual([entry[f"Desktop Action {each}"]["Exec"] for each in actions],
+                         ["tarnwick --toggle", "tarnwick --settings"])
         known = (ROOT / "platform/linux/desktop/session/single_instance.cpp").read_text()
         for action in actions:
             self.assertIn(f'QLatin1String("{action}")', known)
