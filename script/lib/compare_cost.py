@@ -137,10 +137,10 @@ def main():
     monitors = {each.package: each for each in cost_table.MONITORS}
     parser = argparse.ArgumentParser(prog="script/compare-cost", description=__doc__)
     parser.add_argument("--program", required=True, help=argparse.SUPPRESS)
-    parser.add_argument("--seconds", type=float, default=60,
+    parser.add_argument("--seconds", type=cost_table.duration, default=60,
                         help="how long to look at each (60)")
     # The toolkit's helper threads from the start end after half a minute.
-    parser.add_argument("--settle", type=float, default=35,
+    parser.add_argument("--settle", type=cost_table.duration, default=35,
                         help="how long to leave each alone before that (35)")
     parser.add_argument("monitor", nargs="*", metavar="MONITOR",
                         help=", ".join((cost_table.OWN, *monitors)))

@@ -114,6 +114,14 @@ def machine(cpuinfo, meminfo, os_release):
                       f"{kilobytes / 1024 ** 2:.0f} GB of memory"))
 
 
+def duration(text):
+    """A time in seconds as its user wrote it, more than none and a day at most."""
+    value = float(text)
+    if not 0 < value <= 86400:
+        raise ValueError(text)
+    return value
+
+
 def install_line(monitors):
     packages = sorted({package for each in monitors for package in each.packages})
     return "sudo apt-get install --no-install-recommends " + " ".join(packages)

@@ -109,6 +109,13 @@ class Packages(Copy):
         self.assertEqual(self.run_script("bootstrap").returncode, 0)
         self.expect_installed("build", "test", "desktop", "style", "package")
 
+    def test_help_installs_and_builds_nothing(self):
+        for script in ("run", "compare-cost", "package"):
+            ended = self.run_script(script, "--help")
+            self.assertEqual((ended.returncode, ended.stderr), (0, ""))
+            self.assertIn("script/" + script, ended.stdout)
+            self.assertEqual(self.lines("installed") + self.lines("cmake"), [])
+
     def test_what_is_installed_is_left_alone(self):
         self.run_script("bootstrap")
         before = self.lines("installed")

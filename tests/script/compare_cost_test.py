@@ -53,6 +53,12 @@ class Words(unittest.TestCase):
         self.assertEqual(cost_table.machine("processor : 0\n", "MemTotal: 1048576 kB\n", ""),
                          "Linux, 1 processor, 1 GB of memory")
 
+    def test_a_time_is_a_number_of_seconds_that_can_be_waited(self):
+        self.assertEqual(cost_table.duration("0.5"), 0.5)
+        for text in ("0", "-1", "nan", "inf", "1e9", "soon", ""):
+            with self.assertRaises(ValueError):
+                cost_table.duration(text)
+
     def test_the_version_is_that_of_the_tree(self):
         self.assertEqual(
             cost_table.project_version("cmake_minimum_required(VERSION 3.25)\n"
