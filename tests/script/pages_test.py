@@ -102,6 +102,8 @@ class Commands(unittest.TestCase):
         self.assertEqual(options, {"--toggle", "--settings"})
         for option in options:
             self.assertIn(f'"{option}"', text("platform/linux/desktop/session/command_line.cpp"))
+        for option in re.findall(r" -D(TARNWICK_\w+)=", page):
+            self.assertIn(f"option({option} ", text("CMakeLists.txt"))
         identifier = re.search(r'kIdentifier = "(.*)"', text("platform/linux/identifier.h")).group(1)
         self.assertIn(f"`~/.config/autostart/{identifier}.desktop`", page)
         self.assertIn(f"busctl --user call {identifier} /{identifier.replace('.', '/')} ", page)
