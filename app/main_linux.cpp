@@ -352,13 +352,20 @@ int main(int argc, char* argv[]) {
         platform::notice("there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
         return EXIT_FAILURE;
     }
+    if (!platform::displayAnswers()) {
+        platform::notice("the display cannot be reached: " + platform::displayName().toStdString());
+        return EXIT_FAILURE;
+    }
     const platform::StartConditions conditions{QProcessEnvironment::systemEnvironment(),
                                                platform::raiseDescriptorLimit()};
     auto environment = std::make_optional<platform::ToolkitEnvironment>();
     qt::listPopUpsForScreenReaders();
     // Newer toolkits print a line whenever assistive technology asks for a widget that has gone.
     QLoggingCategory::setFilterRules("qt.accessibility.atspi.warning=false");
-    QApplication application(argc, argv);
+    // The name alone: the toolkit would end the program at an option of its own that makes no
+    // sense.
+    int count = argc < 1 ? argc : 1;
+    QApplication application(count, argv);
     environment.reset();
     QApplication::setApplicationName(platform::kIdentifier);
     QApplication::setApplicationVersion(TARNWICK_VERSION);

@@ -85,6 +85,21 @@ class StartTest(DesktopTestCase):
             self.assert_one_line(program, "no display")
         self.assertFalse(os.path.exists(self.store()))
 
+    def test_says_that_the_display_cannot_be_reached(self):
+        self.open_desktop(host=None)
+        for name, value in (("DISPLAY", ":9876"), ("WAYLAND_DISPLAY", "nowhere")):
+            program = self.program(name).start(**{"DISPLAY": None, name: value})
+            self.until(lambda started=program: not started.runs(), "the program ends")
+            self.assertEqual(program.process.returncode, 1)
+            self.assert_one_line(program, f"the display cannot be reached: {value}")
+        self.assertFalse(os.path.exists(self.store()))
+
+    def test_passes_over_what_only_the_toolkit_knows(self):
+        self.open_desktop()
+        program = self.program(options=["-platform", "nonsense", "-style"]).start()
+        program.wait_for_item()
+        self.assertEqual(program.output(), "")
+
     def test_notices_the_first_where_a_bus_came_later(self):
         self.open_desktop(host="tint2")
         first = self.program().start(DBUS_SESSION_BUS_ADDRESS="disabled:")

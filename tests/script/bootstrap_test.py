@@ -58,11 +58,12 @@ class Copy(unittest.TestCase):
         tool.write_text(f"#!/bin/bash\n{body}\n")
         tool.chmod(0o755)
 
-    def run_script(self, *command, **variables):
+    def run_script(self, *command, cwd=None, **variables):
         environment = {"PATH": f"{self.root}/bin:/usr/bin:/bin", "LOG": str(self.log),
                        "HOME": str(self.root), "TMPDIR": str(self.root)}
         return subprocess.run([self.root / "script" / command[0], *command[1:]], text=True,
-                              capture_output=True, env=environment | variables)
+                              capture_output=True, env=environment | variables,
+                              cwd=cwd or self.root)
 
     def lines(self, name):
         file = self.log / name

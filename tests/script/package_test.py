@@ -106,7 +106,8 @@ class Packages(Copy):
     def test_go_to_another_folder_beside_what_is_there(self):
         (self.root / "other").mkdir()
         (self.root / "other/kept").touch()
-        self.package("other")
+        # It counts from where the script is called.
+        self.package("../other", cwd=self.root / "script")
         self.assertEqual(self.made("other"), sorted([*NAMES, "kept"]))
 
     def test_are_built_in_a_copy_that_goes(self):

@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 #include <vector>
+#include <wayland-client-core.h>
 
 #include "platform/linux/desktop/session/xsettings.h"
 #include "platform/qt/x11.h"
@@ -47,6 +48,25 @@ std::optional<InterfaceFont> desktopFont() {
 }
 
 }  // namespace
+
+bool displayAnswers() {
+    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        return true;
+    }
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
+        if (wl_display* compositor = wl_display_connect(nullptr)) {
+            wl_display_disconnect(compositor);
+            return true;
+        }
+    }
+    if (qEnvironmentVariableIsEmpty("DISPLAY")) {
+        return false;
+    }
+    xcb_connection_t* server = xcb_connect(nullptr, nullptr);
+    const bool answers = xcb_connection_has_error(server) == 0;
+    xcb_disconnect(server);
+    return answers;
+}
 
 ToolkitEnvironment::ToolkitEnvironment() {
     for (const char* name : {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "KDE_FULL_SESSION",

@@ -8,6 +8,11 @@
 
 namespace tarnwick::platform {
 
+/// Whether the compositor or the X server that the environment names takes connections. The toolkit
+/// ends the program with a crash where none does. True where the environment names a platform of
+/// the toolkit, which may need neither.
+bool displayAnswers();
+
 /// The constructor hides the variables by which the toolkit chooses a desktop's theme plug-in; the
 /// destructor restores them for child processes. Such a plug-in needs up to 70 MB, and the program
 /// draws its own look. Requires: made before the application object, while there is only one
