@@ -21,8 +21,10 @@ constexpr uint kFirstVersion = 1;
 
 constexpr auto kDescription = "Open or close the panel";
 
-/// Response codes; every other one is a refusal.
+/// Response codes; every other one is a refusal by the user.
 constexpr uint kGranted = 0;
+/// "Ended in some other way". GNOME's portal says so also when it has bound a shortcut.
+constexpr uint kEnded = 2;
 
 /// A new name for each object that the portal makes for this process.
 QString newToken() {
@@ -146,13 +148,15 @@ void PortalShortcut::responded(const QDBusMessage& signal) {
     }
     request_.clear();
     const QVariantList arguments = signal.arguments();
-    if (arguments[0].toUInt() != kGranted) {
+    const uint code = arguments[0].toUInt();
+    const auto results = qdbus_cast<QVariantMap>(arguments[1]);
+    const State judgement = hasSession_ ? judged(results.value("shortcuts")) : State::unbound;
+    if (code != kGranted && (code != kEnded || judgement != State::bound)) {
         set(State::refused);
         return;
     }
-    const auto results = qdbus_cast<QVariantMap>(arguments[1]);
     if (hasSession_) {
-        set(judged(results.value("shortcuts")));
+        set(judgement);
         return;
     }
     if (const QString path = pathIn(results.value("session_handle")); !path.isEmpty()) {

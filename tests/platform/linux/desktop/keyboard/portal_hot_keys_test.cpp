@@ -419,6 +419,26 @@ TEST_F(PortalKeys, ThatThePortalRefusesFail) {
     EXPECT_THAT(portal_.calls, ElementsAre("version", "CreateSession"));
 }
 
+TEST_F(PortalKeys, BoundByAPortalThatSaysItEndedOtherwiseAreHeld) {
+    portal_.bindCode = 2;
+    addAndHold();
+    portal_.press();
+    EXPECT_TRUE(waitUntil([&] { return presses_ == 1; }));
+}
+
+TEST_F(PortalKeys, WithoutKeysOfAPortalThatEndedOtherwiseAreRefused) {
+    portal_.begin();
+    portal_.bindCode = 2;
+    for (const auto& list : {PortalShortcutEntries(), PortalShortcutEntries{{"another", {}}},
+                             PortalShortcutEntries{{"panel-LOGO-l", {}}}}) {
+        portal_.list = list;
+        makeKeys(std::chrono::hours(1));
+        add();
+        settle();
+        EXPECT_EQ(add(), status::kRefused);
+    }
+}
+
 TEST_F(PortalKeys, ThatWereRefusedCanBeAskedForAgain) {
     makeKeys(std::chrono::milliseconds(1));
     portal_.begin();
