@@ -286,7 +286,8 @@ QRect Program::panelAnchor() const {
         return *place;
     }
     const QScreen* screen = QGuiApplication::primaryScreen();
-    return qt::cornerAnchor(screen->geometry(), screen->availableGeometry());
+    return qt::cornerAnchor(screen->geometry(), screen->availableGeometry(),
+                            item_.isUsuallyAtTheBottom());
 }
 
 void Program::openPanel() {

@@ -57,12 +57,16 @@ bool isWaylandSession(std::string_view sessionType, std::string_view waylandDisp
     return !waylandDisplay.empty();
 }
 
+bool isUnderCompositor() {
+    return isWaylandPlatform() || isWaylandSession(qgetenv("XDG_SESSION_TYPE").toStdString(),
+                                                   qgetenv("WAYLAND_DISPLAY").toStdString());
+}
+
 std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeysymLayout& layout,
                                      Dispatch& dispatch) {
     // An X server beside a compositor grants grabs, but knows of no key that is pressed in a window
     // of the compositor: there only the portal can tell.
-    if (isWaylandPlatform() || isWaylandSession(qgetenv("XDG_SESSION_TYPE").toStdString(),
-                                                qgetenv("WAYLAND_DISPLAY").toStdString())) {
+    if (isUnderCompositor()) {
         return std::make_unique<PortalHotKeys>(bus, layout);
     }
     if (xcb_connection_t* connection = x11::connection()) {

@@ -4,7 +4,9 @@
 #include <QGuiApplication>
 #include <utility>
 
+#include "platform/linux/desktop/keyboard/session_keyboard.h"
 #include "platform/linux/desktop/tray/pointer_place.h"
+#include "platform/linux/desktop/tray/reported_place.h"
 #include "platform/linux/events/standard_error.h"
 
 namespace tarnwick::platform {
@@ -33,6 +35,7 @@ LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bo
     options.painter = std::move(painter);
     options.dark = dark;
     options.notice = platform::notice;
+    options.isUnderCompositor = isUnderCompositor();
     options.runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
     return options;
 }
@@ -91,11 +94,11 @@ void LinuxStatusItem::start() {
     if (bus_.isConnected()) {
         // Read now, because the pointer is on the item; later it will be on the chosen entry.
         menu_ = std::make_unique<DBusMenu>(bus_, kMenuPath, entries_,
-                                           [this] { anchor_ = placeUnderPointer(); });
+                                           [this] { keepPlaceUnderPointer(); });
         notifier_ = std::make_unique<StatusNotifierItem>(
             bus_, kMenuPath,
             NotifierActions{
-                .activate = [this] { activated(); },
+                .activate = [this](const QPoint& place) { activated(place); },
                 .secondaryActivate = [this] { run(actions_.refresh); },
                 .activationToken = [this](const QString& token) { keepActivationToken(token); }});
         activationToken_.setSingleShot(true);
@@ -165,9 +168,17 @@ std::optional<QRect> LinuxStatusItem::anchor() const {
     return embedded ? embedded : anchor_;
 }
 
-void LinuxStatusItem::activated() {
+bool LinuxStatusItem::isUsuallyAtTheBottom() const {
+    return registration_ && platform::isUsuallyAtTheBottom(registration_->program());
+}
+
+void LinuxStatusItem::activated(const QPoint& reported) {
     if (sinceActivation_.isValid() && sinceActivation_.elapsed() < options_.samePressMilliseconds) {
         return;
+    }
+    if (options_.isUnderCompositor) {
+        const auto point = reportedPoint(reported, registration_->program(), reportedScreens());
+        anchor_ = point ? std::optional(QRect(*point, QSize(1, 1))) : std::nullopt;
     }
     clicked();
     // From here on, because opening the panel takes a while.
@@ -175,9 +186,15 @@ void LinuxStatusItem::activated() {
 }
 
 void LinuxStatusItem::clicked() {
-    // Ignores the position in the message, because hosts disagree about its origin.
-    anchor_ = placeUnderPointer();
+    keepPlaceUnderPointer();
     run(actions_.click);
+}
+
+void LinuxStatusItem::keepPlaceUnderPointer() {
+    // Better than the position in the message, because hosts disagree about its origin.
+    if (!options_.isUnderCompositor) {
+        anchor_ = placeUnderPointer();
+    }
 }
 
 ItemIcon LinuxStatusItem::icon() const {

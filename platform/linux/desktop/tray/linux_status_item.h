@@ -46,6 +46,9 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         /// Milliseconds from the end of a press on the bus in which another one counts as the same:
         /// waybar reports the second press of a quick pair as a press and as a double click.
         int samePressMilliseconds = 20;
+        /// A compositor has the pointer, also if the program talks to an X server beside it: what
+        /// that server tells of the pointer is stale.
+        bool isUnderCompositor = false;
         /// Returns the name of a process's program.
         NotifierRegistration::ProgramOf programOf = programOfProcess;
         /// How soon a host that refuses the item is asked again.
@@ -72,8 +75,12 @@ class LinuxStatusItem final : public QObject, public StatusItem {
 
     /// The item's known place on the screen, for a panel beside it: the icon's place in the older
     /// kind of tray, else the place of the last click, as high as its bar. Absent before the first
-    /// click, and on desktops that do not let a program see the pointer (Wayland).
+    /// click. Under a compositor a program does not see the pointer: there it is the point that the
+    /// host reported with the last click, absent if it reported none.
     std::optional<QRect> anchor() const;
+    /// Whether the tray is usually at the bottom of the screen, for a panel while anchor() is
+    /// absent.
+    bool isUsuallyAtTheBottom() const;
 
     /// Keeps the compositor's permission to come to the front for the next window that is opened;
     /// an empty one changes nothing.
@@ -85,8 +92,9 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     void countTimeWithoutTray();
     void update();
     /// A host on the bus reports a press.
-    void activated();
+    void activated(const QPoint& reported);
     void clicked();
+    void keepPlaceUnderPointer();
     ItemIcon icon() const;
     NotifierContent notifierContent(const TrayPresentation& presentation);
     const IconPixmaps& squares();

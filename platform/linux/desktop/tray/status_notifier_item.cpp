@@ -162,9 +162,14 @@ bool StatusNotifierItem::handleMessage(const QDBusMessage& message,
             actions_.activationToken(message.arguments().first().toString());
         }
     };
+    const std::function<void()> activate = [this, &message] {
+        if (actions_.activate) {
+            actions_.activate({message.arguments()[0].toInt(), message.arguments()[1].toInt()});
+        }
+    };
     const std::function<void()>* action = nullptr;
     if (call == "Activate(ii)") {
-        action = &actions_.activate;
+        action = &activate;
     } else if (call == "SecondaryActivate(ii)" || call == "XAyatanaSecondaryActivate(u)") {
         action = &actions_.secondaryActivate;
     } else if (call == "ProvideXdgActivationToken(s)") {

@@ -32,7 +32,8 @@ struct NotifierContent {
 
 /// Presses that hosts report.
 struct NotifierActions {
-    std::function<void()> activate;
+    /// `place`: where the host says that the item is.
+    std::function<void(const QPoint& place)> activate;
     std::function<void()> secondaryActivate;
     /// Delivers a token of the compositor: the next press may bring a window to the front with it.
     /// May be empty if tokens are not used.

@@ -48,6 +48,7 @@ class Item : public ::testing::Test {
         options.noTrayMilliseconds = noTrayMilliseconds;
         options.tokenMilliseconds = tokenMilliseconds;
         options.samePressMilliseconds = samePressMilliseconds;
+        options.isUnderCompositor = isUnderCompositor_;
         options.programOf = [this](unsigned) { return program_; };
         options.retryDelays = {.first = 1, .longest = 4};
         options.runtimeFolder = runtime_.path().toStdString();
@@ -107,6 +108,7 @@ class Item : public ::testing::Test {
     QDBusConnection itemBus_ = bus_.connect();
     ScriptedHost host_{bus_.connect()};
     std::string program_ = "a host that nobody knows";
+    bool isUnderCompositor_ = false;
     std::vector<std::string> notices_;
     int clicks_ = 0;
     int toggles_ = 0;
@@ -478,6 +480,30 @@ TEST_F(Item, HasNoAnchorWhereThePointerCannotBeSeen) {
     beginHost();
     host_.callItem("Activate", {300, 4});
     EXPECT_EQ(item_->anchor(), std::nullopt);
+}
+
+TEST_F(Item, IsWhereTheHostReportsUnderACompositor) {
+    isUnderCompositor_ = true;
+    make(itemBus_);
+    show();
+    beginHost();
+    EXPECT_EQ(item_->anchor(), std::nullopt);
+    host_.callItem("Activate", {300, 7});
+    EXPECT_EQ(item_->anchor(), QRect(300, 7, 1, 1));
+    // A menu tells no place.
+    host_.call("com.canonical.dbusmenu", "AboutToShow", {0}, "/StatusNotifierMenu");
+    EXPECT_EQ(item_->anchor(), QRect(300, 7, 1, 1));
+    host_.callItem("Activate", {300, 100000});
+    EXPECT_EQ(item_->anchor(), std::nullopt);
+    EXPECT_EQ(clicks_, 2);
+}
+
+TEST_F(Item, IsUsuallyAtTheBottomWherePlasmaShowsIt) {
+    show();
+    EXPECT_FALSE(item_->isUsuallyAtTheBottom());
+    program_ = "kded6";
+    beginHost();
+    EXPECT_TRUE(item_->isUsuallyAtTheBottom());
 }
 
 TEST_F(Item, TellsTheUserOnceWhenThereIsNoTray) {

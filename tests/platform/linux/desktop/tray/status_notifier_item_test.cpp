@@ -48,6 +48,7 @@ class NotifierItem : public ::testing::Test {
     QDBusConnection itemBus_ = bus_.connect();
     ScriptedHost host_{bus_.connect()};
     int activated_ = 0;
+    QPoint place_;
     int secondary_ = 0;
     QStringList tokens_;
     NotifierContent content_{
@@ -55,7 +56,11 @@ class NotifierItem : public ::testing::Test {
     StatusNotifierItem item_{
         itemBus_,
         "/TheMenu",
-        {.activate = [this] { ++activated_; },
+        {.activate =
+             [this](const QPoint& place) {
+                 ++activated_;
+                 place_ = place;
+             },
          .secondaryActivate = [this] { ++secondary_; },
          .activationToken = [this](const QString& token) { tokens_.append(token); }}};
 };
@@ -193,6 +198,7 @@ TEST_F(NotifierItem, HasNoLabelPropertyAtAllWithoutALabel) {
 TEST_F(NotifierItem, ReportsPressesOfEachKind) {
     EXPECT_EQ(host_.callItem("Activate", {10, 20}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(activated_, 1);
+    EXPECT_EQ(place_, QPoint(10, 20));
     EXPECT_EQ(host_.callItem("SecondaryActivate", {10, 20}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(host_.callItem("XAyatanaSecondaryActivate", {7U}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(secondary_, 2);
