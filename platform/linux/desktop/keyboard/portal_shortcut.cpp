@@ -134,6 +134,7 @@ void PortalShortcut::ask(const char* method, const QVariantList& arguments, QVar
         }
         if (!answer) {
             request_.clear();
+            isRefusedByPortal_ = true;
             set(State::unavailable);
             return;
         }
@@ -152,6 +153,7 @@ void PortalShortcut::responded(const QDBusMessage& signal) {
     const auto results = qdbus_cast<QVariantMap>(arguments[1]);
     const State judgement = hasSession_ ? judged(results.value("shortcuts")) : State::unbound;
     if (code != kGranted && (code != kEnded || judgement != State::bound)) {
+        isRefusedByPortal_ = code == kEnded;
         set(State::refused);
         return;
     }

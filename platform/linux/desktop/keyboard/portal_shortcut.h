@@ -48,6 +48,8 @@ class PortalShortcut final : public QObject {
     void close();
 
     State state() const { return state_; }
+    /// Whether the portal, not its user, has said no.
+    bool isRefusedByPortal() const { return isRefusedByPortal_; }
     /// Unique name of the portal on the bus; empty until it has answered.
     const QString& portal() const { return portal_; }
 
@@ -84,6 +86,7 @@ class PortalShortcut final : public QObject {
     QString session_;
     bool hasSession_ = false;
     bool isClosed_ = false;
+    bool isRefusedByPortal_ = false;
 };
 
 }  // namespace tarnwick::platform
