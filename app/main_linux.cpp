@@ -209,7 +209,8 @@ Program::Program(QApplication& application, const platform::StartConditions& con
     : application_(application),
       instance_(instance),
       machine_(bus),
-      item_(bus, platform::LinuxStatusItem::sessionOptions(paintIcon, theme_.isDark())),
+      item_(bus, platform::LinuxStatusItem::sessionOptions(paintIcon, theme_.isDark(),
+                                                           *platform::current().dispatch)),
       colorScheme_(bus,
                    [this](bool dark) {
                        theme_.setDark(dark);
@@ -358,7 +359,9 @@ int main(int argc, char* argv[]) {
     auto environment = std::make_optional<platform::ToolkitEnvironment>();
     qt::listPopUpsForScreenReaders();
     // Newer toolkits print a line whenever assistive technology asks for a widget that has gone.
-    QLoggingCategory::setFilterRules("qt.accessibility.atspi.warning=false");
+    // They also print one whenever the compositor takes the keyboard from a window that has closed.
+    QLoggingCategory::setFilterRules(
+        "qt.accessibility.atspi.warning=false\nqt.qpa.wayland.textinput.warning=false");
     QApplication application(argc, argv);
     environment.reset();
     QApplication::setApplicationName(platform::kIdentifier);

@@ -2,11 +2,13 @@
 #include "platform/linux/desktop/tray/linux_status_item.h"
 
 #include <QGuiApplication>
+#include <cstdlib>
 #include <utility>
 
 #include "platform/linux/desktop/keyboard/session_keyboard.h"
 #include "platform/linux/desktop/tray/pointer_place.h"
 #include "platform/linux/desktop/tray/reported_place.h"
+#include "platform/linux/desktop/tray/waybar_style.h"
 #include "platform/linux/events/standard_error.h"
 
 namespace tarnwick::platform {
@@ -30,11 +32,23 @@ void run(const std::function<void()>& action) {
 
 }  // namespace
 
-LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bool dark) {
+LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bool dark,
+                                                         Dispatch& dispatch) {
     Options options;
     options.painter = std::move(painter);
     options.dark = dark;
     options.notice = platform::notice;
+    options.findTextShade = [&dispatch](const std::string& program,
+                                        std::function<void(bool)> found) {
+        if (program == "waybar") {
+            dispatch.detached([&dispatch, found = std::move(found)] {
+                const auto environment = [](const char* name) { return std::getenv(name); };
+                if (const auto isLight = wantsLightText(waybarStyleSheet(environment))) {
+                    dispatch.async([found, isLight = *isLight] { found(isLight); });
+                }
+            });
+        }
+    };
     options.isUnderCompositor = isUnderCompositor();
     options.runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
     return options;
@@ -133,8 +147,28 @@ void LinuxStatusItem::hostChanged() {
             entries_, [this] { clicked(); }, [this] { run(actions_.refresh); },
             [this] { countTimeWithoutTray(); });
     }
+    askForTextShade();
     update();
     countTimeWithoutTray();
+}
+
+void LinuxStatusItem::askForTextShade() {
+    if (shadedHost_ == registration_->program()) {
+        return;
+    }
+    shadedHost_ = registration_->program();
+    hasLightText_.reset();
+    if (!options_.findTextShade) {
+        return;
+    }
+    options_.findTextShade(shadedHost_,
+                           [weak = std::weak_ptr(self_), host = shadedHost_](bool isLight) {
+                               const auto self = weak.lock();
+                               if (self && (*self)->shadedHost_ == host) {
+                                   (*self)->hasLightText_ = isLight;
+                                   (*self)->update();
+                               }
+                           });
 }
 
 void LinuxStatusItem::countTimeWithoutTray() {
@@ -214,7 +248,7 @@ IconPixmap LinuxStatusItem::rowWithText(const QString& text, int height) {
         rowIconOf_ = icon();
         rowIcon_ = squarePicture(options_.painter, *rowIconOf_, wideIconSize(height));
     }
-    return toPixmap(widePicture(rowIcon_, text, options_.dark, height));
+    return toPixmap(widePicture(rowIcon_, text, hasLightText_.value_or(options_.dark), height));
 }
 
 NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& presentation) {
@@ -235,6 +269,7 @@ NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& present
     if (hasText && presentation.text == TextPlace::label) {
         content.label = text;
     }
+    content.needsAttention = presentation.marksAttention && content_->tint == Tint::red;
     return content;
 }
 

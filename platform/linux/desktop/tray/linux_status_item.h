@@ -17,6 +17,7 @@
 #include <vector>
 
 #include "platform/desktop.h"
+#include "platform/dispatch.h"
 #include "platform/linux/desktop/tray/dbus_menu.h"
 #include "platform/linux/desktop/tray/embedded_tray.h"
 #include "platform/linux/desktop/tray/item_picture.h"
@@ -53,13 +54,17 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         NotifierRegistration::ProgramOf programOf = programOfProcess;
         /// How soon a host that refuses the item is asked again.
         NotifierRegistration::RetryDelays retryDelays{};
+        /// Finds out whether the host `program` draws on a bar that wants light text, and calls
+        /// `found` on the main thread, later and at most once: not at all if it cannot tell.
+        std::function<void(const std::string& program, std::function<void(bool isLight)> found)>
+            findTextShade{};
         /// Folder for the picture file that some hosts want in place of pixmaps.
         std::string runtimeFolder;
     };
 
     /// Options of a real session: the notice goes to standard error, the folder is the runtime
-    /// folder.
-    static Options sessionOptions(IconPainter painter, bool dark);
+    /// folder. Requires: `dispatch` outlives the background work.
+    static Options sessionOptions(IconPainter painter, bool dark, Dispatch& dispatch);
 
     /// `bus` may be unconnected: then only a tray of the older kind is looked for.
     LinuxStatusItem(QDBusConnection bus, Options options);
@@ -100,6 +105,7 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     const IconPixmaps& squares();
     IconPixmap rowWithText(const QString& text, int height);
     void tellIfNoTray();
+    void askForTextShade();
 
     QDBusConnection bus_;
     Options options_;
@@ -119,6 +125,11 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     std::unique_ptr<StatusNotifierItem> notifier_;
     std::unique_ptr<NotifierRegistration> registration_;
     std::unique_ptr<EmbeddedTray> embedded_;
+    /// The host whose bar was last asked about, and whether that bar wants light text.
+    std::string shadedHost_;
+    std::optional<bool> hasLightText_;
+    /// Lives as long as the item, which an answer may come after.
+    std::shared_ptr<LinuxStatusItem*> self_ = std::make_shared<LinuxStatusItem*>(this);
     bool started_ = false;
     /// Runs from when the last tray has gone.
     QTimer withoutTray_;

@@ -16,14 +16,19 @@ struct KnownHost {
 constexpr std::array kKnownHosts = {
     KnownHost{"ayatana-indicator-application-service",
               {.text = TextPlace::label, .iconFromFile = true}},
-    KnownHost{"gnome-shell", {.text = TextPlace::label}},
+    KnownHost{"gnome-shell", {.text = TextPlace::label, .marksAttention = true}},
+    // Plasma's tray, by version.
+    KnownHost{"kded5", {.marksAttention = true}},
+    KnownHost{"kded6", {.marksAttention = true}},
     KnownHost{"lxqt-panel", {.fetches = HostFetches::namedButTitle}},
     KnownHost{
         "notification-area-applet",
         {.text = TextPlace::picture, .pictureHeight = 22, .fetches = HostFetches::namedButTitle}},
-    KnownHost{
-        "waybar",
-        {.text = TextPlace::picture, .pictureHeight = 44, .fetches = HostFetches::everything}},
+    KnownHost{"waybar",
+              {.text = TextPlace::picture,
+               .pictureHeight = 44,
+               .fetches = HostFetches::everything,
+               .marksAttention = true}},
     // This program runs the plug-ins of xfce4-panel.
     KnownHost{"wrapper-2.0", {.fetches = HostFetches::everything}},
     KnownHost{"xfce4-panel", {.fetches = HostFetches::everything}},

@@ -49,6 +49,11 @@ class Item : public ::testing::Test {
         options.tokenMilliseconds = tokenMilliseconds;
         options.samePressMilliseconds = samePressMilliseconds;
         options.isUnderCompositor = isUnderCompositor_;
+        options.findTextShade = [this](const std::string& program,
+                                       std::function<void(bool)> found) {
+            shadesAsked_.push_back(program);
+            foundShade_ = std::move(found);
+        };
         options.programOf = [this](unsigned) { return program_; };
         options.retryDelays = {.first = 1, .longest = 4};
         options.runtimeFolder = runtime_.path().toStdString();
@@ -109,6 +114,8 @@ class Item : public ::testing::Test {
     ScriptedHost host_{bus_.connect()};
     std::string program_ = "a host that nobody knows";
     bool isUnderCompositor_ = false;
+    std::vector<std::string> shadesAsked_;
+    std::function<void(bool)> foundShade_;
     std::vector<std::string> notices_;
     int clicks_ = 0;
     int toggles_ = 0;
@@ -319,6 +326,50 @@ TEST_F(Item, IsOneWidePictureWithTheTextWhereThatIsDrawnWhole) {
     content_.text = std::nullopt;
     show();
     EXPECT_EQ(pixmaps().size(), 6);
+}
+
+TEST_F(Item, DrawsItsTextInTheShadeThatTheBarOfTheHostWants) {
+    program_ = "waybar";
+    content_.text = "CPU 12%";
+    show();
+    beginHost();
+    ASSERT_THAT(shadesAsked_, ::testing::Contains("waybar"));
+    const IconPixmaps dark = pixmaps();
+    foundShade_(true);
+    const IconPixmaps light = pixmaps();
+    ASSERT_EQ(light.size(), 1);
+    EXPECT_NE(light[0].bytes, dark[0].bytes);
+    // What the desktop prefers changes the icon, not the text.
+    item_->setDark(true);
+    EXPECT_NE(pixmaps()[0].bytes, light[0].bytes);
+    foundShade_(false);
+    item_->setDark(false);
+    EXPECT_EQ(pixmaps()[0].bytes, dark[0].bytes);
+}
+
+TEST_F(Item, OutlivesNoAnswerAboutTheShadeOfItsText) {
+    program_ = "waybar";
+    show();
+    beginHost();
+    ASSERT_TRUE(foundShade_);
+    item_.reset();
+    foundShade_(true);
+}
+
+TEST_F(Item, NeedsAttentionWhileAMetricIsAboveItsHighThresholdWhereThatIsShown) {
+    for (const char* program : {"kded6", "xfce4-panel"}) {
+        program_ = program;
+        const bool isMarked = program_ == "kded6";
+        make(itemBus_);
+        content_.tint = Tint::red;
+        show();
+        beginHost();
+        EXPECT_EQ(host_.properties().value("Status").toString() == "NeedsAttention", isMarked);
+        content_.tint = Tint::yellow;
+        show();
+        EXPECT_EQ(host_.properties().value("Status"), QVariant("Active"));
+        host_.end();
+    }
 }
 
 TEST_F(Item, KeepsItsWidthForEveryTextOfADisplayMode) {

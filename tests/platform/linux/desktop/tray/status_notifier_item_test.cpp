@@ -195,6 +195,40 @@ TEST_F(NotifierItem, HasNoLabelPropertyAtAllWithoutALabel) {
     EXPECT_FALSE(host_.properties().contains("XAyatanaLabelGuide"));
 }
 
+TEST_F(NotifierItem, AnnouncesItsLabelAnewToAHostThatHasReadItsDescription) {
+    const auto describe = [this] {
+        host_.signalNames.clear();
+        host_.signalArguments.clear();
+        EXPECT_EQ(host_.call("org.freedesktop.DBus.Introspectable", "Introspect", {}).type(),
+                  QDBusMessage::ReplyMessage);
+        QCoreApplication::processEvents();
+        host_.properties();
+    };
+    describe();
+    EXPECT_THAT(host_.signalNames, IsEmpty());
+    content_.label = "CPU 12%";
+    heardAfter(content_);
+    describe();
+    // Hosts pass over a value that is equal to the one they know.
+    ASSERT_THAT(host_.signalNames, ElementsAre("XAyatanaNewLabel", "XAyatanaNewLabel"));
+    EXPECT_EQ(host_.signalArguments[0].value(0), QVariant(""));
+    EXPECT_EQ(host_.signalArguments[1].value(0), QVariant("CPU 12%"));
+}
+
+TEST_F(NotifierItem, AsksForAttentionInASignalOfItsOwn) {
+    EXPECT_EQ(host_.properties().value("Status"), QVariant("Active"));
+    content_.needsAttention = true;
+    content_.text = "CPU 99%";
+    item_.setContent(content_, HostFetches::everything);
+    host_.properties();
+    EXPECT_THAT(host_.signalNames, ElementsAre("NewStatus", "NewToolTip"));
+    EXPECT_EQ(host_.signalArguments.first().value(0), QVariant("NeedsAttention"));
+    EXPECT_EQ(host_.properties().value("Status"), QVariant("NeedsAttention"));
+    content_.needsAttention = false;
+    EXPECT_THAT(heardAfter(content_), ElementsAre("NewStatus"));
+    EXPECT_EQ(host_.signalArguments.last().value(0), QVariant("Active"));
+}
+
 TEST_F(NotifierItem, ReportsPressesOfEachKind) {
     EXPECT_EQ(host_.callItem("Activate", {10, 20}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(activated_, 1);

@@ -35,6 +35,16 @@ INSTANTIATE_TEST_SUITE_P(Programs, SquareHost,
                                            "plasmashell", "kded5", "swaybar", "python3", "Waybar",
                                            ""));
 
+TEST(TrayPresentation, AsksForAttentionOnlyWhereThatMarksTheItem) {
+    for (const char* host : {"gnome-shell", "kded5", "kded6", "waybar"}) {
+        EXPECT_TRUE(trayPresentation(host).marksAttention) << host;
+    }
+    for (const char* host : {"xfce4-panel", "wrapper-2.0", "lxqt-panel", "budgie-panel",
+                             "notification-area-applet", ""}) {
+        EXPECT_FALSE(trayPresentation(host).marksAttention) << host;
+    }
+}
+
 TEST(TrayPresentation, SavesSignalsOnlyOnHostsKnownToFetchTheRest) {
     EXPECT_EQ(trayPresentation("wrapper-2.0").fetches, HostFetches::everything);
     EXPECT_EQ(trayPresentation("xfce4-panel").fetches, HostFetches::everything);
