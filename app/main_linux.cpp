@@ -141,7 +141,11 @@ QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
     return qt::drawnSymbol(symbol, qt::Theme::color(tint, dark), pixels);
 }
 
-qt::SettingsContentEnvironment settingsEnvironment() {
+/// Checked with the default keys of GNOME 48, Plasma 6.3 and sway 1.10.
+constexpr auto kShortcutTip =
+    "⌘ + L locks the screen on many desktops. ⌘ + Shift + M and ⌘ + Control + M are usually free.";
+
+qt::SettingsContentEnvironment settingsEnvironment(platform::StatusItemNotice& itemNotice) {
     const platform::Platform& platform = platform::current();
     return {.view = {.dispatch = *platform.dispatch,
                      .keyboardLayout = *platform.keyboardLayout,
@@ -149,7 +153,9 @@ qt::SettingsContentEnvironment settingsEnvironment() {
                      .openAddress =
                          [](const std::string& address) {
                              QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
-                         }},
+                         },
+                     .itemNotice = &itemNotice,
+                     .shortcutTip = kShortcutTip},
             .keyCodes = platform::virtualKeyCode};
 }
 
@@ -218,8 +224,8 @@ Program::Program(QApplication& application, const platform::StartConditions& con
                    }),
       app_(TarnwickAppDesktop{item_, windows_,
                               [this](UserSettings& settings) {
-                                  return qt::makeSettingsContent(settings, theme_,
-                                                                 settingsEnvironment());
+                                  return qt::makeSettingsContent(
+                                      settings, theme_, settingsEnvironment(item_.notice()));
                               }}),
       view_(app_.statsManager(), panelTargets()),
       panel_(view_, theme_, *platform::current().dispatch),

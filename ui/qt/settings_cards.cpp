@@ -59,7 +59,8 @@ ShortcutCardWidget::ShortcutCardWidget(const Theme& theme, ShortcutField& field,
     : SettingsCardWidget(theme, parent) {
     column()->addWidget(new SettingsLabel(theme, FontRole::headline, ColorRole::text, this,
                                           ShortcutEditor::kTitle));
-    column()->addWidget(makeCaption(theme, ShortcutEditor::kCaption, this));
+    caption_ = makeCaption(theme, ShortcutEditor::kCaption, this);
+    column()->addWidget(caption_);
     field_ = new ShortcutFieldWidget(field, theme, std::move(keyCodes), this);
     clear_ =
         new SettingsButton(theme, SettingsButton::Kind::bordered, ShortcutEditor::kClear, this);
@@ -102,6 +103,7 @@ void ShortcutCardWidget::resizeEvent(QResizeEvent* event) {
 
 void ShortcutCardWidget::setEditor(const ShortcutEditor& editor) {
     field_->update();
+    caption_->setToolTip(fromUtf8(editor.tip));
     clear_->setVisible(editor.hasClear);
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         const bool isThere = i < editor.lines.size();

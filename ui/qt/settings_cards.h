@@ -55,9 +55,10 @@ class ShortcutCardWidget final : public SettingsCardWidget {
 
     Line makeLine();
 
+    SettingsLabel* caption_ = nullptr;
     ShortcutFieldWidget* field_ = nullptr;
     SettingsButton* clear_ = nullptr;
-    std::array<Line, 2> lines_{};
+    std::array<Line, ShortcutEditor::kMostLines> lines_{};
 };
 
 /// A dot and a text on a capsule.

@@ -33,9 +33,13 @@ struct ShortcutEditor {
     static constexpr std::string_view kClear = "Clear";
     /// Width of the field, points.
     static constexpr int kFieldWidth = 220;
+    /// The most lines that there can be.
+    static constexpr int kMostLines = 3;
 
     /// What the field shows.
     ShortcutFieldText field;
+    /// A tip about the examples: combinations that are free on this system. Empty for none.
+    std::string tip;
     /// Whether there is a shortcut to clear.
     bool hasClear = false;
     /// From top to bottom.
@@ -52,10 +56,13 @@ struct ShortcutStatus {
     // As stored.
     std::int64_t keyCode = -1;
     std::int64_t modifiers = 0;
+    /// What the user should know about the status item, which the shortcut stands in for; may be
+    /// empty.
+    std::string itemNotice{};
 };
 
-/// The reason for a rejected key press, then the outcome of the registration. Each line is there
-/// only if it applies.
+/// The reason for a rejected key press, the outcome of the registration, then what is to be said
+/// about the item. Each line is there only if it applies.
 std::vector<StatusLine> statusLines(const ShortcutStatus& status, platform::KeyboardLayout& layout);
 
 }  // namespace tarnwick

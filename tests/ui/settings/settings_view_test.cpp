@@ -50,6 +50,26 @@ class SettingsViewTest : public testing::SettingsViewFixture {
     std::size_t seen = 0;
 };
 
+TEST_F(SettingsViewTest, SaysWhatIsToBeSaidOfTheItemWhileItIsTrue) {
+    platform::StatusItemNotice notice;
+    SettingsViewEnvironment withNotice = environment();
+    withNotice.itemNotice = &notice;
+    withNotice.shortcutTip = "a tip";
+    view = std::make_unique<SettingsView>(settings, withNotice);
+    watch();
+    EXPECT_EQ(editor().tip, "a tip");
+    EXPECT_TRUE(editor().lines.empty());
+    notice.text.set("no tray");
+    dispatch.runMain();
+    ASSERT_EQ(announced.size(), 1U);
+    ASSERT_EQ(editor(announced.back().page).lines.size(), 1U);
+    EXPECT_EQ(editor(announced.back().page).lines[0].text, "no tray");
+    notice.text.set({});
+    dispatch.runMain();
+    EXPECT_TRUE(editor(announced.back().page).lines.empty());
+    view.reset();
+}
+
 TEST(Tabs, AreThreeInTheirOrder) {
     ASSERT_EQ(kTabs.size(), 3U);
     EXPECT_EQ(kTabs[0].tab, Tab::general);

@@ -20,6 +20,11 @@ constexpr auto kActivationToken = "XDG_ACTIVATION_TOKEN";
 /// of the environment, and a very long value prevents programs from starting.
 constexpr qsizetype kLongestToken = 1024;
 
+constexpr auto kNoTray =
+    "No tray shows Tarnwick's icon. To open the panel, start Tarnwick again or press the shortcut.";
+constexpr auto kNoTrayOnGnome =
+    " GNOME shows the icon with the extension AppIndicator and KStatusNotifierItem Support.";
+
 bool onX11() {
     return QGuiApplication::platformName() == "xcb";
 }
@@ -49,6 +54,7 @@ LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bo
             });
         }
     };
+    options.isGnome = qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains("GNOME");
     options.isUnderCompositor = isUnderCompositor();
     options.runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
     return options;
@@ -173,6 +179,9 @@ void LinuxStatusItem::askForTextShade() {
 
 void LinuxStatusItem::countTimeWithoutTray() {
     // A tray of the older kind may be about to go: what counts is whether it is there in the end.
+    if (inTray() && !notice_.text->empty()) {
+        notice_.text.set({});
+    }
     if (registration_->state() == NotifierRegistration::State::present) {
         withoutTray_.stop();
     } else if (!withoutTray_.isActive()) {
@@ -274,7 +283,11 @@ NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& present
 }
 
 void LinuxStatusItem::tellIfNoTray() {
-    if (!inTray() && options_.notice && !std::exchange(hasTold_, true)) {
+    if (inTray()) {
+        return;
+    }
+    notice_.text.set(std::string(kNoTray) + (options_.isGnome ? kNoTrayOnGnome : ""));
+    if (options_.notice && !std::exchange(hasTold_, true)) {
         options_.notice("no tray was found; start Tarnwick again to open its panel");
     }
 }

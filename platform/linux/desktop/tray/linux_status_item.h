@@ -24,6 +24,7 @@
 #include "platform/linux/desktop/tray/notifier_registration.h"
 #include "platform/linux/desktop/tray/status_notifier_item.h"
 #include "platform/linux/desktop/tray/tray_presentation.h"
+#include "platform/status_item_notice.h"
 
 namespace tarnwick::platform {
 
@@ -50,6 +51,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         /// A compositor has the pointer, also if the program talks to an X server beside it: what
         /// that server tells of the pointer is stale.
         bool isUnderCompositor = false;
+        /// The desktop is GNOME, which has a tray only as an extension.
+        bool isGnome = false;
         /// Returns the name of a process's program.
         NotifierRegistration::ProgramOf programOf = programOfProcess;
         /// How soon a host that refuses the item is asked again.
@@ -83,6 +86,9 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     /// click. Under a compositor a program does not see the pointer: there it is the point that the
     /// host reported with the last click, absent if it reported none.
     std::optional<QRect> anchor() const;
+    /// Says how to get at the program while no tray shows the item.
+    StatusItemNotice& notice() { return notice_; }
+
     /// Whether the tray is usually at the bottom of the screen, for a panel while anchor() is
     /// absent.
     bool isUsuallyAtTheBottom() const;
@@ -110,6 +116,7 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     QDBusConnection bus_;
     Options options_;
     StatusItemActions actions_;
+    StatusItemNotice notice_;
     std::optional<StatusItemContent> content_;
     std::vector<MenuEntry> entries_;
     std::optional<QRect> anchor_;

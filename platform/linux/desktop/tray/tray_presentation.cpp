@@ -12,7 +12,8 @@ struct KnownHost {
 };
 
 // plasmashell (kded), swaybar and all unlisted hosts shrink a wide picture to a square or refuse
-// it. MATE's applet can show labels, but then hides the icon.
+// it. MATE's applet can show labels, but then hides the icon. waybar marks an item that needs
+// attention with a ground that is as red as the icon.
 constexpr std::array kKnownHosts = {
     KnownHost{"ayatana-indicator-application-service",
               {.text = TextPlace::label, .iconFromFile = true}},
@@ -24,11 +25,9 @@ constexpr std::array kKnownHosts = {
     KnownHost{
         "notification-area-applet",
         {.text = TextPlace::picture, .pictureHeight = 22, .fetches = HostFetches::namedButTitle}},
-    KnownHost{"waybar",
-              {.text = TextPlace::picture,
-               .pictureHeight = 44,
-               .fetches = HostFetches::everything,
-               .marksAttention = true}},
+    KnownHost{
+        "waybar",
+        {.text = TextPlace::picture, .pictureHeight = 44, .fetches = HostFetches::namedButTitle}},
     // This program runs the plug-ins of xfce4-panel.
     KnownHost{"wrapper-2.0", {.fetches = HostFetches::everything}},
     KnownHost{"xfce4-panel", {.fetches = HostFetches::everything}},

@@ -48,6 +48,7 @@ class Item : public ::testing::Test {
         options.noTrayMilliseconds = noTrayMilliseconds;
         options.tokenMilliseconds = tokenMilliseconds;
         options.samePressMilliseconds = samePressMilliseconds;
+        options.isGnome = isGnome_;
         options.isUnderCompositor = isUnderCompositor_;
         options.findTextShade = [this](const std::string& program,
                                        std::function<void(bool)> found) {
@@ -114,6 +115,7 @@ class Item : public ::testing::Test {
     ScriptedHost host_{bus_.connect()};
     std::string program_ = "a host that nobody knows";
     bool isUnderCompositor_ = false;
+    bool isGnome_ = false;
     std::vector<std::string> shadesAsked_;
     std::function<void(bool)> foundShade_;
     std::vector<std::string> notices_;
@@ -565,6 +567,29 @@ TEST_F(Item, TellsTheUserOnceWhenThereIsNoTray) {
     show();
     beginHost();
     EXPECT_THAT(notices_, ElementsAre("no tray was found; start Tarnwick again to open its panel"));
+}
+
+TEST_F(Item, HasANoticeForTheSettingsWhileThereIsNoTray) {
+    make(itemBus_, 1);
+    show();
+    EXPECT_TRUE(waitUntil([this] { return !item_->notice().text->empty(); }));
+    EXPECT_THAT(*item_->notice().text, ::testing::HasSubstr("start Tarnwick again"));
+    EXPECT_THAT(*item_->notice().text, ::testing::Not(::testing::HasSubstr("AppIndicator")));
+    host_.begin();
+    EXPECT_TRUE(waitUntil([this] { return item_->notice().text->empty(); }));
+    // The line on standard error comes once, the notice whenever it is true.
+    host_.end();
+    EXPECT_TRUE(waitUntil([this] { return !item_->notice().text->empty(); }));
+    EXPECT_EQ(notices_.size(), 1U);
+}
+
+TEST_F(Item, NamesTheExtensionThatShowsItOnGnome) {
+    isGnome_ = true;
+    make(itemBus_, 1);
+    show();
+    EXPECT_TRUE(waitUntil([this] { return !item_->notice().text->empty(); }));
+    EXPECT_THAT(*item_->notice().text, ::testing::HasSubstr("AppIndicator and KStatusNotifierItem "
+                                                            "Support"));
 }
 
 TEST_F(Item, SaysNothingOfTheKindInATray) {
