@@ -159,6 +159,9 @@ struct CardMaker {
     NSView<TNWSettingsItemView>* operator()(const FeatureList& features) const {
         return [[TNWFixedCard alloc] initWithItem:item body:bodyOf(features)];
     }
+    NSView<TNWSettingsItemView>* operator()(const ItemNotice& notice) const {
+        return [[TNWFixedCard alloc] initWithItem:item body:captionLabel(notice.text)];
+    }
     NSView<TNWSettingsItemView>* operator()(const PrivacyNote&) const {
         return [[TNWFixedCard alloc] initWithItem:item body:privacyBody(view)];
     }

@@ -54,6 +54,22 @@ SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
     setRow(row);
 }
 
+NoticeCardWidget::NoticeCardWidget(const Theme& theme, QWidget* parent)
+    : SettingsCardWidget(theme, parent), text_(makeCaption(theme, {}, this)) {
+    auto* symbol = new SymbolWidget(theme, settings_grid::kStatusSymbol, this);
+    symbol->setSymbol(ItemNotice::kIcon, ItemNotice::kTint);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(settings_grid::kStatusGap);
+    row->addWidget(symbol);
+    row->addWidget(text_, 1);
+    column()->addLayout(row);
+}
+
+void NoticeCardWidget::setNotice(const ItemNotice& notice) {
+    text_->setUtf8(notice.text);
+    setVisible(!notice.text.empty());
+}
+
 ShortcutCardWidget::ShortcutCardWidget(const Theme& theme, ShortcutField& field, KeyCodes keyCodes,
                                        std::function<void()> clear, QWidget* parent)
     : SettingsCardWidget(theme, parent) {

@@ -101,10 +101,14 @@ SettingsPage SettingsView::generalPage() const {
          SettingsCard{ShortcutEditor{
              recorder_.field().text(), environment_.shortcutTip, keyCode >= 0,
              statusLines({shortcutValidationMessage_, settings_.shortcutRegistrationState(),
-                          keyCode, settings_.shortcutModifiers(),
-                          environment_.itemNotice ? *environment_.itemNotice->text : std::string()},
+                          keyCode, settings_.shortcutModifiers()},
                          environment_.keyboardLayout)}}}};
-    return {SettingsPage::kSectionSpacing, {std::move(appearance), std::move(system)}};
+    SettingsPage page{SettingsPage::kSectionSpacing, {std::move(appearance), std::move(system)}};
+    if (environment_.itemNotice != nullptr) {
+        page.sections.insert(page.sections.begin(),
+                             {{}, {SettingsCard{ItemNotice{*environment_.itemNotice->text}}}});
+    }
+    return page;
 }
 
 SettingsPage SettingsView::customizePage() const {

@@ -29,7 +29,7 @@ struct SettingsViewEnvironment {
     std::function<void(const std::string& address)> openAddress{};
     /// Whether the thumbs of the sliders take the keyboard's focus.
     bool keyboardNavigationEnabled = true;
-    /// Shown below the shortcut; null on systems where the item is always there.
+    /// Shown above all else; null on systems where the item is always there.
     platform::StatusItemNotice* itemNotice = nullptr;
     /// Combinations that are free on this system, in a sentence; empty for none.
     std::string shortcutTip{};

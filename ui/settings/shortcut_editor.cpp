@@ -43,9 +43,6 @@ std::vector<StatusLine> statusLines(const ShortcutStatus& status,
     if (auto line = registrationLine(status, layout)) {
         lines.push_back(std::move(*line));
     }
-    if (!status.itemNotice.empty()) {
-        lines.push_back(warning(status.itemNotice));
-    }
     return lines;
 }
 

@@ -33,8 +33,6 @@ struct ShortcutEditor {
     static constexpr std::string_view kClear = "Clear";
     /// Width of the field, points.
     static constexpr int kFieldWidth = 220;
-    /// The most lines that there can be.
-    static constexpr int kMostLines = 3;
 
     /// What the field shows.
     ShortcutFieldText field;
@@ -56,13 +54,10 @@ struct ShortcutStatus {
     // As stored.
     std::int64_t keyCode = -1;
     std::int64_t modifiers = 0;
-    /// What the user should know about the status item, which the shortcut stands in for; may be
-    /// empty.
-    std::string itemNotice{};
 };
 
-/// The reason for a rejected key press, the outcome of the registration, then what is to be said
-/// about the item. Each line is there only if it applies.
+/// The reason for a rejected key press, then the outcome of the registration. Each line is there
+/// only if it applies.
 std::vector<StatusLine> statusLines(const ShortcutStatus& status, platform::KeyboardLayout& layout);
 
 }  // namespace tarnwick

@@ -61,15 +61,6 @@ TEST_F(StatusLinesTest, TheReasonOfARejectionStandsAbove) {
     EXPECT_THAT(lines("why", RegistrationState::active, kOption), ElementsAre(kRejected));
 }
 
-TEST_F(StatusLinesTest, WhatIsToBeSaidOfTheItemStandsLast) {
-    const StatusLine notice{"exclamationmark.triangle.fill", Tint::orange, "no tray"};
-    EXPECT_THAT(statusLines({"why", RegistrationState::conflict, 37, kCommand, "no tray"}, layout),
-                ElementsAre(kRejected, kConflict, notice));
-    EXPECT_THAT(statusLines({std::nullopt, RegistrationState::inactive, -1, 0, "no tray"}, layout),
-                ElementsAre(notice));
-    EXPECT_EQ(ShortcutEditor::kMostLines, 3);
-}
-
 TEST(ShortcutEditor, HasItsTextsAndItsWidth) {
     EXPECT_EQ(ShortcutEditor::kTitle, "Global Shortcut");
     EXPECT_EQ(ShortcutEditor::kCaption,

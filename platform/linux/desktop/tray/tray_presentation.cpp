@@ -12,12 +12,13 @@ struct KnownHost {
 };
 
 // plasmashell (kded), swaybar and all unlisted hosts shrink a wide picture to a square or refuse
-// it. MATE's applet can show labels, but then hides the icon. waybar marks an item that needs
-// attention with a ground that is as red as the icon.
+// it. MATE's applet can show labels, but then hides the icon. Of the hosts
+// that know of attention, waybar marks the item with a ground that is as red as the icon, and
+// GNOME's extension does nothing but ask for another icon.
 constexpr std::array kKnownHosts = {
     KnownHost{"ayatana-indicator-application-service",
               {.text = TextPlace::label, .iconFromFile = true}},
-    KnownHost{"gnome-shell", {.text = TextPlace::label, .marksAttention = true}},
+    KnownHost{"gnome-shell", {.text = TextPlace::label}},
     // Plasma's tray, by version.
     KnownHost{"kded5", {.marksAttention = true}},
     KnownHost{"kded6", {.marksAttention = true}},

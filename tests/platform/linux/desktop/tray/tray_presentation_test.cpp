@@ -36,11 +36,11 @@ INSTANTIATE_TEST_SUITE_P(Programs, SquareHost,
                                            ""));
 
 TEST(TrayPresentation, AsksForAttentionOnlyWhereThatMarksTheItem) {
-    for (const char* host : {"gnome-shell", "kded5", "kded6"}) {
+    for (const char* host : {"kded5", "kded6"}) {
         EXPECT_TRUE(trayPresentation(host).marksAttention) << host;
     }
-    for (const char* host : {"xfce4-panel", "wrapper-2.0", "lxqt-panel", "budgie-panel", "waybar",
-                             "notification-area-applet", ""}) {
+    for (const char* host : {"gnome-shell", "xfce4-panel", "wrapper-2.0", "lxqt-panel",
+                             "budgie-panel", "waybar", "notification-area-applet", ""}) {
         EXPECT_FALSE(trayPresentation(host).marksAttention) << host;
     }
 }
