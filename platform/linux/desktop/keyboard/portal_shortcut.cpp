@@ -3,11 +3,13 @@
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
+#include <QKeySequence>
 #include <utility>
 
 #include "platform/linux/desktop/keyboard/portal_types.h"
 #include "platform/linux/desktop/session/bus_calls.h"
 #include "platform/linux/desktop/session/portal_introduction.h"
+#include "platform/linux/identifier.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -30,6 +32,11 @@ constexpr uint kEnded = 2;
 QString newToken() {
     static int count = 0;
     return QString("tarnwick_%1").arg(++count);
+}
+
+/// The keys of a trigger such as "SHIFT+LOGO+l"; empty if they have no other name.
+QKeySequence plasmaKeys(QString trigger) {
+    return QKeySequence(trigger.replace("LOGO", "Meta"), QKeySequence::PortableText);
 }
 
 /// A path on the bus, which portals give as a path or as a text.
@@ -159,6 +166,7 @@ void PortalShortcut::responded(const QDBusMessage& signal) {
     }
     if (hasSession_) {
         set(judgement);
+        askForHolder();
         return;
     }
     if (const QString path = pathIn(results.value("session_handle")); !path.isEmpty()) {
@@ -196,6 +204,24 @@ void PortalShortcut::sessionClosed(const QDBusMessage& signal) {
         request_.clear();
         set(State::closed);
     }
+}
+
+void PortalShortcut::askForHolder() {
+    const QKeySequence keys = plasmaKeys(trigger_);
+    if (state_ != State::bound || keys.isEmpty()) {
+        return;
+    }
+    // At the first time Plasma's portal names the wished keys even if another program has them.
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        "org.kde.kglobalaccel", "/kglobalaccel", "org.kde.KGlobalAccel", "globalShortcutAvailable");
+    call.setAutoStartService(false);
+    call.setArguments(
+        {QVariant::fromValue(PlasmaKeys{{keys[0].toCombined(), 0, 0, 0}}), QString(kIdentifier)});
+    callAsync(bus_, call, "b", this, [this](const BusArguments& answer) {
+        if (answer && !answer->first().toBool() && state_ == State::bound) {
+            set(State::unbound);
+        }
+    });
 }
 
 PortalShortcut::State PortalShortcut::judged(const QVariant& shortcuts) const {

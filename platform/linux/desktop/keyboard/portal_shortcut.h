@@ -66,6 +66,8 @@ class PortalShortcut final : public QObject {
     void sessionClosed(const QDBusMessage& signal);
     bool isOfSession(const QDBusMessage& signal) const;
     /// The state according to the portal's list.
+    /// Asks Plasma who has the keys of a shortcut that its portal says is bound.
+    void askForHolder();
     State judged(const QVariant& shortcuts) const;
     void set(State state);
 

@@ -553,6 +553,24 @@ TEST_F(PortalKeys, OfADamagedAnswerAreNotHeld) {
     }
 }
 
+TEST_F(PortalKeys, ThatPlasmaHasForSomethingElseAreInConflictWhateverItsPortalSays) {
+    portal_.areKeysFree = false;
+    portal_.begin();
+    add(kL, modifier::kCommand | modifier::kShift);
+    EXPECT_TRUE(waitUntil([&] { return status_ == hot_key_status::kExists; }));
+    EXPECT_THAT(portal_.keysAsked,
+                ElementsAre(int(Qt::META) | int(Qt::SHIFT) | int(Qt::Key_L), 0, 0, 0));
+}
+
+TEST_F(PortalKeys, ThatPlasmaHasForTheProgramAreHeld) {
+    portal_.areKeysFree = true;
+    addAndHold();
+    settle();
+    EXPECT_FALSE(portal_.keysAsked.isEmpty());
+    EXPECT_NE(handle_, nullptr);
+    EXPECT_EQ(changes_, 0);
+}
+
 TEST_F(PortalKeys, WithoutKeysAreHeldFromTheirFirstPressOn) {
     portal_.begin();
     portal_.keys = "";
