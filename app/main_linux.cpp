@@ -141,7 +141,11 @@ QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
     return qt::drawnSymbol(symbol, qt::Theme::color(tint, dark), pixels);
 }
 
-qt::SettingsContentEnvironment settingsEnvironment() {
+/// Checked with the default keys of GNOME 48, Plasma 6.3 and sway 1.10.
+constexpr auto kShortcutTip =
+    "⌘ + L locks the screen on many desktops. ⌘ + Shift + M and ⌘ + Control + M are usually free.";
+
+qt::SettingsContentEnvironment settingsEnvironment(platform::StatusItemNotice& itemNotice) {
     const platform::Platform& platform = platform::current();
     return {.view = {.dispatch = *platform.dispatch,
                      .keyboardLayout = *platform.keyboardLayout,
@@ -149,7 +153,9 @@ qt::SettingsContentEnvironment settingsEnvironment() {
                      .openAddress =
                          [](const std::string& address) {
                              QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
-                         }},
+                         },
+                     .itemNotice = &itemNotice,
+                     .shortcutTip = kShortcutTip},
             .keyCodes = platform::virtualKeyCode};
 }
 
@@ -209,7 +215,8 @@ Program::Program(QApplication& application, const platform::StartConditions& con
     : application_(application),
       instance_(instance),
       machine_(bus),
-      item_(bus, platform::LinuxStatusItem::sessionOptions(paintIcon, theme_.isDark())),
+      item_(bus, platform::LinuxStatusItem::sessionOptions(paintIcon, theme_.isDark(),
+                                                           *platform::current().dispatch)),
       colorScheme_(bus,
                    [this](bool dark) {
                        theme_.setDark(dark);
@@ -217,8 +224,8 @@ Program::Program(QApplication& application, const platform::StartConditions& con
                    }),
       app_(TarnwickAppDesktop{item_, windows_,
                               [this](UserSettings& settings) {
-                                  return qt::makeSettingsContent(settings, theme_,
-                                                                 settingsEnvironment());
+                                  return qt::makeSettingsContent(
+                                      settings, theme_, settingsEnvironment(item_.notice()));
                               }}),
       view_(app_.statsManager(), panelTargets()),
       panel_(view_, theme_, *platform::current().dispatch),
@@ -286,7 +293,8 @@ QRect Program::panelAnchor() const {
         return *place;
     }
     const QScreen* screen = QGuiApplication::primaryScreen();
-    return qt::cornerAnchor(screen->geometry(), screen->availableGeometry());
+    return qt::cornerAnchor(screen->geometry(), screen->availableGeometry(),
+                            item_.isUsuallyAtTheBottom());
 }
 
 void Program::openPanel() {
@@ -361,7 +369,9 @@ int main(int argc, char* argv[]) {
     auto environment = std::make_optional<platform::ToolkitEnvironment>();
     qt::listPopUpsForScreenReaders();
     // Newer toolkits print a line whenever assistive technology asks for a widget that has gone.
-    QLoggingCategory::setFilterRules("qt.accessibility.atspi.warning=false");
+    // They also print one whenever the compositor takes the keyboard from a window that has closed.
+    QLoggingCategory::setFilterRules(
+        "qt.accessibility.atspi.warning=false\nqt.qpa.wayland.textinput.warning=false");
     // The name alone: the toolkit would end the program at an option of its own that makes no
     // sense.
     int count = argc < 1 ? argc : 1;

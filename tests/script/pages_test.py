@@ -64,7 +64,8 @@ class Pages(unittest.TestCase):
 class Libraries(unittest.TestCase):
     # What stands in the table for what is linked.
     WORDS = {"Threads::Threads": "threads", "${CMAKE_DL_LIBS}": "dl", "-framework": "frameworks",
-             "nlohmann_json::nlohmann_json": "nlohmann-json (headers)"}
+             "nlohmann_json::nlohmann_json": "nlohmann-json (headers)",
+             "LayerShellQt::Interface": "LayerShellQt if it is there"}
 
     def words(self, linked):
         found = set()

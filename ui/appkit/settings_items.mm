@@ -113,6 +113,15 @@ NSView* bodyOf(const ProgramName& program) {
         kGap);
 }
 
+NSView* bodyOf(const ItemNotice& notice) {
+    return settingsRow(
+        @[
+            symbolView(std::string(ItemNotice::kIcon), color(ItemNotice::kTint), FontRole::caption),
+            captionLabel(notice.text)
+        ],
+        kGap);
+}
+
 NSView* bodyOf(const FeatureList&) {
     NSMutableArray<NSView*>* rows = [NSMutableArray array];
     for (const FeatureRow& feature : FeatureList::kRows) {
@@ -158,6 +167,9 @@ struct CardMaker {
     }
     NSView<TNWSettingsItemView>* operator()(const FeatureList& features) const {
         return [[TNWFixedCard alloc] initWithItem:item body:bodyOf(features)];
+    }
+    NSView<TNWSettingsItemView>* operator()(const ItemNotice& notice) const {
+        return [[TNWFixedCard alloc] initWithItem:item body:bodyOf(notice)];
     }
     NSView<TNWSettingsItemView>* operator()(const PrivacyNote&) const {
         return [[TNWFixedCard alloc] initWithItem:item body:privacyBody(view)];

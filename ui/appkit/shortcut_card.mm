@@ -32,6 +32,7 @@ NSView* lineView(const tarnwick::StatusLine& line) {
 @end
 
 @implementation TNWShortcutCard {
+    NSTextField* _caption;
     TNWPressButton* _clear;
     NSStackView* _column;
     NSMutableArray<NSView*>* _lineViews;
@@ -53,11 +54,8 @@ NSView* lineView(const tarnwick::StatusLine& line) {
         [_clear setPressed:[view] { view->clearShortcut(); }];
         NSTextField* title =
             label(std::string(ShortcutEditor::kTitle), FontRole::headline, NSColor.labelColor);
-        _column = settingsColumn(
-            @[
-                title, captionLabel(ShortcutEditor::kCaption), settingsRow(@[ field, _clear ], kGap)
-            ],
-            kGap);
+        _caption = captionLabel(ShortcutEditor::kCaption);
+        _column = settingsColumn(@[ title, _caption, settingsRow(@[ field, _clear ], kGap) ], kGap);
         [self setBody:_column];
     }
     return self;
@@ -71,6 +69,7 @@ NSView* lineView(const tarnwick::StatusLine& line) {
     }
     // The field draws its text by itself.
     _clear.hidden = !editor->hasClear;
+    _caption.toolTip = editor->tip.empty() ? nil : tarnwick::appkit::string(editor->tip);
     if (_lines != editor->lines) {
         [self showLines:editor->lines];
     }

@@ -38,8 +38,30 @@ QRect panelReplacement(const QRect& current, const QSize& panel, const QRect& an
     return place;
 }
 
-QRect cornerAnchor(const QRect& screen, const QRect& available) {
-    const bool isAtBottom = available.bottom() < screen.bottom() && available.top() == screen.top();
+QRect panelInWorkArea(const QSize& panel, const QPoint& item, const QSize& screen,
+                      const QSize& workArea) {
+    const int barsWidth = std::max(0, screen.width() - workArea.width());
+    const int barsHeight = std::max(0, screen.height() - workArea.height());
+    const bool isLeft = item.x() < barsWidth;
+    const bool isRight = item.x() >= screen.width() - barsWidth;
+    const bool isInRow = item.y() < barsHeight || item.y() >= screen.height() - barsHeight;
+    const bool isBelow = item.y() >= screen.height() / 2;
+    const int lastX = workArea.width() - kScreenMargin - panel.width();
+    const int lastY = workArea.height() - kScreenMargin - panel.height();
+    const int x = item.x() - (isLeft ? barsWidth : 0) - panel.width() / 2;
+    int y = isBelow ? lastY : kScreenMargin;
+    if ((isLeft || isRight) && !isInRow) {
+        y = isBelow ? item.y() - panel.height() : item.y();
+    }
+    return {QPoint(std::max(kScreenMargin, std::min(x, lastX)),
+                   std::max(kScreenMargin, std::min(y, lastY))),
+            panel};
+}
+
+QRect cornerAnchor(const QRect& screen, const QRect& available, bool isAtBottom) {
+    if (available != screen) {
+        isAtBottom = available.bottom() < screen.bottom() && available.top() == screen.top();
+    }
     return {isAtBottom ? available.bottomRight() : available.topRight(), QSize(1, 1)};
 }
 

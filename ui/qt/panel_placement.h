@@ -23,8 +23,20 @@ QRect panelPlacement(const QSize& panel, const QRect& anchor, const QRect& scree
 QRect panelReplacement(const QRect& current, const QSize& panel, const QRect& anchor,
                        const QRect& screen, const QRect& available);
 
+/// The panel's rectangle inside a window that covers the work area, in that window's coordinates.
+/// Where the work area lies on the screen is not known, only how much smaller it is: the bars are
+/// taken to be on the sides that `item` is near. The panel hangs from the edge of the half of the
+/// screen that `item` lies in, as near to it as fits; beside a bar at the side it begins or ends at
+/// its height.
+///
+/// `item` is the item's point on the screen, from the screen's corner. If the panel is too large,
+/// its upper left corner stays inside.
+QRect panelInWorkArea(const QSize& panel, const QPoint& item, const QSize& screen,
+                      const QSize& workArea);
+
 /// The anchor to use while the item's place is unknown: the right corner where a tray most likely
-/// is. At the bottom if only the bottom edge has a bar, otherwise at the top.
-QRect cornerAnchor(const QRect& screen, const QRect& available);
+/// is. At the bottom if only the bottom edge has a bar, otherwise at the top. `isAtBottom` is the
+/// choice where no bar is known.
+QRect cornerAnchor(const QRect& screen, const QRect& available, bool isAtBottom = false);
 
 }  // namespace tarnwick::qt

@@ -28,11 +28,11 @@ namespace {
 constexpr int kInputAttempts = 8;
 constexpr int kFirstInputDelay = 30;
 
-/// On Wayland a pop-up must belong to a window of the program, and the panel has none. There it is
-/// a small window that hides when another one becomes active.
-Qt::WindowFlags windowKind() {
-    return (QGuiApplication::platformName().startsWith("wayland") ? Qt::Window : Qt::Popup) |
-           Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint;
+/// Under a compositor a pop-up must belong to a window of the program, and the panel has none.
+/// There it is a window of its own, which hides when another one becomes active.
+Qt::WindowFlags windowKind(PanelSurface surface) {
+    return (surface == PanelSurface::popUp ? Qt::Popup : Qt::Window) | Qt::FramelessWindowHint |
+           Qt::NoDropShadowWindowHint;
 }
 
 const QScreen* screenOf(const QRect& anchor) {
@@ -53,17 +53,18 @@ QBitmap roundedMask(const QSize& size) {
 
 }  // namespace
 
-PanelPopup::PanelPopup(const Theme& theme, const Page& page, PressHandler press, bool isTranslucent,
-                       std::shared_ptr<Motion> motion)
-    : QWidget(nullptr, windowKind()),
+PanelPopup::PanelPopup(const Theme& theme, const Page& page, PressHandler press,
+                       PanelSurface surface, bool isTranslucent, std::shared_ptr<Motion> motion)
+    : QWidget(nullptr, windowKind(surface)),
       theme_(theme),
-      isTranslucent_(isTranslucent),
+      surface_(surface),
+      isTranslucent_(isTranslucent || coversWorkArea(surface)),
       scroller_(new QScrollArea(this)),
       view_(new PanelView(theme, std::move(press), scroller_, std::move(motion))) {
     setObjectName("panel");
     setWindowTitle("Tarnwick");
     setAccessibleName("Tarnwick");
-    setAttribute(Qt::WA_TranslucentBackground, isTranslucent);
+    setAttribute(Qt::WA_TranslucentBackground, isTranslucent_);
     setFocusPolicy(Qt::NoFocus);
     view_->setPage(page);
     scroller_->setFrameShape(QFrame::NoFrame);
@@ -88,6 +89,16 @@ void PanelPopup::turnTo(const Page& page, std::optional<PanelAction> entry) {
 
 void PanelPopup::popUp(const QRect& anchor) {
     anchor_ = anchor;
+    if (coversWorkArea(surface_)) {
+        // Until the compositor says how large the work area is.
+        resize(screenOf(anchor)->size());
+        winId();
+        if (surface_ == PanelSurface::layer) {
+            putOnLayer(*windowHandle());
+        } else {
+            setWindowState(Qt::WindowMaximized);
+        }
+    }
     place();
     if (windowType() != Qt::Popup) {
         // Otherwise the toolkit gives the focus to the first button, invisibly, once the window is
@@ -132,7 +143,28 @@ void PanelPopup::dismiss() {
     hide();
 }
 
+void PanelPopup::resizeEvent(QResizeEvent* event) {
+    QWidget::resizeEvent(event);
+    if (coversWorkArea(surface_)) {
+        placeInWorkArea();
+    }
+}
+
+void PanelPopup::placeInWorkArea() {
+    const QSize size(view_->width(), std::min(view_->height(), height() - 2 * kScreenMargin));
+    // The compositor may show the window on another screen than the one that the item is on as far
+    // as the program knows: hosts do not name the screen.
+    const QScreen* itemScreen = screenOf(anchor_);
+    const QPoint item = anchor_.center() - itemScreen->geometry().topLeft();
+    scroller_->setGeometry(panelInWorkArea(size, item, screen()->size(), this->size()));
+    update();
+}
+
 void PanelPopup::place() {
+    if (coversWorkArea(surface_)) {
+        placeInWorkArea();
+        return;
+    }
     const QScreen* screen = screenOf(anchor_);
     const QRect available = screen->availableGeometry();
     const QSize size(view_->width(),

@@ -11,13 +11,15 @@
 #include "ui/panel/page.h"
 #include "ui/qt/double_click_guard.h"
 #include "ui/qt/foreign_activation.h"
+#include "ui/qt/panel_surface.h"
 #include "ui/qt/panel_view.h"
 #include "ui/qt/theme.h"
 
 namespace tarnwick::qt {
 
-/// A borderless window around a page. If windows can be translucent it has smooth corners and a
-/// shadow; otherwise it is cut to shape.
+/// A borderless window around a page, or a transparent one over the work area with the page in it.
+/// If windows can be translucent the panel has smooth corners and a shadow; otherwise the window is
+/// cut to shape.
 ///
 /// A page that is higher than the screen scrolls: with the wheel, with the usual scrolling keys,
 /// and to the button that gets the focus.
@@ -28,9 +30,10 @@ class PanelPopup final : public QWidget {
     Q_OBJECT
 
  public:
-    /// The page's bars move with `motion`; without one they jump.
-    PanelPopup(const Theme& theme, const Page& page, PressHandler press, bool isTranslucent,
-               std::shared_ptr<Motion> motion = nullptr);
+    /// The page's bars move with `motion`; without one they jump. A `surface` that covers the work
+    /// area is translucent in any case.
+    PanelPopup(const Theme& theme, const Page& page, PressHandler press, PanelSurface surface,
+               bool isTranslucent, std::shared_ptr<Motion> motion = nullptr);
 
     void setPage(const Page& page) { view_->setPage(page); }
     /// Shows another page in the same place, scrolled to its top or to the button of `entry`. That
@@ -56,12 +59,14 @@ class PanelPopup final : public QWidget {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
     bool event(QEvent* event) override;
 
  private:
     /// The panel's ground in the window's coordinates.
     QRect panelRect() const { return scroller_->geometry(); }
     void place();
+    void placeInWorkArea();
     void cancel();
     void dismiss();
     /// Scrolls as the key asks; false if it is not a scrolling key.
@@ -70,6 +75,7 @@ class PanelPopup final : public QWidget {
     void takeInput(int attempt);
 
     const Theme& theme_;
+    const PanelSurface surface_;
     bool isTranslucent_;
     QScrollArea* scroller_;
     PanelView* view_;

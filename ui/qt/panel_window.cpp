@@ -30,8 +30,13 @@ bool hasCompositor() {
 
 }  // namespace
 
-PanelWindow::PanelWindow(MenuBarView& view, const Theme& theme, platform::Dispatch& dispatch)
-    : view_(view), theme_(theme), dispatch_(dispatch), motion_(std::make_shared<Motion>(dispatch)) {
+PanelWindow::PanelWindow(MenuBarView& view, const Theme& theme, platform::Dispatch& dispatch,
+                         SurfaceOf surfaceOf)
+    : view_(view),
+      theme_(theme),
+      dispatch_(dispatch),
+      surfaceOf_(std::move(surfaceOf)),
+      motion_(std::make_shared<Motion>(dispatch)) {
     view_.setPageObserver([this](const Page& page) { pageChanged(page); });
 }
 
@@ -53,7 +58,7 @@ void PanelWindow::open(const QRect& anchor) {
         return;
     }
     popup_ = new PanelPopup(
-        theme_, view_.appear(), [this](PanelAction action) { view_.perform(action); },
+        theme_, view_.appear(), [this](PanelAction action) { view_.perform(action); }, surfaceOf_(),
         hasCompositor(), motion_);
     shownTab_ = view_.activeTab();
     popup_->setCancelHandler([this] { return view_.cancel(); });

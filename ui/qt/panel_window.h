@@ -5,11 +5,13 @@
 #include <QObject>
 #include <QPointer>
 #include <QRect>
+#include <functional>
 #include <memory>
 
 #include "platform/dispatch.h"
 #include "ui/panel/menu_bar_view.h"
 #include "ui/panel/motion.h"
+#include "ui/qt/panel_surface.h"
 #include "ui/qt/theme.h"
 
 namespace tarnwick::qt {
@@ -22,8 +24,13 @@ class PanelWindow final : public QObject {
     Q_OBJECT
 
  public:
+    /// Tells what kind of window the panel is; asked each time it opens.
+    using SurfaceOf = std::function<PanelSurface()>;
+
     /// All of them must outlive the window.
-    PanelWindow(MenuBarView& view, const Theme& theme, platform::Dispatch& dispatch);
+    PanelWindow(
+        MenuBarView& view, const Theme& theme, platform::Dispatch& dispatch,
+        SurfaceOf surfaceOf = [] { return panelSurface(); });
     ~PanelWindow() override;
 
     bool isOpen() const;
@@ -53,6 +60,7 @@ class PanelWindow final : public QObject {
     MenuBarView& view_;
     const Theme& theme_;
     platform::Dispatch& dispatch_;
+    SurfaceOf surfaceOf_;
     std::shared_ptr<Motion> motion_;
     QPointer<PanelPopup> popup_;
     /// The page that the pop-up shows.

@@ -54,12 +54,29 @@ SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
     setRow(row);
 }
 
+NoticeCardWidget::NoticeCardWidget(const Theme& theme, QWidget* parent)
+    : SettingsCardWidget(theme, parent), text_(makeCaption(theme, {}, this)) {
+    auto* symbol = new SymbolWidget(theme, settings_grid::kStatusSymbol, this);
+    symbol->setSymbol(ItemNotice::kIcon, ItemNotice::kTint);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(settings_grid::kStatusGap);
+    row->addWidget(symbol);
+    row->addWidget(text_, 1);
+    column()->addLayout(row);
+}
+
+void NoticeCardWidget::setNotice(const ItemNotice& notice) {
+    text_->setUtf8(notice.text);
+    setVisible(!notice.text.empty());
+}
+
 ShortcutCardWidget::ShortcutCardWidget(const Theme& theme, ShortcutField& field, KeyCodes keyCodes,
                                        std::function<void()> clear, QWidget* parent)
     : SettingsCardWidget(theme, parent) {
     column()->addWidget(new SettingsLabel(theme, FontRole::headline, ColorRole::text, this,
                                           ShortcutEditor::kTitle));
-    column()->addWidget(makeCaption(theme, ShortcutEditor::kCaption, this));
+    caption_ = makeCaption(theme, ShortcutEditor::kCaption, this);
+    column()->addWidget(caption_);
     field_ = new ShortcutFieldWidget(field, theme, std::move(keyCodes), this);
     clear_ =
         new SettingsButton(theme, SettingsButton::Kind::bordered, ShortcutEditor::kClear, this);
@@ -102,6 +119,7 @@ void ShortcutCardWidget::resizeEvent(QResizeEvent* event) {
 
 void ShortcutCardWidget::setEditor(const ShortcutEditor& editor) {
     field_->update();
+    caption_->setToolTip(fromUtf8(editor.tip));
     clear_->setVisible(editor.hasClear);
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         const bool isThere = i < editor.lines.size();

@@ -29,6 +29,19 @@ class SwitchCardWidget final : public SettingsCardWidget {
     SettingsSwitchWidget* switch_ = nullptr;
 };
 
+/// A warning; not there while there is nothing to say.
+class NoticeCardWidget final : public SettingsCardWidget {
+    Q_OBJECT
+
+ public:
+    NoticeCardWidget(const Theme& theme, QWidget* parent);
+
+    void setNotice(const ItemNotice& notice);
+
+ private:
+    SettingsLabel* text_;
+};
+
 /// The field that records the shortcut, and the lines about its state.
 class ShortcutCardWidget final : public SettingsCardWidget {
     Q_OBJECT
@@ -55,6 +68,7 @@ class ShortcutCardWidget final : public SettingsCardWidget {
 
     Line makeLine();
 
+    SettingsLabel* caption_ = nullptr;
     ShortcutFieldWidget* field_ = nullptr;
     SettingsButton* clear_ = nullptr;
     std::array<Line, 2> lines_{};

@@ -163,6 +163,11 @@ QWidget* SettingsPageWidget::makeCard(const SettingsCard& card, QWidget* parent)
         setters_.push_back(cardSetter(made, &ShortcutCardWidget::setEditor));
         return made;
     }
+    if (std::holds_alternative<ItemNotice>(card.content)) {
+        auto* made = new NoticeCardWidget(theme_, parent);
+        setters_.push_back(cardSetter(made, &NoticeCardWidget::setNotice));
+        return made;
+    }
     setters_.emplace_back();
     if (const auto* name = std::get_if<ProgramName>(&card.content)) {
         return new ProgramCardWidget(theme_, *name, parent);

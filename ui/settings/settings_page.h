@@ -2,10 +2,12 @@
 // What a tab of the settings window shows, as a value.
 #pragma once
 
+#include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
 
+#include "core/records/tint.h"
 #include "ui/settings/about.h"
 #include "ui/settings/display_mode_card.h"
 #include "ui/settings/shortcut_editor.h"
@@ -25,6 +27,17 @@ struct SwitchRow {
     bool operator==(const SwitchRow&) const = default;
 };
 
+/// What the user should know about the status item, with a warning's symbol. Takes no room while
+/// `text` is empty.
+struct ItemNotice {
+    static constexpr std::string_view kIcon = "exclamationmark.triangle.fill";
+    static constexpr Tint kTint = Tint::orange;
+
+    std::string text;
+
+    bool operator==(const ItemNotice&) const = default;
+};
+
 /// The button that resets every threshold.
 struct ResetButton {
     static constexpr std::string_view kTitle = "Reset to Defaults";
@@ -34,7 +47,8 @@ struct ResetButton {
 
 /// Draws its content on a rounded card.
 struct SettingsCard {
-    std::variant<SwitchRow, ShortcutEditor, ProgramName, FeatureList, PrivacyNote> content;
+    std::variant<SwitchRow, ShortcutEditor, ProgramName, FeatureList, PrivacyNote, ItemNotice>
+        content;
 
     bool operator==(const SettingsCard&) const = default;
 };

@@ -63,6 +63,10 @@ SettingsView::SettingsView(UserSettings& settings, SettingsViewEnvironment envir
                               bound(settings, values.high, values.setHigh), editor.normalRange,
                               editor.highRange, environment_.keyboardNavigationEnabled);
     }
+    if (environment_.itemNotice != nullptr) {
+        noticeSubscription_ =
+            environment_.itemNotice->objectWillChange([this] { nextRebuild_.schedule(); });
+    }
     recorder_.update();
     lastContent_ = content();
 }
@@ -95,11 +99,16 @@ SettingsPage SettingsView::generalPage() const {
                                 "Automatically start Tarnwick when you log in.",
                                 settings_.launchOnLogin()}},
          SettingsCard{ShortcutEditor{
-             recorder_.field().text(), keyCode >= 0,
+             recorder_.field().text(), environment_.shortcutTip, keyCode >= 0,
              statusLines({shortcutValidationMessage_, settings_.shortcutRegistrationState(),
                           keyCode, settings_.shortcutModifiers()},
                          environment_.keyboardLayout)}}}};
-    return {SettingsPage::kSectionSpacing, {std::move(appearance), std::move(system)}};
+    SettingsPage page{SettingsPage::kSectionSpacing, {std::move(appearance), std::move(system)}};
+    if (environment_.itemNotice != nullptr) {
+        page.sections.insert(page.sections.begin(),
+                             {{}, {SettingsCard{ItemNotice{*environment_.itemNotice->text}}}});
+    }
+    return page;
 }
 
 SettingsPage SettingsView::customizePage() const {

@@ -12,6 +12,7 @@
 #include "platform/dispatch.h"
 #include "platform/keyboard_layout.h"
 #include "platform/next_turn.h"
+#include "platform/status_item_notice.h"
 #include "settings/shortcut_recorder_view.h"
 #include "settings/user_settings.h"
 #include "ui/settings/settings_page.h"
@@ -28,6 +29,10 @@ struct SettingsViewEnvironment {
     std::function<void(const std::string& address)> openAddress{};
     /// Whether the thumbs of the sliders take the keyboard's focus.
     bool keyboardNavigationEnabled = true;
+    /// Shown above all else; null on systems where the item is always there.
+    platform::StatusItemNotice* itemNotice = nullptr;
+    /// Combinations that are free on this system, in a sentence; empty for none.
+    std::string shortcutTip{};
 };
 
 /// Edits the settings directly: each change is stored before the control's function returns, so
@@ -92,6 +97,7 @@ class SettingsView {
     Content lastContent_;
     std::function<void(const Content&)> observer_;
     Subscription settingsSubscription_;
+    Subscription noticeSubscription_;
 };
 
 }  // namespace tarnwick

@@ -4,11 +4,16 @@
 import signal
 import time
 
+from PIL import Image, ImageChops
+
+from .screen import Window
 from .wait import Timeout, until
 
 # Width of the panel at a scale of 1, and of its shadow, if the window includes that.
 _PANEL_WIDTH = 320
 _SHADOW = 28
+# Of the panel, light and dark.
+_PANEL_GROUNDS = ((0xFB, 0xFB, 0xFC), (0x23, 0x23, 0x26))
 # Seconds. A click within this time after a press that closed the panel belongs to that press.
 _SAME_CLICK = 0.5
 # A colour counts as the icon's own if its strongest and weakest part differ at least by this.
@@ -74,7 +79,8 @@ class Program:
             for window in self._windows():
                 if window.top_level and window.width == width + 2 * margin:
                     return window.without(margin)
-        return None
+        # A compositor does not tell of a panel on a layer above the windows.
+        return drawn_panel(self.desktop.screen.picture(), width) if self.desktop.is_wayland else None
 
     def docked_window(self):
         """The item's window within an XEmbed tray, or None."""
@@ -129,6 +135,28 @@ class Program:
             return None
         picture = self.desktop.screen.picture(panel.box)
         return picture if is_drawn(picture) else None
+
+
+def drawn_panel(picture, width):
+    """Where a panel of this width is drawn, or None: by the colour of its ground.
+
+    That is most of each of its rows and columns; letters elsewhere may have it, too.
+    """
+    for ground in _PANEL_GROUNDS:
+        mask = ImageChops.difference(picture, Image.new("RGB", picture.size, ground))
+        mask = mask.convert("L").point(lambda value: 0 if value else 255)
+        least = 255 * width // (3 * picture.width)
+        rows = mask.resize((1, picture.height), Image.BOX).point(
+            lambda share, least=least: 255 if share > least else 0).getbbox()
+        if not rows:
+            continue
+        top, bottom = rows[1], rows[3]
+        columns = mask.crop((0, top, picture.width, bottom)).resize(
+            (picture.width, 1), Image.BOX).point(lambda share: 255 if share > 85 else 0).getbbox()
+        # A hairline goes around it.
+        if columns and abs(columns[2] - columns[0] - width) <= 4 and bottom - top >= width // 2:
+            return Window(0, columns[0], top, columns[2] - columns[0], bottom - top, 0, False)
+    return None
 
 
 def icon_colour(pictures):

@@ -116,7 +116,8 @@ TEST_F(AccessibleBlockTest, EveryBlockHasItsRole) {
 
 TEST_F(AccessibleBlockTest, ThePanelIsADialogWithAName) {
     PanelPopup popup(
-        theme, homePage(tarnwick::testing::calmMachine(), formatter), [](PanelAction) {}, true);
+        theme, homePage(tarnwick::testing::calmMachine(), formatter), [](PanelAction) {},
+        PanelSurface::popUp, true);
     QAccessibleInterface* panel = QAccessible::queryAccessibleInterface(&popup);
     EXPECT_EQ(panel->role(), QAccessible::Dialog);
     EXPECT_EQ(panel->text(QAccessible::Name), "Tarnwick");

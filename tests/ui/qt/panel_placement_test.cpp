@@ -82,6 +82,64 @@ TEST(PanelPlacement, APanelTooLargeKeepsItsUpperLeftCorner) {
               QPoint(16, 36));
 }
 
+// A screen from its corner, and how much of it bars leave.
+constexpr QSize kWhole(1920, 1080);
+constexpr QSize kWithoutRow(1920, 1050);
+constexpr QSize kWithoutColumn(1872, 1080);
+
+TEST(PanelInWorkArea, HangsFromTheEdgeOfTheItemsBar) {
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1000, 15), kWhole, kWithoutRow),
+              QRect(840, 6, 320, 500));
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1000, 1065), kWhole, kWithoutRow),
+              QRect(840, 544, 320, 500));
+    // No bar keeps room: one that hides itself.
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1000, 15), kWhole, kWhole), QRect(840, 6, 320, 500));
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1000, 1079), kWhole, kWhole),
+              QRect(840, 574, 320, 500));
+}
+
+TEST(PanelInWorkArea, StaysInsideAtTheEdges) {
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1910, 15), kWhole, kWithoutRow).left(), 1594);
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1, 15), kWhole, kWithoutRow).left(), 6);
+}
+
+TEST(PanelInWorkArea, IsBesideABarAtTheSideAtTheItemsHeight) {
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(20, 200), kWhole, kWithoutColumn),
+              QRect(6, 200, 320, 500));
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(20, 900), kWhole, kWithoutColumn),
+              QRect(6, 400, 320, 500));
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1900, 1070), kWhole, kWithoutColumn),
+              QRect(1546, 570, 320, 500));
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1900, 2), kWhole, kWithoutColumn),
+              QRect(1546, 6, 320, 500));
+}
+
+TEST(PanelInWorkArea, HangsFromTheRowWhereThereIsABarAtTheSideToo) {
+    const QSize both(1872, 1050);
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1900, 15), kWhole, both), QRect(1546, 6, 320, 500));
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(20, 15), kWhole, both), QRect(6, 6, 320, 500));
+}
+
+TEST(PanelInWorkArea, KeepsItsEdgeWhenItsHeightChanges) {
+    for (const int height : {300, 500, 900}) {
+        const QSize panel(320, height);
+        EXPECT_EQ(panelInWorkArea(panel, QPoint(1000, 15), kWhole, kWithoutRow).top(), 6);
+        EXPECT_EQ(panelInWorkArea(panel, QPoint(1000, 1065), kWhole, kWithoutRow).bottom(), 1043);
+    }
+}
+
+TEST(PanelInWorkArea, TooLargeKeepsItsUpperLeftCorner) {
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(250, 390), QSize(300, 400), QSize(300, 400)).topLeft(),
+              QPoint(6, 6));
+}
+
+TEST(PanelInWorkArea, ComesWithAnyWorkArea) {
+    // Such as one that is larger than the screen that the program knows of.
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(1000, 15), QSize(1280, 800), kWhole),
+              QRect(840, 6, 320, 500));
+    EXPECT_EQ(panelInWorkArea(kPanel, QPoint(-5, -5), kWhole, QSize(0, 0)).topLeft(), QPoint(6, 6));
+}
+
 TEST(CornerAnchor, IsAtTheUpperRightUnderTheBar) {
     EXPECT_EQ(cornerAnchor(kScreen, kBelowTheBar), QRect(1919, 30, 1, 1));
     EXPECT_EQ(cornerAnchor(kScreen, kScreen), QRect(1919, 0, 1, 1));
@@ -90,6 +148,11 @@ TEST(CornerAnchor, IsAtTheUpperRightUnderTheBar) {
 TEST(CornerAnchor, IsAtTheLowerRightWhereTheOnlyBarIsAtTheBottom) {
     EXPECT_EQ(cornerAnchor(kScreen, QRect(0, 0, 1920, 1040)), QRect(1919, 1039, 1, 1));
     EXPECT_EQ(cornerAnchor(kScreen, QRect(0, 30, 1920, 1010)), QRect(1919, 30, 1, 1));
+}
+
+TEST(CornerAnchor, IsWhereBarsUsuallyAreWhileNoneIsKnown) {
+    EXPECT_EQ(cornerAnchor(kScreen, kScreen, true), QRect(1919, 1079, 1, 1));
+    EXPECT_EQ(cornerAnchor(kScreen, kBelowTheBar, true), QRect(1919, 30, 1, 1));
 }
 
 TEST(CornerAnchor, OpensThePanelAboveTheBar) {

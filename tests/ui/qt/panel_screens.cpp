@@ -27,7 +27,7 @@ namespace {
 /// The panel on a desktop of one colour.
 QImage picture(const Theme& theme, const Page& page) {
     PanelPopup popup(
-        theme, page, [](PanelAction) {}, true);
+        theme, page, [](PanelAction) {}, PanelSurface::popUp, true);
     popup.popUp(QRect(400, 0, 20, 20));
     settle();
     const qreal ratio = popup.devicePixelRatio();

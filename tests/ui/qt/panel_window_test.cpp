@@ -570,7 +570,8 @@ TEST(PanelPopup, IsCutToShapeWhereNothingIsTranslucent) {
     const Theme theme;
     const testing::PlainByteCountFormatter formatter;
     PanelPopup popup(
-        theme, homePage(testing::calmMachine(), formatter), [](PanelAction) {}, false);
+        theme, homePage(testing::calmMachine(), formatter), [](PanelAction) {}, PanelSurface::popUp,
+        false);
     popup.popUp(QRect(400, 0, 1, 1));
     settle();
     EXPECT_EQ(popup.width(), 320);
@@ -585,7 +586,8 @@ TEST(PanelPopup, HasAShadowThatEndsInsideItsWindow) {
     const Theme theme;
     const testing::PlainByteCountFormatter formatter;
     PanelPopup popup(
-        theme, homePage(testing::calmMachine(), formatter), [](PanelAction) {}, true);
+        theme, homePage(testing::calmMachine(), formatter), [](PanelAction) {}, PanelSurface::popUp,
+        true);
     popup.popUp(QRect(400, 0, 1, 1));
     settle();
     for (const int ratio : {1, 2}) {

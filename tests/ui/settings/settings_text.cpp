@@ -60,6 +60,7 @@ struct Writer {
             out << "\n        " << symbol(row.icon) << ' ' << quoted(row.title);
         }
     }
+    void operator()(const ItemNotice& notice) { out << "! " << notice.text; }
     void operator()(const PrivacyNote&) {
         out << "note " << quoted(PrivacyNote::kText);
         for (const std::string_view link : PrivacyNote::kLinks) {

@@ -50,6 +50,39 @@ class SettingsViewTest : public testing::SettingsViewFixture {
     std::size_t seen = 0;
 };
 
+TEST_F(SettingsViewTest, SaysAboveAllElseWhatIsToBeSaidOfTheItemWhileItIsTrue) {
+    platform::StatusItemNotice notice;
+    SettingsViewEnvironment withNotice = environment();
+    withNotice.itemNotice = &notice;
+    const SettingsPage without = view->page(Tab::general);
+    view = std::make_unique<SettingsView>(settings, withNotice);
+    const auto said = [](const SettingsPage& page) {
+        return std::get<ItemNotice>(
+                   std::get<SettingsCard>(page.sections.at(0).content.at(0)).content)
+            .text;
+    };
+    watch();
+    EXPECT_EQ(said(view->page(Tab::general)), "");
+    EXPECT_EQ(view->page(Tab::general).sections.size(), without.sections.size() + 1);
+    EXPECT_EQ(view->page(Tab::general).sections.at(1), without.sections.at(0));
+    notice.text.set("no tray");
+    dispatch.runMain();
+    ASSERT_EQ(announced.size(), 1U);
+    EXPECT_EQ(said(announced.back().page), "no tray");
+    notice.text.set({});
+    dispatch.runMain();
+    EXPECT_EQ(said(announced.back().page), "");
+    view.reset();
+}
+
+TEST_F(SettingsViewTest, HasATipAboutTheExamplesOfShortcuts) {
+    EXPECT_EQ(editor().tip, "");
+    SettingsViewEnvironment withTip = environment();
+    withTip.shortcutTip = "a tip";
+    view = std::make_unique<SettingsView>(settings, withTip);
+    EXPECT_EQ(editor().tip, "a tip");
+}
+
 TEST(Tabs, AreThreeInTheirOrder) {
     ASSERT_EQ(kTabs.size(), 3U);
     EXPECT_EQ(kTabs[0].tab, Tab::general);

@@ -36,11 +36,10 @@ void PortalHotKeys::Closer::operator()(PortalShortcut* shortcut) const {
     shortcut->deleteLater();
 }
 
-PortalHotKeys::PortalHotKeys(QDBusConnection bus, KeysymLayout& layout,
-                             std::chrono::milliseconds patience)
+PortalHotKeys::PortalHotKeys(QDBusConnection bus, KeysymLayout& layout, Options options)
     : bus_(std::move(bus)),
       layout_(layout),
-      patience_(patience),
+      options_(std::move(options)),
       portal_(bus_, kPortalService, [this](const QString& owner) { portalChanged(owner); }) {
     begin_.setSingleShot(true);
     connect(&begin_, &QTimer::timeout, this, &PortalHotKeys::begin);
@@ -110,7 +109,7 @@ std::int32_t PortalHotKeys::status() const {
         case State::bound:
             return hot_key_status::kSuccess;
         case State::unbound:
-            return portal_hot_key_status::kUnbound;
+            return hot_key_status::kExists;
         case State::refused:
         case State::closed:
             return portal_hot_key_status::kRefused;
@@ -128,10 +127,21 @@ void PortalHotKeys::begin() {
 
 void PortalHotKeys::stateChanged() {
     awaitsPortal_ = shortcut_->state() == State::unavailable;
+    if (shortcut_->isRefusedByPortal()) {
+        noticeRefusal();
+    }
     if (holder_ == 0) {
-        drop_.start(patience_);
+        drop_.start(options_.patience);
     }
     tellIfChanged();
+}
+
+void PortalHotKeys::noticeRefusal() {
+    if (options_.notice && options_.isInstalled && !hasNoticed_ && !options_.isInstalled()) {
+        hasNoticed_ = true;
+        options_.notice(
+            "this desktop gives the shortcut to installed programs only: install Tarnwick");
+    }
 }
 
 void PortalHotKeys::pressed() {
@@ -146,6 +156,9 @@ void PortalHotKeys::portalChanged(const QString& owner) {
     // An empty name here means that the portal has not answered yet and is only starting.
     if (shortcut_ && shortcut_->portal() != owner &&
         (!shortcut_->portal().isEmpty() || shortcut_->state() == State::unavailable)) {
+        if (shortcut_->state() == State::asking && owner.isEmpty() && options_.notice) {
+            options_.notice("the desktop's portal has gone while it was asked for the shortcut");
+        }
         holder_ = 0;
         drop();
         awaitsPortal_ = true;
@@ -159,7 +172,7 @@ void PortalHotKeys::portalChanged(const QString& owner) {
 void PortalHotKeys::release(int handle) {
     if (holder_ == handle) {
         holder_ = 0;
-        drop_.start(patience_);
+        drop_.start(options_.patience);
     }
 }
 
@@ -178,7 +191,11 @@ void PortalHotKeys::drop() {
 }
 
 void PortalHotKeys::tellIfChanged() {
-    if ((status() == hot_key_status::kSuccess) != (told_ == hot_key_status::kSuccess)) {
+    // The caller tells these two apart, and the rest from both.
+    const auto changed = [this](std::int32_t outcome) {
+        return (status() == outcome) != (told_ == outcome);
+    };
+    if (changed(hot_key_status::kSuccess) || changed(hot_key_status::kExists)) {
         told_ = status();
         tellLater();
     }

@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string_view>
 
 #include "platform/hot_keys.h"
 #include "platform/linux/desktop/keyboard/hot_key_handlers.h"
@@ -19,26 +20,26 @@
 
 namespace tarnwick::platform {
 
-/// Why the portal gives no hot key.
+/// Why the portal gives no hot key. A shortcut that the portal took without naming keys for it
+/// counts as hot_key_status::kExists: another program, or the desktop itself, has its keys.
 namespace portal_hot_key_status {
 /// The portal, or its user, has not decided yet.
 inline constexpr std::int32_t kAsking = 1;
-/// The portal took the shortcut but names no keys for it.
-inline constexpr std::int32_t kUnbound = 2;
 /// The portal or its user said no, or ended it later.
-inline constexpr std::int32_t kRefused = 3;
+inline constexpr std::int32_t kRefused = 2;
 /// There is no session bus, no portal, or none that has shortcuts.
-inline constexpr std::int32_t kUnavailable = 4;
+inline constexpr std::int32_t kUnavailable = 3;
 /// No layout in use has anything on the key.
-inline constexpr std::int32_t kNoSuchKey = 5;
+inline constexpr std::int32_t kNoSuchKey = 4;
 }  // namespace portal_hot_key_status
 
 /// One hot key at a time. Main thread. Never waits for the bus.
 ///
-/// A registration asks the portal and returns kAsking. When the portal grants the shortcut or takes
-/// it back, the function of setRegistrationChanged() is called; the same registration then returns
-/// the portal's decision. The function is also called when a portal appears after the last
-/// registration failed, or was lost, for lack of one: the next registration asks again.
+/// A registration asks the portal and returns kAsking. When the portal grants the shortcut, with or
+/// without keys, or takes it back, the function of setRegistrationChanged() is called; the same
+/// registration then returns the portal's decision. The function is also called when a portal
+/// appears after the last registration failed, or was lost, for lack of one: the next registration
+/// asks again.
 ///
 /// A decided shortcut that is not claimed within `patience`, or not claimed again after its handle
 /// was destroyed, is given back to the portal; one without keys is kept, because a press may still
@@ -47,10 +48,18 @@ class PortalHotKeys final : public QObject, public HotKeys {
     Q_OBJECT
 
  public:
-    /// `patience` is how long a decision of the portal waits for the next registration. Requires:
-    /// `layout` outlives this object.
-    PortalHotKeys(QDBusConnection bus, KeysymLayout& layout,
-                  std::chrono::milliseconds patience = std::chrono::seconds(1));
+    struct Options {
+        /// How long a decision of the portal waits for the next registration.
+        std::chrono::milliseconds patience = std::chrono::seconds(1);
+        /// Prints one line for the user.
+        std::function<void(std::string_view)> notice{};
+        /// Whether the portal can find the program's desktop entry. Asked when the portal gives
+        /// nothing; absent if that is not known.
+        std::function<bool()> isInstalled{};
+    };
+
+    /// Requires: `layout` outlives this object.
+    PortalHotKeys(QDBusConnection bus, KeysymLayout& layout, Options options);
     ~PortalHotKeys() override;
 
     HandlerResult installEventHandler(HotKeyHandler handler) override;
@@ -73,16 +82,18 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void release(int handle);
     void dropUnclaimed();
     void drop();
-    /// Reports a change if a hot key became available or was lost since the last status that the
-    /// caller has seen.
+    /// Reports a change if a hot key became available, was lost or lacks its keys since the last
+    /// status that the caller has seen.
     void tellIfChanged();
     /// Reports from the event loop, once for all calls before that.
     void tellLater();
     void tell();
+    /// Says once why an installation would help.
+    void noticeRefusal();
 
     QDBusConnection bus_;
     KeysymLayout& layout_;
-    const std::chrono::milliseconds patience_;
+    const Options options_;
     HotKeyHandlers handlers_;
     std::function<void()> changed_;
     ServiceSignals portal_;
@@ -101,6 +112,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
     bool awaitsPortal_ = false;
     /// A press arrived before the caller knew of the keys. The next registration delivers it.
     bool hasPress_ = false;
+    bool hasNoticed_ = false;
     /// Number of the handle that holds the hot key; 0 when none does.
     int holder_ = 0;
     int handles_ = 0;

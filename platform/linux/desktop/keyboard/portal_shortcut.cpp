@@ -3,11 +3,13 @@
 
 #include <QDBusArgument>
 #include <QDBusObjectPath>
+#include <QKeySequence>
 #include <utility>
 
 #include "platform/linux/desktop/keyboard/portal_types.h"
 #include "platform/linux/desktop/session/bus_calls.h"
 #include "platform/linux/desktop/session/portal_introduction.h"
+#include "platform/linux/identifier.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -21,13 +23,20 @@ constexpr uint kFirstVersion = 1;
 
 constexpr auto kDescription = "Open or close the panel";
 
-/// Response codes; every other one is a refusal.
+/// Response codes; every other one is a refusal by the user.
 constexpr uint kGranted = 0;
+/// "Ended in some other way". GNOME's portal says so also when it has bound a shortcut.
+constexpr uint kEnded = 2;
 
 /// A new name for each object that the portal makes for this process.
 QString newToken() {
     static int count = 0;
     return QString("tarnwick_%1").arg(++count);
+}
+
+/// The keys of a trigger such as "SHIFT+LOGO+l"; empty if they have no other name.
+QKeySequence plasmaKeys(QString trigger) {
+    return QKeySequence(trigger.replace("LOGO", "Meta"), QKeySequence::PortableText);
 }
 
 /// A path on the bus, which portals give as a path or as a text.
@@ -132,6 +141,7 @@ void PortalShortcut::ask(const char* method, const QVariantList& arguments, QVar
         }
         if (!answer) {
             request_.clear();
+            isRefusedByPortal_ = true;
             set(State::unavailable);
             return;
         }
@@ -146,13 +156,17 @@ void PortalShortcut::responded(const QDBusMessage& signal) {
     }
     request_.clear();
     const QVariantList arguments = signal.arguments();
-    if (arguments[0].toUInt() != kGranted) {
+    const uint code = arguments[0].toUInt();
+    const auto results = qdbus_cast<QVariantMap>(arguments[1]);
+    const State judgement = hasSession_ ? judged(results.value("shortcuts")) : State::unbound;
+    if (code != kGranted && (code != kEnded || judgement != State::bound)) {
+        isRefusedByPortal_ = code == kEnded;
         set(State::refused);
         return;
     }
-    const auto results = qdbus_cast<QVariantMap>(arguments[1]);
     if (hasSession_) {
-        set(judged(results.value("shortcuts")));
+        set(judgement);
+        askForHolder();
         return;
     }
     if (const QString path = pathIn(results.value("session_handle")); !path.isEmpty()) {
@@ -190,6 +204,24 @@ void PortalShortcut::sessionClosed(const QDBusMessage& signal) {
         request_.clear();
         set(State::closed);
     }
+}
+
+void PortalShortcut::askForHolder() {
+    const QKeySequence keys = plasmaKeys(trigger_);
+    if (state_ != State::bound || keys.isEmpty()) {
+        return;
+    }
+    // At the first time Plasma's portal names the wished keys even if another program has them.
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        "org.kde.kglobalaccel", "/kglobalaccel", "org.kde.KGlobalAccel", "globalShortcutAvailable");
+    call.setAutoStartService(false);
+    call.setArguments(
+        {QVariant::fromValue(PlasmaKeys{{keys[0].toCombined(), 0, 0, 0}}), QString(kIdentifier)});
+    callAsync(bus_, call, "b", this, [this](const BusArguments& answer) {
+        if (answer && !answer->first().toBool() && state_ == State::bound) {
+            set(State::unbound);
+        }
+    });
 }
 
 PortalShortcut::State PortalShortcut::judged(const QVariant& shortcuts) const {

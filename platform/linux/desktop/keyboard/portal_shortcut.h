@@ -48,6 +48,8 @@ class PortalShortcut final : public QObject {
     void close();
 
     State state() const { return state_; }
+    /// Whether the portal, not its user, has said no.
+    bool isRefusedByPortal() const { return isRefusedByPortal_; }
     /// Unique name of the portal on the bus; empty until it has answered.
     const QString& portal() const { return portal_; }
 
@@ -64,6 +66,8 @@ class PortalShortcut final : public QObject {
     void sessionClosed(const QDBusMessage& signal);
     bool isOfSession(const QDBusMessage& signal) const;
     /// The state according to the portal's list.
+    /// Asks Plasma who has the keys of a shortcut that its portal says is bound.
+    void askForHolder();
     State judged(const QVariant& shortcuts) const;
     void set(State state);
 
@@ -84,6 +88,7 @@ class PortalShortcut final : public QObject {
     QString session_;
     bool hasSession_ = false;
     bool isClosed_ = false;
+    bool isRefusedByPortal_ = false;
 };
 
 }  // namespace tarnwick::platform

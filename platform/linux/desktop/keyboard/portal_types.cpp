@@ -19,6 +19,7 @@ PortalShortcutEntries shortcutEntriesIn(const QVariant& value) {
 void registerPortalTypes() {
     qDBusRegisterMetaType<PortalShortcutEntry>();
     qDBusRegisterMetaType<PortalShortcutEntries>();
+    qDBusRegisterMetaType<PlasmaKeys>();
 }
 
 }  // namespace tarnwick::platform

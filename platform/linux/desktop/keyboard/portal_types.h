@@ -21,6 +21,13 @@ struct PortalShortcutEntry {
 };
 using PortalShortcutEntries = QList<PortalShortcutEntry>;
 
+/// A combination of keys for Plasma, as the toolkit numbers them, the unused places 0: (ai).
+struct PlasmaKeys {
+    QList<int> keys;
+
+    static auto fields(auto& value) { return std::tie(value.keys); }
+};
+
 /// The list that a value from the bus holds; empty when it holds something else.
 PortalShortcutEntries shortcutEntriesIn(const QVariant& value);
 
@@ -30,3 +37,4 @@ void registerPortalTypes();
 }  // namespace tarnwick::platform
 
 Q_DECLARE_METATYPE(tarnwick::platform::PortalShortcutEntry)
+Q_DECLARE_METATYPE(tarnwick::platform::PlasmaKeys)

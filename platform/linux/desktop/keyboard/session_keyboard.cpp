@@ -4,12 +4,15 @@
 #include <QAbstractEventDispatcher>
 #include <QAbstractNativeEventFilter>
 #include <QGuiApplication>
+#include <QStandardPaths>
 #include <qpa/qplatformnativeinterface.h>
 
 #include "platform/linux/desktop/keyboard/portal_hot_keys.h"
 #include "platform/linux/desktop/keyboard/wayland_keyboard_layout.h"
 #include "platform/linux/desktop/keyboard/x11_hot_keys.h"
 #include "platform/linux/desktop/keyboard/x11_keyboard_layout.h"
+#include "platform/linux/events/standard_error.h"
+#include "platform/linux/identifier.h"
 #include "platform/qt/x11.h"
 
 namespace tarnwick::platform {
@@ -44,6 +47,12 @@ class IdlingLayout final : public WaylandKeyboardLayout {
     QMetaObject::Connection idle_;
 };
 
+bool hasDesktopEntry() {
+    return !QStandardPaths::locate(QStandardPaths::ApplicationsLocation,
+                                   QString(kIdentifier) + ".desktop")
+                .isEmpty();
+}
+
 bool isWaylandPlatform() {
     return QGuiApplication::platformName().startsWith("wayland");
 }
@@ -57,13 +66,18 @@ bool isWaylandSession(std::string_view sessionType, std::string_view waylandDisp
     return !waylandDisplay.empty();
 }
 
+bool isUnderCompositor() {
+    return isWaylandPlatform() || isWaylandSession(qgetenv("XDG_SESSION_TYPE").toStdString(),
+                                                   qgetenv("WAYLAND_DISPLAY").toStdString());
+}
+
 std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeysymLayout& layout,
                                      Dispatch& dispatch) {
     // An X server beside a compositor grants grabs, but knows of no key that is pressed in a window
     // of the compositor: there only the portal can tell.
-    if (isWaylandPlatform() || isWaylandSession(qgetenv("XDG_SESSION_TYPE").toStdString(),
-                                                qgetenv("WAYLAND_DISPLAY").toStdString())) {
-        return std::make_unique<PortalHotKeys>(bus, layout);
+    if (isUnderCompositor()) {
+        return std::make_unique<PortalHotKeys>(
+            bus, layout, PortalHotKeys::Options{.notice = notice, .isInstalled = hasDesktopEntry});
     }
     if (xcb_connection_t* connection = x11::connection()) {
         return std::make_unique<FilteringHotKeys>(connection, dispatch);

@@ -18,6 +18,10 @@ namespace tarnwick::platform {
 /// from another session.
 bool isWaylandSession(std::string_view sessionType, std::string_view waylandDisplay);
 
+/// Whether a compositor controls keys and pointer of the running application's session, also beside
+/// an X server that the application talks to.
+bool isUnderCompositor();
+
 /// Makes hot keys from grabs on the application's X server; if a compositor controls the keys, from
 /// the portal on the session's bus. Without either, every registration fails. Main thread.
 /// Requires: `layout` and `dispatch` outlive the hot keys.

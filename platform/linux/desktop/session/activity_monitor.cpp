@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "platform/linux/applications/system_monitors.h"
+#include "platform/linux/desktop/session/activation_token.h"
 #include "platform/linux/events/standard_error.h"
 
 namespace tarnwick::platform {
@@ -20,6 +21,9 @@ namespace {
 
 /// Milliseconds that the service manager has for an answer.
 constexpr int kPatience = 2000;
+
+/// Seconds that the compositor has for a token.
+constexpr double kTokenPatience = 0.3;
 
 /// Variables that are different for each start of a program.
 constexpr const char* kOfOneStart[] = {"DESKTOP_STARTUP_ID",
@@ -126,7 +130,7 @@ QStringList monitorArguments(const StartConditions& conditions) {
 }
 
 /// False if it cannot be started. Not in the background, whose priority it would inherit.
-bool start(const QStringList& arguments, const QProcessEnvironment& environment) {
+bool startShell(const QStringList& arguments, const QProcessEnvironment& environment) {
     QProcess process;
     process.setProgram("/bin/sh");
     process.setArguments(arguments);
@@ -153,19 +157,45 @@ void ActivityMonitor::open() {
     if (isOpening_) {
         return;
     }
-    // The token says when the user has pressed.
+    token_ = QString();
+    // The startup token says when the user has pressed.
     isOpening_ =
         dispatch_.detached([weak = std::weak_ptr(self_), conditions = conditions_,
                             &dispatch = dispatch_, environment = environmentFrom(conditions_)] {
             dispatch.async([weak, environment, arguments = monitorArguments(conditions)] {
                 if (const auto self = weak.lock()) {
-                    (*self)->isOpening_ = false;
-                    if (!arguments.isEmpty() && start(arguments, environment)) {
-                        (*self)->opened_();
-                    }
+                    (*self)->found_ = {arguments, environment};
+                    (*self)->start();
                 }
             });
         });
+    if (isOpening_ && requestActivationToken(&answers_, [this](const QString& token) {
+            token_ = token;
+            start();
+        })) {
+        token_.reset();
+        dispatch_.asyncAfter(kTokenPatience, [weak = std::weak_ptr(self_)] {
+            const auto self = weak.lock();
+            if (self && !(*self)->token_) {
+                (*self)->token_ = QString();
+                (*self)->start();
+            }
+        });
+    }
+}
+
+void ActivityMonitor::start() {
+    if (!isOpening_ || !token_ || !found_) {
+        return;
+    }
+    isOpening_ = false;
+    Found found = *std::exchange(found_, std::nullopt);
+    if (!token_->isEmpty()) {
+        found.environment.insert("XDG_ACTIVATION_TOKEN", *token_);
+    }
+    if (!found.arguments.isEmpty() && startShell(found.arguments, found.environment)) {
+        opened_();
+    }
 }
 
 }  // namespace tarnwick::platform

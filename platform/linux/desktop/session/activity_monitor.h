@@ -2,7 +2,10 @@
 // Opens the desktop's own system monitor.
 #pragma once
 
+#include <QObject>
 #include <QProcessEnvironment>
+#include <QString>
+#include <QStringList>
 #include <cstddef>
 #include <functional>
 #include <memory>
@@ -36,7 +39,22 @@ class ActivityMonitor {
     const StartConditions conditions_;
     Dispatch& dispatch_;
     const std::function<void()> opened_;
+    /// What to start, once it has been looked for; without arguments if there is no monitor.
+    struct Found {
+        QStringList arguments;
+        QProcessEnvironment environment;
+    };
+
+    /// Starts the monitor if it was found and the token is there.
+    void start();
+
     bool isOpening_ = false;
+    std::optional<Found> found_;
+    /// Of the compositor, for the press that the monitor is opened by; empty if there is none,
+    /// absent while the compositor is asked.
+    std::optional<QString> token_;
+    /// Receives that answer, as long as this exists.
+    QObject answers_;
     /// Expires with this.
     const std::shared_ptr<ActivityMonitor*> self_ = std::make_shared<ActivityMonitor*>(this);
 };

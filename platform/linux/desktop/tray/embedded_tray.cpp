@@ -61,9 +61,14 @@ bool EmbeddedTray::inTray() const {
            x11::selectionOwner(connection, "_NET_SYSTEM_TRAY_S0") != XCB_NONE;
 }
 
+bool isPlaced(const QRect& icon) {
+    // Where a tray has the window before it has laid out its icons.
+    return !icon.topLeft().isNull();
+}
+
 std::optional<QRect> EmbeddedTray::place() const {
     const QRect place = inTray() ? tray_.geometry() : QRect();
-    return place.isValid() ? std::optional(place) : std::nullopt;
+    return place.isValid() && isPlaced(place) ? std::optional(place) : std::nullopt;
 }
 
 void EmbeddedTray::setIcon(const IconPainter& painter, const ItemIcon& icon) {

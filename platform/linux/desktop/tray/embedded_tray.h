@@ -15,6 +15,10 @@
 
 namespace tarnwick::platform {
 
+/// Whether a docked window's rectangle on the screen is a place that its tray has given it. Some
+/// trays take windows in at the screen's corner and move them later.
+bool isPlaced(const QRect& icon);
+
 /// Exists only while the session has no StatusNotifier host. Follows trays by itself as they appear
 /// and disappear. Main thread.
 class EmbeddedTray final {
@@ -23,7 +27,8 @@ class EmbeddedTray final {
     EmbeddedTray(const std::vector<MenuEntry>& entries, std::function<void()> click,
                  std::function<void()> middleClick, std::function<void()> trayChanged);
 
-    /// Where the tray shows the item, in the screen's coordinates; none while no tray does.
+    /// Where the tray shows the item, in the screen's coordinates; none while no tray does, or
+    /// while the tray has not placed the icon yet.
     std::optional<QRect> place() const;
     /// Whether a tray shows the item.
     bool inTray() const;

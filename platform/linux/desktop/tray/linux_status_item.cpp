@@ -2,9 +2,13 @@
 #include "platform/linux/desktop/tray/linux_status_item.h"
 
 #include <QGuiApplication>
+#include <cstdlib>
 #include <utility>
 
+#include "platform/linux/desktop/keyboard/session_keyboard.h"
 #include "platform/linux/desktop/tray/pointer_place.h"
+#include "platform/linux/desktop/tray/reported_place.h"
+#include "platform/linux/desktop/tray/waybar_style.h"
 #include "platform/linux/events/standard_error.h"
 
 namespace tarnwick::platform {
@@ -15,6 +19,11 @@ constexpr auto kActivationToken = "XDG_ACTIVATION_TOKEN";
 /// Longest accepted token; real ones have a few dozen letters. The C library never frees old values
 /// of the environment, and a very long value prevents programs from starting.
 constexpr qsizetype kLongestToken = 1024;
+
+constexpr auto kNoTray =
+    "No tray shows Tarnwick's icon. To open the panel, start Tarnwick again or press the shortcut.";
+constexpr auto kNoTrayOnGnome =
+    " GNOME shows the icon with the extension AppIndicator and KStatusNotifierItem Support.";
 
 bool onX11() {
     return QGuiApplication::platformName() == "xcb";
@@ -28,11 +37,25 @@ void run(const std::function<void()>& action) {
 
 }  // namespace
 
-LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bool dark) {
+LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bool dark,
+                                                         Dispatch& dispatch) {
     Options options;
     options.painter = std::move(painter);
     options.dark = dark;
     options.notice = platform::notice;
+    options.findTextShade = [&dispatch](const std::string& program,
+                                        std::function<void(bool)> found) {
+        if (program == "waybar") {
+            dispatch.detached([&dispatch, found = std::move(found)] {
+                const auto environment = [](const char* name) { return std::getenv(name); };
+                if (const auto isLight = wantsLightText(waybarStyleSheet(environment))) {
+                    dispatch.async([found, isLight = *isLight] { found(isLight); });
+                }
+            });
+        }
+    };
+    options.isGnome = qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains("GNOME");
+    options.isUnderCompositor = isUnderCompositor();
     options.runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
     return options;
 }
@@ -91,11 +114,11 @@ void LinuxStatusItem::start() {
     if (bus_.isConnected()) {
         // Read now, because the pointer is on the item; later it will be on the chosen entry.
         menu_ = std::make_unique<DBusMenu>(bus_, kMenuPath, entries_,
-                                           [this] { anchor_ = placeUnderPointer(); });
+                                           [this] { keepPlaceUnderPointer(); });
         notifier_ = std::make_unique<StatusNotifierItem>(
             bus_, kMenuPath,
             NotifierActions{
-                .activate = [this] { activated(); },
+                .activate = [this](const QPoint& place) { activated(place); },
                 .secondaryActivate = [this] { run(actions_.refresh); },
                 .activationToken = [this](const QString& token) { keepActivationToken(token); }});
         activationToken_.setSingleShot(true);
@@ -130,12 +153,35 @@ void LinuxStatusItem::hostChanged() {
             entries_, [this] { clicked(); }, [this] { run(actions_.refresh); },
             [this] { countTimeWithoutTray(); });
     }
+    askForTextShade();
     update();
     countTimeWithoutTray();
 }
 
+void LinuxStatusItem::askForTextShade() {
+    if (shadedHost_ == registration_->program()) {
+        return;
+    }
+    shadedHost_ = registration_->program();
+    hasLightText_.reset();
+    if (!options_.findTextShade) {
+        return;
+    }
+    options_.findTextShade(shadedHost_,
+                           [weak = std::weak_ptr(self_), host = shadedHost_](bool isLight) {
+                               const auto self = weak.lock();
+                               if (self && (*self)->shadedHost_ == host) {
+                                   (*self)->hasLightText_ = isLight;
+                                   (*self)->update();
+                               }
+                           });
+}
+
 void LinuxStatusItem::countTimeWithoutTray() {
     // A tray of the older kind may be about to go: what counts is whether it is there in the end.
+    if (inTray() && !notice_.text->empty()) {
+        notice_.text.set({});
+    }
     if (registration_->state() == NotifierRegistration::State::present) {
         withoutTray_.stop();
     } else if (!withoutTray_.isActive()) {
@@ -165,9 +211,17 @@ std::optional<QRect> LinuxStatusItem::anchor() const {
     return embedded ? embedded : anchor_;
 }
 
-void LinuxStatusItem::activated() {
+bool LinuxStatusItem::isUsuallyAtTheBottom() const {
+    return registration_ && platform::isUsuallyAtTheBottom(registration_->program());
+}
+
+void LinuxStatusItem::activated(const QPoint& reported) {
     if (sinceActivation_.isValid() && sinceActivation_.elapsed() < options_.samePressMilliseconds) {
         return;
+    }
+    if (options_.isUnderCompositor) {
+        const auto point = reportedPoint(reported, registration_->program(), reportedScreens());
+        anchor_ = point ? std::optional(QRect(*point, QSize(1, 1))) : std::nullopt;
     }
     clicked();
     // From here on, because opening the panel takes a while.
@@ -175,9 +229,15 @@ void LinuxStatusItem::activated() {
 }
 
 void LinuxStatusItem::clicked() {
-    // Ignores the position in the message, because hosts disagree about its origin.
-    anchor_ = placeUnderPointer();
+    keepPlaceUnderPointer();
     run(actions_.click);
+}
+
+void LinuxStatusItem::keepPlaceUnderPointer() {
+    // Better than the position in the message, because hosts disagree about its origin.
+    if (!options_.isUnderCompositor) {
+        anchor_ = placeUnderPointer();
+    }
 }
 
 ItemIcon LinuxStatusItem::icon() const {
@@ -197,7 +257,7 @@ IconPixmap LinuxStatusItem::rowWithText(const QString& text, int height) {
         rowIconOf_ = icon();
         rowIcon_ = squarePicture(options_.painter, *rowIconOf_, wideIconSize(height));
     }
-    return toPixmap(widePicture(rowIcon_, text, options_.dark, height));
+    return toPixmap(widePicture(rowIcon_, text, hasLightText_.value_or(options_.dark), height));
 }
 
 NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& presentation) {
@@ -218,11 +278,16 @@ NotifierContent LinuxStatusItem::notifierContent(const TrayPresentation& present
     if (hasText && presentation.text == TextPlace::label) {
         content.label = text;
     }
+    content.needsAttention = presentation.marksAttention && content_->tint == Tint::red;
     return content;
 }
 
 void LinuxStatusItem::tellIfNoTray() {
-    if (!inTray() && options_.notice && !std::exchange(hasTold_, true)) {
+    if (inTray()) {
+        return;
+    }
+    notice_.text.set(std::string(kNoTray) + (options_.isGnome ? kNoTrayOnGnome : ""));
+    if (options_.notice && !std::exchange(hasTold_, true)) {
         options_.notice("no tray was found; start Tarnwick again to open its panel");
     }
 }

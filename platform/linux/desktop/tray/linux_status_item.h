@@ -17,12 +17,14 @@
 #include <vector>
 
 #include "platform/desktop.h"
+#include "platform/dispatch.h"
 #include "platform/linux/desktop/tray/dbus_menu.h"
 #include "platform/linux/desktop/tray/embedded_tray.h"
 #include "platform/linux/desktop/tray/item_picture.h"
 #include "platform/linux/desktop/tray/notifier_registration.h"
 #include "platform/linux/desktop/tray/status_notifier_item.h"
 #include "platform/linux/desktop/tray/tray_presentation.h"
+#include "platform/status_item_notice.h"
 
 namespace tarnwick::platform {
 
@@ -46,17 +48,26 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         /// Milliseconds from the end of a press on the bus in which another one counts as the same:
         /// waybar reports the second press of a quick pair as a press and as a double click.
         int samePressMilliseconds = 20;
+        /// A compositor has the pointer, also if the program talks to an X server beside it: what
+        /// that server tells of the pointer is stale.
+        bool isUnderCompositor = false;
+        /// The desktop is GNOME, which has a tray only as an extension.
+        bool isGnome = false;
         /// Returns the name of a process's program.
         NotifierRegistration::ProgramOf programOf = programOfProcess;
         /// How soon a host that refuses the item is asked again.
         NotifierRegistration::RetryDelays retryDelays{};
+        /// Finds out whether the host `program` draws on a bar that wants light text, and calls
+        /// `found` on the main thread, later and at most once: not at all if it cannot tell.
+        std::function<void(const std::string& program, std::function<void(bool isLight)> found)>
+            findTextShade{};
         /// Folder for the picture file that some hosts want in place of pixmaps.
         std::string runtimeFolder;
     };
 
     /// Options of a real session: the notice goes to standard error, the folder is the runtime
-    /// folder.
-    static Options sessionOptions(IconPainter painter, bool dark);
+    /// folder. Requires: `dispatch` outlives the background work.
+    static Options sessionOptions(IconPainter painter, bool dark, Dispatch& dispatch);
 
     /// `bus` may be unconnected: then only a tray of the older kind is looked for.
     LinuxStatusItem(QDBusConnection bus, Options options);
@@ -72,8 +83,15 @@ class LinuxStatusItem final : public QObject, public StatusItem {
 
     /// The item's known place on the screen, for a panel beside it: the icon's place in the older
     /// kind of tray, else the place of the last click, as high as its bar. Absent before the first
-    /// click, and on desktops that do not let a program see the pointer (Wayland).
+    /// click. Under a compositor a program does not see the pointer: there it is the point that the
+    /// host reported with the last click, absent if it reported none.
     std::optional<QRect> anchor() const;
+    /// Says how to get at the program while no tray shows the item.
+    StatusItemNotice& notice() { return notice_; }
+
+    /// Whether the tray is usually at the bottom of the screen, for a panel while anchor() is
+    /// absent.
+    bool isUsuallyAtTheBottom() const;
 
     /// Keeps the compositor's permission to come to the front for the next window that is opened;
     /// an empty one changes nothing.
@@ -85,17 +103,20 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     void countTimeWithoutTray();
     void update();
     /// A host on the bus reports a press.
-    void activated();
+    void activated(const QPoint& reported);
     void clicked();
+    void keepPlaceUnderPointer();
     ItemIcon icon() const;
     NotifierContent notifierContent(const TrayPresentation& presentation);
     const IconPixmaps& squares();
     IconPixmap rowWithText(const QString& text, int height);
     void tellIfNoTray();
+    void askForTextShade();
 
     QDBusConnection bus_;
     Options options_;
     StatusItemActions actions_;
+    StatusItemNotice notice_;
     std::optional<StatusItemContent> content_;
     std::vector<MenuEntry> entries_;
     std::optional<QRect> anchor_;
@@ -111,6 +132,11 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     std::unique_ptr<StatusNotifierItem> notifier_;
     std::unique_ptr<NotifierRegistration> registration_;
     std::unique_ptr<EmbeddedTray> embedded_;
+    /// The host whose bar was last asked about, and whether that bar wants light text.
+    std::string shadedHost_;
+    std::optional<bool> hasLightText_;
+    /// Lives as long as the item, which an answer may come after.
+    std::shared_ptr<LinuxStatusItem*> self_ = std::make_shared<LinuxStatusItem*>(this);
     bool started_ = false;
     /// Runs from when the last tray has gone.
     QTimer withoutTray_;

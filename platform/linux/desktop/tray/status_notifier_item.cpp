@@ -64,12 +64,30 @@ constexpr auto kLabelIntrospection = R"xml(
 // The widest possible text. Hosts reserve this width, so that items beside the label do not move.
 constexpr auto kLabelGuide = "Disk 100%";
 
+QVariantList labelArguments(const std::optional<QString>& label) {
+    return {label.value_or(QString()), QString(label ? kLabelGuide : "")};
+}
+
+QString statusWord(const NotifierContent& content) {
+    return content.needsAttention ? "NeedsAttention" : "Active";
+}
+
 }  // namespace
 
 StatusNotifierItem::StatusNotifierItem(QDBusConnection bus, QString menuPath,
                                        NotifierActions actions)
     : bus_(std::move(bus)), menuPath_(std::move(menuPath)), actions_(std::move(actions)) {
     registerBusTypes();
+    // GNOME's extension looks at the label once, before it can show one, then asks for the
+    // description, and from then on passes over a label that is equal to the one it knows.
+    described_.setSingleShot(true);
+    described_.setInterval(0);
+    connect(&described_, &QTimer::timeout, this, [this] {
+        if (content_.label) {
+            announceLabel({});
+            announceLabel(*content_.label);
+        }
+    });
     bus_.registerVirtualObject(kPath, this);
 }
 
@@ -84,12 +102,14 @@ void StatusNotifierItem::setContent(NotifierContent content, HostFetches fetches
         const char* name;
         QVariantList arguments;
     };
+    // By itself, because no host that takes everything after any signal takes this.
+    if (content_.needsAttention != old.needsAttention) {
+        emitSignal("NewStatus", {statusWord(content_)});
+    }
     const bool newText = content_.text != old.text;
     const Signal candidates[] = {
         {content_.icon != old.icon || content_.iconName != old.iconName, "NewIcon", {}},
-        {content_.label != old.label,
-         "XAyatanaNewLabel",
-         {content_.label.value_or(QString()), QString(content_.label ? kLabelGuide : "")}},
+        {content_.label != old.label, "XAyatanaNewLabel", labelArguments(content_.label)},
         {newText, "NewToolTip", {}},
         {newText && fetches == HostFetches::named, "NewTitle", {}},
     };
@@ -110,7 +130,7 @@ QVariantMap StatusNotifierItem::properties() const {
         // Hosts look up the icon for their settings by it.
         {"Id", kIdentifier},
         {"Title", content_.text},
-        {"Status", "Active"},
+        {"Status", statusWord(content_)},
         {"WindowId", 0},
         {"IconThemePath", ""},
         {"IconName", content_.iconName},
@@ -135,6 +155,10 @@ QVariantMap StatusNotifierItem::properties() const {
     return map;
 }
 
+void StatusNotifierItem::announceLabel(const QString& label) {
+    emitSignal("XAyatanaNewLabel", labelArguments(label));
+}
+
 void StatusNotifierItem::emitSignal(const QString& name, const QVariantList& arguments) {
     QDBusMessage message = QDBusMessage::createSignal(kPath, kInterface, name);
     message.setArguments(arguments);
@@ -142,6 +166,9 @@ void StatusNotifierItem::emitSignal(const QString& name, const QVariantList& arg
 }
 
 QString StatusNotifierItem::introspect(const QString& path) const {
+    if (path == kPath && content_.label) {
+        described_.start();
+    }
     return path == kPath
                ? QString(kItemIntrospection).arg(content_.label ? kLabelIntrospection : "")
                : QString();
@@ -162,9 +189,14 @@ bool StatusNotifierItem::handleMessage(const QDBusMessage& message,
             actions_.activationToken(message.arguments().first().toString());
         }
     };
+    const std::function<void()> activate = [this, &message] {
+        if (actions_.activate) {
+            actions_.activate({message.arguments()[0].toInt(), message.arguments()[1].toInt()});
+        }
+    };
     const std::function<void()>* action = nullptr;
     if (call == "Activate(ii)") {
-        action = &actions_.activate;
+        action = &activate;
     } else if (call == "SecondaryActivate(ii)" || call == "XAyatanaSecondaryActivate(u)") {
         action = &actions_.secondaryActivate;
     } else if (call == "ProvideXdgActivationToken(s)") {

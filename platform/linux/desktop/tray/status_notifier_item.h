@@ -7,6 +7,7 @@
 #include <QDBusVirtualObject>
 #include <QPoint>
 #include <QString>
+#include <QTimer>
 #include <QVariantMap>
 #include <functional>
 #include <optional>
@@ -26,13 +27,16 @@ struct NotifierContent {
     /// The live text where the host draws a label. When absent the property does not exist at
     /// all: some hosts hide the icon as soon as it does.
     std::optional<QString> label;
+    /// Asks the host to mark the item.
+    bool needsAttention = false;
 
     bool operator==(const NotifierContent&) const = default;
 };
 
 /// Presses that hosts report.
 struct NotifierActions {
-    std::function<void()> activate;
+    /// `place`: where the host says that the item is.
+    std::function<void(const QPoint& place)> activate;
     std::function<void()> secondaryActivate;
     /// Delivers a token of the compositor: the next press may bring a window to the front with it.
     /// May be empty if tokens are not used.
@@ -61,12 +65,15 @@ class StatusNotifierItem final : public QDBusVirtualObject {
 
  private:
     QVariantMap properties() const;
+    void announceLabel(const QString& label);
     void emitSignal(const QString& name, const QVariantList& arguments = {});
 
     QDBusConnection bus_;
     QString menuPath_;
     NotifierActions actions_;
     NotifierContent content_;
+    /// Fires once a host that asked for the item's description has it.
+    mutable QTimer described_;
 };
 
 }  // namespace tarnwick::platform

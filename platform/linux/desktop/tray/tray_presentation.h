@@ -33,6 +33,8 @@ struct TrayPresentation {
     /// Height in pixels of the one wide picture that the host needs; 0 if `text` is not `picture`.
     int pictureHeight = 0;
     HostFetches fetches = HostFetches::named;
+    /// The host marks an item that needs attention, or brings it out from among hidden ones.
+    bool marksAttention = false;
 
     bool operator==(const TrayPresentation&) const = default;
 };

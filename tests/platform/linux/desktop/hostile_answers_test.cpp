@@ -121,7 +121,7 @@ TEST(HostileAnswers, EndNothingThatHearsTheTruthLater) {
                                       {.first = 1, .longest = 1});
     registration.start({});
     InstalledLayout layout("us");
-    PortalHotKeys keys(bus, layout, std::chrono::milliseconds(0));
+    PortalHotKeys keys(bus, layout, {.patience = std::chrono::milliseconds(0)});
     std::unique_ptr<HotKeyHandle> handle;
     const auto add = [&] {
         handle.reset();

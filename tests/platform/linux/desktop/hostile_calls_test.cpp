@@ -103,7 +103,7 @@ class HostileCalls : public ::testing::Test {
         }};
     StatusNotifierItem item_{bus_,
                              kMenuPath,
-                             {.activate = [this] { ++activated_; },
+                             {.activate = [this](const QPoint&) { ++activated_; },
                               .secondaryActivate = [this] { ++secondary_; },
                               .activationToken = [this](const QString&) { ++tokens_; }}};
 };

@@ -252,7 +252,7 @@ class HostileShortcutSignals : public HostileSignals {
 
     ScriptedShortcutsPortal portal_{service_};
     InstalledLayout layout_{"us"};
-    PortalHotKeys keys_{bus_, layout_, std::chrono::hours(1)};
+    PortalHotKeys keys_{bus_, layout_, {.patience = std::chrono::hours(1)}};
     int presses_ = 0;
     std::unique_ptr<HotKeyHandle> handler_;
     std::unique_ptr<HotKeyHandle> handle_;

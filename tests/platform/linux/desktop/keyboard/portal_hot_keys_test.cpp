@@ -41,7 +41,12 @@ class PortalKeys : public ::testing::Test {
     void makeKeys(std::chrono::milliseconds patience) {
         handle_.reset();
         handler_.reset();
-        keys_ = std::make_unique<PortalHotKeys>(bus_, layout_, patience);
+        keys_ = std::make_unique<PortalHotKeys>(
+            bus_, layout_,
+            PortalHotKeys::Options{
+                .patience = patience,
+                .notice = [this](std::string_view line) { notices_.emplace_back(line); },
+                .isInstalled = [this] { return isInstalled_; }});
         auto result = keys_->installEventHandler([this](const HotKeyEvent* event) {
             HotKeyID id;
             if (event == nullptr || event->hotKeyID(id) != kSuccess || id != kId) {
@@ -90,6 +95,8 @@ class PortalKeys : public ::testing::Test {
     QDBusConnection portalBus_ = daemon_.connect();
     ScriptedShortcutsPortal portal_{portalBus_};
     InstalledLayout layout_{"us"};
+    std::vector<std::string> notices_;
+    bool isInstalled_ = true;
     bool registersAgain_ = true;
     int changes_ = 0;
     int presses_ = 0;
@@ -366,7 +373,7 @@ TEST_F(PortalKeys, WithdrawnWithoutKeysAreGivenBackAndNotPressed) {
     portal_.press();
     settle();
     EXPECT_EQ(presses_, 0);
-    EXPECT_EQ(changes_, 0);
+    EXPECT_EQ(changes_, 1);
 }
 
 TEST_F(PortalKeys, WithdrawnBeforeTheyWereAskedForAreNotAskedFor) {
@@ -417,6 +424,65 @@ TEST_F(PortalKeys, ThatThePortalRefusesFail) {
     settle();
     EXPECT_EQ(add(), status::kRefused);
     EXPECT_THAT(portal_.calls, ElementsAre("version", "CreateSession"));
+}
+
+TEST_F(PortalKeys, BoundByAPortalThatSaysItEndedOtherwiseAreHeld) {
+    portal_.bindCode = 2;
+    addAndHold();
+    portal_.press();
+    EXPECT_TRUE(waitUntil([&] { return presses_ == 1; }));
+}
+
+TEST_F(PortalKeys, WithoutKeysOfAPortalThatEndedOtherwiseAreRefused) {
+    portal_.begin();
+    portal_.bindCode = 2;
+    for (const auto& list : {PortalShortcutEntries(), PortalShortcutEntries{{"another", {}}},
+                             PortalShortcutEntries{{"panel-LOGO-l", {}}}}) {
+        portal_.list = list;
+        makeKeys(std::chrono::hours(1));
+        add();
+        settle();
+        EXPECT_EQ(add(), status::kRefused);
+    }
+}
+
+TEST_F(PortalKeys, RefusedToAProgramThatIsNotInstalledSayOnceThatItShouldBe) {
+    portal_.begin();
+    portal_.bindCode = 2;
+    portal_.list = PortalShortcutEntries();
+    isInstalled_ = false;
+    for (int i = 0; i < 2; ++i) {
+        add();
+        settle();
+        add(kK);
+        settle();
+    }
+    EXPECT_THAT(notices_, ElementsAre("this desktop gives the shortcut to installed programs only: "
+                                      "install Tarnwick"));
+}
+
+TEST_F(PortalKeys, OfACallThatFailsSayThatTheProgramShouldBeInstalled) {
+    portal_.begin();
+    portal_.failing = "CreateSession";
+    isInstalled_ = false;
+    add();
+    settle();
+    EXPECT_EQ(notices_.size(), 1U);
+}
+
+TEST_F(PortalKeys, RefusedSayNothingWhereAnInstallationWouldNotHelp) {
+    portal_.begin();
+    // The user says no.
+    portal_.bindCode = 1;
+    isInstalled_ = false;
+    add();
+    settle();
+    portal_.bindCode = 2;
+    portal_.list = PortalShortcutEntries();
+    isInstalled_ = true;
+    add(kK);
+    settle();
+    EXPECT_THAT(notices_, IsEmpty());
 }
 
 TEST_F(PortalKeys, ThatWereRefusedCanBeAskedForAgain) {
@@ -470,9 +536,9 @@ TEST_F(PortalKeys, WithoutKeysAreNotHeld) {
         makeKeys(std::chrono::hours(1));
         add();
         settle();
-        EXPECT_EQ(add(), status::kUnbound);
+        EXPECT_EQ(add(), hot_key_status::kExists);
     }
-    EXPECT_EQ(changes_, 0);
+    EXPECT_EQ(changes_, 5);
 }
 
 TEST_F(PortalKeys, OfADamagedAnswerAreNotHeld) {
@@ -483,8 +549,26 @@ TEST_F(PortalKeys, OfADamagedAnswerAreNotHeld) {
         makeKeys(std::chrono::hours(1));
         add();
         settle();
-        EXPECT_EQ(add(), status::kUnbound);
+        EXPECT_EQ(add(), hot_key_status::kExists);
     }
+}
+
+TEST_F(PortalKeys, ThatPlasmaHasForSomethingElseAreInConflictWhateverItsPortalSays) {
+    portal_.areKeysFree = false;
+    portal_.begin();
+    add(kL, modifier::kCommand | modifier::kShift);
+    EXPECT_TRUE(waitUntil([&] { return status_ == hot_key_status::kExists; }));
+    EXPECT_THAT(portal_.keysAsked,
+                ElementsAre(int(Qt::META) | int(Qt::SHIFT) | int(Qt::Key_L), 0, 0, 0));
+}
+
+TEST_F(PortalKeys, ThatPlasmaHasForTheProgramAreHeld) {
+    portal_.areKeysFree = true;
+    addAndHold();
+    settle();
+    EXPECT_FALSE(portal_.keysAsked.isEmpty());
+    EXPECT_NE(handle_, nullptr);
+    EXPECT_EQ(changes_, 0);
 }
 
 TEST_F(PortalKeys, WithoutKeysAreHeldFromTheirFirstPressOn) {
@@ -492,14 +576,14 @@ TEST_F(PortalKeys, WithoutKeysAreHeldFromTheirFirstPressOn) {
     portal_.keys = "";
     add();
     settle();
-    EXPECT_EQ(add(), status::kUnbound);
+    EXPECT_EQ(add(), hot_key_status::kExists);
     portal_.press();
     EXPECT_TRUE(waitUntil([&] { return presses_ == 1; }));
     EXPECT_EQ(status_, kSuccess);
-    EXPECT_EQ(changes_, 1);
+    EXPECT_EQ(changes_, 2);
     portal_.press();
     EXPECT_TRUE(waitUntil([&] { return presses_ == 2; }));
-    EXPECT_EQ(changes_, 1);
+    EXPECT_EQ(changes_, 2);
 }
 
 TEST_F(PortalKeys, WithoutKeysWaitForTheirFirstPressAsLongAsItTakes) {
@@ -521,7 +605,7 @@ TEST_F(PortalKeys, WithoutKeysThatNobodyWantsAnyMoreAreNotPressed) {
     registersAgain_ = false;
     portal_.press();
     settle();
-    EXPECT_EQ(changes_, 1);
+    EXPECT_EQ(changes_, 2);
     EXPECT_EQ(presses_, 0);
 }
 
@@ -530,7 +614,7 @@ TEST_F(PortalKeys, WithoutKeysThatNobodyWantsAnyMoreAreNotPressed) {
 TEST_F(PortalKeys, AreLostWhenTheUserTakesTheirKeysAway) {
     addAndHold();
     portal_.change({{portal_.bound.last().id, {{"trigger_description", QString()}}}});
-    EXPECT_TRUE(waitUntil([&] { return status_ == status::kUnbound; }));
+    EXPECT_TRUE(waitUntil([&] { return status_ == hot_key_status::kExists; }));
     EXPECT_EQ(changes_, 1);
     portal_.change({{portal_.bound.last().id, {{"trigger_description", QString("Meta+L")}}}});
     EXPECT_TRUE(waitUntil([&] { return status_ == kSuccess; }));
@@ -656,13 +740,15 @@ TEST_F(PortalKeys, FailWhenThePortalGoesWhileItsUserDecides) {
     portal_.end();
     settle();
     EXPECT_EQ(changes_, 0);
+    EXPECT_THAT(notices_,
+                ElementsAre("the desktop's portal has gone while it was asked for the shortcut"));
     portal_.holdsResponse = false;
     portal_.begin();
     EXPECT_TRUE(waitUntil([&] { return status_ == kSuccess; }));
 }
 
 TEST_F(PortalKeys, FailWithoutABus) {
-    PortalHotKeys alone(QDBusConnection("there is none"), layout_);
+    PortalHotKeys alone(QDBusConnection("there is none"), layout_, {});
     const auto result = alone.registerEventHotKey(kL, modifier::kCommand, kId);
     EXPECT_EQ(result.status, status::kUnavailable);
     EXPECT_EQ(result.handle, nullptr);

@@ -75,7 +75,7 @@ class PortalShortcutTest : public ::testing::Test {
     MemoryUserDefaults store;
     ScriptedLoginService loginService;
     UserSettings settings{store, loginService};
-    PortalHotKeys hotKeys{bus, layout, std::chrono::hours(1)};
+    PortalHotKeys hotKeys{bus, layout, {.patience = std::chrono::hours(1)}};
     int triggers = 0;
     HotKeyService service{[this] { ++triggers; }, {hotKeys, dispatch}};
 };
@@ -147,6 +147,15 @@ TEST_F(PortalShortcutTest, ClearedWhileTheUserDecidesIsInactiveAndStaysSo) {
     settle();
     EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::inactive);
     EXPECT_EQ(triggers, 0);
+}
+
+TEST_F(PortalShortcutTest, WhoseKeysTheDesktopHasForSomethingElseIsInConflict) {
+    portal.begin();
+    portal.keys = "";
+    apply();
+    EXPECT_TRUE(waitFor(RegistrationState::conflict));
+    portal.change({{portal.bound.last().id, {{"trigger_description", QString("Meta+J")}}}});
+    EXPECT_TRUE(waitFor(RegistrationState::active));
 }
 
 TEST_F(PortalShortcutTest, ClearedWithoutKeysIsNotPressed) {

@@ -34,6 +34,10 @@ ScriptedShortcutsPortal::~ScriptedShortcutsPortal() {
 void ScriptedShortcutsPortal::begin() {
     bus_.registerVirtualObject(kPath, this, QDBusConnection::SubPath);
     bus_.registerService(kPortalService);
+    if (areKeysFree) {
+        bus_.registerVirtualObject("/kglobalaccel", this);
+        bus_.registerService("org.kde.kglobalaccel");
+    }
     begun_ = true;
 }
 
@@ -41,6 +45,8 @@ void ScriptedShortcutsPortal::end() {
     if (std::exchange(begun_, false)) {
         bus_.unregisterService(kPortalService);
         bus_.unregisterObject(kPath, QDBusConnection::UnregisterTree);
+        bus_.unregisterService("org.kde.kglobalaccel");
+        bus_.unregisterObject("/kglobalaccel");
     }
 }
 
@@ -87,6 +93,11 @@ bool ScriptedShortcutsPortal::handleMessage(const QDBusMessage& message, const Q
     }
     if (message.interface() == kRegistryInterface && member == "Register") {
         answerName(message);
+        return true;
+    }
+    if (member == "globalShortcutAvailable" && message.signature() == "(ai)s") {
+        keysAsked = qdbus_cast<PlasmaKeys>(message.arguments()[0]).keys;
+        bus_.send(message.createReply(*areKeysFree));
         return true;
     }
     if (message.interface() != kInterface) {

@@ -54,6 +54,8 @@ class ScriptedShortcutsPortal final : public QDBusVirtualObject {
     std::optional<PortalShortcutEntries> list;
     /// If set, these are the results of binding.
     std::optional<QVariantMap> results;
+    /// If set, Plasma is there and says whether the keys are free for the program.
+    std::optional<bool> areKeysFree;
     /// Sends each response before the answer of its call.
     bool respondsFirst = false;
     /// Gives requests other names than clients expect.
@@ -63,6 +65,8 @@ class ScriptedShortcutsPortal final : public QDBusVirtualObject {
     /// Sends no response to binding before respond().
     bool holdsResponse = false;
 
+    /// The keys that Plasma was asked about.
+    QList<int> keysAsked;
     /// The names that programs have given, and how many other calls came before each.
     QList<std::pair<QString, qsizetype>> names;
     /// Methods in the order of their calls.

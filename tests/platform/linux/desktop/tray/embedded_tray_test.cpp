@@ -81,6 +81,12 @@ TEST_F(EmbeddedTrayTest, IsNowhereWithoutATray) {
     EXPECT_EQ(tray.place(), std::nullopt);
 }
 
+TEST(EmbeddedTrayPlace, IsNoneWhileTheTrayHasTheWindowInTheCorner) {
+    EXPECT_FALSE(isPlaced(QRect(0, 0, 22, 22)));
+    EXPECT_TRUE(isPlaced(QRect(0, 4, 22, 22)));
+    EXPECT_TRUE(isPlaced(QRect(1200, 0, 22, 22)));
+}
+
 TEST_F(EmbeddedTrayTest, HasAMenuOfTheEntries) {
     ASSERT_NE(menu(), nullptr);
     const QList<QAction*> actions = menu()->actions();

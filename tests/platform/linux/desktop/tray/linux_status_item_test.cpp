@@ -48,6 +48,13 @@ class Item : public ::testing::Test {
         options.noTrayMilliseconds = noTrayMilliseconds;
         options.tokenMilliseconds = tokenMilliseconds;
         options.samePressMilliseconds = samePressMilliseconds;
+        options.isGnome = isGnome_;
+        options.isUnderCompositor = isUnderCompositor_;
+        options.findTextShade = [this](const std::string& program,
+                                       std::function<void(bool)> found) {
+            shadesAsked_.push_back(program);
+            foundShade_ = std::move(found);
+        };
         options.programOf = [this](unsigned) { return program_; };
         options.retryDelays = {.first = 1, .longest = 4};
         options.runtimeFolder = runtime_.path().toStdString();
@@ -107,6 +114,10 @@ class Item : public ::testing::Test {
     QDBusConnection itemBus_ = bus_.connect();
     ScriptedHost host_{bus_.connect()};
     std::string program_ = "a host that nobody knows";
+    bool isUnderCompositor_ = false;
+    bool isGnome_ = false;
+    std::vector<std::string> shadesAsked_;
+    std::function<void(bool)> foundShade_;
     std::vector<std::string> notices_;
     int clicks_ = 0;
     int toggles_ = 0;
@@ -319,6 +330,50 @@ TEST_F(Item, IsOneWidePictureWithTheTextWhereThatIsDrawnWhole) {
     EXPECT_EQ(pixmaps().size(), 6);
 }
 
+TEST_F(Item, DrawsItsTextInTheShadeThatTheBarOfTheHostWants) {
+    program_ = "waybar";
+    content_.text = "CPU 12%";
+    show();
+    beginHost();
+    ASSERT_THAT(shadesAsked_, ::testing::Contains("waybar"));
+    const IconPixmaps dark = pixmaps();
+    foundShade_(true);
+    const IconPixmaps light = pixmaps();
+    ASSERT_EQ(light.size(), 1);
+    EXPECT_NE(light[0].bytes, dark[0].bytes);
+    // What the desktop prefers changes the icon, not the text.
+    item_->setDark(true);
+    EXPECT_NE(pixmaps()[0].bytes, light[0].bytes);
+    foundShade_(false);
+    item_->setDark(false);
+    EXPECT_EQ(pixmaps()[0].bytes, dark[0].bytes);
+}
+
+TEST_F(Item, OutlivesNoAnswerAboutTheShadeOfItsText) {
+    program_ = "waybar";
+    show();
+    beginHost();
+    ASSERT_TRUE(foundShade_);
+    item_.reset();
+    foundShade_(true);
+}
+
+TEST_F(Item, NeedsAttentionWhileAMetricIsAboveItsHighThresholdWhereThatIsShown) {
+    for (const char* program : {"kded6", "xfce4-panel"}) {
+        program_ = program;
+        const bool isMarked = program_ == "kded6";
+        make(itemBus_);
+        content_.tint = Tint::red;
+        show();
+        beginHost();
+        EXPECT_EQ(host_.properties().value("Status").toString() == "NeedsAttention", isMarked);
+        content_.tint = Tint::yellow;
+        show();
+        EXPECT_EQ(host_.properties().value("Status"), QVariant("Active"));
+        host_.end();
+    }
+}
+
 TEST_F(Item, KeepsItsWidthForEveryTextOfADisplayMode) {
     program_ = "waybar";
     show();
@@ -480,6 +535,30 @@ TEST_F(Item, HasNoAnchorWhereThePointerCannotBeSeen) {
     EXPECT_EQ(item_->anchor(), std::nullopt);
 }
 
+TEST_F(Item, IsWhereTheHostReportsUnderACompositor) {
+    isUnderCompositor_ = true;
+    make(itemBus_);
+    show();
+    beginHost();
+    EXPECT_EQ(item_->anchor(), std::nullopt);
+    host_.callItem("Activate", {300, 7});
+    EXPECT_EQ(item_->anchor(), QRect(300, 7, 1, 1));
+    // A menu tells no place.
+    host_.call("com.canonical.dbusmenu", "AboutToShow", {0}, "/StatusNotifierMenu");
+    EXPECT_EQ(item_->anchor(), QRect(300, 7, 1, 1));
+    host_.callItem("Activate", {300, 100000});
+    EXPECT_EQ(item_->anchor(), std::nullopt);
+    EXPECT_EQ(clicks_, 2);
+}
+
+TEST_F(Item, IsUsuallyAtTheBottomWherePlasmaShowsIt) {
+    show();
+    EXPECT_FALSE(item_->isUsuallyAtTheBottom());
+    program_ = "kded6";
+    beginHost();
+    EXPECT_TRUE(item_->isUsuallyAtTheBottom());
+}
+
 TEST_F(Item, TellsTheUserOnceWhenThereIsNoTray) {
     make(itemBus_, 0);
     show();
@@ -488,6 +567,29 @@ TEST_F(Item, TellsTheUserOnceWhenThereIsNoTray) {
     show();
     beginHost();
     EXPECT_THAT(notices_, ElementsAre("no tray was found; start Tarnwick again to open its panel"));
+}
+
+TEST_F(Item, HasANoticeForTheSettingsWhileThereIsNoTray) {
+    make(itemBus_, 1);
+    show();
+    EXPECT_TRUE(waitUntil([this] { return !item_->notice().text->empty(); }));
+    EXPECT_THAT(*item_->notice().text, ::testing::HasSubstr("start Tarnwick again"));
+    EXPECT_THAT(*item_->notice().text, ::testing::Not(::testing::HasSubstr("AppIndicator")));
+    host_.begin();
+    EXPECT_TRUE(waitUntil([this] { return item_->notice().text->empty(); }));
+    // The line on standard error comes once, the notice whenever it is true.
+    host_.end();
+    EXPECT_TRUE(waitUntil([this] { return !item_->notice().text->empty(); }));
+    EXPECT_EQ(notices_.size(), 1U);
+}
+
+TEST_F(Item, NamesTheExtensionThatShowsItOnGnome) {
+    isGnome_ = true;
+    make(itemBus_, 1);
+    show();
+    EXPECT_TRUE(waitUntil([this] { return !item_->notice().text->empty(); }));
+    EXPECT_THAT(*item_->notice().text, ::testing::HasSubstr("AppIndicator and KStatusNotifierItem "
+                                                            "Support"));
 }
 
 TEST_F(Item, SaysNothingOfTheKindInATray) {

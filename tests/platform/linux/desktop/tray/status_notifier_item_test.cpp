@@ -48,6 +48,7 @@ class NotifierItem : public ::testing::Test {
     QDBusConnection itemBus_ = bus_.connect();
     ScriptedHost host_{bus_.connect()};
     int activated_ = 0;
+    QPoint place_;
     int secondary_ = 0;
     QStringList tokens_;
     NotifierContent content_{
@@ -55,7 +56,11 @@ class NotifierItem : public ::testing::Test {
     StatusNotifierItem item_{
         itemBus_,
         "/TheMenu",
-        {.activate = [this] { ++activated_; },
+        {.activate =
+             [this](const QPoint& place) {
+                 ++activated_;
+                 place_ = place;
+             },
          .secondaryActivate = [this] { ++secondary_; },
          .activationToken = [this](const QString& token) { tokens_.append(token); }}};
 };
@@ -190,9 +195,44 @@ TEST_F(NotifierItem, HasNoLabelPropertyAtAllWithoutALabel) {
     EXPECT_FALSE(host_.properties().contains("XAyatanaLabelGuide"));
 }
 
+TEST_F(NotifierItem, AnnouncesItsLabelAnewToAHostThatHasReadItsDescription) {
+    const auto describe = [this] {
+        host_.signalNames.clear();
+        host_.signalArguments.clear();
+        EXPECT_EQ(host_.call("org.freedesktop.DBus.Introspectable", "Introspect", {}).type(),
+                  QDBusMessage::ReplyMessage);
+        QCoreApplication::processEvents();
+        host_.properties();
+    };
+    describe();
+    EXPECT_THAT(host_.signalNames, IsEmpty());
+    content_.label = "CPU 12%";
+    heardAfter(content_);
+    describe();
+    // Hosts pass over a value that is equal to the one they know.
+    ASSERT_THAT(host_.signalNames, ElementsAre("XAyatanaNewLabel", "XAyatanaNewLabel"));
+    EXPECT_EQ(host_.signalArguments[0].value(0), QVariant(""));
+    EXPECT_EQ(host_.signalArguments[1].value(0), QVariant("CPU 12%"));
+}
+
+TEST_F(NotifierItem, AsksForAttentionInASignalOfItsOwn) {
+    EXPECT_EQ(host_.properties().value("Status"), QVariant("Active"));
+    content_.needsAttention = true;
+    content_.text = "CPU 99%";
+    item_.setContent(content_, HostFetches::everything);
+    host_.properties();
+    EXPECT_THAT(host_.signalNames, ElementsAre("NewStatus", "NewToolTip"));
+    EXPECT_EQ(host_.signalArguments.first().value(0), QVariant("NeedsAttention"));
+    EXPECT_EQ(host_.properties().value("Status"), QVariant("NeedsAttention"));
+    content_.needsAttention = false;
+    EXPECT_THAT(heardAfter(content_), ElementsAre("NewStatus"));
+    EXPECT_EQ(host_.signalArguments.last().value(0), QVariant("Active"));
+}
+
 TEST_F(NotifierItem, ReportsPressesOfEachKind) {
     EXPECT_EQ(host_.callItem("Activate", {10, 20}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(activated_, 1);
+    EXPECT_EQ(place_, QPoint(10, 20));
     EXPECT_EQ(host_.callItem("SecondaryActivate", {10, 20}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(host_.callItem("XAyatanaSecondaryActivate", {7U}).type(), QDBusMessage::ReplyMessage);
     EXPECT_EQ(secondary_, 2);

@@ -35,10 +35,20 @@ INSTANTIATE_TEST_SUITE_P(Programs, SquareHost,
                                            "plasmashell", "kded5", "swaybar", "python3", "Waybar",
                                            ""));
 
+TEST(TrayPresentation, AsksForAttentionOnlyWhereThatMarksTheItem) {
+    for (const char* host : {"kded5", "kded6"}) {
+        EXPECT_TRUE(trayPresentation(host).marksAttention) << host;
+    }
+    for (const char* host : {"gnome-shell", "xfce4-panel", "wrapper-2.0", "lxqt-panel",
+                             "budgie-panel", "waybar", "notification-area-applet", ""}) {
+        EXPECT_FALSE(trayPresentation(host).marksAttention) << host;
+    }
+}
+
 TEST(TrayPresentation, SavesSignalsOnlyOnHostsKnownToFetchTheRest) {
     EXPECT_EQ(trayPresentation("wrapper-2.0").fetches, HostFetches::everything);
     EXPECT_EQ(trayPresentation("xfce4-panel").fetches, HostFetches::everything);
-    EXPECT_EQ(trayPresentation("waybar").fetches, HostFetches::everything);
+    EXPECT_EQ(trayPresentation("waybar").fetches, HostFetches::namedButTitle);
     EXPECT_EQ(trayPresentation("lxqt-panel").fetches, HostFetches::namedButTitle);
     EXPECT_EQ(trayPresentation("notification-area-applet").fetches, HostFetches::namedButTitle);
     EXPECT_EQ(trayPresentation("plasmashell").fetches, HostFetches::named);
