@@ -4,6 +4,7 @@ with stand-ins for the tools."""
 
 import os
 import pathlib
+import platform
 import shutil
 import subprocess
 import tempfile
@@ -27,11 +28,15 @@ TOOLS = {
 
 
 def packages():
-    """The packages of each purpose."""
+    """The packages of each purpose that this release has."""
+    release = platform.freedesktop_os_release()
+    version = float(release.get("VERSION_ID", "inf"))
     found, purpose = {}, None
     for line in (SCRIPTS / "packages.txt").read_text().splitlines():
         if line.startswith("["):
-            purpose = found.setdefault(line.strip("[]"), set())
+            name, *oldest = line.strip("[]").split()
+            is_here = not oldest or version >= float(oldest[2 if release["ID"] == "ubuntu" else 1])
+            purpose = found.setdefault(name, set()) if is_here else set()
         elif line and not line.startswith("#"):
             purpose.add(line)
     return found
