@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/panel_view.h"
 
-#include <QCursor>
 #include <QEvent>
 #include <QKeyEvent>
 #include <algorithm>
@@ -38,13 +37,6 @@ BlockWidget* PanelView::takeWidget(const std::string& id) {
 }
 
 std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
-    const QPoint pointer = QCursor::pos();
-    pagesAtRest_ = std::exchange(pointer_, pointer) == pointer ? pagesAtRest_ + 1 : 0;
-    if (pagesAtRest_ > kPagesAtRest) {
-        for (const Row& row : rows_) {
-            row.widget->letGo();
-        }
-    }
     Rows rows;
     std::vector<BlockWidget*> gone;
     bool isOrdered = true;
@@ -171,6 +163,23 @@ void PanelView::placeWidgets(Rows::iterator held) {
         emit heightChanged();
     }
     lookForPointer();
+    timeHold();
+}
+
+void PanelView::timeHold() {
+    if (heldRow() == rows_.end()) {
+        holdEnd_.reset();
+    } else if (holdEnd_ == nullptr && motion_ != nullptr) {
+        holdEnd_ = motion_->dispatch().scheduleRepeating(kLongestHold, [this] { endHold(); });
+    }
+}
+
+// Places the rows at once: a pointer that moves on would hold them again before a later turn.
+void PanelView::endHold() {
+    for (const Row& row : rows_) {
+        row.widget->letGo();
+    }
+    placeWidgets(rows_.end());
 }
 
 void PanelView::lookForPointer() {
