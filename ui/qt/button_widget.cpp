@@ -3,6 +3,7 @@
 
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
 #include <QtMath>
@@ -183,6 +184,16 @@ void ButtonWidget::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QAbstractButton::keyPressEvent(event);
+}
+
+// The focus goes where the pointer presses, unseen: whoever presses by the pointer does not look
+// for the place of the keyboard. Cleared first, because the button may already have it by key.
+void ButtonWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) {
+        clearFocus();
+        setFocus(Qt::MouseFocusReason);
+    }
+    QAbstractButton::mousePressEvent(event);
 }
 
 void ButtonWidget::focusInEvent(QFocusEvent* event) {

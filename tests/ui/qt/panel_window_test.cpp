@@ -3,6 +3,7 @@
 
 #include <QScreen>
 #include <QScrollBar>
+#include <QTest>
 #include <QWheelEvent>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -299,6 +300,26 @@ TEST_F(PanelWindowTest, ByPointerTheFocusReturnsUnseen) {
     key(Qt::Key_Escape);
     EXPECT_EQ(focused(), "button.showPerformanceDetail");
     EXPECT_TRUE(find("focusRing")->isVisible());
+}
+
+TEST_F(PanelWindowTest, APressByThePointerAfterKeysShowsNoFocus) {
+    for (const char* way : {"button.showMemoryDetail", "button.showPerformanceDetail"}) {
+        // The focus stands on another button, then on the one that is pressed.
+        for (const char* at : {"button.refresh", way}) {
+            SCOPED_TRACE(std::string(way) + " from " + at);
+            open();
+            while (focused() != at) {
+                key(Qt::Key_Tab);
+            }
+            EXPECT_TRUE(find("focusRing")->isVisible());
+            QTest::mouseClick(find(way), Qt::LeftButton);
+            qt::settle();
+            EXPECT_EQ(focused(), "button.goBack");
+            EXPECT_FALSE(find("focusRing")->isVisible());
+            window->close();
+            qt::settle();
+        }
+    }
 }
 
 TEST_F(PanelWindowTest, NewFiguresLeaveTheFocusWhereItIs) {
