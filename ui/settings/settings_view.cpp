@@ -67,8 +67,17 @@ SettingsView::SettingsView(UserSettings& settings, SettingsViewEnvironment envir
         noticeSubscription_ =
             environment_.itemNotice->objectWillChange([this] { nextRebuild_.schedule(); });
     }
+    recorder_.field().onRecordingChanged = [this] {
+        settings_.setRecordingShortcut(recorder_.field().isRecording());
+    };
     recorder_.update();
     lastContent_ = content();
+}
+
+SettingsView::~SettingsView() {
+    if (settings_.isRecordingShortcut()) {
+        settings_.setRecordingShortcut(false);
+    }
 }
 
 SettingsView::Content SettingsView::content() const {

@@ -50,6 +50,7 @@ class SettingsView {
     SettingsView(UserSettings& settings, SettingsViewEnvironment environment);
     SettingsView(const SettingsView&) = delete;
     SettingsView& operator=(const SettingsView&) = delete;
+    ~SettingsView();
 
     UserSettings& settings() const { return settings_; }
     const std::optional<std::string>& shortcutValidationMessage() const {

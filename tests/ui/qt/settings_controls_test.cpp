@@ -348,6 +348,18 @@ TEST_F(ShortcutFieldControl, HeldModifiersAreJudgedBeforeAnyKey) {
     EXPECT_TRUE(field().isRecording());
 }
 
+TEST_F(ShortcutFieldControl, AltGrIsNoModifierWhileItIsHeldNorInWhatIsStored) {
+    startRecording();
+    nativeKey(QEvent::KeyPress, 0x3D, Qt::NoModifier, Qt::Key_AltGr);
+    EXPECT_THAT(lines(), IsEmpty());
+    nativeKey(QEvent::KeyPress, 0x37, Qt::GroupSwitchModifier, Qt::Key_Super_L);
+    nativeKey(QEvent::KeyPress, 0x38, Qt::GroupSwitchModifier | Qt::MetaModifier, Qt::Key_Shift);
+    EXPECT_THAT(lines(), IsEmpty());
+    nativeKey(QEvent::KeyPress, 37, Qt::GroupSwitchModifier | Qt::MetaModifier | Qt::ShiftModifier,
+              Qt::Key_L);
+    EXPECT_EQ(settings.shortcutModifiers(), kCommand | kShift);
+}
+
 TEST_F(ShortcutFieldControl, APlainKeyIsRejectedAndRecordingGoesOn) {
     startRecording();
     nativeKey(QEvent::KeyPress, 40, Qt::NoModifier, Qt::Key_K);

@@ -243,6 +243,17 @@ TEST_F(SettingsViewTest, ARecordedShortcutIsStored) {
     EXPECT_EQ(editor().field, (ShortcutFieldText{"⇧⌘K", false}));
 }
 
+TEST_F(SettingsViewTest, SaysWhileItRecordsSoThatNoShortcutTakesTheKeys) {
+    view->shortcutField().mouseDown();
+    EXPECT_TRUE(settings.isRecordingShortcut());
+    view->shortcutField().keyDown(53, 0);
+    EXPECT_FALSE(settings.isRecordingShortcut());
+    // Also when the window goes in the middle of it.
+    view->shortcutField().mouseDown();
+    view.reset();
+    EXPECT_FALSE(settings.isRecordingShortcut());
+}
+
 TEST_F(SettingsViewTest, TheFieldSaysWhatItWaitsFor) {
     EXPECT_EQ(editor().field, (ShortcutFieldText{"Click to record", true}));
     watch();
