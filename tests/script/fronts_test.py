@@ -146,6 +146,24 @@ class Fronts(unittest.TestCase):
                 with self.subTest(front=front, decision=name):
                     self.assertTrue(re.search(rf"\b{name}\b", text), "is not asked for")
 
+    def test_appkit_makes_no_translucent_colour_stronger(self):
+        # The system's colours of labels are translucent; this sets their alpha, where it is meant
+        # to weaken them.
+        self.assertIn("secondaryLabelColor", source("appkit"))
+        self.assertNotIn("colorWithAlphaComponent", source("appkit"))
+
+    def test_appkit_takes_every_command_on_a_thumb(self):
+        thumb = re.search(r"@implementation TNWThumbView.*?@end", source("appkit"), re.DOTALL)
+        for method in ("doCommandBySelector:", "insertText:"):
+            self.assertIn(f"- (void){method}", thumb.group())
+
+    def test_both_draw_a_ground_under_the_preview(self):
+        self.assertRegex(source("appkit"), r"groundUnder\(strip\)")
+        self.assertIn("fillColor", source("appkit"))
+        preview = re.search(r"void DisplayModePreviewWidget::paintEvent.*?^}", source("qt"),
+                            re.DOTALL | re.M)
+        self.assertIn("drawRoundedRect", preview.group())
+
 
 if __name__ == "__main__":
     unittest.main()

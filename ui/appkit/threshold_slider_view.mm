@@ -55,6 +55,17 @@ constexpr CGFloat kDot = 8;
     [self interpretKeyEvents:@[ event ]];
 }
 
+/// Other commands do nothing; unhandled ones would beep.
+- (void)doCommandBySelector:(SEL)selector {
+    if ([self respondsToSelector:selector]) {
+        [super doCommandBySelector:selector];
+    }
+}
+
+- (void)insertText:(id)text {
+    (void)text;
+}
+
 - (void)valueChanged {
     _changed();
     NSAccessibilityPostNotification(self, NSAccessibilityValueChangedNotification);
@@ -173,8 +184,7 @@ constexpr CGFloat kDot = 8;
     NSBezierPath* capsule = [NSBezierPath bezierPathWithRoundedRect:track
                                                             xRadius:Slider::kTrackHeight / 2
                                                             yRadius:Slider::kTrackHeight / 2];
-    [[NSColor.secondaryLabelColor colorWithAlphaComponent:Slider::kTrackOpacity] setFill];
-    [capsule fill];
+    tarnwick::appkit::fillFaintly(capsule, NSColor.secondaryLabelColor, Slider::kTrackOpacity);
 
     [NSGraphicsContext saveGraphicsState];
     [capsule addClip];
