@@ -13,6 +13,7 @@ GIVEN_BY = {
     ("UsageBar", "value"): "fraction",
     ("TrendRow", "values"): "sparkline",
     ("TrendRow", "color"): "sparkline",
+    ("TrendRow", "times"): "toolTip",
     ("TopAppsSection", "processes"): "rows",
     ("TopAppsSection", "valueText"): "rows",
     ("TopAppsList", "processes"): "rows",
@@ -26,7 +27,7 @@ PROGRAMS = {"qt": "app/main_linux.cpp", "appkit": "app/main_macos.mm"}
 # What the portable code decides and every front has to ask for, besides the values.
 DECISIONS = [
     # Marks beside the colours, and what a screen reader says.
-    "levelMark", "spokenText", "accessibilityLabel", "accessibilityValue", "kAccessibilityLabel",
+    "levelMark", "spokenText", "toolTip", "accessibilityLabel", "accessibilityValue", "kAccessibilityLabel",
     "kAccessibilityHelp",
     # Rows that keep their places under the pointer.
     "heldOrder",

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "ui/appkit/panel_views.h"
+#include "ui/appkit/style.h"
 
 namespace {
 
@@ -63,7 +64,11 @@ struct Row {
     std::vector<Row> rows;
     for (const tarnwick::PageItem& item : page) {
         NSView<TNWBlockView>* view = [self takeViewOf:item];
-        rows.push_back({item, view != nil ? view : [self makeViewOf:item]});
+        view = view != nil ? view : [self makeViewOf:item];
+        NSString* toolTip = item.toolTip.empty() ? nil : tarnwick::appkit::string(item.toolTip);
+        view.toolTip = toolTip;
+        view.accessibilityHelp = toolTip;
+        rows.push_back({item, view});
     }
     for (const Row& gone : _rows) {
         [gone.view removeFromSuperview];

@@ -150,6 +150,13 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
         [_rowViews[i] setContent:contents[i]];
         _rowViews[i].accessibilityElement = !contents[i].leading.text.empty();
         _rowViews[i].accessibilityLabel = spokenRow(contents[i]);
+        NSString* toolTip =
+            i < _order.size() && _order[i]
+                ? tarnwick::appkit::string(
+                      tarnwick::ProcessRow{*_order[i], _rows.front().valueText}.toolTip())
+                : nil;
+        _rowViews[i].toolTip = toolTip;
+        _rowViews[i].accessibilityHelp = toolTip;
     }
 }
 

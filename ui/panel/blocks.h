@@ -5,6 +5,7 @@
 
 #include <cmath>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "core/records/metric_records.h"
 #include "core/records/tint.h"
 #include "ui/panel/sparkline_view.h"
+#include "ui/panel/tool_tips.h"
 
 namespace tarnwick {
 
@@ -172,10 +174,20 @@ struct TrendRow {
     std::string value;
     std::vector<double> values;
     Tint color = Tint::green;
+    /// When each of the values was measured, seconds of any clock. Only told in tool tips, so rows
+    /// that differ in nothing else are equal.
+    std::vector<double> times{};
 
-    bool operator==(const TrendRow&) const = default;
+    bool operator==(const TrendRow& other) const {
+        return title == other.title && value == other.value && values == other.values &&
+               color == other.color;
+    }
 
     SparklineView sparkline() const { return {values, color}; }
+    /// With `share` that of a place on the sparkline, 0 at its left end and 1 at its right end.
+    std::string toolTip(std::optional<double> share = std::nullopt) const {
+        return trendToolTip(values, times, share);
+    }
 };
 
 /// Makes the text that a list shows for a process at the trailing side.
@@ -191,6 +203,8 @@ struct ProcessRow {
     bool operator==(const ProcessRow& other) const {
         return process == other.process && valueText(process) == other.valueText(other.process);
     }
+
+    std::string toolTip() const { return processToolTip(process); }
 };
 
 /// A list of processes without a title: a row for each, in list order.

@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/button_widget.h"
 
-#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
-#include <QToolTip>
 #include <QtMath>
 #include <utility>
 
@@ -13,6 +11,7 @@
 #include "ui/qt/click_by_return.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/symbols.h"
+#include "ui/qt/tool_tip.h"
 
 namespace tarnwick::qt {
 
@@ -168,7 +167,7 @@ bool ButtonWidget::event(QEvent* event) {
     }
     const QString title = QString::fromStdString(button_.title);
     if (kind_ == ButtonKind::icon || style().width(title) > titleRoom()) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), title, this);
+        showToolTip(*this, rect(), title, theme_);
     }
     return true;
 }

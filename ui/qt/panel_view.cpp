@@ -61,6 +61,7 @@ std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
             widget->setAccessibleName(spoken);
             announceDescription(*widget);
         }
+        widget->setToolTipText(item.toolTip);
         rows.push_back({item, widget});
     }
     for (const Row& left : rows_) {

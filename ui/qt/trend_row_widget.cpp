@@ -94,6 +94,15 @@ QString TrendRowWidget::cutTextAt(const QPoint& position) const {
     return cut.join('\n');
 }
 
+// Over the sparkline also the value below the pointer.
+QString TrendRowWidget::toolTipAt(const QPoint& position) const {
+    const int left = width() - TrendRow::kSparklineWidth;
+    return QString::fromStdString(position.x() < left
+                                      ? value().toolTip()
+                                      : value().toolTip(static_cast<double>(position.x() - left) /
+                                                        TrendRow::kSparklineWidth));
+}
+
 void paintSparkline(QPainter& painter, const SparklineView& sparkline, const Theme& theme,
                     const QRectF& frame) {
     painter.setRenderHint(QPainter::Antialiasing);

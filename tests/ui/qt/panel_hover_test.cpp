@@ -3,7 +3,6 @@
 #include <QHelpEvent>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QToolTip>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
@@ -20,6 +19,7 @@
 #include "ui/panel/held_order.h"
 #include "ui/panel/motion.h"
 #include "ui/qt/panel_view.h"
+#include "ui/qt/tool_tip.h"
 #include "ui/qt/top_apps_widget.h"
 
 namespace tarnwick::qt {
@@ -260,8 +260,8 @@ TEST_F(PanelHoverTest, ASummaryThatHasToWaitForItsRoomIsCutWithAToolTip) {
     const QPoint position(5, header->height() - 3);
     QHelpEvent help(QEvent::ToolTip, position, header->mapToGlobal(position));
     QApplication::sendEvent(header, &help);
-    EXPECT_TRUE(QToolTip::text().contains(all)) << QToolTip::text().toStdString();
-    QToolTip::hideText();
+    EXPECT_TRUE(shownToolTip().contains(all)) << shownToolTip().toStdString();
+    hideToolTip();
 }
 
 TEST_F(PanelHoverTest, LinesThatComeAndGoUnderAPointerThatNobodyHasToldOfYetAreShown) {

@@ -145,18 +145,75 @@ TEST_F(PanelViewTest, CutTextsAreWholeInTheToolTip) {
     EXPECT_FALSE(toolTip(find("bar.storage")).contains("494.38 GB"));
 }
 
-TEST_F(PanelViewTest, TextsThatFitHaveNoToolTip) {
+TEST_F(PanelViewTest, TextsThatFitAndHaveNothingToAddHaveNoToolTip) {
     show(testing::calmMachine());
-    for (const char* id : {"bar.storage", "uptime", "battery.cycles", "battery"}) {
+    for (const char* id : {"uptime", "thermals", "battery.cycles"}) {
         EXPECT_EQ(toolTip(find(id)), "") << id;
     }
+}
+
+TEST_F(PanelViewTest, WhatIsMeasuredAndNotShownIsInTheToolTip) {
+    HomePageInputs inputs = testing::calmMachine();
+    inputs.cpuInfo.userPercentage = 30;
+    inputs.cpuInfo.systemPercentage = 12.5;
+    inputs.cpuInfo.coreUsages = {50, 34};
+    show(inputs);
+    EXPECT_EQ(toolTip(find("bar.cpu")), "User 30.0%, system 12.5%, cores 50% 34%");
+    EXPECT_TRUE(find("bar.cpu")->accessibleDescription().startsWith("User 30.0%"));
+    EXPECT_TRUE(QAccessible::queryAccessibleInterface(find("bar.cpu"))
+                    ->text(QAccessible::Description)
+                    .endsWith(". User 30.0%, system 12.5%, cores 50% 34%"));
+    // The figures of the next page.
+    inputs.cpuInfo.coreUsages = {51, 33};
+    show(inputs);
+    EXPECT_EQ(toolTip(find("bar.cpu")), "User 30.0%, system 12.5%, cores 51% 33%");
+    hideToolTip();
+}
+
+TEST_F(PanelViewTest, AToolTipStandsBelowWhatItTellsOf) {
+    show(testing::calmMachine());
+    ASSERT_FALSE(toolTip(find("bar.memory")).isEmpty());
+    QWidget* shown = nullptr;
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+        shown = each->objectName() == "toolTip" && each->isVisible() ? each : shown;
+    }
+    ASSERT_NE(shown, nullptr);
+    const QRect bar(find("bar.memory")->mapToGlobal(QPoint()), find("bar.memory")->size());
+    EXPECT_EQ(shown->geometry().topLeft(), bar.bottomLeft() + QPoint(0, 5));
+    // In the program's own colours, also with a long text inside.
+    const QImage image = shown->grab().toImage();
+    EXPECT_EQ(image.pixelColor(image.width() / 2, 3), theme.color(ColorRole::card));
+    // Whatever is pressed, it goes.
+    press(&view, Qt::Key_A);
+    EXPECT_EQ(shownToolTip(), "");
+    settle();
+}
+
+TEST_F(PanelViewTest, TheToolTipOfATrendTellsTheValueBelowThePointer) {
+    PerformanceDetailInputs inputs;
+    inputs.cpuUsageHistory = {UsageSample{{}, 100, 10}, UsageSample{{}, 102, 90},
+                              UsageSample{{}, 104, 40}};
+    show(inputs);
+    QWidget* trend = find("trend.cpu");
+    const auto at = [&](int x) {
+        hideToolTip();
+        const QPoint position(x, trend->height() / 2);
+        QHelpEvent help(QEvent::ToolTip, position, trend->mapToGlobal(position));
+        QApplication::sendEvent(trend, &help);
+        return shownToolTip();
+    };
+    EXPECT_EQ(at(5), "Lowest 10%, highest 90%");
+    EXPECT_EQ(at(trend->width() - 120), "10% 4 s ago, lowest 10%, highest 90%");
+    EXPECT_EQ(at(trend->width() - 60), "90% 2 s ago, lowest 10%, highest 90%");
+    EXPECT_EQ(at(trend->width() - 1), "40% now, lowest 10%, highest 90%");
+    hideToolTip();
 }
 
 TEST_F(PanelViewTest, NamesAreNeverMarkup) {
     HomePageInputs inputs = testing::calmMachine();
     inputs.storageInfo.front().name = "<b>bold</b> and a name that is too long to be shown whole";
     show(inputs);
-    EXPECT_TRUE(toolTip(find("bar.storage")).contains("&lt;b&gt;bold&lt;/b&gt;"));
+    EXPECT_TRUE(toolTip(find("bar.storage")).contains("<b>bold</b>"));
 }
 
 TEST_F(PanelViewTest, IconButtonsSayTheirNameInAToolTip) {
@@ -291,7 +348,8 @@ TEST_F(PanelViewTest, ATitleThatTheButtonsLeaveNoRoomIsCutAndWholeInTheToolTip) 
     const QPoint position(10, 10);
     QHelpEvent help(QEvent::ToolTip, position, header->mapToGlobal(position));
     QApplication::sendEvent(header, &help);
-    EXPECT_TRUE(QToolTip::text().contains("Tarnwick"));
+    EXPECT_TRUE(shownToolTip().contains("Tarnwick"));
+    hideToolTip();
     QApplication::setFont(old);
     settle();
 }
