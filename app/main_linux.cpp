@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The program on a Linux desktop: puts the machine, the toolkit and the shell together.
 #include <QApplication>
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QIcon>
 #include <QLoggingCategory>
@@ -272,7 +273,11 @@ PanelTargets Program::panelTargets() {
                     panel_.close();
                 },
             .openActivityMonitor = [this] { activityMonitor_.open(); },
-            .quit = [this] { quit(); }};
+            .quit = [this] { quit(); },
+            .copyText =
+                [](const std::string& text) {
+                    QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+                }};
 }
 
 platform::StatusItemActions Program::itemActions() {

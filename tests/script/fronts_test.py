@@ -27,7 +27,7 @@ PROGRAMS = {"qt": "app/main_linux.cpp", "appkit": "app/main_macos.mm"}
 # What the portable code decides and every front has to ask for, besides the values.
 DECISIONS = [
     # Marks beside the colours, and what a screen reader says.
-    "levelMark", "spokenText", "toolTip", "accessibilityLabel", "accessibilityValue", "kAccessibilityLabel",
+    "levelMark", "spokenText", "toolTip", "kPanelMenu", "copyText", "accessibilityLabel", "accessibilityValue", "kAccessibilityLabel",
     "kAccessibilityHelp",
     # Rows that keep their places under the pointer.
     "heldOrder",

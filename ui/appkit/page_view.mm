@@ -77,6 +77,27 @@ struct Row {
     [self placeViews];
 }
 
+- (NSMenu*)menuForEvent:(NSEvent*)event {
+    (void)event;
+    NSMenu* menu = [[NSMenu alloc] initWithTitle:@""];
+    for (const tarnwick::PanelMenuEntry& entry : tarnwick::kPanelMenu) {
+        NSMenuItem* item = [menu addItemWithTitle:tarnwick::appkit::string(entry.title)
+                                           action:@selector(menuChosen:)
+                                    keyEquivalent:@""];
+        item.target = self;
+        item.tag = tarnwick::appkit::tagOf(entry.action);
+    }
+    return menu;
+}
+
+- (void)menuChosen:(NSMenuItem*)item {
+    for (const tarnwick::PanelMenuEntry& entry : tarnwick::kPanelMenu) {
+        if (tarnwick::appkit::tagOf(entry.action) == item.tag) {
+            _environment.press(entry.action);
+        }
+    }
+}
+
 - (TNWPressButton*)buttonOf:(tarnwick::PanelAction)action {
     return [self viewWithTag:tarnwick::appkit::tagOf(action)];
 }

@@ -3,6 +3,7 @@
 // order the blocks stand; each front end draws each kind of block in one place.
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <functional>
 #include <optional>
@@ -29,7 +30,21 @@ enum class PanelAction {
     showPerformanceDetail,
     /// Leads back to the home page.
     goBack,
+    /// Puts the page that is shown onto the clipboard, as text.
+    copy,
 };
+
+/// An entry of the menu that a right click on the panel shows.
+struct PanelMenuEntry {
+    std::string_view title;
+    PanelAction action;
+};
+
+/// From top to bottom, on every page.
+inline constexpr std::array kPanelMenu = {PanelMenuEntry{"Copy", PanelAction::copy},
+                                          PanelMenuEntry{"Refresh", PanelAction::refresh},
+                                          PanelMenuEntry{"Settings", PanelAction::showSettings},
+                                          PanelMenuEntry{"Quit", PanelAction::quit}};
 
 /// In a panel's header a button shows its icon alone, and its title is its tool tip. Elsewhere the
 /// icon, if any, stands before the title. The title is always the accessible name.

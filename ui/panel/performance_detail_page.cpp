@@ -69,9 +69,10 @@ void addNetwork(PageBuilder& page, const NetworkInfo& network,
            totalToolTip("Received", network.totalReceivedBytes, formatter));
     addRow("network.upload", "Upload", network.uploadBytesPerSecond,
            totalToolTip("Sent", network.totalSentBytes, formatter));
-    addRow("network.total", "Total", network.downloadBytesPerSecond + network.uploadBytesPerSecond,
-           totalToolTip("Received and sent", saturatedSum(network.totalReceivedBytes, network.totalSentBytes),
-                        formatter));
+    addRow(
+        "network.total", "Total", network.downloadBytesPerSecond + network.uploadBytesPerSecond,
+        totalToolTip("Received and sent",
+                     saturatedSum(network.totalReceivedBytes, network.totalSentBytes), formatter));
 }
 
 }  // namespace

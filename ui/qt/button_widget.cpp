@@ -36,6 +36,8 @@ const char* nameOf(PanelAction action) {
             return "button.showPerformanceDetail";
         case PanelAction::goBack:
             return "button.goBack";
+        case PanelAction::copy:
+            return "button.copy";
     }
     return "";
 }

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/panel_view.h"
 
+#include <QContextMenuEvent>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <algorithm>
 #include <mutex>
 #include <utility>
@@ -209,6 +211,18 @@ void PanelView::changeEvent(QEvent* event) {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange) {
         placeWidgets(rows_.end());
     }
+}
+
+void PanelView::contextMenuEvent(QContextMenuEvent* event) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setObjectName("menu");
+    for (const PanelMenuEntry& entry : kPanelMenu) {
+        menu->addAction(
+            QString::fromUtf8(entry.title.data(), static_cast<qsizetype>(entry.title.size())), this,
+            [press = press_, action = entry.action] { press(action); });
+    }
+    menu->popup(event->globalPos());
 }
 
 // The view moves when the page is scrolled.

@@ -15,7 +15,6 @@ const testing::PlainByteCountFormatter formatter;
 
 constexpr std::uint64_t kTipGiB = 1ULL << 30;
 
-
 TEST(CPUToolTip, TellsSharesAndTheLoadOfEachCore) {
     CPUInfo cpu;
     EXPECT_EQ(cpuToolTip(cpu), "");

@@ -2,6 +2,7 @@
 #include "ui/qt/panel_view.h"
 
 #include <QApplication>
+#include <QMenu>
 #include <QPainter>
 #include <QtMath>
 #include <gmock/gmock.h>
@@ -237,6 +238,31 @@ TEST_F(PanelViewTest, ClicksAskForTheActionOfTheButton) {
                 ElementsAre(PanelAction::refresh, PanelAction::showSettings,
                             PanelAction::openActivityMonitor, PanelAction::quit,
                             PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail));
+}
+
+TEST_F(PanelViewTest, ARightClickShowsAMenu) {
+    show(testing::calmMachine());
+    const PanelAction actions[] = {PanelAction::copy, PanelAction::refresh,
+                                   PanelAction::showSettings, PanelAction::quit};
+    const char* titles[] = {"Copy", "Refresh", "Settings", "Quit"};
+    for (int entry = 0; entry < 4; ++entry) {
+        // Also over a block, and over a button.
+        QWidget* place = find(entry % 2 == 0 ? "bar.cpu" : "button.quit");
+        const QPoint position = place->rect().center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, position, place->mapToGlobal(position));
+        QApplication::sendEvent(place, &event);
+        settle();
+        auto* menu = view.findChild<QMenu*>("menu");
+        ASSERT_NE(menu, nullptr);
+        EXPECT_TRUE(menu->isVisible());
+        ASSERT_EQ(menu->actions().size(), 4);
+        EXPECT_EQ(menu->actions()[entry]->text(), titles[entry]);
+        menu->actions()[entry]->trigger();
+        menu->close();
+        settle();
+        EXPECT_EQ(view.findChild<QMenu*>("menu"), nullptr);
+    }
+    EXPECT_THAT(pressed, ::testing::ElementsAreArray(actions));
 }
 
 TEST_F(PanelViewTest, DisabledButtonsAreThereAndDoNothing) {
