@@ -194,6 +194,14 @@ constexpr CGFloat kDot = 8;
     [self fill:&track width:segments.red color:color(Tint::red)];
     [NSGraphicsContext restoreGraphicsState];
 
+    [NSColor.secondaryLabelColor setFill];
+    for (const double tick : _slider->ticks(size.width)) {
+        NSRectFill(NSMakeRect(
+            std::round(tick) - 0.5,
+            size.height / 2 - Slider::kTrackHeight / 2 - Slider::kTickGap - Slider::kTickHeight, 1,
+            Slider::kTickHeight));
+    }
+
     // The dragged thumb is drawn above the other one.
     if (_slider->isDraggingNormal()) {
         [self drawThumb:Thumb::high color:color(Tint::red)];

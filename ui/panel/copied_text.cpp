@@ -27,9 +27,7 @@ struct Copier {
         }
     }
 
-    void operator()(const PanelHeader& header) {
-        lines = {header.title, header.summary};
-    }
+    void operator()(const PanelHeader& header) { lines = {header.title, header.summary}; }
     void operator()(const StatusRow& row) { pair(row.title, row.value); }
     void operator()(const NoticeRow& row) { lines.push_back(row.text); }
     void operator()(const UsageBar& bar) { pair(bar.title, bar.detail); }

@@ -34,6 +34,9 @@ class BlockWidget : public QWidget {
     /// Pixels by which the drawing may reach beyond that height, both above and below. The widget
     /// is higher by this much on both sides. Less than the space to its neighbours.
     virtual int overhang() const { return 0; }
+    /// Pixels by which the drawing reaches beyond the column's edges: the widget is wider by this
+    /// much on both sides.
+    virtual int sideOverhang() const { return 0; }
     virtual QAccessible::Role accessibleRole() const { return QAccessible::StaticText; }
     /// True while the pointer is over something that must not move.
     virtual bool isHeld() const { return false; }

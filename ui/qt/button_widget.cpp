@@ -120,7 +120,7 @@ qreal ButtonWidget::titleX() const {
     if (kind_ != ButtonKind::link) {
         return grid::kButtonPaddingX;
     }
-    return button_.icon.empty() ? 0 : grid::kSymbolSize + grid::kLinkGap;
+    return button_.icon.empty() ? 0 : grid::kSymbolSize - grid::kLinkSymbolEdge + grid::kLinkGap;
 }
 
 qreal ButtonWidget::titleRoom() const {
@@ -153,7 +153,8 @@ void ButtonWidget::paintEvent(QPaintEvent*) {
     style().draw(painter, QPointF(titleX(), baseline),
                  style().elided(QString::fromStdString(button_.title), titleRoom()), foreground());
     if (kind_ == ButtonKind::link && !button_.icon.empty()) {
-        paintSymbol(painter, button_.icon, foreground(), QPointF(0, symbolY), grid::kSymbolSize);
+        paintSymbol(painter, button_.icon, foreground(), QPointF(-grid::kLinkSymbolEdge, symbolY),
+                    grid::kSymbolSize);
     }
     if (kind_ == ButtonKind::navigation) {
         paintSymbol(painter, NavigationButton::kTrailingIcon,

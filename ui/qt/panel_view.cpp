@@ -155,7 +155,9 @@ void PanelView::placeWidgets(Rows::iterator held) {
         }
         // Placed before it is shown: otherwise the widget would first appear in the corner and
         // could take a pointer there for one above itself.
-        widget.setGeometry(grid::kPadding, y - overhang, width, height + 2 * overhang);
+        const int side = widget.sideOverhang();
+        widget.setGeometry(grid::kPadding - side, y - overhang, width + 2 * side,
+                           height + 2 * overhang);
         widget.show();
         y += height;
     }

@@ -2,6 +2,7 @@
 #include "ui/qt/settings_cards.h"
 
 #include <QHBoxLayout>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 #include <QtMath>
@@ -52,6 +53,16 @@ SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
     column()->addLayout(line);
     connect(switch_, &QAbstractButton::clicked, this, [toggle = std::move(toggle)] { toggle(); });
     setRow(row);
+}
+
+void SwitchCardWidget::mousePressEvent(QMouseEvent* event) {
+    event->setAccepted(event->button() == Qt::LeftButton);
+}
+
+void SwitchCardWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) {
+        switch_->click();
+    }
 }
 
 NoticeCardWidget::NoticeCardWidget(const Theme& theme, QWidget* parent)
@@ -209,6 +220,8 @@ ProgramCardWidget::ProgramCardWidget(const Theme& theme, const ProgramName& name
         new SettingsLabel(theme, FontRole::subheadline, ColorRole::text, this, name.version);
     version->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     version->setObjectName("version");
+    version->setAttribute(Qt::WA_TransparentForMouseEvents, false);
+    version->setTextInteractionFlags(Qt::TextSelectableByMouse);
     row->addWidget(version, 1);
     column()->addLayout(row);
 }

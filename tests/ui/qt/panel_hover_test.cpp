@@ -112,11 +112,6 @@ constexpr Change kChanges[] = {
          in.systemInfo.uptime = 604800;
          in.gpuInfo.isAvailable = false;
      }},
-    {"the summary takes a second line",
-     [](HomePageInputs& in) {
-         in.displaySummary.popoverText =
-             "A summary that says so much about so many things that it needs another line";
-     }},
     {"rows take the place of another",
      [](HomePageInputs& in) { in.batteryDetectionComplete = true; }},
 };
@@ -251,9 +246,11 @@ TEST_F(PanelHoverTest, APointerThatComesBackHoldsForAsLongAgain) {
     EXPECT_THAT(names(), ElementsAre("a", "b"));
 }
 
-TEST_F(PanelHoverTest, ASummaryThatHasToWaitForItsRoomIsCutWithAToolTip) {
+TEST_F(PanelHoverTest, ASummaryThatIsTooLongForItsRoomIsCutWithAToolTip) {
     movePointer(middleOfList());
-    const QString all = "A summary that says so much that it needs another line of its own";
+    const QString all =
+        "A summary that says so much that it needs another line of its own, and then goes on and "
+        "on until even that line is full and nobody reads it any more";
     inputs.displaySummary.popoverText = all.toStdString();
     show();
     auto* header = find("header");

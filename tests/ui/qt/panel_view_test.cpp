@@ -11,6 +11,7 @@
 #include "tests/ui/qt/paint_counter.h"
 #include "tests/ui/qt/panel_view_fixture.h"
 #include "ui/qt/button_widget.h"
+#include "ui/qt/grid.h"
 #include "ui/qt/row_content.h"
 #include "ui/qt/symbols.h"
 
@@ -114,8 +115,8 @@ TEST_F(PanelViewTest, LevelsAreToldApartByMoreThanTheirColour) {
     EXPECT_EQ(mark(Tint::red), "exclamationmark.triangle.fill");
     EXPECT_EQ(mark(Tint::gray), "");
 
-    // The same in a trend: what stands behind its figure.
-    const auto inkBehindFigure = [this](Tint tint) {
+    // The same in a trend: before its figure, too.
+    const auto inkBeforeFigure = [this](Tint tint) {
         view.setPage({{"trend", 0, TrendRow{"CPU", "42%", {1, 2}, tint}}});
         view.show();
         settle();
@@ -123,18 +124,31 @@ TEST_F(PanelViewTest, LevelsAreToldApartByMoreThanTheirColour) {
         QImage image(trend->size(), QImage::Format_RGB32);
         image.fill(theme.color(ColorRole::panel));
         trend->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
-        const int left = qCeil(theme.style(FontRole::captionMedium).width("42%")) + 3;
         int count = 0;
-        for (int x = left; x < left + 16; ++x) {
+        for (int x = 0; x < grid::kMarkSize; ++x) {
             for (int y = image.height() / 2; y < image.height(); ++y) {
-                count += image.pixel(x, y) != theme.color(ColorRole::panel).rgb() ? 1 : 0;
+                count += image.pixel(x, y) == theme.color(tint).rgb() ? 1 : 0;
             }
         }
         return count;
     };
-    EXPECT_EQ(inkBehindFigure(Tint::green), 0);
-    EXPECT_GT(inkBehindFigure(Tint::yellow), 40);
-    EXPECT_GT(inkBehindFigure(Tint::red), 40);
+    EXPECT_EQ(inkBeforeFigure(Tint::green), 0);
+    EXPECT_GT(inkBeforeFigure(Tint::yellow), 40);
+    EXPECT_GT(inkBeforeFigure(Tint::red), 40);
+}
+
+TEST_F(PanelViewTest, KeepsItsHeightWhicheverMetricTheSummaryIsAbout) {
+    HomePageInputs inputs = testing::calmMachine();
+    show(inputs);
+    const int height = view.height();
+    for (const char* summary : {"CPU usage is at 99%, above the high threshold.",
+                                "GPU usage is at 100%, above the normal threshold.",
+                                "Memory usage is at 100%, above the normal threshold.",
+                                "Storage usage is at 100%, above the normal threshold.", ""}) {
+        inputs.displaySummary.popoverText = summary;
+        show(inputs);
+        EXPECT_EQ(view.height(), height) << summary;
+    }
 }
 
 TEST_F(PanelViewTest, CutTextsAreWholeInTheToolTip) {

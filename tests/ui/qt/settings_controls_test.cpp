@@ -35,7 +35,7 @@ class SettingsControls : public SettingsWidgetFixture {
         const auto labels = card->findChildren<SettingsLabel*>();
         for (qsizetype i = 2; i < labels.size(); ++i) {
             if (labels[i]->isVisible()) {
-                texts.push_back(labels[i]->text().toStdString());
+                texts.push_back(labels[i]->accessibleName().toStdString());
             }
         }
         return texts;
@@ -115,6 +115,19 @@ TEST_F(SettingsControls, ASwitchIsPressed) {
     click(button("switch"));
     EXPECT_FALSE(settings.launchOnLogin());
     EXPECT_FALSE(button("switch")->isChecked());
+}
+
+TEST_F(SettingsControls, ASwitchIsPressedAnywhereOnItsCard) {
+    QWidget* card = find("switch")->parentWidget();
+    const bool before = settings.launchOnLogin();
+    mouse(card, QEvent::MouseButtonPress, QPointF(20, 20));
+    EXPECT_EQ(settings.launchOnLogin(), before);
+    mouse(card, QEvent::MouseButtonRelease, QPointF(20, 20));
+    EXPECT_NE(settings.launchOnLogin(), before);
+    // Let go outside, it is no press.
+    mouse(card, QEvent::MouseButtonPress, QPointF(20, 20));
+    mouse(card, QEvent::MouseButtonRelease, QPointF(20, -20));
+    EXPECT_NE(settings.launchOnLogin(), before);
 }
 
 TEST_F(SettingsControls, TwoPressesInOneTurnAreTwo) {
@@ -386,6 +399,8 @@ TEST_F(ShortcutFieldControl, EscapeCancels) {
     nativeKey(QEvent::KeyPress, 53, Qt::MetaModifier, Qt::Key_Escape);
     EXPECT_FALSE(field().isRecording());
     EXPECT_EQ(settings.shortcutKeyCode(), 37);
+    // The window that Escape closes otherwise stays.
+    EXPECT_TRUE(widget->isVisible());
 }
 
 TEST_F(ShortcutFieldControl, DeleteClears) {
