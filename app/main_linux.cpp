@@ -146,7 +146,7 @@ QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
 constexpr auto kShortcutTip =
     "⌘ + L locks the screen on many desktops. ⌘ + Shift + M and ⌘ + Control + M are usually free.";
 
-qt::SettingsContentEnvironment settingsEnvironment(platform::StatusItemNotice& itemNotice) {
+qt::SettingsContentEnvironment settingsEnvironment(platform::LinuxStatusItem& item) {
     const platform::Platform& platform = platform::current();
     return {.view = {.dispatch = *platform.dispatch,
                      .keyboardLayout = *platform.keyboardLayout,
@@ -155,8 +155,9 @@ qt::SettingsContentEnvironment settingsEnvironment(platform::StatusItemNotice& i
                          [](const std::string& address) {
                              QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
                          },
-                     .itemNotice = &itemNotice,
-                     .shortcutTip = kShortcutTip},
+                     .itemNotice = &item.notice(),
+                     .shortcutTip = kShortcutTip,
+                     .itemIsIconOnly = [&item] { return item.isIconOnly(); }},
             .keyCodes = platform::virtualKeyCode};
 }
 
@@ -225,8 +226,8 @@ Program::Program(QApplication& application, const platform::StartConditions& con
                    }),
       app_(TarnwickAppDesktop{item_, windows_,
                               [this](UserSettings& settings) {
-                                  return qt::makeSettingsContent(
-                                      settings, theme_, settingsEnvironment(item_.notice()));
+                                  return qt::makeSettingsContent(settings, theme_,
+                                                                 settingsEnvironment(item_));
                               }}),
       view_(app_.statsManager(), panelTargets()),
       panel_(view_, theme_, *platform::current().dispatch),

@@ -96,6 +96,7 @@ NSView* bodyOf(const DisplayModeCard& card) {
         [self setBody:bodyOf(*card)];
         self.accessibilityLabel = string(card->title());
         self.accessibilityHelp = string(card->description());
+        self.toolTip = card->toolTip.empty() ? nil : string(card->toolTip);
         self.accessibilityValue = @(card->isSelected());
         NSAccessibilityPostNotification(self, NSAccessibilityValueChangedNotification);
     }

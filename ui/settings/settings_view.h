@@ -33,6 +33,8 @@ struct SettingsViewEnvironment {
     platform::StatusItemNotice* itemNotice = nullptr;
     /// Combinations that are free on this system, in a sentence; empty for none.
     std::string shortcutTip{};
+    /// Whether the status item is shown without its text now; empty where it always has room.
+    std::function<bool()> itemIsIconOnly{};
 };
 
 /// Edits the settings directly: each change is stored before the control's function returns, so
