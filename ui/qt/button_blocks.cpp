@@ -57,8 +57,10 @@ template class ButtonBlockWidget<NavigationButton>;
 template class ButtonBlockWidget<DetailHeader>;
 template class ButtonBlockWidget<FooterRow>;
 
+// Only the column: what reaches beyond it would make the panel paint its edge and its shadow again.
 void PanelHeaderWidget::valueChanged() {
     showButtons(value().buttons, ButtonKind::icon);
+    update(sideOverhang(), 0, columnWidth(), height());
 }
 
 int PanelHeaderWidget::titleRowHeight() const {

@@ -45,6 +45,7 @@ class PanelHeaderWidget final : public ButtonBlockWidget<PanelHeader> {
 
  protected:
     void valueChanged() override;
+    bool paintsItself() const override { return false; }
     void paintEvent(QPaintEvent* event) override;
     void placeButtons() override;
     QString cutTextAt(const QPoint& position) const override;

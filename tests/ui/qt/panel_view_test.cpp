@@ -55,6 +55,17 @@ TEST_F(PanelViewTest, TheSamePageIsNotPaintedAgain) {
     EXPECT_THAT(counter.paints, IsEmpty());
 }
 
+TEST_F(PanelViewTest, AnotherSummaryIsPaintedInTheColumnAlone) {
+    HomePageInputs inputs = testing::calmMachine();
+    show(inputs);
+    inputs.displaySummary.popoverText = "Another one.";
+    PaintCounter counter;
+    show(inputs);
+    const QWidget* header = find("header");
+    EXPECT_EQ(counter.regions["header"].boundingRect().translated(header->pos()),
+              QRect(16, header->y(), 288, header->height()));
+}
+
 TEST_F(PanelViewTest, WidgetsOfItemsThatStayAreKept) {
     HomePageInputs inputs = testing::calmMachine();
     show(inputs);
