@@ -142,8 +142,9 @@ QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
     return qt::drawnSymbol(symbol, qt::Theme::color(tint, dark), pixels);
 }
 
-/// Checked with the default keys of GNOME 48, Plasma 6.3 and sway 1.10.
+/// The free combinations are checked with the default keys of GNOME 48, Plasma 6.3 and sway 1.10.
 constexpr auto kShortcutTip =
+    "⌘ is the Super key, which may show a window, and Option is the Alt key.\n"
     "⌘ + L locks the screen on many desktops. ⌘ + Shift + M and ⌘ + Control + M are usually free.";
 
 qt::SettingsContentEnvironment settingsEnvironment(platform::LinuxStatusItem& item) {

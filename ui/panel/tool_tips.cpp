@@ -98,7 +98,8 @@ std::string totalToolTip(std::string_view what, std::uint64_t bytes,
 }
 
 std::string processToolTip(const AppProcessInfo& process) {
-    return "Process " + std::to_string(process.id);
+    return "Process " + std::to_string(process.id) +
+           (process.command.empty() ? "" : ": " + process.command);
 }
 
 std::string trendToolTip(const std::vector<double>& values, const std::vector<double>& times,

@@ -30,6 +30,7 @@ std::uint64_t saturatedSum(std::uint64_t one, std::uint64_t other);
 /// "Received since the start: 1.2 GB".
 std::string totalToolTip(std::string_view what, std::uint64_t bytes,
                          const platform::ByteCountFormatter& formatter);
+/// Its number and, if known, its command.
 std::string processToolTip(const AppProcessInfo& process);
 
 /// A trend's lowest and highest value. With `share`, a place from 0 (its left end) to 1, the value

@@ -86,8 +86,7 @@ ShortcutCardWidget::ShortcutCardWidget(const Theme& theme, ShortcutField& field,
     : SettingsCardWidget(theme, parent) {
     column()->addWidget(new SettingsLabel(theme, FontRole::headline, ColorRole::text, this,
                                           ShortcutEditor::kTitle));
-    caption_ = makeCaption(theme, ShortcutEditor::kCaption, this);
-    column()->addWidget(caption_);
+    column()->addWidget(makeCaption(theme, ShortcutEditor::kCaption, this));
     field_ = new ShortcutFieldWidget(field, theme, std::move(keyCodes), this);
     clear_ =
         new SettingsButton(theme, SettingsButton::Kind::bordered, ShortcutEditor::kClear, this);
@@ -130,8 +129,14 @@ void ShortcutCardWidget::resizeEvent(QResizeEvent* event) {
 
 void ShortcutCardWidget::setEditor(const ShortcutEditor& editor) {
     field_->update();
-    caption_->setToolTip(fromUtf8(editor.tip));
     clear_->setVisible(editor.hasClear);
+    setToolTipText(fromUtf8(editor.tip));
+    // Screen readers have it with the recorder's own help.
+    const QString help = QString(ShortcutField::kAccessibilityHelp) +
+                         (editor.tip.empty() ? QString() : ' ' + fromUtf8(editor.tip));
+    if (field_->accessibleDescription() != help) {
+        field_->setAccessibleDescription(help);
+    }
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         const bool isThere = i < editor.lines.size();
         lines_[i].row->setVisible(isThere);

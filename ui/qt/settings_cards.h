@@ -72,7 +72,6 @@ class ShortcutCardWidget final : public SettingsCardWidget {
 
     Line makeLine();
 
-    SettingsLabel* caption_ = nullptr;
     ShortcutFieldWidget* field_ = nullptr;
     SettingsButton* clear_ = nullptr;
     std::array<Line, 2> lines_{};

@@ -77,8 +77,10 @@ TEST(TotalToolTip, TellsTheSumSinceTheStart) {
     EXPECT_EQ(saturatedSum(UINT64_MAX, 2), UINT64_MAX);
 }
 
-TEST(ProcessToolTip, TellsItsNumber) {
+TEST(ProcessToolTip, TellsItsNumberAndItsCommand) {
     EXPECT_EQ(processToolTip({.id = 4711, .name = "a"}), "Process 4711");
+    EXPECT_EQ(processToolTip({.id = 4711, .name = "a", .command = "/usr/bin/a -b c"}),
+              "Process 4711: /usr/bin/a -b c");
 }
 
 TEST(TrendToolTip, TellsItsRange) {

@@ -2,6 +2,7 @@
 // What the controls of the settings window do and show.
 #include <QAccessible>
 #include <QAccessibleInterface>
+#include <QHelpEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <functional>
@@ -14,6 +15,7 @@
 #include "ui/qt/settings_cards.h"
 #include "ui/qt/settings_mode_card.h"
 #include "ui/qt/shortcut_field_widget.h"
+#include "ui/qt/tool_tip.h"
 
 namespace tarnwick::qt {
 namespace {
@@ -300,6 +302,22 @@ class ShortcutFieldControl : public SettingsControls {
         catchUp();
     }
 };
+
+TEST_F(ShortcutFieldControl, TheCardTellsWhatTheKeysAreOnThisSystem) {
+    auto* card = dynamic_cast<ShortcutCardWidget*>(find("shortcut")->parentWidget());
+    ASSERT_NE(card, nullptr);
+    const auto tip = [&] {
+        hideToolTip();
+        QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), card->mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(card, &help);
+        return shownToolTip();
+    };
+    EXPECT_EQ(tip(), "");
+    card->setEditor({.field = {}, .tip = "⌘ is a key.", .hasClear = false, .lines = {}});
+    EXPECT_EQ(tip(), "⌘ is a key.");
+    EXPECT_TRUE(find("shortcut")->accessibleDescription().endsWith(". ⌘ is a key."));
+    hideToolTip();
+}
 
 TEST_F(ShortcutFieldControl, HasItsMeasuresAndItsWords) {
     EXPECT_EQ(find("shortcut")->width(), 220);
