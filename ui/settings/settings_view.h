@@ -31,8 +31,8 @@ struct SettingsViewEnvironment {
     bool keyboardNavigationEnabled = true;
     /// Shown above all else; null on systems where the item is always there.
     platform::StatusItemNotice* itemNotice = nullptr;
-    /// What the keys of a shortcut are on this system, and which combinations are free, a sentence a
-    /// line; empty for nothing.
+    /// What the keys of a shortcut are on this system, and which combinations are free, a sentence
+    /// a line; empty for nothing.
     std::string shortcutTip{};
     /// Whether the status item is shown without its text now; empty where it always has room.
     std::function<bool()> itemIsIconOnly{};
