@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The program on a Linux desktop: puts the machine, the toolkit and the shell together.
 #include <QApplication>
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QIcon>
 #include <QLoggingCategory>
@@ -141,11 +142,12 @@ QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
     return qt::drawnSymbol(symbol, qt::Theme::color(tint, dark), pixels);
 }
 
-/// Checked with the default keys of GNOME 48, Plasma 6.3 and sway 1.10.
+/// The free combinations are checked with the default keys of GNOME 48, Plasma 6.3 and sway 1.10.
 constexpr auto kShortcutTip =
+    "⌘ is the Super key, which may show a window, and Option is the Alt key.\n"
     "⌘ + L locks the screen on many desktops. ⌘ + Shift + M and ⌘ + Control + M are usually free.";
 
-qt::SettingsContentEnvironment settingsEnvironment(platform::StatusItemNotice& itemNotice) {
+qt::SettingsContentEnvironment settingsEnvironment(platform::LinuxStatusItem& item) {
     const platform::Platform& platform = platform::current();
     return {.view = {.dispatch = *platform.dispatch,
                      .keyboardLayout = *platform.keyboardLayout,
@@ -154,8 +156,9 @@ qt::SettingsContentEnvironment settingsEnvironment(platform::StatusItemNotice& i
                          [](const std::string& address) {
                              QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
                          },
-                     .itemNotice = &itemNotice,
-                     .shortcutTip = kShortcutTip},
+                     .itemNotice = &item.notice(),
+                     .shortcutTip = kShortcutTip,
+                     .itemIsIconOnly = [&item] { return item.isIconOnly(); }},
             .keyCodes = platform::virtualKeyCode};
 }
 
@@ -224,8 +227,8 @@ Program::Program(QApplication& application, const platform::StartConditions& con
                    }),
       app_(TarnwickAppDesktop{item_, windows_,
                               [this](UserSettings& settings) {
-                                  return qt::makeSettingsContent(
-                                      settings, theme_, settingsEnvironment(item_.notice()));
+                                  return qt::makeSettingsContent(settings, theme_,
+                                                                 settingsEnvironment(item_));
                               }}),
       view_(app_.statsManager(), panelTargets()),
       panel_(view_, theme_, *platform::current().dispatch),
@@ -272,7 +275,11 @@ PanelTargets Program::panelTargets() {
                     panel_.close();
                 },
             .openActivityMonitor = [this] { activityMonitor_.open(); },
-            .quit = [this] { quit(); }};
+            .quit = [this] { quit(); },
+            .copyText =
+                [](const std::string& text) {
+                    QGuiApplication::clipboard()->setText(QString::fromStdString(text));
+                }};
 }
 
 platform::StatusItemActions Program::itemActions() {

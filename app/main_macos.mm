@@ -8,6 +8,7 @@
 #include "ui/appkit/mac_status_item.h"
 #include "ui/appkit/panel_window.h"
 #include "ui/appkit/settings_window_view.h"
+#include "ui/appkit/style.h"
 #include "ui/appkit/titled_window.h"
 #include "ui/panel/menu_bar_view.h"
 
@@ -26,7 +27,8 @@ class Program {
                                   }}),
           view_(app_.statsManager(), {.showSettings = [this] { showSettings(); },
                                       .openActivityMonitor = platform::openActivityMonitor,
-                                      .quit = quit}),
+                                      .quit = quit,
+                                      .copyText = copyText}),
           panel_(view_, *platform::current().dispatch),
           wakeNotification_([this] { app_.machineDidWake(); }) {
         item_.setActions({.click =
@@ -53,6 +55,11 @@ class Program {
     void showSettings() {
         panel_.close();
         app_.showSettingsWindow();
+    }
+    static void copyText(const std::string& text) {
+        NSPasteboard* clipboard = NSPasteboard.generalPasteboard;
+        [clipboard clearContents];
+        [clipboard setString:appkit::string(text) forType:NSPasteboardTypeString];
     }
     static void quit() { [NSApplication.sharedApplication terminate:nil]; }
 

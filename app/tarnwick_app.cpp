@@ -72,6 +72,15 @@ void TarnwickApp::noticeShortcut() {
     const std::int64_t modifiers = environment_.settings.shortcutModifiers();
     const bool isOtherKey = std::exchange(shortcutKeyCode_, keyCode) != keyCode;
     const bool areOtherModifiers = std::exchange(shortcutModifiers_, modifiers) != modifiers;
+    const bool isRecording = environment_.settings.isRecordingShortcut();
+    const bool wasRecording = std::exchange(isRecordingShortcut_, isRecording);
+    if (isRecording) {
+        hotKeyService_->unregister();
+        return;
+    }
+    if (wasRecording && !isOtherKey && !areOtherModifiers) {
+        applyShortcut();
+    }
     // A change of either setting applies the shortcut. Applying it twice in a row does no harm.
     if (isOtherKey) {
         applyShortcut();
@@ -82,6 +91,9 @@ void TarnwickApp::noticeShortcut() {
 }
 
 void TarnwickApp::applyShortcut() {
+    if (isRecordingShortcut_) {
+        return;
+    }
     hotKeyService_->applyShortcut(environment_.settings);
 }
 

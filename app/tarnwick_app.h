@@ -74,6 +74,7 @@ class TarnwickApp {
  private:
     void showLabel();
     void noticeShortcut();
+    /// Does nothing while the user records a shortcut: the end of the recording applies it.
     void applyShortcut();
 
     platform::StatusItem& statusItem_;
@@ -88,6 +89,7 @@ class TarnwickApp {
     // The stored shortcut as it was at the last look.
     std::int64_t shortcutKeyCode_;
     std::int64_t shortcutModifiers_;
+    bool isRecordingShortcut_ = false;
     /// Rebuilds the label once per turn, after all fields of that turn were written.
     platform::NextTurn nextLabel_{environment_.stats.dispatch, [this] { showLabel(); }};
     /// Waits for the next turn, so that key and modifiers are both written before either is read.

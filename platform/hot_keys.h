@@ -16,6 +16,8 @@ inline constexpr std::int32_t kSuccess = 0;
 inline constexpr std::int32_t kExists = -9878;
 /// The event was not handled; it goes on to the next handler.
 inline constexpr std::int32_t kEventNotHandled = -9874;
+/// The desktop has not decided yet: it may be asking its user.
+inline constexpr std::int32_t kPending = 1;
 /// The system has no such operation.
 inline constexpr std::int32_t kUnimplemented = -4;
 }  // namespace hot_key_status
@@ -74,7 +76,7 @@ class HotKeys {
     virtual HandlerResult installEventHandler(HotKeyHandler handler) = 0;
 
     struct RegistrationResult {
-        /// kSuccess, kExists, or another number if it was refused for another reason.
+        /// kSuccess, kExists, kPending, or another number if it was refused for another reason.
         std::int32_t status = hot_key_status::kSuccess;
         /// Unregisters the hot key when destroyed (`UnregisterEventHotKey`); null on failure.
         std::unique_ptr<HotKeyHandle> handle{};

@@ -89,6 +89,11 @@ class ProcessTable : public ProcessFacts {
     virtual ProcessListing forEachProcess(const Visit& visit) = 0;
     /// `proc_pidpath`: any bytes but zero. Absent when there is no path or it may not be known.
     virtual std::optional<std::string> executablePath(std::int32_t identifier) = 0;
+    /// The command that the process was started with, its arguments separated by blanks: any bytes
+    /// but zero. The executable's path where the system does not tell it; empty when unknown.
+    virtual std::string commandLine(std::int32_t identifier) {
+        return executablePath(identifier).value_or(std::string());
+    }
     /// Releases what a walk keeps for the next one, such as open files. Call this if no walk is
     /// expected soon. The next walk works like the first one.
     virtual void releaseCaches() = 0;

@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "core/records/checked_math.h"
@@ -19,6 +21,8 @@ namespace {
 constexpr double kNanosecondsPerSecond = 1e9;
 /// Times of a process that are this old or older are forgotten; seconds.
 constexpr double kStaleAge = 60.0;
+/// Bytes; a longer command is cut.
+constexpr std::size_t kLongestCommand = 300;
 
 }  // namespace
 
@@ -47,6 +51,7 @@ TopProcessLists ProcessService::readTopProcesses(int limit) {
     }
     TopProcessLists lists{.cpu = topByCPU(samples, limit), .memory = topByMemory(samples, limit)};
     nameRows(lists);
+    addCommands(lists);
     const std::lock_guard guard(lock);
     previousTopLists = lists;
     return lists;
@@ -134,6 +139,29 @@ void ProcessService::nameRows(TopProcessLists& lists) {
                 known->second = applicationName(table_, row.id).value_or(row.name);
             }
             row.name = known->second;
+        }
+    }
+}
+
+void ProcessService::addCommands(TopProcessLists& lists) {
+    // Numbers of processes are used again; the name tells another process, as a rule.
+    std::map<std::pair<std::int32_t, std::string>, std::string> commands;
+    {
+        const std::lock_guard guard(lock);
+        for (const auto* list : {&previousTopLists.cpu, &previousTopLists.memory}) {
+            for (const AppProcessInfo& row : *list) {
+                commands[{row.id, row.name}] = row.command;
+            }
+        }
+    }
+    for (std::vector<AppProcessInfo>* list : {&lists.cpu, &lists.memory}) {
+        for (AppProcessInfo& row : *list) {
+            const auto [known, isNew] = commands.try_emplace({row.id, row.name});
+            if (isNew) {
+                known->second = platform::repairedUTF8(
+                    std::string_view(table_.commandLine(row.id)).substr(0, kLongestCommand));
+            }
+            row.command = known->second;
         }
     }
 }

@@ -67,6 +67,8 @@ class ProcessService {
     double percentage(const CPUTimes& previous, const CPUTimes& current);
     const Constants& constants();
     void nameRows(TopProcessLists& lists);
+    /// Adds the commands. Those of the last lists are kept, so that only newcomers are read.
+    void addCommands(TopProcessLists& lists);
 
     platform::ProcessTable& table_;
     platform::Kernel& kernel_;

@@ -98,6 +98,9 @@ HotKeyService::RegistrationState HotKeyService::registerShortcut(std::int64_t ke
     environment_.logger.info("Registering hot key: keyCode=" + std::to_string(code) +
                              " carbonMods=" + std::to_string(carbon));
     auto result = environment_.hotKeys.registerEventHotKey(code, carbon, kHotKeyID);
+    if (result.status == status::kPending) {
+        return RegistrationState::inactive;
+    }
     if (result.status != status::kSuccess) {
         environment_.logger.error("RegisterEventHotKey FAILED with status " +
                                   std::to_string(result.status));

@@ -46,8 +46,9 @@ class HotKeyService {
     ~HotKeyService();
 
     /// Registers a stored shortcut in place of the previous one. `inactive` if the shortcut is not
-    /// valid; `conflict` if the combination is already registered, by any program; `failed` after
-    /// any other refusal. A valid shortcut with a key code of more than 32 bits is a fatal error.
+    /// valid, or the desktop has not decided yet; `conflict` if the combination is already
+    /// registered, by any program; `failed` after any other refusal. A valid shortcut with a key
+    /// code of more than 32 bits is a fatal error.
     RegistrationState registerShortcut(std::int64_t keyCode, std::int64_t modifiers);
     /// Gives the hot key back; does nothing without one.
     void unregister();

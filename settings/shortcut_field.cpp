@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "settings/shortcut_field.h"
 
+#include <utility>
+
 #include "settings/key_codes.h"
 #include "settings/shortcut.h"
 
@@ -16,7 +18,7 @@ void ShortcutField::setShortcut(std::int64_t keyCode, std::int64_t modifiers) {
 }
 
 void ShortcutField::mouseDown() {
-    isRecording_ = true;
+    setRecording(true);
     if (makeFirstResponder) {
         makeFirstResponder();
     }
@@ -59,8 +61,14 @@ void ShortcutField::resignFirstResponder() {
     stopRecording();
 }
 
+void ShortcutField::setRecording(bool isRecording) {
+    if (std::exchange(isRecording_, isRecording) != isRecording && onRecordingChanged) {
+        onRecordingChanged();
+    }
+}
+
 void ShortcutField::record(std::int64_t keyCode, std::int64_t modifiers) {
-    isRecording_ = false;
+    setRecording(false);
     currentKeyCode_ = keyCode;
     currentModifiers_ = modifiers;
     if (onShortcutRecorded) {
@@ -71,7 +79,7 @@ void ShortcutField::record(std::int64_t keyCode, std::int64_t modifiers) {
 }
 
 void ShortcutField::stopRecording() {
-    isRecording_ = false;
+    setRecording(false);
     setMessage(std::nullopt);
     refresh();
 }

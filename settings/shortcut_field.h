@@ -43,6 +43,8 @@ class ShortcutField {
     std::function<void(std::int64_t keyCode, std::int64_t modifiers)> onShortcutRecorded;
     /// The message to show below the field; absent to show none.
     std::function<void(const std::optional<std::string>& message)> onValidationMessageChanged;
+    /// isRecording() has changed.
+    std::function<void()> onRecordingChanged;
     /// Gives the control the focus of its window.
     std::function<void()> makeFirstResponder;
     /// text() may have changed.
@@ -67,6 +69,7 @@ class ShortcutField {
     void resignFirstResponder();
 
  private:
+    void setRecording(bool isRecording);
     void record(std::int64_t keyCode, std::int64_t modifiers);
     void stopRecording();
     void setMessage(const std::optional<std::string>& message);

@@ -255,6 +255,11 @@ void UserSettings::setShortcutRegistrationState(RegistrationState state) {
     registrationState_ = state;
 }
 
+void UserSettings::setRecordingShortcut(bool isRecording) {
+    announceChange();
+    isRecordingShortcut_ = isRecording;
+}
+
 bool UserSettings::hasPresentedInitialSettings() const {
     return read(store_, kHasPresentedInitialSettings);
 }

@@ -44,11 +44,11 @@ enum class RegistrationState {
     failed,
 };
 
-/// Every property except the registration state is read from and written to the store directly.
-/// Each write, even of an equal value, announces the change while the store still holds the old
-/// value. A missing value, one of the wrong type and one out of range read as the default; reading
-/// never writes. A change of the store from outside is announced, too, and a changed start-at-login
-/// preference is brought to the system. Main thread only.
+/// Every property except those that live in memory only is read from and written to the store
+/// directly. Each write, even of an equal value, announces the change while the store still holds
+/// the old value. A missing value, one of the wrong type and one out of range read as the default;
+/// reading never writes. A change of the store from outside is announced, too, and a changed
+/// start-at-login preference is brought to the system. Main thread only.
 class UserSettings final : public ObservableObject {
  public:
     /// Migrates a legacy shortcut, then sets the start-at-login preference to the state that the
@@ -109,6 +109,11 @@ class UserSettings final : public ObservableObject {
     RegistrationState shortcutRegistrationState() const { return registrationState_; }
     void setShortcutRegistrationState(RegistrationState state);
 
+    /// Whether the user is recording a shortcut now. Then none is registered, so that the recorder
+    /// also hears the keys of the stored one. Lives in memory only.
+    bool isRecordingShortcut() const { return isRecordingShortcut_; }
+    void setRecordingShortcut(bool isRecording);
+
     /// Whether the settings window of the first launch has been shown; stays true from then on.
     bool hasPresentedInitialSettings() const;
     void setHasPresentedInitialSettings(bool presented);
@@ -133,6 +138,7 @@ class UserSettings final : public ObservableObject {
     platform::LoginService& loginService_;
     platform::Logger logger_;
     RegistrationState registrationState_ = RegistrationState::inactive;
+    bool isRecordingShortcut_ = false;
     /// As the system was last told, or has told.
     bool settledLaunchOnLogin_ = false;
     bool isSettled_ = false;

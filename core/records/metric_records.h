@@ -170,6 +170,8 @@ struct AppProcessInfo {
     double cpuUsage = 0;
     /// Resident memory, bytes.
     std::uint64_t memoryUsage = 0;
+    /// The command that it was started with, cut if it is long; empty when unknown.
+    std::string command{};
 
     bool operator==(const AppProcessInfo&) const = default;
 };

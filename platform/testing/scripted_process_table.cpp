@@ -72,6 +72,12 @@ std::optional<RunningApplication> ScriptedProcessTable::runningApplication(
     return found(applications, identifier);
 }
 
+std::string ScriptedProcessTable::commandLine(std::int32_t identifier) {
+    ++commandLineReads;
+    const auto found = commandLines.find(identifier);
+    return found == commandLines.end() ? std::string() : found->second;
+}
+
 std::optional<std::string> ScriptedProcessTable::executablePath(std::int32_t identifier) {
     record("executablePath " + std::to_string(identifier));
     return found(paths, identifier);

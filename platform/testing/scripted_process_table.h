@@ -2,6 +2,7 @@
 // A process table with answers from a test.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -50,6 +51,10 @@ class ScriptedProcessTable final : public ProcessTable {
     std::optional<TimebaseInfo> timebaseInfo() override;
     std::optional<RunningApplication> runningApplication(std::int32_t identifier) override;
     std::optional<std::string> executablePath(std::int32_t identifier) override;
+    /// From `commandLines`; counted in `commandLineReads` and not recorded.
+    std::string commandLine(std::int32_t identifier) override;
+    std::map<std::int32_t, std::string> commandLines;
+    std::atomic<int> commandLineReads = 0;
     std::string displayName(const std::string& path) override;
     void releaseCaches() override;
 

@@ -410,6 +410,44 @@ TEST_F(TarnwickAppTest, GivesTheShortcutBackAndHearsNothingMoreOnceItHasGone) {
     EXPECT_EQ(item.clicks, 0);
 }
 
+TEST_F(TarnwickAppTest, WhileAShortcutIsRecordedNoneIsHeld) {
+    const auto app = makeAppWithShortcut();
+    settings.setRecordingShortcut(true);
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.held(), IsEmpty());
+    // What it has to say meanwhile is said as before.
+    EXPECT_EQ(settings.shortcutRegistrationState(), RegistrationState::active);
+    hotKeys.changeRegistration();
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister"));
+    settings.setRecordingShortcut(false);
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister", "register 37 256"));
+    EXPECT_THAT(hotKeys.held(), SizeIs(1));
+}
+
+TEST_F(TarnwickAppTest, WhatWasRecordedIsRegisteredAndNotTheShortcutBeforeIt) {
+    const auto app = makeAppWithShortcut();
+    settings.setRecordingShortcut(true);
+    dispatch.runMain();
+    // In the order in which the recorder tells.
+    settings.setRecordingShortcut(false);
+    settings.setShortcutKeyCode(40);
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister", "register 40 256"));
+}
+
+TEST_F(TarnwickAppTest, ASettingsFileThatChangesWhileAShortcutIsRecordedAppliesAfterwards) {
+    const auto app = makeAppWithShortcut();
+    settings.setRecordingShortcut(true);
+    settings.setShortcutKeyCode(40);
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.held(), IsEmpty());
+    settings.setRecordingShortcut(false);
+    dispatch.runMain();
+    EXPECT_THAT(hotKeys.calls.all(), ElementsAre("unregister", "register 40 256"));
+}
+
 // The settings window and the first launch.
 
 TEST_F(TarnwickAppTest, TheSettingsWindowEditsTheSettingsOfTheApplication) {

@@ -35,7 +35,7 @@ HIGH_MEMORY = {key: value for card, keys in THRESHOLDS.items() for (key, _), val
 # percent.
 HELD = 0.04
 # The colour of the recorder's outline while it records.
-_RECORDING = (0x0A, 0x6A, 0xE6)
+_RECORDING = (0x08, 0x5F, 0xD0)
 # Diameter of a thumb. Its centre moves from one end of the track to the other.
 _THUMB = 20
 _FOLLOW_LINK = """\

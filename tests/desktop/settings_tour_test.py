@@ -27,6 +27,12 @@ class SettingsTourTest(SettingsTourCase):
         self.desktop.screen.open_window()
         self.until(lambda: not self.is_focused(*RECORDER), "another program has the keyboard")
         self.assert_toggles_panel("Super_L", "k")
+        # Also the one that is active can be pressed in the recorder, and stays active.
+        self.choose_settings(self.program)
+        self.record_by_mouse("Super_L", "k")
+        self.assert_recorder_reads("⌘K")
+        self.assert_closed(self.program)
+        self.assert_toggles_panel("Super_L", "k")
         # What is rejected says why, and takes nothing away.
         self.choose_settings(self.program)
         self.record_by_mouse("j")

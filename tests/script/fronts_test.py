@@ -13,6 +13,7 @@ GIVEN_BY = {
     ("UsageBar", "value"): "fraction",
     ("TrendRow", "values"): "sparkline",
     ("TrendRow", "color"): "sparkline",
+    ("TrendRow", "times"): "toolTip",
     ("TopAppsSection", "processes"): "rows",
     ("TopAppsSection", "valueText"): "rows",
     ("TopAppsList", "processes"): "rows",
@@ -26,7 +27,7 @@ PROGRAMS = {"qt": "app/main_linux.cpp", "appkit": "app/main_macos.mm"}
 # What the portable code decides and every front has to ask for, besides the values.
 DECISIONS = [
     # Marks beside the colours, and what a screen reader says.
-    "levelMark", "spokenText", "accessibilityLabel", "accessibilityValue", "kAccessibilityLabel",
+    "levelMark", "spokenText", "toolTip", "kPanelMenu", "copyText", "accessibilityLabel", "accessibilityValue", "kAccessibilityLabel",
     "kAccessibilityHelp",
     # Rows that keep their places under the pointer.
     "heldOrder",
@@ -145,6 +146,24 @@ class Fronts(unittest.TestCase):
             for name in DECISIONS:
                 with self.subTest(front=front, decision=name):
                     self.assertTrue(re.search(rf"\b{name}\b", text), "is not asked for")
+
+    def test_appkit_makes_no_translucent_colour_stronger(self):
+        # The system's colours of labels are translucent; this sets their alpha, where it is meant
+        # to weaken them.
+        self.assertIn("secondaryLabelColor", source("appkit"))
+        self.assertNotIn("colorWithAlphaComponent", source("appkit"))
+
+    def test_appkit_takes_every_command_on_a_thumb(self):
+        thumb = re.search(r"@implementation TNWThumbView.*?@end", source("appkit"), re.DOTALL)
+        for method in ("doCommandBySelector:", "insertText:"):
+            self.assertIn(f"- (void){method}", thumb.group())
+
+    def test_both_draw_a_ground_under_the_preview(self):
+        self.assertRegex(source("appkit"), r"groundUnder\(strip\)")
+        self.assertIn("fillColor", source("appkit"))
+        preview = re.search(r"void DisplayModePreviewWidget::paintEvent.*?^}", source("qt"),
+                            re.DOTALL | re.M)
+        self.assertIn("drawRoundedRect", preview.group())
 
 
 if __name__ == "__main__":

@@ -42,6 +42,26 @@ class ProcessServiceNames : public testing::Test {
     ProcessService service{table, kernel};
 };
 
+TEST_F(ProcessServiceNames, ARowHasItsCommandWhichIsReadOnce) {
+    table.commandLines = {{1, "/usr/bin/one -a"}, {2, std::string(5000, 'x')}, {3, "s\xFF"}};
+    TopProcessLists lists = service.readTopProcesses(3);
+    EXPECT_EQ(table.commandLineReads, 3);
+    lists = service.readTopProcesses(3);
+    EXPECT_EQ(table.commandLineReads, 3);
+    for (const auto& list : {lists.cpu, lists.memory}) {
+        for (const AppProcessInfo& row : list) {
+            EXPECT_EQ(row.command, row.id == 1   ? "/usr/bin/one -a"
+                                   : row.id == 2 ? std::string(300, 'x')
+                                                 : "s\uFFFD");
+        }
+    }
+    // Another process of that number has another name.
+    table.processes[0].command = "uno";
+    table.commandLines[1] = "/usr/bin/uno";
+    lists = service.readTopProcesses(3);
+    EXPECT_EQ(table.commandLineReads, 4);
+}
+
 TEST_F(ProcessServiceNames, TheCPUListIsNamedBeforeTheMemoryListAndEachProcessOnce) {
     service.readTopProcesses(2);
     EXPECT_THAT(lookups(), ElementsAre("runningApplication 1", "runningApplication 2",

@@ -230,13 +230,22 @@ TEST_F(HotKeyServiceTest, IsInConflictWithWhoeverHoldsTheCombination) {
 }
 
 TEST_F(HotKeyServiceTest, FailsAfterAnyOtherRefusal) {
-    for (const std::int32_t status : {kRefused, kNotHandled, -9877, -9879, 1}) {
+    for (const std::int32_t status : {kRefused, kNotHandled, -9877, -9879, 2}) {
         hotKeys.registerStatus.queue(status);
         newLines();
         EXPECT_EQ(service->registerShortcut(kL, kCommand), RegistrationState::failed);
         EXPECT_EQ(newLines().back(),
                   RecordingLog::Line(LogLevel::error, "RegisterEventHotKey FAILED with status " +
                                                           std::to_string(status)));
+    }
+}
+
+TEST_F(HotKeyServiceTest, NothingHasFailedWhileTheDesktopAsksItsUser) {
+    hotKeys.registerStatus.queue(platform::hot_key_status::kPending);
+    EXPECT_EQ(apply(kL, kCommand), RegistrationState::inactive);
+    EXPECT_THAT(held(), IsEmpty());
+    for (const RecordingLog::Line& line : newLines()) {
+        EXPECT_EQ(line.first, LogLevel::info) << line.second;
     }
 }
 

@@ -100,6 +100,24 @@ TEST_F(ShortcutFieldTest, APressOfTheMouseStartsRecording) {
     EXPECT_EQ(field.currentKeyCode(), kL);
 }
 
+TEST_F(ShortcutFieldTest, TellsWhenARecordingBeginsAndEnds) {
+    std::vector<bool> told;
+    field.onRecordingChanged = [&] { told.push_back(field.isRecording()); };
+    field.mouseDown();
+    field.mouseDown();
+    EXPECT_THAT(told, ElementsAre(true));
+    field.keyDown(kK, kOption);
+    EXPECT_THAT(told, ElementsAre(true));
+    field.keyDown(kK, kCommand);
+    EXPECT_THAT(told, ElementsAre(true, false));
+    field.mouseDown();
+    field.keyDown(kEscape, 0);
+    field.mouseDown();
+    field.resignFirstResponder();
+    field.resignFirstResponder();
+    EXPECT_THAT(told, ElementsAre(true, false, true, false, true, false));
+}
+
 TEST_F(ShortcutFieldTest, ASecondPressOfTheMouseKeepsRecording) {
     startRecording();
     field.mouseDown();

@@ -118,8 +118,7 @@ constexpr CGFloat kOverhang =
     NSBezierPath* path = [NSBezierPath bezierPathWithRoundedRect:bar
                                                          xRadius:View::kPlaceholderCorner
                                                          yRadius:View::kPlaceholderCorner];
-    [[NSColor.secondaryLabelColor colorWithAlphaComponent:View::kPlaceholderOpacity] setFill];
-    [path fill];
+    tarnwick::appkit::fillFaintly(path, NSColor.secondaryLabelColor, View::kPlaceholderOpacity);
 }
 
 @end

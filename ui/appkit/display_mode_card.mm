@@ -16,6 +16,19 @@ using tarnwick::appkit::string;
 using tarnwick::appkit::symbolView;
 
 constexpr CGFloat kGap = 8;
+constexpr CGFloat kStripCorner = 8;
+
+/// The ground of a preview, like a piece of the menu bar.
+NSView* groundUnder(NSView* strip) {
+    NSBox* ground = [[NSBox alloc] initWithFrame:NSZeroRect];
+    ground.boxType = NSBoxCustom;
+    ground.borderWidth = 0;
+    ground.cornerRadius = kStripCorner;
+    ground.fillColor = NSColor.windowBackgroundColor;
+    ground.contentViewMargins = NSZeroSize;
+    ground.contentView = strip;
+    return ground;
+}
 
 NSView* previewOf(const DisplayModePreview& preview) {
     NSMutableArray<NSView*>* views = [NSMutableArray
@@ -29,8 +42,9 @@ NSView* previewOf(const DisplayModePreview& preview) {
     NSStackView* strip = [[NSStackView alloc] initWithFrame:NSZeroRect];
     strip.spacing = kGap;
     [strip setViews:views inGravity:NSStackViewGravityCenter];
-    [strip.heightAnchor constraintEqualToConstant:DisplayModePreview::kHeight].active = YES;
-    return strip;
+    NSView* ground = groundUnder(strip);
+    [ground.heightAnchor constraintEqualToConstant:DisplayModePreview::kHeight].active = YES;
+    return ground;
 }
 
 NSView* bodyOf(const DisplayModeCard& card) {
@@ -82,6 +96,7 @@ NSView* bodyOf(const DisplayModeCard& card) {
         [self setBody:bodyOf(*card)];
         self.accessibilityLabel = string(card->title());
         self.accessibilityHelp = string(card->description());
+        self.toolTip = card->toolTip.empty() ? nil : string(card->toolTip);
         self.accessibilityValue = @(card->isSelected());
         NSAccessibilityPostNotification(self, NSAccessibilityValueChangedNotification);
     }

@@ -52,6 +52,7 @@ constexpr CGFloat kMarkGap = 4;
     NSTextField* _value;
     NSImageView* _mark;
     TNWSparklineView* _line;
+    TrendRow _trend;
 }
 
 - (instancetype)initWithFrame:(NSRect)frame {
@@ -64,6 +65,10 @@ constexpr CGFloat kMarkGap = 4;
         _line = [[TNWSparklineView alloc] initWithFrame:NSZeroRect];
         [_line.widthAnchor constraintEqualToConstant:TrendRow::kSparklineWidth].active = YES;
         [_line.heightAnchor constraintEqualToConstant:TrendRow::kSparklineHeight].active = YES;
+        [_line
+            addToolTipRect:NSMakeRect(0, 0, TrendRow::kSparklineWidth, TrendRow::kSparklineHeight)
+                     owner:self
+                  userData:nullptr];
         NSStackView* texts = [[NSStackView alloc] initWithFrame:NSZeroRect];
         makeColumn(texts, @[ _title, blockRow(@[ _value, _mark ], @[], kMarkGap) ],
                    TrendRow::kTextSpacing);
@@ -81,11 +86,23 @@ constexpr CGFloat kMarkGap = 4;
     if (trend == nullptr) {
         return NO;
     }
+    _trend = *trend;
     _title.stringValue = tarnwick::appkit::string(trend->title);
     _value.stringValue = tarnwick::appkit::string(trend->value);
     tarnwick::appkit::showLevelMark(_mark, trend->color);
     [_line setSparkline:trend->sparkline()];
     return YES;
+}
+
+/// Over the line: the value there, too.
+- (NSString*)view:(NSView*)view
+    stringForToolTip:(NSToolTipTag)tag
+               point:(NSPoint)point
+            userData:(void*)data {
+    (void)view;
+    (void)tag;
+    (void)data;
+    return tarnwick::appkit::string(_trend.toolTip(point.x / TrendRow::kSparklineWidth));
 }
 
 @end

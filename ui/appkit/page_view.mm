@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "ui/appkit/panel_views.h"
+#include "ui/appkit/style.h"
 
 namespace {
 
@@ -63,13 +64,38 @@ struct Row {
     std::vector<Row> rows;
     for (const tarnwick::PageItem& item : page) {
         NSView<TNWBlockView>* view = [self takeViewOf:item];
-        rows.push_back({item, view != nil ? view : [self makeViewOf:item]});
+        view = view != nil ? view : [self makeViewOf:item];
+        NSString* toolTip = item.toolTip.empty() ? nil : tarnwick::appkit::string(item.toolTip);
+        view.toolTip = toolTip;
+        view.accessibilityHelp = toolTip;
+        rows.push_back({item, view});
     }
     for (const Row& gone : _rows) {
         [gone.view removeFromSuperview];
     }
     _rows = std::move(rows);
     [self placeViews];
+}
+
+- (NSMenu*)menuForEvent:(NSEvent*)event {
+    (void)event;
+    NSMenu* menu = [[NSMenu alloc] initWithTitle:@""];
+    for (const tarnwick::PanelMenuEntry& entry : tarnwick::kPanelMenu) {
+        NSMenuItem* item = [menu addItemWithTitle:tarnwick::appkit::string(entry.title)
+                                           action:@selector(menuChosen:)
+                                    keyEquivalent:@""];
+        item.target = self;
+        item.tag = tarnwick::appkit::tagOf(entry.action);
+    }
+    return menu;
+}
+
+- (void)menuChosen:(NSMenuItem*)item {
+    for (const tarnwick::PanelMenuEntry& entry : tarnwick::kPanelMenu) {
+        if (tarnwick::appkit::tagOf(entry.action) == item.tag) {
+            _environment.press(entry.action);
+        }
+    }
 }
 
 - (TNWPressButton*)buttonOf:(tarnwick::PanelAction)action {

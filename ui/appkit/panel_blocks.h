@@ -29,8 +29,8 @@
 @end
 
 /// A TopAppsSection or a TopAppsList. Once the pointer moves over it, processes keep their rows
-/// until the pointer leaves or has been at rest for kPagesAtRest + 1 pages. A pointer that is
-/// already there when the list appears holds nothing until it moves.
+/// until the pointer leaves, kLongestHold seconds at most. A pointer that is already there when the
+/// list appears holds nothing until it moves.
 @interface TNWProcessListView : NSStackView <TNWBlockView>
 /// `heightChanged` is called when rows come or go because the pointer has left.
 - (instancetype)initWithHeightChanged:(std::function<void()>)heightChanged;

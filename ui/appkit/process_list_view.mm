@@ -28,9 +28,10 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     std::vector<tarnwick::ProcessRow> _rows;
     /// From top to bottom, as shown.
     ProcessSlots _order;
-    /// Whether the pointer has moved over the rows, and how many pages came since its last move.
+    /// Whether the pointer has moved over the rows, and when it began to hold them: seconds since
+    /// the system started.
     BOOL _isHeld;
-    int _pagesAtRest;
+    NSTimeInterval _heldSince;
 }
 
 - (instancetype)initWithHeightChanged:(std::function<void()>)heightChanged {
@@ -65,7 +66,8 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     }
     const ProcessSlots latest = [self latestOrder];
     // isUnderPointer, because a resting pointer sends no event when the list moves away from it.
-    _isHeld = _isHeld && [self isUnderPointer] && _pagesAtRest++ <= tarnwick::kPagesAtRest;
+    _isHeld = _isHeld && [self isUnderPointer] &&
+              NSProcessInfo.processInfo.systemUptime - _heldSince < tarnwick::kLongestHold;
     _order =
         _isHeld && !latest.empty() ? tarnwick::heldOrder(_order, [self latestProcesses]) : latest;
     [self showRows];
@@ -94,9 +96,10 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
 }
 
 - (void)mouseMoved:(NSEvent*)event {
-    (void)event;
-    _isHeld = YES;
-    _pagesAtRest = 0;
+    if (!_isHeld) {
+        _isHeld = YES;
+        _heldSince = event.timestamp;
+    }
 }
 
 - (void)mouseExited:(NSEvent*)event {
@@ -147,6 +150,13 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
         [_rowViews[i] setContent:contents[i]];
         _rowViews[i].accessibilityElement = !contents[i].leading.text.empty();
         _rowViews[i].accessibilityLabel = spokenRow(contents[i]);
+        NSString* toolTip =
+            i < _order.size() && _order[i]
+                ? tarnwick::appkit::string(
+                      tarnwick::ProcessRow{*_order[i], _rows.front().valueText}.toolTip())
+                : nil;
+        _rowViews[i].toolTip = toolTip;
+        _rowViews[i].accessibilityHelp = toolTip;
     }
 }
 

@@ -87,4 +87,9 @@ NSScrollView* scrollViewOf(TNWSettingsPageView* page) {
     }
 }
 
+/// Escape, where nothing else uses it.
+- (void)cancelOperation:(id)sender {
+    [self.view.window performClose:sender];
+}
+
 @end

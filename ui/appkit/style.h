@@ -37,6 +37,9 @@ NSImageView* statusSymbolView(std::string_view name, Tint tint);
 /// Medium, rounded design.
 NSFont* statusFont(CGFloat size);
 
+/// Fills `path` in a system colour, which may be translucent by itself, at `opacity` of it.
+void fillFaintly(NSBezierPath* path, NSColor* color, double opacity);
+
 NSString* string(std::string_view utf8);
 
 /// One line, cut at its end with an ellipsis.

@@ -44,6 +44,15 @@ NSColor* color(Tint tint) {
     }
 }
 
+// Another alpha would replace the colour's own and make it stronger.
+void fillFaintly(NSBezierPath* path, NSColor* color, double opacity) {
+    [NSGraphicsContext saveGraphicsState];
+    CGContextSetAlpha(NSGraphicsContext.currentContext.CGContext, opacity);
+    [color setFill];
+    [path fill];
+    [NSGraphicsContext restoreGraphicsState];
+}
+
 NSString* string(std::string_view utf8) {
     NSString* text = [[NSString alloc] initWithBytes:utf8.data()
                                               length:utf8.size()

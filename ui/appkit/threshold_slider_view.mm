@@ -55,6 +55,17 @@ constexpr CGFloat kDot = 8;
     [self interpretKeyEvents:@[ event ]];
 }
 
+/// Other commands do nothing; unhandled ones would beep.
+- (void)doCommandBySelector:(SEL)selector {
+    if ([self respondsToSelector:selector]) {
+        [super doCommandBySelector:selector];
+    }
+}
+
+- (void)insertText:(id)text {
+    (void)text;
+}
+
 - (void)valueChanged {
     _changed();
     NSAccessibilityPostNotification(self, NSAccessibilityValueChangedNotification);
@@ -173,8 +184,7 @@ constexpr CGFloat kDot = 8;
     NSBezierPath* capsule = [NSBezierPath bezierPathWithRoundedRect:track
                                                             xRadius:Slider::kTrackHeight / 2
                                                             yRadius:Slider::kTrackHeight / 2];
-    [[NSColor.secondaryLabelColor colorWithAlphaComponent:Slider::kTrackOpacity] setFill];
-    [capsule fill];
+    tarnwick::appkit::fillFaintly(capsule, NSColor.secondaryLabelColor, Slider::kTrackOpacity);
 
     [NSGraphicsContext saveGraphicsState];
     [capsule addClip];
@@ -183,6 +193,14 @@ constexpr CGFloat kDot = 8;
     [self fill:&track width:segments.yellow color:color(Tint::yellow)];
     [self fill:&track width:segments.red color:color(Tint::red)];
     [NSGraphicsContext restoreGraphicsState];
+
+    [NSColor.secondaryLabelColor setFill];
+    for (const double tick : _slider->ticks(size.width)) {
+        NSRectFill(NSMakeRect(
+            std::round(tick) - 0.5,
+            size.height / 2 - Slider::kTrackHeight / 2 - Slider::kTickGap - Slider::kTickHeight, 1,
+            Slider::kTickHeight));
+    }
 
     // The dragged thumb is drawn above the other one.
     if (_slider->isDraggingNormal()) {

@@ -3,8 +3,10 @@
 // order the blocks stand; each front end draws each kind of block in one place.
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -12,6 +14,7 @@
 #include "core/records/metric_records.h"
 #include "core/records/tint.h"
 #include "ui/panel/sparkline_view.h"
+#include "ui/panel/tool_tips.h"
 
 namespace tarnwick {
 
@@ -27,7 +30,21 @@ enum class PanelAction {
     showPerformanceDetail,
     /// Leads back to the home page.
     goBack,
+    /// Puts the page that is shown onto the clipboard, as text.
+    copy,
 };
+
+/// An entry of the menu that a right click on the panel shows.
+struct PanelMenuEntry {
+    std::string_view title;
+    PanelAction action;
+};
+
+/// From top to bottom, on every page.
+inline constexpr std::array kPanelMenu = {PanelMenuEntry{"Copy", PanelAction::copy},
+                                          PanelMenuEntry{"Refresh", PanelAction::refresh},
+                                          PanelMenuEntry{"Settings", PanelAction::showSettings},
+                                          PanelMenuEntry{"Quit", PanelAction::quit}};
 
 /// In a panel's header a button shows its icon alone, and its title is its tool tip. Elsewhere the
 /// icon, if any, stands before the title. The title is always the accessible name.
@@ -172,10 +189,20 @@ struct TrendRow {
     std::string value;
     std::vector<double> values;
     Tint color = Tint::green;
+    /// When each of the values was measured, seconds of any clock. Only told in tool tips, so rows
+    /// that differ in nothing else are equal.
+    std::vector<double> times{};
 
-    bool operator==(const TrendRow&) const = default;
+    bool operator==(const TrendRow& other) const {
+        return title == other.title && value == other.value && values == other.values &&
+               color == other.color;
+    }
 
     SparklineView sparkline() const { return {values, color}; }
+    /// With `share` that of a place on the sparkline, 0 at its left end and 1 at its right end.
+    std::string toolTip(std::optional<double> share = std::nullopt) const {
+        return trendToolTip(values, times, share);
+    }
 };
 
 /// Makes the text that a list shows for a process at the trailing side.
@@ -191,6 +218,8 @@ struct ProcessRow {
     bool operator==(const ProcessRow& other) const {
         return process == other.process && valueText(process) == other.valueText(other.process);
     }
+
+    std::string toolTip() const { return processToolTip(process); }
 };
 
 /// A list of processes without a title: a row for each, in list order.

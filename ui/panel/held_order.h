@@ -9,9 +9,9 @@
 
 namespace tarnwick {
 
-/// A resting pointer delays layout changes below it for one page and at most this many more, which
-/// takes some seconds. So the panel cannot hold back its news for ever.
-inline constexpr int kPagesAtRest = 4;
+/// Seconds for which a pointer over a list delays layout changes at most, whether it rests or
+/// moves. So the panel cannot hold back its news for ever.
+inline constexpr double kLongestHold = 5;
 
 /// The rows of a list from top to bottom. An empty row shows no process.
 using ProcessSlots = std::vector<std::optional<AppProcessInfo>>;

@@ -10,6 +10,7 @@
 #include "services/system_uptime.h"
 #include "ui/panel/page_builder.h"
 #include "ui/panel/panel_figures.h"
+#include "ui/panel/tool_tips.h"
 
 namespace tarnwick {
 
@@ -68,18 +69,19 @@ class HomePageBuilder {
 
     void addProcessorBars() {
         addPercentageBar("bar.cpu", kBlockSpacing, "CPU", "cpu", in_.cpuInfo.usagePercentage,
-                         cpuTint(in_.cpuInfo, in_.thresholds));
+                         cpuTint(in_.cpuInfo, in_.thresholds), cpuToolTip(in_.cpuInfo));
         if (in_.gpuInfo.isAvailable) {
             addPercentageBar("bar.gpu", kBarSpacing, "GPU", "display.2",
-                             in_.gpuInfo.usagePercentage, gpuTint(in_.gpuInfo, in_.thresholds));
+                             in_.gpuInfo.usagePercentage, gpuTint(in_.gpuInfo, in_.thresholds), {});
         }
     }
 
     void addPercentageBar(std::string id, int spaceAbove, std::string title, std::string icon,
-                          double usage, Tint tint) {
+                          double usage, Tint tint, std::string toolTip) {
         const double value = clampedPercentage(usage);
         page_.add(std::move(id), spaceAbove,
-                  UsageBar{std::move(title), std::move(icon), value, percentText(value, 1), tint});
+                  UsageBar{std::move(title), std::move(icon), value, percentText(value, 1), tint},
+                  std::move(toolTip));
     }
 
     void addMemoryBar() {
@@ -90,7 +92,8 @@ class HomePageBuilder {
             UsageBar{"Memory", "memorychip", usage,
                      memoryText(memory.used, formatter_) + " / " +
                          memoryText(memory.total, formatter_) + " (" + percentText(usage, 0) + ")",
-                     memoryTint(memory, in_.thresholds)});
+                     memoryTint(memory, in_.thresholds)},
+            memoryToolTip(memory, formatter_));
     }
 
     void addStorage() {
@@ -105,7 +108,8 @@ class HomePageBuilder {
                   UsageBar{"Storage (" + volume.name + ")", kDriveSymbol, usage,
                            fileText(volume.usedSpace, formatter_) + " / " +
                                fileText(volume.totalSpace, formatter_),
-                           storageTint(usage, in_.thresholds)});
+                           storageTint(usage, in_.thresholds)},
+                  storageToolTip(volume, formatter_));
         if (isLow(volume)) {
             page_.add(
                 "lowStorage", kRowSpacing,
@@ -123,7 +127,9 @@ class HomePageBuilder {
 
     void addBattery() {
         const BatteryInfo& battery = in_.batteryInfo;
-        page_.add("battery", kBatterySpacing, SectionHeader{"Battery Health", "battery.100"});
+        const std::string toolTip = in_.batteryDetectionComplete ? batteryToolTip(battery) : "";
+        page_.add("battery", kBatterySpacing, SectionHeader{"Battery Health", "battery.100"},
+                  toolTip);
         if (!in_.batteryDetectionComplete) {
             page_.add("battery.state", kRowSpacing, CaptionText{"Checking battery\u2026"});
             return;

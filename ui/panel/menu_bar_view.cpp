@@ -6,15 +6,20 @@
 
 #include "platform/platform.h"
 #include "settings/user_settings.h"
+#include "ui/panel/copied_text.h"
 
 namespace tarnwick {
 
 namespace {
 
-constexpr std::array kActions = {
-    PanelAction::refresh, PanelAction::showSettings,     PanelAction::openActivityMonitor,
-    PanelAction::quit,    PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail,
-    PanelAction::goBack};
+constexpr std::array kActions = {PanelAction::refresh,
+                                 PanelAction::showSettings,
+                                 PanelAction::openActivityMonitor,
+                                 PanelAction::quit,
+                                 PanelAction::showMemoryDetail,
+                                 PanelAction::showPerformanceDetail,
+                                 PanelAction::goBack,
+                                 PanelAction::copy};
 
 }  // namespace
 
@@ -128,6 +133,8 @@ bool MenuBarView::canPerform(PanelAction action) const {
             return targets_.openActivityMonitor != nullptr;
         case PanelAction::quit:
             return targets_.quit != nullptr;
+        case PanelAction::copy:
+            return targets_.copyText != nullptr;
         case PanelAction::refresh:
         case PanelAction::showMemoryDetail:
         case PanelAction::showPerformanceDetail:
@@ -150,6 +157,8 @@ void MenuBarView::perform(PanelAction action) {
             return targets_.openActivityMonitor();
         case PanelAction::quit:
             return targets_.quit();
+        case PanelAction::copy:
+            return targets_.copyText(copiedText(page()));
         case PanelAction::showMemoryDetail:
             return show(MenuTab::memoryDetail);
         case PanelAction::showPerformanceDetail:

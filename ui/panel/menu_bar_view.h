@@ -5,6 +5,7 @@
 #include <functional>
 #include <optional>
 #include <set>
+#include <string>
 
 #include "core/records/published.h"
 #include "core/stats_manager.h"
@@ -31,6 +32,8 @@ struct PanelTargets {
     std::function<void()> showSettings{};
     std::function<void()> openActivityMonitor{};
     std::function<void()> quit{};
+    /// Puts a text onto the clipboard. UTF-8.
+    std::function<void(const std::string& text)> copyText{};
 };
 
 /// What a view runs on. All of it must outlive the view.

@@ -28,6 +28,8 @@ class Motion {
     /// With true nothing moves: current movements end at once, and later steps are jumps.
     void setReduced(bool isReduced);
     bool isReduced() const { return isReduced_; }
+    /// Its clock, for what else the same view does in time.
+    platform::Dispatch& dispatch() const { return dispatch_; }
     /// True while the clock ticks.
     bool isRunning() const { return timer_ != nullptr; }
 

@@ -32,6 +32,8 @@ struct PageItem {
     /// Points between this item and the one above it; the first one has none.
     int spaceAbove = kBlockSpacing;
     PanelBlock block;
+    /// What is measured here and not shown, in one line; empty for nothing.
+    std::string toolTip{};
 
     bool operator==(const PageItem&) const = default;
 };

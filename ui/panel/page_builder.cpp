@@ -5,8 +5,9 @@
 
 namespace tarnwick {
 
-void PageBuilder::add(std::string id, int spaceAbove, PanelBlock block) {
-    page_.push_back({std::move(id), page_.empty() ? 0 : spaceAbove, std::move(block)});
+void PageBuilder::add(std::string id, int spaceAbove, PanelBlock block, std::string toolTip) {
+    page_.push_back(
+        {std::move(id), page_.empty() ? 0 : spaceAbove, std::move(block), std::move(toolTip)});
 }
 
 void PageBuilder::addDetailHeader(std::string title) {

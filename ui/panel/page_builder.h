@@ -16,7 +16,7 @@ class PageBuilder {
         : enabledActions_(enabledActions) {}
 
     /// Adds a block `spaceAbove` points below the last one; the first one has no space above.
-    void add(std::string id, int spaceAbove, PanelBlock block);
+    void add(std::string id, int spaceAbove, PanelBlock block, std::string toolTip = {});
     void addDetailHeader(std::string title);
     void addDivider(std::string id);
 

@@ -15,20 +15,17 @@ namespace tarnwick {
 
 namespace {
 
-/// The latest values of a history, the oldest of them first.
-std::vector<double> latestValues(const std::vector<UsageSample>& history) {
-    std::vector<double> values;
-    const std::size_t count = std::min(history.size(), kTrendSamples);
-    for (std::size_t i = history.size() - count; i < history.size(); ++i) {
-        values.push_back(history[i].value);
-    }
-    return values;
-}
-
 void addTrend(PageBuilder& page, std::string id, std::string title, double value,
               const std::vector<UsageSample>& history, Tint color) {
-    page.add(std::move(id), kBarSpacing,
-             TrendRow{std::move(title), percentText(value, 0), latestValues(history), color});
+    TrendRow row{std::move(title), percentText(value, 0), {}, color};
+    // The latest samples, the oldest of them first.
+    for (std::size_t i = history.size() - std::min(history.size(), kTrendSamples);
+         i < history.size(); ++i) {
+        row.values.push_back(history[i].value);
+        row.times.push_back(history[i].timestamp);
+    }
+    std::string toolTip = row.toolTip();
+    page.add(std::move(id), kBarSpacing, std::move(row), std::move(toolTip));
 }
 
 void addTrends(PageBuilder& page, const PerformanceDetailInputs& in) {
@@ -63,12 +60,19 @@ void addNetwork(PageBuilder& page, const NetworkInfo& network,
         page.add("network.state", kRowSpacing, CaptionText{"Waiting for the next sample..."});
         return;
     }
-    const auto addRow = [&](const char* id, const char* label, double bytesPerSecond) {
-        page.add(id, kRowSpacing, InfoRow{label, rateText(bytesPerSecond, formatter)});
+    const auto addRow = [&](const char* id, const char* label, double bytesPerSecond,
+                            std::string toolTip) {
+        page.add(id, kRowSpacing, InfoRow{label, rateText(bytesPerSecond, formatter)},
+                 std::move(toolTip));
     };
-    addRow("network.download", "Download", network.downloadBytesPerSecond);
-    addRow("network.upload", "Upload", network.uploadBytesPerSecond);
-    addRow("network.total", "Total", network.downloadBytesPerSecond + network.uploadBytesPerSecond);
+    addRow("network.download", "Download", network.downloadBytesPerSecond,
+           totalToolTip("Received", network.totalReceivedBytes, formatter));
+    addRow("network.upload", "Upload", network.uploadBytesPerSecond,
+           totalToolTip("Sent", network.totalSentBytes, formatter));
+    addRow(
+        "network.total", "Total", network.downloadBytesPerSecond + network.uploadBytesPerSecond,
+        totalToolTip("Received and sent",
+                     saturatedSum(network.totalReceivedBytes, network.totalSentBytes), formatter));
 }
 
 }  // namespace

@@ -14,8 +14,8 @@ namespace {
 constexpr double kLeast = 0;
 constexpr double kGreatest = 100;
 
-/// The description of a block that shows a share is its name. So where a screen reader reads only
-/// the value and the description, the user still hears which figure it is and how high.
+/// The description of a block that shows a share begins with its name. So where a screen reader
+/// reads only the value and the description, the user still hears which figure it is and how high.
 class AccessibleBlock final : public QAccessibleWidget, public QAccessibleValueInterface {
  public:
     explicit AccessibleBlock(BlockWidget* block)
@@ -23,7 +23,9 @@ class AccessibleBlock final : public QAccessibleWidget, public QAccessibleValueI
 
     QString text(QAccessible::Text kind) const override {
         if (kind == QAccessible::Description && hasValue()) {
-            return widget()->accessibleName();
+            QStringList texts{widget()->accessibleName(), widget()->accessibleDescription()};
+            texts.removeAll(QString());
+            return texts.join(". ");
         }
         return QAccessibleWidget::text(kind);
     }

@@ -2,13 +2,29 @@
 #include "ui/qt/block_widget.h"
 
 #include <QHelpEvent>
-#include <QToolTip>
 #include <utility>
+
+#include "ui/qt/tool_tip.h"
 
 namespace tarnwick::qt {
 
 QString BlockWidget::cutTextAt(const QPoint&) const {
     return {};
+}
+
+QString BlockWidget::toolTipAt(const QPoint&) const {
+    return QString::fromStdString(toolTip_);
+}
+
+QRect BlockWidget::toolTipPlace(const QPoint&) const {
+    return rect().adjusted(0, overhang(), 0, -overhang());
+}
+
+void BlockWidget::setToolTipText(const std::string& text) {
+    if (toolTip_ != text) {
+        toolTip_ = text;
+        setAccessibleDescription(QString::fromStdString(text));
+    }
 }
 
 void BlockWidget::announceValue() {
@@ -23,14 +39,13 @@ bool BlockWidget::event(QEvent* event) {
         return QWidget::event(event);
     }
     const auto* help = static_cast<QHelpEvent*>(event);
-    const QString text = cutTextAt(help->pos());
-    if (text.isEmpty()) {
-        QToolTip::hideText();
+    QStringList lines{cutTextAt(help->pos()), toolTipAt(help->pos())};
+    lines.removeAll(QString());
+    if (lines.isEmpty()) {
+        hideToolTip();
         event->ignore();
     } else {
-        // Escaped, because names may contain any characters and are not markup.
-        QToolTip::showText(help->globalPos(),
-                           "<span>" + text.toHtmlEscaped().replace('\n', "<br>") + "</span>", this);
+        showToolTip(*this, toolTipPlace(help->pos()), lines.join('\n'), theme());
     }
     return true;
 }

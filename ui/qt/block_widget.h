@@ -6,6 +6,7 @@
 #include <QWidget>
 #include <functional>
 #include <optional>
+#include <string>
 #include <variant>
 
 #include "ui/panel/page.h"
@@ -27,9 +28,15 @@ class BlockWidget : public QWidget {
     /// another kind, changes nothing and returns false.
     virtual bool setBlock(const PanelBlock& block) = 0;
     virtual int heightFor(int width) const = 0;
+    /// What the pointer over the block and screen readers are told beyond what it shows; may be
+    /// empty. UTF-8.
+    void setToolTipText(const std::string& text);
     /// Pixels by which the drawing may reach beyond that height, both above and below. The widget
     /// is higher by this much on both sides. Less than the space to its neighbours.
     virtual int overhang() const { return 0; }
+    /// Pixels by which the drawing reaches beyond the column's edges: the widget is wider by this
+    /// much on both sides.
+    virtual int sideOverhang() const { return 0; }
     virtual QAccessible::Role accessibleRole() const { return QAccessible::StaticText; }
     /// True while the pointer is over something that must not move.
     virtual bool isHeld() const { return false; }
@@ -54,11 +61,18 @@ class BlockWidget : public QWidget {
     /// The full text of the text that is cut at this point, for a tool tip; empty if none is cut
     /// there.
     virtual QString cutTextAt(const QPoint& position) const;
+    /// What is told of that point beyond what is shown there: the block's own text, unless one of
+    /// its parts has another.
+    virtual QString toolTipAt(const QPoint& position) const;
+    /// The part of the block that the tool tip for this point belongs to; the tool tip stands
+    /// beside it.
+    virtual QRect toolTipPlace(const QPoint& position) const;
     bool event(QEvent* event) override;
 
  private:
     const Theme& theme_;
     std::optional<double> announcedValue_;
+    std::string toolTip_;
 };
 
 /// Keeps the block's value.

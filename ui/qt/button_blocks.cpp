@@ -57,8 +57,10 @@ template class ButtonBlockWidget<NavigationButton>;
 template class ButtonBlockWidget<DetailHeader>;
 template class ButtonBlockWidget<FooterRow>;
 
+// Only the column: what reaches beyond it would make the panel paint its edge and its shadow again.
 void PanelHeaderWidget::valueChanged() {
     showButtons(value().buttons, ButtonKind::icon);
+    update(sideOverhang(), 0, columnWidth(), height());
 }
 
 int PanelHeaderWidget::titleRowHeight() const {
@@ -74,11 +76,11 @@ QStringList PanelHeaderWidget::summaryLines(int width, int most) const {
 QStringList PanelHeaderWidget::shownSummary() const {
     const int room = height() - titleRowHeight() - kSummaryGap;
     const int most = room / theme().style(FontRole::caption).lineHeight();
-    return summaryLines(width(), std::clamp(most, 1, kSummaryLines));
+    return summaryLines(columnWidth(), std::clamp(most, 1, kSummaryLines));
 }
 
 QString PanelHeaderWidget::shownTitle() const {
-    const int right = buttons().front()->x() - grid::kIconButtonGap;
+    const int right = buttons().front()->x() - grid::kIconButtonGap - sideOverhang();
     return theme().style(FontRole::headline).elided(QString::fromStdString(value().title), right);
 }
 
@@ -92,20 +94,22 @@ void PanelHeaderWidget::placeButtons() {
     }
 }
 
-int PanelHeaderWidget::heightFor(int width) const {
-    const int lines = static_cast<int>(summaryLines(width, kSummaryLines).size());
-    return titleRowHeight() + kSummaryGap + lines * theme().style(FontRole::caption).lineHeight();
+int PanelHeaderWidget::heightFor(int) const {
+    return titleRowHeight() + kSummaryGap +
+           kSummaryLines * theme().style(FontRole::caption).lineHeight();
 }
 
 void PanelHeaderWidget::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const TextStyle& title = theme().style(FontRole::headline);
-    title.draw(painter, QPointF(0, (titleRowHeight() - title.lineHeight()) / 2 + title.ascent()),
+    const int left = sideOverhang();
+    title.draw(painter, QPointF(left, (titleRowHeight() - title.lineHeight()) / 2 + title.ascent()),
                shownTitle(), theme().color(ColorRole::text));
     const TextStyle& caption = theme().style(FontRole::caption);
     int baseline = titleRowHeight() + kSummaryGap + caption.ascent();
     for (const QString& line : shownSummary()) {
-        caption.draw(painter, QPointF(0, baseline), line, theme().color(ColorRole::secondaryText));
+        caption.draw(painter, QPointF(left, baseline), line,
+                     theme().color(ColorRole::secondaryText));
         baseline += caption.lineHeight();
     }
 }

@@ -7,6 +7,7 @@
 
 #include "ui/qt/block_widget.h"
 #include "ui/qt/button_widget.h"
+#include "ui/qt/grid.h"
 
 namespace tarnwick::qt {
 
@@ -31,22 +32,26 @@ class ButtonBlockWidget : public ValueBlockWidget<Value> {
     std::vector<ButtonWidget*> buttons_;
 };
 
-/// The title and the icon buttons of the home page, and the summary, which takes a second line if
-/// it does not fit into one.
+/// The title and the icon buttons of the home page, and the summary. The room for its second line
+/// is always there, so that the panel keeps its height when another sentence comes.
 class PanelHeaderWidget final : public ButtonBlockWidget<PanelHeader> {
  public:
     using ButtonBlockWidget::ButtonBlockWidget;
 
     int heightFor(int width) const override;
+    /// The symbol of the last button, not its background, ends where the column ends.
+    int sideOverhang() const override { return (grid::kIconButtonSize - grid::kSymbolSize) / 2; }
     QAccessible::Role accessibleRole() const override { return QAccessible::Heading; }
 
  protected:
     void valueChanged() override;
+    bool paintsItself() const override { return false; }
     void paintEvent(QPaintEvent* event) override;
     void placeButtons() override;
     QString cutTextAt(const QPoint& position) const override;
 
  private:
+    int columnWidth() const { return width() - 2 * sideOverhang(); }
     int titleRowHeight() const;
     /// The title, cut if the buttons leave too little room.
     QString shownTitle() const;

@@ -1,10 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/button_widget.h"
 
-#include <QHelpEvent>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
-#include <QToolTip>
 #include <QtMath>
 #include <utility>
 
@@ -12,6 +11,7 @@
 #include "ui/qt/click_by_return.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/symbols.h"
+#include "ui/qt/tool_tip.h"
 
 namespace tarnwick::qt {
 
@@ -36,6 +36,8 @@ const char* nameOf(PanelAction action) {
             return "button.showPerformanceDetail";
         case PanelAction::goBack:
             return "button.goBack";
+        case PanelAction::copy:
+            return "button.copy";
     }
     return "";
 }
@@ -118,7 +120,7 @@ qreal ButtonWidget::titleX() const {
     if (kind_ != ButtonKind::link) {
         return grid::kButtonPaddingX;
     }
-    return button_.icon.empty() ? 0 : grid::kSymbolSize + grid::kLinkGap;
+    return button_.icon.empty() ? 0 : grid::kSymbolSize - grid::kLinkSymbolEdge + grid::kLinkGap;
 }
 
 qreal ButtonWidget::titleRoom() const {
@@ -151,7 +153,8 @@ void ButtonWidget::paintEvent(QPaintEvent*) {
     style().draw(painter, QPointF(titleX(), baseline),
                  style().elided(QString::fromStdString(button_.title), titleRoom()), foreground());
     if (kind_ == ButtonKind::link && !button_.icon.empty()) {
-        paintSymbol(painter, button_.icon, foreground(), QPointF(0, symbolY), grid::kSymbolSize);
+        paintSymbol(painter, button_.icon, foreground(), QPointF(-grid::kLinkSymbolEdge, symbolY),
+                    grid::kSymbolSize);
     }
     if (kind_ == ButtonKind::navigation) {
         paintSymbol(painter, NavigationButton::kTrailingIcon,
@@ -167,7 +170,7 @@ bool ButtonWidget::event(QEvent* event) {
     }
     const QString title = QString::fromStdString(button_.title);
     if (kind_ == ButtonKind::icon || style().width(title) > titleRoom()) {
-        QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), title, this);
+        showToolTip(*this, rect(), title, theme_);
     }
     return true;
 }
@@ -183,6 +186,16 @@ void ButtonWidget::keyPressEvent(QKeyEvent* event) {
         return;
     }
     QAbstractButton::keyPressEvent(event);
+}
+
+// The focus goes where the pointer presses, unseen: whoever presses by the pointer does not look
+// for the place of the keyboard. Cleared first, because the button may already have it by key.
+void ButtonWidget::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton) {
+        clearFocus();
+        setFocus(Qt::MouseFocusReason);
+    }
+    QAbstractButton::mousePressEvent(event);
 }
 
 void ButtonWidget::focusInEvent(QFocusEvent* event) {

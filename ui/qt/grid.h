@@ -10,8 +10,8 @@ inline constexpr int kPanelCorner = 12;
 inline constexpr int kSymbolSize = 16;
 /// Between a symbol and its text.
 inline constexpr int kSymbolGap = 8;
-/// Size of the mark of a level beside a figure.
-inline constexpr int kMarkSize = 12;
+/// Size of symbols beside caption text: the mark of a level before its figure, and notices.
+inline constexpr int kMarkSize = 14;
 inline constexpr int kMarkGap = 4;
 /// The least room between a text at the left and one at the right.
 inline constexpr int kColumnGap = 12;
@@ -23,8 +23,10 @@ inline constexpr int kButtonCorner = 7;
 /// Padding of a button with a title.
 inline constexpr int kButtonPaddingX = 10;
 inline constexpr int kButtonPaddingY = 4;
-/// Between the symbol of a link and its title.
+/// Between the symbol of a link and its title, and the empty edge of the symbol, which is cut off
+/// so that what is drawn stands at the edge of the column.
 inline constexpr int kLinkGap = 2;
+inline constexpr int kLinkSymbolEdge = 4;
 inline constexpr int kIconButtonSize = 26;
 /// Between two icon buttons.
 inline constexpr int kIconButtonGap = 6;

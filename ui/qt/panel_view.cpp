@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/panel_view.h"
 
-#include <QCursor>
+#include <QContextMenuEvent>
 #include <QEvent>
 #include <QKeyEvent>
+#include <QMenu>
 #include <algorithm>
 #include <mutex>
 #include <utility>
@@ -38,13 +39,6 @@ BlockWidget* PanelView::takeWidget(const std::string& id) {
 }
 
 std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
-    const QPoint pointer = QCursor::pos();
-    pagesAtRest_ = std::exchange(pointer_, pointer) == pointer ? pagesAtRest_ + 1 : 0;
-    if (pagesAtRest_ > kPagesAtRest) {
-        for (const Row& row : rows_) {
-            row.widget->letGo();
-        }
-    }
     Rows rows;
     std::vector<BlockWidget*> gone;
     bool isOrdered = true;
@@ -69,6 +63,7 @@ std::vector<BlockWidget*> PanelView::takePage(const Page& page) {
             widget->setAccessibleName(spoken);
             announceDescription(*widget);
         }
+        widget->setToolTipText(item.toolTip);
         rows.push_back({item, widget});
     }
     for (const Row& left : rows_) {
@@ -160,7 +155,9 @@ void PanelView::placeWidgets(Rows::iterator held) {
         }
         // Placed before it is shown: otherwise the widget would first appear in the corner and
         // could take a pointer there for one above itself.
-        widget.setGeometry(grid::kPadding, y - overhang, width, height + 2 * overhang);
+        const int side = widget.sideOverhang();
+        widget.setGeometry(grid::kPadding - side, y - overhang, width + 2 * side,
+                           height + 2 * overhang);
         widget.show();
         y += height;
     }
@@ -171,6 +168,23 @@ void PanelView::placeWidgets(Rows::iterator held) {
         emit heightChanged();
     }
     lookForPointer();
+    timeHold();
+}
+
+void PanelView::timeHold() {
+    if (heldRow() == rows_.end()) {
+        holdEnd_.reset();
+    } else if (holdEnd_ == nullptr && motion_ != nullptr) {
+        holdEnd_ = motion_->dispatch().scheduleRepeating(kLongestHold, [this] { endHold(); });
+    }
+}
+
+// Places the rows at once: a pointer that moves on would hold them again before a later turn.
+void PanelView::endHold() {
+    for (const Row& row : rows_) {
+        row.widget->letGo();
+    }
+    placeWidgets(rows_.end());
 }
 
 void PanelView::lookForPointer() {
@@ -199,6 +213,18 @@ void PanelView::changeEvent(QEvent* event) {
     if (event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange) {
         placeWidgets(rows_.end());
     }
+}
+
+void PanelView::contextMenuEvent(QContextMenuEvent* event) {
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setObjectName("menu");
+    for (const PanelMenuEntry& entry : kPanelMenu) {
+        menu->addAction(
+            QString::fromUtf8(entry.title.data(), static_cast<qsizetype>(entry.title.size())), this,
+            [press = press_, action = entry.action] { press(action); });
+    }
+    menu->popup(event->globalPos());
 }
 
 // The view moves when the page is scrolled.

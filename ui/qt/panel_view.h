@@ -2,7 +2,6 @@
 // The column of building blocks of a page.
 #pragma once
 
-#include <QPoint>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -10,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/dispatch.h"
 #include "ui/panel/motion.h"
 #include "ui/panel/page.h"
 #include "ui/qt/block_widget.h"
@@ -27,7 +27,8 @@ class PanelView final : public QWidget {
     Q_OBJECT
 
  public:
-    /// Bars move with `motion`; without one they jump.
+    /// Bars move with `motion`; without one they jump, and a list is held as long as the pointer is
+    /// over it.
     PanelView(const Theme& theme, PressHandler press, QWidget* parent,
               std::shared_ptr<Motion> motion = nullptr);
 
@@ -48,6 +49,7 @@ class PanelView final : public QWidget {
 
  protected:
     void changeEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
 
@@ -70,14 +72,16 @@ class PanelView final : public QWidget {
     /// Places the rows one below the other, and keeps `held` where it is.
     void placeWidgets(Rows::iterator held);
     void lookForPointer();
+    /// Measures the time for which a row is held now.
+    void timeHold();
+    void endHold();
 
     const Theme& theme_;
     PressHandler press_;
     std::shared_ptr<Motion> motion_;
     Rows rows_;
-    /// Where the pointer was when the last page was set, and how many pages ago it came there.
-    QPoint pointer_;
-    int pagesAtRest_ = 0;
+    /// Not null while a row is held: fires at the end of the longest hold.
+    std::unique_ptr<platform::Timer> holdEnd_;
     FocusRing* focusRing_;
 };
 

@@ -12,8 +12,6 @@ namespace tarnwick::qt {
 
 namespace {
 
-/// Symbols beside caption text are a little smaller.
-constexpr int kNoticeSymbolSize = 14;
 /// The share of a row that the leading text keeps when both texts are long.
 constexpr qreal kLeadingShare = 0.3;
 
@@ -60,7 +58,7 @@ RowContent rowContent(const StatusRow& row, const Theme& theme) {
 }
 
 RowContent rowContent(const NoticeRow& row, const Theme& theme) {
-    return {RowContent::Symbol{row.icon, theme.color(row.tint), kNoticeSymbolSize},
+    return {RowContent::Symbol{row.icon, theme.color(row.tint), grid::kMarkSize},
             {text(row.text), FontRole::caption, ColorRole::secondaryText},
             {}};
 }

@@ -5,6 +5,7 @@
 #include <QVBoxLayout>
 
 #include "ui/qt/settings_grid.h"
+#include "ui/qt/tool_tip.h"
 
 namespace tarnwick::qt {
 
@@ -29,6 +30,14 @@ SettingsCardWidget::SettingsCardWidget(const Theme& theme, QWidget* parent)
     constexpr int padding = settings_grid::kCardPadding;
     column_->setContentsMargins(padding, padding, padding, padding);
     column_->setSpacing(settings_grid::kPartGap);
+}
+
+bool SettingsCardWidget::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip || toolTip_.isEmpty()) {
+        return QWidget::event(event);
+    }
+    showToolTip(*this, rect(), toolTip_, theme_);
+    return true;
 }
 
 void SettingsCardWidget::paintEvent(QPaintEvent*) {

@@ -23,14 +23,18 @@ class SettingsCardWidget : public QWidget {
     SettingsCardWidget(const Theme& theme, QWidget* parent);
 
     QVBoxLayout* column() const { return column_; }
+    /// For the pointer over the card; empty for none.
+    void setToolTipText(const QString& text) { toolTip_ = text; }
 
  protected:
+    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     const Theme& theme() const { return theme_; }
 
  private:
     const Theme& theme_;
     QVBoxLayout* column_;
+    QString toolTip_;
 };
 
 }  // namespace tarnwick::qt

@@ -2,6 +2,7 @@
 #include "ui/qt/settings_cards.h"
 
 #include <QHBoxLayout>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 #include <QtMath>
@@ -54,6 +55,16 @@ SwitchCardWidget::SwitchCardWidget(const Theme& theme, const SwitchRow& row,
     setRow(row);
 }
 
+void SwitchCardWidget::mousePressEvent(QMouseEvent* event) {
+    event->setAccepted(event->button() == Qt::LeftButton);
+}
+
+void SwitchCardWidget::mouseReleaseEvent(QMouseEvent* event) {
+    if (event->button() == Qt::LeftButton && rect().contains(event->position().toPoint())) {
+        switch_->click();
+    }
+}
+
 NoticeCardWidget::NoticeCardWidget(const Theme& theme, QWidget* parent)
     : SettingsCardWidget(theme, parent), text_(makeCaption(theme, {}, this)) {
     auto* symbol = new SymbolWidget(theme, settings_grid::kStatusSymbol, this);
@@ -75,8 +86,7 @@ ShortcutCardWidget::ShortcutCardWidget(const Theme& theme, ShortcutField& field,
     : SettingsCardWidget(theme, parent) {
     column()->addWidget(new SettingsLabel(theme, FontRole::headline, ColorRole::text, this,
                                           ShortcutEditor::kTitle));
-    caption_ = makeCaption(theme, ShortcutEditor::kCaption, this);
-    column()->addWidget(caption_);
+    column()->addWidget(makeCaption(theme, ShortcutEditor::kCaption, this));
     field_ = new ShortcutFieldWidget(field, theme, std::move(keyCodes), this);
     clear_ =
         new SettingsButton(theme, SettingsButton::Kind::bordered, ShortcutEditor::kClear, this);
@@ -119,8 +129,14 @@ void ShortcutCardWidget::resizeEvent(QResizeEvent* event) {
 
 void ShortcutCardWidget::setEditor(const ShortcutEditor& editor) {
     field_->update();
-    caption_->setToolTip(fromUtf8(editor.tip));
     clear_->setVisible(editor.hasClear);
+    setToolTipText(fromUtf8(editor.tip));
+    // Screen readers have it with the recorder's own help.
+    const QString help = QString(ShortcutField::kAccessibilityHelp) +
+                         (editor.tip.empty() ? QString() : ' ' + fromUtf8(editor.tip));
+    if (field_->accessibleDescription() != help) {
+        field_->setAccessibleDescription(help);
+    }
     for (std::size_t i = 0; i < lines_.size(); ++i) {
         const bool isThere = i < editor.lines.size();
         lines_[i].row->setVisible(isThere);
@@ -209,6 +225,8 @@ ProgramCardWidget::ProgramCardWidget(const Theme& theme, const ProgramName& name
         new SettingsLabel(theme, FontRole::subheadline, ColorRole::text, this, name.version);
     version->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     version->setObjectName("version");
+    version->setAttribute(Qt::WA_TransparentForMouseEvents, false);
+    version->setTextInteractionFlags(Qt::TextSelectableByMouse);
     row->addWidget(version, 1);
     column()->addLayout(row);
 }

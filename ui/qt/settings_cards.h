@@ -15,7 +15,7 @@
 
 namespace tarnwick::qt {
 
-/// Two texts and a switch. A press of the switch calls `toggle`.
+/// Two texts and a switch. A press of the switch, or anywhere on the card, calls `toggle`.
 class SwitchCardWidget final : public SettingsCardWidget {
     Q_OBJECT
 
@@ -24,6 +24,10 @@ class SwitchCardWidget final : public SettingsCardWidget {
                      QWidget* parent);
 
     void setRow(const SwitchRow& row) { switch_->setChecked(row.isOn); }
+
+ protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
 
  private:
     SettingsSwitchWidget* switch_ = nullptr;
@@ -68,7 +72,6 @@ class ShortcutCardWidget final : public SettingsCardWidget {
 
     Line makeLine();
 
-    SettingsLabel* caption_ = nullptr;
     ShortcutFieldWidget* field_ = nullptr;
     SettingsButton* clear_ = nullptr;
     std::array<Line, 2> lines_{};

@@ -19,6 +19,8 @@ inline constexpr int kCardCorner = 10;
 inline constexpr int kCardPadding = 14;
 inline constexpr int kCardOutline = 1;
 inline constexpr int kSelectedOutline = 2;
+/// Between the heading of a section and its content.
+inline constexpr int kHeadingGap = 6;
 /// Between the texts of a card that belong together.
 inline constexpr int kTextGap = 2;
 /// Between the parts of a card.

@@ -9,6 +9,20 @@
 
 namespace tarnwick::qt {
 
+namespace {
+
+/// The same text, which breaks neither within a combination of keys nor before its last word.
+QString bound(QString text) {
+    text.replace(" + ", "\u00A0+\u00A0");
+    const qsizetype last = text.lastIndexOf(' ');
+    if (text.count(' ') > 1) {
+        text[last] = QChar::Nbsp;
+    }
+    return text;
+}
+
+}  // namespace
+
 QString fromUtf8(std::string_view text) {
     return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
 }
@@ -27,8 +41,9 @@ SettingsLabel::SettingsLabel(const Theme& theme, FontRole font, ColorRole color,
 
 void SettingsLabel::setUtf8(std::string_view text) {
     const QString next = fromUtf8(text);
-    if (next != this->text()) {
-        setText(next);
+    if (next != accessibleName()) {
+        setAccessibleName(next);
+        setText(font_ == FontRole::caption ? bound(next) : next);
     }
 }
 

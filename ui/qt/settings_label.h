@@ -17,7 +17,8 @@ QString fromUtf8(std::string_view text);
 int besideText(const Theme& theme, int size);
 
 /// A text in one of the theme's fonts and colours; follows changes of the theme. It wraps at its
-/// width.
+/// width; a caption neither within a combination of keys nor before its last word. Its accessible
+/// name is the text as it was set.
 class SettingsLabel final : public QLabel {
     Q_OBJECT
 

@@ -11,6 +11,7 @@
 #include "ui/qt/settings_card_widget.h"
 #include "ui/qt/settings_grid.h"
 #include "ui/qt/symbols.h"
+#include "ui/qt/tool_tip.h"
 
 namespace tarnwick::qt {
 
@@ -55,7 +56,6 @@ DisplayModeCardWidget::DisplayModeCardWidget(const Theme& theme, const DisplayMo
     setAttribute(Qt::WA_Hover);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
     setAccessibleName(fromUtf8(card.title()));
-    setAccessibleDescription(fromUtf8(card.description()));
     setObjectName("mode." + fromUtf8(rawValue(card.mode)));
 
     constexpr int padding = settings_grid::kCardPadding;
@@ -80,6 +80,20 @@ void DisplayModeCardWidget::setCard(const DisplayModeCard& card) {
     setChecked(card.isSelected());
     radio_->setSymbol(card.radioIcon(),
                       card.isSelected() ? ColorRole::accent : ColorRole::secondaryText);
+    toolTip_ = fromUtf8(card.toolTip);
+    QStringList described{fromUtf8(card.description()), toolTip_};
+    described.removeAll(QString());
+    if (const QString text = described.join(' '); text != accessibleDescription()) {
+        setAccessibleDescription(text);
+    }
+}
+
+bool DisplayModeCardWidget::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip || toolTip_.isEmpty()) {
+        return QRadioButton::event(event);
+    }
+    showToolTip(*this, rect(), toolTip_, theme_);
+    return true;
 }
 
 int DisplayModeCardWidget::focusCorner() const {

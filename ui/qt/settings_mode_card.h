@@ -42,6 +42,7 @@ class DisplayModeCardWidget final : public QRadioButton, public FocusShape {
     int focusCorner() const override;
 
  protected:
+    bool event(QEvent* event) override;
     bool hitButton(const QPoint& position) const override { return rect().contains(position); }
     void nextCheckState() override {}
     void keyPressEvent(QKeyEvent* event) override;
@@ -50,6 +51,7 @@ class DisplayModeCardWidget final : public QRadioButton, public FocusShape {
  private:
     const Theme& theme_;
     SymbolWidget* radio_;
+    QString toolTip_;
 };
 
 }  // namespace tarnwick::qt

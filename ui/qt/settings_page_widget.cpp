@@ -94,10 +94,13 @@ void SettingsPageWidget::addSection(const SettingsSection& section) {
     QWidget* parent = widget();
     auto* items = new QVBoxLayout;
     items->setSpacing(SettingsPage::kItemSpacing);
+    auto* titled = new QVBoxLayout;
+    titled->setSpacing(settings_grid::kHeadingGap);
     if (!section.title.empty()) {
-        items->addWidget(new SettingsLabel(theme_, FontRole::subheadlineMedium,
-                                           ColorRole::secondaryText, parent, section.title));
+        titled->addWidget(new SettingsLabel(theme_, FontRole::subheadlineMedium,
+                                            ColorRole::secondaryText, parent, section.title));
     }
+    titled->addLayout(items);
     QHBoxLayout* modes = nullptr;
     for (const SettingsItem& item : section.content) {
         QWidget* made = makeItem(item, parent);
@@ -114,7 +117,7 @@ void SettingsPageWidget::addSection(const SettingsSection& section) {
             items->addWidget(made);
         }
     }
-    column_->addLayout(items);
+    column_->addLayout(titled);
 }
 
 QWidget* SettingsPageWidget::makeItem(const SettingsItem& item, QWidget* parent) {

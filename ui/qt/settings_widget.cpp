@@ -34,6 +34,11 @@ SettingsWidget::SettingsWidget(UserSettings& settings, const Theme& theme,
     };
     step(QKeySequence::NextChild, 1);
     step(QKeySequence::PreviousChild, -1);
+    for (const QKeySequence& keys :
+         {QKeySequence(Qt::CTRL | Qt::Key_W), QKeySequence(Qt::Key_Escape)}) {
+        auto* shortcut = new QShortcut(keys, this);
+        connect(shortcut, &QShortcut::activated, this, [this] { window()->close(); });
+    }
     view_.setObserver([this](const SettingsView::Content& content) { apply(content); });
     apply(view_.content());
 }

@@ -15,7 +15,7 @@ class QStackedLayout;
 namespace tarnwick::qt {
 
 /// The tabs, and below them the page of the selected one. A page is made when its tab is first
-/// selected.
+/// selected. Escape and the usual keys to close a window close it.
 class SettingsWidget final : public QWidget {
     Q_OBJECT
 

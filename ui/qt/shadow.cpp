@@ -25,8 +25,8 @@ qreal distance(qreal x, qreal y, const QRectF& rect, qreal corner) {
     return std::max(std::hypot(dx, dy) - corner, qreal(0));
 }
 
-/// The shadow of the smallest rectangle that has all four corners. Larger ones are made by
-/// stretching it.
+/// The shadow of the smallest rectangle that has all four corners, in device pixels. Larger ones
+/// are made by stretching it.
 QPixmap tile(int margin, int corner, qreal opacity, qreal ratio) {
     const int side = 2 * (margin + corner + qCeil(kDrop)) + 1;
     const int pixels = qCeil(side * ratio);
@@ -43,7 +43,6 @@ QPixmap tile(int margin, int corner, qreal opacity, qreal ratio) {
             image.setPixel(x, y, qRgba(0, 0, 0, qRound(255 * opacity * std::exp(-far) * fade)));
         }
     }
-    image.setDevicePixelRatio(ratio);
     return QPixmap::fromImage(image);
 }
 
@@ -51,15 +50,19 @@ QPixmap tile(int margin, int corner, qreal opacity, qreal ratio) {
 
 void paintShadow(QPainter& painter, const QRect& rect, int corner, bool isDark) {
     const qreal opacity = isDark ? 0.42 : 0.2;
-    const int border = kShadowMargin + corner + qCeil(kDrop);
-    const QMargins margins(border, border, border, border);
     const qreal ratio = painter.device()->devicePixelRatioF();
     const QPixmap pixmap = tile(kShadowMargin, corner, opacity, ratio);
-    // Measures of the source are device pixels; those of the target are logical pixels.
-    const int source = qRound(border * ratio);
-    qDrawBorderPixmap(
-        &painter, rect.adjusted(-kShadowMargin, -kShadowMargin, kShadowMargin, kShadowMargin),
-        margins, pixmap, QRect(QPoint(), pixmap.size()), QMargins(source, source, source, source));
+    const int border = qRound((kShadowMargin + corner + qCeil(kDrop)) * ratio);
+    const QMargins margins(border, border, border, border);
+    const QRect outer = rect.adjusted(-kShadowMargin, -kShadowMargin, kShadowMargin, kShadowMargin);
+    const QPoint first(qRound(outer.left() * ratio), qRound(outer.top() * ratio));
+    const QPoint end(qRound((outer.right() + 1) * ratio), qRound((outer.bottom() + 1) * ratio));
+    // In device pixels: parts that met between two pixels would leave a seam.
+    painter.save();
+    painter.scale(1 / ratio, 1 / ratio);
+    qDrawBorderPixmap(&painter, QRect(first, end - QPoint(1, 1)), margins, pixmap,
+                      QRect(QPoint(), pixmap.size()), margins);
+    painter.restore();
 }
 
 }  // namespace tarnwick::qt

@@ -159,8 +159,11 @@ void ShortcutFieldWidget::feed(const QKeyEvent& event) {
     const bool isPress = event.type() == QEvent::KeyPress;
     std::int64_t flags = flagsOf(static_cast<const QInputEvent&>(event).modifiers());
     if (const auto own = modifierOf(*code)) {
+        // Where the right Option key is AltGr, it chooses characters and is no modifier of
+        // shortcuts: the key that follows has no flag of it either.
+        const std::int64_t counted = event.key() == Qt::Key_AltGr ? 0 : *own;
         // The event may still hold the flags from before this key.
-        flags = isPress ? flags | *own : flags & ~*own;
+        flags = isPress ? flags | counted : flags & ~counted;
         field_.flagsChanged(flags);
     } else if (isPress) {
         field_.keyDown(*code, flags);

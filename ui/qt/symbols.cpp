@@ -7,6 +7,7 @@
 #include <QString>
 #include <QtMath>
 #include <algorithm>
+#include <cmath>
 
 #include "ui/qt/device_pixels.h"
 #include "ui/symbols/symbol_drawing.h"
@@ -50,6 +51,23 @@ QPainterPath painterPath(const SymbolPart& part) {
     return path;
 }
 
+/// Of the sRGB colour, 0 to 1.
+double luminance(const QColor& colour) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+/// The colour of marks that are cut out of a symbol in `colour`: white, or dark where the contrast
+/// to white is less than 3 to 1.
+QColor cutOut(const QColor& colour) {
+    constexpr double kLeastContrast = 3;
+    const bool isBright = 1.05 / (luminance(colour) + 0.05) < kLeastContrast;
+    return isBright ? QColor(0x1D1D1F) : QColor(Qt::white);
+}
+
 }  // namespace
 
 bool hasSymbol(std::string_view name) {
@@ -69,7 +87,7 @@ QImage drawnSymbol(std::string_view name, const QColor& colour, int pixels) {
     QColor opaque = colour;
     opaque.setAlpha(255);
     for (const SymbolPart& part : found->parts) {
-        const QColor ink = part.ink == SymbolPart::Ink::white ? QColor(Qt::white) : opaque;
+        const QColor ink = part.ink == SymbolPart::Ink::white ? cutOut(opaque) : opaque;
         if (part.strokeWidth > 0) {
             painter.strokePath(painterPath(part), QPen(ink, static_cast<qreal>(part.strokeWidth),
                                                        Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));

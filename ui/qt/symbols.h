@@ -15,7 +15,8 @@ namespace tarnwick::qt {
 bool hasSymbol(std::string_view name);
 
 /// The symbol in `colour` on a transparent square, `size` logical pixels wide, at a device pixel
-/// ratio. Marks cut out of filled symbols are white. Null for a name without a drawing. The latest
+/// ratio. Marks cut out of filled symbols are white, or dark in
+/// a bright colour. Null for a name without a drawing. The latest
 /// images are kept, at most kSymbolCacheBytes of them in all. Main thread.
 QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
                    qreal devicePixelRatio = 1);

@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QFontInfo>
+#include <QFontMetricsF>
 #include <QPalette>
 #include <array>
 
@@ -35,6 +36,17 @@ QColor secondaryText(bool isDark) {
 QColor withOpacity(QColor color, float opacity) {
     color.setAlphaF(opacity);
     return color;
+}
+
+/// Without a medium weight the normal one is taken, and titles would look like the rows below them.
+/// A font's information names the weight that was asked for, so the widths tell. Those of a font
+/// with one width for all letters do not; then a bolder weight does no harm.
+bool hasMediumWeight(QFont font) {
+    const QString sample = "Memory Breakdown";
+    font.setWeight(QFont::Medium);
+    const qreal medium = QFontMetricsF(font).horizontalAdvance(sample);
+    font.setWeight(QFont::Normal);
+    return medium != QFontMetricsF(font).horizontalAdvance(sample);
 }
 
 }  // namespace
@@ -75,7 +87,7 @@ QColor Theme::color(ColorRole role) const {
         case ColorRole::hairline:
             return withOpacity(text, isDark_ ? 0.12F : 0.14F);
         case ColorRole::accent:
-            return isDark_ ? QColor(0x4C9BFF) : QColor(0x0A6AE6);
+            return isDark_ ? QColor(0x4C9BFF) : QColor(0x085FD0);
     }
     return text;
 }
@@ -83,7 +95,7 @@ QColor Theme::color(ColorRole role) const {
 QColor Theme::color(Tint tint, bool isDark) {
     switch (tint) {
         case Tint::green:
-            return isDark ? QColor(0x35CF63) : QColor(0x2FB457);
+            return isDark ? QColor(0x35CF63) : QColor(0x1C9142);
         case Tint::yellow:
             return isDark ? QColor(0xFFCF26) : QColor(0xE0A100);
         case Tint::red:
@@ -107,6 +119,9 @@ const TextStyle& Theme::style(FontRole role) const {
             QFont font = desktop;
             font.setPointSizeF(each.size * kPointsPerPixel * points / kReferencePointSize);
             font.setWeight(each.weight);
+            if (each.weight == QFont::Medium && !hasMediumWeight(font)) {
+                font.setWeight(QFont::DemiBold);
+            }
             styles_.emplace_back(font);
         }
     }

@@ -116,6 +116,13 @@ void ThresholdThumbWidget::paintEvent(QPaintEvent*) {
     painter.setBrush(gray(theme.isDark() ? DualThresholdSlider::kDarkThumbLevel
                                          : DualThresholdSlider::kLightThumbLevel));
     circle(painter, kThumb);
+    if (theme.isDark()) {
+        // As dark as the card below it: a light hairline shows where it is.
+        painter.setPen(QPen(QColor(255, 255, 255, 110), 1));
+        painter.setBrush(Qt::NoBrush);
+        circle(painter, kThumb - 1);
+        painter.setPen(Qt::NoPen);
+    }
     painter.setBrush(theme.color(thumb_ == Thumb::normal ? Tint::yellow : Tint::red));
     circle(painter,
            owner_.isDragging(thumb_) ? settings_grid::kDraggedThumbDot : settings_grid::kThumbDot);
@@ -248,6 +255,12 @@ void ThresholdSliderWidget::paintEvent(QPaintEvent*) {
             painter.restore();
         }
         x = end;
+    }
+    for (const double tick : slider_.ticks(width())) {
+        painter.fillRect(
+            QRectF(std::round(tick) - 0.5, track.bottom() + DualThresholdSlider::kTickGap, 1,
+                   DualThresholdSlider::kTickHeight),
+            theme_.color(ColorRole::secondaryText));
     }
 }
 

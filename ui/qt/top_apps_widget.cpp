@@ -30,10 +30,13 @@ QString spoken(const RowContent& line) {
 
 }  // namespace
 
-void ListLine::setContent(const RowContent& content) {
+void ListLine::setContent(const RowContent& content, const QString& toolTip) {
     const QString name = spoken(content);
     if (accessibleName() != name) {
         setAccessibleName(name);
+    }
+    if (accessibleDescription() != toolTip) {
+        setAccessibleDescription(toolTip);
     }
     setVisible(!name.isEmpty());
     if (content_ != content) {
@@ -68,6 +71,17 @@ std::vector<RowContent> ProcessListWidget<List>::contents() const {
         contents.push_back(rowContent(CaptionText{std::string(List::kEmptyText)}, this->theme()));
     }
     return contents;
+}
+
+template <class List>
+std::vector<QString> ProcessListWidget<List>::toolTips() const {
+    std::vector<QString> toolTips(std::is_same_v<List, TopAppsSection> ? 1 : 0);
+    for (const auto& process : order_) {
+        toolTips.push_back(process ? QString::fromStdString(
+                                         ProcessRow{*process, this->value().valueText}.toolTip())
+                                   : QString());
+    }
+    return toolTips;
 }
 
 template <class List>
@@ -119,6 +133,8 @@ void ProcessListWidget<List>::letGo() {
 template <class List>
 void ProcessListWidget<List>::showLines() {
     const std::vector<RowContent> contents = this->contents();
+    std::vector<QString> toolTips = this->toolTips();
+    toolTips.resize(contents.size());
     while (lines_.size() > contents.size()) {
         lines_.back()->hide();
         lines_.back()->deleteLater();
@@ -130,7 +146,7 @@ void ProcessListWidget<List>::showLines() {
             lines_.push_back(new ListLine(
                 this->theme(), isTitle ? QAccessible::Heading : QAccessible::ListItem, this));
         }
-        lines_[i]->setContent(contents[i]);
+        lines_[i]->setContent(contents[i], toolTips[i]);
     }
     placeLines();
 }
@@ -161,13 +177,31 @@ int ProcessListWidget<List>::heightFor(int) const {
 }
 
 template <class List>
-QString ProcessListWidget<List>::cutTextAt(const QPoint& position) const {
+const ListLine* ProcessListWidget<List>::lineAt(const QPoint& position) const {
     for (const ListLine* line : lines_) {
         if (line->geometry().contains(position)) {
-            return cutText(line->content(), this->theme(), line->width());
+            return line;
         }
     }
-    return {};
+    return nullptr;
+}
+
+template <class List>
+QString ProcessListWidget<List>::cutTextAt(const QPoint& position) const {
+    const ListLine* line = lineAt(position);
+    return line == nullptr ? QString() : cutText(line->content(), this->theme(), line->width());
+}
+
+template <class List>
+QString ProcessListWidget<List>::toolTipAt(const QPoint& position) const {
+    const ListLine* line = lineAt(position);
+    return line == nullptr ? QString() : line->accessibleDescription();
+}
+
+template <class List>
+QRect ProcessListWidget<List>::toolTipPlace(const QPoint& position) const {
+    const ListLine* line = lineAt(position);
+    return line == nullptr ? this->rect() : line->geometry();
 }
 
 template class ProcessListWidget<TopAppsSection>;

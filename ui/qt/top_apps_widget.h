@@ -23,7 +23,8 @@ class ListLine final : public QWidget {
         setAttribute(Qt::WA_TransparentForMouseEvents);
     }
 
-    void setContent(const RowContent& content);
+    /// `toolTip` is what is told beyond the content; may be empty.
+    void setContent(const RowContent& content, const QString& toolTip);
     const RowContent& content() const { return content_; }
     QAccessible::Role accessibleRole() const { return role_; }
 
@@ -58,10 +59,16 @@ class ProcessListWidget : public ValueBlockWidget<List> {
     void mouseMoveEvent(QMouseEvent* event) override;
     void leaveEvent(QEvent* event) override;
     QString cutTextAt(const QPoint& position) const override;
+    QString toolTipAt(const QPoint& position) const override;
+    QRect toolTipPlace(const QPoint& position) const override;
 
  private:
     /// The title, where the list has one, then the rows.
     std::vector<RowContent> contents() const;
+    /// What is told of each of these lines beyond that.
+    std::vector<QString> toolTips() const;
+    /// The line at this point; null without one.
+    const ListLine* lineAt(const QPoint& position) const;
     void showLines();
     void placeLines();
 

@@ -62,13 +62,11 @@ void TrendRowWidget::paintEvent(QPaintEvent*) {
     const QString text =
         figure.elided(QString::fromStdString(value().value), textRoom() - markRoom);
     const int figureTop = top + title.lineHeight() + TrendRow::kTextSpacing;
-    figure.draw(painter, QPointF(0, figureTop + figure.ascent()), text,
+    figure.draw(painter, QPointF(markRoom, figureTop + figure.ascent()), text,
                 theme().color(ColorRole::text));
     if (mark) {
         paintSymbol(painter, mark->name, mark->colour,
-                    QPointF(figure.width(text) + grid::kMarkGap,
-                            figureTop + (figure.lineHeight() - mark->size) / 2),
-                    mark->size);
+                    QPointF(0, figureTop + (figure.lineHeight() - mark->size) / 2), mark->size);
     }
     paintSparkline(
         painter, value().sparkline(), theme(),
@@ -92,6 +90,15 @@ QString TrendRowWidget::cutTextAt(const QPoint& position) const {
         cut << figure;
     }
     return cut.join('\n');
+}
+
+// Over the sparkline also the value below the pointer.
+QString TrendRowWidget::toolTipAt(const QPoint& position) const {
+    const int left = width() - TrendRow::kSparklineWidth;
+    return QString::fromStdString(position.x() < left
+                                      ? value().toolTip()
+                                      : value().toolTip(static_cast<double>(position.x() - left) /
+                                                        TrendRow::kSparklineWidth));
 }
 
 void paintSparkline(QPainter& painter, const SparklineView& sparkline, const Theme& theme,

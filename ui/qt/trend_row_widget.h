@@ -24,6 +24,7 @@ class TrendRowWidget final : public ValueBlockWidget<TrendRow> {
     void valueChanged() override { announceValue(); }
     void paintEvent(QPaintEvent* event) override;
     QString cutTextAt(const QPoint& position) const override;
+    QString toolTipAt(const QPoint& position) const override;
 
  private:
     int textHeight() const;

@@ -25,11 +25,17 @@ struct DisplayModePreview {
     bool operator==(const DisplayModePreview&) const = default;
 };
 
+/// The tool tip of the advanced mode where the status item has no room for a text.
+inline constexpr std::string_view kIconsOnlyToolTip =
+    "This panel shows icons only; the text is in the tool tip.";
+
 /// A press anywhere on the card selects its mode.
 struct DisplayModeCard {
     MenuBarDisplayMode mode = MenuBarDisplayMode::advanced;
     /// The mode that is selected now, on this card or another one.
     MenuBarDisplayMode selection = MenuBarDisplayMode::advanced;
+    /// What is different from the preview on this desktop; empty for nothing.
+    std::string_view toolTip{};
 
     bool isSelected() const { return selection == mode; }
     /// Symbol name; drawn in the accent colour if the card is selected, otherwise in the secondary

@@ -73,6 +73,11 @@ DualThresholdSlider::Segments DualThresholdSlider::segments(double width) const 
             length(kTrackRange.upper - high)};
 }
 
+std::array<double, 2> DualThresholdSlider::ticks(double width) const {
+    return {position(normalRange_.lower, width) + kThumbSize / 2,
+            position(highRange_.upper, width) + kThumbSize / 2};
+}
+
 double DualThresholdSlider::valueAt(double location, double width) {
     const double track = usableWidth(width);
     double x = location - kThumbSize / 2;
@@ -137,7 +142,13 @@ bool DualThresholdSlider::beginDrag(double location, double distanceFromAxis, do
     const bool onNormal = isUnder(Thumb::normal, location, distanceFromAxis, width);
     const bool onHigh = isUnder(Thumb::high, location, distanceFromAxis, width);
     if (!onNormal && !onHigh) {
-        return false;
+        if (std::abs(distanceFromAxis) > kHitSize / 2 || location < 0 || location > width) {
+            return false;
+        }
+        const bool isHighNearer = std::abs(location - thumbCenter(Thumb::high, width)) <
+                                  std::abs(location - thumbCenter(Thumb::normal, width));
+        drag(isHighNearer ? Thumb::high : Thumb::normal, location, width);
+        return true;
     }
     if (onNormal && onHigh) {
         undecidedFrom_ = location;

@@ -2,6 +2,7 @@
 // The slider that sets a metric's two thresholds. Independent of any toolkit.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
@@ -80,10 +81,16 @@ class DualThresholdSlider {
     double thumbCenter(Thumb thumb, double width) const;
     /// None is below 0.
     Segments segments(double width) const;
+    /// Places along the slider of the least and the greatest value that a threshold can have. There
+    /// are ticks below the track.
+    std::array<double, 2> ticks(double width) const;
+    /// Of a tick.
+    static constexpr double kTickHeight = 4;
+    static constexpr double kTickGap = 3;
 
     /// Begins a drag at `location`, `distanceFromAxis` away from the slider's middle line: takes
-    /// the thumb under the pointer and moves it there. Away from both thumbs, does nothing and
-    /// returns false.
+    /// the thumb under the pointer, on the bare track the nearer one, and moves it there. Away from
+    /// thumbs and track, does nothing and returns false.
     ///
     /// If both thumbs are under the pointer, takes the nearer one, or the other one if only that
     /// can move to the pointer. If the nearer one is already at the pointer, a later move of the

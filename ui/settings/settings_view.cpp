@@ -67,8 +67,17 @@ SettingsView::SettingsView(UserSettings& settings, SettingsViewEnvironment envir
         noticeSubscription_ =
             environment_.itemNotice->objectWillChange([this] { nextRebuild_.schedule(); });
     }
+    recorder_.field().onRecordingChanged = [this] {
+        settings_.setRecordingShortcut(recorder_.field().isRecording());
+    };
     recorder_.update();
     lastContent_ = content();
+}
+
+SettingsView::~SettingsView() {
+    if (settings_.isRecordingShortcut()) {
+        settings_.setRecordingShortcut(false);
+    }
 }
 
 SettingsView::Content SettingsView::content() const {
@@ -90,7 +99,10 @@ SettingsPage SettingsView::page(Tab tab) const {
 SettingsPage SettingsView::generalPage() const {
     SettingsSection appearance{"Appearance", {}};
     for (const MenuBarDisplayMode mode : kMenuBarDisplayModes) {
-        appearance.content.emplace_back(DisplayModeCard{mode, settings_.menuBarDisplayMode()});
+        const bool isWithoutText = mode == MenuBarDisplayMode::advanced &&
+                                   environment_.itemIsIconOnly && environment_.itemIsIconOnly();
+        appearance.content.emplace_back(DisplayModeCard{mode, settings_.menuBarDisplayMode(),
+                                                        isWithoutText ? kIconsOnlyToolTip : ""});
     }
     const std::int64_t keyCode = settings_.shortcutKeyCode();
     SettingsSection system{

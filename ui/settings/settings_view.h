@@ -31,8 +31,11 @@ struct SettingsViewEnvironment {
     bool keyboardNavigationEnabled = true;
     /// Shown above all else; null on systems where the item is always there.
     platform::StatusItemNotice* itemNotice = nullptr;
-    /// Combinations that are free on this system, in a sentence; empty for none.
+    /// What the keys of a shortcut are on this system, and which combinations are free, a sentence
+    /// a line; empty for nothing.
     std::string shortcutTip{};
+    /// Whether the status item is shown without its text now; empty where it always has room.
+    std::function<bool()> itemIsIconOnly{};
 };
 
 /// Edits the settings directly: each change is stored before the control's function returns, so
@@ -50,6 +53,7 @@ class SettingsView {
     SettingsView(UserSettings& settings, SettingsViewEnvironment environment);
     SettingsView(const SettingsView&) = delete;
     SettingsView& operator=(const SettingsView&) = delete;
+    ~SettingsView();
 
     UserSettings& settings() const { return settings_; }
     const std::optional<std::string>& shortcutValidationMessage() const {

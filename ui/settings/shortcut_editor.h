@@ -36,7 +36,7 @@ struct ShortcutEditor {
 
     /// What the field shows.
     ShortcutFieldText field;
-    /// A tip about the examples: combinations that are free on this system. Empty for none.
+    /// A tip about the keys on this system. Empty for none.
     std::string tip;
     /// Whether there is a shortcut to clear.
     bool hasClear = false;

@@ -199,6 +199,14 @@ bool LinuxProcessTable::isOfFirstProgram(std::int32_t identifier, const std::str
     return true;
 }
 
+std::string LinuxProcessTable::commandLine(std::int32_t identifier) {
+    std::string line = readWholeFile(pathOf(identifier, "cmdline")).value_or("");
+    // Each argument ends with a zero. Programs that rename themselves may leave any number of them.
+    line.erase(line.find_last_not_of('\0') + 1);
+    std::replace(line.begin(), line.end(), '\0', ' ');
+    return line;
+}
+
 std::optional<std::string> LinuxProcessTable::executablePath(std::int32_t identifier) {
     std::optional<std::string> path = targetOf(pathOf(identifier, "exe"));
     constexpr std::string_view mark = " (deleted)";

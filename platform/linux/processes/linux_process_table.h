@@ -46,6 +46,7 @@ class LinuxProcessTable final : public ProcessTable {
     /// Absent for the kernel's threads and for processes of other users. If the file was replaced,
     /// this is its old path. For a program that lies in memory only, this is its name there.
     std::optional<std::string> executablePath(std::int32_t identifier) override;
+    std::string commandLine(std::int32_t identifier) override;
     /// What follows the last slash of the path.
     std::string displayName(const std::string& path) override;
     /// Closes the files and forgets the desktop entries.

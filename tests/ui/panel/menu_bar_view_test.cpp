@@ -342,6 +342,29 @@ TEST_F(MenuBarViewTest, PerformancePageShowsWhatTheManagerPublishes) {
     EXPECT_EQ(block<InfoRow>(page, "thermal").value, "Fair");
 }
 
+TEST_F(MenuBarViewTest, CopiesThePageThatIsShownAsText) {
+    std::string copied;
+    PanelTargets copies = targets();
+    copies.copyText = [&](const std::string& text) { copied = text; };
+    MenuBarView copier(*manager, copies, {manual, formatter});
+    copier.appear();
+    CPUInfo cpu;
+    cpu.usagePercentage = 42;
+    manager->cpuInfo.set(cpu);
+    copier.perform(PanelAction::copy);
+    EXPECT_THAT(copied, ::testing::StartsWith("Tarnwick\n"));
+    EXPECT_THAT(copied, ::testing::HasSubstr("\nCPU: 42.0%\n"));
+    EXPECT_THAT(copied, ::testing::HasSubstr("\n\nBattery Health\n"));
+    EXPECT_THAT(copied, ::testing::Not(::testing::HasSubstr("Quit")));
+    copier.perform(PanelAction::showPerformanceDetail);
+    copier.perform(PanelAction::copy);
+    EXPECT_THAT(copied, ::testing::StartsWith("Performance\n\nUsage Trends\nCPU: 42%\n"));
+    // Without a clipboard there is nothing to do.
+    EXPECT_FALSE(view->canPerform(PanelAction::copy));
+    view->perform(PanelAction::copy);
+    copier.disappear();
+}
+
 TEST_F(MenuBarViewTest, ADetailPageFollowsItsFigures) {
     view->appear();
     view->perform(PanelAction::showMemoryDetail);

@@ -43,7 +43,7 @@ struct Writer {
     void rows(const std::vector<ProcessRow>& all) {
         for (const ProcessRow& row : all) {
             out << "\n        " << quoted(row.process.name) << ' '
-                << quoted(row.valueText(row.process));
+                << quoted(row.valueText(row.process)) << ' ' << quoted(row.toolTip());
         }
         if (all.empty()) {
             out << "\n        " << TopAppsList::kEmptyText;
@@ -108,6 +108,9 @@ std::string pageText(const Page& page) {
         Writer writer;
         std::visit(writer, item.block);
         result << item.spaceAbove << ' ' << item.id << ": " << writer.out.str() << '\n';
+        if (!item.toolTip.empty()) {
+            result << "        tip " << quoted(item.toolTip) << '\n';
+        }
     }
     return result.str();
 }

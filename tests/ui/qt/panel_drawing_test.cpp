@@ -7,6 +7,7 @@
 #include "tests/ui/qt/pointer.h"
 #include "ui/qt/button_widget.h"
 #include "ui/qt/grid.h"
+#include "ui/qt/symbols.h"
 
 namespace tarnwick::qt {
 namespace {
@@ -40,6 +41,21 @@ class PanelDrawing : public PanelViewTest {
         return showsSymbol(picture(widget), symbol, theme.color(colour), position,
                            grid::kSymbolSize, below);
     }
+    /// The leading edge of a link, where its symbol is.
+    QImage symbolIn(QWidget* link) const {
+        return picture(link).copy(0, (link->height() - grid::kSymbolSize) / 2,
+                                  grid::kSymbolSize - grid::kLinkSymbolEdge, grid::kSymbolSize);
+    }
+    /// A symbol in the accent colour without so much of its leading edge.
+    QImage cutSymbol(const char* name, int edge) const {
+        QImage image(grid::kSymbolSize - edge, grid::kSymbolSize, QImage::Format_RGB32);
+        image.fill(ground());
+        QPainter painter(&image);
+        paintSymbol(painter, name, theme.color(ColorRole::accent), QPointF(-edge, 0),
+                    grid::kSymbolSize);
+        painter.end();
+        return image;
+    }
     /// The ground of a button on the panel.
     QColor control() const {
         QImage mixed(1, 1, QImage::Format_RGB32);
@@ -52,15 +68,18 @@ class PanelDrawing : public PanelViewTest {
     MemoryDetailInputs memory = testing::memoryDetailStates()[1].inputs;
 };
 
+/// Between an icon button's edge and its symbol.
+constexpr int kSide = (grid::kIconButtonSize - grid::kSymbolSize) / 2;
+
 TEST_F(PanelDrawing, TheHeaderHasItsTitleAtTheLeftAndItsButtonsAtTheRightAboveTheSummary) {
     for (const bool isDark : {false, true}) {
         theme.setDark(isDark);
         show(home);
         QWidget* header = find("header");
         const QImage seen = picture(header);
-        const auto title = baseline(seen, FontRole::headline, ColorRole::text, "Tarnwick", 0);
+        const auto title = baseline(seen, FontRole::headline, ColorRole::text, "Tarnwick", kSide);
         const auto summary = baseline(seen, FontRole::caption, ColorRole::secondaryText,
-                                      "No metrics are above thresholds.", 0);
+                                      "No metrics are above thresholds.", kSide);
         ASSERT_TRUE(title.has_value());
         ASSERT_TRUE(summary.has_value());
         const int startOfSummary = *summary - theme.style(FontRole::caption).ascent();
@@ -68,7 +87,8 @@ TEST_F(PanelDrawing, TheHeaderHasItsTitleAtTheLeftAndItsButtonsAtTheRightAboveTh
         const QRect refresh = find("button.refresh")->geometry();
         EXPECT_GT(settings.left(), theme.style(FontRole::headline).width("Tarnwick"));
         EXPECT_GT(refresh.left(), settings.right());
-        EXPECT_EQ(refresh.right(), header->rect().right());
+        // The symbol ends where the column does.
+        EXPECT_EQ(header->x() + refresh.right() + 1 - kSide, grid::kPadding + 288);
         for (const QRect& button : {settings, refresh}) {
             EXPECT_GT(*title, button.top());
             EXPECT_LT(*title, button.bottom());
@@ -92,7 +112,7 @@ TEST_F(PanelDrawing, ADetailPageHasItsTitleBetweenTheWayBackAndTheRefresh) {
     EXPECT_LE(left + width, refresh.left());
     EXPECT_EQ(refresh.right(), header->rect().right());
     EXPECT_TRUE(baseline(picture(find("button.goBack")), FontRole::subheadline, ColorRole::accent,
-                         "Back", grid::kSymbolSize + grid::kLinkGap)
+                         "Back", grid::kSymbolSize - grid::kLinkSymbolEdge + grid::kLinkGap)
                     .has_value());
     EXPECT_TRUE(baseline(picture(find("button.refresh")), FontRole::subheadline, ColorRole::accent,
                          "Refresh", 0)
@@ -130,8 +150,16 @@ TEST_F(PanelDrawing, EveryButtonShowsItsSymbol) {
     }
     show(memory);
     QWidget* back = find("button.goBack");
-    EXPECT_TRUE(shows(back, "chevron.left", ColorRole::accent,
-                      QPoint(0, (back->height() - grid::kSymbolSize) / 2), ground()));
+    // What is drawn of it begins at the edge of the column.
+    const QImage seen = picture(back);
+    int first = seen.width();
+    for (int y = 0; y < seen.height(); ++y) {
+        for (int x = 0; x < first; ++x) {
+            first = seen.pixelColor(x, y) == ground() ? first : x;
+        }
+    }
+    EXPECT_LE(first, 1);
+    EXPECT_EQ(symbolIn(back), cutSymbol("chevron.left", grid::kLinkSymbolEdge));
 }
 
 TEST_F(PanelDrawing, TheTitlesOfButtonsStandAtTheirLeadingEnd) {

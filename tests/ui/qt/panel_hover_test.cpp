@@ -3,19 +3,23 @@
 #include <QHelpEvent>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QToolTip>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "platform/testing/manual_dispatch.h"
 #include "tests/ui/panel/detail_fixtures.h"
 #include "tests/ui/panel/home_fixtures.h"
 #include "tests/ui/qt/pointer.h"
 #include "tests/ui/qt/settle.h"
+#include "ui/panel/held_order.h"
+#include "ui/panel/motion.h"
 #include "ui/qt/panel_view.h"
+#include "ui/qt/tool_tip.h"
 #include "ui/qt/top_apps_widget.h"
 
 namespace tarnwick::qt {
@@ -32,6 +36,8 @@ class PanelHoverTest : public ::testing::Test {
         scroller.setWidget(view);
         scroller.setGeometry(0, 0, kPanelWidth, 780);
         movePointer(kElsewhere);
+        // Bars have a test of their own.
+        motion->setReduced(true);
         inputs.cpuInfo.usagePercentage = 99;
         inputs.systemInfo.uptime = 60;
         inputs.remindRestartAfterWeek = true;
@@ -53,6 +59,11 @@ class PanelHoverTest : public ::testing::Test {
     /// The other way round.
     void turnProcesses() {
         std::swap(inputs.topCPUProcesses.front(), inputs.topCPUProcesses.back());
+        show();
+    }
+    /// The clock goes on, then comes the same page again.
+    void waitForPage(double seconds) {
+        manual.advance(seconds);
         show();
     }
     std::vector<std::string> names() const {
@@ -80,9 +91,11 @@ class PanelHoverTest : public ::testing::Test {
     Theme theme;
     testing::PlainByteCountFormatter formatter;
     HomePageInputs inputs = testing::calmMachine();
+    platform::testing::ManualDispatch manual;
+    std::shared_ptr<Motion> motion = std::make_shared<Motion>(manual);
     QScrollArea scroller;
     PanelView* view = new PanelView(
-        theme, [](PanelAction) {}, &scroller);
+        theme, [](PanelAction) {}, &scroller, motion);
 };
 
 /// What may happen above the list.
@@ -98,11 +111,6 @@ constexpr Change kChanges[] = {
      [](HomePageInputs& in) {
          in.systemInfo.uptime = 604800;
          in.gpuInfo.isAvailable = false;
-     }},
-    {"the summary takes a second line",
-     [](HomePageInputs& in) {
-         in.displaySummary.popoverText =
-             "A summary that says so much about so many things that it needs another line";
      }},
     {"rows take the place of another",
      [](HomePageInputs& in) { in.batteryDetectionComplete = true; }},
@@ -164,11 +172,10 @@ TEST_F(PanelHoverTest, APointerAtRestKeepsNothingWaitingForEver) {
     movePointer(middleOfList());
     inputs.systemInfo.uptime = 604800;
     const int y = list()->y();
-    for (int page = 0; page < 5; ++page) {
-        show();
-        EXPECT_FALSE(find("restart")->isVisible()) << page;
-    }
     show();
+    waitForPage(kLongestHold - 0.1);
+    EXPECT_FALSE(find("restart")->isVisible());
+    waitForPage(0.1);
     expectLatest();
     EXPECT_GT(list()->y(), y);
     // Moved again, it holds again.
@@ -182,13 +189,9 @@ TEST_F(PanelHoverTest, APointerAtRestKeepsNothingWaitingForEver) {
 
 TEST_F(PanelHoverTest, APointerAtRestHoldsTheOrderNoLongerThanTheRowsAbove) {
     movePointer(middleOfList());
-    for (int page = 0; page < 5; ++page) {
-        turnProcesses();
-        EXPECT_THAT(names(), ElementsAre("a", "b")) << page;
-    }
     turnProcesses();
     EXPECT_THAT(names(), ElementsAre("a", "b"));
-    turnProcesses();
+    manual.advance(kLongestHold);
     EXPECT_THAT(names(), ElementsAre("b", "a"));
     turnProcesses();
     EXPECT_THAT(names(), ElementsAre("a", "b"));
@@ -201,25 +204,61 @@ TEST_F(PanelHoverTest, APointerAtRestHoldsTheOrderNoLongerThanTheRowsAbove) {
 TEST_F(PanelHoverTest, AnOrderThatWasHeldForLongIsTheLatestAlsoWhereTheListIsTheSame) {
     movePointer(middleOfList());
     turnProcesses();
-    for (int page = 0; page < 4; ++page) {
-        show();
-        EXPECT_THAT(names(), ElementsAre("a", "b")) << page;
-    }
-    show();
+    waitForPage(kLongestHold - 0.1);
+    EXPECT_THAT(names(), ElementsAre("a", "b"));
+    waitForPage(0.1);
     EXPECT_THAT(names(), ElementsAre("b", "a"));
 }
 
-TEST_F(PanelHoverTest, ASummaryThatHasToWaitForItsRoomIsCutWithAToolTip) {
+TEST_F(PanelHoverTest, APointerThatKeepsMovingHoldsNothingLongerThanOneAtRest) {
+    for (const Change& change : kChanges) {
+        SCOPED_TRACE(change.name);
+        const HomePageInputs before = inputs;
+        movePointer(middleOfList());
+        change.apply(inputs);
+        show();
+        double waited = 0;
+        for (int move = 0; waited < kLongestHold - 0.75; ++move, waited += 0.5) {
+            movePointer(middleOfList() + QPoint(move % 2, 0));
+            waitForPage(0.5);
+        }
+        movePointer(middleOfList() + QPoint(3, 0));
+        manual.advance(kLongestHold - waited);
+        // Before any later turn, in which the pointer would move on.
+        expectLatest();
+        movePointer(middleOfList() + QPoint(5, 0));
+        inputs = before;
+        movePointer(kElsewhere);
+        show();
+        expectLatest();
+    }
+}
+
+TEST_F(PanelHoverTest, APointerThatComesBackHoldsForAsLongAgain) {
     movePointer(middleOfList());
-    const QString all = "A summary that says so much that it needs another line of its own";
+    show();
+    waitForPage(kLongestHold - 0.1);
+    movePointer(kElsewhere);
+    show();
+    movePointer(middleOfList());
+    turnProcesses();
+    waitForPage(kLongestHold - 0.1);
+    EXPECT_THAT(names(), ElementsAre("a", "b"));
+}
+
+TEST_F(PanelHoverTest, ASummaryThatIsTooLongForItsRoomIsCutWithAToolTip) {
+    movePointer(middleOfList());
+    const QString all =
+        "A summary that says so much that it needs another line of its own, and then goes on and "
+        "on until even that line is full and nobody reads it any more";
     inputs.displaySummary.popoverText = all.toStdString();
     show();
     auto* header = find("header");
     const QPoint position(5, header->height() - 3);
     QHelpEvent help(QEvent::ToolTip, position, header->mapToGlobal(position));
     QApplication::sendEvent(header, &help);
-    EXPECT_TRUE(QToolTip::text().contains(all)) << QToolTip::text().toStdString();
-    QToolTip::hideText();
+    EXPECT_TRUE(shownToolTip().contains(all)) << shownToolTip().toStdString();
+    hideToolTip();
 }
 
 TEST_F(PanelHoverTest, LinesThatComeAndGoUnderAPointerThatNobodyHasToldOfYetAreShown) {

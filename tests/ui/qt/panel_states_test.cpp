@@ -60,8 +60,8 @@ class PanelStates : public PanelViewTest {
             const BlockWidget* widget = block(item);
             ASSERT_NE(widget, nullptr);
             EXPECT_TRUE(widget->isVisible());
-            EXPECT_EQ(widget->x(), 16);
-            EXPECT_EQ(widget->width(), 288);
+            EXPECT_EQ(widget->x() + widget->sideOverhang(), 16);
+            EXPECT_EQ(widget->width() - 2 * widget->sideOverhang(), 288);
             EXPECT_EQ(widget->y() + widget->overhang(), bottom + item.spaceAbove);
             const int height = widget->height() - 2 * widget->overhang();
             EXPECT_GT(height, 0);

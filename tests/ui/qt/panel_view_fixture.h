@@ -6,7 +6,6 @@
 #include <QHelpEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
-#include <QToolTip>
 #include <gtest/gtest.h>
 #include <vector>
 
@@ -14,6 +13,7 @@
 #include "tests/ui/panel/home_fixtures.h"
 #include "tests/ui/qt/settle.h"
 #include "ui/qt/panel_view.h"
+#include "ui/qt/tool_tip.h"
 
 namespace tarnwick::qt {
 
@@ -37,16 +37,11 @@ class PanelViewTest : public ::testing::Test {
     }
     /// The tool tip when the pointer rests over the middle of a widget.
     QString toolTip(QWidget* widget) const {
-        // Deleted, because hiding would take a while.
-        for (QWidget* each : QApplication::topLevelWidgets()) {
-            if (each->inherits("QTipLabel")) {
-                delete each;
-            }
-        }
+        hideToolTip();
         const QPoint position = widget->rect().center();
         QHelpEvent help(QEvent::ToolTip, position, widget->mapToGlobal(position));
         QApplication::sendEvent(widget, &help);
-        return QToolTip::text();
+        return shownToolTip();
     }
     void press(QWidget* widget, Qt::Key key) const {
         QKeyEvent down(QEvent::KeyPress, key, Qt::NoModifier);

@@ -2,6 +2,7 @@
 #include "ui/qt/panel_view.h"
 
 #include <QApplication>
+#include <QMenu>
 #include <QPainter>
 #include <QtMath>
 #include <gmock/gmock.h>
@@ -10,6 +11,7 @@
 #include "tests/ui/qt/paint_counter.h"
 #include "tests/ui/qt/panel_view_fixture.h"
 #include "ui/qt/button_widget.h"
+#include "ui/qt/grid.h"
 #include "ui/qt/row_content.h"
 #include "ui/qt/symbols.h"
 
@@ -51,6 +53,17 @@ TEST_F(PanelViewTest, TheSamePageIsNotPaintedAgain) {
     PaintCounter counter;
     show(testing::calmMachine());
     EXPECT_THAT(counter.paints, IsEmpty());
+}
+
+TEST_F(PanelViewTest, AnotherSummaryIsPaintedInTheColumnAlone) {
+    HomePageInputs inputs = testing::calmMachine();
+    show(inputs);
+    inputs.displaySummary.popoverText = "Another one.";
+    PaintCounter counter;
+    show(inputs);
+    const QWidget* header = find("header");
+    EXPECT_EQ(counter.regions["header"].boundingRect().translated(header->pos()),
+              QRect(16, header->y(), 288, header->height()));
 }
 
 TEST_F(PanelViewTest, WidgetsOfItemsThatStayAreKept) {
@@ -113,8 +126,8 @@ TEST_F(PanelViewTest, LevelsAreToldApartByMoreThanTheirColour) {
     EXPECT_EQ(mark(Tint::red), "exclamationmark.triangle.fill");
     EXPECT_EQ(mark(Tint::gray), "");
 
-    // The same in a trend: what stands behind its figure.
-    const auto inkBehindFigure = [this](Tint tint) {
+    // The same in a trend: before its figure, too.
+    const auto inkBeforeFigure = [this](Tint tint) {
         view.setPage({{"trend", 0, TrendRow{"CPU", "42%", {1, 2}, tint}}});
         view.show();
         settle();
@@ -122,18 +135,31 @@ TEST_F(PanelViewTest, LevelsAreToldApartByMoreThanTheirColour) {
         QImage image(trend->size(), QImage::Format_RGB32);
         image.fill(theme.color(ColorRole::panel));
         trend->render(&image, QPoint(), QRegion(), QWidget::DrawChildren);
-        const int left = qCeil(theme.style(FontRole::captionMedium).width("42%")) + 3;
         int count = 0;
-        for (int x = left; x < left + 16; ++x) {
+        for (int x = 0; x < grid::kMarkSize; ++x) {
             for (int y = image.height() / 2; y < image.height(); ++y) {
-                count += image.pixel(x, y) != theme.color(ColorRole::panel).rgb() ? 1 : 0;
+                count += image.pixel(x, y) == theme.color(tint).rgb() ? 1 : 0;
             }
         }
         return count;
     };
-    EXPECT_EQ(inkBehindFigure(Tint::green), 0);
-    EXPECT_GT(inkBehindFigure(Tint::yellow), 40);
-    EXPECT_GT(inkBehindFigure(Tint::red), 40);
+    EXPECT_EQ(inkBeforeFigure(Tint::green), 0);
+    EXPECT_GT(inkBeforeFigure(Tint::yellow), 40);
+    EXPECT_GT(inkBeforeFigure(Tint::red), 40);
+}
+
+TEST_F(PanelViewTest, KeepsItsHeightWhicheverMetricTheSummaryIsAbout) {
+    HomePageInputs inputs = testing::calmMachine();
+    show(inputs);
+    const int height = view.height();
+    for (const char* summary : {"CPU usage is at 99%, above the high threshold.",
+                                "GPU usage is at 100%, above the normal threshold.",
+                                "Memory usage is at 100%, above the normal threshold.",
+                                "Storage usage is at 100%, above the normal threshold.", ""}) {
+        inputs.displaySummary.popoverText = summary;
+        show(inputs);
+        EXPECT_EQ(view.height(), height) << summary;
+    }
 }
 
 TEST_F(PanelViewTest, CutTextsAreWholeInTheToolTip) {
@@ -145,18 +171,75 @@ TEST_F(PanelViewTest, CutTextsAreWholeInTheToolTip) {
     EXPECT_FALSE(toolTip(find("bar.storage")).contains("494.38 GB"));
 }
 
-TEST_F(PanelViewTest, TextsThatFitHaveNoToolTip) {
+TEST_F(PanelViewTest, TextsThatFitAndHaveNothingToAddHaveNoToolTip) {
     show(testing::calmMachine());
-    for (const char* id : {"bar.storage", "uptime", "battery.cycles", "battery"}) {
+    for (const char* id : {"uptime", "thermals", "battery.cycles"}) {
         EXPECT_EQ(toolTip(find(id)), "") << id;
     }
+}
+
+TEST_F(PanelViewTest, WhatIsMeasuredAndNotShownIsInTheToolTip) {
+    HomePageInputs inputs = testing::calmMachine();
+    inputs.cpuInfo.userPercentage = 30;
+    inputs.cpuInfo.systemPercentage = 12.5;
+    inputs.cpuInfo.coreUsages = {50, 34};
+    show(inputs);
+    EXPECT_EQ(toolTip(find("bar.cpu")), "User 30.0%, system 12.5%, cores 50% 34%");
+    EXPECT_TRUE(find("bar.cpu")->accessibleDescription().startsWith("User 30.0%"));
+    EXPECT_TRUE(QAccessible::queryAccessibleInterface(find("bar.cpu"))
+                    ->text(QAccessible::Description)
+                    .endsWith(". User 30.0%, system 12.5%, cores 50% 34%"));
+    // The figures of the next page.
+    inputs.cpuInfo.coreUsages = {51, 33};
+    show(inputs);
+    EXPECT_EQ(toolTip(find("bar.cpu")), "User 30.0%, system 12.5%, cores 51% 33%");
+    hideToolTip();
+}
+
+TEST_F(PanelViewTest, AToolTipStandsBelowWhatItTellsOf) {
+    show(testing::calmMachine());
+    ASSERT_FALSE(toolTip(find("bar.memory")).isEmpty());
+    QWidget* shown = nullptr;
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+        shown = each->objectName() == "toolTip" && each->isVisible() ? each : shown;
+    }
+    ASSERT_NE(shown, nullptr);
+    const QRect bar(find("bar.memory")->mapToGlobal(QPoint()), find("bar.memory")->size());
+    EXPECT_EQ(shown->geometry().topLeft(), bar.bottomLeft() + QPoint(0, 5));
+    // In the program's own colours, also with a long text inside.
+    const QImage image = shown->grab().toImage();
+    EXPECT_EQ(image.pixelColor(image.width() / 2, 3), theme.color(ColorRole::card));
+    // Whatever is pressed, it goes.
+    press(&view, Qt::Key_A);
+    EXPECT_EQ(shownToolTip(), "");
+    settle();
+}
+
+TEST_F(PanelViewTest, TheToolTipOfATrendTellsTheValueBelowThePointer) {
+    PerformanceDetailInputs inputs;
+    inputs.cpuUsageHistory = {UsageSample{{}, 100, 10}, UsageSample{{}, 102, 90},
+                              UsageSample{{}, 104, 40}};
+    show(inputs);
+    QWidget* trend = find("trend.cpu");
+    const auto at = [&](int x) {
+        hideToolTip();
+        const QPoint position(x, trend->height() / 2);
+        QHelpEvent help(QEvent::ToolTip, position, trend->mapToGlobal(position));
+        QApplication::sendEvent(trend, &help);
+        return shownToolTip();
+    };
+    EXPECT_EQ(at(5), "Lowest 10%, highest 90%");
+    EXPECT_EQ(at(trend->width() - 120), "10% 4 s ago, lowest 10%, highest 90%");
+    EXPECT_EQ(at(trend->width() - 60), "90% 2 s ago, lowest 10%, highest 90%");
+    EXPECT_EQ(at(trend->width() - 1), "40% now, lowest 10%, highest 90%");
+    hideToolTip();
 }
 
 TEST_F(PanelViewTest, NamesAreNeverMarkup) {
     HomePageInputs inputs = testing::calmMachine();
     inputs.storageInfo.front().name = "<b>bold</b> and a name that is too long to be shown whole";
     show(inputs);
-    EXPECT_TRUE(toolTip(find("bar.storage")).contains("&lt;b&gt;bold&lt;/b&gt;"));
+    EXPECT_TRUE(toolTip(find("bar.storage")).contains("<b>bold</b>"));
 }
 
 TEST_F(PanelViewTest, IconButtonsSayTheirNameInAToolTip) {
@@ -180,6 +263,31 @@ TEST_F(PanelViewTest, ClicksAskForTheActionOfTheButton) {
                 ElementsAre(PanelAction::refresh, PanelAction::showSettings,
                             PanelAction::openActivityMonitor, PanelAction::quit,
                             PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail));
+}
+
+TEST_F(PanelViewTest, ARightClickShowsAMenu) {
+    show(testing::calmMachine());
+    const PanelAction actions[] = {PanelAction::copy, PanelAction::refresh,
+                                   PanelAction::showSettings, PanelAction::quit};
+    const char* titles[] = {"Copy", "Refresh", "Settings", "Quit"};
+    for (int entry = 0; entry < 4; ++entry) {
+        // Also over a block, and over a button.
+        QWidget* place = find(entry % 2 == 0 ? "bar.cpu" : "button.quit");
+        const QPoint position = place->rect().center();
+        QContextMenuEvent event(QContextMenuEvent::Mouse, position, place->mapToGlobal(position));
+        QApplication::sendEvent(place, &event);
+        settle();
+        auto* menu = view.findChild<QMenu*>("menu");
+        ASSERT_NE(menu, nullptr);
+        EXPECT_TRUE(menu->isVisible());
+        ASSERT_EQ(menu->actions().size(), 4);
+        EXPECT_EQ(menu->actions()[entry]->text(), titles[entry]);
+        menu->actions()[entry]->trigger();
+        menu->close();
+        settle();
+        EXPECT_EQ(view.findChild<QMenu*>("menu"), nullptr);
+    }
+    EXPECT_THAT(pressed, ::testing::ElementsAreArray(actions));
 }
 
 TEST_F(PanelViewTest, DisabledButtonsAreThereAndDoNothing) {
@@ -291,7 +399,8 @@ TEST_F(PanelViewTest, ATitleThatTheButtonsLeaveNoRoomIsCutAndWholeInTheToolTip) 
     const QPoint position(10, 10);
     QHelpEvent help(QEvent::ToolTip, position, header->mapToGlobal(position));
     QApplication::sendEvent(header, &help);
-    EXPECT_TRUE(QToolTip::text().contains("Tarnwick"));
+    EXPECT_TRUE(shownToolTip().contains("Tarnwick"));
+    hideToolTip();
     QApplication::setFont(old);
     settle();
 }

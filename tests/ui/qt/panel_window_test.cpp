@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/panel_window.h"
 
+#include <QPainter>
 #include <QScreen>
 #include <QScrollBar>
+#include <QTest>
 #include <QWheelEvent>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -11,6 +13,7 @@
 #include "tests/ui/qt/panel_window_fixture.h"
 #include "ui/qt/panel_placement.h"
 #include "ui/qt/panel_popup.h"
+#include "ui/qt/shadow.h"
 
 namespace tarnwick::qt {
 namespace {
@@ -301,6 +304,26 @@ TEST_F(PanelWindowTest, ByPointerTheFocusReturnsUnseen) {
     EXPECT_TRUE(find("focusRing")->isVisible());
 }
 
+TEST_F(PanelWindowTest, APressByThePointerAfterKeysShowsNoFocus) {
+    for (const char* way : {"button.showMemoryDetail", "button.showPerformanceDetail"}) {
+        // The focus stands on another button, then on the one that is pressed.
+        for (const char* at : {"button.refresh", way}) {
+            SCOPED_TRACE(std::string(way) + " from " + at);
+            open();
+            while (focused() != at) {
+                key(Qt::Key_Tab);
+            }
+            EXPECT_TRUE(find("focusRing")->isVisible());
+            QTest::mouseClick(find(way), Qt::LeftButton);
+            qt::settle();
+            EXPECT_EQ(focused(), "button.goBack");
+            EXPECT_FALSE(find("focusRing")->isVisible());
+            window->close();
+            qt::settle();
+        }
+    }
+}
+
 TEST_F(PanelWindowTest, NewFiguresLeaveTheFocusWhereItIs) {
     open();
     settle();
@@ -580,6 +603,31 @@ TEST(PanelPopup, IsCutToShapeWhereNothingIsTranslucent) {
     EXPECT_FALSE(popup.mask().contains(QPoint(319, 0)));
     EXPECT_TRUE(popup.mask().contains(QPoint(160, 0)));
     EXPECT_TRUE(popup.mask().contains(QPoint(0, 100)));
+}
+
+TEST(Shadow, HasNoSeamsAtAnyScale) {
+    for (const qreal ratio : {1.0, 1.25, 1.5, 1.75, 2.0}) {
+        for (const int height : {200, 201, 202, 203}) {
+            QImage image(qRound(300 * ratio), qRound(300 * ratio), QImage::Format_ARGB32);
+            image.setDevicePixelRatio(ratio);
+            image.fill(Qt::transparent);
+            QPainter painter(&image);
+            paintShadow(painter, QRect(50, 45, 201, height), 12, false);
+            painter.end();
+            const auto alpha = [&](int x, int y) { return qAlpha(image.pixel(x, y)); };
+            const int beside = qRound(45 * ratio);
+            const int below = qRound((45 + height + 6) * ratio);
+            for (int i = qRound(70 * ratio); i < qRound(200 * ratio); ++i) {
+                ASSERT_GT(alpha(beside, i), 0) << ratio << ' ' << height << ' ' << i;
+                ASSERT_EQ(alpha(beside, i), alpha(beside, i - 1)) << ratio << ' ' << i;
+                ASSERT_EQ(alpha(i, below), alpha(i - 1, below)) << ratio << ' ' << i;
+            }
+            // From the straight part into the corner it only fades.
+            for (int i = qRound(200 * ratio); i < image.height(); ++i) {
+                ASSERT_LE(alpha(beside, i), alpha(beside, i - 1)) << ratio << ' ' << height;
+            }
+        }
+    }
 }
 
 TEST(PanelPopup, HasAShadowThatEndsInsideItsWindow) {

@@ -2,7 +2,6 @@
 // Lists of processes, and what they do under the pointer.
 #include <QApplication>
 #include <QHelpEvent>
-#include <QToolTip>
 #include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -13,6 +12,7 @@
 #include "tests/ui/qt/pointer.h"
 #include "tests/ui/qt/settle.h"
 #include "ui/qt/panel_view.h"
+#include "ui/qt/tool_tip.h"
 #include "ui/qt/top_apps_widget.h"
 
 namespace tarnwick::qt {
@@ -192,10 +192,15 @@ TEST_F(ProcessListTest, ALongNameIsWholeInTheToolTip) {
         const QPoint position = line->rect().center();
         QHelpEvent help(QEvent::ToolTip, position, line->mapToGlobal(position));
         QApplication::sendEvent(line, &help);
-        return QToolTip::text();
+        return shownToolTip();
     };
     EXPECT_TRUE(tip(lines()[1]).contains(QString(300, 'W')));
     EXPECT_EQ(lines()[1]->accessibleName(), QString(300, 'W') + ", 50.0% (50 bytes)");
+    // Beside its own line, with what is told of that process alone.
+    EXPECT_TRUE(tip(lines()[0]).startsWith("Process 2"));
+    EXPECT_EQ(lines()[0]->accessibleDescription(), shownToolTip());
+    EXPECT_TRUE(tip(lines()[1]).contains("\nProcess 1"));
+    hideToolTip();
 }
 
 TEST_F(ProcessListTest, TheSectionOfTheHomePageHoldsItsRowsToo) {

@@ -2,6 +2,7 @@
 // What the controls of the settings window do and show.
 #include <QAccessible>
 #include <QAccessibleInterface>
+#include <QHelpEvent>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <functional>
@@ -14,6 +15,7 @@
 #include "ui/qt/settings_cards.h"
 #include "ui/qt/settings_mode_card.h"
 #include "ui/qt/shortcut_field_widget.h"
+#include "ui/qt/tool_tip.h"
 
 namespace tarnwick::qt {
 namespace {
@@ -35,7 +37,7 @@ class SettingsControls : public SettingsWidgetFixture {
         const auto labels = card->findChildren<SettingsLabel*>();
         for (qsizetype i = 2; i < labels.size(); ++i) {
             if (labels[i]->isVisible()) {
-                texts.push_back(labels[i]->text().toStdString());
+                texts.push_back(labels[i]->accessibleName().toStdString());
             }
         }
         return texts;
@@ -115,6 +117,19 @@ TEST_F(SettingsControls, ASwitchIsPressed) {
     click(button("switch"));
     EXPECT_FALSE(settings.launchOnLogin());
     EXPECT_FALSE(button("switch")->isChecked());
+}
+
+TEST_F(SettingsControls, ASwitchIsPressedAnywhereOnItsCard) {
+    QWidget* card = find("switch")->parentWidget();
+    const bool before = settings.launchOnLogin();
+    mouse(card, QEvent::MouseButtonPress, QPointF(20, 20));
+    EXPECT_EQ(settings.launchOnLogin(), before);
+    mouse(card, QEvent::MouseButtonRelease, QPointF(20, 20));
+    EXPECT_NE(settings.launchOnLogin(), before);
+    // Let go outside, it is no press.
+    mouse(card, QEvent::MouseButtonPress, QPointF(20, 20));
+    mouse(card, QEvent::MouseButtonRelease, QPointF(20, -20));
+    EXPECT_NE(settings.launchOnLogin(), before);
 }
 
 TEST_F(SettingsControls, TwoPressesInOneTurnAreTwo) {
@@ -288,6 +303,22 @@ class ShortcutFieldControl : public SettingsControls {
     }
 };
 
+TEST_F(ShortcutFieldControl, TheCardTellsWhatTheKeysAreOnThisSystem) {
+    auto* card = dynamic_cast<ShortcutCardWidget*>(find("shortcut")->parentWidget());
+    ASSERT_NE(card, nullptr);
+    const auto tip = [&] {
+        hideToolTip();
+        QHelpEvent help(QEvent::ToolTip, QPoint(5, 5), card->mapToGlobal(QPoint(5, 5)));
+        QApplication::sendEvent(card, &help);
+        return shownToolTip();
+    };
+    EXPECT_EQ(tip(), "");
+    card->setEditor({.field = {}, .tip = "⌘ is a key.", .hasClear = false, .lines = {}});
+    EXPECT_EQ(tip(), "⌘ is a key.");
+    EXPECT_TRUE(find("shortcut")->accessibleDescription().endsWith(". ⌘ is a key."));
+    hideToolTip();
+}
+
 TEST_F(ShortcutFieldControl, HasItsMeasuresAndItsWords) {
     EXPECT_EQ(find("shortcut")->width(), 220);
     EXPECT_GE(find("shortcut")->height(), 24);
@@ -348,6 +379,18 @@ TEST_F(ShortcutFieldControl, HeldModifiersAreJudgedBeforeAnyKey) {
     EXPECT_TRUE(field().isRecording());
 }
 
+TEST_F(ShortcutFieldControl, AltGrIsNoModifierWhileItIsHeldNorInWhatIsStored) {
+    startRecording();
+    nativeKey(QEvent::KeyPress, 0x3D, Qt::NoModifier, Qt::Key_AltGr);
+    EXPECT_THAT(lines(), IsEmpty());
+    nativeKey(QEvent::KeyPress, 0x37, Qt::GroupSwitchModifier, Qt::Key_Super_L);
+    nativeKey(QEvent::KeyPress, 0x38, Qt::GroupSwitchModifier | Qt::MetaModifier, Qt::Key_Shift);
+    EXPECT_THAT(lines(), IsEmpty());
+    nativeKey(QEvent::KeyPress, 37, Qt::GroupSwitchModifier | Qt::MetaModifier | Qt::ShiftModifier,
+              Qt::Key_L);
+    EXPECT_EQ(settings.shortcutModifiers(), kCommand | kShift);
+}
+
 TEST_F(ShortcutFieldControl, APlainKeyIsRejectedAndRecordingGoesOn) {
     startRecording();
     nativeKey(QEvent::KeyPress, 40, Qt::NoModifier, Qt::Key_K);
@@ -374,6 +417,8 @@ TEST_F(ShortcutFieldControl, EscapeCancels) {
     nativeKey(QEvent::KeyPress, 53, Qt::MetaModifier, Qt::Key_Escape);
     EXPECT_FALSE(field().isRecording());
     EXPECT_EQ(settings.shortcutKeyCode(), 37);
+    // The window that Escape closes otherwise stays.
+    EXPECT_TRUE(widget->isVisible());
 }
 
 TEST_F(ShortcutFieldControl, DeleteClears) {

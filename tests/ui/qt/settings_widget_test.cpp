@@ -297,11 +297,56 @@ TEST_F(SettingsWidgetTest, AboutSaysWhatTheProgramIs) {
     select(Tab::about);
     std::vector<std::string> texts;
     for (const SettingsLabel* label : visible<SettingsLabel>()) {
-        texts.push_back(label->text().toStdString());
+        texts.push_back(label->accessibleName().toStdString());
     }
     EXPECT_THAT(texts, ElementsAre("Tarnwick", "Version", "1.4 (212)", "Private by design",
                                    "Quietly in the background", "Resource conscious",
                                    "Privacy & Security", std::string(PrivacyNote::kText)));
+}
+
+TEST_F(SettingsWidgetTest, TheGeneralTabOfAFreshStoreFitsIntoItsWindow) {
+    widget->resize(520, 500);
+    settle();
+    const auto* page = qobject_cast<QScrollArea*>(find("page")->parentWidget()->parentWidget());
+    ASSERT_NE(page, nullptr);
+    EXPECT_EQ(page->verticalScrollBar()->maximum(), 0);
+}
+
+TEST_F(SettingsWidgetTest, CaptionsBreakNeitherWithinACombinationNorBeforeTheirLastWord) {
+    bool isThere = false;
+    for (const SettingsLabel* label : visible<SettingsLabel>()) {
+        const QString text = label->text();
+        EXPECT_FALSE(text.contains(" +") || text.contains("+ ")) << text.toStdString();
+        if (text.startsWith("Show only")) {
+            EXPECT_TRUE(text.endsWith(QString("menu") + QChar::Nbsp + "bar."));
+            // Screen readers and tests have the text as it is.
+            EXPECT_EQ(label->accessibleName(), "Show only the status icon in the menu bar.");
+            isThere = true;
+        }
+    }
+    EXPECT_TRUE(isThere);
+}
+
+TEST_F(SettingsWidgetTest, EscapeClosesTheWindow) {
+    typed(Qt::Key_Escape, Qt::NoModifier);
+    EXPECT_FALSE(widget->isVisible());
+}
+
+TEST_F(SettingsWidgetTest, TheKeysToCloseAWindowCloseIt) {
+    typed(Qt::Key_W, Qt::ControlModifier);
+    EXPECT_FALSE(widget->isVisible());
+}
+
+TEST_F(SettingsWidgetTest, TheVersionCanBeCopied) {
+    select(Tab::about);
+    auto* version = widget->findChild<QLabel*>("version");
+    ASSERT_NE(version, nullptr);
+    QTest::mouseDClick(version, Qt::LeftButton, Qt::NoModifier,
+                       QPoint(version->width() - 4, version->height() / 2));
+    EXPECT_TRUE(version->hasSelectedText());
+    // Other labels are no place to select anything.
+    EXPECT_TRUE(
+        find("page")->findChild<SettingsLabel*>()->testAttribute(Qt::WA_TransparentForMouseEvents));
 }
 
 TEST_F(SettingsWidgetTest, LinksLeadToTheMaker) {

@@ -5,9 +5,12 @@
 #include <QPainter>
 #include <QSvgRenderer>
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 #include <gtest/gtest.h>
 #include <string>
+
+#include "ui/qt/theme.h"
 
 namespace tarnwick::qt {
 namespace {
@@ -25,6 +28,20 @@ int pixelsOf(const QImage& image, QRgb colour) {
 }
 
 class Symbols : public ::testing::TestWithParam<const char*> {};
+
+double lightOf(const QColor& colour) {
+    const auto linear = [](double part) {
+        return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
+           0.0722 * linear(colour.blueF());
+}
+
+double contrastOf(const QColor& one, const QColor& other) {
+    const double a = lightOf(one);
+    const double b = lightOf(other);
+    return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
+}
 
 TEST_P(Symbols, IsDrawnInTheColourInsideItsSquare) {
     ASSERT_TRUE(hasSymbol(GetParam()));
@@ -88,6 +105,23 @@ TEST(SymbolImage, SeverityMarksAreCutOutInWhite) {
     for (const char* name :
          {"checkmark.circle.fill", "info.circle.fill", "exclamationmark.triangle.fill"}) {
         EXPECT_GT(pixelsOf(symbolImage(name, Qt::red, 32), qRgb(255, 255, 255)), 20) << name;
+    }
+}
+
+TEST(SymbolImage, InABrightColourMarksAreCutOutInTheDark) {
+    for (const bool isDark : {false, true}) {
+        for (const Tint tint : {Tint::green, Tint::yellow, Tint::red, Tint::orange}) {
+            const QColor colour = Theme::color(tint, isDark);
+            const QImage image = symbolImage("checkmark.circle.fill", colour, 32);
+            // The lightest or darkest pixel is that of the mark.
+            double best = 1;
+            for (int y = 8; y < 24; ++y) {
+                for (int x = 8; x < 24; ++x) {
+                    best = std::max(best, contrastOf(image.pixelColor(x, y), colour));
+                }
+            }
+            EXPECT_GE(best, 3) << static_cast<int>(tint) << isDark;
+        }
     }
 }
 

@@ -121,9 +121,11 @@ TEST_F(ThresholdSliderWidgetTest, ThumbsGoToTheirEndsAndNotPastEachOther) {
     EXPECT_EQ(settings.storageHigh(), 51);
 }
 
-TEST_F(ThresholdSliderWidgetTest, APressBesideTheThumbsAndOtherButtonsDoNothing) {
+TEST_F(ThresholdSliderWidgetTest, APressOnTheTrackMovesAThumbAndOtherButtonsDoNothing) {
     drag(30, {60});
-    EXPECT_EQ(settings.cpuNormal(), 80);
+    EXPECT_EQ(settings.cpuNormal(), 60);
+    settings.setCPUNormal(80);
+    catchUp();
     QMouseEvent right(QEvent::MouseButtonPress, at(80), slider->mapToGlobal(at(80)),
                       Qt::RightButton, Qt::RightButton, Qt::NoModifier);
     QApplication::sendEvent(slider, &right);

@@ -265,9 +265,30 @@ TEST_F(DualThresholdSliderTest, APressIsTheFirstChangeOfADrag) {
     EXPECT_EQ(high, 90);
 }
 
-TEST_F(DualThresholdSliderTest, APressAwayFromTheThumbsDoesNothing) {
+TEST_F(DualThresholdSliderTest, APressOnTheTrackMovesTheNearerThumbThereAndDragsIt) {
+    ASSERT_TRUE(slider.beginDrag(at(30), 0, kWidth));
+    EXPECT_EQ(normal, 30);
+    EXPECT_EQ(high, 90);
+    slider.continueDrag(at(40), kWidth);
+    EXPECT_EQ(normal, 40);
+    slider.endDrag();
+    ASSERT_TRUE(slider.beginDrag(at(66), 0, kWidth));
+    EXPECT_EQ(normal, 40);
+    EXPECT_EQ(high, 66);
+    slider.endDrag();
+    // In the middle the normal one.
+    ASSERT_TRUE(slider.beginDrag(at(53), 0, kWidth));
+    EXPECT_EQ(normal, 53);
+}
+
+TEST_F(DualThresholdSliderTest, HasTicksAtTheEndsOfItsRanges) {
+    EXPECT_EQ(slider.ticks(kWidth), (std::array<double, 2>{at(10), at(100)}));
+}
+
+TEST_F(DualThresholdSliderTest, APressAwayFromThumbsAndTrackDoesNothing) {
     constexpr double half = DualThresholdSlider::kHitSize / 2;
-    EXPECT_FALSE(slider.beginDrag(at(70) - half - 0.5, 0, kWidth));
+    EXPECT_FALSE(slider.beginDrag(-0.5, 0, kWidth));
+    EXPECT_FALSE(slider.beginDrag(kWidth + 0.5, 0, kWidth));
     EXPECT_FALSE(slider.beginDrag(at(70), half + 0.5, kWidth));
     EXPECT_FALSE(slider.beginDrag(at(70), -half - 0.5, kWidth));
     EXPECT_FALSE(slider.isDraggingNormal());
@@ -329,7 +350,7 @@ TEST_F(DualThresholdSliderTest, AThumbThatWasPressedIsTakenInEitherDirection) {
 
 TEST_F(DualThresholdSliderTest, ADragWhoseEndWasLostIsOverWithTheNextPress) {
     ASSERT_TRUE(slider.beginDrag(at(70), 0, kWidth));
-    EXPECT_FALSE(slider.beginDrag(at(30), 0, kWidth));
+    EXPECT_FALSE(slider.beginDrag(at(30), kWidth, kWidth));
     slider.continueDrag(at(40), kWidth);
     EXPECT_EQ(normal, 70);
     EXPECT_FALSE(slider.isDraggingNormal());

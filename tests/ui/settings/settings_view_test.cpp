@@ -243,6 +243,38 @@ TEST_F(SettingsViewTest, ARecordedShortcutIsStored) {
     EXPECT_EQ(editor().field, (ShortcutFieldText{"⇧⌘K", false}));
 }
 
+TEST_F(SettingsViewTest, SaysWhileItRecordsSoThatNoShortcutTakesTheKeys) {
+    view->shortcutField().mouseDown();
+    EXPECT_TRUE(settings.isRecordingShortcut());
+    view->shortcutField().keyDown(53, 0);
+    EXPECT_FALSE(settings.isRecordingShortcut());
+    // Also when the window goes in the middle of it.
+    view->shortcutField().mouseDown();
+    view.reset();
+    EXPECT_FALSE(settings.isRecordingShortcut());
+}
+
+TEST_F(SettingsViewTest, SaysWhereTheItemHasNoRoomForItsText) {
+    const auto toolTips = [this] {
+        std::vector<std::string_view> found;
+        const SettingsPage page = view->page(Tab::general);
+        for (const SettingsItem& item : page.sections[0].content) {
+            found.push_back(std::get<DisplayModeCard>(item).toolTip);
+        }
+        return found;
+    };
+    EXPECT_THAT(toolTips(), ElementsAre("", ""));
+    bool isIconOnly = true;
+    SettingsViewEnvironment narrow = environment();
+    narrow.itemIsIconOnly = [&] { return isIconOnly; };
+    view = std::make_unique<SettingsView>(settings, narrow);
+    EXPECT_THAT(toolTips(),
+                ElementsAre("", "This panel shows icons only; the text is in the tool tip."));
+    // The tray's program may change.
+    isIconOnly = false;
+    EXPECT_THAT(toolTips(), ElementsAre("", ""));
+}
+
 TEST_F(SettingsViewTest, TheFieldSaysWhatItWaitsFor) {
     EXPECT_EQ(editor().field, (ShortcutFieldText{"Click to record", true}));
     watch();

@@ -191,11 +191,12 @@ void PortalHotKeys::drop() {
 }
 
 void PortalHotKeys::tellIfChanged() {
-    // The caller tells these two apart, and the rest from both.
+    // The caller tells these apart, and the rest from each.
     const auto changed = [this](std::int32_t outcome) {
         return (status() == outcome) != (told_ == outcome);
     };
-    if (changed(hot_key_status::kSuccess) || changed(hot_key_status::kExists)) {
+    if (changed(hot_key_status::kSuccess) || changed(hot_key_status::kExists) ||
+        changed(hot_key_status::kPending)) {
         told_ = status();
         tellLater();
     }

@@ -24,7 +24,7 @@ namespace tarnwick::platform {
 /// counts as hot_key_status::kExists: another program, or the desktop itself, has its keys.
 namespace portal_hot_key_status {
 /// The portal, or its user, has not decided yet.
-inline constexpr std::int32_t kAsking = 1;
+inline constexpr std::int32_t kAsking = hot_key_status::kPending;
 /// The portal or its user said no, or ended it later.
 inline constexpr std::int32_t kRefused = 2;
 /// There is no session bus, no portal, or none that has shortcuts.
@@ -82,8 +82,8 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void release(int handle);
     void dropUnclaimed();
     void drop();
-    /// Reports a change if a hot key became available, was lost or lacks its keys since the last
-    /// status that the caller has seen.
+    /// Reports a change if the portal decided, or a hot key became available, was lost or lacks its
+    /// keys, since the last status that the caller has seen.
     void tellIfChanged();
     /// Reports from the event loop, once for all calls before that.
     void tellLater();

@@ -110,6 +110,13 @@ bool LinuxStatusItem::inTray() const {
     return embedded_ && embedded_->inTray();
 }
 
+bool LinuxStatusItem::isIconOnly() const {
+    if (registration_ && registration_->state() == NotifierRegistration::State::present) {
+        return trayPresentation(registration_->program()).text == TextPlace::toolTip;
+    }
+    return inTray();
+}
+
 void LinuxStatusItem::start() {
     if (bus_.isConnected()) {
         // Read now, because the pointer is on the item; later it will be on the chosen entry.

@@ -78,6 +78,10 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     bool inTray() const override;
     bool performClick() override;
 
+    /// Whether a tray shows the item that has no room for its text: the text is in the tool tip
+    /// there.
+    bool isIconOnly() const;
+
     /// Draws the icon in the shade for the desktop's new preference.
     void setDark(bool dark);
 

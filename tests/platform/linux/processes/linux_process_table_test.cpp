@@ -333,6 +333,18 @@ TEST_F(LinuxProcessTableTest, AnApplicationThatTheUserRemovedIsNone) {
     EXPECT_FALSE(table.runningApplication(7));
 }
 
+TEST_F(LinuxProcessTableTest, ACommandIsItsArgumentsWithBlanksBetween) {
+    using namespace std::string_literals;
+    tree.write("proc/7/cmdline", "/usr/bin/a\0-b\0c d\0"s);
+    tree.write("proc/8/cmdline", "renamed: idle\0\0\0\0"s);
+    tree.write("proc/9/cmdline", "");
+    EXPECT_EQ(table.commandLine(7), "/usr/bin/a -b c d");
+    EXPECT_EQ(table.commandLine(8), "renamed: idle");
+    // The kernel's own, and one that has ended.
+    EXPECT_EQ(table.commandLine(9), "");
+    EXPECT_EQ(table.commandLine(10), "");
+}
+
 TEST_F(LinuxProcessTableTest, AnExecutableIsWhereItsLinkLeads) {
     tree.link("proc/7/exe", "/usr/bin/a b");
     tree.link("proc/8/exe", "/usr/bin/replaced (deleted)");

@@ -401,6 +401,20 @@ TEST_F(Item, HasALabelOnlyWhileThereIsTextWhereLabelsShow) {
     EXPECT_FALSE(host_.properties().contains("XAyatanaLabel"));
 }
 
+TEST_F(Item, KnowsThatAHostHasNoRoomForItsText) {
+    show();
+    EXPECT_FALSE(item_->isIconOnly());
+    beginHost();
+    EXPECT_TRUE(item_->isIconOnly());
+}
+
+TEST_F(Item, KnowsThatAHostHasRoomForItsText) {
+    program_ = "waybar";
+    show();
+    beginHost();
+    EXPECT_FALSE(item_->isIconOnly());
+}
+
 TEST_F(Item, WritesTheIconAsAFileWhereNoPixmapsAreDrawn) {
     program_ = "ayatana-indicator-application-service";
     show();
