@@ -35,7 +35,7 @@ std::string ageText(double seconds) {
         return "now";
     }
     if (seconds < 60) {
-        return std::to_string(std::lround(seconds)) + " s ago";
+        return std::to_string(static_cast<int>(std::round(seconds))) + " s ago";
     }
     return uptimeText(seconds) + " ago";
 }
@@ -113,7 +113,7 @@ std::string trendToolTip(const std::vector<double>& values, const std::vector<do
         return 'L' + range;
     }
     const double last = static_cast<double>(values.size() - 1);
-    const auto at = static_cast<std::size_t>(std::lround(std::clamp(*share, 0.0, 1.0) * last));
+    const auto at = static_cast<std::size_t>(std::round(std::clamp(*share, 0.0, 1.0) * last));
     return whole(values[at]) + ' ' + ageText(times.back() - times[at]) + ", l" + range;
 }
 
