@@ -107,7 +107,8 @@ class AccessibilityTest(DesktopTestCase):
             shares = [each for each in shares if not each.name.startswith("GPU")]
             self.assertEqual([re.match("[A-Za-z]+", each.name).group() for each in shares], titles)
             for each in shares:
-                self.assertRegex(each.description, f", {_LEVEL}$")
+                # What the tool tip tells follows.
+                self.assertRegex(each.description, rf", {_LEVEL}(\. .+)?$")
                 least, value, most = each.value()
                 self.assertEqual((least, most), (0, 100), each.name)
                 self.assertTrue(0 <= value <= 100, (each.name, value))

@@ -23,7 +23,7 @@ HEADERS = [
     "settings/shortcut.h",
 ]
 # Numbers of the program's own.
-OWN = {"kHotKeyID"}
+OWN = {"kHotKeyID", "kPending"}
 
 
 def without_comments(path):

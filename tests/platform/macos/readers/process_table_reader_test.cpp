@@ -191,11 +191,13 @@ TEST_F(ProcessTableReaderTest, CarriesTheServiceFromTheBytesToTheRows) {
     kernel.advance(2);
     raw.tasks[7] = taskOf(3'000'000, 500'000'000, 500'000'000);
     const TopProcessLists lists = service.readTopProcesses(3);
-    EXPECT_THAT(
-        lists.cpu,
-        ElementsAre(
-            AppProcessInfo{.id = 7, .name = "Maps", .cpuUsage = 25, .memoryUsage = 3'000'000},
-            AppProcessInfo{.id = 8, .name = "ls", .memoryUsage = 2'000'000}));
+    EXPECT_THAT(lists.cpu,
+                ElementsAre(AppProcessInfo{.id = 7,
+                                           .name = "Maps",
+                                           .cpuUsage = 25,
+                                           .memoryUsage = 3'000'000,
+                                           .command = "/Applications/Maps.app/Contents/MacOS/maps"},
+                            AppProcessInfo{.id = 8, .name = "ls", .memoryUsage = 2'000'000}));
 
     // Both steps fail, one after the other.
     raw.table.reset();
