@@ -46,9 +46,10 @@ LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bo
     options.findTextShade = [&dispatch](const std::string& program,
                                         std::function<void(bool)> found) {
         if (program == "waybar") {
-            dispatch.detached([&dispatch, found = std::move(found)] {
-                const auto environment = [](const char* name) { return std::getenv(name); };
-                if (const auto isLight = wantsLightText(waybarStyleSheet(environment))) {
+            // Asked here: the main thread changes variables.
+            auto files = waybarStyleFiles([](const char* name) { return std::getenv(name); });
+            dispatch.detached([&dispatch, files = std::move(files), found = std::move(found)] {
+                if (const auto isLight = wantsLightText(styleSheet(files))) {
                     dispatch.async([found, isLight = *isLight] { found(isLight); });
                 }
             });

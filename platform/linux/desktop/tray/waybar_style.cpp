@@ -75,7 +75,8 @@ std::optional<bool> wantsLightText(std::string_view styleSheet) {
     return std::nullopt;
 }
 
-std::string waybarStyleSheet(const std::function<const char*(const char*)>& environment) {
+std::vector<std::string> waybarStyleFiles(
+    const std::function<const char*(const char*)>& environment) {
     const auto value = [&](const char* name) {
         const char* text = environment(name);
         return std::string(text == nullptr ? "" : text);
@@ -85,9 +86,12 @@ std::string waybarStyleSheet(const std::function<const char*(const char*)>& envi
     if (config.empty() && !home.empty()) {
         config = home + "/.config";
     }
-    for (const std::string& folder :
-         {config + "/waybar", home + "/waybar", std::string("/etc/xdg/waybar")}) {
-        if (const auto sheet = readWholeFile(folder + "/style.css")) {
+    return {config + "/waybar/style.css", home + "/waybar/style.css", "/etc/xdg/waybar/style.css"};
+}
+
+std::string styleSheet(const std::vector<std::string>& files) {
+    for (const std::string& file : files) {
+        if (const auto sheet = readWholeFile(file)) {
             return *sheet;
         }
     }

@@ -6,6 +6,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace tarnwick::platform {
 
@@ -14,8 +15,12 @@ namespace tarnwick::platform {
 /// in a way that can be read.
 std::optional<bool> wantsLightText(std::string_view styleSheet);
 
-/// The style sheet that waybar uses unless it is started with another one; empty if there is none.
-/// Reads files: not on the main thread. `environment` returns a variable's value, or null.
-std::string waybarStyleSheet(const std::function<const char*(const char*)>& environment);
+/// Where waybar looks for its style sheet unless it is started with another one, in this order.
+/// `environment` returns a variable's value, or null.
+std::vector<std::string> waybarStyleFiles(
+    const std::function<const char*(const char*)>& environment);
+
+/// The first of the files that can be read; empty if there is none. Not on the main thread.
+std::string styleSheet(const std::vector<std::string>& files);
 
 }  // namespace tarnwick::platform

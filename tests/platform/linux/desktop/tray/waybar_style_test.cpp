@@ -67,9 +67,9 @@ TEST(WaybarStyle, IsReadWhereWaybarReadsIt) {
         const auto found = variables.find(name);
         return found == variables.end() ? nullptr : found->second.c_str();
     };
-    EXPECT_EQ(waybarStyleSheet(environment), "of the home");
+    EXPECT_EQ(styleSheet(waybarStyleFiles(environment)), "of the home");
     variables["XDG_CONFIG_HOME"] = folder.filePath("config").toStdString();
-    EXPECT_EQ(waybarStyleSheet(environment), "of the configuration");
+    EXPECT_EQ(styleSheet(waybarStyleFiles(environment)), "of the configuration");
 }
 
 }  // namespace
