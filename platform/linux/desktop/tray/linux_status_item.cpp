@@ -2,6 +2,7 @@
 #include "platform/linux/desktop/tray/linux_status_item.h"
 
 #include <QGuiApplication>
+#include <QTimer>
 #include <cstdlib>
 #include <utility>
 
@@ -167,22 +168,26 @@ void LinuxStatusItem::hostChanged() {
 }
 
 void LinuxStatusItem::askForTextShade() {
-    if (shadedHost_ == registration_->program()) {
+    const std::string host = registration_->program();
+    if (host == std::exchange(seenHost_, host) || host.empty()) {
         return;
     }
-    shadedHost_ = registration_->program();
-    hasLightText_.reset();
+    // A host that was started again looks as before, as a rule.
+    if (host != std::exchange(shadedHost_, host)) {
+        hasLightText_.reset();
+    }
     if (!options_.findTextShade) {
         return;
     }
-    options_.findTextShade(shadedHost_,
-                           [weak = std::weak_ptr(self_), host = shadedHost_](bool isLight) {
-                               const auto self = weak.lock();
-                               if (self && (*self)->shadedHost_ == host) {
-                                   (*self)->hasLightText_ = isLight;
-                                   (*self)->update();
-                               }
-                           });
+    options_.findTextShade(host, [weak = std::weak_ptr(self_), host](bool isLight) {
+        const auto self = weak.lock();
+        if (self && (*self)->shadedHost_ == host && (*self)->hasLightText_ != isLight) {
+            (*self)->hasLightText_ = isLight;
+            // waybar may show nothing at all if the icon changes while it reads the item.
+            QTimer::singleShot((*self)->options_.hostReadsMilliseconds, *self,
+                               [item = *self] { item->update(); });
+        }
+    });
 }
 
 void LinuxStatusItem::countTimeWithoutTray() {

@@ -61,6 +61,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         /// `found` on the main thread, later and at most once: not at all if it cannot tell.
         std::function<void(const std::string& program, std::function<void(bool isLight)> found)>
             findTextShade{};
+        /// Milliseconds after which a host has read the item that it has just taken.
+        int hostReadsMilliseconds = 1000;
         /// Folder for the picture file that some hosts want in place of pixmaps.
         std::string runtimeFolder;
     };
@@ -138,6 +140,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     std::unique_ptr<EmbeddedTray> embedded_;
     /// The host whose bar was last asked about, and whether that bar wants light text.
     std::string shadedHost_;
+    /// The host at the last look; empty if there was none.
+    std::string seenHost_;
     std::optional<bool> hasLightText_;
     /// Lives as long as the item, which an answer may come after.
     std::shared_ptr<LinuxStatusItem*> self_ = std::make_shared<LinuxStatusItem*>(this);

@@ -55,6 +55,7 @@ class Item : public ::testing::Test {
             shadesAsked_.push_back(program);
             foundShade_ = std::move(found);
         };
+        options.hostReadsMilliseconds = 0;
         options.programOf = [this](unsigned) { return program_; };
         options.retryDelays = {.first = 1, .longest = 4};
         options.runtimeFolder = runtime_.path().toStdString();
@@ -338,15 +339,36 @@ TEST_F(Item, DrawsItsTextInTheShadeThatTheBarOfTheHostWants) {
     ASSERT_THAT(shadesAsked_, ::testing::Contains("waybar"));
     const IconPixmaps dark = pixmaps();
     foundShade_(true);
+    ASSERT_TRUE(waitUntil([&] { return pixmaps()[0].bytes != dark[0].bytes; }));
     const IconPixmaps light = pixmaps();
     ASSERT_EQ(light.size(), 1);
-    EXPECT_NE(light[0].bytes, dark[0].bytes);
     // What the desktop prefers changes the icon, not the text.
     item_->setDark(true);
     EXPECT_NE(pixmaps()[0].bytes, light[0].bytes);
     foundShade_(false);
     item_->setDark(false);
     EXPECT_EQ(pixmaps()[0].bytes, dark[0].bytes);
+}
+
+TEST_F(Item, KeepsTheShadeOfItsTextForAHostThatIsStartedAgain) {
+    program_ = "waybar";
+    content_.text = "CPU 12%";
+    show();
+    beginHost();
+    const IconPixmaps dark = pixmaps();
+    foundShade_(true);
+    ASSERT_TRUE(waitUntil([&] { return pixmaps()[0].bytes != dark[0].bytes; }));
+    const IconPixmaps light = pixmaps();
+    host_.end();
+    ASSERT_TRUE(waitUntil([this] { return !item_->inTray(); }));
+    const auto asked = shadesAsked_.size();
+    beginHost();
+    EXPECT_EQ(shadesAsked_.size(), asked + 1);
+    EXPECT_EQ(pixmaps()[0].bytes, light[0].bytes);
+    // The host, which is reading the item now, hears of no other picture.
+    foundShade_(true);
+    EXPECT_EQ(pixmaps()[0].bytes, light[0].bytes);
+    EXPECT_THAT(host_.signalNames, ::testing::Not(::testing::Contains("NewIcon")));
 }
 
 TEST_F(Item, OutlivesNoAnswerAboutTheShadeOfItsText) {
