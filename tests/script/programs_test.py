@@ -13,6 +13,9 @@ TARNWICK, PROBE = (pathlib.Path(os.environ[name]) for name in ("TARNWICK", "TARN
 # What some releases and processors link, and what the presets with sanitizers add.
 OPTIONAL = {"libLayerShellQtInterface", "ld-linux"}
 SANITIZERS = {"libasan", "libtsan", "libubsan"}
+# What Qt names for all of its programs; the linker drops it where nothing uses it, but not with a
+# sanitizer.
+UNUSED = {"libGLX", "libOpenGL"}
 # Without these a program reaches no network; the libraries of the desktop have sockets of their own.
 NETWORK = {"accept", "accept4", "bind", "connect", "getaddrinfo", "listen", "socket"}
 
@@ -24,8 +27,8 @@ def output(*command):
 def needed(program):
     """The libraries that a program links, without their versions."""
     found = re.findall(r"\(NEEDED\).*\[(.*)\]", output("readelf", "--dynamic", "--wide", program))
-    return {re.sub(r"^ld-linux.*", "ld-linux", name.partition(".so")[0])
-            for name in found} - SANITIZERS
+    names = {re.sub(r"^ld-linux.*", "ld-linux", name.partition(".so")[0]) for name in found}
+    return names - SANITIZERS - UNUSED if names & SANITIZERS else names
 
 
 def imported(program):
