@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/settings_card_widget.h"
 
+#include <QEvent>
 #include <QPainter>
 #include <QVBoxLayout>
 

@@ -348,9 +348,9 @@ TEST_F(MenuBarViewTest, CopiesThePageThatIsShownAsText) {
     copies.copyText = [&](const std::string& text) { copied = text; };
     MenuBarView copier(*manager, copies, {manual, formatter});
     copier.appear();
-    CPUInfo cpu;
-    cpu.usagePercentage = 42;
-    manager->cpuInfo.set(cpu);
+    CPUInfo busy;
+    busy.usagePercentage = 42;
+    manager->cpuInfo.set(busy);
     copier.perform(PanelAction::copy);
     EXPECT_THAT(copied, ::testing::StartsWith("Tarnwick\n"));
     EXPECT_THAT(copied, ::testing::HasSubstr("\nCPU: 42.0%\n"));

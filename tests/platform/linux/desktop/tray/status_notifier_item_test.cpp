@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/tray/status_notifier_item.h"
 
+#include <QCoreApplication>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QFont>
