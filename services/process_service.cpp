@@ -24,6 +24,12 @@ constexpr double kStaleAge = 60.0;
 /// Bytes; a longer command is cut.
 constexpr std::size_t kLongestCommand = 300;
 
+/// A program chooses its name, also one that changes the text around it, or one of blanks.
+std::string shownName(const std::string& name, std::int32_t identifier) {
+    std::string shown = platform::repairedName(name);
+    return name.empty() || platform::canBeSeen(shown) ? shown : "PID " + std::to_string(identifier);
+}
+
 }  // namespace
 
 ProcessService::ProcessService(platform::ProcessTable& table, platform::Kernel& kernel,
@@ -136,7 +142,8 @@ void ProcessService::nameRows(TopProcessLists& lists) {
         for (AppProcessInfo& row : *list) {
             const auto [known, isNew] = names.try_emplace(row.id);
             if (isNew) {
-                known->second = applicationName(table_, row.id).value_or(row.name);
+                known->second =
+                    shownName(applicationName(table_, row.id).value_or(row.name), row.id);
             }
             row.name = known->second;
         }
@@ -158,7 +165,7 @@ void ProcessService::addCommands(TopProcessLists& lists) {
         for (AppProcessInfo& row : *list) {
             const auto [known, isNew] = commands.try_emplace({row.id, row.name});
             if (isNew) {
-                known->second = platform::repairedUTF8(
+                known->second = platform::repairedName(
                     std::string_view(table_.commandLine(row.id)).substr(0, kLongestCommand));
             }
             row.command = known->second;

@@ -109,6 +109,28 @@ TEST_F(ProcessServiceNames, ACommandThatIsNotUTF8IsRepaired) {
     EXPECT_EQ(service.readTopProcesses(1).cpu.at(0).name, "caf\xEF\xBF\xBD");
 }
 
+TEST_F(ProcessServiceNames, ANameCannotTurnOrBreakItsRow) {
+    table.processes[0].command = "a\u202Egpj\u202C.exe\n50 %";
+    table.applications[2] = {.localizedName = "\u2066Maps\u2069\u200F"};
+    table.paths[3] = "/opt/\u061Csix\tseven";
+    table.commandLines = {{1, "/usr/bin/one\n\u202E-a"}};
+    const TopProcessLists lists = service.readTopProcesses(3);
+    EXPECT_EQ(lists.cpu.at(0).name, "agpj.exe 50 %");
+    EXPECT_EQ(lists.cpu.at(0).command, "/usr/bin/one -a");
+    EXPECT_EQ(lists.cpu.at(1).name, "Maps");
+    EXPECT_EQ(lists.cpu.at(2).name, "six seven");
+}
+
+TEST_F(ProcessServiceNames, ANameThatNobodySeesIsTheNumber) {
+    table.processes[0].command = "  \t";
+    table.processes[1].command = "\u202E\u200B";
+    table.paths[3] = "/opt/\u3164\u2800";
+    const TopProcessLists lists = service.readTopProcesses(3);
+    EXPECT_EQ(lists.cpu.at(0).name, "PID 1");
+    EXPECT_EQ(lists.cpu.at(1).name, "PID 2");
+    EXPECT_EQ(lists.memory.at(0).name, "PID 3");
+}
+
 TEST_F(ProcessServiceNames, ThePreviousListsKeepTheirNames) {
     table.applications[1] = {.localizedName = "Maps"};
     service.readTopProcesses(1);

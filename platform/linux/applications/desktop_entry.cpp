@@ -12,6 +12,9 @@ namespace tarnwick::platform {
 
 namespace {
 
+// Characters of a name; no panel has room for as many.
+constexpr std::size_t kLongestName = 256;
+
 std::string_view withoutSpaces(std::string_view text) {
     // A line of another system ends with a carriage return, too.
     constexpr std::string_view spaces = " \t\r";
@@ -173,7 +176,7 @@ std::optional<DesktopEntry> parseDesktopEntry(std::string_view text,
         } else if (const std::size_t found = rankOfName(key, suffixes);
                    found < rank && !value.empty()) {
             rank = found;
-            entry.name = repairedUTF8(desktopEntryText(value));
+            entry.name = firstCharacters(repairedUTF8(desktopEntryText(value)), kLongestName);
         }
     });
     if (!isApplication || entry.name.empty()) {

@@ -15,6 +15,9 @@ namespace tarnwick::platform {
 
 namespace {
 
+// Bytes. The longest entries, with their names in all languages, have some tens of thousands.
+constexpr std::size_t kLongestEntry = std::size_t{1} << 20;
+
 void addFolder(std::string_view folder, std::vector<std::string>& folders) {
     while (folder.size() > 1 && folder.ends_with('/')) {
         folder.remove_suffix(1);
@@ -28,7 +31,7 @@ void addFolder(std::string_view folder, std::vector<std::string>& folders) {
 // Text of the entry in a folder with a slash at its end. An entry of a folder in it has the name of
 // that folder and a dash in front of its own: "kde-foo" is kde/foo.desktop.
 std::optional<std::string> textBelow(const std::string& folder, const std::string& name) {
-    std::optional<std::string> text = readWholeFile(folder + name + ".desktop");
+    std::optional<std::string> text = readWholeFile(folder + name + ".desktop", kLongestEntry);
     for (std::size_t dash = name.find('-'); !text && dash != std::string::npos;
          dash = name.find('-', dash + 1)) {
         const std::string inner = folder + name.substr(0, dash) + '/';

@@ -95,14 +95,14 @@ std::ptrdiff_t KeptFile::readFromStart() {
     }
 }
 
-std::optional<std::string> readWholeFile(const std::string& path) {
+std::optional<std::string> readWholeFile(const std::string& path, std::size_t limit) {
     const FileDescriptor file(path);
     if (!file.isOpen()) {
         return std::nullopt;
     }
     std::string content;
     std::array<char, 4096> part;
-    while (content.size() < kLargestFile) {
+    while (content.size() < limit) {
         const ssize_t size = ::read(file.get(), part.data(), part.size());
         if (size == 0) {
             return content;

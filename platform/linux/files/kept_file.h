@@ -67,8 +67,9 @@ class KeptFile {
 };
 
 /// Reads a whole file once, in as many system calls as needed. Absent if it cannot be read or has
-/// 16 MiB or more.
-std::optional<std::string> readWholeFile(const std::string& path);
+/// `limit` bytes or more.
+std::optional<std::string> readWholeFile(const std::string& path,
+                                         std::size_t limit = std::size_t{16} << 20);
 
 /// Returns the path `relative` below `root`, the root of the tree that a reader reads.
 std::string belowRoot(const std::string& root, std::string_view relative);

@@ -13,6 +13,7 @@
 
 #include "platform/linux/files/kept_file.h"
 #include "platform/linux/volumes/volume_label.h"
+#include "platform/utf8.h"
 
 namespace tarnwick::platform {
 
@@ -114,10 +115,13 @@ LinuxVolumes::Volume LinuxVolumes::volumeOf(const std::string& path, unsigned lo
                 std::optional<std::string> label = labelOf(root_, *mount);
                 // Of a file system on several devices only one may be listed.
                 label = label ? label : calls_.label(mount->mountPoint);
-                known_->name = label.value_or(mount->mountPoint);
+                if (label && canBeSeen(repairedUTF8(*label))) {
+                    known_->name = *label;
+                }
                 known_->quotaDevice = hasUserQuota(*mount) ? mount->source : "";
             }
         }
+        known_->name = repairedName(known_->name);
     }
     return *known_;
 }

@@ -108,6 +108,15 @@ TEST(DesktopEntry, ANameThatIsNotUTF8IsRepaired) {
     EXPECT_EQ(nameOf("[Desktop Entry]\nName=caf\xE9\n"), "caf\xEF\xBF\xBD");
 }
 
+TEST(DesktopEntry, AVeryLongNameIsCut) {
+    std::string name;
+    for (int i = 0; i < 256; ++i) {
+        name += "ö";
+    }
+    EXPECT_EQ(nameOf("[Desktop Entry]\nName=" + name + "\n"), name);
+    EXPECT_EQ(nameOf("[Desktop Entry]\nName=" + name + "x\n"), name);
+}
+
 TEST(DesktopEntry, OneThatNoMenuShowsIsNotShown) {
     const std::vector<std::string> none;
     EXPECT_TRUE(parseDesktopEntry("[Desktop Entry]\nName=a\n", none)->isShown);

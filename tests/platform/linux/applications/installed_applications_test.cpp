@@ -91,5 +91,13 @@ TEST_F(DesktopEntryFile, LiesNowhereElse) {
     EXPECT_EQ(find("a-..-..-secret"), "(none)");
 }
 
+TEST_F(DesktopEntryFile, ThatIsFarTooLongIsNotRead) {
+    tree.write("usr/share/applications/long.desktop", std::string(std::size_t{1} << 20, 'a'));
+    tree.write("usr/share/applications/short.desktop",
+               std::string((std::size_t{1} << 20) - 1, 'a'));
+    EXPECT_EQ(find("long"), "(none)");
+    EXPECT_EQ(find("short").size(), (std::size_t{1} << 20) - 1);
+}
+
 }  // namespace
 }  // namespace tarnwick::platform

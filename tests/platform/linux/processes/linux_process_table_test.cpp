@@ -403,7 +403,7 @@ TEST_F(LinuxProcessTableTest, CarriesTheServiceOverAMadeMachine) {
     ASSERT_EQ(lists.cpu.size(), 2U);
     EXPECT_EQ(lists.cpu[0].id, 60);
     EXPECT_DOUBLE_EQ(lists.cpu[0].cpuUsage, 25);
-    EXPECT_EQ(lists.cpu[1].name, "a (b)\nc");
+    EXPECT_EQ(lists.cpu[1].name, "a (b) c");
 }
 
 TEST_F(LinuxProcessTableTest, ABusyKernelThreadIsListedUnderItsCommandWithoutMemory) {

@@ -293,6 +293,18 @@ TEST_F(AskedFileSystems, AFileSystemOnSeveralDevicesTellsItsLabelItself) {
     EXPECT_EQ(asked, std::vector<std::string>{"label /home"});
 }
 
+TEST_F(AskedFileSystems, ALabelCannotChangeTheTextAroundIt) {
+    label = "a\u202Eb\nc\xFF";
+    LinuxVolumes disks = volumes(recordedMachine("volumes/btrfs-on-two-devices"));
+    EXPECT_EQ(nameOf(disks, "/home/ada"), "ab c\uFFFD");
+}
+
+TEST_F(AskedFileSystems, ALabelThatNobodySeesIsNone) {
+    label = " \u200B";
+    LinuxVolumes disks = volumes(recordedMachine("volumes/btrfs-on-two-devices"));
+    EXPECT_EQ(nameOf(disks, "/home/ada"), "/home");
+}
+
 TEST_F(AskedFileSystems, WhatIsListedOrHasNoDeviceIsNotAsked) {
     label = "wrong";
     for (const auto& [machine, name] :
