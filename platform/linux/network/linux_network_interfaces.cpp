@@ -17,9 +17,9 @@ namespace {
 
 constexpr std::size_t kUsualListSize = 4096;
 constexpr double kLongestChoice = 30;
-// More bytes than any interface has moved. A driver that subtracts too much tells more, which would
-// neither fit into the sum of all interfaces nor make a rate.
-constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 60;
+// More bytes than all interfaces together have moved. A driver that subtracts too much tells more,
+// which would neither fit into the sum of all interfaces nor make a rate.
+constexpr std::uint64_t kMostBytes = std::uint64_t{1} << 62;
 // A bit of the flags, and one of the hardware types of links.
 constexpr std::uint32_t kPointToPoint = 0x10;
 constexpr std::uint32_t kTypeOfPPP = 512;
@@ -86,9 +86,10 @@ bool isSecondOfDevice(const FileDescriptor& folder, const std::string& name,
 }  // namespace
 
 LinuxNetworkInterfaces::LinuxNetworkInterfaces(const std::string& root,
-                                               std::function<double()> sinceBoot)
+                                               std::function<double()> sinceBoot, Logger logger)
     : root_(root),
       sinceBoot_(std::move(sinceBoot)),
+      logger_(logger),
       list_(belowRoot(root, "proc/net/dev"), kUsualListSize, KeptFile::Delivery::inParts) {}
 
 std::optional<InterfaceTable> LinuxNetworkInterfaces::interfaceCounters() {
@@ -104,14 +105,25 @@ std::optional<InterfaceTable> LinuxNetworkInterfaces::interfaceCounters() {
     }
     InterfaceTable interfaces;
     interfaces.reserve(devices->size());
+    std::uint64_t sum = 0;
     for (std::size_t place = 0; place < devices->size(); ++place) {
         const NetworkDevice& device = (*devices)[place];
-        if (links_[place].counts && std::max(device.received, device.sent) <= kMostBytes) {
+        if (links_[place].counts && areTrue(device, sum, links_[place])) {
+            sum += std::max(device.received, device.sent);
             interfaces[links_[place].index] = {
                 .received = device.received, .sent = device.sent, .uses32BitCounters = false};
         }
     }
     return interfaces;
+}
+
+bool LinuxNetworkInterfaces::areTrue(const NetworkDevice& device, std::uint64_t others,
+                                     Link& link) const {
+    const bool areTrue = std::max(device.received, device.sent) <= kMostBytes - others;
+    if (!areTrue && !std::exchange(link.isReported, true)) {
+        logger_.error("Impossible counters of network interface " + link.name);
+    }
+    return areTrue;
 }
 
 bool LinuxNetworkInterfaces::readFlags() {

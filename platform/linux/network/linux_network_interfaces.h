@@ -14,6 +14,7 @@
 #include "platform/linux/kernel/clocks.h"
 #include "platform/linux/network/counted_links.h"
 #include "platform/linux/network/proc_net_dev.h"
+#include "platform/log.h"
 #include "platform/network_interfaces.h"
 
 namespace tarnwick::platform {
@@ -26,12 +27,13 @@ class LinuxNetworkInterfaces final : public NetworkInterfaces {
  public:
     /// `sinceBoot` returns the time in seconds.
     explicit LinuxNetworkInterfaces(const std::string& root = "/",
-                                    std::function<double()> sinceBoot = sinceBootSeconds);
+                                    std::function<double()> sinceBoot = sinceBootSeconds,
+                                    Logger logger = Logger());
 
     /// The interfaces whose bytes went over the wire, each byte once; see linksThatCount(). The
     /// counters have 64 bits. An interface without an index or flags, as one that has just gone, is
-    /// left out, and so is one whose counters cannot be true. Absent when the list of interfaces
-    /// cannot be read or is damaged, or when there is no folder of interfaces.
+    /// left out, and so is one whose counters cannot be true, which is logged once. Absent when the
+    /// list of interfaces cannot be read or is damaged, or when there is no folder of interfaces.
     std::optional<InterfaceTable> interfaceCounters() override;
 
  private:
@@ -43,6 +45,7 @@ class LinuxNetworkInterfaces final : public NetworkInterfaces {
         /// As they were last read; absent when they could not be, or for another interface.
         std::optional<std::uint32_t> lastFlags{};
         bool counts = false;
+        bool isReported = false;
     };
 
     /// Makes the links match the list. False if there is no folder of interfaces.
@@ -50,6 +53,8 @@ class LinuxNetworkInterfaces final : public NetworkInterfaces {
     void open(Link& link) const;
     /// The flags of the link at this place of the list.
     std::optional<std::uint32_t> currentFlags(std::size_t place);
+    /// Whether the counters can be those of a link, beside links that have moved `others` bytes.
+    bool areTrue(const NetworkDevice& device, std::uint64_t others, Link& link) const;
     /// Reads the flags of all links. False if nothing has changed.
     bool readFlags();
     /// Requires: the link is up.
@@ -59,6 +64,7 @@ class LinuxNetworkInterfaces final : public NetworkInterfaces {
 
     const std::string root_;
     const std::function<double()> sinceBoot_;
+    const Logger logger_;
     std::mutex lock_;
     // All of these are guarded by lock_.
     KeptFile list_;

@@ -9,6 +9,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/testing/recording_log.h"
 #include "tests/platform/linux/child_process.h"
 #include "tests/platform/linux/files/descriptors.h"
 #include "tests/platform/linux/machine_tree.h"
@@ -19,8 +20,10 @@ namespace {
 using tarnwick::testing::ChildProcess;
 using tarnwick::testing::limitDescriptors;
 using tarnwick::testing::openDescriptors;
+using ::testing::ElementsAre;
 using testing::MachineTree;
 using ::testing::Optional;
+using ::testing::Pair;
 using testing::recordedMachine;
 
 std::optional<InterfaceTable> recorded(const std::string& machine) {
@@ -270,7 +273,7 @@ TEST_F(ChangedNetworkInterfaces, AnInterfaceWithCountersThatCannotBeTrueIsLeftOu
     tree.write("sys/class/net/tun0/ifindex", "70000\n");
     tree.write("sys/class/net/tun0/flags", "0x1091\n");
     // A driver that subtracts too much.
-    for (const char* const counter : {"18446744073709551615", "1152921504606846977"}) {
+    for (const char* const counter : {"18446744073709551615", "4611686018427387905"}) {
         writeTun(counter, "9");
         EXPECT_THAT(read(), Optional(expected)) << counter;
         writeTun("9", counter);
@@ -279,6 +282,38 @@ TEST_F(ChangedNetworkInterfaces, AnInterfaceWithCountersThatCannotBeTrueIsLeftOu
     writeTun("1152921504606846976", "9");
     expected[70'000] = {std::uint64_t{1} << 60, 9, false};
     EXPECT_THAT(read(), Optional(expected));
+}
+
+TEST_F(ChangedNetworkInterfaces, CountersThatAreOnlyTogetherTooLargeStillFitIntoTheirSum) {
+    std::string text = testing::recordedFile("container-host", "proc/net/dev");
+    for (int number = 0; number < 9; ++number) {
+        const std::string name = "tun" + std::to_string(number);
+        text += "  " + name + ": 4000000000000000000 1 0 0 0 0 0 0 9 1 0 0 0 0 0 0\n";
+        tree.write("sys/class/net/" + name + "/ifindex", std::to_string(70'000 + number) + "\n");
+        tree.write("sys/class/net/" + name + "/flags", "0x1091\n");
+    }
+    tree.write("proc/net/dev", text);
+    const auto table = read();
+    ASSERT_TRUE(table);
+    std::uint64_t sum = 0;
+    for (const auto& [index, counters] : *table) {
+        ASSERT_FALSE(__builtin_add_overflow(sum, counters.received, &sum));
+    }
+    EXPECT_TRUE(table->contains(70'000));
+    EXPECT_FALSE(table->contains(70'001));
+}
+
+TEST_F(ChangedNetworkInterfaces, AnImpossibleCounterIsLoggedOnce) {
+    testing::RecordingLog log;
+    LinuxNetworkInterfaces interfaces(tree.root(), sinceBootSeconds, Logger(log));
+    tree.write("proc/net/dev", testing::recordedFile("container-host", "proc/net/dev") +
+                                   "  tun0: 18446744073709551615 1 0 0 0 0 0 0 9 1 0 0 0 0 0 0\n");
+    tree.write("sys/class/net/tun0/ifindex", "70000\n");
+    tree.write("sys/class/net/tun0/flags", "0x1091\n");
+    EXPECT_TRUE(interfaces.interfaceCounters());
+    EXPECT_TRUE(interfaces.interfaceCounters());
+    EXPECT_THAT(log.lines(), ElementsAre(Pair(LogLevel::error,
+                                              "Impossible counters of network interface tun0")));
 }
 
 TEST_F(ChangedNetworkInterfaces, HundredsOfInterfacesAreAllThere) {
