@@ -371,6 +371,7 @@ int main(int argc, char* argv[]) {
         platform::notice("the display cannot be reached: " + platform::displayName().toStdString());
         return EXIT_FAILURE;
     }
+    platform::surviveFileSizeLimit();
     const platform::StartConditions conditions{QProcessEnvironment::systemEnvironment(),
                                                platform::raiseDescriptorLimit()};
     auto environment = std::make_optional<platform::ToolkitEnvironment>();

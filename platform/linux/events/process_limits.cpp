@@ -2,6 +2,7 @@
 #include "platform/linux/events/process_limits.h"
 
 #include <algorithm>
+#include <csignal>
 #include <malloc.h>
 #include <sys/resource.h>
 
@@ -23,6 +24,11 @@ std::optional<std::size_t> raiseDescriptorLimit() {
         return std::nullopt;
     }
     return before;
+}
+
+void surviveFileSizeLimit() {
+    // A started program keeps a signal that is ignored, but not a handler.
+    std::signal(SIGXFSZ, [](int) {});
 }
 
 }  // namespace tarnwick::platform

@@ -21,4 +21,8 @@ inline constexpr std::size_t kWantedDescriptors = 16'384;
 /// one starts should therefore get the returned limit.
 std::optional<std::size_t> raiseDescriptorLimit();
 
+/// Lets a write that passes the file size limit of the process fail as on a full disk. Without
+/// this, a signal ends the program. Programs that this one starts are not affected.
+void surviveFileSizeLimit();
+
 }  // namespace tarnwick::platform

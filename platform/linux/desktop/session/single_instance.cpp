@@ -32,9 +32,12 @@ constexpr Action kActions[] = {{QLatin1String("open-panel"), Request::openPanel}
                                {QLatin1String("toggle-panel"), Request::togglePanel},
                                {QLatin1String("settings"), Request::showSettings}};
 
+/// Until when the answer is waited for, ms of the clock that all programs share.
+constexpr auto kDeadlineKey = "org.tarnwick.deadline";
+
 /// Asks the running program; the permission to come to the front passes on to it.
-QDBusMessage callFor(Request request) {
-    QVariantMap platformData;
+QDBusMessage callFor(Request request, const QDeadlineTimer& deadline) {
+    QVariantMap platformData{{kDeadlineKey, deadline.deadline()}};
     if (const QString token = qEnvironmentVariable("XDG_ACTIVATION_TOKEN"); !token.isEmpty()) {
         platformData.insert(kTokenKey, token);
     }
@@ -91,7 +94,7 @@ SingleInstance::Claim SingleInstance::claim(Request request, int answerMilliseco
     const QDeadlineTimer deadline(answerMilliseconds);
     // An instance that is ending does not answer, but it releases the name.
     while (!takeName()) {
-        const QDBusMessage call = callFor(request);
+        const QDBusMessage call = callFor(request, deadline);
         const int remaining = static_cast<int>(deadline.remainingTime());
         if (remaining == 0) {
             release();
@@ -154,6 +157,11 @@ void SingleInstance::ActivateAction(const QString& action, const QVariantList&,
 }
 
 void SingleInstance::perform(Request request, const QVariantMap& platformData) {
+    // Its user has been told that nobody answers, and has gone on.
+    const QVariant deadline = platformData.value(kDeadlineKey);
+    if (deadline.isValid() && deadline.toLongLong() < QDeadlineTimer::current().deadline()) {
+        return;
+    }
     if (!perform_) {
         early_ = [this, request, platformData] { perform(request, platformData); };
         return;

@@ -2,18 +2,22 @@
 #include "platform/linux/events/process_limits.h"
 
 #include <algorithm>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <optional>
+#include <string>
 #include <sys/resource.h>
 
 #include "tests/platform/linux/child_process.h"
 #include "tests/platform/linux/files/descriptors.h"
+#include "tests/platform/linux/temporary_folder.h"
 
 namespace tarnwick::platform {
 namespace {
 
 using tarnwick::testing::ChildProcess;
 using tarnwick::testing::descriptorLimit;
+using tarnwick::testing::TemporaryFolder;
 
 /// The limits of a process that had these and has raised them.
 void expectRaised(rlimit before, rlim_t expected) {
@@ -44,6 +48,19 @@ TEST(DescriptorLimit, AHigherOneStays) {
         GTEST_SKIP() << "no process may have more";
     }
     expectRaised({.rlim_cur = kWantedDescriptors + 1, .rlim_max = most}, kWantedDescriptors + 1);
+}
+
+TEST(FileSizeLimit, MakesAWriteFail) {
+    ChildProcess child([] {
+        surviveFileSizeLimit();
+        const rlimit limit{.rlim_cur = 10, .rlim_max = 10};
+        ASSERT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
+        const TemporaryFolder folder;
+        std::ofstream file(folder.path() / "file");
+        file << std::string(100, 'x') << std::flush;
+        EXPECT_FALSE(file);
+    });
+    EXPECT_EQ(child.wait(), 0);
 }
 
 }  // namespace

@@ -146,9 +146,15 @@ TEST_F(OnBus, TheNameIsFreeOnceTheFirstHasEnded) {
 TEST_F(OnBus, SaysSoWhenTheFirstDoesNotAnswer) {
     SingleInstance first(firstBus_, {});
     ASSERT_EQ(first.claim(), Claim::first);
+    first.setPerform(count_);
     // This thread waits for the second and so cannot answer as the first.
-    SingleInstance second(bus_.connect(), {});
-    EXPECT_EQ(second.claim(Request::openPanel, 50), Claim::unanswered);
+    const QDBusConnection secondBus = bus_.connect();
+    EXPECT_EQ(SingleInstance(secondBus, {}).claim(Request::openPanel, 50), Claim::unanswered);
+    // What the second has asked for comes before this call.
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        SingleInstance::kService, SingleInstance::kPath, SingleInstance::kInterface, "Unknown");
+    EXPECT_EQ(ask(secondBus, call).type(), QDBusMessage::ErrorMessage);
+    EXPECT_EQ(opened_, 0);
 }
 
 /// A first that ends as soon as it is asked: it answers with an error, or not at all.
