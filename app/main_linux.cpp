@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
@@ -46,9 +47,11 @@
 #include "platform/linux/processes/linux_process_table.h"
 #include "platform/linux/settings/autostart_login_service.h"
 #include "platform/linux/settings/json_user_defaults.h"
+#include "platform/linux/settings/patient_login_service.h"
 #include "platform/linux/volumes/linux_volumes.h"
 #include "platform/platform.h"
 #include "platform/qt/font_memory.h"
+#include "platform/qt/toolkit_files.h"
 #include "ui/panel/menu_bar_view.h"
 #include "ui/qt/accessible_application.h"
 #include "ui/qt/panel_placement.h"
@@ -61,7 +64,7 @@
 namespace tarnwick {
 namespace {
 
-/// After this time the item is in its tray, and memory that only the start needed has been freed.
+/// After this time the item is in its tray; memory that only the start needed is given back then.
 constexpr std::chrono::seconds kStartIsOver(15);
 
 const char* environment(const char* name) {
@@ -116,8 +119,9 @@ class Machine {
             .batteryHealth = powerSources,
             .processTable = new platform::LinuxProcessTable(),
             .userDefaults = &userDefaults_,
-            .loginService = new platform::AutostartLoginService(
-                platform::startedAtLogin(runningProgram(), environment), environment),
+            .loginService = new platform::PatientLoginService(
+                std::make_shared<platform::AutostartLoginService>(runningProgram(), environment),
+                workers_),
             .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, dispatch_).release(),
             .keyboardLayout = keyboardLayout,
             .byteCountFormatter = new platform::PlainByteCountFormatter(),
@@ -242,6 +246,8 @@ Program::Program(QApplication& application, const platform::StartConditions& con
         perform(request);
     });
     QObject::connect(&panel_, &qt::PanelWindow::widgetsFreed, giveBackMemory);
+    // Once the item is on its way.
+    QTimer::singleShot(0, &application_, &qt::loadPointers);
     QTimer::singleShot(kStartIsOver, &application_, &platform::giveBackFreedMemory);
     // Only the entry at login starts the program again: a session that restores what ran in it
     // would do so, too, even where start at login is off.
@@ -385,6 +391,7 @@ int main(int argc, char* argv[]) {
     int count = argc < 1 ? argc : 1;
     QApplication application(count, argv);
     environment.reset();
+    qt::stopLookingForFonts();
     QApplication::setApplicationName(platform::kIdentifier);
     QApplication::setApplicationVersion(TARNWICK_VERSION);
     QApplication::setDesktopFileName(platform::kIdentifier);

@@ -12,6 +12,8 @@ enum class LoginServiceStatus {
     enabled = 1,
     requiresApproval = 2,
     notFound = 3,
+    /// The system does not answer now.
+    unanswered = 4,
 };
 
 struct LoginServiceError {

@@ -7,8 +7,9 @@
 namespace tarnwick {
 
 void UserSettings::syncLoginItemState() {
-    const bool enabled = loginService_.status() == platform::LoginServiceStatus::enabled;
-    if (launchOnLogin() == enabled) {
+    const platform::LoginServiceStatus status = loginService_.status();
+    const bool enabled = status == platform::LoginServiceStatus::enabled;
+    if (launchOnLogin() == enabled || status == platform::LoginServiceStatus::unanswered) {
         return;
     }
     setLaunchOnLogin(enabled);

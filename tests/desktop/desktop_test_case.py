@@ -44,8 +44,8 @@ class DesktopTestCase(unittest.TestCase):
         self.addCleanup(self.keep_picture)
         return self.desktop
 
-    def program(self, log="program", options=()):
-        return Program(self.desktop, [os.environ["TARNWICK"], *options], log)
+    def program(self, log="program", options=(), before=()):
+        return Program(self.desktop, [*before, os.environ["TARNWICK"], *options], log)
 
     def start_known_to_user(self, numbers=None, **changes):
         """Starts the program for the second time, because at its first start it greets its user.

@@ -56,6 +56,16 @@ INSTANTIATE_TEST_SUITE_P(Statuses, LoginItemWhenOff,
                              return "Status" + std::to_string(static_cast<int>(test.param));
                          });
 
+TEST_F(LoginItem, ASystemThatDoesNotAnswerLeavesThePreference) {
+    service.setStatus(LoginServiceStatus::unanswered);
+    for (const bool preference : {true, false}) {
+        store.set(kKey, preference);
+        const UserSettings settings(store, service, platform::Logger(log));
+        EXPECT_EQ(settings.launchOnLogin(), preference);
+    }
+    EXPECT_TRUE(log.lines().empty());
+}
+
 TEST_F(LoginItem, EnabledElsewhereTurnsThePreferenceOnAtLaunch) {
     store.set(kKey, false);
     service.setStatus(LoginServiceStatus::enabled);

@@ -163,7 +163,7 @@ LoginServiceStatus AutostartLoginService::status() {
 }
 
 std::optional<LoginServiceError> AutostartLoginService::registerService() {
-    const std::string& program = program_.native();
+    const std::string program = startedAtLogin(program_, environment_).native();
     if (isUnusable(program)) {
         return failure("Cannot start at login", program, "no autostart entry can hold this path");
     }

@@ -20,13 +20,13 @@ std::filesystem::path startedAtLogin(const std::filesystem::path& program,
 
 /// At login desktops start the programs named by entries in the autostart folders: the user's in
 /// $XDG_CONFIG_HOME, then the system's in $XDG_CONFIG_DIRS. If several entries have one name, the
-/// first decides. Keeps nothing between two calls. Main thread.
+/// first decides. Keeps nothing between two calls. Any thread, one at a time; waits for the disk.
 class AutostartLoginService final : public LoginService {
  public:
     using Environment = std::function<const char*(const char*)>;
 
-    /// `program` is what starts at login. `environment` returns a variable's value or null at each
-    /// call.
+    /// `program` is the running program; startedAtLogin() tells what starts at login.
+    /// `environment` returns a variable's value or null at each call.
     AutostartLoginService(std::filesystem::path program, Environment environment);
 
     /// `enabled` when there is an entry that is not switched off and is meant for the session's

@@ -1,0 +1,112 @@
+# SPDX-License-Identifier: MIT
+"""A file system that stops answering altogether, whatever is asked of it: the program goes on."""
+
+import contextlib
+import os
+import shutil
+import signal
+import subprocess
+
+from gi.repository import GLib
+
+from desktop_test_case import DesktopTestCase, main
+
+_FIXTURES = os.path.join(os.path.dirname(__file__), "..", "fixtures")
+# A name space of mounts of its own, in which a program in between serves one folder. While that
+# program is stopped, whoever asks for anything below the folder waits.
+_START = """
+set -e
+[ -z "$2" ] || mount --bind "$2" /sys
+numbers=$1
+shift 2
+while [ "$1" != -- ]; do
+    bindfs -f "$1" "$1" & echo $! >>"$numbers"
+    until mountpoint -q "$1"; do sleep 0.05; done
+    shift
+done
+shift
+exec "$@"
+"""
+
+
+class StuckDiskTest(DesktopTestCase):
+    def start_on(self, folders, machine=""):
+        """The program, known to its user, with a server for each folder; on a recorded machine.
+
+        The servers are listed in `servers`.
+        """
+        for tool in ("bindfs", "fusermount3"):
+            if shutil.which(tool) is None or not os.path.exists("/dev/fuse"):
+                self.skipTest("this machine lacks bindfs, fuse3 or the kernel's part of it")
+        if subprocess.run(["unshare", "-m", "true"], check=False, capture_output=True).returncode:
+            self.skipTest("this machine lacks the right to mounts of one's own")
+        self.open_desktop(accessibility=True)
+        first = self.program("first").start()
+        self.until(lambda: self.is_in_store("settings.hasPresentedInitialSettings"),
+                   "the greeting is over")
+        self.assertEqual(first.end(), 0, first.output())
+        folders = folders or [self.desktop.path("home")]
+        numbers = self.desktop.path("servers")
+        program = self.program(before=["unshare", "-m", "sh", "-c", _START, "sh", numbers,
+                                       machine and os.path.join(_FIXTURES, machine, "sys"),
+                                       *folders, "--"]).start()
+        program.wait_for_tray()
+        with open(numbers, encoding="ascii") as file:
+            self.servers = [int(line) for line in file]
+        for server in self.servers:
+            self.addCleanup(os.kill, server, signal.SIGKILL)
+        self.wait_until_calm(program)
+        return program
+
+    def switch_login(self, program):
+        """Presses the switch that changes a file below the home."""
+        with self.desktop.accessibility_bus() as bus:
+            def switched():
+                with contextlib.suppress(GLib.Error):
+                    root = bus.program(program.pid)
+                    switch = root and root.find("check box", "Launch on login")
+                    if switch:
+                        switch.do("Toggle")
+                        return True
+                return False
+
+            self.until(switched, "the switch is pressed")
+
+    def assert_item_and_panel(self, program):
+        item = program.wait_for_item()
+        self.until(lambda: self.desktop.bus.item_property(item, "Title"), "the item answers")
+        program.open_panel()
+        self.assert_open(program)
+        self.wait_for_refresh(program)
+        self.press(program, "Refresh")
+
+    def assert_quits(self, program):
+        program.process.terminate()
+        self.until(lambda: not program.runs(), "the program ends")
+        self.assertEqual(program.process.returncode, 0, program.output())
+
+    def test_home(self):
+        program = self.start_on([])
+        os.kill(self.servers[0], signal.SIGSTOP)
+        self.assert_item_and_panel(program)
+        self.choose_settings(program)
+        self.switch_login(program)
+        self.wait_for_refresh(program)
+        self.assert_item_and_panel(program)
+        self.assert_quits(program)
+
+    def test_sensors(self):
+        program = self.start_on(["/sys/class/" + name
+                                 for name in ("thermal", "power_supply", "drm")], "laptop")
+        for server in self.servers:
+            os.kill(server, signal.SIGSTOP)
+            self.assert_item_and_panel(program)
+            program.close_panel()
+            os.kill(server, signal.SIGCONT)
+        for server in self.servers:
+            os.kill(server, signal.SIGSTOP)
+        self.assert_item_and_panel(program)
+        self.assert_quits(program)
+
+
+main()
