@@ -185,11 +185,15 @@ void PanelPopup::place() {
 
 void PanelPopup::paintEvent(QPaintEvent* event) {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    // New figures lie inside the panel, where the shadow is hidden.
     constexpr int corner = grid::kPanelCorner;
     const QRect inside = panelRect().adjusted(corner, corner, -corner, -corner);
-    if (isTranslucent_ && !inside.contains(event->rect())) {
+    if (inside.contains(event->rect())) {
+        // New figures lie inside the panel, clear of its edge and its shadow.
+        painter.fillRect(event->rect(), theme_.color(ColorRole::panel));
+        return;
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (isTranslucent_) {
         paintShadow(painter, panelRect(), grid::kPanelCorner, theme_.isDark());
     }
     constexpr qreal half = grid::kHairline / 2.0;

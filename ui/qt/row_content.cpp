@@ -38,7 +38,12 @@ Fitted fitted(const RowContent& row, const Theme& theme, qreal width) {
     if (row.trailing.text.isEmpty()) {
         return {leadingX, leadingStyle.elided(row.leading.text, room), {}, 0};
     }
-    const qreal kept = std::min(leadingStyle.width(row.leading.text), room * kLeadingShare);
+    const qreal leadingWidth = leadingStyle.width(row.leading.text);
+    const qreal wholeWidth = trailingStyle.width(row.trailing.text);
+    if (leadingWidth + grid::kColumnGap + wholeWidth <= room) {
+        return {leadingX, row.leading.text, row.trailing.text, wholeWidth};
+    }
+    const qreal kept = std::min(leadingWidth, room * kLeadingShare);
     const QString trailing =
         trailingStyle.elided(row.trailing.text, room - grid::kColumnGap - kept);
     const qreal trailingWidth = trailingStyle.width(trailing);
