@@ -20,6 +20,11 @@ constexpr Metric kGPU{"GPU", "GPU usage"};
 constexpr Metric kMemory{"RAM", "Memory usage"};
 constexpr Metric kStorage{"Disk", "Storage usage"};
 
+std::string popoverText(const Metric& metric, std::string_view value, std::string_view word) {
+    return std::string(metric.longName) + " is at " + std::string(value) + ", above the " +
+           std::string(word) + " threshold.";
+}
+
 Candidate judge(const Metric& metric, double value, ThresholdPair stored) {
     // The caller may pass a pair that is not normalised. Doing it twice changes nothing.
     const ThresholdPair pair = normalizedThresholds(stored.normal, stored.high);
@@ -35,8 +40,7 @@ Candidate judge(const Metric& metric, double value, ThresholdPair stored) {
     }
     const std::string valueText = percentText(value, 0);
     candidate.menuBarText = std::string(metric.shortName) + ' ' + valueText;
-    candidate.popoverText = std::string(metric.longName) + " is at " + valueText + ", above the " +
-                            std::string(word) + " threshold.";
+    candidate.popoverText = popoverText(metric, valueText, word);
     candidate.tieBreakScore = std::max(0.0, value - crossed);
     return candidate;
 }
@@ -76,6 +80,14 @@ MetricDisplaySummary displaySummary(const std::vector<Candidate>& candidates) {
     }
     const Candidate& shown = best(candidates);
     return {shown.severity, shown.menuBarText, shown.popoverText};
+}
+
+std::vector<std::string> longestPopoverTexts() {
+    std::vector<std::string> texts;
+    for (const Metric& metric : {kCPU, kGPU, kMemory, kStorage}) {
+        texts.push_back(popoverText(metric, "100%", "normal"));
+    }
+    return texts;
 }
 
 }  // namespace tarnwick::MetricSummaryResolver

@@ -45,6 +45,10 @@ const Candidate& best(const std::vector<Candidate>& candidates);
 /// What the panel says about the best of these candidates, or that there is none.
 MetricDisplaySummary displaySummary(const std::vector<Candidate>& candidates);
 
+/// For each metric the longest sentence that the panel may say about it, for who keeps room for all
+/// of them.
+std::vector<std::string> longestPopoverTexts();
+
 }  // namespace MetricSummaryResolver
 
 }  // namespace tarnwick

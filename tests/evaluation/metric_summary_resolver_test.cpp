@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 #include <limits>
+#include <string>
+#include <vector>
 
 namespace tarnwick {
 namespace {
@@ -131,6 +133,17 @@ TEST(MetricSummaryResolver, AWarningBeatsAnInfoHoweverFarThatIsAbove) {
 
 TEST(MetricSummaryResolver, AWarningIsKeptAgainstALaterInfo) {
     EXPECT_EQ(best(candidates(true, even(), 80, 0, 79, 0)).menuBarText, "CPU 80%");
+}
+
+TEST(MetricSummaryResolver, TheLongestSentencesAreThoseOfAFullMetricBelowItsHighThreshold) {
+    std::vector<std::string> said;
+    for (const Candidate& candidate :
+         candidates(true, {50, 100, 50, 100, 50, 100, 50, 100}, 99.6, 99.6, 99.6, 99.6)) {
+        said.push_back(candidate.popoverText);
+    }
+    ASSERT_EQ(said.size(), 4u);
+    EXPECT_EQ(MetricSummaryResolver::longestPopoverTexts(), said);
+    EXPECT_EQ(said.back(), "Storage usage is at 100%, above the normal threshold.");
 }
 
 TEST(Candidate, IsBuiltInTheOrderOfItsFields) {

@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <algorithm>
 
+#include "evaluation/metric_summary_resolver.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/wrapped_text.h"
 
@@ -12,9 +13,60 @@ namespace tarnwick::qt {
 
 namespace {
 
-constexpr int kSummaryLines = 2;
 /// Between the header's title row and its summary.
 constexpr int kSummaryGap = 2;
+/// The summary is drawn at most so much smaller than other captions.
+constexpr qreal kSmallestSummary = 0.85;
+
+TextStyle scaled(const TextStyle& style, qreal share) {
+    QFont font = style.font();
+    font.setPointSizeF(font.pointSizeF() * share);
+    return TextStyle(font);
+}
+
+struct SummaryRoom {
+    /// Size of the summary's font, as a share of that of other captions.
+    qreal share;
+    int lines;
+};
+
+SummaryRoom measuredRoom(const TextStyle& caption, int width) {
+    QStringList sentences;
+    qreal widest = 0;
+    for (const std::string& text : MetricSummaryResolver::longestPopoverTexts()) {
+        sentences << QString::fromStdString(text);
+        widest = std::max(widest, caption.width(sentences.back()));
+    }
+    const auto fits = [&](const TextStyle& style) {
+        return std::all_of(sentences.begin(), sentences.end(),
+                           [&](const QString& text) { return style.width(text) <= width; });
+    };
+    constexpr qreal step = 0.01;
+    for (qreal share = std::min(1.0, width / widest); share >= kSmallestSummary; share -= step) {
+        if (fits(scaled(caption, share))) {
+            return {share, 1};
+        }
+    }
+    // No sentence has more words.
+    constexpr int most = 9;
+    qsizetype lines = 1;
+    for (const QString& text : sentences) {
+        lines = std::max(lines, wrapped(text, caption, width, most).size());
+    }
+    return {1, static_cast<int>(lines)};
+}
+
+/// Measured anew only when the font has changed since the last call.
+SummaryRoom summaryRoom(const TextStyle& caption) {
+    static QString measured;
+    static SummaryRoom room{1, 1};
+    const QString font = caption.font().toString();
+    if (measured != font) {
+        measured = font;
+        room = measuredRoom(caption, kPanelWidth - 2 * grid::kPadding);
+    }
+    return room;
+}
 
 }  // namespace
 
@@ -67,16 +119,17 @@ int PanelHeaderWidget::titleRowHeight() const {
     return std::max(grid::kIconButtonSize, theme().style(FontRole::headline).lineHeight());
 }
 
-QStringList PanelHeaderWidget::summaryLines(int width, int most) const {
-    return wrapped(QString::fromStdString(value().summary), theme().style(FontRole::caption), width,
-                   most);
+TextStyle PanelHeaderWidget::summaryStyle() const {
+    const TextStyle& caption = theme().style(FontRole::caption);
+    return scaled(caption, summaryRoom(caption).share);
 }
 
 /// As many lines as there is room for: the header may not have been given its full height yet.
 QStringList PanelHeaderWidget::shownSummary() const {
+    const TextStyle style = summaryStyle();
     const int room = height() - titleRowHeight() - kSummaryGap;
-    const int most = room / theme().style(FontRole::caption).lineHeight();
-    return summaryLines(columnWidth(), std::clamp(most, 1, kSummaryLines));
+    return wrapped(QString::fromStdString(value().summary), style, columnWidth(),
+                   std::max(1, room / style.lineHeight()));
 }
 
 QString PanelHeaderWidget::shownTitle() const {
@@ -95,8 +148,8 @@ void PanelHeaderWidget::placeButtons() {
 }
 
 int PanelHeaderWidget::heightFor(int) const {
-    return titleRowHeight() + kSummaryGap +
-           kSummaryLines * theme().style(FontRole::caption).lineHeight();
+    const int lines = summaryRoom(theme().style(FontRole::caption)).lines;
+    return titleRowHeight() + kSummaryGap + lines * summaryStyle().lineHeight();
 }
 
 void PanelHeaderWidget::paintEvent(QPaintEvent*) {
@@ -105,12 +158,11 @@ void PanelHeaderWidget::paintEvent(QPaintEvent*) {
     const int left = sideOverhang();
     title.draw(painter, QPointF(left, (titleRowHeight() - title.lineHeight()) / 2 + title.ascent()),
                shownTitle(), theme().color(ColorRole::text));
-    const TextStyle& caption = theme().style(FontRole::caption);
-    int baseline = titleRowHeight() + kSummaryGap + caption.ascent();
+    const TextStyle style = summaryStyle();
+    int baseline = titleRowHeight() + kSummaryGap + style.ascent();
     for (const QString& line : shownSummary()) {
-        caption.draw(painter, QPointF(left, baseline), line,
-                     theme().color(ColorRole::secondaryText));
-        baseline += caption.lineHeight();
+        style.draw(painter, QPointF(left, baseline), line, theme().color(ColorRole::secondaryText));
+        baseline += style.lineHeight();
     }
 }
 

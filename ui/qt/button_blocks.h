@@ -32,8 +32,8 @@ class ButtonBlockWidget : public ValueBlockWidget<Value> {
     std::vector<ButtonWidget*> buttons_;
 };
 
-/// The title and the icon buttons of the home page, and the summary. The room for its second line
-/// is always there, so that the panel keeps its height when another sentence comes.
+/// The title and the icon buttons of the home page, and the summary. The room for the longest
+/// summary is always there, so that the panel keeps its height when another sentence comes.
 class PanelHeaderWidget final : public ButtonBlockWidget<PanelHeader> {
  public:
     using ButtonBlockWidget::ButtonBlockWidget;
@@ -55,7 +55,7 @@ class PanelHeaderWidget final : public ButtonBlockWidget<PanelHeader> {
     int titleRowHeight() const;
     /// The title, cut if the buttons leave too little room.
     QString shownTitle() const;
-    QStringList summaryLines(int width, int most) const;
+    TextStyle summaryStyle() const;
     QStringList shownSummary() const;
 };
 

@@ -44,10 +44,11 @@ QPixmap tile(int margin, int corner, qreal opacity, qreal ratio) {
             const qreal dx = outside((x + 0.5) / ratio, left);
             const qreal far = std::sqrt(dx * dx + dy * dy) - corner;
             // The shadow fades to nothing at the margin, so that no edge shows.
-            const int alpha = far <= 0       ? full
-                              : far >= reach ? 0
-                                             : qRound(255 * opacity * std::exp(-far / kSoftness) *
-                                                      (1 - far / reach));
+            const int alpha =
+                far <= 0 ? full
+                : far >= reach
+                    ? 0
+                    : qRound(255 * opacity * std::exp(-far / kSoftness) * (1 - far / reach));
             line[x] = line[pixels - 1 - x] = qRgba(0, 0, 0, alpha);
         }
     }

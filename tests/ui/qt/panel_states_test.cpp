@@ -7,10 +7,12 @@
 #include <type_traits>
 #include <vector>
 
+#include "evaluation/metric_summary_resolver.h"
 #include "tests/ui/qt/paint_counter.h"
 #include "tests/ui/qt/panel_view_fixture.h"
 #include "ui/panel/spoken_text.h"
 #include "ui/qt/button_widget.h"
+#include "ui/qt/grid.h"
 #include "ui/qt/symbols.h"
 #include "ui/qt/top_apps_widget.h"
 
@@ -138,6 +140,40 @@ TEST_F(PanelStates, FontsThatGrowWhileItIsOpenMakeTheSamePage) {
         }
         QApplication::setFont(font);
         settle();
+    }
+}
+
+TEST_F(PanelStates, TheSummaryOfEveryMetricFitsOneLineInAUsualFont) {
+    for (const char* family : {"Inter", "DejaVu Sans"}) {
+        QFont usual(family);
+        usual.setPointSizeF(11);
+        QApplication::setFont(usual);
+        settle();
+        show(homePage(testing::calmMachine(), formatter));
+        const int title =
+            std::max(grid::kIconButtonSize, theme.style(FontRole::headline).lineHeight());
+        EXPECT_LE(find("header")->height(), title + 2 + theme.style(FontRole::caption).lineHeight())
+            << family;
+    }
+}
+
+TEST_F(PanelStates, TheSummaryIsWholeAndKeepsTheHeightWhicheverMetricItIsAboutInEveryFont) {
+    for (const qreal factor : {1.0, 1.25, 1.5, 2.0, 3.0}) {
+        enlargeFonts(factor);
+        HomePageInputs inputs = testing::calmMachine();
+        show(homePage(inputs, formatter));
+        const int height = view.height();
+        for (const std::string& text : MetricSummaryResolver::longestPopoverTexts()) {
+            inputs.displaySummary.popoverText = text;
+            show(homePage(inputs, formatter));
+            EXPECT_EQ(view.height(), height) << factor << ' ' << text;
+            const QRect header = find("header")->rect();
+            QHelpEvent help(QEvent::ToolTip, header.bottomLeft(),
+                            find("header")->mapToGlobal(header.bottomLeft()));
+            hideToolTip();
+            QApplication::sendEvent(find("header"), &help);
+            EXPECT_EQ(shownToolTip(), "") << factor << ' ' << text;
+        }
     }
 }
 

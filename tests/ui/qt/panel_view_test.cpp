@@ -391,7 +391,7 @@ TEST_F(PanelViewTest, ATitleThatTheButtonsLeaveNoRoomIsCutAndWholeInTheToolTip) 
     QImage image(header->size(), QImage::Format_RGB32);
     image.fill(theme.color(ColorRole::panel));
     header->render(&image, QPoint(), QRegion(), QWidget::RenderFlags());
-    for (int y = 0; y < image.height() / 3; ++y) {
+    for (int y = 0; y < theme.style(FontRole::headline).lineHeight(); ++y) {
         for (int x = left - 4; x < image.width(); ++x) {
             ASSERT_EQ(image.pixel(x, y), theme.color(ColorRole::panel).rgb()) << x << ' ' << y;
         }
