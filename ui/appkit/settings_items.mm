@@ -99,11 +99,14 @@ NSView<TNWSettingsItemView>* resetRow(SettingsView& view) {
 }
 
 NSView* bodyOf(const ProgramName& program) {
+    NSTextField* value = label(program.version, FontRole::captionMedium, NSColor.labelColor);
+    // For bug reports. No other text can be selected.
+    value.selectable = YES;
     NSStackView* version = settingsRow(
         @[
             label(std::string(ProgramName::kVersionTitle), FontRole::caption,
                   NSColor.secondaryLabelColor),
-            label(program.version, FontRole::captionMedium, NSColor.labelColor)
+            value
         ],
         kGap);
     return settingsColumn(

@@ -48,6 +48,23 @@
     return YES;
 }
 
+/// The card is pressed as a whole: its texts are part of it.
+- (NSView*)hitTest:(NSPoint)point {
+    NSView* hit = [super hitTest:point];
+    return hit == nil || [hit isDescendantOf:_switch] ? hit : self;
+}
+
+// Without it the release would not come here.
+- (void)mouseDown:(NSEvent*)event {
+    (void)event;
+}
+
+- (void)mouseUp:(NSEvent*)event {
+    if (NSPointInRect([self convertPoint:event.locationInWindow fromView:nil], self.bounds)) {
+        [_switch performClick:self];
+    }
+}
+
 - (void)switched:(id)sender {
     (void)sender;
     _view->toggleSwitch(_setting);
