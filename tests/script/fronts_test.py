@@ -32,7 +32,7 @@ DECISIONS = [
     # Rows that keep their places under the pointer.
     "heldOrder",
     # Bars that move, unless less motion is wanted.
-    "MovingValue", "moveTo", "jumpTo", "setReduced",
+    "MovingValue", "moveTo", "jumpTo", "setReduced", "kTurn",
     # The panel's comings and goings, Escape, and where the keyboard goes on.
     "appear", "disappear", "setPageObserver", "cancel", "entryAction", "spaceAbove",
     # The slider's thumbs.
@@ -146,6 +146,17 @@ class Fronts(unittest.TestCase):
             for name in DECISIONS:
                 with self.subTest(front=front, decision=name):
                     self.assertTrue(re.search(rf"\b{name}\b", text), "is not asked for")
+
+    def test_appkit_takes_a_press_anywhere_on_the_card_of_a_switch(self):
+        card = (ROOT / "ui/appkit/switch_card.mm").read_text()
+        for needed in ("hitTest:", "mouseUp:", "performClick:"):
+            self.assertIn(needed, card)
+
+    def test_appkit_lets_nothing_be_selected_but_the_version(self):
+        lines = source("appkit").splitlines()
+        places = [number for number, line in enumerate(lines) if "selectable = YES" in line]
+        self.assertEqual(len(places), 1)
+        self.assertIn("program.version", lines[places[0] - 2])
 
     def test_appkit_makes_no_translucent_colour_stronger(self):
         # The system's colours of labels are translucent; this sets their alpha, where it is meant

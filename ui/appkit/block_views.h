@@ -25,7 +25,7 @@ inline constexpr CGFloat kBlockWidth = kPanelWidth - 2 * kPagePadding;
 /// What the blocks of a page share.
 struct BlockEnvironment {
     PressHandler press{};
-    /// Bars move with it; without one they jump.
+    /// Bars move and the symbol of a refresh turns with it; without one they do not.
     std::shared_ptr<Motion> motion{};
     /// Called when a block changes its height without a new value.
     std::function<void()> heightChanged{};

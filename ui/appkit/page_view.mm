@@ -26,6 +26,11 @@ struct Row {
     self = [super initWithFrame:NSZeroRect];
     if (self != nil) {
         _environment = std::move(environment);
+        __weak TNWPageView* weakSelf = self;
+        _environment.press = [weakSelf, press = _environment.press](tarnwick::PanelAction action) {
+            [weakSelf showStartOf:action];
+            press(action);
+        };
         self.orientation = NSUserInterfaceLayoutOrientationVertical;
         self.alignment = NSLayoutAttributeLeading;
         self.distribution = NSStackViewDistributionFill;
@@ -95,6 +100,13 @@ struct Row {
         if (tarnwick::appkit::tagOf(entry.action) == item.tag) {
             _environment.press(entry.action);
         }
+    }
+}
+
+/// Shows that the action is under way, for one that takes time.
+- (void)showStartOf:(tarnwick::PanelAction)action {
+    if (action == tarnwick::PanelAction::refresh) {
+        [[self buttonOf:action] turnSymbolWith:_environment.motion];
     }
 }
 

@@ -4,8 +4,10 @@
 
 #import <AppKit/AppKit.h>
 #include <functional>
+#include <memory>
 
 #include "ui/panel/blocks.h"
+#include "ui/panel/motion.h"
 
 namespace tarnwick::appkit {
 
@@ -17,6 +19,9 @@ using PressHandler = std::function<void(PanelAction)>;
 @interface TNWPressButton : NSButton
 /// Each press runs a copy of `pressed`.
 - (void)setPressed:(std::function<void()>)pressed;
+/// Turns the symbol of a button that shows it alone, once. Stands still with a reduced `motion` or
+/// none.
+- (void)turnSymbolWith:(std::shared_ptr<tarnwick::Motion>)motion;
 @end
 
 namespace tarnwick::appkit {

@@ -1,13 +1,41 @@
 // SPDX-License-Identifier: MIT
 #include "ui/appkit/press_button.h"
 
+#include <cmath>
+#include <optional>
 #include <utility>
 
 #include "ui/appkit/style.h"
 #include "ui/panel/blocks.h"
 
+namespace {
+
+/// The picture turned clockwise around its middle by a share of a whole turn.
+NSImage* turned(NSImage* picture, double share) {
+    const NSSize size = picture.size;
+    NSImage* result = [NSImage imageWithSize:size
+                                     flipped:NO
+                              drawingHandler:^BOOL(NSRect frame) {
+                                NSAffineTransform* transform = [NSAffineTransform transform];
+                                [transform translateXBy:NSMidX(frame) yBy:NSMidY(frame)];
+                                [transform rotateByDegrees:-360 * share];
+                                [transform translateXBy:-NSMidX(frame) yBy:-NSMidY(frame)];
+                                [transform concat];
+                                [picture drawInRect:frame];
+                                return YES;
+                              }];
+    [result setTemplate:[picture isTemplate]];
+    return result;
+}
+
+}  // namespace
+
 @implementation TNWPressButton {
     std::function<void()> _pressed;
+    /// The symbol as it stands still.
+    NSImage* _symbol;
+    /// Whole turns of the symbol so far; set from the first turn on.
+    std::optional<tarnwick::MovingValue> _turns;
 }
 
 - (void)setPressed:(std::function<void()>)pressed {
@@ -23,6 +51,24 @@
     if (pressed) {
         pressed();
     }
+}
+
+- (void)turnSymbolWith:(std::shared_ptr<tarnwick::Motion>)motion {
+    if (self.imagePosition != NSImageOnly || motion == nullptr) {
+        return;
+    }
+    if (!_turns) {
+        _symbol = self.image;
+        __weak TNWPressButton* weakSelf = self;
+        _turns.emplace(
+            std::move(motion), [weakSelf] { [weakSelf showTurn]; }, tarnwick::Motion::kTurn);
+    }
+    _turns->moveTo(_turns->target() + 1);
+}
+
+- (void)showTurn {
+    const double share = _turns->value() - std::floor(_turns->value());
+    self.image = share == 0 ? _symbol : turned(_symbol, share);
 }
 
 @end

@@ -40,8 +40,9 @@ void Motion::tick() {
     }
 }
 
-MovingValue::MovingValue(std::shared_ptr<Motion> motion, std::function<void()> changed)
-    : motion_(std::move(motion)), changed_(std::move(changed)) {}
+MovingValue::MovingValue(std::shared_ptr<Motion> motion, std::function<void()> changed,
+                         double duration)
+    : motion_(std::move(motion)), changed_(std::move(changed)), duration_(duration) {}
 
 MovingValue::~MovingValue() {
     if (motion_ != nullptr) {
@@ -72,7 +73,7 @@ void MovingValue::moveTo(double target) {
 }
 
 bool MovingValue::show(double now) {
-    const double share = motion_->isReduced() ? 1 : (now - start_) / Motion::kDuration;
+    const double share = motion_->isReduced() ? 1 : (now - start_) / duration_;
     const bool isUnderWay = share < 1;
     // Fast at first, slow at the end.
     const double rest = isUnderWay ? (1 - share) * (1 - share) : 0;

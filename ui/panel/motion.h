@@ -19,6 +19,8 @@ class Motion {
     // Seconds. A movement ends with its sixth frame, well within a fifth of a second.
     static constexpr double kDuration = 0.175;
     static constexpr double kFrame = 0.03;
+    /// How long a symbol takes to turn once.
+    static constexpr double kTurn = 0.6;
 
     /// `dispatch` must outlive the motion.
     explicit Motion(platform::Dispatch& dispatch) : dispatch_(dispatch) {}
@@ -49,12 +51,13 @@ class Motion {
     std::unique_ptr<platform::Timer> timer_;
 };
 
-/// A figure that takes kDuration to arrive at a new value. Main thread.
+/// A figure that takes a while to arrive at a new value. Main thread.
 class MovingValue {
  public:
     /// `changed` is called for each frame that shows another value. With a null `motion` every step
-    /// is a jump.
-    MovingValue(std::shared_ptr<Motion> motion, std::function<void()> changed);
+    /// is a jump. `duration` in seconds.
+    MovingValue(std::shared_ptr<Motion> motion, std::function<void()> changed,
+                double duration = Motion::kDuration);
     MovingValue(const MovingValue&) = delete;
     MovingValue& operator=(const MovingValue&) = delete;
     ~MovingValue();
@@ -76,6 +79,7 @@ class MovingValue {
 
     std::shared_ptr<Motion> motion_;
     std::function<void()> changed_;
+    double duration_;
     double shown_ = 0;
     double origin_ = 0;
     double target_ = 0;

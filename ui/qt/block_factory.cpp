@@ -72,7 +72,7 @@ struct Maker {
     QWidget* parent;
 
     BlockWidget* operator()(const PanelHeader&) const {
-        return new PanelHeaderWidget(theme, press, parent);
+        return new PanelHeaderWidget(theme, motion, press, parent);
     }
     BlockWidget* operator()(const StatusRow&) const {
         return new RowWidget<StatusRow>(theme, parent);
@@ -91,17 +91,17 @@ struct Maker {
     }
     BlockWidget* operator()(const InfoRow&) const { return new RowWidget<InfoRow>(theme, parent); }
     BlockWidget* operator()(const NavigationButton&) const {
-        return new NavigationButtonWidget(theme, press, parent);
+        return new NavigationButtonWidget(theme, motion, press, parent);
     }
     BlockWidget* operator()(const TopAppsSection&) const {
         return new TopAppsWidget(theme, parent);
     }
     BlockWidget* operator()(const PanelDivider&) const { return new DividerWidget(theme, parent); }
     BlockWidget* operator()(const FooterRow&) const {
-        return new FooterRowWidget(theme, press, parent);
+        return new FooterRowWidget(theme, motion, press, parent);
     }
     BlockWidget* operator()(const DetailHeader&) const {
-        return new DetailHeaderWidget(theme, press, parent);
+        return new DetailHeaderWidget(theme, motion, press, parent);
     }
     BlockWidget* operator()(const GroupTitle&) const {
         return new RowWidget<GroupTitle>(theme, parent);

@@ -80,7 +80,8 @@ void ButtonBlockWidget<Value>::showButtons(const std::vector<PanelButton>& butto
     }
     for (std::size_t i = 0; i < buttons.size(); ++i) {
         if (i == buttons_.size()) {
-            buttons_.push_back(new ButtonWidget(kind, buttons[i], this->theme(), press_, this));
+            buttons_.push_back(
+                new ButtonWidget(kind, buttons[i], this->theme(), motion_, press_, this));
             buttons_.back()->show();
         } else {
             buttons_[i]->setButton(buttons[i]);

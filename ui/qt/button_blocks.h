@@ -2,6 +2,7 @@
 // The building blocks that hold buttons.
 #pragma once
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -15,8 +16,11 @@ namespace tarnwick::qt {
 template <class Value>
 class ButtonBlockWidget : public ValueBlockWidget<Value> {
  public:
-    ButtonBlockWidget(const Theme& theme, PressHandler press, QWidget* parent)
-        : ValueBlockWidget<Value>(theme, parent), press_(std::move(press)) {}
+    ButtonBlockWidget(const Theme& theme, std::shared_ptr<Motion> motion, PressHandler press,
+                      QWidget* parent)
+        : ValueBlockWidget<Value>(theme, parent),
+          motion_(std::move(motion)),
+          press_(std::move(press)) {}
 
  protected:
     /// Makes as many buttons as there are values, and shows them.
@@ -28,6 +32,7 @@ class ButtonBlockWidget : public ValueBlockWidget<Value> {
     void changeEvent(QEvent* event) final;
 
  private:
+    std::shared_ptr<Motion> motion_;
     PressHandler press_;
     std::vector<ButtonWidget*> buttons_;
 };

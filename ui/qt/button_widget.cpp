@@ -5,6 +5,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QtMath>
+#include <cmath>
 #include <utility>
 
 #include "ui/panel/blocks.h"
@@ -45,12 +46,14 @@ const char* nameOf(PanelAction action) {
 }  // namespace
 
 ButtonWidget::ButtonWidget(ButtonKind kind, const PanelButton& button, const Theme& theme,
-                           PressHandler press, QWidget* parent)
+                           std::shared_ptr<Motion> motion, PressHandler press, QWidget* parent)
     : QAbstractButton(parent),
       kind_(kind),
       theme_(theme),
       press_(std::move(press)),
-      button_(button) {
+      button_(button),
+      turns_(
+          std::move(motion), [this] { update(); }, Motion::kTurn) {
     setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
     connect(this, &QAbstractButton::clicked, this, [this] { press_(button_.action); });
@@ -62,6 +65,12 @@ void ButtonWidget::setButton(const PanelButton& button) {
         button_ = button;
         applyButton();
         update();
+    }
+}
+
+void ButtonWidget::turnSymbol() {
+    if (kind_ == ButtonKind::icon) {
+        turns_.moveTo(turns_.target() + 1);
     }
 }
 
@@ -146,7 +155,8 @@ void ButtonWidget::paintEvent(QPaintEvent*) {
     const int symbolY = (height() - grid::kSymbolSize) / 2;
     if (kind_ == ButtonKind::icon) {
         paintSymbol(painter, button_.icon, foreground(),
-                    QPointF((width() - grid::kSymbolSize) / 2, symbolY), grid::kSymbolSize);
+                    QPointF((width() - grid::kSymbolSize) / 2, symbolY), grid::kSymbolSize,
+                    std::fmod(turns_.value(), 1));
         return;
     }
     const int baseline = (height() - style().lineHeight()) / 2 + style().ascent();

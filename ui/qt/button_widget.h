@@ -3,8 +3,10 @@
 #pragma once
 
 #include <QAbstractButton>
+#include <memory>
 
 #include "ui/panel/blocks.h"
+#include "ui/panel/motion.h"
 #include "ui/qt/block_widget.h"
 #include "ui/qt/theme.h"
 
@@ -29,12 +31,15 @@ class ButtonWidget final : public QAbstractButton {
     Q_OBJECT
 
  public:
-    ButtonWidget(ButtonKind kind, const PanelButton& button, const Theme& theme, PressHandler press,
-                 QWidget* parent);
+    /// Symbols turn with `motion`; without one they stand still.
+    ButtonWidget(ButtonKind kind, const PanelButton& button, const Theme& theme,
+                 std::shared_ptr<Motion> motion, PressHandler press, QWidget* parent);
 
     /// Paints again only when the button differs from the one shown.
     void setButton(const PanelButton& button);
     PanelAction action() const { return button_.action; }
+    /// Turns the symbol of a button that shows it alone, once.
+    void turnSymbol();
     /// The size that shows the whole title; of a navigation button the least width.
     QSize sizeHint() const override;
     /// Radius of its corners.
@@ -63,6 +68,8 @@ class ButtonWidget final : public QAbstractButton {
     PressHandler press_;
     PanelButton button_;
     bool focusCameByKey_ = false;
+    /// Whole turns of the symbol so far.
+    MovingValue turns_;
 };
 
 }  // namespace tarnwick::qt

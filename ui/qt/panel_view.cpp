@@ -23,12 +23,26 @@ PanelView::PanelView(const Theme& theme, PressHandler press, QWidget* parent,
                      std::shared_ptr<Motion> motion)
     : QWidget(parent),
       theme_(theme),
-      press_(std::move(press)),
+      press_([this, press = std::move(press)](PanelAction action) {
+          turnSymbols(action);
+          press(action);
+      }),
       motion_(std::move(motion)),
       focusRing_(new FocusRing(theme, this)) {
     setLayoutDirection(Qt::LeftToRight);
     static std::once_flag isDescribed;
     std::call_once(isDescribed, describeBlocksForScreenReaders);
+}
+
+void PanelView::turnSymbols(PanelAction action) {
+    if (action != PanelAction::refresh) {
+        return;
+    }
+    for (ButtonWidget* button : findChildren<ButtonWidget*>()) {
+        if (button->action() == action) {
+            button->turnSymbol();
+        }
+    }
 }
 
 /// Moves the widget of that id out of its row; null without one.

@@ -27,8 +27,8 @@ class PanelView final : public QWidget {
     Q_OBJECT
 
  public:
-    /// Bars move with `motion`; without one they jump, and a list is held as long as the pointer is
-    /// over it.
+    /// Bars move and the symbol of a refresh turns with `motion`; without one they do not, and a
+    /// list is held as long as the pointer is over it.
     PanelView(const Theme& theme, PressHandler press, QWidget* parent,
               std::shared_ptr<Motion> motion = nullptr);
 
@@ -64,6 +64,8 @@ class PanelView final : public QWidget {
     /// Returns the widgets that are left over; they still exist.
     std::vector<BlockWidget*> takePage(const Page& page);
     BlockWidget* takeWidget(const std::string& id);
+    /// Shows that the action is under way, for one that takes time.
+    void turnSymbols(PanelAction action);
     static void remove(const std::vector<BlockWidget*>& widgets);
     void chainButtons();
     void orderWidgets();

@@ -125,11 +125,23 @@ QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
 }
 
 void paintSymbol(QPainter& painter, std::string_view name, const QColor& colour,
-                 const QPointF& position, qreal size) {
+                 const QPointF& position, qreal size, qreal turn) {
     // Not the device's own ratio: the painter of a widget reports the widget as its device, even
     // while it draws into something else.
     const qreal scale = painter.deviceTransform().m11();
-    painter.drawImage(onPixel(painter, position), symbolImage(name, colour, size, scale));
+    const QImage image = symbolImage(name, colour, size, scale);
+    const QPointF corner = onPixel(painter, position);
+    if (turn == 0) {
+        painter.drawImage(corner, image);
+        return;
+    }
+    const QPointF middle(size / 2, size / 2);
+    painter.save();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.translate(corner + middle);
+    painter.rotate(360 * turn);
+    painter.drawImage(-middle, image);
+    painter.restore();
 }
 
 }  // namespace tarnwick::qt

@@ -24,9 +24,10 @@ QImage symbolImage(std::string_view name, const QColor& colour, qreal size,
 /// The same, `pixels` wide, drawn anew and not cached: for symbols that are drawn rarely.
 QImage drawnSymbol(std::string_view name, const QColor& colour, int pixels);
 
-/// Paints symbolImage() with its upper left corner at `position`, at the painter's own scale.
+/// Paints symbolImage() with its upper left corner at `position`, at the painter's own scale, and
+/// turned clockwise around its middle by a share of a whole turn.
 void paintSymbol(QPainter& painter, std::string_view name, const QColor& colour,
-                 const QPointF& position, qreal size);
+                 const QPointF& position, qreal size, qreal turn = 0);
 
 /// The most bytes of pixels in the cache.
 inline constexpr int kSymbolCacheBytes = 128 * 1024;

@@ -46,6 +46,16 @@ TEST_F(MotionTest, ArrivesWithinAFifthOfASecondInAFewEvenlyFallingSteps) {
     }
 }
 
+TEST_F(MotionTest, AValueMayTakeLonger) {
+    MovingValue slow(
+        motion, [] {}, 1);
+    slow.moveTo(1);
+    manual.advance(0.9);
+    EXPECT_LT(slow.value(), 1);
+    manual.advance(0.2);
+    EXPECT_EQ(slow.value(), 1);
+}
+
 TEST_F(MotionTest, MovesDownAsItMovesUp) {
     value().jumpTo(1);
     value().moveTo(0.5);

@@ -1,6 +1,9 @@
 // SPDX-License-Identifier: MIT
 // What of the panel moves, and what is painted for it.
+#include <QAbstractButton>
 #include <QApplication>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QScreen>
 #include <gmock/gmock.h>
@@ -9,6 +12,7 @@
 #include "platform/testing/manual_dispatch.h"
 #include "tests/ui/panel/detail_fixtures.h"
 #include "tests/ui/panel/home_fixtures.h"
+#include "tests/ui/qt/drawn.h"
 #include "tests/ui/qt/paint_counter.h"
 #include "tests/ui/qt/settle.h"
 #include "ui/panel/motion.h"
@@ -37,6 +41,10 @@ class PanelMotionTest : public ::testing::Test {
         settle();
     }
     QWidget* find(const char* name) const { return view.findChild<QWidget*>(name); }
+    QImage pictureOf(const char* name) const {
+        return drawn(find(name), theme.color(ColorRole::panel));
+    }
+    void press(const char* name) const { qobject_cast<QAbstractButton*>(find(name))->click(); }
     /// Pixels of the bar's middle line that are in its colour.
     int length(const char* name, Tint tint = Tint::green) const {
         QWidget* bar = find(name);
@@ -80,6 +88,49 @@ TEST_F(PanelMotionTest, ABarMovesToItsNewValueWithinAFifthOfASecond) {
     EXPECT_LE(6 * Motion::kFrame, 0.2);
     EXPECT_NEAR(last, 216, 2);
     EXPECT_FALSE(motion->isRunning());
+}
+
+TEST_F(PanelMotionTest, TheSymbolOfARefreshTurnsOnce) {
+    show(inputs);
+    const QImage still = pictureOf("button.refresh");
+    press("button.refresh");
+    QImage last = still;
+    for (int frame = 1; frame * Motion::kFrame < Motion::kTurn; ++frame) {
+        nextFrame();
+        EXPECT_NE(pictureOf("button.refresh"), last) << frame;
+        last = pictureOf("button.refresh");
+    }
+    nextFrame();
+    EXPECT_EQ(pictureOf("button.refresh"), still);
+    EXPECT_FALSE(motion->isRunning());
+}
+
+TEST_F(PanelMotionTest, TheSymbolOfARefreshTurnsAlsoFromTheMenu) {
+    show(inputs);
+    const QImage still = pictureOf("button.refresh");
+    QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(5, 5), view.mapToGlobal(QPoint(5, 5)));
+    QApplication::sendEvent(&view, &event);
+    for (QAction* action : view.findChild<QMenu*>("menu")->actions()) {
+        if (action->text() == "Refresh") {
+            action->trigger();
+        }
+    }
+    nextFrame();
+    EXPECT_NE(pictureOf("button.refresh"), still);
+    view.findChild<QMenu*>("menu")->close();
+    settle();
+}
+
+TEST_F(PanelMotionTest, NoOtherSymbolTurnsAndNoneWithLessMotion) {
+    show(inputs);
+    press("button.showSettings");
+    EXPECT_FALSE(motion->isRunning());
+    motion->setReduced(true);
+    const QImage still = pictureOf("button.refresh");
+    press("button.refresh");
+    EXPECT_FALSE(motion->isRunning());
+    settle();
+    EXPECT_EQ(pictureOf("button.refresh"), still);
 }
 
 TEST_F(PanelMotionTest, TextsAndColoursAreNewAtOnce) {
