@@ -28,6 +28,8 @@ struct PowerSourceDescription {
     std::optional<std::int64_t> timeToFullCharge{};
     /// "BatteryHealthCondition": a word or a phrase.
     std::optional<std::string> batteryHealthCondition{};
+    /// Watts that it gives while discharging or takes while charging; only some systems report it.
+    std::optional<double> power{};
 
     bool operator==(const PowerSourceDescription&) const = default;
 };

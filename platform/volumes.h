@@ -9,7 +9,7 @@
 
 namespace tarnwick::platform {
 
-/// The four URL resource values asked for together; each may be missing.
+/// The four URL resource values asked for together, and the mount point; each may be missing.
 struct VolumeResourceValues {
     std::optional<std::string> name{};
     /// Bytes.
@@ -18,6 +18,8 @@ struct VolumeResourceValues {
     std::optional<std::int64_t> availableCapacityForImportantUsage{};
     /// Bytes.
     std::optional<std::int64_t> availableCapacity{};
+    /// Absolute path at which the volume is mounted; only some systems report it.
+    std::optional<std::string> mountPoint{};
 };
 
 /// Why the resource values could not be read.

@@ -34,6 +34,7 @@ std::optional<BatteryInfo> readPowerSources(platform::PowerSources& sources) {
     info.healthCondition = battery->batteryHealthCondition.value_or("");
     info.hasBattery = true;
     info.cycleCount = sources.cycleCount();
+    info.power = battery->power;
     return info;
 }
 

@@ -35,6 +35,7 @@ StorageInfo StorageService::readStorageInfo() {
         if (values->name && !values->name->empty()) {
             info.name = *values->name;
         }
+        info.mountPoint = values->mountPoint.value_or("");
         // Space that the system would free when needed counts as available, if the system knows it.
         const auto& important = values->availableCapacityForImportantUsage;
         setSizes(info, values->totalCapacity, important ? important : values->availableCapacity);

@@ -110,6 +110,8 @@ struct StorageInfo {
     std::int64_t usedSpace = 0;
     /// Available, bytes.
     std::int64_t availableSpace = 0;
+    /// Where the file system is mounted; empty when unknown.
+    std::string mountPoint{};
 
     /// usedSpace / totalSpace, percent; 0 when the total is below 1.
     double usagePercentage() const;
@@ -144,6 +146,8 @@ struct BatteryInfo {
     std::int64_t timeRemaining = 0;
     /// The machine has a battery. While false no other field means anything.
     bool hasBattery = false;
+    /// Watts that it gives while discharging or takes while charging; absent when unknown.
+    std::optional<double> power{};
 };
 
 /// The sum of all network interfaces that are up, without loopback.

@@ -55,12 +55,16 @@ std::string_view trimmed(std::string_view text) {
     return text;
 }
 
-std::string percentText(double value, int decimals) {
+std::string fixedText(double value, int decimals) {
     // A stream, because std::to_chars for floating point is missing in some standard libraries.
     std::ostringstream text;
     text.imbue(std::locale::classic());
-    text << std::fixed << std::setprecision(decimals) << value << '%';
+    text << std::fixed << std::setprecision(decimals) << value;
     return std::move(text).str();
+}
+
+std::string percentText(double value, int decimals) {
+    return fixedText(value, decimals) + '%';
 }
 
 }  // namespace tarnwick

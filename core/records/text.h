@@ -11,6 +11,9 @@ namespace tarnwick {
 /// zero-width space.
 std::string_view trimmed(std::string_view text);
 
+/// A number with so many decimals, rounded like "%.*f", with a point in every locale.
+std::string fixedText(double value, int decimals);
+
 /// A percentage with a fixed number of decimals and a percent sign, rounded like "%.*f%%", with a
 /// point in every locale: 99.6 with 0 decimals is "100%".
 std::string percentText(double value, int decimals);

@@ -70,6 +70,13 @@ TEST_F(PowerSourceReader, WithoutABatterySaysSo) {
     EXPECT_THAT(sources.calls(), ::testing::Each("descriptions"));
 }
 
+TEST_F(PowerSourceReader, TellsThePowerWhereTheSystemDoes) {
+    PowerSourceDescription source = battery();
+    EXPECT_EQ(readBattery(source).power, std::nullopt);
+    source.power = 9.5;
+    EXPECT_EQ(readBattery(source).power, 9.5);
+}
+
 TEST_F(PowerSourceReader, GivesWhatTheDescriptionSays) {
     sources.answers.cycleCount.set(412);
     const BatteryInfo info = readBattery(battery());

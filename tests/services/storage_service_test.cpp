@@ -58,6 +58,11 @@ TEST_F(StorageServiceTest, ReportsNameAndSizesOfTheVolume) {
     EXPECT_THAT(log.lines(), IsEmpty());
 }
 
+TEST_F(StorageServiceTest, TellsTheMountPointWhereTheSystemDoes) {
+    EXPECT_EQ(read({.name = "Data", .mountPoint = "/home"}).mountPoint, "/home");
+    EXPECT_EQ(read({.name = "Data"}).mountPoint, "");
+}
+
 TEST_F(StorageServiceTest, AsksForAllValuesOfTheHomeDirectoryAtOnce) {
     read({.name = "Data", .totalCapacity = 1000, .availableCapacity = 300});
     EXPECT_THAT(volumes.calls(),

@@ -65,8 +65,12 @@ std::string memoryToolTip(const MemoryInfo& memory, const platform::ByteCountFor
 
 std::string storageToolTip(const StorageInfo& volume,
                            const platform::ByteCountFormatter& formatter) {
-    return volume.totalSpace < 1 ? std::string()
-                                 : fileText(volume.availableSpace, formatter) + " free";
+    if (volume.totalSpace < 1) {
+        return {};
+    }
+    const bool isNamedByIt = volume.mountPoint.empty() || volume.mountPoint == volume.name;
+    return fileText(volume.availableSpace, formatter) + " free" +
+           (isNamedByIt ? "" : ", mounted at " + volume.mountPoint);
 }
 
 std::string batteryToolTip(const BatteryInfo& battery) {
@@ -82,6 +86,9 @@ std::string batteryToolTip(const BatteryInfo& battery) {
     if (battery.timeRemaining > 0 && (battery.isCharging || !battery.isPluggedIn)) {
         text += ", " + uptimeText(static_cast<double>(battery.timeRemaining) * 60) +
                 (battery.isCharging ? " to full" : " left");
+    }
+    if (battery.power) {
+        text += ", " + fixedText(*battery.power, 1) + " W";
     }
     return text;
 }

@@ -157,6 +157,21 @@ Minutes reckonedTime(const Packs& packs, std::string_view state) {
     return minutes(amount, perHour);
 }
 
+/// Watts of all packs that are in this state, less those of packs that charge meanwhile.
+Amount wattsOf(const Packs& packs, std::string_view state) {
+    Amount watts = 0;
+    for (const PowerSupply& pack : packs) {
+        const std::string_view status = pack.word("status");
+        if (status == state || status == "Charging") {
+            const Content content = contentOf(pack);
+            const Amount volts = quotient(rate(pack, "voltage_now"), 1e6);
+            const Amount own = content.isEnergy ? content.rate : product(content.rate, volts);
+            watts = sum(watts, quotient(own, status == state ? 1e6 : -1e6));
+        }
+    }
+    return watts > 0.0 ? watts : std::nullopt;
+}
+
 /// Percent.
 Amount levelOf(const PowerSupply& pack) {
     const Content content = contentOf(pack);
@@ -331,6 +346,9 @@ PowerSourceDescription describe(const Packs& packs, std::optional<bool> outside)
     source.isCharging = state == "Charging";
     source.powerSourceState = isOnPower ? "AC Power" : "Battery Power";
     source.batteryHealthCondition = conditionWord(packs);
+    if (state == "Discharging" || state == "Charging") {
+        source.power = wattsOf(packs, state);
+    }
     if (discharges) {
         source.timeToEmpty = either(told("time_to_empty"), reckonedTime(packs, state));
     } else if (state == "Charging") {

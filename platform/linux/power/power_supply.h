@@ -80,7 +80,8 @@ std::string identityOf(const Packs& packs);
 /// All discharge if one pack does, else all charge if one does. Charging ends at the limits that
 /// are set. The time is what the gauge tells, if there is one pack and no limit; else that of all
 /// amounts at the present rate, absent if the rate is unknown or 0. A time above ten days is
-/// unknown.
+/// unknown. The power is that of all packs together, absent if one does not tell, or if they
+/// neither charge nor discharge.
 PowerSourceDescription describe(const Packs& packs, std::optional<bool> outside);
 
 }  // namespace tarnwick::platform

@@ -71,10 +71,12 @@ std::variant<VolumeResourceValues, VolumeError> LinuxVolumes::resourceValues(
     if (!capacity) {
         return VolumeResourceValues{.name = volumeOf(path, 0).name};
     }
-    return VolumeResourceValues{.name = volumeOf(path, capacity->fileSystem).name,
+    const Volume volume = volumeOf(path, capacity->fileSystem);
+    return VolumeResourceValues{.name = volume.name,
                                 .totalCapacity = capacity->total,
                                 .availableCapacityForImportantUsage = std::nullopt,
-                                .availableCapacity = capacity->available};
+                                .availableCapacity = capacity->available,
+                                .mountPoint = volume.mountPoint};
 }
 
 std::optional<FileSystemAttributes> LinuxVolumes::attributesOfFileSystemForPath(
@@ -111,6 +113,7 @@ LinuxVolumes::Volume LinuxVolumes::volumeOf(const std::string& path, unsigned lo
         known_ = Volume{.path = path, .fileSystem = fileSystem, .foundAt = now, .name = "/"};
         if (const std::optional<Mount> mount = findMount(path)) {
             known_->name = mount->mountPoint;
+            known_->mountPoint = mount->mountPoint;
             if (mount->source.starts_with('/')) {
                 std::optional<std::string> label = labelOf(root_, *mount);
                 // Of a file system on several devices only one may be listed.

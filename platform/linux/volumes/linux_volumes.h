@@ -48,6 +48,8 @@ class LinuxVolumes final : public Volumes {
         unsigned long fileSystem = 0;
         double foundAt = 0;
         std::string name;
+        /// Absent where the mount table does not show it.
+        std::optional<std::string> mountPoint{};
         /// Its device where it has limits for each user, else empty.
         std::string quotaDevice{};
     };

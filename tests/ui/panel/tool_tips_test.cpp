@@ -52,6 +52,11 @@ TEST(StorageToolTip, TellsWhatIsFree) {
     volume.totalSpace = 500'000'000'000;
     volume.availableSpace = 120'000'000'000;
     EXPECT_EQ(storageToolTip(volume, formatter), "120 GB free");
+    volume.name = "Data";
+    volume.mountPoint = "/home";
+    EXPECT_EQ(storageToolTip(volume, formatter), "120 GB free, mounted at /home");
+    volume.name = "/home";
+    EXPECT_EQ(storageToolTip(volume, formatter), "120 GB free");
 }
 
 TEST(BatteryToolTip, TellsChargeAndTime) {
@@ -66,6 +71,9 @@ TEST(BatteryToolTip, TellsChargeAndTime) {
     EXPECT_EQ(batteryToolTip(battery), "Charge 80%, plugged in");
     battery.isCharging = true;
     EXPECT_EQ(batteryToolTip(battery), "Charge 80%, charging, 1h 35m to full");
+    battery.power = 28.44;
+    EXPECT_EQ(batteryToolTip(battery), "Charge 80%, charging, 1h 35m to full, 28.4 W");
+    battery.power = std::nullopt;
     battery.timeRemaining = 0;
     EXPECT_EQ(batteryToolTip(battery), "Charge 80%, charging");
 }

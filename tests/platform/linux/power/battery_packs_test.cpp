@@ -333,5 +333,27 @@ TEST(Identity, IsThatOfAllPacks) {
     EXPECT_NE(identityOf({small()}), identityOf({small(), small()}));
 }
 
+TEST(BatteryPower, IsThatOfAllPacksTogether) {
+    const auto power = [](const Packs& packs) { return describe(packs, {}).power; };
+    EXPECT_EQ(power({small()}), 5);
+    // 1 A at 12.5 V.
+    EXPECT_EQ(power({counting()}), 12.5);
+    EXPECT_EQ(power({small({{"power_now", "-5000000"}})}), 5);
+    EXPECT_EQ(power({small(), counting()}), 17.5);
+    EXPECT_EQ(power({small(), large()}), 5);
+    // One charges from the other.
+    EXPECT_EQ(power({small(), large({{"status", "Charging"}, {"power_now", "2000000"}})}), 3);
+    EXPECT_EQ(power({small({{"status", "Charging"}})}), 5);
+}
+
+TEST(BatteryPower, IsAbsentWhereAPackDoesNotTellOrRests) {
+    const auto power = [](const Packs& packs) { return describe(packs, {}).power; };
+    EXPECT_EQ(power({small({{"power_now", "-NaN"}})}), std::nullopt);
+    EXPECT_EQ(power({small(), counting({{"voltage_now", ""}})}), std::nullopt);
+    EXPECT_EQ(power({small({{"status", "Full"}})}), std::nullopt);
+    EXPECT_EQ(power({small({{"power_now", "0"}})}), std::nullopt);
+    EXPECT_EQ(power({small({{"status", "Unknown"}})}), std::nullopt);
+}
+
 }  // namespace
 }  // namespace tarnwick::platform

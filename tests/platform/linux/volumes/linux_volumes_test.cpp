@@ -178,6 +178,18 @@ TEST(LinuxVolumes, ASourceThatOnlyReadsLikeADeviceHasNoLabel) {
     EXPECT_EQ(nameOf(later, "/home"), "Foreign");
 }
 
+TEST(LinuxVolumes, TheMountPointIsToldWhereTheMountTableShowsIt) {
+    const MachineTree tree;
+    tree.makeFolder("home/ada");
+    tree.write("proc/self/mountinfo", "1 1 8:1 / /home rw - ext4 /dev/sda1 rw\n");
+    LinuxVolumes volumes(tree.root(), "/home/ada");
+    EXPECT_EQ(StorageService(volumes).readStorageInfo().mountPoint, "/home");
+    const MachineTree empty;
+    empty.makeFolder("home/ada");
+    LinuxVolumes unknown(empty.root(), "/home/ada");
+    EXPECT_EQ(StorageService(unknown).readStorageInfo().mountPoint, "");
+}
+
 TEST(LinuxVolumes, WithoutMountsTheNameIsTheRoot) {
     LinuxVolumes old(recordedMachine("old-kernel"));
     EXPECT_EQ(nameOf(old, "/home/bob"), "/");
