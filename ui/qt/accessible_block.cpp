@@ -45,6 +45,19 @@ class AccessibleBlock final : public QAccessibleWidget, public QAccessibleValueI
     bool hasValue() const { return block().accessibleValue().has_value(); }
 };
 
+/// The panel has the focus until a key gives it to a button. Some screen readers say nothing about
+/// what cannot have it.
+class AccessiblePanel final : public QAccessibleWidget {
+ public:
+    explicit AccessiblePanel(PanelPopup* panel) : QAccessibleWidget(panel, QAccessible::Dialog) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.focusable = true;
+        return state;
+    }
+};
+
 QAccessibleInterface* makeBlock(const QString&, QObject* object) {
     if (auto* block = qobject_cast<BlockWidget*>(object)) {
         return new AccessibleBlock(block);
@@ -53,7 +66,7 @@ QAccessibleInterface* makeBlock(const QString&, QObject* object) {
         return new QAccessibleWidget(line, line->accessibleRole());
     }
     auto* panel = qobject_cast<PanelPopup*>(object);
-    return panel == nullptr ? nullptr : new QAccessibleWidget(panel, QAccessible::Dialog);
+    return panel == nullptr ? nullptr : new AccessiblePanel(panel);
 }
 
 }  // namespace

@@ -100,11 +100,9 @@ void PanelPopup::popUp(const QRect& anchor) {
         }
     }
     place();
-    if (windowType() != Qt::Popup) {
-        // Otherwise the toolkit gives the focus to the first button, invisibly, once the window is
-        // active.
-        setFocus(Qt::OtherFocusReason);
-    }
+    // The window itself has the focus first: screen readers say that it is there, and no button has
+    // the focus invisibly.
+    setFocus(Qt::OtherFocusReason);
     show();
     activateWindow();
     if (windowType() == Qt::Popup && QGuiApplication::platformName() == "xcb") {

@@ -70,6 +70,13 @@ class AccessibleShortcutField final : public AccessibleButton, public QAccessibl
         switch (kind) {
             case QAccessible::Value:
                 return field_.shownText();
+            // Some screen readers pass over the value of a button. While it records, the help would
+            // be said again with each key.
+            case QAccessible::Description:
+                return field_.isRecording() ? field_.shownText()
+                       : field_.showsShortcut()
+                           ? field_.shownText() + ". " + field_.accessibleDescription()
+                           : field_.accessibleDescription();
             case QAccessible::Help:
                 return field_.accessibleDescription();
             default:

@@ -99,6 +99,10 @@ QString ShortcutFieldWidget::shownText() const {
     return QString::fromStdString(field_.text().text);
 }
 
+bool ShortcutFieldWidget::showsShortcut() const {
+    return !field_.text().isPlaceholder;
+}
+
 bool ShortcutFieldWidget::isRecording() const {
     return field_.isRecording();
 }
@@ -122,6 +126,8 @@ void ShortcutFieldWidget::follow() {
     if (before != toldText_) {
         QAccessibleTextUpdateEvent text(this, 0, before, toldText_);
         QAccessible::updateAccessibility(&text);
+        QAccessibleEvent description(this, QAccessible::DescriptionChanged);
+        QAccessible::updateAccessibility(&description);
     }
 }
 

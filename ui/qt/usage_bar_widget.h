@@ -16,7 +16,7 @@ class UsageBarWidget final : public ValueBlockWidget<UsageBar> {
     UsageBarWidget(const Theme& theme, std::shared_ptr<Motion> motion, QWidget* parent);
 
     int heightFor(int width) const override;
-    QAccessible::Role accessibleRole() const override { return QAccessible::ProgressBar; }
+    QAccessible::Role accessibleRole() const override { return QAccessible::StaticText; }
     std::optional<double> accessibleValue() const override {
         // A gray bar means that the value is not known yet.
         return value().tint == Tint::gray ? std::nullopt : std::optional(value().fraction() * 100);

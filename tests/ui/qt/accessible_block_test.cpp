@@ -37,7 +37,8 @@ TEST_F(AccessibleBlockTest, ABarHasAValueAndADescription) {
     HomePageInputs inputs = tarnwick::testing::calmMachine();
     show(homePage(inputs, formatter));
     QAccessibleInterface* bar = find("bar.cpu");
-    EXPECT_EQ(bar->role(), QAccessible::ProgressBar);
+    // No progress bar: screen readers would say its value every ten seconds, without its name.
+    EXPECT_EQ(bar->role(), QAccessible::StaticText);
     EXPECT_EQ(bar->text(QAccessible::Name), "CPU, 42.0%, normal");
     EXPECT_EQ(bar->text(QAccessible::Description), "CPU, 42.0%, normal");
     ASSERT_NE(bar->valueInterface(), nullptr);
@@ -121,6 +122,20 @@ TEST_F(AccessibleBlockTest, ThePanelIsADialogWithAName) {
     QAccessibleInterface* panel = QAccessible::queryAccessibleInterface(&popup);
     EXPECT_EQ(panel->role(), QAccessible::Dialog);
     EXPECT_EQ(panel->text(QAccessible::Name), "Tarnwick");
+}
+
+TEST_F(AccessibleBlockTest, ThePanelHasTheFocusWhenItOpensAndTellsSo) {
+    PanelPopup popup(
+        theme, homePage(tarnwick::testing::calmMachine(), formatter), [](PanelAction) {},
+        PanelSurface::popUp, true);
+    const AccessibleEvents events;
+    popup.popUp(QRect(400, 0, 20, 20));
+    settle();
+    EXPECT_GE(events.count(&popup, QAccessible::Focus), 1);
+    const QAccessible::State state = QAccessible::queryAccessibleInterface(&popup)->state();
+    EXPECT_TRUE(state.focusable);
+    EXPECT_TRUE(state.focused);
+    popup.hide();
 }
 
 TEST_F(AccessibleBlockTest, ANewValueIsAnnouncedAndANewTextAloneIsNot) {
