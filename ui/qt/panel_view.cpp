@@ -16,6 +16,7 @@
 #include "ui/qt/button_widget.h"
 #include "ui/qt/focus_ring.h"
 #include "ui/qt/grid.h"
+#include "ui/qt/panel_menu.h"
 
 namespace tarnwick::qt {
 
@@ -230,15 +231,7 @@ void PanelView::changeEvent(QEvent* event) {
 }
 
 void PanelView::contextMenuEvent(QContextMenuEvent* event) {
-    auto* menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setObjectName("menu");
-    for (const PanelMenuEntry& entry : kPanelMenu) {
-        menu->addAction(
-            QString::fromUtf8(entry.title.data(), static_cast<qsizetype>(entry.title.size())), this,
-            [press = press_, action = entry.action] { press(action); });
-    }
-    menu->popup(event->globalPos());
+    makePanelMenu(*this, theme_, press_)->popup(event->globalPos());
 }
 
 // The view moves when the page is scrolled.

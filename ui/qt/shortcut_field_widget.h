@@ -29,9 +29,9 @@ class ShortcutFieldWidget final : public QPushButton, public FocusShape {
 
     /// The text that it shows.
     QString shownText() const;
-    /// True while it waits for a shortcut.
     /// False while it shows a request instead.
     bool showsShortcut() const;
+    /// True while it waits for a shortcut.
     bool isRecording() const;
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override { return sizeHint(); }

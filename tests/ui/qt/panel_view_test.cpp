@@ -8,6 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "tests/ui/qt/drawn.h"
 #include "tests/ui/qt/paint_counter.h"
 #include "tests/ui/qt/panel_view_fixture.h"
 #include "ui/qt/button_widget.h"
@@ -263,6 +264,34 @@ TEST_F(PanelViewTest, ClicksAskForTheActionOfTheButton) {
                 ElementsAre(PanelAction::refresh, PanelAction::showSettings,
                             PanelAction::openActivityMonitor, PanelAction::quit,
                             PanelAction::showMemoryDetail, PanelAction::showPerformanceDetail));
+}
+
+TEST_F(PanelViewTest, TheMenuIsInTheLookOfThePanel) {
+    for (const bool isDark : {false, true}) {
+        theme.setDark(isDark);
+        show(testing::calmMachine());
+        QContextMenuEvent event(QContextMenuEvent::Mouse, QPoint(40, 60),
+                                view.mapToGlobal(QPoint(40, 60)));
+        QApplication::sendEvent(&view, &event);
+        settle();
+        auto* menu = view.findChild<QMenu*>("menu");
+        ASSERT_NE(menu, nullptr);
+        EXPECT_EQ(menu->font().pointSizeF(),
+                  theme.style(FontRole::subheadline).font().pointSizeF());
+        const QRect first = menu->actionGeometry(menu->actions().front());
+        menu->setActiveAction(menu->actions().front());
+        settle();
+        const QImage image = drawn(menu, theme.color(ColorRole::panel));
+        const QRect second = menu->actionGeometry(menu->actions()[1]);
+        EXPECT_EQ(image.pixelColor(second.left() + 3, second.center().y()),
+                  theme.color(ColorRole::card));
+        // The active entry is marked over its whole width.
+        EXPECT_NE(image.pixelColor(first.right() - 3, first.center().y()),
+                  theme.color(ColorRole::card));
+        EXPECT_GE(first.width(), menu->width() - 12);
+        menu->close();
+        settle();
+    }
 }
 
 TEST_F(PanelViewTest, ARightClickShowsAMenu) {
