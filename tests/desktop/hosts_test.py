@@ -12,6 +12,9 @@ _OPEN_PANEL = 0.17
 _SETTINGS = 0.5
 _QUIT = 0.85
 _SETTINGS_WIDTH = 520
+# A place in the panel without a button, and the menu's entry from the place where it was opened.
+_IN_PANEL = (100, 90)
+_SETTINGS_ENTRY = (30, 70)
 # Of the panel to the bar above it.
 _GAP = 6
 # Around the panel, which may be found by the colour of its ground.
@@ -69,6 +72,7 @@ class HostsTest(DesktopTestCase):
         self.started = self.start_known_to_user(_THRESHOLDS)
         self.check_item(is_wide)
         self.check_menu()
+        self.check_menu_of_panel()
         self.check_click()
         self.check_slow_clicks()
         self.check_ways_to_close()
@@ -223,6 +227,29 @@ class HostsTest(DesktopTestCase):
         # What comes before the menu has let go of the keyboard is lost.
         self.until(self.closes_by_escape, "the panel is closed")
         self.settle()
+
+    def check_menu_of_panel(self):
+        """A right click on the panel; a press of Settings there opens them."""
+        self.started.click_item()
+        self.assert_open(self.started)
+        panel = self.started.panel()
+        place = (panel.x + _IN_PANEL[0], panel.y + _IN_PANEL[1])
+        self.desktop.screen.move_pointer(place)
+        self.settle()
+        self.desktop.screen.click(place, button=3)
+        self.settle()
+        self.keep("panel_menu")
+        self.desktop.screen.click((place[0] + _SETTINGS_ENTRY[0], place[1] + _SETTINGS_ENTRY[1]))
+        self.until(self.settings_window, "the settings window opens")
+        self.assert_closed(self.started)
+        self.settle()
+        self.until(self.settings_close_by_escape, "the settings window closes")
+        self.settle()
+
+    def settings_close_by_escape(self):
+        self.desktop.screen.press_key("Escape")
+        self.settle()
+        return self.settings_window() is None
 
     def closes_by_escape(self):
         self.desktop.screen.press_key("Escape")
