@@ -16,10 +16,11 @@ QString cssColor(const QColor& color) {
 }
 
 QString look(const Theme& theme, bool isRound) {
-    return QString("QMenu { background: %1; border: 1px solid %2; border-radius: %3px;"
-                   " padding: 4px }"
-                   "QMenu::item { color: %4; padding: 5px 40px 5px 12px; border-radius: %5px }"
-                   "QMenu::item:selected { background: %6 }")
+    return QString(
+               "QMenu { background: %1; border: 1px solid %2; border-radius: %3px;"
+               " padding: 4px }"
+               "QMenu::item { color: %4; padding: 5px 40px 5px 12px; border-radius: %5px }"
+               "QMenu::item:selected { background: %6 }")
         .arg(cssColor(theme.color(ColorRole::card)), cssColor(theme.color(ColorRole::hairline)))
         .arg(isRound ? kCorner : 0)
         .arg(cssColor(theme.color(ColorRole::text)))

@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QFontInfo>
 #include <QFontMetricsF>
+#include <QImage>
 #include <QPalette>
 #include <array>
 
@@ -109,9 +110,12 @@ QColor Theme::color(Tint tint, bool isDark) {
 }
 
 const TextStyle& Theme::style(FontRole role) const {
-    const QFont desktop = QApplication::font();
-    if (base_ != desktop) {
-        base_ = desktop;
+    if (base_ != QApplication::font()) {
+        base_ = QApplication::font();
+        // Under Wayland that font was made before the screen was known, and would measure texts for
+        // another resolution than the one they are drawn in.
+        const QImage device(1, 1, QImage::Format_RGB32);
+        const QFont desktop(*base_, &device);
         const qreal points =
             desktop.pointSizeF() > 0 ? desktop.pointSizeF() : QFontInfo(desktop).pointSizeF();
         styles_.clear();

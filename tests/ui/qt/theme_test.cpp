@@ -156,5 +156,18 @@ TEST(Theme, FontsWorkWhenTheDesktopCountsInPixels) {
     EXPECT_GT(theme.style(FontRole::caption).font().pointSizeF(), 0);
 }
 
+TEST(ThemeFonts, TextsAreMeasuredAsTheyAreDrawnWhicheverResolutionTheFontWasMadeFor) {
+    const QFont usual = QApplication::font();
+    const qreal width = Theme().style(FontRole::subheadline).width("Activity Monitor");
+    QImage other(1, 1, QImage::Format_RGB32);
+    other.setDotsPerMeterX(7000);
+    other.setDotsPerMeterY(7000);
+    const QFont foreign(usual, &other);
+    ASSERT_NE(QFontMetricsF(foreign).height(), QFontMetricsF(usual).height());
+    QApplication::setFont(foreign);
+    EXPECT_EQ(Theme().style(FontRole::subheadline).width("Activity Monitor"), width);
+    QApplication::setFont(usual);
+}
+
 }  // namespace
 }  // namespace tarnwick::qt
