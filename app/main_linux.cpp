@@ -208,6 +208,7 @@ class Program {
     qt::Theme theme_;
     platform::LinuxStatusItem item_;
     const platform::ColorScheme colorScheme_;
+    const platform::HighContrast highContrast_;
     qt::TitledWindows windows_{giveBackMemory, windowIcon};
     TarnwickApp app_;
     MenuBarView view_;
@@ -229,6 +230,7 @@ Program::Program(QApplication& application, const platform::StartConditions& con
                        theme_.setDark(dark);
                        item_.setDark(dark);
                    }),
+      highContrast_(bus, [this](bool isHigh) { theme_.setHighContrast(isHigh); }),
       app_(TarnwickAppDesktop{item_, windows_,
                               [this](UserSettings& settings) {
                                   return qt::makeSettingsContent(settings, theme_,

@@ -34,6 +34,39 @@ QColor secondaryText(bool isDark) {
     return isDark ? QColor(0xA3A3AA) : QColor(0x6B6B70);
 }
 
+/// The roles that differ where the user wants more contrast; the others are as usual.
+std::optional<QColor> highContrastColor(ColorRole role, bool isDark) {
+    const QColor text = isDark ? QColor(Qt::white) : QColor(Qt::black);
+    const auto faint = [&text](float opacity) {
+        QColor color = text;
+        color.setAlphaF(opacity);
+        return color;
+    };
+    switch (role) {
+        case ColorRole::panel:
+        case ColorRole::card:
+            return isDark ? QColor(0x101012) : QColor(Qt::white);
+        case ColorRole::text:
+            return text;
+        case ColorRole::secondaryText:
+            return isDark ? QColor(0xDCDCE2) : QColor(0x38383C);
+        case ColorRole::control:
+            return faint(0.1F);
+        case ColorRole::controlHovered:
+            return faint(0.18F);
+        case ColorRole::controlPressed:
+            return faint(0.26F);
+        case ColorRole::hairline:
+            return faint(0.6F);
+        case ColorRole::accent:
+            return isDark ? QColor(0x8FC1FF) : QColor(0x003E92);
+        case ColorRole::window:
+        case ColorRole::track:
+            break;
+    }
+    return std::nullopt;
+}
+
 QColor withOpacity(QColor color, float opacity) {
     color.setAlphaF(opacity);
     return color;
@@ -64,7 +97,18 @@ void Theme::setDark(bool isDark) {
     applyPalette();
 }
 
+void Theme::setHighContrast(bool isHigh) {
+    if (isHigh != isHighContrast_) {
+        isHighContrast_ = isHigh;
+        applyPalette();
+    }
+}
+
 QColor Theme::color(ColorRole role) const {
+    if (const auto strong =
+            isHighContrast_ ? highContrastColor(role, isDark_) : std::optional<QColor>()) {
+        return *strong;
+    }
     const QColor text = isDark_ ? QColor(0xF4F4F6) : QColor(0x1D1D1F);
     switch (role) {
         case ColorRole::panel:

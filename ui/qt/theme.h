@@ -44,7 +44,8 @@ enum class FontRole {
 inline constexpr float kHoveredLink = 0.75F;
 inline constexpr float kPressedLink = 0.5F;
 
-/// Light or dark. Main thread; one for the process, outliving every widget that draws with it.
+/// Light or dark, each with more contrast if the user wants it. Main thread; one for the process,
+/// outliving every widget that draws with it.
 class Theme {
  public:
     /// Also sets the application's palette.
@@ -53,6 +54,8 @@ class Theme {
     bool isDark() const { return isDark_; }
     /// Takes effect at once: the application's new palette makes every widget paint itself again.
     void setDark(bool isDark);
+    /// With true less prominent texts, lines and grounds stand out more. Takes effect at once, too.
+    void setHighContrast(bool isHigh);
 
     QColor color(ColorRole role) const;
     QColor color(Tint tint) const { return color(tint, isDark_); }
@@ -66,6 +69,7 @@ class Theme {
     void applyPalette() const;
 
     bool isDark_;
+    bool isHighContrast_ = false;
     /// The interface font that `styles_` come from.
     mutable std::optional<QFont> base_;
     mutable std::vector<TextStyle> styles_;

@@ -63,6 +63,25 @@ TEST_P(ThemeColours, ABarWithoutAMarkIsToldFromItsTrack) {
               3);
 }
 
+TEST_P(ThemeColours, WithMoreContrastEveryTextAndLineStandsOut) {
+    Theme theme(GetParam());
+    const QColor usual = theme.color(ColorRole::secondaryText);
+    theme.setHighContrast(true);
+    for (const ColorRole ground : {ColorRole::panel, ColorRole::window, ColorRole::card}) {
+        const QColor none(0, 0, 0, 0);
+        EXPECT_GE(contrast(theme.color(ColorRole::text), theme.color(ground), none), 15);
+        EXPECT_GE(contrast(theme.color(ColorRole::secondaryText), theme.color(ground), none), 7);
+        EXPECT_GE(contrast(theme.color(ColorRole::accent), theme.color(ground), none), 7);
+        // Against the ground beside it.
+        EXPECT_GE(
+            contrast(theme.color(ground), theme.color(ground), theme.color(ColorRole::hairline)),
+            3);
+    }
+    EXPECT_EQ(QApplication::palette().color(QPalette::Text), theme.color(ColorRole::text));
+    theme.setHighContrast(false);
+    EXPECT_EQ(theme.color(ColorRole::secondaryText), usual);
+}
+
 INSTANTIATE_TEST_SUITE_P(, ThemeColours, ::testing::Bool(),
                          [](const auto& row) { return row.param ? "Dark" : "Light"; });
 

@@ -13,6 +13,17 @@ bool saysDark(const QVariant& value) {
     return value.metaType() == QMetaType::fromType<uint>() && value.toUInt() == kDark;
 }
 
+// 0: no preference, 1: more contrast.
+constexpr uint kMoreContrast = 1;
+
+bool saysMoreContrast(const QVariant& value) {
+    return value.metaType() == QMetaType::fromType<uint>() && value.toUInt() == kMoreContrast;
+}
+
+bool saysOn(const QVariant& value) {
+    return value.metaType() == QMetaType::fromType<bool>() && value.toBool();
+}
+
 // 0: no preference, 1: less motion.
 constexpr uint kReduced = 1;
 
@@ -43,6 +54,29 @@ void ColorScheme::set(bool dark) {
         dark_ = dark;
         if (changed_) {
             changed_(dark);
+        }
+    }
+}
+
+HighContrast::HighContrast(const QDBusConnection& bus, std::function<void(bool isHigh)> changed)
+    : changed_(std::move(changed)),
+      settings_(bus, {{"org.freedesktop.appearance", "contrast",
+                       [this](const QVariant& value) {
+                           isAskedFor_ = saysMoreContrast(value);
+                           update();
+                       }},
+                      {"org.gnome.desktop.a11y.interface", "high-contrast",
+                       [this](const QVariant& value) {
+                           isSwitchedOn_ = saysOn(value);
+                           update();
+                       }}}) {}
+
+void HighContrast::update() {
+    const bool isHigh = isAskedFor_ || isSwitchedOn_;
+    if (isHigh_ != isHigh) {
+        isHigh_ = isHigh;
+        if (changed_) {
+            changed_(isHigh);
         }
     }
 }

@@ -27,6 +27,27 @@ class ColorScheme final {
     PortalSettings settings_;
 };
 
+/// Follows the settings portal: the common setting of all desktops and GNOME's own switch. One of
+/// them is enough. False if there is no portal or the portal does not tell. Main thread. Never
+/// waits for the bus.
+class HighContrast final {
+ public:
+    /// `changed` is called on the main thread at each change; the first answer is a change if it
+    /// asks for more contrast.
+    HighContrast(const QDBusConnection& bus, std::function<void(bool isHigh)> changed);
+
+    bool isHigh() const { return isHigh_; }
+
+ private:
+    void update();
+
+    std::function<void(bool isHigh)> changed_;
+    bool isHigh_ = false;
+    bool isAskedFor_ = false;
+    bool isSwitchedOn_ = false;
+    PortalSettings settings_;
+};
+
 /// Follows three settings through the settings portal: the common one of all desktops, GNOME's
 /// switch for animations, and KDE Plasma's animation speed, which can be "instant". One of them is
 /// enough. False if there is no portal or the portal does not tell. Main thread. Never waits for
