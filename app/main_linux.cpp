@@ -246,6 +246,7 @@ Program::Program(QApplication& application, const platform::StartConditions& con
     instance_.setPerform([this](platform::Request request, const QString& activationToken) {
         item_.keepActivationToken(activationToken);
         perform(request);
+        item_.giveActivationTokenBack();
     });
     QObject::connect(&panel_, &qt::PanelWindow::widgetsFreed, giveBackMemory);
     // Once the item is on its way.

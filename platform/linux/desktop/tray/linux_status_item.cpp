@@ -11,6 +11,7 @@
 #include "platform/linux/desktop/tray/reported_place.h"
 #include "platform/linux/desktop/tray/waybar_style.h"
 #include "platform/linux/events/standard_error.h"
+#include "platform/qt/wayland.h"
 
 namespace tarnwick::platform {
 namespace {
@@ -58,6 +59,9 @@ LinuxStatusItem::Options LinuxStatusItem::sessionOptions(IconPainter painter, bo
     };
     options.isGnome = qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains("GNOME");
     options.isUnderCompositor = isUnderCompositor();
+    options.giveTokenBack = [](const QByteArray& token) {
+        wayland::endStartup(token.toStdString());
+    };
     options.runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR").toStdString();
     return options;
 }
@@ -128,11 +132,16 @@ void LinuxStatusItem::start() {
             bus_, kMenuPath,
             NotifierActions{
                 .activate = [this](const QPoint& place) { activated(place); },
-                .secondaryActivate = [this] { run(actions_.refresh); },
+                .secondaryActivate =
+                    [this] {
+                        run(actions_.refresh);
+                        giveActivationTokenBack();
+                    },
                 .activationToken = [this](const QString& token) { keepActivationToken(token); }});
         activationToken_.setSingleShot(true);
         activationToken_.setInterval(options_.tokenMilliseconds);
-        connect(&activationToken_, &QTimer::timeout, this, [] { qunsetenv(kActivationToken); });
+        connect(&activationToken_, &QTimer::timeout, this,
+                &LinuxStatusItem::giveActivationTokenBack);
     }
     withoutTray_.setSingleShot(true);
     withoutTray_.setInterval(options_.noTrayMilliseconds);
@@ -148,9 +157,19 @@ void LinuxStatusItem::keepActivationToken(const QString& token) {
         return;
     }
     // The toolkit reads the token from this variable when it next activates a window, and removes
-    // it. A token that no window has used must not serve another press, so the timer removes it.
+    // it. A token that no window has used must not serve another press. The timer is for a token
+    // that no press has followed.
     qputenv(kActivationToken, token.toUtf8());
     activationToken_.start();
+}
+
+void LinuxStatusItem::giveActivationTokenBack() {
+    activationToken_.stop();
+    const QByteArray token = qgetenv(kActivationToken);
+    qunsetenv(kActivationToken);
+    if (!token.isEmpty() && options_.giveTokenBack) {
+        options_.giveTokenBack(token);
+    }
 }
 
 void LinuxStatusItem::hostChanged() {
@@ -237,6 +256,7 @@ void LinuxStatusItem::activated(const QPoint& reported) {
         anchor_ = point ? std::optional(QRect(*point, QSize(1, 1))) : std::nullopt;
     }
     clicked();
+    giveActivationTokenBack();
     // From here on, because opening the panel takes a while.
     sinceActivation_.start();
 }

@@ -45,6 +45,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
         /// Milliseconds for which a token of the compositor is kept for the window that a press
         /// opens.
         int tokenMilliseconds = 2000;
+        /// Tells the compositor that no window comes for a token.
+        std::function<void(const QByteArray& token)> giveTokenBack{};
         /// Milliseconds from the end of a press on the bus in which another one counts as the same:
         /// waybar reports the second press of a quick pair as a press and as a double click.
         int samePressMilliseconds = 20;
@@ -102,6 +104,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     /// Keeps the compositor's permission to come to the front for the next window that is opened;
     /// an empty one changes nothing.
     void keepActivationToken(const QString& token);
+    /// Gives it back to the compositor if no window has used it.
+    void giveActivationTokenBack();
 
  private:
     void start();

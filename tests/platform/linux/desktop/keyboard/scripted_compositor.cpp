@@ -20,6 +20,16 @@
 #include "platform/linux/desktop/keyboard/key_text.h"
 
 namespace tarnwick::platform::testing {
+namespace {
+
+const wl_interface* kPlain[2] = {};
+const wl_message kShellRequests[] = {{"get_gtk_surface", "no", kPlain},
+                                     {"set_startup_id", "?s", kPlain},
+                                     {"system_bell", "?o", kPlain}};
+const wl_message kShellEvents[] = {{"capabilities", "u", kPlain}};
+const wl_interface kShellInterface = {"gtk_shell1", 1, 3, kShellRequests, 1, kShellEvents};
+
+}  // namespace
 
 struct ScriptedCompositor::State {
     ::wl_display* display = nullptr;
@@ -27,6 +37,7 @@ struct ScriptedCompositor::State {
     bool hasKeyboard = false;
     std::vector<wl_resource*> seats;
     std::vector<wl_resource*> keyboards;
+    std::vector<std::string> endedStartups;
     std::uint32_t format = WL_KEYBOARD_KEYMAP_FORMAT_XKB_V1;
     std::string keymap;
     std::uint32_t keymapSize = 0;
@@ -64,6 +75,18 @@ struct ScriptedCompositor::State {
     static void getOther(wl_client* client, wl_resource*, std::uint32_t) {
         wl_client_post_implementation_error(client, "there are keyboards only");
     }
+    /// The requests of the shell, in the order of its interface.
+    struct Shell {
+        void (*getSurface)(wl_client* client, wl_resource* shell, std::uint32_t id, wl_resource*);
+        void (*setStartupId)(wl_client* client, wl_resource* shell, const char* id);
+        void (*ringBell)(wl_client* client, wl_resource* shell, wl_resource* surface);
+    };
+    static void bindShell(wl_client* client, void* data, std::uint32_t version, std::uint32_t id);
+    static void setStartupId(wl_client*, wl_resource* shell, const char* id) {
+        of(shell).endedStartups.emplace_back(id == nullptr ? "none" : id);
+    }
+    static constexpr Shell kShell = {
+        .getSurface = nullptr, .setStartupId = &setStartupId, .ringBell = nullptr};
     static void release(wl_client*, wl_resource* resource) { wl_resource_destroy(resource); }
     static void seatGone(wl_resource* resource) { std::erase(of(resource).seats, resource); }
     static void keyboardGone(wl_resource* resource) {
@@ -100,6 +123,15 @@ void ScriptedCompositor::State::getKeyboard(wl_client* client, wl_resource* seat
     wl_resource_set_implementation(keyboard, &kKeyboard, &state, &keyboardGone);
     state.keyboards.push_back(keyboard);
     state.sendKeymap(keyboard);
+}
+
+void ScriptedCompositor::State::bindShell(wl_client* client, void* data, std::uint32_t version,
+                                          std::uint32_t id) {
+    wl_resource* shell =
+        wl_resource_create(client, &kShellInterface, static_cast<int>(version), id);
+    wl_resource_set_implementation(shell, &kShell, data, nullptr);
+    constexpr std::uint32_t capabilities = 0;
+    wl_resource_post_event(shell, 0, capabilities);
 }
 
 ScriptedCompositor::ScriptedCompositor(Seat seat, int seatVersion)
@@ -214,6 +246,18 @@ void ScriptedCompositor::plugKeyboard(bool isPlugged) {
 
 void ScriptedCompositor::addSeat() {
     act([](State& state) { state.addSeat(); });
+}
+
+void ScriptedCompositor::addGtkShell() {
+    act([](State& state) {
+        wl_global_create(state.display, &kShellInterface, 1, &state, &State::bindShell);
+    });
+}
+
+std::vector<std::string> ScriptedCompositor::endedStartups() const {
+    std::vector<std::string> ended;
+    act([&ended](State& state) { ended = state.endedStartups; });
+    return ended;
 }
 
 int ScriptedCompositor::keyboards() const {

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A Wayland compositor without a screen: seats with keyboards, as a test scripts them.
+// A Wayland compositor without a screen: seats with keyboards and Mutter's shell, as a test scripts
+// them.
 #pragma once
 
 #include <atomic>
@@ -7,6 +8,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <vector>
 
 struct wl_display;
 struct wl_client;
@@ -36,6 +38,10 @@ class ScriptedCompositor final {
     void setLayout(std::uint32_t layout);
     void plugKeyboard(bool isPlugged);
     void addSeat();
+    /// Adds Mutter's own shell.
+    void addGtkShell();
+    /// The startup identifiers that the client has ended.
+    std::vector<std::string> endedStartups() const;
     /// How many keyboards the client holds.
     int keyboards() const;
 

@@ -47,6 +47,9 @@ class Item : public ::testing::Test {
         options.notice = [this](std::string_view line) { notices_.emplace_back(line); };
         options.noTrayMilliseconds = noTrayMilliseconds;
         options.tokenMilliseconds = tokenMilliseconds;
+        options.giveTokenBack = [this](const QByteArray& token) {
+            givenBack_.push_back(token.toStdString());
+        };
         options.samePressMilliseconds = samePressMilliseconds;
         options.isGnome = isGnome_;
         options.isUnderCompositor = isUnderCompositor_;
@@ -60,7 +63,14 @@ class Item : public ::testing::Test {
         options.retryDelays = {.first = 1, .longest = 4};
         options.runtimeFolder = runtime_.path().toStdString();
         item_ = std::make_unique<LinuxStatusItem>(bus, options);
-        item_->setActions({.click = [this] { ++clicks_; },
+        item_->setActions({.click =
+                               [this] {
+                                   ++clicks_;
+                                   if (opensAWindow_) {
+                                       // As the toolkit does when it activates one.
+                                       qunsetenv("XDG_ACTIVATION_TOKEN");
+                                   }
+                               },
                            .toggle = [this] { ++toggles_; },
                            .refresh = [this] { ++refreshes_; },
                            .openPanel = [this] { ++openings_; },
@@ -117,6 +127,8 @@ class Item : public ::testing::Test {
     std::string program_ = "a host that nobody knows";
     bool isUnderCompositor_ = false;
     bool isGnome_ = false;
+    bool opensAWindow_ = false;
+    std::vector<std::string> givenBack_;
     std::vector<std::string> shadesAsked_;
     std::function<void(bool)> foundShade_;
     std::vector<std::string> notices_;
@@ -523,6 +535,29 @@ TEST_F(Item, DropsATokenThatNoWindowCameFor) {
     beginHost();
     host_.callItem("ProvideXdgActivationToken", {"a token"});
     EXPECT_TRUE(waitUntil([] { return qEnvironmentVariableIsEmpty("XDG_ACTIVATION_TOKEN"); }));
+    EXPECT_THAT(givenBack_, ElementsAre("a token"));
+}
+
+TEST_F(Item, GivesATokenBackAtOnceThatAPressHasNoUseFor) {
+    show();
+    beginHost();
+    host_.callItem("ProvideXdgActivationToken", {"of a middle click"});
+    host_.callItem("SecondaryActivate", {0, 0});
+    EXPECT_THAT(givenBack_, ElementsAre("of a middle click"));
+    EXPECT_TRUE(qEnvironmentVariableIsEmpty("XDG_ACTIVATION_TOKEN"));
+    host_.callItem("ProvideXdgActivationToken", {"of a click that closes"});
+    host_.callItem("Activate", {0, 0});
+    EXPECT_THAT(givenBack_, ElementsAre("of a middle click", "of a click that closes"));
+}
+
+TEST_F(Item, GivesNoTokenBackThatAWindowHasUsed) {
+    opensAWindow_ = true;
+    show();
+    beginHost();
+    host_.callItem("ProvideXdgActivationToken", {"a token"});
+    host_.callItem("Activate", {0, 0});
+    host_.callItem("SecondaryActivate", {0, 0});
+    EXPECT_THAT(givenBack_, ElementsAre());
 }
 
 TEST_F(Item, HasAMenuThatOpensThePanelShowsTheSettingsAndQuits) {
