@@ -60,7 +60,11 @@ void TarnwickApp::labelDidAppear() {
         return;
     }
     hotKeyService_ = std::make_unique<HotKeyService>(
-        [this] { HotKeyService::toggleMenuBarPanel(statusItem_, environment_.logger); },
+        [this] {
+            if (!HotKeyService::toggleMenuBarPanel(statusItem_, environment_.logger)) {
+                statusItem_.toggleWithoutTray();
+            }
+        },
         HotKeyServiceEnvironment{environment_.hotKeys, environment_.stats.dispatch,
                                  environment_.logger});
     environment_.hotKeys.setRegistrationChanged([this] { nextRegistration_.schedule(); });

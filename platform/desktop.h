@@ -63,6 +63,8 @@ class StatusItem {
     /// Clicks the item's button for the user, which runs `toggle`. False when the item is in no
     /// tray.
     virtual bool performClick() = 0;
+    /// What a shortcut does while the item is in no tray. Nothing where that cannot be for long.
+    virtual void toggleWithoutTray() {}
 };
 
 }  // namespace tarnwick::platform

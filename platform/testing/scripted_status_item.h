@@ -18,6 +18,8 @@ class ScriptedStatusItem final : public StatusItem {
     bool isInTray = true;
     /// Number of calls of performClick(), including those that return false.
     int clicks = 0;
+    /// Number of calls of toggleWithoutTray().
+    int togglesWithoutTray = 0;
 
     void setContent(const StatusItemContent& content) override { contents.push_back(content); }
     void setActions(StatusItemActions newActions) override { actions = std::move(newActions); }
@@ -29,6 +31,7 @@ class ScriptedStatusItem final : public StatusItem {
         }
         return isInTray;
     }
+    void toggleWithoutTray() override { ++togglesWithoutTray; }
 };
 
 }  // namespace tarnwick::platform::testing

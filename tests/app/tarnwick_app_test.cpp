@@ -387,12 +387,16 @@ TEST_F(TarnwickAppTest, APressOfTheShortcutIsToldInTheLog) {
                             Pair(LogLevel::info, "Found NSStatusBarButton, performing click")));
 }
 
-TEST_F(TarnwickAppTest, APressWithoutATrayOpensNothing) {
+TEST_F(TarnwickAppTest, APressWithoutATrayClicksNoItem) {
     const auto app = makeAppWithShortcut();
+    hotKeys.press();
+    dispatch.advance(10);
+    EXPECT_EQ(item.togglesWithoutTray, 0);
     item.isInTray = false;
     hotKeys.press();
     dispatch.advance(10);
-    EXPECT_EQ(item.clicks, 0);
+    EXPECT_EQ(item.clicks, 1);
+    EXPECT_EQ(item.togglesWithoutTray, 1);
 }
 
 TEST_F(TarnwickAppTest, GivesTheShortcutBackAndHearsNothingMoreOnceItHasGone) {

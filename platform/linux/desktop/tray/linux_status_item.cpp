@@ -109,6 +109,10 @@ bool LinuxStatusItem::performClick() {
     return true;
 }
 
+void LinuxStatusItem::toggleWithoutTray() {
+    run(actions_.toggle);
+}
+
 bool LinuxStatusItem::inTray() const {
     if (registration_ && registration_->state() == NotifierRegistration::State::present) {
         return true;

@@ -81,6 +81,8 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     void setActions(StatusItemActions actions) override;
     bool inTray() const override;
     bool performClick() override;
+    /// Runs `toggle`: many desktops have no tray.
+    void toggleWithoutTray() override;
 
     /// Whether a tray shows the item that has no room for its text: the text is in the tool tip
     /// there.

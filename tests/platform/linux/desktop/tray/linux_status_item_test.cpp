@@ -599,6 +599,12 @@ TEST_F(Item, ClicksItselfForTheUserOnlyWhileItIsInATray) {
     EXPECT_EQ(clicks_, 0);
 }
 
+TEST_F(Item, OpensAndClosesThePanelByShortcutWithoutATray) {
+    show();
+    item_->toggleWithoutTray();
+    EXPECT_EQ(toggles_, 1);
+}
+
 TEST_F(Item, HasNoAnchorWhereThePointerCannotBeSeen) {
     show();
     beginHost();
