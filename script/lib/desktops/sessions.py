@@ -170,18 +170,29 @@ class Gnome(Session):
                              f"NOW, Clutter.{value}, Clutter.KeyState.{state})")
 
     def agree_to_shortcut(self):
-        """The button that agrees is the one in the accent's colour."""
+        """Presses the button that agrees, until it has taken the press."""
+        pressed = False
         for _ in range(20):
+            # Under the pointer the button has another colour.
+            self.move((0, 400))
             time.sleep(0.5)
-            picture = self.shot(os.path.join(self._folder, "dialog.png"))
-            pixels = picture.load()
-            blue = [(x, y) for y in range(60, picture.height) for x in range(picture.width)
-                    if max(abs(a - b) for a, b in zip(pixels[x, y], (0x35, 0x84, 0xE4))) < 12]
-            if len(blue) >= 200:
-                self.click(tuple(sorted(place[axis] for place in blue)[len(blue) // 2]
-                                 for axis in (0, 1)))
+            button = self._button_that_agrees()
+            if button:
+                self.click(button)
+                pressed = True
+            elif pressed:
                 return
-        raise RuntimeError("the portal shows no dialog")
+        raise RuntimeError("the portal's dialog stays" if pressed else "the portal shows no dialog")
+
+    def _button_that_agrees(self):
+        """The middle of what is in the accent's colour below the bar, if that is so large."""
+        picture = self.shot(os.path.join(self._folder, "dialog.png"))
+        pixels = picture.load()
+        blue = [(x, y) for y in range(60, picture.height) for x in range(picture.width)
+                if max(abs(a - b) for a, b in zip(pixels[x, y], (0x35, 0x84, 0xE4))) < 12]
+        if len(blue) < 200:
+            return None
+        return tuple(sorted(place[axis] for place in blue)[len(blue) // 2] for axis in (0, 1))
 
 
 class Plasma(Session):
