@@ -162,7 +162,8 @@ qt::SettingsContentEnvironment settingsEnvironment(platform::LinuxStatusItem& it
                          },
                      .itemNotice = &item.notice(),
                      .shortcutTip = kShortcutTip,
-                     .itemIsIconOnly = [&item] { return item.isIconOnly(); }},
+                     .itemIsIconOnly = [&item] { return item.isIconOnly(); },
+                     .otherShortcutKeys = [&keys = *platform.hotKeys] { return keys.otherKeys(); }},
             .keyCodes = platform::virtualKeyCode};
 }
 

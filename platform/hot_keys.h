@@ -90,10 +90,14 @@ class HotKeys {
     /// user, or waits for keys. Existing handles are unaffected.
     virtual void withdrawRegistration() = 0;
 
+    /// What the desktop calls the keys of the last registration, where its user has chosen others
+    /// than those asked for; else empty.
+    virtual std::string otherKeys() const { return {}; }
+
     /// Sets the function to call on the main thread when the last registration may now have another
-    /// outcome: the desktop has asked its user and decided, or the keyboard's layout has moved the
-    /// modifiers. A new registration then gives the current outcome at once. The function is never
-    /// called from inside the operations above.
+    /// outcome: the desktop has asked its user and decided, its user has chosen other keys, or the
+    /// keyboard's layout has moved the modifiers. A new registration then gives the current outcome
+    /// at once. The function is never called from inside the operations above.
     virtual void setRegistrationChanged(std::function<void()> changed) = 0;
 };
 

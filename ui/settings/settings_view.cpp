@@ -113,7 +113,9 @@ SettingsPage SettingsView::generalPage() const {
          SettingsCard{ShortcutEditor{
              recorder_.field().text(), environment_.shortcutTip, keyCode >= 0,
              statusLines({shortcutValidationMessage_, settings_.shortcutRegistrationState(),
-                          keyCode, settings_.shortcutModifiers()},
+                          keyCode, settings_.shortcutModifiers(),
+                          environment_.otherShortcutKeys ? environment_.otherShortcutKeys()
+                                                         : std::string()},
                          environment_.keyboardLayout)}}}};
     SettingsPage page{SettingsPage::kSectionSpacing, {std::move(appearance), std::move(system)}};
     if (environment_.itemNotice != nullptr) {

@@ -36,6 +36,9 @@ struct SettingsViewEnvironment {
     std::string shortcutTip{};
     /// Whether the status item is shown without its text now; empty where it always has room.
     std::function<bool()> itemIsIconOnly{};
+    /// What the desktop calls the shortcut's keys, where its user has chosen others than those
+    /// stored; empty elsewhere. May be empty itself.
+    std::function<std::string()> otherShortcutKeys{};
 };
 
 /// Edits the settings directly: each change is stored before the control's function returns, so

@@ -21,7 +21,9 @@ std::optional<StatusLine> registrationLine(const ShortcutStatus& status,
                 return StatusLine{
                     "checkmark.circle.fill", Tint::green,
                     "Shortcut active: " +
-                        shortcutDisplayString(status.keyCode, status.modifiers, layout)};
+                        (status.otherKeys.empty()
+                             ? shortcutDisplayString(status.keyCode, status.modifiers, layout)
+                             : status.otherKeys)};
             }
             break;
         case RegistrationState::conflict:

@@ -54,6 +54,8 @@ struct ShortcutStatus {
     // As stored.
     std::int64_t keyCode = -1;
     std::int64_t modifiers = 0;
+    /// What the desktop calls the keys, where its user has chosen others; else empty.
+    std::string otherKeys{};
 };
 
 /// The reason for a rejected key press, then the outcome of the registration. Each line is there

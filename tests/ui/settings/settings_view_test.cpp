@@ -275,6 +275,15 @@ TEST_F(SettingsViewTest, SaysWhereTheItemHasNoRoomForItsText) {
     EXPECT_THAT(toolTips(), ElementsAre("", ""));
 }
 
+TEST_F(SettingsViewTest, TellsTheKeysThatTheDesktopHasInPlaceOfTheStoredOnes) {
+    storeShortcut(37, kCommandFlag);
+    settings.setShortcutRegistrationState(RegistrationState::active);
+    SettingsViewEnvironment changed = environment();
+    changed.otherShortcutKeys = [] { return "Meta+K"; };
+    view = std::make_unique<SettingsView>(settings, changed);
+    EXPECT_EQ(editor().lines[0].text, "Shortcut active: Meta+K");
+}
+
 TEST_F(SettingsViewTest, TheFieldSaysWhatItWaitsFor) {
     EXPECT_EQ(editor().field, (ShortcutFieldText{"Click to record", true}));
     watch();

@@ -41,6 +41,15 @@ TEST_F(StatusLinesTest, TellsTheOutcomeOfTheRegistration) {
     EXPECT_THAT(lines(std::nullopt, RegistrationState::active), ElementsAre(kActive));
 }
 
+TEST_F(StatusLinesTest, NamesTheKeysThatTheDesktopHasInPlaceOfTheStoredOnes) {
+    EXPECT_THAT(
+        statusLines({std::nullopt, RegistrationState::active, 37, kCommand, "Meta+K"}, layout),
+        ElementsAre(StatusLine{"checkmark.circle.fill", Tint::green, "Shortcut active: Meta+K"}));
+    EXPECT_THAT(
+        statusLines({std::nullopt, RegistrationState::conflict, 37, kCommand, "Meta+K"}, layout),
+        ElementsAre(kConflict));
+}
+
 TEST_F(StatusLinesTest, AnInvalidShortcutIsNotCalledActive) {
     EXPECT_THAT(lines(std::nullopt, RegistrationState::active, kOption), IsEmpty());
     EXPECT_THAT(statusLines({std::nullopt, RegistrationState::active, -1, kCommand}, layout),

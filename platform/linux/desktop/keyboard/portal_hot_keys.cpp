@@ -70,11 +70,12 @@ HotKeys::RegistrationResult PortalHotKeys::registerEventHotKey(std::uint32_t key
         if (!bus_.isConnected()) {
             return {told_ = portal_hot_key_status::kUnavailable, nullptr};
         }
-        shortcut_.reset(new PortalShortcut(bus_, trigger));
+        shortcut_.reset(new PortalShortcut(bus_, trigger, options_.gnomeSettings));
         shortcut_->setParent(this);
         begin_.start(0);
     }
     told_ = status();
+    toldKeys_ = shortcut_->otherKeys();
     if (told_ != hot_key_status::kSuccess) {
         return {told_, nullptr};
     }
@@ -93,6 +94,10 @@ void PortalHotKeys::withdrawRegistration() {
     drop();
     awaitsPortal_ = false;
     told_ = status();
+}
+
+std::string PortalHotKeys::otherKeys() const {
+    return shortcut_ ? shortcut_->otherKeys().toStdString() : std::string();
 }
 
 void PortalHotKeys::setRegistrationChanged(std::function<void()> changed) {
@@ -195,8 +200,9 @@ void PortalHotKeys::tellIfChanged() {
     const auto changed = [this](std::int32_t outcome) {
         return (status() == outcome) != (told_ == outcome);
     };
+    const bool hasOtherKeys = holder_ != 0 && shortcut_->otherKeys() != toldKeys_;
     if (changed(hot_key_status::kSuccess) || changed(hot_key_status::kExists) ||
-        changed(hot_key_status::kPending)) {
+        changed(hot_key_status::kPending) || hasOtherKeys) {
         told_ = status();
         tellLater();
     }

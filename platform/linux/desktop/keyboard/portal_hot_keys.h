@@ -5,11 +5,13 @@
 
 #include <QDBusConnection>
 #include <QObject>
+#include <QStringList>
 #include <QTimer>
 #include <chrono>
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "platform/hot_keys.h"
@@ -56,6 +58,8 @@ class PortalHotKeys final : public QObject, public HotKeys {
         /// Whether the portal can find the program's desktop entry. Asked when the portal gives
         /// nothing; absent if that is not known.
         std::function<bool()> isInstalled{};
+        /// The command that prints the settings of GNOME.
+        QStringList gnomeSettings{"gsettings", "list-recursively"};
     };
 
     /// Requires: `layout` outlives this object.
@@ -66,6 +70,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
     RegistrationResult registerEventHotKey(std::uint32_t keyCode, std::uint32_t modifiers,
                                            HotKeyID id) override;
     void withdrawRegistration() override;
+    std::string otherKeys() const override;
     void setRegistrationChanged(std::function<void()> changed) override;
 
  private:
@@ -82,8 +87,8 @@ class PortalHotKeys final : public QObject, public HotKeys {
     void release(int handle);
     void dropUnclaimed();
     void drop();
-    /// Reports a change if the portal decided, or a hot key became available, was lost or lacks its
-    /// keys, since the last status that the caller has seen.
+    /// Reports a change if the portal decided, or a hot key became available, was lost, lacks its
+    /// keys or has other keys, since the last status that the caller has seen.
     void tellIfChanged();
     /// Reports from the event loop, once for all calls before that.
     void tellLater();
@@ -107,6 +112,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
     QTimer drop_;
     /// Outcome of the last registration, as far as the caller knows.
     std::int32_t told_ = hot_key_status::kSuccess;
+    QString toldKeys_;
     bool isTelling_ = false;
     /// The last registration failed because the portal was not there.
     bool awaitsPortal_ = false;

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/portal_shortcut.h"
 
+#include <QCoreApplication>
 #include <QDBusArgument>
 #include <QDBusObjectPath>
 #include <QKeySequence>
+#include <QProcess>
 #include <utility>
 
+#include "platform/linux/desktop/keyboard/key_names.h"
 #include "platform/linux/desktop/keyboard/portal_types.h"
 #include "platform/linux/desktop/session/bus_calls.h"
 #include "platform/linux/desktop/session/portal_introduction.h"
@@ -20,6 +23,10 @@ constexpr auto kRequestInterface = "org.freedesktop.portal.Request";
 constexpr auto kSessionInterface = "org.freedesktop.portal.Session";
 constexpr auto kProperties = "org.freedesktop.DBus.Properties";
 constexpr uint kFirstVersion = 1;
+
+constexpr auto kPlasmaService = "org.kde.kglobalaccel";
+constexpr auto kPlasmaPath = "/kglobalaccel";
+constexpr auto kPlasmaInterface = "org.kde.KGlobalAccel";
 
 constexpr auto kDescription = "Open or close the panel";
 
@@ -49,10 +56,13 @@ QString pathIn(const QVariant& value) {
 
 }  // namespace
 
-PortalShortcut::PortalShortcut(QDBusConnection bus, const QString& trigger)
+PortalShortcut::PortalShortcut(QDBusConnection bus, const QString& trigger,
+                               QStringList gnomeSettings)
     : bus_(std::move(bus)),
       signals_(bus_, kPortalService),
+      plasma_(bus_, kPlasmaService),
       trigger_(trigger),
+      gnomeSettings_(std::move(gnomeSettings)),
       id_("panel-" + QString(trigger).replace('+', '-')) {
     registerPortalTypes();
 }
@@ -71,6 +81,10 @@ void PortalShortcut::close() {
     pressed_ = nullptr;
 }
 
+QString PortalShortcut::otherKeys() const {
+    return keyParts(keys_) == keyParts(trigger_) ? QString() : plainKeys(keys_);
+}
+
 void PortalShortcut::start(std::function<void()> changed, std::function<void()> pressed) {
     changed_ = std::move(changed);
     pressed_ = std::move(pressed);
@@ -79,6 +93,11 @@ void PortalShortcut::start(std::function<void()> changed, std::function<void()> 
     hear(kInterface, "Activated", "osta{sv}", &PortalShortcut::activated);
     hear(kInterface, "ShortcutsChanged", "oa(sa{sv})", &PortalShortcut::shortcutsChanged);
     hear(kSessionInterface, "Closed", "a{sv}", &PortalShortcut::sessionClosed);
+    plasma_.hear({.path = kPlasmaPath,
+                  .interface = kPlasmaInterface,
+                  .member = "yourShortcutsChanged",
+                  .signature = "asa(ai)"},
+                 [this](const QDBusMessage& signal) { plasmaKeysChanged(signal); });
 
     introduceToPortal(bus_, this, [this] {
         if (!isClosed_) {
@@ -158,15 +177,19 @@ void PortalShortcut::responded(const QDBusMessage& signal) {
     const QVariantList arguments = signal.arguments();
     const uint code = arguments[0].toUInt();
     const auto results = qdbus_cast<QVariantMap>(arguments[1]);
-    const State judgement = hasSession_ ? judged(results.value("shortcuts")) : State::unbound;
-    if (code != kGranted && (code != kEnded || judgement != State::bound)) {
+    const QString keys = hasSession_ ? keysIn(results.value("shortcuts")) : QString();
+    if (code != kGranted && (code != kEnded || keys.isEmpty())) {
         isRefusedByPortal_ = code == kEnded;
         set(State::refused);
         return;
     }
     if (hasSession_) {
-        set(judgement);
-        askForHolder();
+        const bool isFirst = state_ == State::asking;
+        take(keys);
+        if (isFirst) {
+            askForHolder();
+            askGnomeForHolder();
+        }
         return;
     }
     if (const QString path = pathIn(results.value("session_handle")); !path.isEmpty()) {
@@ -193,7 +216,15 @@ void PortalShortcut::activated(const QDBusMessage& signal) {
 
 void PortalShortcut::shortcutsChanged(const QDBusMessage& signal) {
     if (isOfSession(signal) && (state_ == State::bound || state_ == State::unbound)) {
-        set(judged(signal.arguments()[1]));
+        take(keysIn(signal.arguments()[1]));
+    }
+}
+
+void PortalShortcut::plasmaKeysChanged(const QDBusMessage& signal) {
+    const QStringList action = signal.arguments()[0].toStringList();
+    if (hasSession_ && request_.isEmpty() && action.size() > 1 && action[0] == kIdentifier &&
+        action[1] == id_) {
+        ask("ListShortcuts", {QVariant::fromValue(QDBusObjectPath(session_))}, {});
     }
 }
 
@@ -212,8 +243,8 @@ void PortalShortcut::askForHolder() {
         return;
     }
     // At the first time Plasma's portal names the wished keys even if another program has them.
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        "org.kde.kglobalaccel", "/kglobalaccel", "org.kde.KGlobalAccel", "globalShortcutAvailable");
+    QDBusMessage call = QDBusMessage::createMethodCall(kPlasmaService, kPlasmaPath,
+                                                       kPlasmaInterface, "globalShortcutAvailable");
     call.setAutoStartService(false);
     call.setArguments(
         {QVariant::fromValue(PlasmaKeys{{keys[0].toCombined(), 0, 0, 0}}), QString(kIdentifier)});
@@ -224,23 +255,55 @@ void PortalShortcut::askForHolder() {
     });
 }
 
-PortalShortcut::State PortalShortcut::judged(const QVariant& shortcuts) const {
+void PortalShortcut::askGnomeForHolder() {
+    // GNOME's portal says that it has bound keys that the shell has for itself. Only it names keys
+    // in this way.
+    if (state_ != State::bound || !keys_.contains('<')) {
+        return;
+    }
+    // Not a child of this object: a process that is destroyed while it runs prints a warning.
+    auto* process = new QProcess(QCoreApplication::instance());
+    connect(process, &QProcess::finished, this, [this, process, keys = keys_] {
+        if (keys == keys_ && state_ == State::bound &&
+            isOfGnome(process->readAllStandardOutput(), keyParts(keys))) {
+            set(State::unbound);
+        }
+    });
+    connect(process, &QProcess::finished, process, &QObject::deleteLater);
+    connect(process, &QProcess::errorOccurred, process, &QObject::deleteLater);
+    process->start(gnomeSettings_.front(), gnomeSettings_.mid(1));
+}
+
+QString PortalShortcut::keysIn(const QVariant& shortcuts) const {
     // Portals also list shortcuts from earlier requests.
     for (const PortalShortcutEntry& each : shortcutEntriesIn(shortcuts)) {
-        const QString keys = each.properties.value("trigger_description").toString().trimmed();
-        if (each.id == id_ && !keys.isEmpty()) {
-            return State::bound;
+        if (each.id == id_) {
+            return each.properties.value("trigger_description").toString().trimmed();
         }
     }
-    return State::unbound;
+    return {};
+}
+
+void PortalShortcut::take(const QString& keys) {
+    const bool isOther = std::exchange(keys_, keys) != keys;
+    const State state = keys.isEmpty() ? State::unbound : State::bound;
+    if (isOther && state == state_) {
+        tell();
+    }
+    set(state);
 }
 
 void PortalShortcut::set(State state) {
     if (state_ != state) {
         state_ = state;
-        if (const auto changed = changed_) {
-            changed();
-        }
+        tell();
+    }
+}
+
+void PortalShortcut::tell() const {
+    // Calls a copy: the callback may call close().
+    if (const auto changed = changed_) {
+        changed();
     }
 }
 

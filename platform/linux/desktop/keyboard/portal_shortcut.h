@@ -6,6 +6,7 @@
 #include <QDBusMessage>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 #include <QVariantList>
 #include <QVariantMap>
 #include <functional>
@@ -39,10 +40,13 @@ class PortalShortcut final : public QObject {
     };
 
     /// `trigger` is the combination as desktops have agreed to write it, such as "SHIFT+LOGO+l".
-    PortalShortcut(QDBusConnection bus, const QString& trigger);
+    /// `gnomeSettings` is the command that prints the settings of GNOME, which is asked where the
+    /// portal is GNOME's.
+    PortalShortcut(QDBusConnection bus, const QString& trigger,
+                   QStringList gnomeSettings = {"gsettings", "list-recursively"});
 
-    /// `changed` is called for every change of the state, `pressed` for every press; both from the
-    /// event loop.
+    /// `changed` is called for every change of the state or the keys, `pressed` for every press;
+    /// both from the event loop.
     void start(std::function<void()> changed, std::function<void()> pressed);
     /// Gives the shortcut back to the portal. No callback is called afterwards.
     void close();
@@ -50,6 +54,9 @@ class PortalShortcut final : public QObject {
     State state() const { return state_; }
     /// Whether the portal, not its user, has said no.
     bool isRefusedByPortal() const { return isRefusedByPortal_; }
+    /// The keys in the desktop's words, where the user has chosen others than the trigger. Empty
+    /// if they are the same, or there are none.
+    QString otherKeys() const;
     /// Unique name of the portal on the bus; empty until it has answered.
     const QString& portal() const { return portal_; }
 
@@ -65,21 +72,30 @@ class PortalShortcut final : public QObject {
     void shortcutsChanged(const QDBusMessage& signal);
     void sessionClosed(const QDBusMessage& signal);
     bool isOfSession(const QDBusMessage& signal) const;
-    /// The state according to the portal's list.
-    /// Asks Plasma who has the keys of a shortcut that its portal says is bound.
+    /// Asks Plasma or GNOME who has the keys of a shortcut that their portals say is bound.
     void askForHolder();
-    State judged(const QVariant& shortcuts) const;
+    void askGnomeForHolder();
+    /// Asks for the keys again that Plasma's user has changed: its portal does not tell.
+    void plasmaKeysChanged(const QDBusMessage& signal);
+    /// The keys of this shortcut in the portal's list; empty if it names none.
+    QString keysIn(const QVariant& shortcuts) const;
+    void take(const QString& keys);
     void set(State state);
+    void tell() const;
 
     QDBusConnection bus_;
     ServiceSignals signals_;
+    ServiceSignals plasma_;
     const QString trigger_;
+    const QStringList gnomeSettings_;
     /// Different for each combination, because the portal remembers the user's choice for an
     /// identifier.
     const QString id_;
     std::function<void()> changed_;
     std::function<void()> pressed_;
     State state_ = State::asking;
+    /// What the portal says of the keys; empty while it names none.
+    QString keys_;
     QString portal_;
     /// The request that waits for its response; empty when none does.
     QString request_;

@@ -46,7 +46,8 @@ class PortalKeys : public ::testing::Test {
             PortalHotKeys::Options{
                 .patience = patience,
                 .notice = [this](std::string_view line) { notices_.emplace_back(line); },
-                .isInstalled = [this] { return isInstalled_; }});
+                .isInstalled = [this] { return isInstalled_; },
+                .gnomeSettings = {"/bin/echo", gnomeSettings_}});
         auto result = keys_->installEventHandler([this](const HotKeyEvent* event) {
             HotKeyID id;
             if (event == nullptr || event->hotKeyID(id) != kSuccess || id != kId) {
@@ -97,6 +98,7 @@ class PortalKeys : public ::testing::Test {
     InstalledLayout layout_{"us"};
     std::vector<std::string> notices_;
     bool isInstalled_ = true;
+    QString gnomeSettings_;
     bool registersAgain_ = true;
     int changes_ = 0;
     int presses_ = 0;
@@ -522,9 +524,65 @@ TEST_F(PortalKeys, AreHeldWhateverKeysTheUserChooses) {
         EXPECT_TRUE(waitUntil([&] { return presses_ == before + 1; })) << text;
     }
     portal_.change({{portal_.bound.last().id, {{"trigger_description", QString("Meta+J")}}}});
+    EXPECT_TRUE(waitUntil([this] { return changes_ == 1; }));
+    EXPECT_NE(handle_, nullptr);
+}
+
+TEST_F(PortalKeys, AreNamedWhereTheUserHasChosenOthers) {
+    EXPECT_EQ(keys_->otherKeys(), "");
+    addAndHold();
+    EXPECT_EQ(keys_->otherKeys(), "");
+    const auto change = [this](const char* keys) {
+        portal_.change({{portal_.bound.last().id, {{"trigger_description", QString(keys)}}}});
+    };
+    change("Press <Super>k");
+    EXPECT_TRUE(waitUntil([this] { return keys_->otherKeys() == "Super+K"; }));
+    EXPECT_TRUE(waitUntil([this] { return changes_ == 1; }));
+    // The same keys in other words.
+    change("Press <Super>l");
+    EXPECT_TRUE(waitUntil([this] { return keys_->otherKeys().empty(); }));
+    EXPECT_TRUE(waitUntil([this] { return changes_ == 2; }));
+    change("Meta+L");
+    settle();
+    EXPECT_EQ(changes_, 2);
+    EXPECT_NE(handle_, nullptr);
+}
+
+TEST_F(PortalKeys, AreAskedForAgainWhenPlasmaTellsOfOthers) {
+    portal_.areKeysFree = true;
+    addAndHold();
+    settle();
+    portal_.keys = "Meta+K";
+    portal_.changeInPlasma({"another", "panel-LOGO-l", "", ""});
+    portal_.changeInPlasma({"org.tarnwick.Tarnwick", "another", "", ""});
+    portal_.changeInPlasma({});
+    settle();
+    EXPECT_FALSE(portal_.calls.contains("ListShortcuts"));
+    portal_.changeInPlasma({"org.tarnwick.Tarnwick", "panel-LOGO-l", "", ""});
+    EXPECT_TRUE(waitUntil([this] { return keys_->otherKeys() == "Meta+K"; }));
+    EXPECT_TRUE(waitUntil([this] { return changes_ == 1; }));
+    EXPECT_NE(handle_, nullptr);
+}
+
+TEST_F(PortalKeys, ThatGnomeHasForItselfAreInConflictUntilTheirFirstPress) {
+    gnomeSettings_ = "org.gnome.settings-daemon.plugins.media-keys screensaver ['<Super>l']";
+    portal_.keys = "Press <Super>l";
+    makeKeys(std::chrono::hours(1));
+    portal_.begin();
+    add();
+    EXPECT_TRUE(waitUntil([&] { return status_ == hot_key_status::kExists; }));
+    portal_.press();
+    EXPECT_TRUE(waitUntil([&] { return presses_ == 1; }));
+    EXPECT_NE(handle_, nullptr);
+}
+
+TEST_F(PortalKeys, ThatTheUserHasChosenInPlaceOfThoseOfGnomeAreHeld) {
+    gnomeSettings_ = "org.gnome.settings-daemon.plugins.media-keys screensaver ['<Super>l']";
+    portal_.keys = "Press <Super>k";
+    makeKeys(std::chrono::hours(1));
+    addAndHold();
     settle();
     EXPECT_NE(handle_, nullptr);
-    EXPECT_EQ(changes_, 0);
 }
 
 TEST_F(PortalKeys, WithoutKeysAreNotHeld) {

@@ -2,6 +2,7 @@
 #include "tests/platform/linux/desktop/keyboard/scripted_shortcuts_portal.h"
 
 #include <QDBusArgument>
+#include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <utility>
@@ -24,6 +25,7 @@ QString pathFor(const char* kind, const QString& client, const QString& token) {
 }  // namespace
 
 ScriptedShortcutsPortal::ScriptedShortcutsPortal(QDBusConnection bus) : bus_(std::move(bus)) {
+    qDBusRegisterMetaType<QList<PlasmaKeys>>();
     registerPortalTypes();
 }
 
@@ -110,6 +112,8 @@ bool ScriptedShortcutsPortal::handleMessage(const QDBusMessage& message, const Q
     } else if (member == "CreateSession") {
         answerRequest(message, createCode,
                       createSession(qdbus_cast<QVariantMap>(message.arguments().value(0))), false);
+    } else if (member == "ListShortcuts") {
+        answerRequest(message, 0, shortcuts(), false);
     } else if (member == "BindShortcuts") {
         answerRequest(message, bindCode, bind(message), holdsResponse);
     } else {
@@ -168,19 +172,28 @@ QVariantMap ScriptedShortcutsPortal::createSession(const QVariantMap& options) {
 
 QVariantMap ScriptedShortcutsPortal::bind(const QDBusMessage& message) {
     boundSession = message.arguments().value(0).value<QDBusObjectPath>().path();
-    const PortalShortcutEntries asked = shortcutEntriesIn(message.arguments().value(1));
+    asked_ = shortcutEntriesIn(message.arguments().value(1));
+    bound += asked_;
+    return shortcuts();
+}
+
+QVariantMap ScriptedShortcutsPortal::shortcuts() const {
+    if (results) {
+        return *results;
+    }
     PortalShortcutEntries entries;
-    for (const PortalShortcutEntry& each : asked) {
-        bound.append(each);
+    for (const PortalShortcutEntry& each : asked_) {
         const QString preferred = each.properties.value("preferred_trigger").toString();
         entries.append({each.id,
                         {{"description", each.properties.value("description")},
                          {"trigger_description", keys.value_or(preferred)}}});
     }
-    if (results) {
-        return *results;
-    }
     return {{"shortcuts", QVariant::fromValue(list.value_or(entries))}};
+}
+
+void ScriptedShortcutsPortal::changeInPlasma(const QStringList& action) {
+    signal("/kglobalaccel", "org.kde.KGlobalAccel", "yourShortcutsChanged",
+           {action, QVariant::fromValue(QList<PlasmaKeys>())});
 }
 
 }  // namespace tarnwick::platform::testing

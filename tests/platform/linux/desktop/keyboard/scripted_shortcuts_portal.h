@@ -34,6 +34,8 @@ class ScriptedShortcutsPortal final : public QDBusVirtualObject {
     void press() { press(sessions.last(), bound.last().id); }
     /// Tells the client that the keys of the last bound shortcut have changed.
     void change(const PortalShortcutEntries& shortcuts);
+    /// Plasma tells that the keys of an action, named by its program and itself, have changed.
+    void changeInPlasma(const QStringList& action);
     /// Ends the session that was made last.
     void closeSession();
     /// Sends the response that `holdsResponse` kept back.
@@ -92,11 +94,14 @@ class ScriptedShortcutsPortal final : public QDBusVirtualObject {
                        bool isHeld);
     QVariantMap createSession(const QVariantMap& options);
     QVariantMap bind(const QDBusMessage& message);
+    QVariantMap shortcuts() const;
 
     QDBusConnection bus_;
     bool begun_ = false;
     QString client_;
     QDBusMessage held_;
+    /// What was bound last.
+    PortalShortcutEntries asked_;
 };
 
 }  // namespace tarnwick::platform::testing
