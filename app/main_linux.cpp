@@ -149,7 +149,8 @@ QImage paintIcon(const std::string& symbol, Tint tint, bool dark, int pixels) {
 /// The free combinations are checked with the default keys of GNOME 48, Plasma 6.3 and sway 1.10.
 constexpr auto kShortcutTip =
     "⌘ is the Super key, which may show a window, and Option is the Alt key.\n"
-    "⌘ + L locks the screen on many desktops. ⌘ + Shift + M and ⌘ + Control + M are usually free.";
+    "⌘ + L locks the screen on many desktops. ⌘ + Shift + M and ⌘ + Control + M are usually free.\n"
+    "On Cinnamon press ⌘ last, because its menu waits for that key.";
 
 qt::SettingsContentEnvironment settingsEnvironment(platform::LinuxStatusItem& item) {
     const platform::Platform& platform = platform::current();

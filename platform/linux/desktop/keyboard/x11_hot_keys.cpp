@@ -49,6 +49,14 @@ bool isGrabbedByInputExtension(xcb_connection_t* connection, const KeyCombinatio
     return isGrabbed;
 }
 
+/// Whether another program waits for Super by itself, as Cinnamon and Budgie do to open their
+/// menus. While Super is held, the server gives the keys to that program alone, at least until it
+/// has seen one that it has no use for. So a key that follows Super at once never comes here.
+bool isSuperGrabbed(xcb_connection_t* connection, std::uint16_t locks) {
+    constexpr std::uint8_t kLeftSuper = 133;
+    return isGrabbedByInputExtension(connection, {kLeftSuper, 0, locks});
+}
+
 /// The events that may move a modifier.
 constexpr std::uint16_t kKeyboardEvents =
     XCB_XKB_EVENT_TYPE_NEW_KEYBOARD_NOTIFY | XCB_XKB_EVENT_TYPE_MAP_NOTIFY;
@@ -142,6 +150,10 @@ HotKeys::RegistrationResult X11HotKeys::registerEventHotKey(std::uint32_t keyCod
     const int number = ++registrations_;
     modifiers_ = readModifiers(connection_).value_or(X11Modifiers());
     const auto wanted = combination(keyCode, modifiers);
+    if (wanted && modifiers == hot_key_modifier::kCommand &&
+        isSuperGrabbed(connection_, wanted->locks)) {
+        return {hot_key_status::kExists, nullptr};
+    }
     const int error = wanted ? grabKey(connection_, *wanted) : kInvalid;
     if (error != 0) {
         return {error == XCB_ACCESS ? hot_key_status::kExists : error, nullptr};

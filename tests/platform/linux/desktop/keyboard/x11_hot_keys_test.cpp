@@ -15,6 +15,7 @@ namespace {
 using namespace testing;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
+using ::testing::SizeIs;
 
 namespace key = hot_key_modifier;
 namespace status = hot_key_status;
@@ -152,6 +153,20 @@ TEST_F(X11HotKeysTest, OtherCombinationsOfTheInputExtensionAreNotInTheWay) {
     const auto result = add(kL, key::kCommand);
     EXPECT_EQ(result.status, status::kSuccess);
     EXPECT_THAT(pressesOf({kSuper}, kX11L), ElementsAre(kCommandL));
+}
+
+TEST_F(X11HotKeysTest, AKeyWithSuperAloneExistsWhereAnotherProgramWaitsForSuper) {
+    const xcb_window_t root = other.roots().front();
+    ASSERT_TRUE(other.grabByExtension(kSuper, 0, root));
+    const auto refused = add(kL, key::kCommand);
+    EXPECT_EQ(refused.status, status::kExists);
+    EXPECT_FALSE(refused.handle);
+    EXPECT_TRUE(isFree(XCB_MOD_MASK_4));
+    const auto result = add(kL, key::kCommand | key::kShift);
+    EXPECT_EQ(result.status, status::kSuccess);
+    EXPECT_THAT(pressesOf({kShift, kSuper}, kX11L), SizeIs(1));
+    other.ungrabByExtension(kSuper, 0, root);
+    EXPECT_EQ(add(kL, key::kCommand).status, status::kSuccess);
 }
 
 TEST_F(X11HotKeysTest, WhatTheOtherProgramLetsGoCanBeRegistered) {
