@@ -13,7 +13,6 @@
 #include <utility>
 
 #include "platform/linux/applications/system_monitors.h"
-#include "platform/linux/desktop/session/activation_token.h"
 #include "platform/linux/events/standard_error.h"
 
 namespace tarnwick::platform {
@@ -150,8 +149,11 @@ bool startShell(const QStringList& arguments, const QProcessEnvironment& environ
 }  // namespace
 
 ActivityMonitor::ActivityMonitor(StartConditions conditions, Dispatch& dispatch,
-                                 std::function<void()> opened)
-    : conditions_(std::move(conditions)), dispatch_(dispatch), opened_(std::move(opened)) {}
+                                 std::function<void()> opened, RequestToken requestToken)
+    : conditions_(std::move(conditions)),
+      dispatch_(dispatch),
+      opened_(std::move(opened)),
+      requestToken_(std::move(requestToken)) {}
 
 void ActivityMonitor::open() {
     if (isOpening_) {
@@ -169,7 +171,7 @@ void ActivityMonitor::open() {
                 }
             });
         });
-    if (isOpening_ && requestActivationToken(&answers_, [this](const QString& token) {
+    if (isOpening_ && requestToken_(&answers_, [this](const QString& token) {
             token_ = token;
             start();
         })) {

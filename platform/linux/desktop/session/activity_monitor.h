@@ -12,6 +12,7 @@
 #include <optional>
 
 #include "platform/dispatch.h"
+#include "platform/linux/desktop/session/activation_token.h"
 
 namespace tarnwick::platform {
 
@@ -26,8 +27,12 @@ struct StartConditions {
 /// Main thread.
 class ActivityMonitor {
  public:
+    /// Asks for a token, as requestActivationToken() does.
+    using RequestToken = std::function<decltype(requestActivationToken)>;
+
     /// `opened` is called after each start. Requires: `dispatch` outlives what it is given to run.
-    ActivityMonitor(StartConditions conditions, Dispatch& dispatch, std::function<void()> opened);
+    ActivityMonitor(StartConditions conditions, Dispatch& dispatch, std::function<void()> opened,
+                    RequestToken requestToken = requestActivationToken);
 
     /// The monitor is not a child of this process and runs in its own session and, if the user has
     /// a service manager that answers, in its own unit: it does not end with this program and is
@@ -39,6 +44,7 @@ class ActivityMonitor {
     const StartConditions conditions_;
     Dispatch& dispatch_;
     const std::function<void()> opened_;
+    const RequestToken requestToken_;
     /// What to start, once it has been looked for; without arguments if there is no monitor.
     struct Found {
         QStringList arguments;
