@@ -76,14 +76,6 @@ std::optional<QPoint> reportedPoint(const QPoint& reported, std::string_view hos
     if (isPlasma(host)) {
         return plasmaPoint(reported, screens);
     }
-    if (host == "waybar") {
-        for (const ReportedScreen& each : screens) {
-            if (QRect(QPoint(), each.geometry.size()).contains(reported)) {
-                return each.geometry.topLeft() + reported;
-            }
-        }
-        return std::nullopt;
-    }
     return screenAt(reported, screens) == nullptr ? std::nullopt : std::optional(reported);
 }
 

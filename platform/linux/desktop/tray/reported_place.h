@@ -17,8 +17,7 @@ struct ReportedScreen {
 };
 
 /// The item's point on the screens, in the program's points. `host` is the file name of the host's
-/// executable, because hosts disagree about units and origin. A host that counts from the corner of
-/// an unnamed screen gets the first of the `screens` that is large enough.
+/// executable, because hosts disagree about units.
 ///
 /// Absent if the host reports no place, which is (0, 0), or one outside all screens.
 std::optional<QPoint> reportedPoint(const QPoint& reported, std::string_view host,
