@@ -7,6 +7,7 @@ import time
 
 from gi.repository import Gio, GLib
 from PIL import Image
+from private_desktop import hosts
 
 _DISPLAY = ":9"
 _SIZE = "1280x800"
@@ -18,6 +19,9 @@ class Session:
     # Whether the host reports one click, or a double click only.
     clicks_to_open = 1
     has_portal_shortcut = False
+    has_tray = True
+    # The keys of the shortcut, in the order in which they are pressed.
+    shortcut_keys = ("super", "shift", "m")
     # Whether the text is beside the icon; elsewhere it is in the tool tip.
     shows_text = False
     wayland_display = None
@@ -40,9 +44,11 @@ class Session:
         self.spawn("Xvfb", _DISPLAY, "-screen", "0", _SIZE + "x24", "-nolisten", "tcp")
         time.sleep(1)
         os.environ["DISPLAY"] = _DISPLAY
+        if not self.wayland_display:
+            self._announce({"DISPLAY": _DISPLAY})
         self.start_desktop()
-        self._announce({"WAYLAND_DISPLAY": self.wayland_display} if self.wayland_display
-                       else {"DISPLAY": _DISPLAY})
+        if self.wayland_display:
+            self._announce({"WAYLAND_DISPLAY": self.wayland_display})
         self.start_host()
 
     @staticmethod
@@ -96,10 +102,10 @@ class Session:
 
 class Gnome(Session):
     clicks_to_open = 2
+    _extensions = "['ubuntu-appindicators@ubuntu.com']"
     has_portal_shortcut = True
     shows_text = True
     wayland_display = "wayland-0"
-    _EXTENSION = "ubuntu-appindicators@ubuntu.com"
     _DEVICES = """
         const {Clutter} = imports.gi;
         const seat = Clutter.get_default_backend().get_default_seat();
@@ -114,7 +120,7 @@ class Gnome(Session):
         self._announce({**self.environment, "WAYLAND_DISPLAY": self.wayland_display})
         for schema, key, value in (
                 ("org.gnome.shell", "welcome-dialog-last-shown-version", "99"),
-                ("org.gnome.shell", "enabled-extensions", f"['{self._EXTENSION}']"),
+                ("org.gnome.shell", "enabled-extensions", self._extensions),
                 ("org.gnome.desktop.interface", "enable-animations", "false"),
                 ("org.gnome.desktop.session", "idle-delay", "0")):
             subprocess.run(["gsettings", "set", schema, key, value], check=True)
@@ -126,7 +132,7 @@ class Gnome(Session):
         self._run("Main.messageTray.bannerBlocked = true")
 
     def restart_host(self):
-        for value in ("[]", f"['{self._EXTENSION}']"):
+        for value in ("[]", self._extensions):
             subprocess.run(["gsettings", "set", "org.gnome.shell", "enabled-extensions", value],
                            check=True)
             time.sleep(2)
@@ -140,6 +146,7 @@ class Gnome(Session):
             GLib.Variant("(s)", (script,)), None, 0, 15000, None).unpack()
         if not answer[0]:
             raise RuntimeError(f"the shell refuses {script}: {answer[1]}")
+        return answer[1]
 
     def _device(self, call):
         self._run(self._DEVICES + call.replace("NOW", str(time.monotonic_ns() // 1000)))
@@ -155,12 +162,16 @@ class Gnome(Session):
     def move(self, place):
         self._device(f"global.tourPointer.notify_absolute_motion(NOW, {place[0]}, {place[1]})")
 
-    def click(self, place, times=1):
+    def click(self, place, times=1, button=1):
         self.move(place)
         for _ in range(times):
             for state in ("PRESSED", "RELEASED"):
                 self._device("global.tourPointer.notify_button("
-                             f"NOW, 1, Clutter.ButtonState.{state})")
+                             f"NOW, {button}, Clutter.ButtonState.{state})")
+
+    def is_busy(self):
+        """Whether the shell waits for a window, and shows that by its pointer."""
+        return self._run("Shell.WindowTracker.get_default().get_startup_sequences().length") != "0"
 
     def key(self, *names):
         for state, order in (("PRESSED", names), ("RELEASED", reversed(names))):
@@ -195,13 +206,19 @@ class Gnome(Session):
         return tuple(sorted(place[axis] for place in blue)[len(blue) // 2] for axis in (0, 1))
 
 
+class GnomeAlone(Gnome):
+    """Without an extension that has a tray."""
+
+    has_tray = False
+    _extensions = "[]"
+
+
 class Plasma(Session):
     has_portal_shortcut = True
     wayland_display = "wayland-0"
-
-    environment = {
-        "XDG_SESSION_TYPE": "wayland", "XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true",
-        "KDE_SESSION_VERSION": "6", "XDG_MENU_PREFIX": "plasma-", "QT_QPA_PLATFORM": "wayland"}
+    _KDE = {"XDG_CURRENT_DESKTOP": "KDE", "KDE_FULL_SESSION": "true", "KDE_SESSION_VERSION": "6",
+            "XDG_MENU_PREFIX": "plasma-"}
+    environment = {"XDG_SESSION_TYPE": "wayland", "QT_QPA_PLATFORM": "wayland", **_KDE}
 
     def start_desktop(self):
         os.makedirs(os.path.expanduser("~/.config"), exist_ok=True)
@@ -209,21 +226,34 @@ class Plasma(Session):
                            ("kdeglobals", "[KDE]\nAnimationDurationFactor=0\n")):
             with open(os.path.expanduser("~/.config/" + name), "w", encoding="ascii") as file:
                 file.write(text)
-        self.spawn("kwin_wayland", "--x11-display", _DISPLAY, "--width", "1280", "--height", "800",
-                   "--no-lockscreen", "--socket", self.wayland_display, KWIN_COMPOSE="Q", QT_QPA_PLATFORM="")
+        self._start_compositor()
         time.sleep(4)
+
+    def _start_compositor(self):
+        self.spawn("kwin_wayland", "--x11-display", _DISPLAY, "--width", "1280", "--height", "800",
+                   "--no-lockscreen", "--socket", self.wayland_display, KWIN_COMPOSE="Q",
+                   QT_QPA_PLATFORM="")
 
     def start_host(self):
         if self._host is None:
-            self.spawn("kded6", WAYLAND_DISPLAY=self.wayland_display)
-        self._host = self.spawn("plasmashell", WAYLAND_DISPLAY=self.wayland_display)
+            self.spawn("kded6")
+        self._host = self.spawn("plasmashell")
         time.sleep(12)
 
     def program_environment(self):
-        return {"DISPLAY": "", "QT_QPA_PLATFORM": ""}
+        return {**super().program_environment(), "QT_QPA_PLATFORM": ""}
 
     def set_dark(self):
         subprocess.run(["plasma-apply-colorscheme", "BreezeDark"], check=True)
+
+
+class PlasmaX11(Plasma):
+    has_portal_shortcut = False
+    wayland_display = None
+    environment = {"XDG_SESSION_TYPE": "x11", **Plasma._KDE}
+
+    def _start_compositor(self):
+        self.spawn("kwin_x11", KWIN_COMPOSE="Q")
 
 
 class _Waybar(Session):
@@ -276,6 +306,8 @@ class Labwc(_Waybar):
 
 class Cinnamon(Session):
     environment = {"XDG_SESSION_TYPE": "x11", "XDG_CURRENT_DESKTOP": "X-Cinnamon"}
+    # Its menu takes every key that follows Super.
+    shortcut_keys = ("shift", "super", "m")
 
     def start_desktop(self):
         subprocess.run(["gsettings", "set", "org.cinnamon", "desktop-effects", "false"],
@@ -286,4 +318,51 @@ class Cinnamon(Session):
         time.sleep(12)
 
 
-SESSIONS = {"gnome": Gnome, "plasma": Plasma, "sway": Sway, "labwc": Labwc, "cinnamon": Cinnamon}
+class Budgie(Session):
+    environment = {"XDG_SESSION_TYPE": "x11", "XDG_CURRENT_DESKTOP": "Budgie:GNOME"}
+
+    def start_desktop(self):
+        self.spawn("budgie-wm", "--x11")
+        time.sleep(4)
+        self.spawn("budgie-daemon")
+        time.sleep(1)
+
+    def start_host(self):
+        self._host = self.spawn("budgie-panel")
+        time.sleep(6)
+
+
+class _Panel(Session):
+    """A panel with little but a tray, along the top, beside the window manager of Xfce."""
+
+    _panel = None
+
+    def start_desktop(self):
+        self.spawn("xfwm4")
+        time.sleep(2)
+
+    def start_host(self):
+        host = hosts.configure(self._panel, os.path.expanduser("~/.config"), 1, False)
+        self._host = self.spawn(*host.argv, **host.env)
+        time.sleep(6)
+
+
+class Xfce(_Panel):
+    environment = {"XDG_SESSION_TYPE": "x11", "XDG_CURRENT_DESKTOP": "XFCE"}
+    _panel = "xfce4-panel"
+
+
+class Lxqt(_Panel):
+    environment = {"XDG_SESSION_TYPE": "x11", "XDG_CURRENT_DESKTOP": "LXQt"}
+    _panel = "lxqt-panel"
+
+
+class Mate(_Panel):
+    shows_text = True
+    environment = {"XDG_SESSION_TYPE": "x11", "XDG_CURRENT_DESKTOP": "MATE"}
+    _panel = "mate-panel"
+
+
+SESSIONS = {"gnome": Gnome, "gnome-alone": GnomeAlone, "plasma": Plasma, "plasma-x11": PlasmaX11,
+            "sway": Sway, "labwc": Labwc, "cinnamon": Cinnamon, "budgie": Budgie, "xfce": Xfce,
+            "lxqt": Lxqt, "mate": Mate}

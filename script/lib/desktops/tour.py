@@ -27,6 +27,9 @@ _THRESHOLDS = {f"settings.{metric}{level}Threshold": value
                for metric in ("cpu", "gpu", "memory", "storage")}
 
 
+_NO_TRAY = "tarnwick: no tray was found; start Tarnwick again to open its panel\n"
+
+
 class Tour:
     def __init__(self, name, folder):
         self._name = name
@@ -44,8 +47,20 @@ class Tour:
         self._start_program()
         if self._session.has_portal_shortcut:
             self._check("shortcut is asked for", lambda: self._session.agree_to_shortcut() or True)
-        if not self._check("icon", self._find_item):
-            return 1
+        if self._session.has_tray:
+            if not self._check("icon", self._find_item):
+                return 1
+            self._use_item()
+        if self._session.has_portal_shortcut or not self._session.wayland_display:
+            self._check("shortcut opens and closes", self._toggle_by_shortcut)
+        self._check("second start opens the panel", self._open_by_second_start)
+        if self._session.has_tray:
+            self._check("icon is back after a restart of its host", self._restart_host)
+        self._check("dark", self._turns_dark)
+        self._check("says nothing on standard error", lambda: self._said() == self._expected())
+        return 1 if self._failed else 0
+
+    def _use_item(self):
         self._session.move(self._nowhere())
         time.sleep(_SETTLED)
         if self._session.shows_text:
@@ -58,13 +73,10 @@ class Tour:
             self._check("second click closes", lambda: self._open() and self._close_by_click())
         else:
             self._check("one click opens a menu with the panel", self._open_by_menu)
-        if self._session.has_portal_shortcut or not self._session.wayland_display:
-            self._check("shortcut opens and closes", self._toggle_by_shortcut)
-        self._check("second start opens the panel", self._open_by_second_start)
-        self._check("icon is back after a restart of its host", self._restart_host)
-        self._check("dark", self._turns_dark)
-        self._check("says nothing on standard error", lambda: not self._said())
-        return 1 if self._failed else 0
+            self._check("middle click leaves no busy pointer", self._is_idle_after_middle_click)
+
+    def _expected(self):
+        return "" if self._session.has_tray else _NO_TRAY
 
     def _check(self, what, works):
         try:
@@ -188,22 +200,32 @@ class Tour:
         return self._opens() and self._is_at_item() and self._close_by_escape()
 
     def _toggle_by_shortcut(self):
-        keys = ("super", "shift", "m")
-        self._session.key(*keys)
+        self._session.key(*self._session.shortcut_keys)
         if not self._opens():
             return False
-        self._session.key(*keys)
+        self._session.key(*self._session.shortcut_keys)
         return self._closes()
 
-    def _open_by_second_start(self):
+    def _second_start(self):
         subprocess.run(["tarnwick"], env=self._environment(), check=True, timeout=10)
+
+    def _open_by_second_start(self):
+        self._second_start()
         return self._opens() and self._close_by_escape()
+
+    def _is_idle_after_middle_click(self):
+        self._session.click(self._item, button=2)
+        time.sleep(_SETTLED)
+        return self._until(lambda: not self._session.is_busy())
 
     def _turns_dark(self):
         self._session.set_dark()
         time.sleep(2)
-        # The bar is as new as the item now.
-        self._session.click(self._item, self._session.clicks_to_open)
+        if self._session.has_tray:
+            # The bar is as new as the item now.
+            self._session.click(self._item, self._session.clicks_to_open)
+        else:
+            self._second_start()
         if not self._opens():
             return False
         panel = self._panel()
