@@ -2,9 +2,9 @@
 // Any bytes as a process table and as the task information of each process in it: the decoded
 // values are those in the bytes, and the reader visits exactly the complete records.
 //
-// The first two bytes of an input are the size that the system reports, divided by 16. The rest is
-// the table. The first byte of a record says how many bytes of that record the system returns as
-// the task information of its process.
+// The first two bytes of an input are the size that the system reports. The rest is the table. The
+// first byte of a record says how many bytes of that record the system returns as the task
+// information of its process.
 #include <algorithm>
 #include <cstring>
 #include <span>
@@ -54,7 +54,7 @@ void checkReader(std::span<const std::byte> bytes) {
     std::uint16_t size = 0;
     std::memcpy(&size, bytes.data(), sizeof size);
     tarnwick::platform::testing::ScriptedRawProcessTable raw;
-    raw.size = std::size_t{size} * 16;
+    raw.size = size;
     raw.table = std::vector(bytes.begin() + 2, bytes.end());
     tarnwick::ProcessTableReader reader(raw);
     std::span<const std::byte> rest = bytes.subspan(2);

@@ -82,7 +82,7 @@ class Packages(Copy):
 
     def test_each_purpose_has_some_and_none_is_named_twice(self):
         named = packages()
-        self.assertEqual(set(named), {"build", "test", "desktop", "style", "package"})
+        self.assertEqual(set(named), {"build", "test", "desktop", "fuzz", "style", "package"})
         self.assertTrue(all(named.values()))
         self.assertEqual(sum(map(len, named.values())), len(set().union(*named.values())))
 
@@ -113,10 +113,10 @@ class Packages(Copy):
 
     def test_without_a_purpose_all_are_installed(self):
         self.assertEqual(self.run_script("bootstrap").returncode, 0)
-        self.expect_installed("build", "test", "desktop", "style", "package")
+        self.expect_installed("build", "test", "desktop", "fuzz", "style", "package")
 
     def test_help_installs_and_builds_nothing(self):
-        for script in ("run", "compare-cost", "package"):
+        for script in ("bootstrap", "compare-cost", "fuzz", "package", "run"):
             ended = self.run_script(script, "--help")
             self.assertEqual((ended.returncode, ended.stderr), (0, ""))
             self.assertIn("script/" + script, ended.stdout)
@@ -133,7 +133,7 @@ class Packages(Copy):
         ended = self.run_script("bootstrap", LACKS="clang-format")
         self.assertEqual(ended.returncode, 0, ended.stderr)
         self.assertIn("goes on without clang-format", ended.stdout)
-        self.expect_installed("build", "test", "desktop", "package")
+        self.expect_installed("build", "test", "desktop", "fuzz", "package")
 
     def test_a_release_without_anything_else_is_refused(self):
         ended = self.run_script("bootstrap", LACKS="cmake")
@@ -141,7 +141,7 @@ class Packages(Copy):
         self.assertIn("could not install", ended.stderr)
 
     def test_a_user_who_may_install_nothing_needs_no_formatter(self):
-        self.run_script("bootstrap", "build", "test", "desktop", "package")
+        self.run_script("bootstrap", "build", "test", "desktop", "fuzz", "package")
         # Nothing but what is asked for before sudo is.
         for name in ("bash", "env", "dirname", "basename", "grep", "awk", "sort", "comm"):
             (self.root / "bin" / name).symlink_to(shutil.which(name, path="/usr/bin:/bin"))
