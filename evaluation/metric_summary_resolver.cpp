@@ -31,12 +31,10 @@ Candidate judge(const Metric& metric, double value, ThresholdPair stored) {
     Candidate candidate;
     double crossed = pair.normal;
     std::string_view word = "normal";
-    if (value >= pair.high) {
-        candidate.severity = MetricSeverity::warning;
+    candidate.severity = severity(value, pair);
+    if (candidate.severity == MetricSeverity::warning) {
         crossed = pair.high;
         word = "high";
-    } else if (value >= pair.normal) {
-        candidate.severity = MetricSeverity::info;
     }
     const std::string valueText = percentText(value, 0);
     candidate.menuBarText = std::string(metric.shortName) + ' ' + valueText;
@@ -46,6 +44,14 @@ Candidate judge(const Metric& metric, double value, ThresholdPair stored) {
 }
 
 }  // namespace
+
+MetricSeverity severity(double value, ThresholdPair thresholds) {
+    const ThresholdPair pair = normalizedThresholds(thresholds.normal, thresholds.high);
+    if (value >= pair.high) {
+        return MetricSeverity::warning;
+    }
+    return value >= pair.normal ? MetricSeverity::info : MetricSeverity::ok;
+}
 
 std::vector<Candidate> candidates(bool includeGPU, const MetricThresholds& thresholds, double cpu,
                                   double gpu, double memory, double storage) {

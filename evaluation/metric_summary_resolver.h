@@ -32,6 +32,10 @@ struct MetricDisplaySummary {
 
 namespace MetricSummaryResolver {
 
+/// The verdict on a value in percent, which is not clamped. A value equal to a threshold reaches
+/// it; a value that is not a number reaches none. The pair is normalised first.
+MetricSeverity severity(double value, ThresholdPair thresholds);
+
 /// The metrics that reach a threshold, in the order CPU, GPU, memory, storage; the GPU only with
 /// `includeGPU`. Values are percent and are not clamped. A value equal to the threshold reaches it;
 /// a value that is not a number reaches none.

@@ -34,7 +34,8 @@ struct MatchingServices {
     /// 0 on success, else the system's error code.
     std::int32_t result = 0;
     /// The services in the order of the iterator. For each accelerator: its properties among
-    /// "PerformanceStatistics" (a dictionary of percentages), "model" and "gpu-core-count".
+    /// "PerformanceStatistics" (a dictionary of percentages), "model" and "gpu-core-count"; on
+    /// Linux also "card" and "driver" (texts), and "asleep" (0 or 1) where that is known.
     std::vector<PropertyDictionary> services{};
     /// Accelerators that should have answered, but did not in time; they are not among the
     /// services.

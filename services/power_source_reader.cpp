@@ -28,6 +28,7 @@ std::optional<BatteryInfo> readPowerSources(platform::PowerSources& sources) {
         return info;
     }
     info.percentage = battery->currentCapacity.value_or(0);
+    info.hasPercentage = battery->currentCapacity.has_value();
     info.isCharging = battery->isCharging.value_or(false);
     info.isPluggedIn = battery->powerSourceState == "AC Power";
     info.timeRemaining = minutesRemaining(*battery);

@@ -129,8 +129,10 @@ enum class BatteryHealthSource {
 
 /// The battery of the machine itself, not of a device beside it.
 struct BatteryInfo {
-    /// Charge level, percent.
+    /// Charge level, percent; 0 when unknown.
     std::int64_t percentage = 0;
+    /// False when the charge level is unknown.
+    bool hasPercentage = true;
     bool isCharging = false;
     /// External power is connected.
     bool isPluggedIn = false;

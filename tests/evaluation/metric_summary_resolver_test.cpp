@@ -38,6 +38,16 @@ TEST(MetricSummaryResolver, AValueAtTheHighThresholdIsAWarningWithoutScore) {
     EXPECT_EQ(list[0].tieBreakScore, 0);
 }
 
+TEST(MetricSummaryResolver, TheSeverityOfAValueIsThatOfItsCandidate) {
+    using MetricSummaryResolver::severity;
+    EXPECT_EQ(severity(49.99, {50, 80}), MetricSeverity::ok);
+    EXPECT_EQ(severity(50, {50, 80}), MetricSeverity::info);
+    EXPECT_EQ(severity(80, {50, 80}), MetricSeverity::warning);
+    EXPECT_EQ(severity(std::numeric_limits<double>::quiet_NaN(), {50, 80}), MetricSeverity::ok);
+    // The pair is normalised: 90 and 91.
+    EXPECT_EQ(severity(90.5, {90, 10}), MetricSeverity::info);
+}
+
 TEST(MetricSummaryResolver, TheScoreIsTheDistanceFromTheCrossedThreshold) {
     EXPECT_EQ(candidates(true, even(), 79, 0, 0, 0)[0].tieBreakScore, 29);
     EXPECT_EQ(candidates(true, even(), 95.5, 0, 0, 0)[0].tieBreakScore, 15.5);

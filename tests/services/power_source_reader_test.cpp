@@ -104,6 +104,7 @@ TEST_F(PowerSourceReader, WithoutAnythingButTheTypeIsNeutral) {
     const BatteryInfo info = readBattery({.type = "InternalBattery"});
     EXPECT_TRUE(info.hasBattery);
     EXPECT_EQ(info.percentage, 0);
+    EXPECT_FALSE(info.hasPercentage);
     EXPECT_FALSE(info.isCharging);
     EXPECT_FALSE(info.isPluggedIn);
     EXPECT_EQ(info.timeRemaining, 0);
@@ -116,6 +117,7 @@ TEST_F(PowerSourceReader, DoesNotScaleTheCapacity) {
         PowerSourceDescription description = battery();
         description.currentCapacity = capacity;
         EXPECT_EQ(readBattery(description).percentage, capacity);
+        EXPECT_TRUE(readBattery(description).hasPercentage);
     }
 }
 

@@ -25,6 +25,12 @@ bool isRunningMachine(std::string_view root) {
     return root == "/";
 }
 
+/// The name of the DRM card, such as "card0", or the place on the bus of a card without one.
+std::string nameOf(const GraphicsDevice& device) {
+    return device.card.empty() ? device.identity.slot
+                               : device.card.substr(device.card.rfind('/') + 1);
+}
+
 std::function<double()> clockOf(const std::string& root) {
     if (isRunningMachine(root)) {
         return rawMonotonicSeconds;
@@ -57,6 +63,12 @@ MatchingServices LinuxAccelerators::matchingServices() {
     MatchingServices found;
     for (Card& card : cards_) {
         if (auto properties = propertiesOf(card)) {
+            const GraphicsDevice& device = card.card->device();
+            properties->push_back({"card", nameOf(device)});
+            properties->push_back({"driver", device.identity.driver});
+            if (card.sleeps) {
+                properties->push_back({"asleep", std::int64_t{*card.sleeps}});
+            }
             found.services.push_back(*std::move(properties));
         } else {
             ++found.silent;
@@ -70,7 +82,10 @@ std::optional<PropertyDictionary> LinuxAccelerators::propertiesOf(Card& one) {
     if (!one.card->hasSource()) {
         return ask();
     }
-    const bool sleeps = one.card->maySleep() && !one.power.isAwake();
+    if (one.card->maySleep()) {
+        one.sleeps = !one.power.isAwake();
+    }
+    const bool sleeps = one.sleeps.value_or(false);
     if (!sleeps) {
         one.asleep.reset();
     } else if (one.asleep) {

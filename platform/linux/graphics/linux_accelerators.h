@@ -45,6 +45,8 @@ class LinuxAccelerators final : public Accelerators {
         std::unique_ptr<TimedSource<PropertyDictionary>> source;
         /// Read here, where no driver can hold it up.
         RuntimePower power;
+        /// Whether it slept at the last reading; absent for one that is asked all the same.
+        std::optional<bool> sleeps{};
         /// What a card tells that has been found asleep; absent while it is awake.
         std::optional<PropertyDictionary> asleep{};
     };

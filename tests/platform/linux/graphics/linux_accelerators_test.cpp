@@ -338,6 +338,38 @@ TEST(LinuxAccelerators, CardsAreInTheOrderOfTheirNumbers) {
     EXPECT_EQ(machine.read().modelName, "Card 0");
 }
 
+/// "card driver", and whether the card sleeps where that is told.
+std::string identityOf(const PropertyDictionary& service) {
+    const PropertyValue* const asleep = propertyValue(service, "asleep");
+    return std::get<std::string>(*propertyValue(service, "card")) + " " +
+           std::get<std::string>(*propertyValue(service, "driver")) +
+           (asleep ? " " + std::to_string(std::get<std::int64_t>(*asleep)) : "");
+}
+
+TEST(LinuxAccelerators, ACardIsKnownByItsNameAndItsDriver) {
+    const MachineTree tree;
+    for (const char* card : {"card0", "card10"}) {
+        const std::string device = "sys/class/drm/" + std::string(card) + "/device/";
+        tree.write(device + "uevent", "DRIVER=amdgpu\n");
+        tree.write(device + "gpu_busy_percent", "12\n");
+    }
+    tree.write("sys/class/drm/card10/device/power/runtime_status", "suspended\n");
+    tree.write("sys/class/drm/card11/device/uevent", "DRIVER=ast\n");
+    Machine machine(tree.root());
+    const auto identities = [&machine] {
+        std::vector<std::string> all;
+        for (const auto& service : machine.accelerators.matchingServices().services) {
+            all.push_back(identityOf(service));
+        }
+        return all;
+    };
+    EXPECT_THAT(identities(), ElementsAre("card0 amdgpu 0", "card10 amdgpu 1", "card11 ast"));
+    // Also while nobody asks the card that sleeps.
+    EXPECT_THAT(identities(), ElementsAre("card0 amdgpu 0", "card10 amdgpu 1", "card11 ast"));
+    tree.write("sys/class/drm/card10/device/power/runtime_status", "active\n");
+    EXPECT_THAT(identities(), ElementsAre("card0 amdgpu 0", "card10 amdgpu 0", "card11 ast"));
+}
+
 TEST(LinuxAccelerators, DriversThatTellNothingHaveNoStatistics) {
     const MachineTree tree;
     int number = 0;
