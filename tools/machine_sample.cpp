@@ -7,7 +7,7 @@
 #include <optional>
 #include <string_view>
 
-#include "evaluation/metric_summary_resolver.h"
+#include "tools/judged_metrics.h"
 
 namespace tarnwick::probe {
 namespace {
@@ -61,6 +61,14 @@ Json json(const GPUInfo& gpu) {
             {"modelName", gpu.modelName},
             {"coreCount", gpu.coreCount},
             {"isAvailable", gpu.isAvailable}};
+}
+
+Json json(const GraphicsCardSample& card) {
+    return {{"id", card.id},
+            {"modelName", card.model},
+            {"driver", card.driver},
+            {"isAsleep", orNull(card.isAsleep)},
+            {"usagePercentage", orNull(card.usagePercentage)}};
 }
 
 Json json(const MemoryInfo& memory) {
@@ -121,13 +129,7 @@ Json jsonOrNull(const std::optional<Record>& record) {
 }
 
 Json summary(const MachineSample& sample) {
-    const GPUInfo gpu = sample.gpu.value_or(GPUInfo{});
-    const bool hasVolume = sample.storage && !sample.storage->empty();
-    const double storage = hasVolume ? sample.storage->front().usagePercentage() : 0;
-    const MetricDisplaySummary summary =
-        MetricSummaryResolver::displaySummary(MetricSummaryResolver::candidates(
-            gpu.isAvailable, MetricThresholds(), sample.cpu.usagePercentage, gpu.usagePercentage,
-            sample.memory.usagePercentage(), storage));
+    const MetricDisplaySummary summary = displaySummary(sample);
     return {{"severity", static_cast<std::int32_t>(summary.severity)},
             {"menuBarText", summary.menuBarText},
             {"popoverText", summary.popoverText}};
@@ -138,6 +140,7 @@ Json summary(const MachineSample& sample) {
 std::string reportLine(const MachineSample& sample) {
     const Json report = {{"cpu", json(sample.cpu)},
                          {"gpu", jsonOrNull(sample.gpu)},
+                         {"gpus", json(sample.gpus)},
                          {"memory", json(sample.memory)},
                          {"network", json(sample.network)},
                          {"storage", jsonOrNull(sample.storage)},

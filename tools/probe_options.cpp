@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tools/probe_options.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -8,6 +9,7 @@
 #include <getopt.h>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 namespace tarnwick::probe {
 namespace {
@@ -17,18 +19,24 @@ constexpr int kLargestLimit = 100'000;
 constexpr double kLongestInterval = 86400;
 
 constexpr std::string_view kHelp =
-    "Usage: tarnwick-probe [--root DIR] [--samples N] [--interval SECONDS] [--limit N]\n"
-    "                      [--home DIR]\n"
-    "Prints what Tarnwick measures on this machine, one JSON object a line and sample.\n"
+    "Usage: tarnwick-probe [OPTION]...\n"
+    "Prints what Tarnwick measures on this machine: one JSON object a line and sample, or another\n"
+    "format.\n"
     "\n"
+    "  --format FORMAT     json, prometheus or openmetrics (json)\n"
+    "  --all               with metrics, also those that a node exporter has\n"
+    "  --thresholds FILE   settings file with the thresholds (the user's)\n"
     "  --root DIR          read the machine recorded below DIR instead of this one (/)\n"
     "  --samples N         samples to print (1)\n"
-    "  --interval SECONDS  time between two samples (2)\n"
-    "  --limit N           greatest number of rows of a process list (3)\n"
+    "  --interval SECONDS  time between two samples (2); 0 takes one reading without rates\n"
+    "  --limit N           greatest number of rows of a list (3)\n"
     "  --home DIR          measure the volume that holds DIR (the user's home)\n"
     "  --help, --version   print this text or the version, and end\n";
 
-constexpr std::array<option, 8> kOptions = {{
+constexpr std::array<option, 11> kOptions = {{
+    {"format", required_argument, nullptr, 'f'},
+    {"all", no_argument, nullptr, 'a'},
+    {"thresholds", required_argument, nullptr, 't'},
     {"root", required_argument, nullptr, 'r'},
     {"samples", required_argument, nullptr, 's'},
     {"interval", required_argument, nullptr, 'i'},
@@ -37,6 +45,12 @@ constexpr std::array<option, 8> kOptions = {{
     {"help", no_argument, nullptr, '?' + 256},
     {"version", no_argument, nullptr, 'v'},
     {nullptr, 0, nullptr, 0},
+}};
+
+constexpr std::array<std::pair<std::string_view, Format>, 3> kFormats = {{
+    {"json", Format::json},
+    {"prometheus", Format::prometheus},
+    {"openmetrics", Format::openMetrics},
 }};
 
 template <class Number>
@@ -56,6 +70,21 @@ UsageError notA(std::string_view option, std::string_view range) {
 /// Stores `value` in `options`. Absent on success.
 std::optional<UsageError> take(Options& options, int name, std::string_view value) {
     switch (name) {
+        case 'f': {
+            const auto* const format =
+                std::ranges::find(kFormats, value, &std::pair<std::string_view, Format>::first);
+            if (format == kFormats.end()) {
+                return notA("format", "json, prometheus or openmetrics");
+            }
+            options.format = format->second;
+            return std::nullopt;
+        }
+        case 'a':
+            options.all = true;
+            return std::nullopt;
+        case 't':
+            options.thresholds = value;
+            return std::nullopt;
         case 'r': {
             std::error_code error;
             if (!std::filesystem::is_directory(value, error)) {
@@ -75,8 +104,8 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
         }
         case 'i': {
             const auto number = parse<double>(value);
-            if (!number || !(*number > 0) || !(*number <= kLongestInterval)) {
-                return notA("interval", "a number of seconds above 0 and up to 86400");
+            if (!number || !(*number >= 0) || !(*number <= kLongestInterval)) {
+                return notA("interval", "a number of seconds from 0 to 86400");
             }
             options.interval = *number;
             return std::nullopt;
@@ -96,6 +125,21 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
             options.home = value;
             return std::nullopt;
     }
+}
+
+bool isMetrics(Format format) {
+    return format == Format::prometheus || format == Format::openMetrics;
+}
+
+/// Options that do not go together. Absent where all is well.
+std::optional<UsageError> conflict(const Options& options) {
+    if (options.all && !isMetrics(options.format)) {
+        return UsageError{"--all goes with --format prometheus and openmetrics"};
+    }
+    if (options.interval == 0 && options.samples != 1) {
+        return UsageError{"--interval 0 goes with one sample"};
+    }
+    return std::nullopt;
 }
 
 }  // namespace
@@ -122,13 +166,16 @@ std::variant<Options, Help, UsageError> parseOptions(int count, char* const* arg
             case 'v':
                 return Help{"tarnwick-probe " TARNWICK_VERSION "\n"};
             default:
-                if (auto error = take(options, name, optarg)) {
+                if (auto error = take(options, name, optarg ? optarg : std::string_view())) {
                     return *error;
                 }
         }
     }
     if (optind < count) {
         return UsageError{"what is " + std::string(arguments[optind]) + " for?"};
+    }
+    if (auto error = conflict(options)) {
+        return *error;
     }
     return options;
 }

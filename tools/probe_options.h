@@ -8,12 +8,26 @@
 
 namespace tarnwick::probe {
 
+enum class Format {
+    /// One JSON object a line.
+    json,
+    prometheus,
+    openMetrics,
+};
+
 struct Options {
+    Format format = Format::json;
+    /// Also the metrics that a node exporter has.
+    bool all = false;
+    /// Settings file with the thresholds; absent: the user's own, if there is one.
+    std::optional<std::string> thresholds;
+
     /// Root of the tree that is read.
     std::string root = "/";
     /// Lines to print, 1 to 1,000,000.
     int samples = 1;
-    /// Seconds between two readings, above 0 and up to 86,400.
+    /// Seconds between two readings, up to 86,400. 0 takes a single reading, which has no shares
+    /// and no rates; then there is one sample.
     double interval = 2;
     /// Greatest number of rows of a process list, 0 to 100,000.
     int limit = 3;

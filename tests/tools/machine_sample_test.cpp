@@ -24,6 +24,8 @@ MachineSample busyLaptop() {
                          .modelName = "Card",
                          .coreCount = 8,
                          .isAvailable = true};
+    sample.gpus = {{.id = "card0", .model = "Card", .driver = "i915", .usagePercentage = 37},
+                   {.id = "card1", .driver = "amdgpu", .isAsleep = true}};
     sample.memory = {.total = 100,
                      .used = 85,
                      .free = 5,
@@ -69,6 +71,10 @@ TEST(ReportLine, NamesEveryFieldOfEveryRecord) {
         "gpu": {"usagePercentage": 37.0, "rendererUtilizationPercentage": 36.0,
                 "tilerUtilizationPercentage": 35.0, "modelName": "Card", "coreCount": 8,
                 "isAvailable": true},
+        "gpus": [{"id": "card0", "modelName": "Card", "driver": "i915", "isAsleep": null,
+                  "usagePercentage": 37.0},
+                 {"id": "card1", "modelName": "", "driver": "amdgpu", "isAsleep": true,
+                  "usagePercentage": null}],
         "memory": {"total": 100, "used": 85, "free": 5, "app": 60, "wired": 20, "compressed": 5,
                    "cached": 10, "swapUsed": 1, "swapTotal": 2},
         "network": {"downloadBytesPerSecond": 1.5, "uploadBytesPerSecond": 2.5,
@@ -150,6 +156,8 @@ TEST(ReportLine, JudgesEveryMetric) {
     sample.gpu->isAvailable = true;
     EXPECT_EQ(json::parse(reportLine(sample))["summary"]["menuBarText"], "GPU 99%");
     EXPECT_EQ(json::parse(reportLine(sample))["summary"]["severity"], 2);
+    sample.thresholds.gpuNormal = 99.5;
+    EXPECT_EQ(json::parse(reportLine(sample))["summary"]["menuBarText"], "RAM 85%");
 }
 
 }  // namespace

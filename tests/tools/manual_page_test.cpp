@@ -39,7 +39,8 @@ void collectNames(const json& value, std::set<std::string>& names) {
 TEST(ManualPage, DescribesEveryOption) {
     const std::string page = manualPage();
     for (const char* option :
-         {".BI --root \" DIR\"\n", ".BI --samples \" N\"\n", ".BI --interval \" SECONDS\"\n",
+         {".BI --format \" FORMAT\"\n", ".B --all\n", ".BI --thresholds \" FILE\"\n",
+          ".BI --root \" DIR\"\n", ".BI --samples \" N\"\n", ".BI --interval \" SECONDS\"\n",
           ".BI --limit \" N\"\n", ".BI --home \" DIR\"\n", ".B --help\n", ".B --version\n"}) {
         EXPECT_NE(page.find(option), std::string::npos) << option;
     }
@@ -48,6 +49,7 @@ TEST(ManualPage, DescribesEveryOption) {
 TEST(ManualPage, NamesEveryMember) {
     MachineSample sample;
     sample.storage->resize(1);
+    sample.gpus.resize(1);
     sample.topCPUProcesses.resize(1);
     std::set<std::string> names;
     collectNames(json::parse(reportLine(sample)), names);

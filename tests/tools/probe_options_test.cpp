@@ -34,6 +34,9 @@ std::string complaint(const std::vector<std::string>& words) {
 
 TEST(ProbeOptions, HaveDefaults) {
     const Options options = accepted({});
+    EXPECT_EQ(options.format, Format::json);
+    EXPECT_FALSE(options.all);
+    EXPECT_EQ(options.thresholds, std::nullopt);
     EXPECT_EQ(options.root, "/");
     EXPECT_EQ(options.samples, 1);
     EXPECT_EQ(options.interval, 2);
@@ -49,6 +52,27 @@ TEST(ProbeOptions, AreTakenInEitherForm) {
     EXPECT_EQ(options.interval, 0.25);
     EXPECT_EQ(options.limit, 0);
     EXPECT_EQ(options.home, "/srv/home");
+}
+
+TEST(ProbeOptions, ChooseTheFormat) {
+    EXPECT_EQ(accepted({"--format=json"}).format, Format::json);
+    const Options options =
+        accepted({"--all", "--format", "prometheus", "--thresholds=/etc/limits.json"});
+    EXPECT_EQ(options.format, Format::prometheus);
+    EXPECT_TRUE(options.all);
+    EXPECT_EQ(options.thresholds, "/etc/limits.json");
+    EXPECT_EQ(accepted({"--format=openmetrics", "--all"}).format, Format::openMetrics);
+    for (const char* format : {"xml", "", "JSON", "prometheus "}) {
+        EXPECT_EQ(complaint({"--format", format}),
+                  "--format takes json, prometheus or openmetrics");
+    }
+    EXPECT_EQ(complaint({"--all"}), "--all goes with --format prometheus and openmetrics");
+}
+
+TEST(ProbeOptions, TakeASingleReading) {
+    EXPECT_EQ(accepted({"--interval", "0"}).interval, 0);
+    EXPECT_EQ(complaint({"--interval", "0", "--samples", "2"}),
+              "--interval 0 goes with one sample");
 }
 
 TEST(ProbeOptions, RefuseUnknownWords) {
@@ -67,9 +91,9 @@ TEST(ProbeOptions, RefuseNumbersOutOfRange) {
         EXPECT_EQ(complaint({"--samples", samples}), "--samples takes a number from 1 to 1000000")
             << samples;
     }
-    for (const char* interval : {"0", "-1", "86401", "nan", "inf", "1s", ""}) {
+    for (const char* interval : {"-0.1", "-1", "86401", "nan", "inf", "1s", ""}) {
         EXPECT_EQ(complaint({"--interval", interval}),
-                  "--interval takes a number of seconds above 0 and up to 86400")
+                  "--interval takes a number of seconds from 0 to 86400")
             << interval;
     }
     for (const char* limit : {"-1", "100001", "three", ""}) {
@@ -97,7 +121,8 @@ TEST(ProbeOptions, RefuseARelativeHome) {
 TEST(ProbeOptions, TellOfThemselves) {
     const auto help = parsed({"--help"});
     ASSERT_TRUE(std::holds_alternative<Help>(help));
-    for (const char* option : {"--root", "--samples", "--interval", "--limit", "--home"}) {
+    for (const char* option : {"--format", "--all", "--thresholds", "--root", "--samples",
+                               "--interval", "--limit", "--home"}) {
         EXPECT_NE(std::get<Help>(help).text.find(option), std::string::npos) << option;
     }
     const auto version = parsed({"--version"});

@@ -31,8 +31,11 @@ struct Outcome {
 /// A command for the shell, in no particular language.
 Outcome runShell(const std::string& command) {
     Outcome result;
-    std::FILE* pipe =
-        ::popen(("LC_ALL=C LANGUAGE= XDG_DATA_HOME= XDG_DATA_DIRS= " + command).c_str(), "re");
+    std::FILE* pipe = ::popen(("LC_ALL=C LANGUAGE= XDG_DATA_HOME= XDG_DATA_DIRS= "
+                               "XDG_CONFIG_HOME=/no/such/folder " +
+                               command)
+                                  .c_str(),
+                              "re");
     if (pipe == nullptr) {
         ADD_FAILURE() << "no child process";
         return result;
@@ -417,6 +420,92 @@ TEST(Probe, FindsNothingInAnEmptyFolder) {
     EXPECT_EQ(sample["topMemoryProcesses"], json::array());
     EXPECT_EQ(sample["system"]["uptime"], 0);
     EXPECT_TRUE(sample["thermalState"].is_null());
+}
+
+TEST(Probe, TakesOneReadingWithoutRates) {
+    const json sample = lines(run("--interval 0 --home /").output).at(0);
+    EXPECT_TRUE(sample["cpu"]["usagePercentage"].is_null());
+    EXPECT_GE(sample["cpu"]["coreCount"], 1);
+    EXPECT_EQ(sample["cpu"]["coreUsages"], json::array());
+    EXPECT_EQ(sample["network"]["hasSample"], false);
+    EXPECT_EQ(sample["topCPUProcesses"], json::array());
+    EXPECT_TRUE(sample["topMemoryProcesses"][0]["cpuUsage"].is_null());
+    EXPECT_GT(sample["storage"][0]["totalSpace"], 0);
+}
+
+TEST(Probe, TellsOfEveryGraphicsCard) {
+    const json sample =
+        lines(run("--interval 0.01 --root " + recordedMachine("laptop")).output).at(0);
+    EXPECT_EQ(sample["gpus"], json::parse(R"([
+        {"id": "card0", "modelName": "", "driver": "nvidia", "isAsleep": true,
+         "usagePercentage": null},
+        {"id": "card1", "modelName": "", "driver": "i915", "isAsleep": false,
+         "usagePercentage": null}])"));
+}
+
+TEST(Probe, PrintsMetrics) {
+    const Outcome prometheus =
+        run("--interval 0.01 --format prometheus --limit 1 --root " + recordedMachine("handheld"));
+    EXPECT_EQ(prometheus.status, 0);
+    for (const char* line :
+         {"tarnwick_severity{metric=\"gpu\"} 0\n",
+          "tarnwick_gpu_info{gpu=\"card0\",model=\"AMD Custom GPU 0405\",driver=\"amdgpu\"} 1\n",
+          "tarnwick_battery_charge_ratio{battery=\"system\"} 0.8\n",
+          "tarnwick_application_memory_bytes{application=\"dungeon\"} 5368709120\n"}) {
+        EXPECT_NE(prometheus.output.find(line), std::string::npos) << line;
+    }
+    EXPECT_EQ(prometheus.output.find("tarnwick_cpu"), std::string::npos);
+    const Outcome openMetrics =
+        run("--interval 0.01 --format openmetrics --all --root " + recordedMachine("handheld"));
+    EXPECT_EQ(openMetrics.status, 0);
+    EXPECT_TRUE(
+        openMetrics.output.ends_with("tarnwick_uptime_seconds 8190.4400000572205\n# EOF\n"));
+}
+
+TEST(Probe, PutsTheProcessesOfAnApplicationTogether) {
+    const MachineTree tree("handheld");
+    // The game a second time, with 4096 pages.
+    tree.write(
+        "proc/1503/stat",
+        "1503 (dungeon) S 1 1503 1503 0 -1 0 0 0 0 0 0 0 0 0 20 0 1 0 90000 90000000 4096 0 0 0 0 "
+        "0 0 0 0 0 0 0 0 0 17 0 0 0 0 0 0 0 0 0 0 0 0 0 0\n");
+    tree.write("proc/1503/cgroup", platform::testing::recordedFile("handheld", "proc/1502/cgroup"));
+    tree.link("proc/1503/exe", "/home/deck/games/dungeon.app/bin/dungeon");
+    const std::string text =
+        run("--interval 0.01 --format prometheus --limit 1 --root " + tree.root()).output;
+    const std::size_t pages = 4096 * static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    EXPECT_NE(text.find("tarnwick_application_memory_bytes{application=\"dungeon\"} " +
+                        std::to_string(5368709120 + pages) + "\n"),
+              std::string::npos)
+        << text;
+}
+
+TEST(Probe, JudgesByTheThresholdsOfTheUser) {
+    const MachineTree home;
+    home.write("tarnwick/settings.json",
+               R"({"settings.memoryModerateThreshold": 1, "settings.memoryHighThreshold": 2})");
+    const std::string mine = "XDG_CONFIG_HOME=" + home.root() + " " PROBE " --interval 0 ";
+    const std::string high = "tarnwick_threshold_ratio{metric=\"memory\",level=\"high\"} 0.02\n";
+    const auto says = [](const std::string& command, const std::string& line) {
+        return runShell(command + " 2>&1").output.find(line) != std::string::npos;
+    };
+    EXPECT_TRUE(says(mine + "--format prometheus", high));
+    // More than 2 % of any machine's memory are in use.
+    EXPECT_EQ(lines(runShell(mine).output).at(0)["summary"]["severity"], 2);
+    EXPECT_FALSE(says(mine + "--format prometheus --root " + recordedMachine("laptop"), high));
+    const std::string named = " --thresholds " + home.root() + "/tarnwick/settings.json";
+    EXPECT_TRUE(
+        says(PROBE " --interval 0 --format prometheus --root " + recordedMachine("laptop") + named,
+             high));
+    home.write("tarnwick/settings.json", "damaged");
+    const Outcome damaged = runShell(mine + "2>&1 >/dev/null");
+    EXPECT_EQ(damaged.status, 0);
+    EXPECT_EQ(damaged.output, "tarnwick-probe: the default thresholds count, not those of " +
+                                  home.root() + "/tarnwick/settings.json: it holds no settings\n");
+    const Outcome wrong = run("--interval 0" + named);
+    EXPECT_EQ(wrong.status, 2);
+    EXPECT_EQ(wrong.output, "tarnwick-probe: no thresholds in " + home.root() +
+                                "/tarnwick/settings.json: it holds no settings\n");
 }
 
 TEST(Probe, EndsWithOneLineAndStatusTwoForAWrongOption) {

@@ -11,11 +11,18 @@ _tarnwick_probe() {
                 COMPREPLY+=("$word")
             done < <(compgen -A directory -- "$current")
             ;;
+        --format) COMPREPLY=($(compgen -W "json prometheus openmetrics" -- "$current")) ;;
+        --thresholds)
+            compopt -o filenames
+            while IFS= read -r word; do
+                COMPREPLY+=("$word")
+            done < <(compgen -A file -- "$current")
+            ;;
         --samples | --interval | --limit) ;;
         *)
             while IFS= read -r word; do
                 COMPREPLY+=("$word")
-            done < <(compgen -W "--root --samples --interval --limit --home --help --version" -- "$current")
+            done < <(compgen -W "--format --all --thresholds --root --samples --interval --limit --home --help --version" -- "$current")
             ;;
     esac
 }
