@@ -93,9 +93,9 @@ void addBattery(Exposition& text, const std::optional<BatteryInfo>& battery) {
     // All packs of the machine count as one.
     const Exposition::Label all{"battery", "system"};
     text.gauge("tarnwick_battery_charge_ratio", "ratio", "Charge of the battery.");
-    text.sample(battery->hasPercentage ? static_cast<double>(battery->percentage) / kPercent
-                                       : kUnknown,
-                {all});
+    text.sample(
+        battery->hasPercentage ? static_cast<double>(battery->percentage) / kPercent : kUnknown,
+        {all});
     text.gauge("tarnwick_battery_health_ratio", "ratio",
                "Full capacity of the battery, of its design.");
     text.sample(number(battery->health) / kPercent, {all});
@@ -169,7 +169,7 @@ void addProcessors(Exposition& text, const CPUInfo& cpu) {
 
 void addStorage(Exposition& text, const std::optional<std::vector<StorageInfo>>& volumes) {
     const auto family = [&](std::string_view name, std::string_view help,
-                            std::int64_t StorageInfo::* bytes) {
+                            std::int64_t StorageInfo::*bytes) {
         text.gauge(name, "bytes", help);
         for (const StorageInfo& volume : volumes.value_or(std::vector<StorageInfo>{})) {
             text.sample(volume.totalSpace > 0 ? static_cast<double>(volume.*bytes) : kUnknown,

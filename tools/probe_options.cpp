@@ -27,16 +27,18 @@ constexpr std::string_view kHelp =
     "  --all               with metrics, also those that a node exporter has\n"
     "  --thresholds FILE   settings file with the thresholds (the user's)\n"
     "  --root DIR          read the machine recorded below DIR instead of this one (/)\n"
-    "  --samples N         samples to print (1)\n"
+    "  --output FILE       replace FILE with each sample instead of printing it\n"
+    "  --samples N         samples to print (1); 0 goes on until the reader has gone\n"
     "  --interval SECONDS  time between two samples (2); 0 takes one reading without rates\n"
     "  --limit N           greatest number of rows of a list (3)\n"
     "  --home DIR          measure the volume that holds DIR (the user's home)\n"
     "  --help, --version   print this text or the version, and end\n";
 
-constexpr std::array<option, 11> kOptions = {{
+constexpr std::array<option, 12> kOptions = {{
     {"format", required_argument, nullptr, 'f'},
     {"all", no_argument, nullptr, 'a'},
     {"thresholds", required_argument, nullptr, 't'},
+    {"output", required_argument, nullptr, 'o'},
     {"root", required_argument, nullptr, 'r'},
     {"samples", required_argument, nullptr, 's'},
     {"interval", required_argument, nullptr, 'i'},
@@ -85,6 +87,9 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
         case 't':
             options.thresholds = value;
             return std::nullopt;
+        case 'o':
+            options.output = value;
+            return std::nullopt;
         case 'r': {
             std::error_code error;
             if (!std::filesystem::is_directory(value, error)) {
@@ -96,8 +101,8 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
         }
         case 's': {
             const auto number = parse<int>(value);
-            if (!number || *number < 1 || *number > kMostSamples) {
-                return notA("samples", "a number from 1 to 1000000");
+            if (!number || *number < 0 || *number > kMostSamples) {
+                return notA("samples", "a number from 0 to 1000000");
             }
             options.samples = *number;
             return std::nullopt;
@@ -135,6 +140,9 @@ bool isMetrics(Format format) {
 std::optional<UsageError> conflict(const Options& options) {
     if (options.all && !isMetrics(options.format)) {
         return UsageError{"--all goes with --format prometheus and openmetrics"};
+    }
+    if (options.output && options.output->empty()) {
+        return notA("output", "the name of a file");
     }
     if (options.interval == 0 && options.samples != 1) {
         return UsageError{"--interval 0 goes with one sample"};

@@ -24,7 +24,9 @@ struct Options {
 
     /// Root of the tree that is read.
     std::string root = "/";
-    /// Lines to print, 1 to 1,000,000.
+    /// File that each sample replaces; absent: standard output.
+    std::optional<std::string> output;
+    /// Samples to take, up to 1,000,000; 0 goes on until the reader has gone.
     int samples = 1;
     /// Seconds between two readings, up to 86,400. 0 takes a single reading, which has no shares
     /// and no rates; then there is one sample.

@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-// tarnwick-probe: what the program measures, as lines of JSON for terminals, scripts and bug
+// tarnwick-probe: what the program measures, as text for terminals, scripts, servers and bug
 // reports. Ends with 0, with 1 when its output cannot be written, with 2 for a wrong command line.
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
 #include <string>
-#include <thread>
 #include <variant>
 
 #include "platform/linux/settings/settings_file.h"
@@ -16,6 +16,7 @@
 #include "tools/pace.h"
 #include "tools/probe_options.h"
 #include "tools/probed_machine.h"
+#include "tools/sample_output.h"
 #include "tools/threshold_file.h"
 
 namespace {
@@ -30,15 +31,6 @@ using Seconds = std::chrono::duration<double>;
 
 double now() {
     return Seconds(Clock::now().time_since_epoch()).count();
-}
-
-void waitUntil(double moment) {
-    std::this_thread::sleep_until(
-        Clock::time_point(std::chrono::duration_cast<Clock::duration>(Seconds(moment))));
-}
-
-bool print(const std::string& text) {
-    return std::fputs(text.c_str(), stdout) >= 0 && std::fflush(stdout) == 0;
 }
 
 /// Prints the message in one line: control characters in it become "?".
@@ -64,24 +56,32 @@ std::string report(const MachineSample& sample, const Options& options) {
     return reportLine(sample) + '\n';
 }
 
-/// False if the output cannot be written.
-bool printSamples(ProbedMachine& machine, const Options& options,
-                  const MetricThresholds& thresholds) {
+/// The status to end with.
+int finish(SampleOutput::Outcome outcome, const SampleOutput& output) {
+    return outcome == SampleOutput::Outcome::failed ? complain(output.trouble(), EXIT_FAILURE)
+                                                    : EXIT_SUCCESS;
+}
+
+int putSamples(ProbedMachine& machine, const Options& options, const MetricThresholds& thresholds) {
+    SampleOutput output(options.output);
+    auto outcome = SampleOutput::Outcome::written;
     Pace pace(options.interval, now());
     if (options.interval > 0) {
         // This reading only starts the counters that rates are computed from.
         machine.read();
     }
-    for (int i = 0; i < options.samples; ++i) {
-        waitUntil(pace.next());
+    for (int done = 0; outcome == SampleOutput::Outcome::written &&
+                       (options.samples == 0 || done < options.samples);
+         done = options.samples == 0 ? 0 : done + 1) {
+        if (!output.waitUntil(pace.next())) {
+            return EXIT_SUCCESS;
+        }
         pace.begin(now());
         MachineSample sample = machine.read();
         sample.thresholds = thresholds;
-        if (!print(report(sample, options))) {
-            return false;
-        }
+        outcome = output.put(report(sample, options));
     }
-    return true;
+    return finish(outcome, output);
 }
 
 /// Empty where there is none, and for a recorded machine, which has no user.
@@ -114,24 +114,23 @@ std::optional<MetricThresholds> thresholdsFor(ProbedMachine& machine, const Opti
 int probe(const Options& options) {
     static auto& machine = *new ProbedMachine(options);
     const auto thresholds = thresholdsFor(machine, options);
-    const bool isPrinted = thresholds && printSamples(machine, options, *thresholds);
+    const int status = thresholds ? putSamples(machine, options, *thresholds) : kUsageStatus;
     machine.end();
-    if (!thresholds) {
-        return kUsageStatus;
-    }
-    return isPrinted ? EXIT_SUCCESS : complain("the output cannot be written", EXIT_FAILURE);
+    return status;
 }
 
 }  // namespace
 
 int main(int argc, char* argv[]) {
+    // A pipe that is closed is an answer of the output, not the end.
+    std::signal(SIGPIPE, SIG_IGN);
     const auto parsed = parseOptions(argc, argv);
     if (const auto* error = std::get_if<UsageError>(&parsed)) {
         return complain(error->message, kUsageStatus);
     }
     if (const auto* help = std::get_if<Help>(&parsed)) {
-        return print(help->text) ? EXIT_SUCCESS
-                                 : complain("the output cannot be written", EXIT_FAILURE);
+        SampleOutput output;
+        return finish(output.put(help->text), output);
     }
     return probe(std::get<Options>(parsed));
 }

@@ -70,11 +70,11 @@ MachineSample hotLaptop() {
 
 TEST(MetricsReport, JudgesEveryMetricByTheThresholdsOfTheSample) {
     MachineSample sample = hotLaptop();
-    EXPECT_THAT(samples(sample, "tarnwick_severity{"),
-                ElementsAre("tarnwick_severity{metric=\"cpu\"} 2",
-                            "tarnwick_severity{metric=\"gpu\"} 2",
-                            "tarnwick_severity{metric=\"memory\"} 0",
-                            "tarnwick_severity{metric=\"storage\"} 1"));
+    EXPECT_THAT(
+        samples(sample, "tarnwick_severity{"),
+        ElementsAre("tarnwick_severity{metric=\"cpu\"} 2", "tarnwick_severity{metric=\"gpu\"} 2",
+                    "tarnwick_severity{metric=\"memory\"} 0",
+                    "tarnwick_severity{metric=\"storage\"} 1"));
     sample.thresholds = {.cpuNormal = 93,
                          .cpuHigh = 96,
                          .gpuNormal = 95,
@@ -83,11 +83,11 @@ TEST(MetricsReport, JudgesEveryMetricByTheThresholdsOfTheSample) {
                          .memoryHigh = 50,
                          .storageNormal = 81,
                          .storageHigh = 82};
-    EXPECT_THAT(samples(sample, "tarnwick_severity{"),
-                ElementsAre("tarnwick_severity{metric=\"cpu\"} 0",
-                            "tarnwick_severity{metric=\"gpu\"} 1",
-                            "tarnwick_severity{metric=\"memory\"} 2",
-                            "tarnwick_severity{metric=\"storage\"} 0"));
+    EXPECT_THAT(
+        samples(sample, "tarnwick_severity{"),
+        ElementsAre("tarnwick_severity{metric=\"cpu\"} 0", "tarnwick_severity{metric=\"gpu\"} 1",
+                    "tarnwick_severity{metric=\"memory\"} 2",
+                    "tarnwick_severity{metric=\"storage\"} 0"));
     EXPECT_THAT(samples(sample, "tarnwick_threshold_ratio{metric=\"memory\""),
                 ElementsAre("tarnwick_threshold_ratio{metric=\"memory\",level=\"normal\"} 0.4",
                             "tarnwick_threshold_ratio{metric=\"memory\",level=\"high\"} 0.5"));
@@ -101,8 +101,9 @@ TEST(MetricsReport, HasWhatANodeExporterLacks) {
                             "tarnwick_gpu_info{gpu=\"card0\",model=\"\",driver=\"i915\"} 1",
                             "tarnwick_gpu_info{gpu=\"card1\",model=\"Big \\\"One\\\"\","
                             "driver=\"amdgpu\"} 1"));
-    EXPECT_THAT(samples(sample, "tarnwick_memory"),
-                ElementsAre("tarnwick_memory_used_ratio 0.5", "tarnwick_memory_compressed_bytes 30"));
+    EXPECT_THAT(
+        samples(sample, "tarnwick_memory"),
+        ElementsAre("tarnwick_memory_used_ratio 0.5", "tarnwick_memory_compressed_bytes 30"));
     EXPECT_THAT(
         samples(sample, "tarnwick_battery"),
         ElementsAre("tarnwick_battery_charge_ratio{battery=\"system\"} 0.81",
@@ -139,17 +140,16 @@ TEST(MetricsReport, HasAllForMachinesWithoutANodeExporter) {
                             "tarnwick_cpu_mode_ratio{mode=\"idle\"} 0.075",
                             "tarnwick_cpu_core_used_ratio{cpu=\"0\"} 1",
                             "tarnwick_cpu_core_used_ratio{cpu=\"1\"} 0.85"));
-    EXPECT_THAT(samples(sample, "tarnwick_", {.all = true}),
-                IsSupersetOf({"tarnwick_memory_size_bytes 1000", "tarnwick_memory_used_bytes 500",
-                              "tarnwick_swap_used_bytes 0",
-                              "tarnwick_storage_size_bytes{volume=\"home\"} 1000",
-                              "tarnwick_storage_used_bytes{volume=\"home\"} 800",
-                              "tarnwick_storage_available_bytes{volume=\"home\"} 200",
-                              "tarnwick_network_receive_bytes_per_second 1.5",
-                              "tarnwick_network_transmit_bytes_per_second 2.5",
-                              "tarnwick_network_received_bytes 10",
-                              "tarnwick_network_transmitted_bytes 20",
-                              "tarnwick_uptime_seconds 61.25"}));
+    EXPECT_THAT(
+        samples(sample, "tarnwick_", {.all = true}),
+        IsSupersetOf(
+            {"tarnwick_memory_size_bytes 1000", "tarnwick_memory_used_bytes 500",
+             "tarnwick_swap_used_bytes 0", "tarnwick_storage_size_bytes{volume=\"home\"} 1000",
+             "tarnwick_storage_used_bytes{volume=\"home\"} 800",
+             "tarnwick_storage_available_bytes{volume=\"home\"} 200",
+             "tarnwick_network_receive_bytes_per_second 1.5",
+             "tarnwick_network_transmit_bytes_per_second 2.5", "tarnwick_network_received_bytes 10",
+             "tarnwick_network_transmitted_bytes 20", "tarnwick_uptime_seconds 61.25"}));
 }
 
 TEST(MetricsReport, LeavesOutWhatIsUnknown) {
@@ -192,7 +192,8 @@ TEST(MetricsReport, LeavesOutSharesThatOneReadingDoesNotHave) {
     for (ApplicationSample& one : sample.applications) {
         one.cpuUsage = kUnknown;
     }
-    EXPECT_THAT(samples(sample, "tarnwick_cpu", {.all = true}), ElementsAre("tarnwick_cpu_cores 2"));
+    EXPECT_THAT(samples(sample, "tarnwick_cpu", {.all = true}),
+                ElementsAre("tarnwick_cpu_cores 2"));
     EXPECT_THAT(samples(sample, "tarnwick_severity{metric=\"cpu\""), ElementsAre());
     EXPECT_THAT(samples(sample, "tarnwick_application_cpu"), ElementsAre());
     EXPECT_EQ(samples(sample, "tarnwick_application_memory").size(), 3U);

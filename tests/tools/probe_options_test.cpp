@@ -69,6 +69,13 @@ TEST(ProbeOptions, ChooseTheFormat) {
     EXPECT_EQ(complaint({"--all"}), "--all goes with --format prometheus and openmetrics");
 }
 
+TEST(ProbeOptions, NameAFile) {
+    EXPECT_EQ(accepted({}).output, std::nullopt);
+    EXPECT_EQ(accepted({"--output", "a.prom"}).output, "a.prom");
+    EXPECT_EQ(complaint({"--output="}), "--output takes the name of a file");
+    EXPECT_EQ(accepted({"--samples=0"}).samples, 0);
+}
+
 TEST(ProbeOptions, TakeASingleReading) {
     EXPECT_EQ(accepted({"--interval", "0"}).interval, 0);
     EXPECT_EQ(complaint({"--interval", "0", "--samples", "2"}),
@@ -87,8 +94,8 @@ TEST(ProbeOptions, RefuseAMissingValue) {
 }
 
 TEST(ProbeOptions, RefuseNumbersOutOfRange) {
-    for (const char* samples : {"0", "-1", "1000001", "99999999999", "1.5", "3x", "x", ""}) {
-        EXPECT_EQ(complaint({"--samples", samples}), "--samples takes a number from 1 to 1000000")
+    for (const char* samples : {"-1", "1000001", "99999999999", "1.5", "3x", "x", ""}) {
+        EXPECT_EQ(complaint({"--samples", samples}), "--samples takes a number from 0 to 1000000")
             << samples;
     }
     for (const char* interval : {"-0.1", "-1", "86401", "nan", "inf", "1s", ""}) {
@@ -121,8 +128,8 @@ TEST(ProbeOptions, RefuseARelativeHome) {
 TEST(ProbeOptions, TellOfThemselves) {
     const auto help = parsed({"--help"});
     ASSERT_TRUE(std::holds_alternative<Help>(help));
-    for (const char* option : {"--format", "--all", "--thresholds", "--root", "--samples",
-                               "--interval", "--limit", "--home"}) {
+    for (const char* option : {"--format", "--all", "--thresholds", "--output", "--root",
+                               "--samples", "--interval", "--limit", "--home"}) {
         EXPECT_NE(std::get<Help>(help).text.find(option), std::string::npos) << option;
     }
     const auto version = parsed({"--version"});

@@ -1,8 +1,10 @@
 // SPDX-License-Identifier: MIT
 // Runs the program itself.
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
+#include <filesystem>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -13,6 +15,7 @@
 #include <unistd.h>
 #include <vector>
 
+#include "platform/linux/files/kept_file.h"
 #include "tests/platform/linux/machine_tree.h"
 
 namespace tarnwick::probe {
@@ -31,8 +34,8 @@ struct Outcome {
 /// A command for the shell, in no particular language.
 Outcome runShell(const std::string& command) {
     Outcome result;
-    std::FILE* pipe = ::popen(("LC_ALL=C LANGUAGE= XDG_DATA_HOME= XDG_DATA_DIRS= "
-                               "XDG_CONFIG_HOME=/no/such/folder " +
+    std::FILE* pipe = ::popen(("export LC_ALL=C LANGUAGE= XDG_DATA_HOME= XDG_DATA_DIRS= "
+                               "XDG_CONFIG_HOME=/no/such/folder; " +
                                command)
                                   .c_str(),
                               "re");
@@ -511,7 +514,7 @@ TEST(Probe, JudgesByTheThresholdsOfTheUser) {
 TEST(Probe, EndsWithOneLineAndStatusTwoForAWrongOption) {
     const Outcome result = run("--samples none");
     EXPECT_EQ(result.status, 2);
-    EXPECT_EQ(result.output, "tarnwick-probe: --samples takes a number from 1 to 1000000\n");
+    EXPECT_EQ(result.output, "tarnwick-probe: --samples takes a number from 0 to 1000000\n");
 }
 
 TEST(Probe, EndsWithOneLineAndStatusTwoWithoutItsRoot) {
@@ -530,6 +533,91 @@ TEST(Probe, EndsWithStatusOneWhenNobodyTakesItsOutput) {
     const Outcome result = run("--interval 0.01", "2>&1 >/dev/full");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(result.output, "tarnwick-probe: the output cannot be written\n");
+}
+
+TEST(Probe, EndsQuietlyWhenItsReaderHasGone) {
+    // The status goes beside the pipe.
+    const MachineTree folder;
+    const std::string status = folder.root() + "/status";
+    const auto readOneLine = [&status](const std::string& arguments) {
+        const Outcome result = runShell("{ timeout 60 " PROBE " " + arguments + " 2>&1; echo $? >" +
+                                        status + "; } | head -n 1; cat " + status);
+        const std::size_t end = result.output.find('\n');
+        return end == std::string::npos ? result.output : result.output.substr(end + 1);
+    };
+    EXPECT_EQ(readOneLine("--samples 0 --interval 0.01 --root " + recordedMachine("laptop")),
+              "0\n");
+    EXPECT_EQ(readOneLine("--help"), "0\n");
+    // It does not wait for the next sample to notice.
+    EXPECT_EQ(runShell("{ timeout 60 " PROBE " --interval 86400 2>&1; echo $? >" + status +
+                       "; } | true; cat " + status)
+                  .output,
+              "0\n");
+}
+
+/// All that is in a folder, hidden files, too.
+std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+        names.push_back(entry.path().filename());
+    }
+    std::ranges::sort(names);
+    return names;
+}
+
+std::string contentOf(const std::string& file) {
+    return platform::readWholeFile(file).value_or("");
+}
+
+TEST(Probe, ReplacesItsOutputFile) {
+    const MachineTree folder;
+    const std::string file = folder.root() + "/tarnwick.prom";
+    const std::string command = "--interval 0.01 --samples 2 --format prometheus --root " +
+                                recordedMachine("laptop") + " --output ";
+    Outcome result = runShell("umask 022; " PROBE " " + command + file + " 2>&1");
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output, "");
+    const std::string text = contentOf(file);
+    EXPECT_TRUE(text.starts_with("# HELP tarnwick_probe_info")) << text;
+    EXPECT_EQ(text.find("# HELP tarnwick_probe_info", 1), std::string::npos) << "one sample only";
+    // Readable by the user of a node exporter.
+    EXPECT_EQ(std::filesystem::status(file).permissions(), std::filesystem::perms(0644));
+    folder.write("tarnwick.prom", "old");
+    folder.makeFolder("other");
+    folder.link("other/link", "../tarnwick.prom");
+    result = run(command + folder.root() + "/other/link");
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_EQ(contentOf(file), text);
+    EXPECT_TRUE(std::filesystem::is_symlink(folder.root() + "/other/link"));
+    EXPECT_EQ(namesIn(folder.root()), (std::vector<std::string>{"other", "tarnwick.prom"}));
+}
+
+TEST(Probe, LeavesTheOldFileWhereItCannotWrite) {
+    const MachineTree folder;
+    folder.write("old.prom", "old");
+    const std::string file = folder.root() + "/old.prom";
+    const std::string command = PROBE " --interval 0 --format prometheus --output ";
+    // As if the disk were full after the first kilobyte.
+    const Outcome full = runShell("trap '' XFSZ; ulimit -f 1; " + command + file + " 2>&1");
+    EXPECT_EQ(full.status, 1);
+    EXPECT_EQ(full.output, "tarnwick-probe: " + file + " cannot be written: File too large\n");
+    EXPECT_EQ(contentOf(file), "old");
+    EXPECT_EQ(namesIn(folder.root()), std::vector<std::string>{"old.prom"});
+    const auto complaint = [&command](const std::string& name) {
+        const Outcome result = runShell(command + name + " 2>&1");
+        EXPECT_EQ(result.status, 1) << result.output;
+        const std::string head = "tarnwick-probe: " + name + " cannot be written: ";
+        EXPECT_TRUE(result.output.starts_with(head)) << result.output;
+        return result.output.substr(std::min(head.size(), result.output.size()));
+    };
+    EXPECT_EQ(complaint(folder.root() + "/none/new.prom"), "No such file or directory\n");
+    EXPECT_EQ(complaint(file + "/new.prom"), "Not a directory\n");
+    // Here nobody makes files, be it root.
+    EXPECT_NE(complaint("/sys/tarnwick.prom"), "");
+    // Neither a device nor a folder is taken away.
+    EXPECT_EQ(complaint("/dev/null"), "Invalid argument\n");
+    EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
+    EXPECT_EQ(complaint(folder.root()), "Invalid argument\n");
 }
 
 TEST(Probe, TellsItsVersion) {

@@ -25,10 +25,9 @@ TEST(ThresholdFile, HasTheThresholdsOfTheSettings) {
             "settings.hasPresentedInitialSettings": true, "other": [1]})");
     EXPECT_EQ(reading.trouble, "");
     // The pair of the storage is normalised, as for the panel.
-    EXPECT_EQ(reading.thresholds, (MetricThresholds{.cpuNormal = 40,
-                                                    .cpuHigh = 55.5,
-                                                    .storageNormal = 70,
-                                                    .storageHigh = 71}));
+    EXPECT_EQ(reading.thresholds,
+              (MetricThresholds{
+                  .cpuNormal = 40, .cpuHigh = 55.5, .storageNormal = 70, .storageHigh = 71}));
 }
 
 TEST(ThresholdFile, HasTheDefaultsWhereNothingIsSet) {

@@ -12,7 +12,7 @@ _tarnwick_probe() {
             done < <(compgen -A directory -- "$current")
             ;;
         --format) COMPREPLY=($(compgen -W "json prometheus openmetrics" -- "$current")) ;;
-        --thresholds)
+        --thresholds | --output)
             compopt -o filenames
             while IFS= read -r word; do
                 COMPREPLY+=("$word")
@@ -22,7 +22,7 @@ _tarnwick_probe() {
         *)
             while IFS= read -r word; do
                 COMPREPLY+=("$word")
-            done < <(compgen -W "--format --all --thresholds --root --samples --interval --limit --home --help --version" -- "$current")
+            done < <(compgen -W "--format --all --thresholds --output --root --samples --interval --limit --home --help --version" -- "$current")
             ;;
     esac
 }

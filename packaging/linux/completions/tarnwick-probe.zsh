@@ -4,6 +4,7 @@ _arguments \
     '--format[what to print]:format:(json prometheus openmetrics)' \
     '--all[also the metrics that a node exporter has]' \
     '--thresholds[settings file with the thresholds]:file:_files' \
+    '--output[replace a file with each sample]:file:_files' \
     '--root[read the machine recorded below a folder]:folder:_directories' \
     '--samples[samples to print]:number' \
     '--interval[time between two samples]:seconds' \
