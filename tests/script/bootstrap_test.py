@@ -21,6 +21,7 @@ TOOLS = {
                'for word in "${asked[@]}"; do [ "$word" != "$LACKS" ] || exit 100; done; '
                '[ -z "$on" ] || printf "%s\\n" "${asked[@]}" >>"$LOG/installed"',
     "id": "echo 0",
+    "systemctl": 'echo "$*" >>"$LOG/services"',
     "cmake": 'echo "$*" >>"$LOG/cmake"; case $1 in --preset) mkdir -p "build/$2/app"; '
              'touch "build/$2/CMakeCache.txt"; printf "#!/bin/sh\\necho started\\n" '
              '>"build/$2/app/tarnwick"; chmod +x "build/$2/app/tarnwick" ;; esac',
@@ -82,7 +83,8 @@ class Packages(Copy):
 
     def test_each_purpose_has_some_and_none_is_named_twice(self):
         named = packages()
-        self.assertEqual(set(named), {"build", "test", "desktop", "fuzz", "style", "package"})
+        self.assertEqual(set(named), {"build", "test", "desktop", "monitoring", "fuzz", "style",
+                                      "package"})
         self.assertTrue(all(named.values()))
         self.assertEqual(sum(map(len, named.values())), len(set().union(*named.values())))
 
@@ -109,11 +111,12 @@ class Packages(Copy):
         # There is nothing to test in the copy, but by then everything is installed and built.
         self.run_script("test")
         self.assertEqual(len(self.lines("cmake")), 2)
-        self.expect_installed("build", "test", "desktop")
+        self.expect_installed("build", "test", "desktop", "monitoring")
 
     def test_without_a_purpose_all_are_installed(self):
         self.assertEqual(self.run_script("bootstrap").returncode, 0)
-        self.expect_installed("build", "test", "desktop", "fuzz", "style", "package")
+        self.expect_installed("build", "test", "desktop", "monitoring", "fuzz", "style",
+                              "package")
 
     def test_help_installs_and_builds_nothing(self):
         for script in ("bootstrap", "compare-cost", "fuzz", "package", "run"):
@@ -133,7 +136,28 @@ class Packages(Copy):
         ended = self.run_script("bootstrap", LACKS="clang-format")
         self.assertEqual(ended.returncode, 0, ended.stderr)
         self.assertIn("goes on without clang-format", ended.stdout)
-        self.expect_installed("build", "test", "desktop", "fuzz", "package")
+        self.expect_installed("build", "test", "desktop", "monitoring", "fuzz", "package")
+
+    def test_a_release_without_a_server_stops_nobody(self):
+        ended = self.run_script("bootstrap", LACKS="prometheus")
+        self.assertEqual(ended.returncode, 0, ended.stderr)
+        self.assertIn("goes on without prometheus, ", ended.stdout)
+        self.assertIn("prometheus-node-exporter", self.lines("installed"))
+
+    def test_services_stay_off(self):
+        self.run_script("bootstrap", "test", "monitoring")
+        for name in packages()["monitoring"]:
+            with self.subTest(package=name):
+                self.assertEqual(
+                    [line for line in self.lines("services") if line.endswith(f" {name}.service")],
+                    [f"--quiet --runtime mask {name}.service",
+                     f"--quiet --runtime unmask {name}.service",
+                     f"--quiet disable {name}.service"])
+        # Of packages that were there already nothing is changed.
+        before = self.lines("services")
+        self.run_script("bootstrap")
+        self.assertFalse([line for line in self.lines("services")[len(before):]
+                          if "prometheus" in line])
 
     def test_a_release_without_anything_else_is_refused(self):
         ended = self.run_script("bootstrap", LACKS="cmake")
@@ -141,7 +165,7 @@ class Packages(Copy):
         self.assertIn("could not install", ended.stderr)
 
     def test_a_user_who_may_install_nothing_needs_no_formatter(self):
-        self.run_script("bootstrap", "build", "test", "desktop", "fuzz", "package")
+        self.run_script("bootstrap", "build", "test", "desktop", "monitoring", "fuzz", "package")
         # Nothing but what is asked for before sudo is.
         for name in ("bash", "env", "dirname", "basename", "grep", "awk", "sort", "comm"):
             (self.root / "bin" / name).symlink_to(shutil.which(name, path="/usr/bin:/bin"))
