@@ -23,7 +23,8 @@ constexpr std::string_view kHelp =
     "Prints what Tarnwick measures on this machine: one JSON object a line and sample, or another\n"
     "format.\n"
     "\n"
-    "  --format FORMAT     json, prometheus or openmetrics (json)\n"
+    "  --format FORMAT     json, prometheus, openmetrics, text or waybar (json)\n"
+    "  --watch             with text, draw the page again and again\n"
     "  --all               with metrics, also those that a node exporter has\n"
     "  --thresholds FILE   settings file with the thresholds (the user's)\n"
     "  --root DIR          read the machine recorded below DIR instead of this one (/)\n"
@@ -34,11 +35,12 @@ constexpr std::string_view kHelp =
     "  --home DIR          measure the volume that holds DIR (the user's home)\n"
     "  --help, --version   print this text or the version, and end\n";
 
-constexpr std::array<option, 12> kOptions = {{
+constexpr std::array<option, 13> kOptions = {{
     {"format", required_argument, nullptr, 'f'},
     {"all", no_argument, nullptr, 'a'},
     {"thresholds", required_argument, nullptr, 't'},
     {"output", required_argument, nullptr, 'o'},
+    {"watch", no_argument, nullptr, 'w'},
     {"root", required_argument, nullptr, 'r'},
     {"samples", required_argument, nullptr, 's'},
     {"interval", required_argument, nullptr, 'i'},
@@ -49,10 +51,12 @@ constexpr std::array<option, 12> kOptions = {{
     {nullptr, 0, nullptr, 0},
 }};
 
-constexpr std::array<std::pair<std::string_view, Format>, 3> kFormats = {{
+constexpr std::array<std::pair<std::string_view, Format>, 5> kFormats = {{
     {"json", Format::json},
     {"prometheus", Format::prometheus},
     {"openmetrics", Format::openMetrics},
+    {"text", Format::text},
+    {"waybar", Format::waybar},
 }};
 
 template <class Number>
@@ -76,13 +80,17 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
             const auto* const format =
                 std::ranges::find(kFormats, value, &std::pair<std::string_view, Format>::first);
             if (format == kFormats.end()) {
-                return notA("format", "json, prometheus or openmetrics");
+                return notA("format", "json, prometheus, openmetrics, text or waybar");
             }
             options.format = format->second;
             return std::nullopt;
         }
         case 'a':
             options.all = true;
+            return std::nullopt;
+        case 'w':
+            options.watches = true;
+            options.samples = 0;
             return std::nullopt;
         case 't':
             options.thresholds = value;
@@ -140,6 +148,9 @@ bool isMetrics(Format format) {
 std::optional<UsageError> conflict(const Options& options) {
     if (options.all && !isMetrics(options.format)) {
         return UsageError{"--all goes with --format prometheus and openmetrics"};
+    }
+    if (options.watches && (options.format != Format::text || options.output)) {
+        return UsageError{"--watch goes with --format text and without --output"};
     }
     if (options.output && options.output->empty()) {
         return notA("output", "the name of a file");

@@ -13,6 +13,10 @@ enum class Format {
     json,
     prometheus,
     openMetrics,
+    /// A page for people.
+    text,
+    /// One line a sample for a custom module of waybar.
+    waybar,
 };
 
 struct Options {
@@ -24,6 +28,8 @@ struct Options {
 
     /// Root of the tree that is read.
     std::string root = "/";
+    /// Whether a page takes the place of the one before; then the samples go on without end.
+    bool watches = false;
     /// File that each sample replaces; absent: standard output.
     std::optional<std::string> output;
     /// Samples to take, up to 1,000,000; 0 goes on until the reader has gone.

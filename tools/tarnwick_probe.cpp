@@ -8,6 +8,8 @@
 #include <cstdlib>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <unistd.h>
 #include <variant>
 
 #include "platform/linux/settings/settings_file.h"
@@ -17,7 +19,9 @@
 #include "tools/probe_options.h"
 #include "tools/probed_machine.h"
 #include "tools/sample_output.h"
+#include "tools/text_page.h"
 #include "tools/threshold_file.h"
+#include "tools/waybar_line.h"
 
 namespace {
 
@@ -43,11 +47,35 @@ int complain(std::string message, int status) {
     return status;
 }
 
+/// A terminal that shows colours to somebody who has not refused them.
+bool hasColor(const Options& options) {
+    const auto value = [](const char* name) {
+        const char* const text = std::getenv(name);
+        return std::string_view(text ? text : "");
+    };
+    return !options.output && ::isatty(STDOUT_FILENO) != 0 && value("NO_COLOR").empty() &&
+           value("TERM") != "dumb";
+}
+
+/// In the place of the page before, or behind it where there is no terminal.
+std::string page(const MachineSample& sample, const Options& options) {
+    constexpr std::string_view kClear = "\033[H\033[2J";
+    const std::string text = textPage(sample, hasColor(options));
+    if (!options.watches) {
+        return text;
+    }
+    return ::isatty(STDOUT_FILENO) != 0 ? std::string(kClear) + text : text + '\n';
+}
+
 std::string report(const MachineSample& sample, const Options& options) {
     const MetricsScope scope{.all = options.all, .limit = options.limit};
     switch (options.format) {
         case Format::json:
             break;
+        case Format::text:
+            return page(sample, options);
+        case Format::waybar:
+            return waybarLine(sample) + '\n';
         case Format::prometheus:
             return metricsReport(sample, Exposition::Format::prometheus, scope);
         case Format::openMetrics:

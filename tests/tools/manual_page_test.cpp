@@ -40,9 +40,9 @@ TEST(ManualPage, DescribesEveryOption) {
     const std::string page = manualPage();
     for (const char* option :
          {".BI --format \" FORMAT\"\n", ".B --all\n", ".BI --thresholds \" FILE\"\n",
-          ".BI --output \" FILE\"\n", ".BI --root \" DIR\"\n", ".BI --samples \" N\"\n",
-          ".BI --interval \" SECONDS\"\n", ".BI --limit \" N\"\n", ".BI --home \" DIR\"\n",
-          ".B --help\n", ".B --version\n"}) {
+          ".BI --output \" FILE\"\n", ".B --watch\n", ".BI --root \" DIR\"\n",
+          ".BI --samples \" N\"\n", ".BI --interval \" SECONDS\"\n", ".BI --limit \" N\"\n",
+          ".BI --home \" DIR\"\n", ".B --help\n", ".B --version\n"}) {
         EXPECT_NE(page.find(option), std::string::npos) << option;
     }
 }

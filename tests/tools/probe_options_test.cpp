@@ -64,9 +64,21 @@ TEST(ProbeOptions, ChooseTheFormat) {
     EXPECT_EQ(accepted({"--format=openmetrics", "--all"}).format, Format::openMetrics);
     for (const char* format : {"xml", "", "JSON", "prometheus "}) {
         EXPECT_EQ(complaint({"--format", format}),
-                  "--format takes json, prometheus or openmetrics");
+                  "--format takes json, prometheus, openmetrics, text or waybar");
     }
     EXPECT_EQ(complaint({"--all"}), "--all goes with --format prometheus and openmetrics");
+}
+
+TEST(ProbeOptions, WatchAPage) {
+    const Options options = accepted({"--watch", "--format=text"});
+    EXPECT_EQ(options.format, Format::text);
+    EXPECT_TRUE(options.watches);
+    EXPECT_EQ(options.samples, 0);
+    EXPECT_EQ(accepted({"--watch", "--format=text", "--samples=3"}).samples, 3);
+    const std::string refusal = "--watch goes with --format text and without --output";
+    EXPECT_EQ(complaint({"--watch"}), refusal);
+    EXPECT_EQ(complaint({"--watch", "--format=text", "--output=page"}), refusal);
+    EXPECT_EQ(accepted({"--format=waybar"}).format, Format::waybar);
 }
 
 TEST(ProbeOptions, NameAFile) {
@@ -128,7 +140,7 @@ TEST(ProbeOptions, RefuseARelativeHome) {
 TEST(ProbeOptions, TellOfThemselves) {
     const auto help = parsed({"--help"});
     ASSERT_TRUE(std::holds_alternative<Help>(help));
-    for (const char* option : {"--format", "--all", "--thresholds", "--output", "--root",
+    for (const char* option : {"--format", "--all", "--thresholds", "--output", "--watch", "--root",
                                "--samples", "--interval", "--limit", "--home"}) {
         EXPECT_NE(std::get<Help>(help).text.find(option), std::string::npos) << option;
     }

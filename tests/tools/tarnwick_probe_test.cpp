@@ -2,12 +2,14 @@
 // Runs the program itself.
 #include <algorithm>
 #include <array>
+#include <csignal>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <pty.h>
 #include <sstream>
 #include <string>
 #include <sys/stat.h>
@@ -618,6 +620,76 @@ TEST(Probe, LeavesTheOldFileWhereItCannotWrite) {
     EXPECT_EQ(complaint("/dev/null"), "Invalid argument\n");
     EXPECT_TRUE(std::filesystem::is_character_file("/dev/null"));
     EXPECT_EQ(complaint(folder.root()), "Invalid argument\n");
+}
+
+TEST(Probe, PrintsAPageForPeople) {
+    const Outcome result =
+        run("--format text --interval 0.01 --limit 1 --root " + recordedMachine("handheld"));
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.output,
+              "No metrics are above thresholds.\n"
+              "\n"
+              "CPU            0%    0% user, 0% system, 8 processors\n"
+              "GPU           88%    AMD Custom GPU 0405\n"
+              "Memory        67%    9.77 GB of 14.52 GB\n"
+              "Battery       80%    charging, 27m until full, 94% of its design, 156 cycles\n"
+              "Heat      Nominal\n"
+              "Network              0 B/s down, 0 B/s up\n"
+              "Uptime               2h 16m\n"
+              "\n"
+              "CPU          0.0%    systemd\n"
+              "Memory       5 GB    dungeon\n");
+    // A terminal's sequences are for terminals.
+    const Outcome pages =
+        run("--format text --watch --samples 2 --interval 0.01 --limit 1 --root " +
+            recordedMachine("handheld"));
+    EXPECT_EQ(pages.output, result.output + "\n" + result.output + "\n");
+}
+
+/// What the probe shows on a terminal until it has shown `enough`, then it is interrupted.
+std::string watched(const std::string& arguments, const std::string& enough) {
+    int terminal = -1;
+    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+        const std::string command = "unset NO_COLOR; TERM=xterm exec " + arguments;
+        ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
+        ::_exit(127);
+    }
+    std::string shown;
+    std::array<char, 4096> buffer{};
+    ssize_t got = 1;
+    while (got > 0 && shown.find(enough) == std::string::npos) {
+        got = ::read(terminal, buffer.data(), buffer.size());
+        shown.append(buffer.data(), static_cast<std::size_t>(std::max<ssize_t>(got, 0)));
+    }
+    ::kill(child, SIGINT);
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGINT) << status << shown;
+    ::close(terminal);
+    return shown;
+}
+
+TEST(Probe, DrawsThePageOfATerminalAgain) {
+    const std::string arguments =
+        " --format text --watch --interval 0.01 --limit 0 --root " + recordedMachine("handheld");
+    const std::string clear = "\033[H\033[2J";
+    const std::string shown =
+        watched(PROBE + arguments, "2h 16m\r\n" + clear + "\033[32mNo metrics");
+    EXPECT_TRUE(shown.starts_with(clear)) << shown;
+    EXPECT_NE(shown.find("GPU           \033[32m88%\033[0m    AMD"), std::string::npos) << shown;
+    const std::string plain =
+        watched("env NO_COLOR=1 " PROBE + arguments, "2h 16m\r\n" + clear + "No metrics");
+    EXPECT_EQ(plain.find("\033[3"), std::string::npos) << plain;
+}
+
+TEST(Probe, PrintsALineForWaybar) {
+    const Outcome result =
+        run("--format waybar --interval 0.01 --root " + recordedMachine("handheld"));
+    EXPECT_EQ(result.status, 0);
+    const json line = lines(result.output).at(0);
+    EXPECT_EQ(line["alt"], "ok");
+    EXPECT_EQ(line["percentage"], 88);
 }
 
 TEST(Probe, TellsItsVersion) {

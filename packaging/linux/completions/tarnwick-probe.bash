@@ -11,7 +11,7 @@ _tarnwick_probe() {
                 COMPREPLY+=("$word")
             done < <(compgen -A directory -- "$current")
             ;;
-        --format) COMPREPLY=($(compgen -W "json prometheus openmetrics" -- "$current")) ;;
+        --format) COMPREPLY=($(compgen -W "json prometheus openmetrics text waybar" -- "$current")) ;;
         --thresholds | --output)
             compopt -o filenames
             while IFS= read -r word; do
@@ -22,7 +22,7 @@ _tarnwick_probe() {
         *)
             while IFS= read -r word; do
                 COMPREPLY+=("$word")
-            done < <(compgen -W "--format --all --thresholds --output --root --samples --interval --limit --home --help --version" -- "$current")
+            done < <(compgen -W "--format --all --thresholds --output --watch --root --samples --interval --limit --home --help --version" -- "$current")
             ;;
     esac
 }
