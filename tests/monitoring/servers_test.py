@@ -15,6 +15,7 @@ import unittest
 import urllib.parse
 import urllib.request
 
+from dashboard import queries
 from machines import PROBE, RULES, make_fleet, metrics, needs, run
 
 # Seconds; nothing takes so long on a machine that works.
@@ -173,6 +174,12 @@ class Servers(unittest.TestCase):
         self.query('tarnwick_severity{job="prometheus-calm"}')
         until(lambda: firing() == {("TarnwickMetricHigh", "full"), ("TarnwickMachineHot", "hot")},
               "two alarms")
+
+
+    def test_every_query_of_the_dashboard_finds_something(self):
+        for title, text in queries():
+            with self.subTest(panel=title):
+                self.assertTrue(self.query(text))
 
 
 if __name__ == "__main__":

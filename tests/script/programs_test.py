@@ -84,7 +84,10 @@ class Recipes(unittest.TestCase):
     def test_name_members_that_the_probe_prints(self):
         line = output(PROBE, "--root", ROOT / "tests/fixtures/laptop", "--interval", "0.1")
         names = members(json.loads(line))
-        commands = re.findall(r"tarnwick-probe.*\| jq (.*)", (ROOT / "README.md").read_text())
+        pages = (ROOT / "README.md").read_text() + (ROOT / "docs/probe.md").read_text()
+        commands = [command for command in re.findall(r"tarnwick-probe (.*\| jq .*)", pages)
+                    if "--format" not in command]
+        commands = [command.partition("| jq ")[2] for command in commands]
         self.assertGreater(len(commands), 3)
         for command in commands:
             paths = re.findall(r"\.([A-Za-z]\w+(?:\.\w+)*)", command.partition(">>")[0])
