@@ -32,7 +32,8 @@ std::string joined(std::initializer_list<std::string> parts) {
 std::string printable(std::string_view name) {
     std::string text = platform::repairedUTF8(name);
     std::ranges::replace_if(
-        text, [](char character) { return (character >= 0 && character < ' ') || character == 0x7f; },
+        text,
+        [](char character) { return (character >= 0 && character < ' ') || character == 0x7f; },
         '?');
     return text;
 }

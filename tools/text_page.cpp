@@ -70,7 +70,8 @@ void append(std::string& page, const std::vector<FigureLine>& lines, bool hasCol
         page.append(used < columns ? columns - used : 1, ' ');
         page += colored(line.value, line.severity, hasColor).append(mark(line.severity));
         if (!line.detail.empty()) {
-            page.append(kGap - mark(line.severity).size(), ' ').append(cut(line.detail, kPageWidth - columns - kGap));
+            page.append(kGap - mark(line.severity).size(), ' ')
+                .append(cut(line.detail, kPageWidth - columns - kGap));
         }
         while (page.ends_with(' ')) {
             page.pop_back();

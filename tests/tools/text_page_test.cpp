@@ -77,8 +77,7 @@ TEST(TextPage, HasTheColoursOfATerminalWhereTheyAreSeen) {
 
 TEST(TextPage, LeavesOutWhatIsUnknown) {
     MachineSample sample;
-    EXPECT_EQ(textPage(sample, true),
-              "\033[32mNo metrics are above thresholds.\033[0m\n\n");
+    EXPECT_EQ(textPage(sample, true), "\033[32mNo metrics are above thresholds.\033[0m\n\n");
     sample.gpu.reset();
     sample.storage.reset();
     sample.battery.reset();
