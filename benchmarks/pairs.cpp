@@ -71,8 +71,12 @@ int runPairs(int argc, char** argv, std::span<const Pair> pairs) {
     }
     for (const Pair& pair : pairs) {
         const std::string name = pair.name;
-        benchmark::RegisterBenchmark((name + ", floor").c_str(), pair.floor);
-        benchmark::RegisterBenchmark(name.c_str(), pair.work);
+        for (auto* side : {benchmark::RegisterBenchmark((name + ", floor").c_str(), pair.floor),
+                           benchmark::RegisterBenchmark(name.c_str(), pair.work)}) {
+            if (pair.isWholeProcess) {
+                side->MeasureProcessCPUTime();
+            }
+        }
     }
     MedianReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);

@@ -16,6 +16,8 @@ struct Pair {
     /// Greatest processor time of the work in its thread, milliseconds; 0 if only the ratio counts.
     /// Checked like the ratio. The figure holds for machines of the kind that people sit at.
     double milliseconds = 0;
+    /// Both sides have threads that work for them, whose time counts.
+    bool isWholeProcess = false;
 };
 
 /// Runs all pairs with the options of the benchmark library, in an order that is shuffled for each

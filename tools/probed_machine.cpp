@@ -43,6 +43,8 @@ namespace {
 
 using platform::TimedSource;
 
+constexpr double kSecondsBetweenVolumes = 10;
+
 /// Keeps the last answer, because one question to the cards serves two records. One thread at a
 /// time.
 class KeptAccelerators final : public platform::Accelerators {
@@ -137,7 +139,9 @@ struct ProbedMachine::Samplers {
           storage(options.root == "/" ? static_cast<platform::Volumes&>(volumes)
                                       : recordedVolumes) {}
 
-    std::optional<platform::BackgroundWork> threads{std::in_place};
+    // Somebody waits for the sample, on a busy machine most of all.
+    std::optional<platform::BackgroundWork> threads{std::in_place,
+                                                    platform::BackgroundWork::Priority::inherited};
     platform::ThreadWorkers workers{[this](auto work) { return threads->run(std::move(work)); }};
     platform::LinuxKernel kernel;
     platform::LinuxVolumes volumes;
@@ -174,7 +178,18 @@ struct ProbedMachine::Samplers {
     TimedSource<ThresholdReading> settings{workers, platform::kSourcePatience};
     TimedSource<std::int64_t> zones{workers, platform::kSensorPatience};
     bool isBatterySilent = false;
+    std::optional<StorageInfo> lastVolume{};
+    double volumeReadAt = 0;
 
+    /// As in the desktop program, not at each sample: a disk fills slowly.
+    std::optional<std::vector<StorageInfo>> readVolume() {
+        const double now = kernel.monotonicSeconds();
+        if (!lastVolume || now - volumeReadAt >= kSecondsBetweenVolumes) {
+            lastVolume = volume.read([this] { return storage.readStorageInfo(); });
+            volumeReadAt = now;
+        }
+        return lastVolume ? std::optional(std::vector{*lastVolume}) : std::nullopt;
+    }
     std::optional<BatteryInfo> readBattery() {
         const auto answer = supplies.read([this] { return readPowerSources(powerSources); });
         isBatterySilent = !answer;
@@ -205,12 +220,10 @@ MachineSample ProbedMachine::read() {
     }
     sample.memory = from.memory.readMemoryInfo();
     sample.network = from.network.readNetworkInfo();
-    sample.storage.reset();
-    if (auto volume = from.volume.read([&from] { return from.storage.readStorageInfo(); })) {
-        sample.storage = std::vector{*std::move(volume)};
-    }
-    from.battery.currentBatteryInfo(true);
-    sample.battery = from.battery.batteryInfoWithHealth(true);
+    sample.storage = from.readVolume();
+    // As in the desktop program: health is asked for rarely, and so is a battery that is not there.
+    from.battery.currentBatteryInfo(isFirst_);
+    sample.battery = from.battery.batteryInfoWithHealth(isFirst_);
     if (from.isBatterySilent) {
         sample.battery.reset();
     }

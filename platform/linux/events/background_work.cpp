@@ -24,7 +24,6 @@ void lowerPriorityOfThisThread() {
     setpriority(PRIO_PROCESS, static_cast<id_t>(gettid()), kNiceness);
     const sched_param parameters{};
     sched_setscheduler(0, SCHED_BATCH, &parameters);
-    pthread_setname_np(pthread_self(), "tarnwick-work");
 }
 
 /// Threads that start while this object lives receive no signals; the main thread handles them.
@@ -58,6 +57,7 @@ struct BackgroundWork::State : std::enable_shared_from_this<State> {
     std::list<std::thread> ended;
     std::size_t waiting = 0;
     MakeThread makeThread;
+    Priority priority = Priority::low;
     bool stopping = false;
 
     /// The main loop of each thread.
@@ -71,7 +71,10 @@ bool BackgroundWork::State::addThread() {
     const SignalsBlocked guard;
     try {
         threads.push_back(makeThread([state = shared_from_this()] {
-            lowerPriorityOfThisThread();
+            pthread_setname_np(pthread_self(), "tarnwick-work");
+            if (state->priority == Priority::low) {
+                lowerPriorityOfThisThread();
+            }
             state->serve();
         }));
     } catch (const std::system_error&) {
@@ -113,9 +116,11 @@ void BackgroundWork::State::serve() {
     endThisThread();
 }
 
-BackgroundWork::BackgroundWork(std::chrono::milliseconds patience, MakeThread makeThread)
+BackgroundWork::BackgroundWork(std::chrono::milliseconds patience, MakeThread makeThread,
+                               Priority priority)
     : state_(std::make_shared<State>()), patience_(patience) {
     state_->makeThread = std::move(makeThread);
+    state_->priority = priority;
 }
 
 std::thread BackgroundWork::makeSystemThread(std::function<void()> body) {

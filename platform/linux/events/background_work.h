@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Work outside the main thread, at a low priority that does not disturb other programs.
+// Work outside the main thread, as a rule at a low priority that does not disturb other programs.
 #pragma once
 
 #include <chrono>
@@ -10,8 +10,7 @@
 
 namespace tarnwick::platform {
 
-/// Runs work on at most kThreadLimit threads, at nice +10 under the batch policy; if the system
-/// refuses the priority or the policy, the threads run without it. Any thread may add work.
+/// Runs work on at most kThreadLimit threads. Any thread may add work.
 ///
 /// Up to kIdleLimit threads wait for work without polling: a refresh, and a worker that it waits
 /// for. If all threads are busy when work comes, perhaps stuck on a dead network mount, a new
@@ -23,13 +22,25 @@ class BackgroundWork {
  public:
     static constexpr std::size_t kThreadLimit = 32;
     static constexpr std::size_t kIdleLimit = 2;
+    static constexpr std::chrono::milliseconds kPatience{250};
+
+    enum class Priority {
+        /// Nice +10 under the batch policy, for work that nobody waits for; threads run without
+        /// either where the system refuses it.
+        low,
+        /// That of the thread that adds work and waits for it.
+        inherited,
+    };
 
     /// Starts a thread; throws std::system_error where the system refuses.
     using MakeThread = std::function<std::thread(std::function<void()>)>;
 
     /// Makes no thread yet. `patience` is how long the destructor waits for running work.
-    explicit BackgroundWork(std::chrono::milliseconds patience = std::chrono::milliseconds(250),
-                            MakeThread makeThread = makeSystemThread);
+    explicit BackgroundWork(std::chrono::milliseconds patience = kPatience,
+                            MakeThread makeThread = makeSystemThread,
+                            Priority priority = Priority::low);
+    explicit BackgroundWork(Priority priority)
+        : BackgroundWork(kPatience, makeSystemThread, priority) {}
     BackgroundWork(const BackgroundWork&) = delete;
     BackgroundWork& operator=(const BackgroundWork&) = delete;
     /// Drops work that has not begun and joins the threads. If a thread's work does not end within

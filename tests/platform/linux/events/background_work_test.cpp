@@ -96,6 +96,14 @@ TEST(BackgroundWork, RunsAtLowPriorityUnderTheBatchPolicy) {
     EXPECT_EQ(sched_getscheduler(0), SCHED_OTHER);
 }
 
+TEST(BackgroundWork, RunsAtThePriorityOfWhoWaitsForItWhereThatIsWanted) {
+    BackgroundWork work(BackgroundWork::Priority::inherited);
+    const int niceness = askInBackground(
+        work, [] { return getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())); });
+    EXPECT_EQ(niceness, getpriority(PRIO_PROCESS, static_cast<id_t>(gettid())));
+    EXPECT_EQ(askInBackground(work, [] { return sched_getscheduler(0); }), SCHED_OTHER);
+}
+
 TEST(BackgroundWork, TakesNoSignals) {
     BackgroundWork work;
     const auto blocked = askInBackground(work, [] {
