@@ -339,6 +339,29 @@ TEST(Probe, SaysNullForWhatDoesNotAnswerAndEnds) {
     }
 }
 
+TEST(Probe, SettingsThatHangAreDoneWithout) {
+    if (*SANITIZED != '\0') {
+        GTEST_SKIP() << "the sanitizers want to be loaded first";
+    }
+    const MachineTree home;
+    home.write("tarnwick/settings.json", "{}");
+    home.write("stuck", "");
+    const std::string file = home.root() + "/tarnwick/settings.json";
+    const std::string stuck = "TARNWICK_STUCK_WHILE=" + home.root() +
+                              "/stuck TARNWICK_STUCK_FILES=" + file +
+                              " LD_PRELOAD=" STUCK_FILES " timeout 60 " PROBE " --interval 0 ";
+    const Outcome own =
+        runShell("XDG_CONFIG_HOME=" + home.root() + " " + stuck + "2>&1 >" + home.root() + "/line");
+    EXPECT_EQ(own.status, 0);
+    EXPECT_EQ(own.output, "tarnwick-probe: the default thresholds count, not those of " + file +
+                              ": the file system does not answer\n");
+    EXPECT_EQ(lines(platform::readWholeFile(home.root() + "/line").value_or("")).size(), 1U);
+    const Outcome named = runShell(stuck + "--thresholds " + file + " 2>&1");
+    EXPECT_EQ(named.status, 2);
+    EXPECT_EQ(named.output,
+              "tarnwick-probe: no thresholds in " + file + ": the file system does not answer\n");
+}
+
 TEST(Probe, ASourceThatHangsHoldsUpNoOther) {
     if (*SANITIZED != '\0') {
         GTEST_SKIP() << "the sanitizers want to be loaded first";
