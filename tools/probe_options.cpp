@@ -149,6 +149,9 @@ std::optional<UsageError> conflict(const Options& options) {
     if (options.all && !isMetrics(options.format)) {
         return UsageError{"--all goes with --format prometheus and openmetrics"};
     }
+    if (isMetrics(options.format) && options.samples != 1 && !options.output) {
+        return UsageError{"metrics are one text, so more than one sample goes with --output"};
+    }
     if (options.watches && (options.format != Format::text || options.output)) {
         return UsageError{"--watch goes with --format text and without --output"};
     }

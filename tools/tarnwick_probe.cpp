@@ -98,9 +98,10 @@ int putSamples(ProbedMachine& machine, const Options& options, const MetricThres
         // This reading only starts the counters that rates are computed from.
         machine.read();
     }
-    for (int done = 0; outcome == SampleOutput::Outcome::written &&
-                       (options.samples == 0 || done < options.samples);
-         done = options.samples == 0 ? 0 : done + 1) {
+    const bool isEndless = options.samples == 0;
+    for (int left = options.samples;
+         outcome == SampleOutput::Outcome::written && (isEndless || left > 0);
+         left -= isEndless ? 0 : 1) {
         if (!output.waitUntil(pace.next())) {
             return EXIT_SUCCESS;
         }

@@ -66,6 +66,9 @@ TEST(ProbeOptions, ChooseTheFormat) {
         EXPECT_EQ(complaint({"--format", format}),
                   "--format takes json, prometheus, openmetrics, text or waybar");
     }
+    EXPECT_EQ(complaint({"--format=prometheus", "--samples=2"}),
+              "metrics are one text, so more than one sample goes with --output");
+    EXPECT_EQ(accepted({"--format=prometheus", "--samples=0", "--output=a.prom"}).samples, 0);
     EXPECT_EQ(complaint({"--all"}), "--all goes with --format prometheus and openmetrics");
 }
 
