@@ -71,7 +71,7 @@ void visitCharacters(std::string_view text, Visit visit) {
         const auto first = static_cast<unsigned char>(text.front());
         const std::size_t following = leadOf(first).following;
         // A lead byte has one bit less for each byte that follows.
-        char32_t character = following == 0 ? first : first & (0x3F >> following);
+        char32_t character = following == 0 ? first : first & (0x3FU >> following);
         for (std::size_t i = 1; i <= following; ++i) {
             character = character << 6 | (static_cast<unsigned char>(text[i]) & 0x3F);
         }
