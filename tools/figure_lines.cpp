@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tools/figure_lines.h"
 
-#include <algorithm>
 #include <cmath>
 #include <initializer_list>
 #include <string_view>
@@ -25,16 +24,6 @@ std::string joined(std::initializer_list<std::string> parts) {
     for (const std::string& part : parts) {
         text += (text.empty() || part.empty() ? "" : ", ") + part;
     }
-    return text;
-}
-
-/// The names of programs and cards come from outside.
-std::string printable(std::string_view name) {
-    std::string text = platform::repairedUTF8(name);
-    std::ranges::replace_if(
-        text,
-        [](char character) { return (character >= 0 && character < ' ') || character == 0x7f; },
-        '?');
     return text;
 }
 
@@ -65,7 +54,7 @@ void addGraphics(std::vector<FigureLine>& lines, const MachineSample& sample,
         if (line.detail.empty()) {
             line.detail = joined({card.id, card.driver});
         }
-        line.detail = printable(line.detail);
+        line.detail = platform::repairedName(line.detail);
         if (!isJudged && judged.usage && card.usagePercentage == judged.usage) {
             line.severity = judged.severity;
             isJudged = true;
@@ -112,7 +101,7 @@ std::vector<FigureLine> figureLines(const MachineSample& sample) {
         lines.push_back({"Disk", percent(storage.usage),
                          fileText(volume.usedSpace, kFormatter) + " of " +
                              fileText(volume.totalSpace, kFormatter) + " on " +
-                             printable(volume.name),
+                             platform::repairedName(volume.name),
                          storage.severity});
     }
     if (sample.battery && sample.battery->hasBattery) {
@@ -135,11 +124,12 @@ std::vector<FigureLine> figureLines(const MachineSample& sample) {
 std::vector<FigureLine> processLines(const MachineSample& sample) {
     std::vector<FigureLine> lines;
     for (const AppProcessInfo& process : sample.topCPUProcesses) {
-        lines.push_back({"CPU", percentText(process.cpuUsage, 1), printable(process.name)});
+        lines.push_back(
+            {"CPU", percentText(process.cpuUsage, 1), platform::repairedName(process.name)});
     }
     for (const AppProcessInfo& process : sample.topMemoryProcesses) {
-        lines.push_back(
-            {"Memory", memoryText(process.memoryUsage, kFormatter), printable(process.name)});
+        lines.push_back({"Memory", memoryText(process.memoryUsage, kFormatter),
+                         platform::repairedName(process.name)});
     }
     return lines;
 }

@@ -23,8 +23,8 @@ struct FigureLine {
     bool operator==(const FigureLine&) const = default;
 };
 
-/// One line for each source that answered, in the order of the panel. Texts are printable UTF-8:
-/// control characters of names become "?".
+/// One line for each source that answered, in the order of the panel. Texts are UTF-8 on one
+/// line, without characters that command a terminal.
 std::vector<FigureLine> figureLines(const MachineSample& sample);
 
 /// The rows of the two lists of processes.

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/utf8.h"
 #include "tools/figure_lines.h"
 #include "tools/judged_metrics.h"
 
@@ -16,21 +17,6 @@ constexpr std::size_t kLabelWidth = 8;
 constexpr std::size_t kValueWidth = 9;
 constexpr std::size_t kGap = 4;
 constexpr std::size_t kPageWidth = 80;
-
-bool beginsCharacter(char byte) {
-    return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
-}
-
-/// At most so many characters.
-std::string_view cut(std::string_view text, std::size_t most) {
-    std::size_t characters = 0;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (beginsCharacter(text[at]) && characters++ == most) {
-            return text.substr(0, at);
-        }
-    }
-    return text;
-}
 
 std::string_view color(MetricSeverity severity) {
     switch (severity) {
@@ -71,7 +57,7 @@ void append(std::string& page, const std::vector<FigureLine>& lines, bool hasCol
         page += colored(line.value, line.severity, hasColor).append(mark(line.severity));
         if (!line.detail.empty()) {
             page.append(kGap - mark(line.severity).size(), ' ')
-                .append(cut(line.detail, kPageWidth - columns - kGap));
+                .append(platform::firstCharacters(line.detail, kPageWidth - columns - kGap));
         }
         while (page.ends_with(' ')) {
             page.pop_back();

@@ -95,13 +95,13 @@ TEST(TextPage, LeavesOutWhatIsUnknown) {
 
 TEST(TextPage, IsNotWiderThanATerminal) {
     MachineSample sample;
-    std::string name = "\033[2J\n\xff";
+    std::string name = "\033[2J\n\u009B2J\xff";
     for (int i = 0; i < 100; ++i) {
         name += "\u00E9";
     }
     sample.topMemoryProcesses = {{.id = 1, .name = name, .cpuUsage = 0, .memoryUsage = 0}};
-    std::string expected = "Memory    Zero KB    ?[2J?\uFFFD";
-    for (int i = 0; i < 59 - 6; ++i) {
+    std::string expected = "Memory    Zero KB     [2J  2J\uFFFD";
+    for (int i = 0; i < 59 - 9; ++i) {
         expected += "\u00E9";
     }
     const std::string page = textPage(sample, false);

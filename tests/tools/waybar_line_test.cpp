@@ -50,7 +50,7 @@ TEST(WaybarLine, HasTheFiguresAsMarkup) {
               "Memory usage is at 95%, above the high threshold.\n\n"
               "Memory 95% · 95 bytes of 100 bytes\n"
               "Disk 80% · 795 bytes of 1 KB on \n\n"
-              "Memory 5 bytes · &lt;a&amp;b&gt;?\uFFFD");
+              "Memory 5 bytes · &lt;a&amp;b&gt; \uFFFD");
 }
 
 }  // namespace
