@@ -94,6 +94,15 @@ class StartTest(DesktopTestCase):
             self.assert_one_line(program, f"the display cannot be reached: {value}")
         self.assertFalse(os.path.exists(self.store()))
 
+    def test_says_that_the_toolkit_cannot_start(self):
+        self.open_desktop()
+        program = self.program().start(QT_QPA_PLATFORM="nothing")
+        self.until(lambda: not program.runs(), "the program ends")
+        self.assertEqual(program.process.returncode, 1, program.output())
+        own = [line for line in program.output().splitlines() if line.startswith("tarnwick: ")]
+        self.assertEqual(len(own), 1, program.output())
+        self.assertIn("the toolkit cannot start: ", own[0])
+
     def test_passes_over_what_only_the_toolkit_knows(self):
         self.open_desktop()
         program = self.program(options=["-platform", "nonsense", "-style"]).start()

@@ -10,6 +10,7 @@
 #include <wayland-client-core.h>
 
 #include "platform/linux/desktop/session/xsettings.h"
+#include "platform/linux/events/standard_error.h"
 #include "platform/qt/x11.h"
 
 namespace tarnwick::platform {
@@ -47,6 +48,22 @@ std::optional<InterfaceFont> desktopFont() {
     return description ? interfaceFont(*description) : std::nullopt;
 }
 
+// Where other messages of the toolkit go while it starts.
+QtMessageHandler usualMessages = nullptr;
+
+void endWhereFatal(QtMsgType type, const QMessageLogContext& context, const QString& message) {
+    if (type != QtFatalMsg) {
+        usualMessages(type, context, message);
+        return;
+    }
+    std::string line = "the toolkit cannot start: " + message.section('\n', 0, 0).toStdString();
+    if (!qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
+        line += " Wayland needs the package qt6-wayland.";
+    }
+    notice(line);
+    std::_Exit(EXIT_FAILURE);
+}
+
 }  // namespace
 
 bool displayAnswers() {
@@ -69,6 +86,7 @@ bool displayAnswers() {
 }
 
 ToolkitEnvironment::ToolkitEnvironment() {
+    usualMessages = qInstallMessageHandler(endWhereFatal);
     for (const char* name : {"XDG_CURRENT_DESKTOP", "DESKTOP_SESSION", "KDE_FULL_SESSION",
                              "GNOME_DESKTOP_SESSION_ID", "QT_QPA_PLATFORMTHEME"}) {
         if (const char* value = std::getenv(name)) {
@@ -79,6 +97,7 @@ ToolkitEnvironment::ToolkitEnvironment() {
 }
 
 ToolkitEnvironment::~ToolkitEnvironment() {
+    qInstallMessageHandler(usualMessages);
     for (const auto& [name, value] : hidden_) {
         ::setenv(name, value.c_str(), 1);
     }

@@ -15,8 +15,9 @@ bool displayAnswers();
 
 /// The constructor hides the variables by which the toolkit chooses a desktop's theme plug-in; the
 /// destructor restores them for child processes. Such a plug-in needs up to 70 MB, and the program
-/// draws its own look. Requires: made before the application object, while there is only one
-/// thread.
+/// draws its own look. Where the toolkit cannot start meanwhile, the program ends with status 1 and
+/// one line; by itself the toolkit would crash. Requires: made before the application object, while
+/// there is only one thread.
 class ToolkitEnvironment {
  public:
     ToolkitEnvironment();
