@@ -131,8 +131,6 @@ enum class BatteryHealthSource {
 struct BatteryInfo {
     /// Charge level, percent; 0 when unknown.
     std::int64_t percentage = 0;
-    /// False when the charge level is unknown.
-    bool hasPercentage = true;
     bool isCharging = false;
     /// External power is connected.
     bool isPluggedIn = false;
@@ -150,6 +148,8 @@ struct BatteryInfo {
     bool hasBattery = false;
     /// Watts that it gives while discharging or takes while charging; absent when unknown.
     std::optional<double> power{};
+    /// False when the charge level is unknown.
+    bool hasPercentage = true;
 };
 
 /// The sum of all network interfaces that are up, without loopback.
