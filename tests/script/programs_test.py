@@ -71,6 +71,23 @@ class Network(unittest.TestCase):
         self.assertNotIn("libQt6Network", needed(TARNWICK))
 
 
+class Hardening(unittest.TestCase):
+    def test_the_programs_are_hardened_as_those_of_distributions(self):
+        if os.environ["TARNWICK_HARDENED"] != "1":
+            self.skipTest("this preset is for developers")
+        for program in (TARNWICK, PROBE):
+            with self.subTest(program=program.name):
+                self.assertRegex(output("readelf", "--file-header", program), r"Type: +DYN")
+                self.assertIn("GNU_RELRO", output("readelf", "--program-headers", program))
+                self.assertRegex(output("readelf", "--dynamic", program), r"FLAGS.*\bNOW\b")
+                functions = imported(program)
+                self.assertIn("__stack_chk_fail", functions)
+                self.assertTrue(any(name.endswith("_chk") for name in functions), functions)
+                if os.uname().machine == "x86_64":
+                    code = output("objdump", "--disassemble", "--no-show-raw-insn", program)
+                    self.assertGreater(code.count("endbr64"), 500)
+
+
 class Reading(unittest.TestCase):
     def test_the_programs_ask_for_no_environments_of_processes(self):
         for program in (TARNWICK, PROBE):
