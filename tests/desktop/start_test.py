@@ -73,8 +73,10 @@ class StartTest(DesktopTestCase):
         self.assertEqual(second.process.returncode, 1)
         self.assert_one_line(second, "another Tarnwick is running and does not answer")
         first.process.send_signal(signal.SIGCONT)
-        # It has heard, late.
-        self.assert_open(first)
+        # The user has gone on since then, and it opens no panel any more.
+        self.wait_until_calm(first)
+        self.assertIsNone(first.panel())
+        first.open_panel()
 
     def test_says_that_there_is_no_display(self):
         self.open_desktop(host=None)
