@@ -15,7 +15,7 @@ using PanelBlock =
                  NavigationButton, TopAppsSection, PanelDivider, FooterRow, DetailHeader,
                  GroupTitle, TrendRow, TopAppsList>;
 
-/// The panel's content is exactly this wide, in points.
+/// The panel's content is exactly this wide, in points, beside texts of a usual size.
 inline constexpr int kPanelWidth = 320;
 
 // Points between two neighbours of a page.

@@ -57,13 +57,14 @@ SummaryRoom measuredRoom(const TextStyle& caption, int width) {
 }
 
 /// Measured anew only when the font has changed since the last call.
-SummaryRoom summaryRoom(const TextStyle& caption) {
+SummaryRoom summaryRoom(const Theme& theme) {
     static QString measured;
     static SummaryRoom room{1, 1};
+    const TextStyle& caption = theme.style(FontRole::caption);
     const QString font = caption.font().toString();
     if (measured != font) {
         measured = font;
-        room = measuredRoom(caption, kPanelWidth - 2 * grid::kPadding);
+        room = measuredRoom(caption, theme.scaled(kPanelWidth) - 2 * grid::kPadding);
     }
     return room;
 }
@@ -117,12 +118,12 @@ void PanelHeaderWidget::valueChanged() {
 }
 
 int PanelHeaderWidget::titleRowHeight() const {
-    return std::max(grid::kIconButtonSize, theme().style(FontRole::headline).lineHeight());
+    return std::max(theme().scaled(grid::kIconButtonSize),
+                    theme().style(FontRole::headline).lineHeight());
 }
 
 TextStyle PanelHeaderWidget::summaryStyle() const {
-    const TextStyle& caption = theme().style(FontRole::caption);
-    return scaled(caption, summaryRoom(caption).share);
+    return scaled(theme().style(FontRole::caption), summaryRoom(theme()).share);
 }
 
 /// As many lines as there is room for: the header may not have been given its full height yet.
@@ -149,7 +150,7 @@ void PanelHeaderWidget::placeButtons() {
 }
 
 int PanelHeaderWidget::heightFor(int) const {
-    const int lines = summaryRoom(theme().style(FontRole::caption)).lines;
+    const int lines = summaryRoom(theme()).lines;
     return titleRowHeight() + kSummaryGap + lines * summaryStyle().lineHeight();
 }
 

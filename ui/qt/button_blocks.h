@@ -45,7 +45,9 @@ class PanelHeaderWidget final : public ButtonBlockWidget<PanelHeader> {
 
     int heightFor(int width) const override;
     /// The symbol of the last button, not its background, ends where the column ends.
-    int sideOverhang() const override { return (grid::kIconButtonSize - grid::kSymbolSize) / 2; }
+    int sideOverhang() const override {
+        return (theme().scaled(grid::kIconButtonSize) - theme().scaled(grid::kSymbolSize)) / 2;
+    }
     QAccessible::Role accessibleRole() const override { return QAccessible::Heading; }
 
  protected:

@@ -86,7 +86,7 @@ QSize ButtonWidget::sizeHint() const {
         qCeil(style().width(QString::fromStdString(button_.title))) + 2 * grid::kButtonPaddingX;
     switch (kind_) {
         case ButtonKind::icon:
-            return {grid::kIconButtonSize, grid::kIconButtonSize};
+            return {theme_.scaled(grid::kIconButtonSize), theme_.scaled(grid::kIconButtonSize)};
         case ButtonKind::title:
             return {width, line + 2 * grid::kButtonPaddingY};
         case ButtonKind::link:
@@ -95,7 +95,7 @@ QSize ButtonWidget::sizeHint() const {
         case ButtonKind::navigation:
             break;
     }
-    return {width + grid::kSymbolSize + grid::kSymbolGap, line + 2 * grid::kNavigationPaddingY};
+    return {width + symbolSize() + grid::kSymbolGap, line + 2 * grid::kNavigationPaddingY};
 }
 
 int ButtonWidget::corner() const {
@@ -125,17 +125,23 @@ QColor ButtonWidget::foreground() const {
     return theme_.color(isQuiet ? ColorRole::secondaryText : ColorRole::text);
 }
 
+int ButtonWidget::symbolSize() const {
+    return theme_.scaled(grid::kSymbolSize);
+}
+
 qreal ButtonWidget::titleX() const {
     if (kind_ != ButtonKind::link) {
         return grid::kButtonPaddingX;
     }
-    return button_.icon.empty() ? 0 : grid::kSymbolSize - grid::kLinkSymbolEdge + grid::kLinkGap;
+    return button_.icon.empty()
+               ? 0
+               : symbolSize() - theme_.scaled(grid::kLinkSymbolEdge) + grid::kLinkGap;
 }
 
 qreal ButtonWidget::titleRoom() const {
     switch (kind_) {
         case ButtonKind::navigation:
-            return width() - 2 * grid::kButtonPaddingX - grid::kSymbolSize - grid::kSymbolGap;
+            return width() - 2 * grid::kButtonPaddingX - symbolSize() - grid::kSymbolGap;
         case ButtonKind::link:
             return width() - titleX();
         case ButtonKind::icon:
@@ -152,10 +158,10 @@ void ButtonWidget::paintEvent(QPaintEvent*) {
     painter.setBrush(ground());
     painter.drawRoundedRect(rect(), corner(), corner());
     painter.setOpacity(isEnabled() ? 1 : kDisabledOpacity);
-    const int symbolY = (height() - grid::kSymbolSize) / 2;
+    const int symbolY = (height() - symbolSize()) / 2;
     if (kind_ == ButtonKind::icon) {
         paintSymbol(painter, button_.icon, foreground(),
-                    QPointF((width() - grid::kSymbolSize) / 2, symbolY), grid::kSymbolSize,
+                    QPointF((width() - symbolSize()) / 2, symbolY), symbolSize(),
                     std::fmod(turns_.value(), 1));
         return;
     }
@@ -163,14 +169,13 @@ void ButtonWidget::paintEvent(QPaintEvent*) {
     style().draw(painter, QPointF(titleX(), baseline),
                  style().elided(QString::fromStdString(button_.title), titleRoom()), foreground());
     if (kind_ == ButtonKind::link && !button_.icon.empty()) {
-        paintSymbol(painter, button_.icon, foreground(), QPointF(-grid::kLinkSymbolEdge, symbolY),
-                    grid::kSymbolSize);
+        paintSymbol(painter, button_.icon, foreground(),
+                    QPointF(-theme_.scaled(grid::kLinkSymbolEdge), symbolY), symbolSize());
     }
     if (kind_ == ButtonKind::navigation) {
         paintSymbol(painter, NavigationButton::kTrailingIcon,
                     theme_.color(ColorRole::secondaryText),
-                    QPointF(width() - grid::kButtonPaddingX - grid::kSymbolSize, symbolY),
-                    grid::kSymbolSize);
+                    QPointF(width() - grid::kButtonPaddingX - symbolSize(), symbolY), symbolSize());
     }
 }
 

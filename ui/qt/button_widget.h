@@ -61,6 +61,7 @@ class ButtonWidget final : public QAbstractButton {
     const TextStyle& style() const { return theme_.style(FontRole::subheadline); }
     /// Where the title starts and the room for it, logical pixels.
     qreal titleX() const;
+    int symbolSize() const;
     qreal titleRoom() const;
 
     ButtonKind kind_;

@@ -74,7 +74,7 @@ PanelPopup::PanelPopup(const Theme& theme, const Page& page, PressHandler press,
     scroller_->setWidget(view_);
     scroller_->viewport()->setAutoFillBackground(false);
     view_->setAutoFillBackground(false);
-    connect(view_, &PanelView::heightChanged, this, &PanelPopup::place);
+    connect(view_, &PanelView::sizeChanged, this, &PanelPopup::place);
 }
 
 void PanelPopup::turnTo(const Page& page, std::optional<PanelAction> entry) {

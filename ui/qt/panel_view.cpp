@@ -152,7 +152,8 @@ PanelView::Rows::iterator PanelView::heldRow() {
 // Rows above the held one must not take more room than before: a new row there stays hidden for
 // now, and a row that has grown is cut. Room that is no longer needed stays empty.
 void PanelView::placeWidgets(Rows::iterator held) {
-    constexpr int width = kPanelWidth - 2 * grid::kPadding;
+    const int panelWidth = theme_.scaled(kPanelWidth);
+    const int width = panelWidth - 2 * grid::kPadding;
     int y = grid::kPadding;
     for (auto row = rows_.begin(); row != rows_.end(); ++row) {
         BlockWidget& widget = *row->widget;
@@ -178,9 +179,9 @@ void PanelView::placeWidgets(Rows::iterator held) {
     }
     y += grid::kPadding;
     focusRing_->follow();
-    if (size() != QSize(kPanelWidth, y)) {
-        setFixedSize(kPanelWidth, y);
-        emit heightChanged();
+    if (size() != QSize(panelWidth, y)) {
+        setFixedSize(panelWidth, y);
+        emit sizeChanged();
     }
     lookForPointer();
     timeHold();

@@ -20,9 +20,9 @@ namespace tarnwick::qt {
 class ButtonWidget;
 class FocusRing;
 
-/// kPanelWidth wide and as high as its page. A new page changes only the widgets of the items that
-/// differ. A widget is kept as long as an item of its id and kind exists. The object name of a
-/// widget is the id of its item.
+/// kPanelWidth wide, wider beside large texts, and as high as its page. A new page changes only the
+/// widgets of the items that differ. A widget is kept as long as an item of its id and kind exists.
+/// The object name of a widget is the id of its item.
 class PanelView final : public QWidget {
     Q_OBJECT
 
@@ -45,7 +45,7 @@ class PanelView final : public QWidget {
 
  signals:
     /// A page of another height was set, or the fonts changed.
-    void heightChanged();
+    void sizeChanged();
 
  protected:
     void changeEvent(QEvent* event) override;

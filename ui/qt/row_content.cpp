@@ -20,7 +20,7 @@ QString text(const std::string& utf8) {
 }
 
 RowContent::Symbol symbol(const std::string& name, const Theme& theme, ColorRole colour) {
-    return {name, theme.color(colour), grid::kSymbolSize};
+    return {name, theme.color(colour), theme.scaled(grid::kSymbolSize)};
 }
 
 struct Fitted {
@@ -33,7 +33,7 @@ struct Fitted {
 Fitted fitted(const RowContent& row, const Theme& theme, qreal width) {
     const TextStyle& leadingStyle = theme.style(row.leading.font);
     const TextStyle& trailingStyle = theme.style(row.trailing.font);
-    const qreal leadingX = row.symbol ? grid::kSymbolSize + grid::kSymbolGap : 0;
+    const qreal leadingX = row.symbol ? theme.scaled(grid::kSymbolSize) + grid::kSymbolGap : 0;
     const qreal room = width - leadingX - (row.mark ? row.mark->size + grid::kMarkGap : 0);
     if (row.trailing.text.isEmpty()) {
         return {leadingX, leadingStyle.elided(row.leading.text, room), {}, 0};
@@ -63,7 +63,7 @@ RowContent rowContent(const StatusRow& row, const Theme& theme) {
 }
 
 RowContent rowContent(const NoticeRow& row, const Theme& theme) {
-    return {RowContent::Symbol{row.icon, theme.color(row.tint), grid::kMarkSize},
+    return {RowContent::Symbol{row.icon, theme.color(row.tint), theme.scaled(grid::kMarkSize)},
             {text(row.text), FontRole::caption, ColorRole::secondaryText},
             {}};
 }
@@ -106,7 +106,7 @@ std::optional<RowContent::Symbol> levelMarkSymbol(Tint tint, const Theme& theme)
     if (name.empty()) {
         return std::nullopt;
     }
-    return RowContent::Symbol{std::string(name), theme.color(tint), grid::kMarkSize};
+    return RowContent::Symbol{std::string(name), theme.color(tint), theme.scaled(grid::kMarkSize)};
 }
 
 int rowHeight(const RowContent& row, const Theme& theme) {
@@ -119,7 +119,7 @@ void paintRow(QPainter& painter, const RowContent& row, const Theme& theme, cons
     const Fitted fit = fitted(row, theme, rect.width());
     if (row.symbol) {
         paintSymbol(painter, row.symbol->name, row.symbol->colour,
-                    QPointF(rect.left() + (grid::kSymbolSize - row.symbol->size) / 2,
+                    QPointF(rect.left() + (theme.scaled(grid::kSymbolSize) - row.symbol->size) / 2,
                             rect.top() + (rect.height() - row.symbol->size) / 2),
                     row.symbol->size);
     }

@@ -63,13 +63,6 @@ void SettingsLabel::applyTheme() {
     setFont(theme_.style(font_).font());
 }
 
-int besideText(const Theme& theme, int size) {
-    // The caption's size, in points, beside an interface font of the usual size.
-    constexpr qreal usual = 8.625;
-    const qreal points = theme.style(FontRole::caption).font().pointSizeF();
-    return qRound(size * std::clamp(points / usual, 1.0, 2.0));
-}
-
 SymbolWidget::SymbolWidget(const Theme& theme, int size, QWidget* parent)
     : QWidget(parent), theme_(theme), size_(size) {
     applyFont();
@@ -92,7 +85,7 @@ bool SymbolWidget::event(QEvent* event) {
 }
 
 void SymbolWidget::applyFont() {
-    const int side = besideText(theme_, size_);
+    const int side = theme_.scaled(size_);
     setFixedSize(side, side);
 }
 

@@ -13,9 +13,6 @@ namespace tarnwick::qt {
 
 QString fromUtf8(std::string_view text);
 
-/// The size of a symbol beside text: `size` logical pixels; larger if the user's fonts are larger.
-int besideText(const Theme& theme, int size);
-
 /// A text in one of the theme's fonts and colours; follows changes of the theme. It wraps at its
 /// width; a caption neither within a combination of keys nor before its last word. Its accessible
 /// name is the text as it was set.

@@ -31,7 +31,7 @@ void DisplayModePreviewWidget::paintEvent(QPaintEvent*) {
     painter.setBrush(theme_.color(ColorRole::control));
     painter.drawRoundedRect(rect(), kStripCorner, kStripCorner);
     const TextStyle& style = theme_.style(FontRole::subheadlineMedium);
-    const int symbol = besideText(theme_, kPreviewSymbol);
+    const int symbol = theme_.scaled(kPreviewSymbol);
     const QString text = fromUtf8(preview_.text());
     const qreal textWidth = text.isEmpty() ? 0 : kPreviewGap + style.width(text);
     const int x = static_cast<int>((width() - symbol - textWidth) / 2);

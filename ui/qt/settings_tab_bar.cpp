@@ -31,7 +31,7 @@ SettingsTabButton::SettingsTabButton(const Theme& theme, const TabItem& item, QW
 
 QSize SettingsTabButton::sizeHint() const {
     using namespace settings_grid;
-    const int symbol = besideText(theme_, kTabSymbol);
+    const int symbol = theme_.scaled(kTabSymbol);
     return {std::max(qCeil(style().width(text())), symbol) + 2 * kTabPaddingX,
             symbol + kTabGap + style().lineHeight() + 2 * kTabPaddingY};
 }
@@ -68,7 +68,7 @@ void SettingsTabButton::paintEvent(QPaintEvent*) {
         painter.setBrush(Qt::NoBrush);
     }
     painter.drawRoundedRect(rect(), kTabCorner, kTabCorner);
-    const int symbol = besideText(theme_, kTabSymbol);
+    const int symbol = theme_.scaled(kTabSymbol);
     const QColor color = theme_.color(isChecked() ? ColorRole::accent : ColorRole::secondaryText);
     paintSymbol(painter, item_.icon, color, QPointF((width() - symbol) / 2, kTabPaddingY), symbol);
     style().draw(painter,

@@ -6,6 +6,7 @@
 #include <QFontMetricsF>
 #include <QImage>
 #include <QPalette>
+#include <algorithm>
 #include <array>
 
 namespace tarnwick::qt {
@@ -20,6 +21,10 @@ struct RoleFont {
 };
 
 constexpr qreal kReferencePointSize = 11;
+/// Up to this size of the interface font the panel has room for its texts, and nothing but them
+/// grows.
+constexpr qreal kLargestUsualPointSize = 12;
+constexpr qreal kLargestScale = 2;
 /// Points in a logical pixel at 96 dots an inch.
 constexpr qreal kPointsPerPixel = 0.75;
 constexpr std::array kRoleFonts = {
@@ -154,26 +159,37 @@ QColor Theme::color(Tint tint, bool isDark) {
 }
 
 const TextStyle& Theme::style(FontRole role) const {
-    if (base_ != QApplication::font()) {
-        base_ = QApplication::font();
-        // Under Wayland that font was made before the screen was known, and would measure texts for
-        // another resolution than the one they are drawn in.
-        const QImage device(1, 1, QImage::Format_RGB32);
-        const QFont desktop(*base_, &device);
-        const qreal points =
-            desktop.pointSizeF() > 0 ? desktop.pointSizeF() : QFontInfo(desktop).pointSizeF();
-        styles_.clear();
-        for (const RoleFont& each : kRoleFonts) {
-            QFont font = desktop;
-            font.setPointSizeF(each.size * kPointsPerPixel * points / kReferencePointSize);
-            font.setWeight(each.weight);
-            if (each.weight == QFont::Medium && !hasMediumWeight(font)) {
-                font.setWeight(QFont::DemiBold);
-            }
-            styles_.emplace_back(font);
-        }
-    }
+    takeFont();
     return styles_[static_cast<std::size_t>(role)];
+}
+
+int Theme::scaled(int length) const {
+    takeFont();
+    return qRound(length * scale_);
+}
+
+void Theme::takeFont() const {
+    if (base_ == QApplication::font()) {
+        return;
+    }
+    base_ = QApplication::font();
+    // Under Wayland that font was made before the screen was known, and would measure texts for
+    // another resolution than the one they are drawn in.
+    const QImage device(1, 1, QImage::Format_RGB32);
+    const QFont desktop(*base_, &device);
+    const qreal points =
+        desktop.pointSizeF() > 0 ? desktop.pointSizeF() : QFontInfo(desktop).pointSizeF();
+    scale_ = std::clamp(points / kLargestUsualPointSize, 1.0, kLargestScale);
+    styles_.clear();
+    for (const RoleFont& each : kRoleFonts) {
+        QFont font = desktop;
+        font.setPointSizeF(each.size * kPointsPerPixel * points / kReferencePointSize);
+        font.setWeight(each.weight);
+        if (each.weight == QFont::Medium && !hasMediumWeight(font)) {
+            font.setWeight(QFont::DemiBold);
+        }
+        styles_.emplace_back(font);
+    }
 }
 
 void Theme::applyPalette() const {

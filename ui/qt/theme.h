@@ -64,15 +64,21 @@ class Theme {
     /// Derived from the desktop's interface font; the sizes scale with the size of that font. The
     /// reference is valid until the desktop's font changes.
     const TextStyle& style(FontRole role) const;
+    /// What is `length` logical pixels beside texts of a usual size, beside the texts of the
+    /// desktop's interface font: at least as much, and at most twice as much.
+    int scaled(int length) const;
 
  private:
     void applyPalette() const;
+    /// Derives styles and scale from the interface font, unless they are derived from it already.
+    void takeFont() const;
 
     bool isDark_;
     bool isHighContrast_ = false;
-    /// The interface font that `styles_` come from.
+    /// The interface font that `styles_` and `scale_` come from.
     mutable std::optional<QFont> base_;
     mutable std::vector<TextStyle> styles_;
+    mutable qreal scale_ = 1;
 };
 
 }  // namespace tarnwick::qt

@@ -26,12 +26,16 @@ int TrendRowWidget::textHeight() const {
            theme().style(FontRole::captionMedium).lineHeight();
 }
 
+QSize TrendRowWidget::sparklineSize() const {
+    return {theme().scaled(TrendRow::kSparklineWidth), theme().scaled(TrendRow::kSparklineHeight)};
+}
+
 qreal TrendRowWidget::textRoom() const {
-    return width() - TrendRow::kSparklineWidth - TrendRow::kSpacing;
+    return width() - sparklineSize().width() - TrendRow::kSpacing;
 }
 
 int TrendRowWidget::heightFor(int) const {
-    return std::max(TrendRow::kSparklineHeight, textHeight());
+    return std::max(sparklineSize().height(), textHeight());
 }
 
 // Two neighbouring rows share the space between them, so that a repaint of one does not repaint the
@@ -68,10 +72,9 @@ void TrendRowWidget::paintEvent(QPaintEvent*) {
         paintSymbol(painter, mark->name, mark->colour,
                     QPointF(0, figureTop + (figure.lineHeight() - mark->size) / 2), mark->size);
     }
-    paintSparkline(
-        painter, value().sparkline(), theme(),
-        QRectF(width() - TrendRow::kSparklineWidth, (height() - TrendRow::kSparklineHeight) / 2.0,
-               TrendRow::kSparklineWidth, TrendRow::kSparklineHeight));
+    const QSizeF sparkline = sparklineSize();
+    const QPointF corner(width() - sparkline.width(), (height() - sparkline.height()) / 2);
+    paintSparkline(painter, value().sparkline(), theme(), QRectF(corner, sparkline));
 }
 
 QString TrendRowWidget::cutTextAt(const QPoint& position) const {
@@ -94,11 +97,12 @@ QString TrendRowWidget::cutTextAt(const QPoint& position) const {
 
 // Over the sparkline also the value below the pointer.
 QString TrendRowWidget::toolTipAt(const QPoint& position) const {
-    const int left = width() - TrendRow::kSparklineWidth;
-    return QString::fromStdString(position.x() < left
-                                      ? value().toolTip()
-                                      : value().toolTip(static_cast<double>(position.x() - left) /
-                                                        TrendRow::kSparklineWidth));
+    const int sparkline = sparklineSize().width();
+    const int left = width() - sparkline;
+    return QString::fromStdString(
+        position.x() < left
+            ? value().toolTip()
+            : value().toolTip(static_cast<double>(position.x() - left) / sparkline));
 }
 
 void paintSparkline(QPainter& painter, const SparklineView& sparkline, const Theme& theme,

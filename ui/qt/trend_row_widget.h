@@ -27,6 +27,7 @@ class TrendRowWidget final : public ValueBlockWidget<TrendRow> {
     QString toolTipAt(const QPoint& position) const override;
 
  private:
+    QSize sparklineSize() const;
     int textHeight() const;
     qreal textRoom() const;
 };

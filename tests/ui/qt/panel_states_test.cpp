@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <iterator>
+#include <set>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -13,6 +15,7 @@
 #include "ui/panel/spoken_text.h"
 #include "ui/qt/button_widget.h"
 #include "ui/qt/grid.h"
+#include "ui/qt/row_content.h"
 #include "ui/qt/symbols.h"
 #include "ui/qt/top_apps_widget.h"
 
@@ -54,7 +57,8 @@ class PanelStates : public PanelViewTest {
                                             Qt::FindDirectChildrenOnly);
     }
     void expectAColumn(const Page& page) const {
-        EXPECT_EQ(view.width(), kPanelWidth);
+        const int width = theme.scaled(kPanelWidth);
+        EXPECT_EQ(view.width(), width);
         int bottom = 16;
         const BlockWidget* above = nullptr;
         for (const PageItem& item : page) {
@@ -63,7 +67,7 @@ class PanelStates : public PanelViewTest {
             ASSERT_NE(widget, nullptr);
             EXPECT_TRUE(widget->isVisible());
             EXPECT_EQ(widget->x() + widget->sideOverhang(), 16);
-            EXPECT_EQ(widget->width() - 2 * widget->sideOverhang(), 288);
+            EXPECT_EQ(widget->width() - 2 * widget->sideOverhang(), width - 32);
             EXPECT_EQ(widget->y() + widget->overhang(), bottom + item.spaceAbove);
             const int height = widget->height() - 2 * widget->overhang();
             EXPECT_GT(height, 0);
@@ -150,8 +154,8 @@ TEST_F(PanelStates, TheSummaryOfEveryMetricFitsOneLineInAUsualFont) {
         QApplication::setFont(usual);
         settle();
         show(homePage(testing::calmMachine(), formatter));
-        const int title =
-            std::max(grid::kIconButtonSize, theme.style(FontRole::headline).lineHeight());
+        const int title = std::max(theme.scaled(grid::kIconButtonSize),
+                                   theme.style(FontRole::headline).lineHeight());
         EXPECT_LE(find("header")->height(), title + 2 + theme.style(FontRole::caption).lineHeight())
             << family;
     }
@@ -174,6 +178,56 @@ TEST_F(PanelStates, TheSummaryIsWholeAndKeepsTheHeightWhicheverMetricItIsAboutIn
             QApplication::sendEvent(find("header"), &help);
             EXPECT_EQ(shownToolTip(), "") << factor << ' ' << text;
         }
+    }
+}
+
+TEST_F(PanelStates, LargeFontsCutNothingThatTheUsualOneDoesNot) {
+    const auto cutTexts = [this](qreal points) {
+        QFont inter("Inter");
+        inter.setPointSizeF(points);
+        QApplication::setFont(inter);
+        settle();
+        std::set<std::string> cut;
+        for (const State& state : states) {
+            show(state.page);
+            for (const PageItem& item : state.page) {
+                const auto look = [&](const RowContent& row, const QWidget& widget) {
+                    cut.insert(state.name + ", " + item.id + ": " +
+                               cutText(row, theme, widget.width()).toStdString());
+                };
+                std::visit(
+                    [&](const auto& value) {
+                        if constexpr (requires { rowContent(value, theme); }) {
+                            look(rowContent(value, theme), *block(item));
+                        }
+                    },
+                    item.block);
+                for (const ListLine* line : block(item)->findChildren<ListLine*>()) {
+                    look(line->content(), *line);
+                }
+                if (std::holds_alternative<PanelHeader>(item.block) ||
+                    std::holds_alternative<DetailHeader>(item.block) ||
+                    std::holds_alternative<TrendRow>(item.block)) {
+                    // The tool tip begins with it.
+                    const QPoint place(20, 7);
+                    QHelpEvent help(QEvent::ToolTip, place, block(item)->mapToGlobal(place));
+                    QApplication::sendEvent(block(item), &help);
+                    cut.insert(state.name + ", " + item.id + ": " + shownToolTip().toStdString());
+                    hideToolTip();
+                }
+            }
+            for (const ButtonWidget* button : view.findChildren<ButtonWidget*>()) {
+                EXPECT_GE(button->width(), button->sizeHint().width())
+                    << state.name << ' ' << button->objectName().toStdString();
+            }
+        }
+        return cut;
+    };
+    const std::set<std::string> usual = cutTexts(11);
+    for (const qreal points : {13.75, 16.5, 22.0}) {
+        std::set<std::string> more;
+        std::ranges::set_difference(cutTexts(points), usual, std::inserter(more, more.end()));
+        EXPECT_THAT(more, ::testing::IsEmpty()) << points;
     }
 }
 

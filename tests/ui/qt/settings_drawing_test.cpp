@@ -116,7 +116,7 @@ TEST_F(SettingsDrawing, EveryTabHasItsSymbolAboveItsLabel) {
                 theme.color(isSelected ? ColorRole::accent : ColorRole::secondaryText);
             const QImage seen = picture(button);
             const QColor ground = seen.pixelColor(button->width() / 2, 2);
-            const int size = besideText(theme, 20);
+            const int size = theme.scaled(20);
             EXPECT_TRUE(showsSymbol(seen, kTabs.at(static_cast<std::size_t>(button->tab())).icon,
                                     colour, QPoint((button->width() - size) / 2, 5), size, ground))
                 << button->text().toStdString();

@@ -85,6 +85,23 @@ TEST_P(ThemeColours, WithMoreContrastEveryTextAndLineStandsOut) {
 INSTANTIATE_TEST_SUITE_P(, ThemeColours, ::testing::Bool(),
                          [](const auto& row) { return row.param ? "Dark" : "Light"; });
 
+TEST(Theme, LengthsGrowWithLargeFontsAndAtMostToTwiceAsMuch) {
+    const QFont old = QApplication::font();
+    const Theme theme;
+    const auto scaled = [&](qreal points, int length) {
+        QFont font = old;
+        font.setPointSizeF(points);
+        QApplication::setFont(font);
+        return theme.scaled(length);
+    };
+    EXPECT_EQ(scaled(6, 320), 320);
+    EXPECT_EQ(scaled(12, 320), 320);
+    EXPECT_EQ(scaled(15, 320), 400);
+    EXPECT_EQ(scaled(24, 320), 640);
+    EXPECT_EQ(scaled(60, 16), 32);
+    QApplication::setFont(old);
+}
+
 TEST(Theme, TintsHaveTheirOwnShadeInTheDark) {
     Theme theme(false);
     EXPECT_EQ(theme.color(Tint::green), QColor(0x1C9142));
