@@ -2,6 +2,7 @@
 #include "ui/qt/panel_popup.h"
 
 #include <QBitmap>
+#include <QContextMenuEvent>
 #include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
@@ -212,10 +213,27 @@ void PanelPopup::keyPressEvent(QKeyEvent* event) {
         }
         return;
     }
+    if (event->key() == Qt::Key_F10 && event->modifiers() == Qt::ShiftModifier) {
+        openMenu();
+        return;
+    }
     // No button has the focus, or the focused one did not use the key.
     if (!view_->walk(event->key()) && !scroll(event->key())) {
         QWidget::keyPressEvent(event);
     }
+}
+
+// The menu key comes here while no button has the focus. A right click beside the panel does, too.
+void PanelPopup::contextMenuEvent(QContextMenuEvent* event) {
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        openMenu();
+    }
+}
+
+void PanelPopup::openMenu() {
+    const QWidget* focused = view_->focusedButton();
+    view_->openMenu(focused != nullptr ? focused->mapToGlobal(focused->rect().center())
+                                       : mapToGlobal(panelRect().center()));
 }
 
 void PanelPopup::cancel() {

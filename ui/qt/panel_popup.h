@@ -60,6 +60,7 @@ class PanelPopup final : public QWidget {
     void mouseReleaseEvent(QMouseEvent* event) override;
     void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
     bool event(QEvent* event) override;
 
  private:
@@ -69,6 +70,8 @@ class PanelPopup final : public QWidget {
     void placeInWorkArea();
     void cancel();
     void dismiss();
+    /// Shows the panel's menu for the keyboard: over the focused button or in the middle.
+    void openMenu();
     /// Scrolls as the key asks; false if it is not a scrolling key.
     bool scroll(int key);
     /// Directs keys and presses outside to the panel; if that fails, tries again soon.

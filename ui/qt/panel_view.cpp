@@ -232,7 +232,11 @@ void PanelView::changeEvent(QEvent* event) {
 }
 
 void PanelView::contextMenuEvent(QContextMenuEvent* event) {
-    makePanelMenu(*this, theme_, press_)->popup(event->globalPos());
+    openMenu(event->globalPos());
+}
+
+void PanelView::openMenu(const QPoint& place) {
+    makePanelMenu(*this, theme_, press_)->popup(place);
 }
 
 // The view moves when the page is scrolled.

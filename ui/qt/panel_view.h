@@ -42,6 +42,8 @@ class PanelView final : public QWidget {
     /// The up and down keys walk through the buttons. Does nothing and returns false for another
     /// key, and if the page is cut off: then these keys scroll.
     bool walk(int key);
+    /// Shows the panel's menu at that point of the screen.
+    void openMenu(const QPoint& place);
 
  signals:
     /// A page of another height was set, or the fonts changed.

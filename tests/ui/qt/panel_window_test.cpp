@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/qt/panel_window.h"
 
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QPainter>
 #include <QScreen>
 #include <QScrollBar>
@@ -243,6 +245,42 @@ TEST_F(PanelWindowTest, AnotherPageKeepsThePlaceAboveTheItem) {
     click("button.goBack");
     EXPECT_EQ(panelPlace(), home);
     QApplication::setFont(old);
+}
+
+TEST_F(PanelWindowTest, TheMenuKeyAndShiftF10ShowTheMenuWithAndWithoutAFocusedButton) {
+    open();
+    const auto expectMenuOver = [this](const QRect& place) {
+        auto* menu = popup()->findChild<QMenu*>("menu");
+        ASSERT_NE(menu, nullptr);
+        EXPECT_TRUE(menu->isVisible());
+        EXPECT_TRUE(menu->geometry().intersects(place));
+        menu->close();
+        qt::settle();
+        EXPECT_TRUE(window->isOpen());
+    };
+    const auto menuKey = [](QWidget* focused) {
+        const QPoint middle = focused->rect().center();
+        QContextMenuEvent event(QContextMenuEvent::Keyboard, middle, focused->mapToGlobal(middle));
+        QApplication::sendEvent(focused, &event);
+        qt::settle();
+    };
+    key(Qt::Key_F10, Qt::ShiftModifier);
+    expectMenuOver(panelPlace());
+    menuKey(popup());
+    expectMenuOver(panelPlace());
+    QWidget* button = find("button.showMemoryDetail");
+    button->setFocus(Qt::TabFocusReason);
+    const QRect place(button->mapToGlobal(QPoint()), button->size());
+    key(Qt::Key_F10, Qt::ShiftModifier);
+    expectMenuOver(place);
+    menuKey(button);
+    expectMenuOver(place);
+    // Other keys do not, nor does a right click on the shadow.
+    key(Qt::Key_F10);
+    const QPoint shadow(2, 2);
+    QContextMenuEvent click(QContextMenuEvent::Mouse, shadow, popup()->mapToGlobal(shadow));
+    QApplication::sendEvent(popup(), &click);
+    EXPECT_EQ(popup()->findChild<QMenu*>("menu"), nullptr);
 }
 
 TEST_F(PanelWindowTest, EscapeGoesBackFromADetailPageAndClosesFromTheHomePage) {
