@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // panel_screens FOLDER: pictures of the panel's pages in every state that the tests keep as text,
 // and over every recorded machine while it is calm and while it is in trouble; light and dark, at
-// the scale that QT_SCALE_FACTOR says.
+// the scale that QT_SCALE_FACTOR says; one machine with larger fonts, too.
 #include <QApplication>
 #include <QDir>
 #include <QTemporaryFile>
@@ -110,21 +110,38 @@ Pages pages() {
     return pages;
 }
 
-int makePictures(const QDir& folder) {
-    for (const auto& [name, page] : pages()) {
+/// The names of the pictures begin with `prefix`.
+bool makePictures(const QDir& folder, const QString& prefix, const Pages& pages) {
+    for (const auto& [name, page] : pages) {
         for (const bool isDark : {false, true}) {
             const Theme theme(isDark);
-            const QString path = folder.filePath(QString("%1_%2_%3x.png")
-                                                     .arg(QString::fromStdString(name))
+            const QString path = folder.filePath(QString("%1%2_%3_%4x.png")
+                                                     .arg(prefix, QString::fromStdString(name))
                                                      .arg(isDark ? "dark" : "light")
                                                      .arg(qApp->devicePixelRatio()));
             if (!picture(theme, page).save(path)) {
                 QTextStream(stderr) << "cannot write " << path << '\n';
-                return 1;
+                return false;
             }
         }
     }
-    return 0;
+    return true;
+}
+
+/// The same on desktops with larger fonts, whose size in percent goes into the names.
+bool makeLargePictures(const QDir& folder, const QFont& usual) {
+    Pages pages;
+    addMachine("workstation", pages);
+    for (const int percent : {125, 150, 200}) {
+        QFont font = usual;
+        font.setPointSizeF(usual.pointSizeF() * percent / 100);
+        QApplication::setFont(font);
+        if (!makePictures(folder, QString("font%1_").arg(percent), pages)) {
+            return false;
+        }
+    }
+    QApplication::setFont(usual);
+    return true;
 }
 
 }  // namespace
@@ -149,5 +166,8 @@ int main(int argc, char** argv) {
     font.setFamily("Inter");
     font.setPointSizeF(11);
     QApplication::setFont(font);
-    return tarnwick::qt::makePictures(QDir(argv[1]));
+    const QDir folder(argv[1]);
+    const bool isWritten = tarnwick::qt::makePictures(folder, {}, tarnwick::qt::pages()) &&
+                           tarnwick::qt::makeLargePictures(folder, font);
+    return isWritten ? 0 : 1;
 }

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
 // settings_screens FOLDER: pictures of every tab of the settings window, light and dark, at several
-// scales and with larger fonts.
+// scales, with larger fonts and with more contrast.
 #include <QApplication>
 #include <QDir>
 #include <QScrollBar>
@@ -66,13 +66,13 @@ class Scene {
     std::unique_ptr<SettingsWidget> widget_;
 };
 
-/// `size` goes into the names of the pictures.
-bool makePictures(const QDir& folder, const Theme& theme, const QString& size, qreal ratio) {
+/// The names of the pictures begin with `prefix`.
+bool makePictures(const QDir& folder, const Theme& theme, const QString& prefix, qreal ratio) {
     Scene scene(theme);
     bool isWritten = true;
     const auto keep = [&](const char* name) {
-        const QString path = folder.filePath(QString("settings_%1%2_%3_%4x.png")
-                                                 .arg(name, size)
+        const QString path = folder.filePath(QString("%1settings_%2_%3_%4x.png")
+                                                 .arg(prefix, name)
                                                  .arg(theme.isDark() ? "dark" : "light")
                                                  .arg(ratio));
         if (!scene.picture(ratio).save(path)) {
@@ -96,21 +96,25 @@ bool makePictures(const QDir& folder, const Theme& theme, const QString& size, q
     return isWritten;
 }
 
-int makePictures(const QDir& folder, QFont font) {
+int makePictures(const QDir& folder, const QFont& font) {
     for (const bool isDark : {false, true}) {
-        const Theme theme(isDark);
-        for (const qreal ratio : {1.0, 1.5, 2.0}) {
+        Theme theme(isDark);
+        for (const qreal ratio : {1.0, 1.25, 1.5, 2.0}) {
             if (!makePictures(folder, theme, {}, ratio)) {
                 return 1;
             }
         }
-        const qreal points = font.pointSizeF();
-        font.setPointSizeF(points * 1.5);
+        for (const int percent : {125, 150, 200}) {
+            QFont large = font;
+            large.setPointSizeF(font.pointSizeF() * percent / 100);
+            QApplication::setFont(large);
+            if (!makePictures(folder, theme, QString("font%1_").arg(percent), 1)) {
+                return 1;
+            }
+        }
         QApplication::setFont(font);
-        const bool isWritten = makePictures(folder, theme, "_large_font", 1);
-        font.setPointSizeF(points);
-        QApplication::setFont(font);
-        if (!isWritten) {
+        theme.setHighContrast(true);
+        if (!makePictures(folder, theme, "contrast_", 1)) {
             return 1;
         }
     }
