@@ -9,7 +9,6 @@
 
 #include "ui/qt/block_widget.h"
 #include "ui/qt/button_blocks.h"
-#include "ui/qt/device_pixels.h"
 #include "ui/qt/grid.h"
 #include "ui/qt/row_content.h"
 #include "ui/qt/top_apps_widget.h"
@@ -31,10 +30,13 @@ class DividerWidget final : public ValueBlockWidget<PanelDivider> {
  protected:
     void paintEvent(QPaintEvent*) override {
         QPainter painter(this);
-        // Whole pixels, so that every divider is equally thin.
-        const qreal scale = painter.deviceTransform().m22();
-        const qreal thickness = std::max(1.0, std::floor(scale * grid::kHairline)) / scale;
-        painter.fillRect(onPixelRows(painter, QRectF(0, height() - thickness, width(), thickness)),
+        // Whole pixels, so that every divider is equally thin: from the first row that the toolkit
+        // leaves the widget, by rounding. Any row above is cut.
+        const QTransform& device = painter.deviceTransform();
+        const int first = qRound(device.map(QPointF(0, 0)).y());
+        const qreal top = device.inverted().map(QPointF(0, first)).y();
+        const qreal rows = std::max(1.0, std::floor(device.m22() * grid::kHairline));
+        painter.fillRect(QRectF(0, top, width(), rows / device.m22()),
                          theme().color(ColorRole::hairline));
     }
 };

@@ -32,7 +32,7 @@ QRectF onPixelRows(const QPainter& painter, const QRectF& rect) {
 QPointF onPixel(const QPainter& painter, const QPointF& position) {
     const QTransform& device = painter.deviceTransform();
     const QPointF mapped = device.map(position);
-    return device.inverted().map(QPointF(pixel(mapped.x()), pixel(mapped.y())));
+    return device.inverted().map(QPointF(qRound(mapped.x()), qRound(mapped.y())));
 }
 
 }  // namespace tarnwick::qt

@@ -14,7 +14,8 @@ namespace tarnwick::qt {
 /// upwards by less than a pixel.
 QRectF onPixelRows(const QPainter& painter, const QRectF& rect);
 
-/// The corner, in logical pixels, of the device pixel that contains `position`.
+/// The corner of a device pixel, in logical pixels, that is nearest to `position`. The toolkit cuts
+/// widgets there, too.
 QPointF onPixel(const QPainter& painter, const QPointF& position);
 
 }  // namespace tarnwick::qt

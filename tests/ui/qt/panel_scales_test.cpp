@@ -96,9 +96,8 @@ TEST_P(PanelViewScales, SymbolsAreDrawnInEveryPixel) {
         expected.fill(ground());
         QPainter(&expected).drawImage(0, 0, symbol);
         const int top = place.top() + (height - 16) / 2;
-        EXPECT_EQ(image.copy(QRect(QPoint(pixel(place.left()), pixel(top)), symbol.size())),
-                  expected)
-            << id;
+        const QPoint corner(qRound(place.left() * ratio), qRound(top * ratio));
+        EXPECT_EQ(image.copy(QRect(corner, symbol.size())), expected) << id;
     };
     for (const auto& [id, name] : {std::pair{"uptime", "clock"}, {"thermals", "thermometer"}}) {
         expectSymbol(id, name, ColorRole::secondaryText, find(id)->height());
@@ -286,9 +285,10 @@ TEST_P(PanelViewScales, NoTipOfAHistoryIsCutOff) {
     EXPECT_NEAR(frame - top / ratio, 6.16, 1.2);
 }
 
-INSTANTIATE_TEST_SUITE_P(, PanelViewScales, ::testing::Values(1.0, 1.5, 2.0), [](const auto& row) {
-    return std::to_string(qRound(row.param * 100)) + "percent";
-});
+INSTANTIATE_TEST_SUITE_P(, PanelViewScales, ::testing::Values(1.0, 1.25, 1.5, 1.75, 2.0),
+                         [](const auto& row) {
+                             return std::to_string(qRound(row.param * 100)) + "percent";
+                         });
 
 TEST_F(PanelViewTest, ATinyShareIsStillASliverAndNoneIsNothing) {
     HomePageInputs inputs = testing::calmMachine();
