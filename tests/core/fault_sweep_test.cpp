@@ -48,9 +48,9 @@ std::string number(Number value) {
 using Rounds = std::vector<std::map<std::string, std::string>>;
 
 /// A whole machine whose figures move by the same amounts in each round.
-class Machine {
+class SweptMachine {
  public:
-    Machine() {
+    SweptMachine() {
         kernel.answers.logicalCPUCount.set(2);
         kernel.answers.memorySize.set(std::uint64_t{4096} * 1000);
         kernel.answers.bootTime.set(platform::TimeValue{.seconds = 1000});
@@ -77,7 +77,7 @@ class Machine {
     }
 
     /// Refreshes everything in each round; `before` may change the answers of the round.
-    Rounds run(const std::function<void(Machine&, int round)>& before) {
+    Rounds run(const std::function<void(SweptMachine&, int round)>& before) {
         StatsManager manager(&settings, battery, 30, 120,
                              StatsManagerEnvironment{dispatch, sources(),
                                                      [this] { return kernel.wallClockSeconds(); },
@@ -191,7 +191,7 @@ class Machine {
 struct Fault {
     const char* name;
     /// Makes the answers of this round fail.
-    std::function<void(Machine&)> fail;
+    std::function<void(SweptMachine&)> fail;
     /// The figures that it concerns, as they are when it has failed in every round.
     std::map<std::string, std::string> always;
 };
@@ -202,87 +202,89 @@ void PrintTo(const Fault& fault, std::ostream* out) {
 
 const std::vector<Fault> kFaults = {
     {"ProcessorCount",
-     [](Machine& machine) { machine.kernel.answers.logicalCPUCount.queue(std::nullopt); },
+     [](SweptMachine& machine) { machine.kernel.answers.logicalCPUCount.queue(std::nullopt); },
      {{"cpu", "50 of 0"}}},
     {"ProcessorTicks",
-     [](Machine& machine) { machine.kernel.answers.hostProcessorInfo.queue({.result = 5}); },
+     [](SweptMachine& machine) { machine.kernel.answers.hostProcessorInfo.queue({.result = 5}); },
      {{"cpu", "0 of 2"}}},
     {"MemorySize",
-     [](Machine& machine) { machine.kernel.answers.memorySize.queue(std::nullopt); },
+     [](SweptMachine& machine) { machine.kernel.answers.memorySize.queue(std::nullopt); },
      {{"memory", "0 of 0"}, {"swap", "400"}}},
     {"Pages",
-     [](Machine& machine) { machine.kernel.answers.hostStatistics64.queue({.result = 5}); },
+     [](SweptMachine& machine) { machine.kernel.answers.hostStatistics64.queue({.result = 5}); },
      {{"memory", "0 of 4096000"}, {"swap", "0"}}},
     {"Swap",
-     [](Machine& machine) { machine.kernel.answers.swapUsage.queue(std::nullopt); },
+     [](SweptMachine& machine) { machine.kernel.answers.swapUsage.queue(std::nullopt); },
      {{"swap", "0"}}},
     {"BootTime",
-     [](Machine& machine) { machine.kernel.answers.bootTime.queue(std::nullopt); },
+     [](SweptMachine& machine) { machine.kernel.answers.bootTime.queue(std::nullopt); },
      {{"uptime", "0"}}},
     {"Interfaces",
-     [](Machine& machine) { machine.network.answers.interfaceCounters.queue(std::nullopt); },
+     [](SweptMachine& machine) { machine.network.answers.interfaceCounters.queue(std::nullopt); },
      {{"network", "none"}}},
     {"VolumeValues",
-     [](Machine& machine) {
+     [](SweptMachine& machine) {
          machine.volumes.answers.resourceValues.queue(platform::VolumeError{"broken"});
      },
      {{"storage", "Macintosh HD 50 of 100"}}},
     {"VolumeAttributes",
-     [](Machine& machine) {
+     [](SweptMachine& machine) {
          machine.volumes.answers.attributesOfFileSystemForPath.set(std::nullopt);
      },
      {}},
     {"Volume",
-     [](Machine& machine) {
+     [](SweptMachine& machine) {
          machine.volumes.answers.resourceValues.queue(platform::VolumeError{"broken"});
          machine.volumes.answers.attributesOfFileSystemForPath.set(std::nullopt);
      },
      {{"storage", "Macintosh HD 0 of 0"}}},
     {"Accelerators",
-     [](Machine& machine) { machine.accelerators.answers.matchingServices.queue({.result = 5}); },
+     [](SweptMachine& machine) {
+         machine.accelerators.answers.matchingServices.queue({.result = 5});
+     },
      {{"gpu", "none"}}},
     {"PowerSources",
-     [](Machine& machine) {
+     [](SweptMachine& machine) {
          for (int call = 0; call < 3; ++call) {
              machine.power.answers.descriptions.queue(std::nullopt);
          }
      },
      {{"battery", "none"}, {"health", "none"}, {"cycles", "none"}}},
     {"Cycles",
-     [](Machine& machine) {
+     [](SweptMachine& machine) {
          for (int call = 0; call < 3; ++call) {
              machine.power.answers.cycleCount.queue(std::nullopt);
          }
      },
      {{"cycles", "none"}}},
     {"Health",
-     [](Machine& machine) { machine.power.answers.readHealth.set(std::nullopt); },
+     [](SweptMachine& machine) { machine.power.answers.readHealth.set(std::nullopt); },
      {{"health", "none"}}},
-    {"Identity", [](Machine& machine) { machine.power.answers.identity.queue(""); }, {}},
+    {"Identity", [](SweptMachine& machine) { machine.power.answers.identity.queue(""); }, {}},
     {"ProcessList",
-     [](Machine& machine) {
+     [](SweptMachine& machine) {
          machine.table.listing.queue(platform::ProcessListing::noList);
          machine.table.listing.queue(platform::ProcessListing::noList);
      },
      {{"processes", ""}}},
     {"ProcessBuffer",
-     [](Machine& machine) {
+     [](SweptMachine& machine) {
          machine.table.listing.queue(platform::ProcessListing::noBufferSize);
          machine.table.listing.queue(platform::ProcessListing::noBufferSize);
      },
      {{"processes", ""}}},
     {"OneProcess",
-     [](Machine& machine) { machine.table.processes[0].task.reset(); },
+     [](SweptMachine& machine) { machine.table.processes[0].task.reset(); },
      {{"processes", ""}}},
     {"Heat",
-     [](Machine& machine) { machine.heat = platform::kUnknownThermalState; },
+     [](SweptMachine& machine) { machine.heat = platform::kUnknownThermalState; },
      {{"heat", std::to_string(platform::kUnknownThermalState)}}},
 };
 
 class FaultSweep : public ::testing::TestWithParam<Fault> {
  protected:
     static Rounds whileFailing(const std::function<bool(int round)>& fails) {
-        return Machine().run([&](Machine& machine, int round) {
+        return SweptMachine().run([&](SweptMachine& machine, int round) {
             if (fails(round)) {
                 GetParam().fail(machine);
             }
@@ -290,7 +292,7 @@ class FaultSweep : public ::testing::TestWithParam<Fault> {
     }
     /// What the fault does not concern is as ever.
     static void expectOthers(const Rounds& rounds) {
-        const Rounds usual = Machine().run([](Machine&, int) {});
+        const Rounds usual = SweptMachine().run([](SweptMachine&, int) {});
         for (std::size_t round = 0; round < rounds.size(); ++round) {
             for (const auto& [name, value] : usual[round]) {
                 if (!GetParam().always.contains(name)) {
@@ -305,7 +307,7 @@ TEST_P(FaultSweep, AtTheFirstAndAtTheThirdQuestionItIsOverSoon) {
     for (const int failing : {1, 3}) {
         const Rounds rounds = whileFailing([failing](int round) { return round == failing; });
         expectOthers(rounds);
-        EXPECT_EQ(rounds.back(), Machine().run([](Machine&, int) {}).back());
+        EXPECT_EQ(rounds.back(), SweptMachine().run([](SweptMachine&, int) {}).back());
     }
 }
 

@@ -13,9 +13,9 @@ TARNWICK, PROBE = (pathlib.Path(os.environ[name]) for name in ("TARNWICK", "TARN
 # What some releases and processors link, and what the presets with sanitizers add.
 OPTIONAL = {"libLayerShellQtInterface", "ld-linux"}
 SANITIZERS = {"libasan", "libtsan", "libubsan"}
-# What Qt names for all of its programs; the linker drops it where nothing uses it, but not with a
-# sanitizer.
-UNUSED = {"libGLX", "libOpenGL"}
+# What Qt and Fontconfig name for all of their programs; the linker drops it where nothing uses it,
+# but not with a sanitizer.
+UNUSED = {"libGLX", "libOpenGL", "libfreetype"}
 # Without these a program reaches no network; the libraries of the desktop have sockets of their own.
 NETWORK = {"accept", "accept4", "bind", "connect", "getaddrinfo", "listen", "socket"}
 
