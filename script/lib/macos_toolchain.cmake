@@ -1,5 +1,5 @@
 # SPDX-License-Identifier: MIT
-# Clang and LLVM's tools for macOS, without Apple's linker: what script/check-macos compiles with.
+# Clang and LLVM's tools for macOS, without Apple's linker: what script/check-macos builds with.
 # The script sets TARNWICK_MACOS_SDK, TARNWICK_MACOS_FLAGS, TARNWICK_MACOS_ARCHITECTURE,
 # TARNWICK_CLANG, TARNWICK_AR and TARNWICK_RANLIB.
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES TARNWICK_MACOS_SDK TARNWICK_MACOS_FLAGS
@@ -8,13 +8,15 @@ set(CMAKE_SYSTEM_NAME Darwin)
 set(CMAKE_SYSTEM_PROCESSOR "${TARNWICK_MACOS_ARCHITECTURE}")
 set(CMAKE_OSX_SYSROOT "${TARNWICK_MACOS_SDK}" CACHE PATH "" FORCE)
 set(CMAKE_OSX_DEPLOYMENT_TARGET 13.0 CACHE STRING "" FORCE)
-# Nothing can be linked here, so the compiler checks only build static libraries.
+# The compiler checks only build static libraries: they need no stub.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)
 foreach(language IN ITEMS CXX OBJCXX)
   set(CMAKE_${language}_COMPILER "${TARNWICK_CLANG}")
   set(CMAKE_${language}_COMPILER_TARGET "${TARNWICK_MACOS_ARCHITECTURE}-apple-macos13.0")
   set(CMAKE_${language}_COMPILER_WORKS TRUE)
   set(CMAKE_${language}_FLAGS_INIT "${TARNWICK_MACOS_FLAGS}")
+  # Without debug information, which would name the folders of this machine.
+  set(CMAKE_${language}_FLAGS_RELWITHDEBINFO "-Os -DNDEBUG" CACHE STRING "" FORCE)
 endforeach()
 set(CMAKE_AR "${TARNWICK_AR}" CACHE FILEPATH "" FORCE)
 set(CMAKE_RANLIB "${TARNWICK_RANLIB}" CACHE FILEPATH "" FORCE)

@@ -84,7 +84,7 @@ class Packages(Copy):
     def test_each_purpose_has_some_and_none_is_named_twice(self):
         named = packages()
         self.assertEqual(set(named), {"build", "test", "desktop", "monitoring", "fuzz", "style",
-                                      "package"})
+                                      "package", "macos"})
         self.assertTrue(all(named.values()))
         self.assertEqual(sum(map(len, named.values())), len(set().union(*named.values())))
 
@@ -116,7 +116,7 @@ class Packages(Copy):
     def test_without_a_purpose_all_are_installed(self):
         self.assertEqual(self.run_script("bootstrap").returncode, 0)
         self.expect_installed("build", "test", "desktop", "monitoring", "fuzz", "style",
-                              "package")
+                              "package", "macos")
 
     def test_help_installs_and_builds_nothing(self):
         for script in ("bootstrap", "compare-cost", "fuzz", "package", "run"):
@@ -136,7 +136,7 @@ class Packages(Copy):
         ended = self.run_script("bootstrap", LACKS="clang-format")
         self.assertEqual(ended.returncode, 0, ended.stderr)
         self.assertIn("goes on without clang-format", ended.stdout)
-        self.expect_installed("build", "test", "desktop", "monitoring", "fuzz", "package")
+        self.expect_installed("build", "test", "desktop", "monitoring", "fuzz", "package", "macos")
 
     def test_a_release_without_a_server_stops_nobody(self):
         ended = self.run_script("bootstrap", LACKS="prometheus")
@@ -165,7 +165,7 @@ class Packages(Copy):
         self.assertIn("could not install", ended.stderr)
 
     def test_a_user_who_may_install_nothing_needs_no_formatter(self):
-        self.run_script("bootstrap", "build", "test", "desktop", "monitoring", "fuzz", "package")
+        self.run_script("bootstrap", "build", "test", "desktop", "monitoring", "fuzz", "package", "macos")
         # Nothing but what is asked for before sudo is.
         for name in ("bash", "env", "dirname", "basename", "grep", "awk", "sort", "comm"):
             (self.root / "bin" / name).symlink_to(shutil.which(name, path="/usr/bin:/bin"))
