@@ -90,12 +90,14 @@ void describe(NSView* view, const PanelBlock& block) {
         return;
     }
     view.accessibilityElement = YES;
-    view.accessibilityLabel = string(spoken);
     if (hasSpeakingParts(block)) {
         view.accessibilityRole = NSAccessibilityGroupRole;
+        view.accessibilityLabel = string(spoken);
         return;
     }
+    // What a static text says is its value.
     view.accessibilityRole = NSAccessibilityStaticTextRole;
+    view.accessibilityValue = string(spoken);
     view.accessibilityChildren = @[];
 }
 

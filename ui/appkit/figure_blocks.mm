@@ -65,10 +65,12 @@ constexpr CGFloat kMarkGap = 4;
         _line = [[TNWSparklineView alloc] initWithFrame:NSZeroRect];
         [_line.widthAnchor constraintEqualToConstant:TrendRow::kSparklineWidth].active = YES;
         [_line.heightAnchor constraintEqualToConstant:TrendRow::kSparklineHeight].active = YES;
-        [_line
-            addToolTipRect:NSMakeRect(0, 0, TrendRow::kSparklineWidth, TrendRow::kSparklineHeight)
-                     owner:self
-                  userData:nullptr];
+        // The view is larger than the line by these.
+        const NSEdgeInsets around = _line.alignmentRectInsets;
+        [_line addToolTipRect:NSMakeRect(around.left, around.bottom, TrendRow::kSparklineWidth,
+                                         TrendRow::kSparklineHeight)
+                        owner:self
+                     userData:nullptr];
         NSStackView* texts = [[NSStackView alloc] initWithFrame:NSZeroRect];
         makeColumn(texts, @[ _title, blockRow(@[ _value, _mark ], @[], kMarkGap) ],
                    TrendRow::kTextSpacing);
@@ -99,10 +101,10 @@ constexpr CGFloat kMarkGap = 4;
     stringForToolTip:(NSToolTipTag)tag
                point:(NSPoint)point
             userData:(void*)data {
-    (void)view;
     (void)tag;
     (void)data;
-    return tarnwick::appkit::string(_trend.toolTip(point.x / TrendRow::kSparklineWidth));
+    const CGFloat x = point.x - view.alignmentRectInsets.left;
+    return tarnwick::appkit::string(_trend.toolTip(x / TrendRow::kSparklineWidth));
 }
 
 @end

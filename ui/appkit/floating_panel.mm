@@ -6,13 +6,29 @@ namespace {
 
 constexpr CGFloat kCorner = 12;
 
+/// The shape of the panel. Unlike a corner of the layer, a mask of the material shapes the window's
+/// shadow, too.
+NSImage* roundedMask() {
+    constexpr CGFloat kSide = 2 * kCorner + 1;
+    NSImage* mask = [NSImage imageWithSize:NSMakeSize(kSide, kSide)
+                                   flipped:NO
+                            drawingHandler:^BOOL(NSRect frame) {
+                              [NSColor.blackColor setFill];
+                              [[NSBezierPath bezierPathWithRoundedRect:frame
+                                                               xRadius:kCorner
+                                                               yRadius:kCorner] fill];
+                              return YES;
+                            }];
+    mask.capInsets = NSEdgeInsetsMake(kCorner, kCorner, kCorner, kCorner);
+    mask.resizingMode = NSImageResizingModeStretch;
+    return mask;
+}
+
 NSVisualEffectView* makeGround(NSView* content) {
     NSVisualEffectView* ground = [[NSVisualEffectView alloc] initWithFrame:NSZeroRect];
     ground.material = NSVisualEffectMaterialPopover;
     ground.state = NSVisualEffectStateActive;
-    ground.wantsLayer = YES;
-    ground.layer.cornerRadius = kCorner;
-    ground.layer.masksToBounds = YES;
+    ground.maskImage = roundedMask();
     [ground addSubview:content];
     [NSLayoutConstraint activateConstraints:@[
         [content.topAnchor constraintEqualToAnchor:ground.topAnchor],

@@ -20,6 +20,13 @@ bool reducesMotion() {
     return NSWorkspace.sharedWorkspace.accessibilityDisplayShouldReduceMotion;
 }
 
+/// `monitor` is nil where the system gave none.
+void stopWatching(id monitor) {
+    if (monitor != nil) {
+        [NSEvent removeMonitor:monitor];
+    }
+}
+
 NSRect rectOf(const std::optional<ScreenFrame>& frame) {
     return frame ? NSMakeRect(frame->x, frame->y, frame->width, frame->height) : NSZeroRect;
 }
@@ -187,8 +194,8 @@ void PanelWindow::close() {
         return;
     }
     const std::unique_ptr<State> closing = std::move(state_);
-    [NSEvent removeMonitor:closing->ownEvents];
-    [NSEvent removeMonitor:closing->otherEvents];
+    stopWatching(closing->ownEvents);
+    stopWatching(closing->otherEvents);
     [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:closing->activations];
     [closing->panel orderOut:nil];
     view_.disappear();

@@ -149,7 +149,7 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     for (std::size_t i = 0; i < contents.size(); ++i) {
         [_rowViews[i] setContent:contents[i]];
         _rowViews[i].accessibilityElement = !contents[i].leading.text.empty();
-        _rowViews[i].accessibilityLabel = spokenRow(contents[i]);
+        _rowViews[i].accessibilityValue = spokenRow(contents[i]);
         NSString* toolTip =
             i < _order.size() && _order[i]
                 ? tarnwick::appkit::string(
