@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <cstdlib>
 #include <gtest/gtest.h>
-#include <malloc.h>
 #include <memory>
 #include <new>
 #include <string>

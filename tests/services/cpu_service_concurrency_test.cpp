@@ -3,9 +3,9 @@
 #include <atomic>
 #include <gtest/gtest.h>
 #include <latch>
-#include <thread>
 #include <vector>
 
+#include "platform/testing/joined_thread.h"
 #include "platform/testing/scripted_kernel.h"
 #include "services/cpu_service.h"
 
@@ -36,7 +36,7 @@ TEST(CPUServiceConcurrency, OverlappingCallsEachSeeAConsistentPreviousReading) {
     std::latch start(kThreads);
     std::vector<std::vector<CPUInfo>> results(kThreads);
     {
-        std::vector<std::jthread> threads;
+        std::vector<platform::testing::JoinedThread> threads;
         for (std::vector<CPUInfo>& own : results) {
             threads.emplace_back([&] {
                 start.arrive_and_wait();

@@ -6,10 +6,10 @@
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
+#include "platform/testing/joined_thread.h"
 #include "platform/testing/recording_log.h"
 #include "platform/testing/scripted_kernel.h"
 
@@ -285,7 +285,7 @@ TEST_F(MemoryServiceTest, ConcurrentCallsGiveTheSameRecord) {
     setPages({.free_count = 100, .wire_count = 200});
     std::atomic<int> wrong = 0;
     {
-        std::vector<std::jthread> threads;
+        std::vector<platform::testing::JoinedThread> threads;
         for (int i = 0; i < 4; ++i) {
             threads.emplace_back([&] {
                 for (int n = 0; n < 200; ++n) {

@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/testing/joined_thread.h"
 #include "services/network_service.h"
 
 namespace tarnwick {
@@ -37,7 +38,7 @@ TEST(NetworkServiceConcurrency, OverlappingCallsTakeTurnsFromTheReadingToTheSnap
     std::latch start(kReaders);
     std::vector<std::vector<NetworkInfo>> results(kReaders);
     {
-        std::vector<std::jthread> threads;
+        std::vector<platform::testing::JoinedThread> threads;
         for (std::vector<NetworkInfo>& own : results) {
             threads.emplace_back([&] {
                 start.arrive_and_wait();

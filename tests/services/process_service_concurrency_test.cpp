@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 #include <latch>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "platform/testing/joined_thread.h"
 #include "platform/testing/scripted_kernel.h"
 #include "platform/testing/scripted_process_table.h"
 #include "services/process_service.h"
@@ -49,7 +49,7 @@ TEST(ProcessServiceConcurrency, OverlappingCallsGiveWholeLists) {
     std::latch start(kThreads);
     std::atomic<int> whole = 0;
     {
-        std::vector<std::jthread> threads;
+        std::vector<platform::testing::JoinedThread> threads;
         for (int i = 0; i < kThreads; ++i) {
             threads.emplace_back([&] {
                 start.arrive_and_wait();

@@ -6,11 +6,11 @@
 #include <gtest/gtest.h>
 #include <latch>
 #include <set>
-#include <thread>
 #include <utility>
 #include <vector>
 
 #include "platform/platform.h"
+#include "platform/testing/joined_thread.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_accelerators.h"
 #include "platform/testing/scripted_kernel.h"
@@ -204,7 +204,7 @@ TEST(SharedServices, ThreadsThatComeTogetherFindTheSameInstances) {
     std::latch start(kThreads);
     std::vector<const void*> found(5 * kThreads);
     {
-        std::vector<std::jthread> threads;
+        std::vector<platform::testing::JoinedThread> threads;
         for (std::size_t i = 0; i < kThreads; ++i) {
             threads.emplace_back([&, i] {
                 start.arrive_and_wait();

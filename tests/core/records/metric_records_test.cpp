@@ -3,10 +3,11 @@
 
 #include <gtest/gtest.h>
 #include <limits>
-#include <thread>
 #include <type_traits>
 #include <unordered_set>
 #include <vector>
+
+#include "platform/testing/joined_thread.h"
 
 namespace tarnwick {
 namespace {
@@ -282,7 +283,7 @@ TEST(MetricRecords, FreshIdentitiesAreRandomVersionFour) {
 TEST(MetricRecords, IdentitiesOfSeveralThreadsAreAllDistinct) {
     std::vector<std::vector<UUID>> made(4);
     {
-        std::vector<std::jthread> threads;
+        std::vector<platform::testing::JoinedThread> threads;
         for (std::vector<UUID>& own : made) {
             threads.emplace_back([&own] {
                 for (int i = 0; i < 250; ++i) {

@@ -1,9 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "ui/panel/tool_tips.h"
 
-#include <cmath>
 #include <cstdint>
 #include <gtest/gtest.h>
+#include <limits>
 #include <vector>
 
 #include "tests/ui/panel/home_fixtures.h"
@@ -22,7 +22,7 @@ TEST(CPUToolTip, TellsSharesAndTheLoadOfEachCore) {
     cpu.systemPercentage = 12;
     cpu.coreUsages = {100, 0.4, 50.6};
     EXPECT_EQ(cpuToolTip(cpu), "User 30.1%, system 12.0%, cores 100% 0% 51%");
-    cpu.coreUsages = {NAN};
+    cpu.coreUsages = {std::numeric_limits<double>::quiet_NaN()};
     EXPECT_EQ(cpuToolTip(cpu), "User 30.1%, system 12.0%, core 0%");
 }
 

@@ -54,7 +54,7 @@ std::string changedSignals() {
     for (const int number : {SIGCHLD, SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM}) {
         struct sigaction action {};
         ::sigaction(number, nullptr, &action);
-        if (::sigismember(&blocked, number) == 1 || action.sa_handler == SIG_IGN) {
+        if (sigismember(&blocked, number) == 1 || action.sa_handler == SIG_IGN) {
             text += std::to_string(number) + ' ';
         }
     }

@@ -120,9 +120,9 @@ TEST_F(PosixChild, IsNotStartedWhenThereAreNoDescriptorsLeft) {
 TEST_F(PosixChild, StartsWithTheSignalsOfAnOrdinaryProgram) {
     sigset_t blocked;
     sigset_t before;
-    ::sigemptyset(&blocked);
-    ::sigaddset(&blocked, SIGTERM);
-    ::sigaddset(&blocked, SIGINT);
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGTERM);
+    sigaddset(&blocked, SIGINT);
     ::pthread_sigmask(SIG_BLOCK, &blocked, &before);
     const auto pipeBefore = std::signal(SIGPIPE, SIG_IGN);
     EXPECT_EQ(readFrom(*start({"environment"})), expectedEnvironment());
