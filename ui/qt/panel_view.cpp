@@ -4,7 +4,7 @@
 #include <QContextMenuEvent>
 #include <QEvent>
 #include <QKeyEvent>
-#include <QMenu>
+#include <QMouseEvent>
 #include <algorithm>
 #include <mutex>
 #include <utility>
@@ -235,8 +235,21 @@ void PanelView::contextMenuEvent(QContextMenuEvent* event) {
     openMenu(event->globalPos());
 }
 
+// Some versions of the toolkit tell of a right click in a pop-up as of a menu that is wanted,
+// others only of the press, and others of both.
+void PanelView::mousePressEvent(QMouseEvent* event) {
+    if (event->button() == Qt::RightButton) {
+        openMenu(event->globalPosition().toPoint());
+    } else {
+        QWidget::mousePressEvent(event);
+    }
+}
+
 void PanelView::openMenu(const QPoint& place) {
-    makePanelMenu(*this, theme_, press_)->popup(place);
+    if (!menu_) {
+        menu_ = makePanelMenu(*this, theme_, press_);
+        menu_->popup(place);
+    }
 }
 
 // The view moves when the page is scrolled.

@@ -2,6 +2,8 @@
 // The column of building blocks of a page.
 #pragma once
 
+#include <QMenu>
+#include <QPointer>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -42,7 +44,7 @@ class PanelView final : public QWidget {
     /// The up and down keys walk through the buttons. Does nothing and returns false for another
     /// key, and if the page is cut off: then these keys scroll.
     bool walk(int key);
-    /// Shows the panel's menu at that point of the screen.
+    /// Shows the panel's menu at that point of the screen, unless it is shown already.
     void openMenu(const QPoint& place);
 
  signals:
@@ -53,6 +55,7 @@ class PanelView final : public QWidget {
     void changeEvent(QEvent* event) override;
     void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
 
  private:
@@ -87,6 +90,8 @@ class PanelView final : public QWidget {
     /// Not null while a row is held: fires at the end of the longest hold.
     std::unique_ptr<platform::Timer> holdEnd_;
     FocusRing* focusRing_;
+    /// While it is shown.
+    QPointer<QMenu> menu_;
 };
 
 }  // namespace tarnwick::qt

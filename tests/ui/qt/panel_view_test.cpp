@@ -2,7 +2,9 @@
 #include "ui/qt/panel_view.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QtMath>
 #include <gmock/gmock.h>
@@ -317,6 +319,23 @@ TEST_F(PanelViewTest, ARightClickShowsAMenu) {
         EXPECT_EQ(view.findChild<QMenu*>("menu"), nullptr);
     }
     EXPECT_THAT(pressed, ::testing::ElementsAreArray(actions));
+}
+
+TEST_F(PanelViewTest, ARightClickThatIsToldOfTwiceShowsOneMenu) {
+    show(testing::calmMachine());
+    QWidget* place = find("bar.cpu");
+    const QPoint position = place->rect().center();
+    QMouseEvent pressOfMouse(QEvent::MouseButtonPress, position, place->mapToGlobal(position),
+                             Qt::RightButton, Qt::RightButton, Qt::NoModifier);
+    QApplication::sendEvent(place, &pressOfMouse);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, position, place->mapToGlobal(position));
+    QApplication::sendEvent(place, &event);
+    settle();
+    const auto menus = view.findChildren<QMenu*>("menu");
+    ASSERT_EQ(menus.size(), 1);
+    EXPECT_TRUE(menus.front()->isVisible());
+    menus.front()->close();
+    settle();
 }
 
 TEST_F(PanelViewTest, DisabledButtonsAreThereAndDoNothing) {

@@ -24,16 +24,15 @@ struct ContrastSetting {
 };
 
 TEST(HighContrast, FollowsEachOfTheSettings) {
-    for (const ContrastSetting& setting : {ContrastSetting{"org.freedesktop.appearance", "contrast", 1U, 0U},
-                                ContrastSetting{"org.gnome.desktop.a11y.interface", "high-contrast", true,
-                                     false}}) {
+    for (const ContrastSetting& setting :
+         {ContrastSetting{"org.freedesktop.appearance", "contrast", 1U, 0U},
+          ContrastSetting{"org.gnome.desktop.a11y.interface", "high-contrast", true, false}}) {
         PrivateBus bus;
         ScriptedSettingsPortal portal{bus.connect()};
         portal.values[QString("%1 %2").arg(setting.space, setting.key)] = setting.more;
         portal.begin();
         std::vector<bool> changes;
-        const HighContrast contrast(bus.connect(),
-                                    [&](bool isHigh) { changes.push_back(isHigh); });
+        const HighContrast contrast(bus.connect(), [&](bool isHigh) { changes.push_back(isHigh); });
         EXPECT_FALSE(contrast.isHigh());
         EXPECT_TRUE(waitUntil([&] { return contrast.isHigh(); })) << setting.key;
         // Of another type: no wish.
