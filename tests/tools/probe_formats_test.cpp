@@ -226,6 +226,8 @@ std::string watched(const std::string& arguments, const std::string& enough) {
     int terminal = -1;
     const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
     if (child == 0) {
+        // Whoever starts the tests in the background may have it ignored.
+        std::signal(SIGINT, SIG_DFL);
         const std::string command = "unset NO_COLOR; TERM=xterm exec " + arguments;
         ::execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
         ::_exit(127);
