@@ -6,6 +6,7 @@ import os
 import shutil
 import signal
 import subprocess
+import tempfile
 
 from gi.repository import GLib
 
@@ -28,6 +29,9 @@ shift
 exec "$@"
 """
 
+# Whether such a server can be had; it ends with its folder.
+_TRY = 'bindfs "$1" "$1" && umount "$1"'
+
 
 class StuckDiskTest(DesktopTestCase):
     def start_on(self, folders, machine=""):
@@ -37,9 +41,12 @@ class StuckDiskTest(DesktopTestCase):
         """
         for tool in ("bindfs", "fusermount3"):
             if shutil.which(tool) is None or not os.path.exists("/dev/fuse"):
-                self.skipTest("this machine lacks bindfs, fuse3 or the kernel's part of it")
-        if subprocess.run(["unshare", "-m", "true"], check=False, capture_output=True).returncode:
-            self.skipTest("this machine lacks the right to mounts of one's own")
+                self.skipTest("this machine lacks bindfs, fuse3 or the device of file systems")
+        with tempfile.TemporaryDirectory() as folder:
+            tried = subprocess.run(["unshare", "-m", "sh", "-c", _TRY, "sh", folder], check=False,
+                                   capture_output=True)
+        if tried.returncode:
+            self.skipTest("this machine lacks the right to mount file systems")
         self.open_desktop(accessibility=True)
         first = self.program("first").start()
         self.until(lambda: self.is_in_store("settings.hasPresentedInitialSettings"),
