@@ -24,7 +24,6 @@
 #include "platform/linux/volumes/linux_volumes.h"
 #include "platform/timed_source.h"
 #include "platform/user_defaults.h"
-#include "platform/utf8.h"
 #include "platform/workers.h"
 #include "services/battery_service.h"
 #include "services/cpu_service.h"
@@ -85,7 +84,7 @@ GraphicsCardSample cardSample(const platform::PropertyDictionary& card) {
 std::vector<ApplicationSample> applicationsOf(const std::vector<AppProcessInfo>& processes) {
     std::unordered_map<std::string, ApplicationSample> applications;
     for (const AppProcessInfo& process : processes) {
-        ApplicationSample& one = applications[platform::repairedUTF8(process.name)];
+        ApplicationSample& one = applications[process.name];
         one.cpuUsage += process.cpuUsage;
         one.memoryUsage += process.memoryUsage;
     }
