@@ -67,7 +67,9 @@ void fastRefresh(benchmark::State& state) {
 }
 
 probe::ProbedMachine& machine() {
-    static auto& machine = *new probe::ProbedMachine(probe::Options{});
+    const probe::Options options{};
+    static auto& machine =
+        *new probe::ProbedMachine(std::get<probe::Sources>(probe::makeSources(options)), options);
     return machine;
 }
 

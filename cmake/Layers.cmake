@@ -19,8 +19,8 @@ function(tarnwick_check_layers)
 
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS RELATIVE "${PROJECT_SOURCE_DIR}"
     app/*.h app/*.cpp app/*.mm core/*.h core/*.cpp evaluation/*.h evaluation/*.cpp platform/*.h
-    platform/*.cpp platform/*.mm services/*.h services/*.cpp settings/*.h settings/*.cpp ui/*.h
-    ui/*.cpp ui/*.mm)
+    platform/*.cpp platform/*.mm services/*.h services/*.cpp settings/*.h settings/*.cpp tools/*.h
+    tools/*.cpp tools/*.mm ui/*.h ui/*.cpp ui/*.mm)
   set(stamp "${CMAKE_CURRENT_BINARY_DIR}/layers.stamp")
   list(TRANSFORM sources PREPEND "${PROJECT_SOURCE_DIR}/" OUTPUT_VARIABLE absolute)
   add_custom_command(OUTPUT "${stamp}"

@@ -19,6 +19,7 @@ set(layer_ui/symbols 6)
 set(layer_ui/qt 7)
 set(layer_ui/appkit 7)
 set(layer_app 8)
+set(layer_tools 8)
 
 # What the portable folders may include in angle brackets: the C++ standard library. The readers of
 # macOS may use JSON, too.
@@ -46,7 +47,7 @@ endfunction()
 
 file(GLOB_RECURSE files RELATIVE "${ROOT}"
   "${ROOT}/app/*" "${ROOT}/core/*" "${ROOT}/evaluation/*" "${ROOT}/platform/*"
-  "${ROOT}/services/*" "${ROOT}/settings/*" "${ROOT}/ui/*")
+  "${ROOT}/services/*" "${ROOT}/settings/*" "${ROOT}/tools/*" "${ROOT}/ui/*")
 list(FILTER files INCLUDE REGEX "\\.(h|cpp|mm)$")
 set(faults "")
 set(arrows 0)
@@ -63,6 +64,9 @@ foreach(path IN LISTS files)
       elseif(layer_${other} GREATER layer_${own})
         string(APPEND faults "  ${path}: \"${target}\" lies above\n")
       elseif(own IN_LIST portable AND NOT other STREQUAL own
+             AND target MATCHES "^platform/(linux|macos|testing|qt)/")
+        string(APPEND faults "  ${path}: \"${target}\" belongs to one platform\n")
+      elseif(own STREQUAL "tools" AND NOT path MATCHES "^tools/(linux|macos)_system\\."
              AND target MATCHES "^platform/(linux|macos|testing|qt)/")
         string(APPEND faults "  ${path}: \"${target}\" belongs to one platform\n")
       elseif(path MATCHES "^platform/macos/" AND target MATCHES "^platform/(linux|testing|qt)/")

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tools/exposition.h"
 
-#include <array>
-#include <charconv>
 #include <cmath>
 #include <utility>
 
 #include "platform/utf8.h"
+#include "tools/probe_system.h"
 
 namespace tarnwick::probe {
 namespace {
@@ -27,12 +26,6 @@ void appendEscaped(std::string& text, std::string_view value) {
                 text += character;
         }
     }
-}
-
-void appendNumber(std::string& text, double value) {
-    std::array<char, 32> digits{};
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), value).ptr;
-    text.append(digits.data(), end);
 }
 
 std::string comment(std::string_view keyword, std::string_view name, std::string_view text) {
@@ -77,7 +70,7 @@ void Exposition::sample(double value, std::initializer_list<Label> labels) {
         separator = ',';
     }
     text_ += labels.size() > 0 ? "} " : " ";
-    appendNumber(text_, value);
+    text_ += numberText(value);
     text_ += '\n';
 }
 

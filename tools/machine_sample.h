@@ -14,7 +14,8 @@ namespace tarnwick::probe {
 
 /// One graphics card. A card that did not answer in time has none.
 struct GraphicsCardSample {
-    /// The kernel's name, such as "card0"; the place on the bus of a card that has none.
+    /// The kernel's name, such as "card0"; the place on the bus of a card that has none. On systems
+    /// without such names the place among the cards, such as "gpu0".
     std::string id;
     /// Empty while unknown, as of a card that has slept since the start.
     std::string model{};

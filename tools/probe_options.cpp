@@ -4,9 +4,10 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
 #include <filesystem>
 #include <getopt.h>
+#include <locale>
+#include <sstream>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -59,11 +60,25 @@ constexpr std::array<std::pair<std::string_view, Format>, 5> kFormats = {{
     {"waybar", Format::waybar},
 }};
 
-template <class Number>
-std::optional<Number> parse(std::string_view text) {
-    Number value{};
+std::optional<int> integerIn(std::string_view text) {
+    int value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size()) {
+        return std::nullopt;
+    }
+    return value;
+}
+
+/// A decimal number, with a point in every language.
+std::optional<double> numberIn(std::string_view text) {
+    if (text.find_first_not_of("0123456789.eE+-") != text.npos || text.starts_with('+')) {
+        return std::nullopt;
+    }
+    // A stream, because std::from_chars for floating point is missing in some standard libraries.
+    std::istringstream stream{std::string(text)};
+    stream.imbue(std::locale::classic());
+    double value = 0;
+    if (!(stream >> value) || stream.peek() != std::istringstream::traits_type::eof()) {
         return std::nullopt;
     }
     return value;
@@ -108,7 +123,7 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
             return std::nullopt;
         }
         case 's': {
-            const auto number = parse<int>(value);
+            const auto number = integerIn(value);
             if (!number || *number < 0 || *number > kMostSamples) {
                 return notA("samples", "a number from 0 to 1000000");
             }
@@ -116,7 +131,7 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
             return std::nullopt;
         }
         case 'i': {
-            const auto number = parse<double>(value);
+            const auto number = numberIn(value);
             if (!number || !(*number >= 0) || !(*number <= kLongestInterval)) {
                 return notA("interval", "a number of seconds from 0 to 86400");
             }
@@ -124,7 +139,7 @@ std::optional<UsageError> take(Options& options, int name, std::string_view valu
             return std::nullopt;
         }
         case 'l': {
-            const auto number = parse<int>(value);
+            const auto number = integerIn(value);
             if (!number || *number < 0 || *number > kLargestLimit) {
                 return notA("limit", "a number from 0 to 100000");
             }

@@ -14,17 +14,8 @@
 #include <vector>
 
 #include "platform/accelerators.h"
-#include "platform/linux/events/background_work.h"
-#include "platform/linux/graphics/linux_accelerators.h"
-#include "platform/linux/kernel/linux_kernel.h"
-#include "platform/linux/network/linux_network_interfaces.h"
-#include "platform/linux/power/linux_power_sources.h"
-#include "platform/linux/power/linux_process_info.h"
-#include "platform/linux/processes/linux_process_table.h"
-#include "platform/linux/volumes/linux_volumes.h"
 #include "platform/timed_source.h"
 #include "platform/user_defaults.h"
-#include "platform/workers.h"
 #include "services/battery_service.h"
 #include "services/cpu_service.h"
 #include "services/gpu_candidate.h"
@@ -35,7 +26,6 @@
 #include "services/process_service.h"
 #include "services/storage_service.h"
 #include "services/system_uptime.h"
-#include "tools/recorded_volumes.h"
 
 namespace tarnwick::probe {
 namespace {
@@ -68,8 +58,10 @@ std::optional<Value> valueOf(const platform::PropertyDictionary& card, std::stri
     return value ? std::optional(*value) : std::nullopt;
 }
 
-GraphicsCardSample cardSample(const platform::PropertyDictionary& card) {
-    GraphicsCardSample sample{.id = valueOf<std::string>(card, "card").value_or(""),
+/// `number`: place among the cards.
+GraphicsCardSample cardSample(const platform::PropertyDictionary& card, std::size_t number) {
+    const std::string unnamed = "gpu" + std::to_string(number);
+    GraphicsCardSample sample{.id = valueOf<std::string>(card, "card").value_or(unnamed),
                               .model = gpuModelName(platform::propertyValue(card, "model")),
                               .driver = valueOf<std::string>(card, "driver").value_or("")};
     if (const auto asleep = valueOf<std::int64_t>(card, "asleep")) {
@@ -127,42 +119,28 @@ class NoUserDefaults final : public platform::UserDefaults {
 }  // namespace
 
 struct ProbedMachine::Samplers {
-    explicit Samplers(const Options& options)
-        : kernel(options.root),
-          volumes(options.root, options.home),
-          accelerators(options.root, workers),
-          processInfo(options.root),
-          networkInterfaces(options.root),
-          powerSources(options.root),
-          processTable(options.root),
-          storage(options.root == "/" ? static_cast<platform::Volumes&>(volumes)
-                                      : recordedVolumes) {}
+    explicit Samplers(Sources given) : sources(std::move(given)) {}
 
-    // Somebody waits for the sample, on a busy machine most of all.
-    std::optional<platform::BackgroundWork> threads{std::in_place,
-                                                    platform::BackgroundWork::Priority::inherited};
-    platform::ThreadWorkers workers{[this](auto work) { return threads->run(std::move(work)); }};
-    platform::LinuxKernel kernel;
-    platform::LinuxVolumes volumes;
-    RecordedVolumes recordedVolumes{volumes};
-    platform::LinuxAccelerators accelerators;
-    platform::LinuxProcessInfo processInfo;
-    platform::LinuxNetworkInterfaces networkInterfaces;
-    platform::LinuxPowerSources powerSources;
-    platform::LinuxProcessTable processTable;
+    const Sources sources;
+    const platform::Platform& machine = sources.machine;
+    platform::Kernel& kernel = *machine.kernel;
+    platform::PowerSources& powerSources = *machine.powerSources;
+    platform::BatteryHealth& batteryHealth = *machine.batteryHealth;
+    platform::Workers& workers = *machine.workers;
     NoUserDefaults userDefaults;
 
     CPUService cpu{kernel};
-    KeptAccelerators cards{accelerators};
+    KeptAccelerators cards{*machine.accelerators};
     GPUService gpu{cards};
     MemoryService memory{kernel};
-    NetworkService network{networkInterfaces, kernel};
-    ProcessService processes{processTable, kernel};
-    StorageService storage;
+    NetworkService network{*machine.networkInterfaces, kernel};
+    ProcessService processes{*machine.processTable, kernel};
+    StorageService storage{*machine.volumes};
     BatteryService battery{
         userDefaults,
         [this] {
-            return health.read([this] { return powerSources.readHealth(); }).value_or(std::nullopt);
+            return health.read([this] { return batteryHealth.readHealth(); })
+                .value_or(std::nullopt);
         },
         [this] { return readBattery(); },
         [this] { return platform::Date{kernel.wallClockSeconds()}; },
@@ -172,7 +150,7 @@ struct ProbedMachine::Samplers {
     // The sources that may hang.
     TimedSource<StorageInfo> volume{workers, platform::kSourcePatience};
     TimedSource<std::optional<BatteryInfo>> supplies{workers, platform::kSourcePatience};
-    TimedSource<std::optional<HealthReading>> health{workers, platform::kSourcePatience};
+    TimedSource<std::optional<HealthReading>> health{workers, batteryHealth.longestReading()};
     TimedSource<std::string> names{workers, platform::kSourcePatience};
     TimedSource<ThresholdReading> settings{workers, platform::kSourcePatience};
     TimedSource<std::int64_t> zones{workers, platform::kSensorPatience};
@@ -196,8 +174,8 @@ struct ProbedMachine::Samplers {
     }
 };
 
-ProbedMachine::ProbedMachine(const Options& options)
-    : samplers_(*new Samplers(options)),
+ProbedMachine::ProbedMachine(Sources sources, const Options& options)
+    : samplers_(*new Samplers(std::move(sources))),
       limit_(options.limit),
       hasApplications_(showsApplications(options.format) && options.limit > 0) {}
 
@@ -206,7 +184,7 @@ std::optional<ThresholdReading> ProbedMachine::readThresholds(const std::string&
 }
 
 void ProbedMachine::end() {
-    samplers_.threads.reset();
+    samplers_.sources.end();
 }
 
 MachineSample ProbedMachine::read() {
@@ -215,7 +193,7 @@ MachineSample ProbedMachine::read() {
     sample.cpu = from.cpu.readCPUInfo();
     sample.gpu = from.gpu.answeredGPUInfo();
     for (const platform::PropertyDictionary& card : from.cards.last()) {
-        sample.gpus.push_back(cardSample(card));
+        sample.gpus.push_back(cardSample(card, sample.gpus.size()));
     }
     sample.memory = from.memory.readMemoryInfo();
     sample.network = from.network.readNetworkInfo();
@@ -237,7 +215,8 @@ MachineSample ProbedMachine::read() {
     sample.topCPUProcesses = std::move(processes.cpu);
     sample.topMemoryProcesses = std::move(processes.memory);
     sample.system.uptime = readUptime(from.kernel);
-    sample.thermalState = from.zones.read([&from] { return from.processInfo.thermalState(); });
+    sample.thermalState =
+        from.zones.read([&from] { return from.machine.processInfo->thermalState(); });
     if (sample.thermalState == platform::kUnknownThermalState) {
         sample.thermalState.reset();
     }

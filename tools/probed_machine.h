@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// The samplers on one machine, live or recorded.
+// The samplers on one machine.
 #pragma once
 
 #include <optional>
@@ -7,6 +7,7 @@
 
 #include "tools/machine_sample.h"
 #include "tools/probe_options.h"
+#include "tools/probe_system.h"
 #include "tools/threshold_file.h"
 
 namespace tarnwick::probe {
@@ -16,7 +17,7 @@ namespace tarnwick::probe {
 /// Never destroyed: a source that hangs may still use it when the program ends.
 class ProbedMachine {
  public:
-    explicit ProbedMachine(const Options& options);
+    ProbedMachine(Sources sources, const Options& options);
     ~ProbedMachine() = delete;
 
     /// Requires: not after end().

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "tools/sample_output.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <chrono>
 #include <cmath>
 #include <cstddef>
-#include <ctime>
 #include <fcntl.h>
 #include <filesystem>
 #include <poll.h>
@@ -13,16 +13,17 @@
 #include <unistd.h>
 #include <utility>
 
-#include "platform/linux/files/folders.h"
-#include "platform/linux/files/kept_file.h"
-#include "platform/linux/files/last_error.h"
+#include "tools/probe_system.h"
 
 namespace tarnwick::probe {
 namespace {
 
-using platform::lastError;
-
 constexpr mode_t kReadableByAll = 0666;
+
+/// Requires: the call before has failed.
+std::error_code lastError() {
+    return {errno, std::generic_category()};
+}
 
 std::error_code writeAll(int descriptor, std::string_view text) {
     while (!text.empty()) {
@@ -43,15 +44,16 @@ std::error_code writeAll(int descriptor, std::string_view text) {
 std::error_code makeFile(const std::string& name, std::string_view text) {
     // Left by a process of this number that was ended on the way.
     ::unlink(name.c_str());
-    const platform::FileDescriptor made(
-        ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadableByAll));
-    if (!made.isOpen()) {
+    const int made = ::open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kReadableByAll);
+    if (made < 0) {
         return lastError();
     }
-    if (const std::error_code error = writeAll(made.get(), text)) {
-        return error;
+    std::error_code error = writeAll(made, text);
+    if (!error && ::fsync(made) != 0) {
+        error = lastError();
     }
-    return ::fsync(made.get()) == 0 ? std::error_code() : lastError();
+    ::close(made);
+    return error;
 }
 
 /// Puts `text` in the place of `file`, which may be a link to a file or missing.
@@ -77,16 +79,15 @@ std::error_code replaceFile(const std::filesystem::path& file, std::string_view 
         ::unlink(beside.c_str());
         return error;
     }
-    platform::makeLasting(target.parent_path());
+    makeLasting(target.parent_path());
     return {};
 }
 
-timespec until(double moment) {
+/// 0 when the moment has come; never less than what is left.
+int millisecondsUntil(double moment) {
     const double now =
         std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
-    const double rest = moment > now ? moment - now : 0;
-    const double whole = std::floor(rest);
-    return {static_cast<std::time_t>(whole), static_cast<long>((rest - whole) * 1e9)};
+    return static_cast<int>(std::ceil(std::max(0.0, moment - now) * 1000));
 }
 
 }  // namespace
@@ -108,21 +109,24 @@ SampleOutput::Outcome SampleOutput::put(std::string_view text) {
 }
 
 bool SampleOutput::waitUntil(double moment) const {
-    // A pipe without a reader is told of without being asked.
-    pollfd reader{.fd = file_ ? -1 : STDOUT_FILENO, .events = 0, .revents = 0};
-    while (true) {
-        const timespec rest = until(moment);
-        const int ready = ::ppoll(&reader, 1, &rest, nullptr);
-        if (ready == 0 || (ready < 0 && errno != EINTR)) {
+    // Linux tells of a pipe without a reader unasked, macOS only when asked for a hang-up.
+    pollfd reader{.fd = file_ ? -1 : STDOUT_FILENO, .events = POLLHUP, .revents = 0};
+    int rest = 0;
+    do {
+        rest = millisecondsUntil(moment);
+        const int ready = ::poll(&reader, 1, rest);
+        if (ready > 0 && (reader.revents & (POLLERR | POLLHUP)) != 0) {
+            return false;
+        }
+        if (ready < 0 && errno != EINTR) {
             return true;
         }
-        if (ready > 0) {
-            if ((reader.revents & (POLLERR | POLLHUP)) != 0) {
-                return false;
-            }
+        // Whatever else it tells of would be told again at once.
+        if (ready >= 0) {
             reader.fd = -1;
         }
-    }
+    } while (rest > 0);
+    return true;
 }
 
 }  // namespace tarnwick::probe

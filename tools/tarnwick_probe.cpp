@@ -10,13 +10,14 @@
 #include <string>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 #include <variant>
 
-#include "platform/linux/settings/settings_file.h"
 #include "tools/exposition.h"
 #include "tools/metrics_report.h"
 #include "tools/pace.h"
 #include "tools/probe_options.h"
+#include "tools/probe_system.h"
 #include "tools/probed_machine.h"
 #include "tools/sample_output.h"
 #include "tools/text_page.h"
@@ -115,10 +116,7 @@ int putSamples(ProbedMachine& machine, const Options& options, const MetricThres
 
 /// Empty where there is none, and for a recorded machine, which has no user.
 std::string usersSettings(const Options& options) {
-    return options.root == "/" ? tarnwick::platform::settingsFile([](const char* name) {
-                                     return std::getenv(name);
-                                 }).native()
-                               : std::string();
+    return options.root == "/" ? usersSettingsFile() : std::string();
 }
 
 /// Absent when the file that the user has named is of no use; that has been said then.
@@ -141,7 +139,11 @@ std::optional<MetricThresholds> thresholdsFor(ProbedMachine& machine, const Opti
 }
 
 int probe(const Options& options) {
-    static auto& machine = *new ProbedMachine(options);
+    auto sources = makeSources(options);
+    if (const auto* error = std::get_if<UsageError>(&sources)) {
+        return complain(error->message, kUsageStatus);
+    }
+    static auto& machine = *new ProbedMachine(std::get<Sources>(std::move(sources)), options);
     const auto thresholds = thresholdsFor(machine, options);
     const int status = thresholds ? putSamples(machine, options, *thresholds) : kUsageStatus;
     machine.end();

@@ -94,4 +94,25 @@ PropertyValue propertyIn(CFTypeRef value) {
     return std::monostate();
 }
 
+std::optional<DefaultsValue> defaultsValueIn(CFTypeRef value) {
+    if (const auto boolean = booleanIn(value)) {
+        return *boolean;
+    }
+    if (auto text = textIn(value)) {
+        return std::move(*text);
+    }
+    if (isOfType(value, CFDateGetTypeID())) {
+        return Date{CFDateGetAbsoluteTime(static_cast<CFDateRef>(value)) +
+                    kCFAbsoluteTimeIntervalSince1970};
+    }
+    const PropertyValue number = propertyIn(value);
+    if (const auto* integer = std::get_if<std::int64_t>(&number)) {
+        return *integer;
+    }
+    if (const auto* real = std::get_if<double>(&number)) {
+        return *real;
+    }
+    return std::nullopt;
+}
+
 }  // namespace tarnwick::platform

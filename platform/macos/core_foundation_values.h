@@ -8,6 +8,7 @@
 #include <string>
 
 #include "platform/accelerators.h"
+#include "platform/user_defaults.h"
 
 namespace tarnwick::platform {
 
@@ -24,5 +25,8 @@ std::optional<bool> booleanIn(CFTypeRef value);
 /// Converts any value. A dictionary keeps every entry; it becomes std::monostate if one of its keys
 /// is not a text.
 PropertyValue propertyIn(CFTypeRef value);
+
+/// A value of the user's settings. Absent for null and for a value that no setting has.
+std::optional<DefaultsValue> defaultsValueIn(CFTypeRef value);
 
 }  // namespace tarnwick::platform

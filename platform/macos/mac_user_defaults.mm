@@ -36,25 +36,7 @@ id boxed(Date value) {
 
 std::optional<DefaultsValue> MacUserDefaults::object(std::string_view key) {
     @autoreleasepool {
-        id value = stored(key);
-        const auto reference = (__bridge CFTypeRef)value;
-        if (const auto boolean = booleanIn(reference)) {
-            return *boolean;
-        }
-        if (auto text = textIn(reference)) {
-            return std::move(*text);
-        }
-        if ([value isKindOfClass:NSDate.class]) {
-            return Date{.secondsSince1970 = static_cast<NSDate*>(value).timeIntervalSince1970};
-        }
-        const PropertyValue number = propertyIn(reference);
-        if (const auto* integer = std::get_if<std::int64_t>(&number)) {
-            return *integer;
-        }
-        if (const auto* real = std::get_if<double>(&number)) {
-            return *real;
-        }
-        return std::nullopt;
+        return defaultsValueIn((__bridge CFTypeRef)stored(key));
     }
 }
 

@@ -18,6 +18,8 @@ import subprocess
 import sys
 
 MINIMUM = "13.0"
+# Needs no display; stands beside the program.
+PROBE = "tarnwick-probe"
 # Parts of demangled names that only code for Linux and its toolkit has.
 LINUX_NAMES = re.compile(r"\bLinux|\bQ[A-Z][a-z]|\b_?xcb_|\b_?wl_|\bXdg|DBus")
 
@@ -147,11 +149,12 @@ def bundle_faults(folder):
               if isinstance(text, str) and (not text or "${" in text)]
     if information.get("LSMinimumSystemVersion") != MINIMUM:
         faults.append(f"Info.plist does not ask for macOS {MINIMUM}")
-    program = contents / "MacOS" / str(information.get("CFBundleExecutable"))
-    if not program.is_file():
-        faults.append(f"there is no {program.name} in MacOS")
-    else:
-        faults += universal_faults(program)
+    for name in (str(information.get("CFBundleExecutable")), PROBE):
+        program = contents / "MacOS" / name
+        if not program.is_file():
+            faults.append(f"there is no {name} in MacOS")
+        else:
+            faults += universal_faults(program)
     icon = contents / "Resources" / str(information.get("CFBundleIconFile"))
     if not icon.is_file() or icon.read_bytes()[:4] != b"icns":
         faults.append(f"there is no icon {icon.name} in Resources")
@@ -166,7 +169,7 @@ def check_universal(path):
     files = [each for each in path.rglob("*") if each.is_file()] or [path]
     size = size_text(sum(each.stat().st_size for each in files))
     rest = ", Info.plist fits" if path.is_dir() else ""
-    print(f"check-macos: {path}: {size}, for arm64 and x86_64, both signed ad hoc{rest}")
+    print(f"check-macos: {path}: {size}, for arm64 and x86_64, signed ad hoc{rest}")
 
 
 if __name__ == "__main__":

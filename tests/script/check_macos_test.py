@@ -193,12 +193,13 @@ class Bundles(Temporary):
         (contents / "MacOS").mkdir(parents=True, exist_ok=True)
         (contents / "Resources").mkdir(exist_ok=True)
         (contents / "Info.plist").write_bytes(plistlib.dumps(self.INFORMATION | information))
-        program = contents / "MacOS/Tarnwick"
         part = part or self.part()
-        program.write_bytes((struct.pack(">II", 0xCAFEBABE, len(processors)) + b"".join(
-            struct.pack(">IIIII", processor, 0, 100, len(part), 0) for processor in processors)
-        ).ljust(100, b"\0") + part)
-        program.chmod(0o755)
+        for name in ("Tarnwick", "tarnwick-probe"):
+            program = contents / "MacOS" / name
+            program.write_bytes((struct.pack(">II", 0xCAFEBABE, len(processors)) + b"".join(
+                struct.pack(">IIIII", processor, 0, 100, len(part), 0) for processor in processors)
+            ).ljust(100, b"\0") + part)
+            program.chmod(0o755)
         (contents / "Resources/Tarnwick.icns").write_bytes(icon)
         return "\n".join(load("macos_program").bundle_faults(self.folder))
 
@@ -220,6 +221,15 @@ class Bundles(Temporary):
     def test_a_missing_program_or_icon_is_a_fault(self):
         self.assertIn("no Other in MacOS", self.faults(CFBundleExecutable="Other"))
         self.assertIn("no icon", self.faults(icon=b"PNG"))
+
+    def test_so_is_a_missing_probe_or_one_that_does_not_fit(self):
+        self.faults()
+        probe = self.folder / "Contents/MacOS/tarnwick-probe"
+        probe.write_bytes(b"#!/bin/sh\n")
+        faults = load("macos_program").bundle_faults
+        self.assertEqual(faults(self.folder), ["tarnwick-probe is not for arm64 and x86_64"])
+        probe.unlink()
+        self.assertEqual(faults(self.folder), ["there is no tarnwick-probe in MacOS"])
 
     def test_another_oldest_system_is_a_fault(self):
         self.assertIn("macOS 13.0", self.faults(LSMinimumSystemVersion="14.0"))

@@ -41,6 +41,17 @@ TEST(Exposition, IsTextOfOpenMetrics) {
               "# EOF\n");
 }
 
+TEST(Exposition, WritesNumbersInAsFewDigitsAsReadTheSame) {
+    Exposition text(Exposition::Format::prometheus);
+    text.gauge("x", "", "X.");
+    for (const double value : {0.1, 1.0 / 3, -2.5, 5368709120.0, 8190.4400000572205}) {
+        text.sample(value);
+    }
+    EXPECT_EQ(text.finish(),
+              "# HELP x X.\n# TYPE x gauge\nx 0.1\nx 0.3333333333333333\nx -2.5\nx 5368709120\n"
+              "x 8190.4400000572205\n");
+}
+
 TEST(Exposition, EscapesLabels) {
     Exposition text(Exposition::Format::prometheus);
     text.gauge("x", "", "X.");

@@ -52,6 +52,7 @@ TEST(ProbeOptions, AreTakenInEitherForm) {
     EXPECT_EQ(options.interval, 0.25);
     EXPECT_EQ(options.limit, 0);
     EXPECT_EQ(options.home, "/srv/home");
+    EXPECT_EQ(accepted({"--interval", "5e-1"}).interval, 0.5);
 }
 
 TEST(ProbeOptions, ChooseTheFormat) {
@@ -113,7 +114,8 @@ TEST(ProbeOptions, RefuseNumbersOutOfRange) {
         EXPECT_EQ(complaint({"--samples", samples}), "--samples takes a number from 0 to 1000000")
             << samples;
     }
-    for (const char* interval : {"-0.1", "-1", "86401", "nan", "inf", "1s", ""}) {
+    for (const char* interval : {"-0.1", "-1", "86401", "nan", "inf", "1s", "1 ", " 1", "+1", "0x1",
+                                 "1e", "1e999", "0,5", ""}) {
         EXPECT_EQ(complaint({"--interval", interval}),
                   "--interval takes a number of seconds from 0 to 86400")
             << interval;
