@@ -61,7 +61,7 @@ class Program {
         [clipboard clearContents];
         [clipboard setString:appkit::string(text) forType:NSPasteboardTypeString];
     }
-    static void quit() { [NSApplication.sharedApplication terminate:nil]; }
+    static void quit() { [appkit::application() terminate:nil]; }
 
     appkit::MacStatusItem item_;
     appkit::TitledWindows windows_;
@@ -117,7 +117,7 @@ NSMenu* makeMenu() {
 
 int main() {
     @autoreleasepool {
-        NSApplication* application = NSApplication.sharedApplication;
+        NSApplication* application = tarnwick::appkit::application();
         application.activationPolicy = NSApplicationActivationPolicyAccessory;
         application.mainMenu = tarnwick::makeMenu();
         tarnwick::platform::install(tarnwick::platform::makeMacPlatform());

@@ -8,6 +8,8 @@ add_library(tarnwick_warnings INTERFACE)
 target_compile_options(tarnwick_warnings INTERFACE
   -Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wnon-virtual-dtor
   -Wold-style-cast -Woverloaded-virtual -Wdouble-promotion -Wformat=2 -Wimplicit-fallthrough
+  # The compiler does not know whether the oldest system has what a plain id is asked for.
+  $<$<COMPILE_LANGUAGE:OBJCXX>:-Wobjc-messaging-id>
   # GCC 12 reports the value of a moved std::optional as perhaps uninitialised when it optimises.
   $<$<CXX_COMPILER_ID:GNU>:-Wno-maybe-uninitialized>
   # Where files are compiled together, a local name shadows those of another file, and GCC warns of

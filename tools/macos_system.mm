@@ -61,14 +61,14 @@ StoredSettings readSettings(const std::string& file) {
         if (bytes == nil) {
             return {.trouble = "it cannot be read"};
         }
-        id values = [NSPropertyListSerialization propertyListWithData:bytes
-                                                              options:NSPropertyListImmutable
-                                                               format:nil
-                                                                error:nil];
+        NSObject* values = [NSPropertyListSerialization propertyListWithData:bytes
+                                                                     options:NSPropertyListImmutable
+                                                                      format:nil
+                                                                       error:nil];
         if (![values isKindOfClass:NSDictionary.class]) {
             return {.trouble = "it holds no settings"};
         }
-        return {.values = std::make_unique<PropertyList>(values)};
+        return {.values = std::make_unique<PropertyList>(static_cast<NSDictionary*>(values))};
     }
 }
 

@@ -164,6 +164,38 @@ class Fronts(unittest.TestCase):
         self.assertIn("secondaryLabelColor", source("appkit"))
         self.assertNotIn("colorWithAlphaComponent", source("appkit"))
 
+    def test_appkit_takes_its_measures_from_its_grid(self):
+        for path in sorted((ROOT / "ui/appkit").glob("*.mm")):
+            text = re.sub("//.*", "", path.read_text())
+            for pattern in (r"constexpr CGFloat \w+ = [\d.]+;", r"[cC]onstant:-?[1-9]\d*[\];]",
+                            r"\], [1-9]\d*\)", r"(?:spacing|[rR]adius)(?: =|:) ?[1-9]"):
+                with self.subTest(file=path.name):
+                    self.assertEqual(re.findall(pattern, text), [])
+
+    def test_appkit_asks_only_what_the_compiler_can_check(self):
+        # The compiler lets calls that the oldest system lacks pass to a type that may be a subclass.
+        text = source("appkit") + (ROOT / PROGRAMS["appkit"]).read_text()
+        self.assertEqual(re.findall(r".*\bsharedApplication\b.*", text),
+                         ["    return NSApplication.sharedApplication;"])
+        self.assertEqual(
+            re.findall(r"\.(?:cell|documentView)\.\w+|viewWithTag:[^;]*\]\.\w+", text), [])
+
+    def test_appkit_closes_the_panel_on_command_w(self):
+        panel = re.search(r"@implementation TNWPanel\b.*?@end", source("appkit"), re.DOTALL).group()
+        self.assertIn("- (void)performClose:", panel)
+        # Otherwise the menu refuses the key for a window without a close button.
+        self.assertRegex(panel, r"validateMenuItem:[^}]*@selector\(performClose:\)")
+
+    def test_appkit_closes_the_panel_when_nobody_can_see_it(self):
+        for notice in ("DidActivateApplication", "ScreensDidSleep", "SessionDidResignActive"):
+            self.assertIn(f"NSWorkspace{notice}Notification", source("appkit"))
+
+    def test_appkit_says_no_title_of_a_group_twice(self):
+        hidden = re.findall(r"hideFromScreenReaders\((\w+)\)", source("appkit"))
+        # Header and its summary, list of processes; header of a detail page; card of a switch.
+        for name, times in (("_title", 2), ("_summary", 1), ("title", 2), ("caption", 1)):
+            self.assertEqual(hidden.count(name), times, name)
+
     def test_appkit_takes_every_command_on_a_thumb(self):
         thumb = re.search(r"@implementation TNWThumbView.*?@end", source("appkit"), re.DOTALL)
         for method in ("doCommandBySelector:", "insertText:"):

@@ -17,11 +17,6 @@
 
 namespace tarnwick::appkit {
 
-/// Points between the panel's edge and its content.
-inline constexpr CGFloat kPagePadding = 16;
-/// Width of every block.
-inline constexpr CGFloat kBlockWidth = kPanelWidth - 2 * kPagePadding;
-
 /// What the blocks of a page share.
 struct BlockEnvironment {
     PressHandler press{};

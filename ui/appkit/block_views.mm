@@ -3,6 +3,7 @@
 
 #include <variant>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/panel_blocks.h"
 #include "ui/appkit/row_view.h"
 #include "ui/appkit/style.h"
@@ -31,8 +32,18 @@
 
 @implementation TNWDividerBlock
 
+- (instancetype)initWithFrame:(NSRect)frame {
+    self = [super initWithFrame:frame];
+    if (self != nil) {
+        self.boxType = NSBoxSeparator;
+        // A separator stands upright while it is not wider than high.
+        [self.heightAnchor constraintEqualToConstant:tarnwick::appkit::grid::kHairline].active =
+            YES;
+    }
+    return self;
+}
+
 - (BOOL)showBlock:(const tarnwick::PanelBlock&)block {
-    self.boxType = NSBoxSeparator;
     return std::holds_alternative<tarnwick::PanelDivider>(block);
 }
 

@@ -3,15 +3,12 @@
 #include <utility>
 #include <vector>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/panel_blocks.h"
 #include "ui/appkit/style.h"
 
 namespace tarnwick::appkit {
 namespace {
-
-constexpr CGFloat kIconButtonGap = 6;
-constexpr CGFloat kTitleGap = 4;
-constexpr CGFloat kColumnGap = 12;
 
 struct ButtonsMaker {
     const PressHandler& press;
@@ -32,10 +29,12 @@ struct ButtonsMaker {
         return blockRow(leading, trailing, FooterRow::kSpacing);
     }
     NSView* operator()(const DetailHeader& header) const {
-        NSStackView* row = blockRow(@[ plainTitledButton(header.back, press) ],
-                                    @[ plainTitledButton(header.refresh, press) ], kColumnGap);
-        [row addView:label(header.title, FontRole::headline, NSColor.labelColor)
-            inGravity:NSStackViewGravityCenter];
+        NSStackView* row =
+            blockRow(@[ plainTitledButton(header.back, press) ],
+                     @[ plainTitledButton(header.refresh, press) ], grid::kColumnGap);
+        NSTextField* title = label(header.title, FontRole::headline, NSColor.labelColor);
+        hideFromScreenReaders(title);
+        [row addView:title inGravity:NSStackViewGravityCenter];
         return row;
     }
     template <class Block>
@@ -65,9 +64,11 @@ struct ButtonsMaker {
         _summary.font = font(FontRole::caption);
         _summary.textColor = NSColor.secondaryLabelColor;
         _summary.selectable = NO;
-        _summary.preferredMaxLayoutWidth = kBlockWidth;
-        _top = blockRow(@[ _title ], @[], kIconButtonGap);
-        makeColumn(self, @[ _top, _summary ], kTitleGap);
+        _summary.preferredMaxLayoutWidth = grid::kBlockWidth;
+        hideFromScreenReaders(_title);
+        hideFromScreenReaders(_summary);
+        _top = blockRow(@[ _title ], @[], grid::kIconButtonGap);
+        makeColumn(self, @[ _top, _summary ], grid::kTitleGap);
         [_top.widthAnchor constraintEqualToAnchor:self.widthAnchor].active = YES;
         [_summary.widthAnchor constraintLessThanOrEqualToAnchor:self.widthAnchor].active = YES;
     }

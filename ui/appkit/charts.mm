@@ -5,19 +5,10 @@
 #include <utility>
 #include <vector>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/style.h"
 
-namespace {
-
-constexpr CGFloat kBarHeight = 6;
-constexpr CGFloat kBarCorner = 3;
-/// Shorter steps, in points, are too small to be seen as a movement.
-constexpr CGFloat kLeastStep = 2;
-/// How far a line may reach beyond its points at a peak.
-constexpr CGFloat kOverhang =
-    tarnwick::SparklineView::kLineWidth / 2 * tarnwick::SparklineView::kMiterLimit;
-
-}  // namespace
+namespace grid = tarnwick::appkit::grid;
 
 @implementation TNWBarView {
     std::unique_ptr<tarnwick::MovingValue> _fraction;
@@ -38,7 +29,7 @@ constexpr CGFloat kOverhang =
 - (void)setBar:(const tarnwick::UsageBar&)bar {
     const double next = bar.fraction();
     const CGFloat step = std::abs(next - _fraction->value()) * self.bounds.size.width;
-    if (_isBegun && step >= kLeastStep) {
+    if (_isBegun && step >= grid::kLeastBarStep) {
         _fraction->moveTo(next);
     } else {
         _fraction->jumpTo(next);
@@ -49,14 +40,14 @@ constexpr CGFloat kOverhang =
 }
 
 - (NSSize)intrinsicContentSize {
-    return NSMakeSize(NSViewNoIntrinsicMetric, kBarHeight);
+    return NSMakeSize(NSViewNoIntrinsicMetric, grid::kBarHeight);
 }
 
 - (void)drawRect:(NSRect)dirtyRect {
     (void)dirtyRect;
     NSBezierPath* track = [NSBezierPath bezierPathWithRoundedRect:self.bounds
-                                                          xRadius:kBarCorner
-                                                          yRadius:kBarCorner];
+                                                          xRadius:grid::kBarCorner
+                                                          yRadius:grid::kBarCorner];
     [NSColor.quaternaryLabelColor setFill];
     [track fill];
     // Clipped to the shape of the track, so that a short bar has a round end, too.
@@ -83,12 +74,13 @@ constexpr CGFloat kOverhang =
 }
 
 - (NSEdgeInsets)alignmentRectInsets {
-    return NSEdgeInsetsMake(kOverhang, kOverhang, kOverhang, kOverhang);
+    return NSEdgeInsetsMake(grid::kLineOverhang, grid::kLineOverhang, grid::kLineOverhang,
+                            grid::kLineOverhang);
 }
 
 - (void)drawRect:(NSRect)dirtyRect {
     (void)dirtyRect;
-    const NSRect chart = NSInsetRect(self.bounds, kOverhang, kOverhang);
+    const NSRect chart = NSInsetRect(self.bounds, grid::kLineOverhang, grid::kLineOverhang);
     const std::vector<tarnwick::SparklinePoint> points =
         _sparkline.points(chart.size.width, chart.size.height);
     if (points.empty()) {

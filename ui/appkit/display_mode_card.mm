@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <string>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/settings_cards.h"
 #include "ui/appkit/style.h"
 
@@ -15,15 +16,14 @@ using tarnwick::appkit::settingsRow;
 using tarnwick::appkit::string;
 using tarnwick::appkit::symbolView;
 
-constexpr CGFloat kGap = 8;
-constexpr CGFloat kStripCorner = 8;
+constexpr CGFloat kGap = tarnwick::appkit::grid::kPartGap;
 
 /// The ground of a preview, like a piece of the menu bar.
 NSView* groundUnder(NSView* strip) {
     NSBox* ground = [[NSBox alloc] initWithFrame:NSZeroRect];
     ground.boxType = NSBoxCustom;
     ground.borderWidth = 0;
-    ground.cornerRadius = kStripCorner;
+    ground.cornerRadius = tarnwick::appkit::grid::kStripCorner;
     ground.fillColor = NSColor.windowBackgroundColor;
     ground.contentViewMargins = NSZeroSize;
     ground.contentView = strip;
@@ -123,7 +123,7 @@ NSView* bodyOf(const DisplayModeCard& card) {
 
 /// Like a button: only if the system's keyboard navigation reaches all controls.
 - (BOOL)acceptsFirstResponder {
-    return NSApplication.sharedApplication.fullKeyboardAccessEnabled;
+    return tarnwick::appkit::application().fullKeyboardAccessEnabled;
 }
 
 - (void)keyDown:(NSEvent*)event {

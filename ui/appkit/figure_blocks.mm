@@ -2,6 +2,7 @@
 #include <utility>
 
 #include "ui/appkit/charts.h"
+#include "ui/appkit/grid.h"
 #include "ui/appkit/panel_blocks.h"
 #include "ui/appkit/row_view.h"
 #include "ui/appkit/style.h"
@@ -10,11 +11,6 @@ namespace {
 
 using tarnwick::TrendRow;
 using tarnwick::UsageBar;
-
-/// Between a bar and its label.
-constexpr CGFloat kBarGap = 6;
-/// Between a figure and the mark of its level.
-constexpr CGFloat kMarkGap = 4;
 
 }  // namespace
 
@@ -28,7 +24,7 @@ constexpr CGFloat kMarkGap = 4;
     if (self != nil) {
         _row = [[TNWRowView alloc] initWithFrame:NSZeroRect];
         _bar = [[TNWBarView alloc] initWithMotion:std::move(motion)];
-        tarnwick::appkit::makeColumn(self, @[ _row, _bar ], kBarGap);
+        tarnwick::appkit::makeColumn(self, @[ _row, _bar ], tarnwick::appkit::grid::kBarGap);
         [_row.widthAnchor constraintEqualToAnchor:self.widthAnchor].active = YES;
         [_bar.widthAnchor constraintEqualToAnchor:self.widthAnchor].active = YES;
     }
@@ -72,7 +68,7 @@ constexpr CGFloat kMarkGap = 4;
                         owner:self
                      userData:nullptr];
         NSStackView* texts = [[NSStackView alloc] initWithFrame:NSZeroRect];
-        makeColumn(texts, @[ _title, blockRow(@[ _value, _mark ], @[], kMarkGap) ],
+        makeColumn(texts, @[ _title, blockRow(@[ _value, _mark ], @[], grid::kMarkGap) ],
                    TrendRow::kTextSpacing);
         self.orientation = NSUserInterfaceLayoutOrientationHorizontal;
         self.alignment = NSLayoutAttributeCenterY;

@@ -1,10 +1,12 @@
 // SPDX-License-Identifier: MIT
 #include "settings/key_codes.h"
+#include "ui/appkit/grid.h"
 #include "ui/appkit/panel_views.h"
+#include "ui/appkit/style.h"
 
 namespace {
 
-constexpr CGFloat kCorner = 12;
+constexpr CGFloat kCorner = tarnwick::appkit::grid::kPanelCorner;
 
 /// The shape of the panel. Unlike a corner of the layer, a mask of the material shapes the window's
 /// shadow, too.
@@ -80,10 +82,23 @@ NSVisualEffectView* makeGround(NSView* content) {
     }
 }
 
+/// A window without a close button would beep.
+- (BOOL)validateMenuItem:(NSMenuItem*)item {
+    return item.action == @selector(performClose:) || [super validateMenuItem:item];
+}
+
+- (void)performClose:(id)sender {
+    (void)sender;
+    const std::function<void()> closed = self.closed;
+    if (closed) {
+        closed();
+    }
+}
+
 - (void)cancelOperation:(id)sender {
     (void)sender;
     // A held Escape key would lead back and close the panel at once.
-    NSEvent* event = NSApplication.sharedApplication.currentEvent;
+    NSEvent* event = tarnwick::appkit::application().currentEvent;
     if (event.type == NSEventTypeKeyDown && event.isARepeat) {
         return;
     }

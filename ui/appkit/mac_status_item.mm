@@ -5,6 +5,7 @@
 #import <CoreText/CoreText.h>
 #include <utility>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/status_bar_button.h"
 #include "ui/appkit/style.h"
 
@@ -43,9 +44,6 @@ namespace tarnwick::appkit {
 namespace {
 
 using platform::StatusItemContent;
-
-/// Between the row and the ends of the item.
-constexpr CGFloat kPadding = 4;
 
 /// All digits have the same width.
 NSFont* itemFont() {
@@ -121,7 +119,7 @@ void MacStatusItem::setContent(const StatusItemContent& content) {
 
     NSStatusBarButton* button = state_->item.button;
     button.accessibilityLabel = string(content.accessibilityLabel);
-    state_->item.length = row.fittingSize.width + 2 * kPadding;
+    state_->item.length = row.fittingSize.width + 2 * grid::kItemPadding;
     [button addSubview:row];
     [row.centerXAnchor constraintEqualToAnchor:button.centerXAnchor].active = YES;
     [row.centerYAnchor constraintEqualToAnchor:button.centerYAnchor].active = YES;

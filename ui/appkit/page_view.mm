@@ -3,12 +3,13 @@
 #include <utility>
 #include <vector>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/panel_views.h"
 #include "ui/appkit/style.h"
 
 namespace {
 
-using tarnwick::appkit::kPagePadding;
+using tarnwick::appkit::grid::kPagePadding;
 
 struct Row {
     tarnwick::PageItem item;
@@ -120,7 +121,8 @@ struct Row {
         const auto index = static_cast<NSInteger>(i);
         if (view.superview != self) {
             [self insertArrangedSubview:view atIndex:index];
-            [view.widthAnchor constraintEqualToConstant:tarnwick::appkit::kBlockWidth].active = YES;
+            [view.widthAnchor constraintEqualToConstant:tarnwick::appkit::grid::kBlockWidth]
+                .active = YES;
         } else if (self.arrangedSubviews[i] != view) {
             [self removeArrangedSubview:view];
             [self insertArrangedSubview:view atIndex:index];

@@ -3,11 +3,12 @@
 #include <limits>
 
 #include "settings/key_codes.h"
+#include "ui/appkit/grid.h"
 #include "ui/appkit/panel_views.h"
 
 namespace {
 
-constexpr CGFloat kLine = 40;
+constexpr CGFloat kLine = tarnwick::appkit::grid::kScrollStep;
 /// Higher than any page.
 constexpr CGFloat kEverything = std::numeric_limits<CGFloat>::max() / 2;
 
@@ -35,9 +36,9 @@ constexpr CGFloat kEverything = std::numeric_limits<CGFloat>::max() / 2;
 
 - (void)scrollBy:(CGFloat)distance {
     NSClipView* visible = self.contentView;
+    NSView* page = self.documentView;
     const NSRect bounds = visible.bounds;
-    const CGFloat furthest =
-        std::max<CGFloat>(0, self.documentView.frame.size.height - bounds.size.height);
+    const CGFloat furthest = std::max<CGFloat>(0, page.frame.size.height - bounds.size.height);
     const CGFloat y = std::clamp<CGFloat>(bounds.origin.y + distance, 0, furthest);
     [visible scrollToPoint:NSMakePoint(0, y)];
     [self reflectScrolledClipView:visible];

@@ -31,5 +31,7 @@
 - (instancetype)initWithPage:(TNWPageView*)page;
 /// Called on Escape.
 @property(nonatomic) std::function<void()> cancelled;
+/// Called on Command-W.
+@property(nonatomic) std::function<void()> closed;
 @property(nonatomic, readonly) TNWPanelScrollView* scroller;
 @end

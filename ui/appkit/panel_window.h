@@ -12,9 +12,9 @@
 
 namespace tarnwick::appkit {
 
-/// A borderless floating panel under the status item. It closes on a press elsewhere and when
-/// another application comes to the front. Escape leads back from a detail page, and closes the
-/// panel on the home page.
+/// A borderless floating panel under the status item. It closes on a press elsewhere, on Command-W,
+/// when another application comes to the front and when the screens sleep. Escape leads back from a
+/// detail page, and closes the panel on the home page.
 ///
 /// Makes its views when it opens and frees them when it closes. Between the two the view knows that
 /// it is visible. Main thread.
@@ -37,7 +37,7 @@ class PanelWindow {
 
     void pageChanged(const Page& page);
     void watchPresses();
-    void watchActivations();
+    void watchSession();
     void cancel();
 
     MenuBarView& view_;

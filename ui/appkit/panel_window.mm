@@ -2,17 +2,15 @@
 #include "ui/appkit/panel_window.h"
 
 #import <AppKit/AppKit.h>
-#include <algorithm>
 #include <utility>
 
+#include "ui/appkit/panel_place.h"
 #include "ui/appkit/panel_views.h"
 #include "ui/appkit/status_bar_button.h"
 
 namespace tarnwick::appkit {
 namespace {
 
-/// Between the panel and the item, and between the panel and the edges of the screen; points.
-constexpr CGFloat kMargin = 4;
 constexpr NSEventMask kPresses =
     NSEventMaskLeftMouseDown | NSEventMaskRightMouseDown | NSEventMaskOtherMouseDown;
 
@@ -39,19 +37,17 @@ struct PanelWindow::State {
     MenuTab tab = MenuTab::home;
     /// The frame of the status item.
     NSRect anchor = NSZeroRect;
-    /// The panel's upper edge stays here for every page. Its height is at most `room`.
-    NSPoint topLeft = NSZeroPoint;
-    CGFloat room = 0;
+    PanelPlace place;
     /// True while Escape changes the page.
     bool isCancelling = false;
     id ownEvents = nil;
     id otherEvents = nil;
-    id activations = nil;
+    NSArray<id>* notices = nil;
 
     void fit() {
-        const CGFloat height = std::min(page.fittingSize.height, room);
+        const CGFloat height = place.heightOf(page.fittingSize.height);
         [panel setContentSize:NSMakeSize(kPanelWidth, height)];
-        [panel setFrameTopLeftPoint:topLeft];
+        [panel setFrameTopLeftPoint:NSMakePoint(place.x, place.top)];
     }
 
     void setPage(const Page& next) {
@@ -83,12 +79,9 @@ struct PanelWindow::State {
                 screen = NSPointInRect(middle, each.frame) ? each : screen;
             }
         }
-        const NSRect inside = NSInsetRect(screen.visibleFrame, kMargin, kMargin);
-        const CGFloat furthest = std::max(NSMinX(inside), NSMaxX(inside) - kPanelWidth);
-        const CGFloat wanted = item ? NSMidX(anchor) - kPanelWidth / 2.0 : furthest;
-        const CGFloat top = item ? NSMinY(anchor) - kMargin : NSMaxY(inside);
-        topLeft = NSMakePoint(std::clamp(wanted, NSMinX(inside), furthest), top);
-        room = top - NSMinY(inside);
+        const NSRect visible = screen.visibleFrame;
+        place = panelPlace(
+            item, {visible.origin.x, visible.origin.y, visible.size.width, visible.size.height});
     }
 };
 
@@ -134,12 +127,13 @@ void PanelWindow::open(const std::optional<ScreenFrame>& anchor) {
                                  }}];
     state_->panel = [[TNWPanel alloc] initWithPage:state_->page];
     state_->panel.cancelled = [this] { cancel(); };
+    state_->panel.closed = [this] { close(); };
     state_->placeUnder(anchor);
     motion_->setReduced(reducesMotion());
     state_->setPage(view_.appear());
     state_->tab = view_.activeTab();
     watchPresses();
-    watchActivations();
+    watchSession();
     [state_->panel makeKeyAndOrderFront:nil];
 }
 
@@ -166,21 +160,39 @@ void PanelWindow::watchPresses() {
                                                }];
 }
 
-// The user may change to another application without a press, for example by keyboard.
-void PanelWindow::watchActivations() {
-    state_->activations = [NSWorkspace.sharedWorkspace.notificationCenter
-        addObserverForName:NSWorkspaceDidActivateApplicationNotification
-                    object:nil
-                     queue:nil
-                usingBlock:^(NSNotification* notification) {
-                  NSRunningApplication* active = notification.userInfo[NSWorkspaceApplicationKey];
-                  if (![active isEqual:NSRunningApplication.currentApplication]) {
-                      close();
-                  }
-                }];
+void PanelWindow::watchSession() {
+    NSNotificationCenter* center = NSWorkspace.sharedWorkspace.notificationCenter;
+    void (^closing)(NSNotification*) = ^(NSNotification*) {
+      close();
+    };
+    state_->notices = @[
+        // The user may change to another application without a press, for example by keyboard.
+        [center addObserverForName:NSWorkspaceDidActivateApplicationNotification
+                            object:nil
+                             queue:nil
+                        usingBlock:^(NSNotification* notification) {
+                          NSRunningApplication* active =
+                              notification.userInfo[NSWorkspaceApplicationKey];
+                          if (![active isEqual:NSRunningApplication.currentApplication]) {
+                              close();
+                          }
+                        }],
+        // Nobody looks any more, so nothing need be measured at the pace of a visible panel.
+        [center addObserverForName:NSWorkspaceScreensDidSleepNotification
+                            object:nil
+                             queue:nil
+                        usingBlock:closing],
+        [center addObserverForName:NSWorkspaceSessionDidResignActiveNotification
+                            object:nil
+                             queue:nil
+                        usingBlock:closing],
+    ];
 }
 
 void PanelWindow::cancel() {
+    if (!isOpen()) {
+        return;
+    }
     state_->isCancelling = true;
     if (view_.cancel()) {
         state_->isCancelling = false;
@@ -196,7 +208,9 @@ void PanelWindow::close() {
     const std::unique_ptr<State> closing = std::move(state_);
     stopWatching(closing->ownEvents);
     stopWatching(closing->otherEvents);
-    [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:closing->activations];
+    for (id notice in closing->notices) {
+        [NSWorkspace.sharedWorkspace.notificationCenter removeObserver:notice];
+    }
     [closing->panel orderOut:nil];
     view_.disappear();
     // Later, because a press inside the panel may still be running.

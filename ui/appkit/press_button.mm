@@ -5,6 +5,7 @@
 #include <optional>
 #include <utility>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/style.h"
 #include "ui/panel/blocks.h"
 
@@ -76,10 +77,6 @@ NSImage* turned(NSImage* picture, double share) {
 namespace tarnwick::appkit {
 namespace {
 
-/// Side of the area that a press must hit, for a button without border and title; points.
-constexpr CGFloat kIconButtonSize = 26;
-constexpr CGFloat kNavigationHeight = 28;
-
 TNWPressButton* untitledButton(const PanelButton& button, const PressHandler& press) {
     TNWPressButton* view = [[TNWPressButton alloc] initWithFrame:NSZeroRect];
     view.buttonType = NSButtonTypeMomentaryPushIn;
@@ -122,8 +119,8 @@ TNWPressButton* iconButton(const PanelButton& button, const PressHandler& press)
     view.image = symbol(button.icon);
     view.imagePosition = NSImageOnly;
     view.toolTip = string(button.title);
-    [view.widthAnchor constraintEqualToConstant:kIconButtonSize].active = YES;
-    [view.heightAnchor constraintEqualToConstant:kIconButtonSize].active = YES;
+    [view.widthAnchor constraintEqualToConstant:grid::kIconButtonSize].active = YES;
+    [view.heightAnchor constraintEqualToConstant:grid::kIconButtonSize].active = YES;
     return view;
 }
 
@@ -135,7 +132,7 @@ TNWPressButton* navigationButton(const PanelButton& button, const PressHandler& 
     view.image = symbol(NavigationButton::kTrailingIcon);
     view.imagePosition = NSImageTrailing;
     view.imageHugsTitle = NO;
-    [view.heightAnchor constraintGreaterThanOrEqualToConstant:kNavigationHeight].active = YES;
+    [view.heightAnchor constraintGreaterThanOrEqualToConstant:grid::kNavigationHeight].active = YES;
     return view;
 }
 

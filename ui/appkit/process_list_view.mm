@@ -40,6 +40,7 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     if (self != nil) {
         _heightChanged = std::move(heightChanged);
         _title = label({}, FontRole::subheadlineMedium, NSColor.labelColor);
+        hideFromScreenReaders(_title);
         _rowViews = [NSMutableArray array];
         makeColumn(self, @[ _title ], tarnwick::kRowSpacing);
         [self addTrackingArea:[[NSTrackingArea alloc]

@@ -3,14 +3,11 @@
 
 #include <variant>
 
+#include "ui/appkit/grid.h"
 #include "ui/panel/panel_figures.h"
 
 namespace tarnwick::appkit {
 namespace {
-
-constexpr CGFloat kSymbolGap = 8;
-/// Between the mark of a level and the figure behind it.
-constexpr CGFloat kMarkGap = 4;
 
 RowContent symbolTitle(const std::string& icon, NSColor* color, const std::string& title) {
     return {.icon = icon, .iconColor = color, .leading = {title, FontRole::subheadline, color}};
@@ -100,10 +97,10 @@ void showLevelMark(NSImageView* view, Tint level) {
                                            forOrientation:NSLayoutConstraintOrientationHorizontal];
         self.orientation = NSUserInterfaceLayoutOrientationHorizontal;
         self.alignment = NSLayoutAttributeCenterY;
-        self.spacing = kSymbolGap;
+        self.spacing = grid::kSymbolGap;
         [self setViews:@[ _symbol, _leading ] inGravity:NSStackViewGravityLeading];
         [self setViews:@[ _mark, _trailing ] inGravity:NSStackViewGravityTrailing];
-        [self setCustomSpacing:kMarkGap afterView:_mark];
+        [self setCustomSpacing:grid::kMarkGap afterView:_mark];
     }
     return self;
 }

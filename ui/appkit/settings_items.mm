@@ -4,16 +4,12 @@
 #include <utility>
 #include <variant>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/press_button.h"
 #include "ui/appkit/settings_cards.h"
 #include "ui/appkit/style.h"
 
-namespace {
-
-constexpr CGFloat kCardCorner = 8;
-constexpr CGFloat kCardPadding = 12;
-
-}  // namespace
+namespace grid = tarnwick::appkit::grid;
 
 @implementation TNWCard {
     NSView* _body;
@@ -25,18 +21,19 @@ constexpr CGFloat kCardPadding = 12;
     body.translatesAutoresizingMaskIntoConstraints = NO;
     [self addSubview:body];
     [NSLayoutConstraint activateConstraints:@[
-        [body.topAnchor constraintEqualToAnchor:self.topAnchor constant:kCardPadding],
-        [body.bottomAnchor constraintEqualToAnchor:self.bottomAnchor constant:-kCardPadding],
-        [body.leadingAnchor constraintEqualToAnchor:self.leadingAnchor constant:kCardPadding],
-        [body.trailingAnchor constraintEqualToAnchor:self.trailingAnchor constant:-kCardPadding],
+        [body.topAnchor constraintEqualToAnchor:self.topAnchor constant:grid::kCardPadding],
+        [body.bottomAnchor constraintEqualToAnchor:self.bottomAnchor constant:-grid::kCardPadding],
+        [body.leadingAnchor constraintEqualToAnchor:self.leadingAnchor constant:grid::kCardPadding],
+        [body.trailingAnchor constraintEqualToAnchor:self.trailingAnchor
+                                            constant:-grid::kCardPadding],
     ]];
 }
 
 - (void)drawRect:(NSRect)dirtyRect {
     (void)dirtyRect;
     NSBezierPath* card = [NSBezierPath bezierPathWithRoundedRect:NSInsetRect(self.bounds, 0.5, 0.5)
-                                                         xRadius:kCardCorner
-                                                         yRadius:kCardCorner];
+                                                         xRadius:grid::kCardCorner
+                                                         yRadius:grid::kCardCorner];
     [NSColor.controlBackgroundColor setFill];
     [card fill];
     [NSColor.separatorColor setStroke];
@@ -83,9 +80,7 @@ constexpr CGFloat kCardPadding = 12;
 namespace tarnwick::appkit {
 namespace {
 
-constexpr CGFloat kGap = 8;
-/// Captions wrap at this width: it fits into a card of the window, also beside a symbol. Points.
-constexpr CGFloat kCaptionWidth = 430;
+constexpr CGFloat kGap = grid::kPartGap;
 
 NSView<TNWSettingsItemView>* resetRow(SettingsView& view) {
     TNWPressButton* button = [[TNWPressButton alloc] initWithFrame:NSZeroRect];
@@ -225,7 +220,7 @@ NSTextField* captionLabel(std::string_view text) {
     field.font = font(FontRole::caption);
     field.textColor = NSColor.secondaryLabelColor;
     field.selectable = NO;
-    field.preferredMaxLayoutWidth = kCaptionWidth;
+    field.preferredMaxLayoutWidth = grid::kCaptionWidth;
     return field;
 }
 

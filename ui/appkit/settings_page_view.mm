@@ -3,13 +3,14 @@
 #include <utility>
 #include <vector>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/settings_items.h"
 #include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
 
 namespace {
 
-constexpr CGFloat kPadding = 20;
+constexpr CGFloat kPadding = tarnwick::appkit::grid::kSettingsPadding;
 
 /// One row of the page: a heading or an item.
 struct Row {

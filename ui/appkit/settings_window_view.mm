@@ -14,7 +14,7 @@ namespace tarnwick::appkit {
 namespace {
 
 std::optional<std::string> informationText(NSString* key) {
-    id value = [NSBundle.mainBundle objectForInfoDictionaryKey:key];
+    NSObject* value = [NSBundle.mainBundle objectForInfoDictionaryKey:key];
     if (![value isKindOfClass:NSString.class]) {
         return std::nullopt;
     }
@@ -32,8 +32,7 @@ SettingsViewEnvironment environment(platform::Dispatch& dispatch,
             [](const std::string& address) {
                 [NSWorkspace.sharedWorkspace openURL:[NSURL URLWithString:string(address)]];
             },
-        .keyboardNavigationEnabled =
-            static_cast<bool>(NSApplication.sharedApplication.fullKeyboardAccessEnabled),
+        .keyboardNavigationEnabled = static_cast<bool>(application().fullKeyboardAccessEnabled),
     };
 }
 

@@ -2,6 +2,7 @@
 #include <string>
 #include <vector>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/press_button.h"
 #include "ui/appkit/settings_cards.h"
 #include "ui/appkit/settings_views.h"
@@ -12,7 +13,7 @@ namespace {
 using tarnwick::ShortcutEditor;
 using tarnwick::appkit::FontRole;
 
-constexpr CGFloat kGap = 8;
+constexpr CGFloat kGap = tarnwick::appkit::grid::kPartGap;
 
 NSView* lineView(const tarnwick::StatusLine& line) {
     NSTextField* text = tarnwick::appkit::captionLabel(line.text);

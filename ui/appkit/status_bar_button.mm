@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "ui/appkit/status_bar_button.h"
 
+#include "ui/appkit/style.h"
+
 namespace tarnwick::appkit {
 
 NSStatusBarButton* statusBarButtonIn(NSView* view) {
@@ -16,7 +18,7 @@ NSStatusBarButton* statusBarButtonIn(NSView* view) {
 }
 
 NSStatusBarButton* statusBarButton() {
-    for (NSWindow* window in NSApplication.sharedApplication.windows) {
+    for (NSWindow* window in application().windows) {
         if (NSStatusBarButton* button = statusBarButtonIn(window.contentView)) {
             return button;
         }

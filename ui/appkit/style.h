@@ -10,6 +10,10 @@
 
 namespace tarnwick::appkit {
 
+/// The application. Here and elsewhere a result of a kind that may be a subclass is first given its
+/// own type: the compiler refuses calls that the oldest system lacks only for such.
+NSApplication* application();
+
 enum class FontRole {
     headline,
     subheadline,
@@ -44,6 +48,8 @@ NSString* string(std::string_view utf8);
 
 /// One line, cut at its end with an ellipsis.
 NSTextField* label(const std::string& text, FontRole role, NSColor* color);
+/// For a text that the view around it says as well.
+void hideFromScreenReaders(NSTextField* field);
 void showText(NSTextField* field, const std::string& text, FontRole role, NSColor* color);
 
 }  // namespace tarnwick::appkit

@@ -14,6 +14,10 @@ NSFont* medium(NSFontTextStyle style) {
 
 }  // namespace
 
+NSApplication* application() {
+    return NSApplication.sharedApplication;
+}
+
 NSFont* font(FontRole role) {
     switch (role) {
         case FontRole::headline:
@@ -106,6 +110,13 @@ NSTextField* label(const std::string& text, FontRole role, NSColor* color) {
     field.allowsExpansionToolTips = YES;
     showText(field, text, role, color);
     return field;
+}
+
+void hideFromScreenReaders(NSTextField* field) {
+    field.accessibilityElement = NO;
+    // What stands for a field in the tree is its cell.
+    NSCell* cell = field.cell;
+    cell.accessibilityElement = NO;
 }
 
 void showText(NSTextField* field, const std::string& text, FontRole role, NSColor* color) {

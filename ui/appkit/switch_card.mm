@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <string>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/settings_cards.h"
 #include "ui/appkit/style.h"
 
@@ -25,10 +26,13 @@
         _switch.action = @selector(switched:);
         _switch.accessibilityLabel = string(row.title);
         _switch.accessibilityHelp = string(row.caption);
-        NSStackView* top = settingsRow(
-            @[ label(std::string(row.title), FontRole::headline, NSColor.labelColor) ], 8);
+        NSTextField* title = label(std::string(row.title), FontRole::headline, NSColor.labelColor);
+        NSTextField* caption = captionLabel(row.caption);
+        hideFromScreenReaders(title);
+        hideFromScreenReaders(caption);
+        NSStackView* top = settingsRow(@[ title ], grid::kPartGap);
         [top addView:_switch inGravity:NSStackViewGravityTrailing];
-        [self setBody:settingsColumn(@[ top, captionLabel(row.caption) ], 4)];
+        [self setBody:settingsColumn(@[ top, caption ], grid::kTextGap)];
         [self showState:row.isOn];
     }
     return self;

@@ -2,6 +2,7 @@
 #include <array>
 #include <string>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/settings_cards.h"
 #include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
@@ -50,17 +51,17 @@
                 symbolView(std::string(card.icon), NSColor.labelColor, FontRole::headline),
                 label(std::string(card.title), FontRole::headline, NSColor.labelColor)
             ],
-            8);
+            grid::kPartGap);
         NSMutableArray<NSView*>* pills = [NSMutableArray array];
         for (const tarnwick::ThresholdValuePill& pill : card.pills()) {
             TNWDotView* dot = [[TNWDotView alloc] initWithFrame:NSZeroRect];
             dot.color = color(pill.color);
             NSTextField* text = label(pill.text(), FontRole::captionMedium, NSColor.labelColor);
             [_pillTexts addObject:text];
-            [pills addObject:settingsRow(@[ dot, text ], 4)];
+            [pills addObject:settingsRow(@[ dot, text ], grid::kPillGap)];
         }
         NSStackView* values = settingsRow(pills, tarnwick::ThresholdEditorCard::kPillSpacing);
-        [self setBody:settingsColumn(@[ title, values, _slider ], 8)];
+        [self setBody:settingsColumn(@[ title, values, _slider ], grid::kPartGap)];
     }
     return self;
 }

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include <cmath>
 
+#include "ui/appkit/grid.h"
 #include "ui/appkit/settings_views.h"
 #include "ui/appkit/style.h"
 
@@ -9,7 +10,7 @@ namespace {
 using Slider = tarnwick::DualThresholdSlider;
 using Thumb = Slider::Thumb;
 
-constexpr CGFloat kDot = 8;
+constexpr CGFloat kDot = tarnwick::appkit::grid::kThumbDot;
 
 }  // namespace
 

@@ -88,7 +88,7 @@ std::unique_ptr<platform::Window> TitledWindows::makeWindow(
 }
 
 void TitledWindows::activateIgnoringOtherApps() {
-    [NSApplication.sharedApplication activateIgnoringOtherApps:YES];
+    [application() activateIgnoringOtherApps:YES];
 }
 
 }  // namespace tarnwick::appkit
