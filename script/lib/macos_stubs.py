@@ -9,7 +9,8 @@ macos_stubs.py SDK ROOT NM [LIBRARY...]
     the libraries whose stubs were written.
 
 Such a stub says what we believe a library has. It makes a link possible; it proves nothing about
-the library itself.
+the library itself. What is believed of the C library is at least declared by a header of SDK: a name
+that none has is a fault.
 """
 
 import pathlib
@@ -19,6 +20,10 @@ import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
 CXX_LIBRARY = "/usr/lib/libc++.1.dylib"
+C_LIBRARY = "/usr/lib/libSystem.B.dylib"
+# What compilers and linkers need by themselves; no header declares it.
+UNDECLARED = {"___bzero", "___cxa_atexit", "___stack_chk_fail", "___stack_chk_guard",
+              "dyld_stub_binder"}
 
 
 def stub(install_name, symbols):
@@ -67,6 +72,14 @@ def sdk_stubs(sdk):
     return found
 
 
+def undeclared(sdk, names):
+    """Those of the symbols that no header of an SDK has a word of."""
+    words = set()
+    for path in pathlib.Path(sdk).rglob("*.h"):
+        words.update(re.findall(r"\w+", path.read_text(errors="replace")))
+    return sorted(name for name in names - UNDECLARED if name.removeprefix("_") not in words)
+
+
 def places(root, install_name):
     """Where a linker looks for the stub: under its name on a Mac, where libraries re-export it, and
     under the name that it is asked for by, as in -lSystem or -framework AppKit."""
@@ -88,6 +101,8 @@ def write(sdk, root, nm, *libraries):
     for install_name, names in needed_symbols().items():
         if install_name in present:
             continue
+        if install_name == C_LIBRARY and (unknown := undeclared(sdk, names)):
+            sys.exit(f"check-macos: no header of {sdk} declares {' '.join(unknown)}")
         if install_name == CXX_LIBRARY:
             names = names | library_symbols(nm, libraries)
         for place in places(root, install_name):

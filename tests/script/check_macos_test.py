@@ -116,6 +116,7 @@ class Stubs(Temporary):
         (self.folder / "macos_runtime_symbols.txt").write_text(SYMBOLS)
         (self.folder / "sdk").mkdir()
         (self.folder / "sdk/Some.tbd").write_text(STUB)
+        (self.folder / "sdk/stdlib.h").write_text("void abort(void);\nlong read(int);\n")
         nm = self.folder / "nm"
         nm.write_text("#!/bin/sh\nprintf '_Znwm@@VERS_1\\n__cxa_throw\\n'\n")
         nm.chmod(0o755)
@@ -137,6 +138,16 @@ class Stubs(Temporary):
     def test_the_one_of_the_cxx_library_has_the_names_of_llvms_own(self):
         self.assertIn("symbols: [ '__Znwm', '___cxa_throw' ]",
                       (self.root / "usr/lib/libc++.tbd").read_text())
+
+    def test_a_name_of_the_c_library_that_no_header_declares_is_a_fault(self):
+        (self.folder / "sdk/stdlib.h").write_text("void abort(void);\nlong read_all(int);\n")
+        with self.assertRaisesRegex(SystemExit, "declares _read$"):
+            self.stubs.write(self.folder / "sdk", self.root, self.folder / "nm")
+
+    def test_what_compilers_need_by_themselves_is_in_no_header(self):
+        self.assertEqual(
+            self.stubs.undeclared(self.folder / "sdk", {"_abort", "___stack_chk_fail", "_red"}),
+            ["_red"])
 
     def test_a_class_is_listed_as_one(self):
         self.assertIn("objc-classes: [ 'Other' ]",
