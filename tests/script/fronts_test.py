@@ -190,10 +190,12 @@ class Fronts(unittest.TestCase):
         for notice in ("DidActivateApplication", "ScreensDidSleep", "SessionDidResignActive"):
             self.assertIn(f"NSWorkspace{notice}Notification", source("appkit"))
 
-    def test_appkit_says_no_title_of_a_group_twice(self):
+    def test_appkit_says_no_title_of_a_group_twice_and_no_symbol(self):
         hidden = re.findall(r"hideFromScreenReaders\((\w+)\)", source("appkit"))
-        # Header and its summary, list of processes; header of a detail page; card of a switch.
-        for name, times in (("_title", 2), ("_summary", 1), ("title", 2), ("caption", 1)):
+        # Header and its summary, list of processes; header of a detail page; card of a switch;
+        # every symbol.
+        for name, times in (("_title", 2), ("_summary", 1), ("title", 2), ("caption", 1),
+                            ("view", 1)):
             self.assertEqual(hidden.count(name), times, name)
 
     def test_appkit_takes_every_command_on_a_thumb(self):

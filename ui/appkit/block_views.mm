@@ -36,6 +36,7 @@
     self = [super initWithFrame:frame];
     if (self != nil) {
         self.boxType = NSBoxSeparator;
+        self.accessibilityElement = NO;
         // A separator stands upright while it is not wider than high.
         [self.heightAnchor constraintEqualToConstant:tarnwick::appkit::grid::kHairline].active =
             YES;

@@ -48,8 +48,8 @@ NSString* string(std::string_view utf8);
 
 /// One line, cut at its end with an ellipsis.
 NSTextField* label(const std::string& text, FontRole role, NSColor* color);
-/// For a text that the view around it says as well.
-void hideFromScreenReaders(NSTextField* field);
+/// For a picture, and for a text that the view around it says as well.
+void hideFromScreenReaders(NSControl* control);
 void showText(NSTextField* field, const std::string& text, FontRole role, NSColor* color);
 
 }  // namespace tarnwick::appkit

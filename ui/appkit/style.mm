@@ -72,6 +72,8 @@ NSImageView* emptySymbolView() {
     NSImageView* view = [[NSImageView alloc] initWithFrame:NSZeroRect];
     [view setContentHuggingPriority:NSLayoutPriorityRequired
                      forOrientation:NSLayoutConstraintOrientationHorizontal];
+    // The system would say the name of the symbol.
+    hideFromScreenReaders(view);
     return view;
 }
 
@@ -112,10 +114,10 @@ NSTextField* label(const std::string& text, FontRole role, NSColor* color) {
     return field;
 }
 
-void hideFromScreenReaders(NSTextField* field) {
-    field.accessibilityElement = NO;
-    // What stands for a field in the tree is its cell.
-    NSCell* cell = field.cell;
+void hideFromScreenReaders(NSControl* control) {
+    control.accessibilityElement = NO;
+    // What stands for a control in the tree is its cell.
+    NSCell* cell = control.cell;
     cell.accessibilityElement = NO;
 }
 
