@@ -1,14 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "core/records/text.h"
 
+#include <algorithm>
 #include <array>
-#include <iomanip>
-#include <locale>
-#include <sstream>
-#include <utility>
+#include <cmath>
+#include <cstddef>
+#include <cstdio>
+#include <limits>
 
 namespace tarnwick {
 namespace {
+
+/// Bytes: the largest double has 309 digits; beside them a sign, a point and a few decimals.
+constexpr std::size_t kLongestFixedText = std::numeric_limits<double>::max_exponent10 + 32;
 
 /// Length of the white-space character that `text` begins with; 0 when it begins with none.
 std::size_t leadingSpace(std::string_view text) {
@@ -56,11 +60,17 @@ std::string_view trimmed(std::string_view text) {
 }
 
 std::string fixedText(double value, int decimals) {
-    // A stream, because std::to_chars for floating point is missing in some standard libraries.
-    std::ostringstream text;
-    text.imbue(std::locale::classic());
-    text << std::fixed << std::setprecision(decimals) << value;
-    return std::move(text).str();
+    // Neither by std::to_chars, which some standard libraries lack for floating point, nor by a
+    // stream, which makes a locale each time.
+    std::array<char, kLongestFixedText> buffer{};
+    const int length = std::snprintf(buffer.data(), buffer.size(), "%.*f", decimals, value);
+    std::string text(buffer.data(), static_cast<std::size_t>(std::max(length, 0)));
+    // The session's language may have another point, of one byte or more.
+    if (const std::size_t point = text.find_first_not_of("-0123456789");
+        decimals > 0 && std::isfinite(value) && point != std::string::npos) {
+        text.replace(point, text.size() - point - static_cast<std::size_t>(decimals), ".");
+    }
+    return text;
 }
 
 std::string percentText(double value, int decimals) {

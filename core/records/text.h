@@ -11,7 +11,7 @@ namespace tarnwick {
 /// zero-width space.
 std::string_view trimmed(std::string_view text);
 
-/// A number with so many decimals, rounded like "%.*f", with a point in every locale.
+/// A number with so many decimals, at most 20, rounded like "%.*f", with a point in every locale.
 std::string fixedText(double value, int decimals);
 
 /// A percentage with a fixed number of decimals and a percent sign, rounded like "%.*f%%", with a

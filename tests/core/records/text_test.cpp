@@ -2,9 +2,13 @@
 #include "core/records/text.h"
 
 #include <clocale>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <gtest/gtest.h>
 #include <limits>
 #include <string>
+#include <unistd.h>
 
 namespace tarnwick {
 namespace {
@@ -44,13 +48,45 @@ TEST(Text, PercentagesAreRoundedToTheirDecimals) {
     EXPECT_EQ(percentText(-3.2, 0), "-3%");
 }
 
-TEST(Text, ThePointDoesNotFollowTheLocale) {
-    const std::string before = std::setlocale(LC_NUMERIC, nullptr);
-    for (const char* name : {"de_DE.UTF-8", "C.UTF-8", "C"}) {
-        std::setlocale(LC_NUMERIC, name);
-        EXPECT_EQ(percentText(12.5, 1), "12.5%");
+/// The decimal point of a German session. The language itself need not be installed.
+class GermanNumbers {
+ public:
+    GermanNumbers() {
+        if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") != nullptr) {
+            return;
+        }
+        EXPECT_NE(mkdtemp(folder_.data()), nullptr);
+        std::ofstream(folder_ + "/source")
+            << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\n"
+               "grouping 3\nEND LC_NUMERIC\n";
+        // Complains about all that the source does not tell, and still writes what it tells.
+        const std::string command = "localedef --no-archive -c -i " + folder_ + "/source " +
+                                    folder_ + "/comma >/dev/null 2>&1";
+        EXPECT_NE(std::system(command.c_str()), -1);
+        setenv("LOCPATH", folder_.c_str(), 1);
+        EXPECT_NE(std::setlocale(LC_NUMERIC, "comma"), nullptr);
     }
-    std::setlocale(LC_NUMERIC, before.c_str());
+    GermanNumbers(const GermanNumbers&) = delete;
+    GermanNumbers& operator=(const GermanNumbers&) = delete;
+    ~GermanNumbers() {
+        std::setlocale(LC_NUMERIC, before_.c_str());
+        unsetenv("LOCPATH");
+        std::filesystem::remove_all(folder_);
+    }
+
+ private:
+    const std::string before_ = std::setlocale(LC_NUMERIC, nullptr);
+    std::string folder_ = ::testing::TempDir() + "tarnwick-locale-XXXXXX";
+};
+
+TEST(Text, ThePointDoesNotFollowTheLanguage) {
+    const GermanNumbers german;
+    ASSERT_STREQ(std::localeconv()->decimal_point, ",");
+    EXPECT_EQ(percentText(12.5, 1), "12.5%");
+    EXPECT_EQ(fixedText(-1234567.125, 3), "-1234567.125");
+    EXPECT_EQ(fixedText(-0.04, 1), "-0.0");
+    EXPECT_EQ(fixedText(7, 0), "7");
+    EXPECT_EQ(fixedText(std::numeric_limits<double>::infinity(), 1), "inf");
 }
 
 TEST(Text, TheLargestValueHasRoom) {

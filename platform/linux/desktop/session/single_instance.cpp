@@ -3,7 +3,6 @@
 
 #include <QDBusMessage>
 #include <QDeadlineTimer>
-#include <QRegularExpression>
 #include <algorithm>
 #include <iterator>
 #include <poll.h>
@@ -50,14 +49,28 @@ QDBusMessage callFor(Request request, const QDeadlineTimer& deadline) {
     return call;
 }
 
+bool isNumber(QStringView text) {
+    return !text.isEmpty() &&
+           std::ranges::all_of(text, [](QChar each) { return each >= '0' && each <= '9'; });
+}
+
+/// The server of an X display: ":1" of ":1.0", which names its first screen.
+QString serverOf(const QString& display) {
+    // Not by a regular expression: its library would be loaded for this alone, with half a
+    // megabyte.
+    const auto colon = display.lastIndexOf(':');
+    const auto dot = display.indexOf('.', colon);
+    return colon >= 0 && dot > colon && isNumber(display.mid(colon + 1, dot - colon - 1)) &&
+                   isNumber(display.mid(dot + 1))
+               ? display.left(dot)
+               : display;
+}
+
 }  // namespace
 
 QString displayName() {
     const QString compositor = qEnvironmentVariable("WAYLAND_DISPLAY");
-    // Removes the number of the screen after that of the server.
-    static const QRegularExpression screen(R"((:\d+)\.\d+$)");
-    return compositor.isEmpty() ? qEnvironmentVariable("DISPLAY").replace(screen, R"(\1)")
-                                : compositor;
+    return compositor.isEmpty() ? serverOf(qEnvironmentVariable("DISPLAY")) : compositor;
 }
 
 SingleInstance::SingleInstance(QDBusConnection bus, const QString& runtimeFolder,
