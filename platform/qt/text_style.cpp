@@ -11,6 +11,8 @@ namespace {
 
 /// Smaller differences in width, in pixels, are rounding errors.
 constexpr qreal kAdvanceTolerance = 0.02;
+/// Several times as many texts as a page has in one style.
+constexpr qsizetype kMostAdvances = 128;
 
 bool isDigit(QChar character) {
     return character >= '0' && character <= '9';
@@ -45,20 +47,33 @@ void TextStyle::forEachRun(const QString& text, Visit visit) const {
     while (start < text.size()) {
         if (isDigit(text[start])) {
             const QString digit = text.mid(start, 1);
-            visit(digit, digitCell_, (digitCell_ - metrics_.horizontalAdvance(digit)) / 2);
+            visit(digit, digitCell_, (digitCell_ - advance(digit)) / 2);
             ++start;
             continue;
         }
         const auto end = std::find_if(text.begin() + start, text.end(), isDigit);
         const QString run = text.mid(start, end - (text.begin() + start));
-        visit(run, metrics_.horizontalAdvance(run), 0);
+        visit(run, advance(run), 0);
         start += run.size();
     }
 }
 
+qreal TextStyle::advance(const QString& text) const {
+    if (const auto known = advances_->constFind(text); known != advances_->constEnd()) {
+        return *known;
+    }
+    // Those of figures that will not come again would pile up.
+    if (advances_->size() >= kMostAdvances) {
+        advances_->clear();
+    }
+    const qreal measured = metrics_.horizontalAdvance(text);
+    advances_->insert(text, measured);
+    return measured;
+}
+
 qreal TextStyle::width(const QString& text) const {
     if (!usesCells(text)) {
-        return metrics_.horizontalAdvance(text);
+        return advance(text);
     }
     qreal sum = 0;
     forEachRun(text, [&sum](const QString&, qreal room, qreal) { sum += room; });

@@ -5,8 +5,10 @@
 #include <QColor>
 #include <QFont>
 #include <QFontMetricsF>
+#include <QHash>
 #include <QPointF>
 #include <QString>
+#include <memory>
 
 class QPainter;
 
@@ -15,6 +17,9 @@ namespace tarnwick::qt {
 /// Changing numbers must not move the text around them. So if the font's digits have different
 /// widths, each digit is centred in a cell as wide as the widest one. All measures are logical
 /// pixels.
+///
+/// Remembers the widths of the latest texts, because the toolkit shapes a text anew each time that
+/// it is asked; copies share them. Main thread.
 class TextStyle {
  public:
     explicit TextStyle(const QFont& font);
@@ -37,6 +42,8 @@ class TextStyle {
     bool usesCells(const QString& text) const;
     template <class Visit>
     void forEachRun(const QString& text, Visit visit) const;
+    /// The width of a text as the font has it.
+    qreal advance(const QString& text) const;
 
     QFont font_;
     QFontMetricsF metrics_;
@@ -44,6 +51,7 @@ class TextStyle {
     int descent_;
     qreal digitCell_ = 0;
     bool digitsDiffer_ = false;
+    std::shared_ptr<QHash<QString, qreal>> advances_ = std::make_shared<QHash<QString, qreal>>();
 };
 
 }  // namespace tarnwick::qt

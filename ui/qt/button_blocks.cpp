@@ -122,13 +122,13 @@ int PanelHeaderWidget::titleRowHeight() const {
                     theme().style(FontRole::headline).lineHeight());
 }
 
-TextStyle PanelHeaderWidget::summaryStyle() const {
-    return scaled(theme().style(FontRole::caption), summaryRoom(theme()).share);
+const TextStyle& PanelHeaderWidget::summaryStyle() const {
+    return theme().style(FontRole::caption, summaryRoom(theme()).share);
 }
 
 /// As many lines as there is room for: the header may not have been given its full height yet.
 QStringList PanelHeaderWidget::shownSummary() const {
-    const TextStyle style = summaryStyle();
+    const TextStyle& style = summaryStyle();
     const int room = height() - titleRowHeight() - kSummaryGap;
     return wrapped(QString::fromStdString(value().summary), style, columnWidth(),
                    std::max(1, room / style.lineHeight()));
@@ -160,7 +160,7 @@ void PanelHeaderWidget::paintEvent(QPaintEvent*) {
     const int left = sideOverhang();
     title.draw(painter, QPointF(left, (titleRowHeight() - title.lineHeight()) / 2 + title.ascent()),
                shownTitle(), theme().color(ColorRole::text));
-    const TextStyle style = summaryStyle();
+    const TextStyle& style = summaryStyle();
     int baseline = titleRowHeight() + kSummaryGap + style.ascent();
     for (const QString& line : shownSummary()) {
         style.draw(painter, QPointF(left, baseline), line, theme().color(ColorRole::secondaryText));

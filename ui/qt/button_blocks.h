@@ -62,7 +62,7 @@ class PanelHeaderWidget final : public ButtonBlockWidget<PanelHeader> {
     int titleRowHeight() const;
     /// The title, cut if the buttons leave too little room.
     QString shownTitle() const;
-    TextStyle summaryStyle() const;
+    const TextStyle& summaryStyle() const;
     QStringList shownSummary() const;
 };
 

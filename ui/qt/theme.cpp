@@ -163,6 +163,17 @@ const TextStyle& Theme::style(FontRole role) const {
     return styles_[static_cast<std::size_t>(role)];
 }
 
+const TextStyle& Theme::style(FontRole role, qreal share) const {
+    const TextStyle& whole = style(role);
+    const auto found = scaledStyles_.find({role, share});
+    if (found != scaledStyles_.end()) {
+        return found->second;
+    }
+    QFont font = whole.font();
+    font.setPointSizeF(font.pointSizeF() * share);
+    return scaledStyles_.emplace(std::pair(role, share), TextStyle(font)).first->second;
+}
+
 int Theme::scaled(int length) const {
     takeFont();
     return qRound(length * scale_);
@@ -181,6 +192,7 @@ void Theme::takeFont() const {
         desktop.pointSizeF() > 0 ? desktop.pointSizeF() : QFontInfo(desktop).pointSizeF();
     scale_ = std::clamp(points / kLargestUsualPointSize, 1.0, kLargestScale);
     styles_.clear();
+    scaledStyles_.clear();
     for (const RoleFont& each : kRoleFonts) {
         QFont font = desktop;
         font.setPointSizeF(each.size * kPointsPerPixel * points / kReferencePointSize);

@@ -4,7 +4,9 @@
 
 #include <QColor>
 #include <QFont>
+#include <map>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "core/records/tint.h"
@@ -64,6 +66,8 @@ class Theme {
     /// Derived from the desktop's interface font; the sizes scale with the size of that font. The
     /// reference is valid until the desktop's font changes.
     const TextStyle& style(FontRole role) const;
+    /// The same at a share of its size, above 0.
+    const TextStyle& style(FontRole role, qreal share) const;
     /// What is `length` logical pixels beside texts of a usual size, beside the texts of the
     /// desktop's interface font: at least as much, and at most twice as much.
     int scaled(int length) const;
@@ -78,6 +82,8 @@ class Theme {
     /// The interface font that `styles_` and `scale_` come from.
     mutable std::optional<QFont> base_;
     mutable std::vector<TextStyle> styles_;
+    /// By role and share of the size.
+    mutable std::map<std::pair<FontRole, qreal>, TextStyle> scaledStyles_;
     mutable qreal scale_ = 1;
 };
 

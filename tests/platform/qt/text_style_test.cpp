@@ -3,6 +3,7 @@
 
 #include <QApplication>
 #include <QFontInfo>
+#include <QFontMetricsF>
 #include <gtest/gtest.h>
 #include <string>
 
@@ -27,6 +28,20 @@ INSTANTIATE_TEST_SUITE_P(, Digits, testing::Values("Inter", "DejaVu Sans", "Deja
                              std::erase(name, ' ');
                              return name;
                          });
+
+TEST(TextStyle, RemembersEachWidthAsTheFontHasIt) {
+    const QFont font = QApplication::font();
+    const QFontMetricsF metrics(font);
+    const TextStyle style(font);
+    const TextStyle copy = style;
+    // More texts than it remembers, each asked for twice.
+    for (int number = 0; number < 500; ++number) {
+        const QString text = QString("Name ") + QChar('a' + number % 26) + QChar('A' + number / 26);
+        const qreal expected = metrics.horizontalAdvance(text);
+        EXPECT_EQ(style.width(text), expected);
+        EXPECT_EQ(copy.width(text), expected);
+    }
+}
 
 TEST(TextStyle, CutsAtTheEndAndNeverWiderThanAsked) {
     const TextStyle style(QApplication::font());
