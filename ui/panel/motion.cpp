@@ -2,6 +2,7 @@
 #include "ui/panel/motion.h"
 
 #include <algorithm>
+#include <cmath>
 #include <utility>
 
 namespace tarnwick {
@@ -57,7 +58,7 @@ void MovingValue::jumpTo(double target) {
     }
 }
 
-void MovingValue::moveTo(double target) {
+void MovingValue::moveTo(double target, double closeness) {
     if (target == target_) {
         return;
     }
@@ -68,16 +69,17 @@ void MovingValue::moveTo(double target) {
     }
     origin_ = shown_;
     target_ = target;
+    closeness_ = closeness;
     start_ = motion_->now();
     motion_->add(this);
 }
 
 bool MovingValue::show(double now) {
     const double share = motion_->isReduced() ? 1 : (now - start_) / duration_;
-    const bool isUnderWay = share < 1;
     // Fast at first, slow at the end.
-    const double rest = isUnderWay ? (1 - share) * (1 - share) : 0;
-    const double next = isUnderWay ? target_ + (origin_ - target_) * rest : target_;
+    const double rest = (origin_ - target_) * (1 - share) * (1 - share);
+    const bool isUnderWay = share < 1 && std::abs(rest) >= closeness_;
+    const double next = isUnderWay ? target_ + rest : target_;
     if (next != shown_) {
         shown_ = next;
         changed_();

@@ -68,8 +68,9 @@ class MovingValue {
     double target() const { return target_; }
     /// Takes the value at once. Does not call `changed`.
     void jumpTo(double target);
-    /// Moves to the value from the one that is shown now.
-    void moveTo(double target);
+    /// Moves to the value from the one that is shown now, and is there as soon as less than
+    /// `closeness` is left of the way.
+    void moveTo(double target, double closeness = 0);
 
  private:
     friend class Motion;
@@ -83,6 +84,7 @@ class MovingValue {
     double shown_ = 0;
     double origin_ = 0;
     double target_ = 0;
+    double closeness_ = 0;
     /// When the movement began, seconds of the dispatch's clock.
     double start_ = 0;
 };

@@ -17,8 +17,10 @@ namespace tarnwick::qt {
 
 namespace {
 
-/// Shorter steps, in logical pixels, are too small to be seen as a movement.
-constexpr double kLeastStep = 2;
+// Logical pixels. Shorter steps are too small to be seen as a movement, and so is the rest of a
+// longer one: each frame wakes this program and the display server.
+constexpr double kLeastStep = 4;
+constexpr double kLeastRest = 1;
 
 void paintBar(QPainter& painter, double fraction, const QColor& color, const Theme& theme,
               const QRectF& place) {
@@ -51,7 +53,7 @@ void UsageBarWidget::valueChanged() {
     const double next = value().fraction();
     const bool isStep = std::abs(next - fraction_.value()) * width() >= kLeastStep;
     if (std::exchange(isBegun_, true) && isStep) {
-        fraction_.moveTo(next);
+        fraction_.moveTo(next, kLeastRest / width());
     } else {
         fraction_.jumpTo(next);
     }

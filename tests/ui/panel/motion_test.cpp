@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "ui/panel/motion.h"
 
+#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <optional>
@@ -54,6 +55,19 @@ TEST_F(MotionTest, AValueMayTakeLonger) {
     EXPECT_LT(slow.value(), 1);
     manual.advance(0.2);
     EXPECT_EQ(slow.value(), 1);
+}
+
+TEST_F(MotionTest, IsThereAsSoonAsTheRestIsTooSmallToSee) {
+    for (const double target : {12.0, 0.0}) {
+        frames.clear();
+        value().moveTo(target, 1);
+        manual.advance(0.2);
+        // Without that the rest is 8.2, 5.2, 2.8, 1.2 and 0.2 before it is 0.
+        ASSERT_EQ(frames.size(), 5U);
+        EXPECT_NEAR(std::abs(frames[3] - target), 1.2, 0.05);
+        EXPECT_EQ(frames.back(), target);
+        EXPECT_FALSE(motion->isRunning());
+    }
 }
 
 TEST_F(MotionTest, MovesDownAsItMovesUp) {

@@ -215,12 +215,25 @@ TEST_F(PanelMotionTest, AllBarsShareTheirFrames) {
 TEST_F(PanelMotionTest, StepsTooSmallToSeeAreNoMovement) {
     inputs.cpuInfo.usagePercentage = 50;
     show(inputs);
-    inputs.cpuInfo.usagePercentage = 50.6;
+    inputs.cpuInfo.usagePercentage = 51.3;
     show(inputs);
     EXPECT_FALSE(motion->isRunning());
-    inputs.cpuInfo.usagePercentage = 51.4;
+    inputs.cpuInfo.usagePercentage = 52.8;
     show(inputs);
     EXPECT_TRUE(motion->isRunning());
+}
+
+TEST_F(PanelMotionTest, AShortWayTakesFewerFrames) {
+    inputs.cpuInfo.usagePercentage = 50;
+    show(inputs);
+    // 5.8 pixels: after four frames half a pixel is left.
+    inputs.cpuInfo.usagePercentage = 52;
+    show(inputs);
+    const std::size_t wakeUps = manual.wakeUps();
+    manual.advance(1);
+    EXPECT_EQ(manual.wakeUps(), wakeUps + 4);
+    EXPECT_FALSE(motion->isRunning());
+    EXPECT_NEAR(length("bar.cpu"), 150, 2);
 }
 
 TEST_F(PanelMotionTest, BarsJumpWhereLessMotionIsAskedFor) {
