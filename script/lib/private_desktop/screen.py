@@ -231,9 +231,10 @@ class Screen:
     def picture(self, box=None):
         """A picture of the whole screen or of (left, top, right, bottom)."""
         width, height = self.size
-        raw = self._root.get_image(0, 0, width, height, X.ZPixmap, 0xFFFFFFFF)
-        whole = Image.frombytes("RGB", (width, height), raw.data, "raw", "BGRX")
-        if box is None:
-            return whole
-        left, top, right, bottom = box
-        return whole.crop((max(left, 0), max(top, 0), min(right, width), min(bottom, height)))
+        left, top, right, bottom = box or (0, 0, width, height)
+        left, top = max(left, 0), max(top, 0)
+        size = max(min(right, width) - left, 0), max(min(bottom, height) - top, 0)
+        if 0 in size:
+            return Image.new("RGB", size)
+        raw = self._root.get_image(left, top, *size, X.ZPixmap, 0xFFFFFFFF)
+        return Image.frombytes("RGB", size, raw.data, "raw", "BGRX")

@@ -15,16 +15,23 @@ class Memory:
     proportional: int
 
 
+_ASLEEP = "voluntary_ctxt_switches"
+_PRE_EMPTED = "nonvoluntary_ctxt_switches"
+
+
 @dataclasses.dataclass(frozen=True)
 class Activity:
     """The costs of one thread since its start."""
 
-    context_switches: int
+    # How often it fell asleep until something woke it.
+    wake_ups: int
+    # How often it lost its processor to another thread.
+    pre_emptions: int
     # Time on a processor in nanoseconds.
     processor_time: int
 
 
-_NONE = Activity(0, 0)
+_NONE = Activity(0, 0, 0)
 
 
 def _fields(path, names):
@@ -48,10 +55,10 @@ def activity(pid):
     for thread in os.listdir(f"/proc/{pid}/task"):
         folder = f"/proc/{pid}/task/{thread}"
         try:
-            counts = _fields(folder + "/status",
-                             ("voluntary_ctxt_switches", "nonvoluntary_ctxt_switches"))
+            counts = _fields(folder + "/status", (_ASLEEP, _PRE_EMPTED))
             with open(folder + "/schedstat", encoding="ascii") as file:
-                found[thread] = Activity(sum(counts.values()), int(file.read().split()[0]))
+                found[thread] = Activity(counts[_ASLEEP], counts[_PRE_EMPTED],
+                                         int(file.read().split()[0]))
         except FileNotFoundError:
             continue
     return found
@@ -61,7 +68,9 @@ def activity(pid):
 class Rates:
     """The costs of all threads together."""
 
+    # Those of both kinds together.
     switches_per_second: float
+    wake_ups_per_second: float
     # Percent of one processor.
     processor_percent: float
     # How many threads ended in between; their counts are lost.
@@ -69,9 +78,10 @@ class Rates:
 
 
 def rates(before, after, seconds):
-    switches = time = 0
+    wake_ups = pre_emptions = time = 0
     for thread, end in after.items():
         start = before.get(thread, _NONE)
-        switches += end.context_switches - start.context_switches
+        wake_ups += end.wake_ups - start.wake_ups
+        pre_emptions += end.pre_emptions - start.pre_emptions
         time += end.processor_time - start.processor_time
-    return Rates(switches / seconds, time / (seconds * 1e9) * 100, len(before.keys() - after))
+    return Rates((wake_ups + pre_emptions) / seconds, wake_ups / seconds, time / (seconds * 1e9) * 100, len(before.keys() - after))
