@@ -17,7 +17,7 @@ from private_desktop.processes import descendants, end_on_signals
 # No graphics card draws the private display. GTK 4 would emulate one, at the program's cost.
 _ENVIRONMENT = {"GSK_RENDERER": "cairo"}
 # As many processes as an ordinary desktop has.
-_CROWD = 300
+_ORDINARY_CROWD = 300
 # Seconds: long enough for a first start to greet.
 _GREETING = 2.0
 # Xfce's panel runs the plug-in in a process of its own, whose command line names this.
@@ -57,10 +57,10 @@ def measured(name, is_always_there, pid, seconds):
         rates.processor_percent / 100 * 60 * 1000, rates.switches_per_second, rates.lost_threads)
 
 
-def own_costs(path, settle, seconds):
+def own_costs(path, settle, seconds, processes):
     """The costs of Tarnwick, hidden and with its panel open."""
     version = cost_table.project_version(read("CMakeLists.txt"))
-    with PrivateDesktop() as desktop, crowd(desktop, _CROWD):
+    with PrivateDesktop() as desktop, crowd(desktop, processes):
         # This is not its first start, which would open the panel and the settings.
         folder = desktop.path("home/.config/tarnwick")
         os.makedirs(folder)
@@ -101,11 +101,11 @@ def shown(desktop, monitor):
     return started, pid
 
 
-def cost_of(monitor, settle, seconds):
+def cost_of(monitor, settle, seconds, processes):
     version = subprocess.run(
         ["dpkg-query", "--show", "--showformat=${Version}", monitor.package],
         capture_output=True, text=True, check=False).stdout
-    with PrivateDesktop() as desktop, crowd(desktop, _CROWD):
+    with PrivateDesktop() as desktop, crowd(desktop, processes):
         started, pid = shown(desktop, monitor)
         if not monitor.needs:
             # What only a first start shows does not count.
@@ -129,7 +129,7 @@ def report(costs, arguments):
     print(f"\n{time.strftime('%Y-%m-%d')}, "
           + cost_table.machine(read("/proc/cpuinfo"), read("/proc/meminfo"),
                                read("/etc/os-release"))
-          + f", {max(_CROWD, population())} processes, "
+          + f", {max(arguments.processes, population())} processes, "
           f"{arguments.seconds:g} s each after {arguments.settle:g} s", flush=True)
 
 
@@ -142,6 +142,8 @@ def main():
     # The toolkit's helper threads from the start end after half a minute.
     parser.add_argument("--settle", type=cost_table.duration, default=35,
                         help="how long to leave each alone before that (35)")
+    parser.add_argument("--processes", type=cost_table.crowd_size, default=_ORDINARY_CROWD,
+                        help="how many processes the machine has meanwhile, at least (300)")
     parser.add_argument("monitor", nargs="*", metavar="MONITOR",
                         help=", ".join((cost_table.OWN, *monitors)))
     arguments = parser.parse_args()
@@ -163,12 +165,12 @@ def main():
             if package not in chosen:
                 continue
             print(f"compare-cost: measures {package}", file=sys.stderr, flush=True)
-            times = arguments.settle, arguments.seconds
+            conditions = arguments.settle, arguments.seconds, arguments.processes
             try:
                 if package == cost_table.OWN:
-                    costs += own_costs(arguments.program, *times)
+                    costs += own_costs(arguments.program, *conditions)
                 else:
-                    costs.append(cost_of(monitors[package], *times))
+                    costs.append(cost_of(monitors[package], *conditions))
             except (OSError, RuntimeError, Timeout) as problem:
                 print(f"compare-cost: {problem}", file=sys.stderr, flush=True)
                 failed.append(package)

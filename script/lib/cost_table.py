@@ -42,6 +42,7 @@ MONITORS = (
             needs="/usr/share/xfce4/panel/plugins/systemload.desktop"),
     Monitor("Conky {}", "conky-std", ("conky",), True),
     Monitor("GKrellM {}", "gkrellm", ("gkrellm",), True),
+    Monitor("htop {} in xterm", "htop", ("xterm", "-e", "htop"), False, beside=("xterm",)),
     Monitor("btop {} in xterm", "btop", ("xterm", "-e", "btop"), False, beside=("xterm",)),
     Monitor("Xfce Task Manager {}", "xfce4-taskmanager", ("xfce4-taskmanager",), False),
     Monitor("GNOME System Monitor {}", "gnome-system-monitor", ("gnome-system-monitor",), False),
@@ -118,6 +119,14 @@ def duration(text):
     """A time in seconds as its user wrote it, more than none and a day at most."""
     value = float(text)
     if not 0 < value <= 86400:
+        raise ValueError(text)
+    return value
+
+
+def crowd_size(text):
+    """A number of processes as its user wrote it, one at least and no more than a machine takes."""
+    value = int(text)
+    if not 0 < value <= 20000:
         raise ValueError(text)
     return value
 

@@ -59,6 +59,12 @@ class Words(unittest.TestCase):
             with self.assertRaises(ValueError):
                 cost_table.duration(text)
 
+    def test_a_crowd_is_a_number_of_processes_that_a_machine_takes(self):
+        self.assertEqual(cost_table.crowd_size("2000"), 2000)
+        for text in ("0", "-1", "20001", "1.5", "many", ""):
+            with self.assertRaises(ValueError):
+                cost_table.crowd_size(text)
+
     def test_the_version_is_that_of_the_tree(self):
         self.assertEqual(
             cost_table.project_version("cmake_minimum_required(VERSION 3.25)\n"
