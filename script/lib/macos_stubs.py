@@ -9,8 +9,8 @@ macos_stubs.py SDK ROOT NM [LIBRARY...]
     the libraries whose stubs were written.
 
 Such a stub says what we believe a library has. It makes a link possible; it proves nothing about
-the library itself. What is believed of the C library is at least declared by a header of SDK: a name
-that none has is a fault.
+the library itself. What is believed of the C library is at least a word of a header of the SDK: a
+name that none has is a fault.
 """
 
 import pathlib
@@ -21,7 +21,7 @@ import sys
 HERE = pathlib.Path(__file__).resolve().parent
 CXX_LIBRARY = "/usr/lib/libc++.1.dylib"
 C_LIBRARY = "/usr/lib/libSystem.B.dylib"
-# What compilers and linkers need by themselves; no header declares it.
+# What compilers and linkers need by themselves; no header names it.
 UNDECLARED = {"___bzero", "___cxa_atexit", "___stack_chk_fail", "___stack_chk_guard",
               "dyld_stub_binder"}
 
@@ -102,7 +102,7 @@ def write(sdk, root, nm, *libraries):
         if install_name in present:
             continue
         if install_name == C_LIBRARY and (unknown := undeclared(sdk, names)):
-            sys.exit(f"check-macos: no header of {sdk} declares {' '.join(unknown)}")
+            sys.exit(f"check-macos: no header of {sdk} names {' '.join(unknown)}")
         if install_name == CXX_LIBRARY:
             names = names | library_symbols(nm, libraries)
         for place in places(root, install_name):
