@@ -32,6 +32,11 @@ class Answers {
         const std::lock_guard guard(lock_);
         queued_.push_back(std::move(once));
     }
+    /// Forgets the queued answers that no call has taken.
+    void dropQueued() {
+        const std::lock_guard guard(lock_);
+        queued_.clear();
+    }
 
     /// The next answer. Only the scripted operation calls this.
     T take() {

@@ -28,6 +28,11 @@ std::vector<MemoryUserDefaults::Write> MemoryUserDefaults::writes() const {
     return writes_;
 }
 
+void MemoryUserDefaults::clearWrites() {
+    const std::lock_guard guard(lock_);
+    writes_.clear();
+}
+
 void MemoryUserDefaults::changeFromOutside(const Values& values) {
     {
         const std::lock_guard guard(lock_);

@@ -32,8 +32,10 @@ class MemoryUserDefaults final : public UserDefaults {
 
     /// Everything stored now.
     Values values() const;
-    /// Every write so far, in order, also those that changed nothing.
+    /// Every write since the start or the last clearWrites(), in order, also those that changed
+    /// nothing.
     std::vector<Write> writes() const;
+    void clearWrites();
     /// As somebody else would, in the store itself; announced when all is in there. Main thread.
     void changeFromOutside(const Values& values);
     /// As if `key` had never been stored.

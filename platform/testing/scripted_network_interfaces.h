@@ -23,8 +23,9 @@ class ScriptedNetworkInterfaces final : public NetworkInterfaces {
         Answers<std::optional<InterfaceTable>> interfaceCounters{std::nullopt};
     } answers;
 
-    /// Names of the operations called so far, in order.
+    /// Names of the operations called since the start or the last clearCalls(), in order.
     std::vector<std::string> calls() const { return calls_.all(); }
+    void clearCalls() { calls_.clear(); }
 
     std::optional<InterfaceTable> interfaceCounters() override;
 

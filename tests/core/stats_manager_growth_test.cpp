@@ -1,101 +1,21 @@
 // SPDX-License-Identifier: MIT
-// A program of its own: it replaces the global allocation functions and counts what is alive.
-#include <atomic>
-#include <cstddef>
+// A program of its own: it counts every allocation.
 #include <cstdint>
-#include <cstdlib>
 #include <gtest/gtest.h>
 #include <memory>
-#include <new>
 #include <string>
 
 #include "core/stats_manager.h"
 #include "platform/testing/manual_dispatch.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_login_service.h"
+#include "tests/core/counted_allocations.h"
 #include "tests/services/no_battery.h"
-
-namespace {
-
-std::atomic<std::int64_t> liveBlocks = 0;
-std::atomic<std::int64_t> liveBytes = 0;
-
-/// In front of every block; keeps the block aligned for every type.
-struct alignas(std::max_align_t) Header {
-    std::size_t size;
-};
-
-void* allocateOrNull(std::size_t size) noexcept {
-    auto* header = static_cast<Header*>(std::malloc(sizeof(Header) + size));
-    if (!header) {
-        return nullptr;
-    }
-    header->size = size;
-    ++liveBlocks;
-    liveBytes += static_cast<std::int64_t>(size);
-    return header + 1;
-}
-
-void* allocate(std::size_t size) {
-    void* block = allocateOrNull(size);
-    if (!block) {
-        throw std::bad_alloc();
-    }
-    return block;
-}
-
-void release(void* block) noexcept {
-    if (block) {
-        Header* header = static_cast<Header*>(block) - 1;
-        --liveBlocks;
-        liveBytes -= static_cast<std::int64_t>(header->size);
-        std::free(header);
-    }
-}
-
-}  // namespace
-
-void* operator new(std::size_t size) {
-    return allocate(size);
-}
-void* operator new[](std::size_t size) {
-    return allocate(size);
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return allocateOrNull(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return allocateOrNull(size);
-}
-void operator delete(void* block) noexcept {
-    release(block);
-}
-void operator delete[](void* block) noexcept {
-    release(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    release(block);
-}
-void operator delete[](void* block, std::size_t) noexcept {
-    release(block);
-}
-void operator delete(void* block, const std::nothrow_t&) noexcept {
-    release(block);
-}
-void operator delete[](void* block, const std::nothrow_t&) noexcept {
-    release(block);
-}
 
 namespace tarnwick {
 namespace {
 
-struct Alive {
-    std::int64_t blocks;
-    std::int64_t bytes;
-
-    bool operator==(const Alive&) const = default;
-    static Alive now() { return {liveBlocks, liveBytes}; }
-};
+using platform::testing::Alive;
 
 class StatsManagerGrowth : public ::testing::Test {
  protected:

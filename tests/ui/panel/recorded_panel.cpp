@@ -250,6 +250,27 @@ void RecordedPanel::fill() {
     machine_->dispatch.runMain();
 }
 
+void RecordedPanel::refresh() {
+    machine_->dispatch.sleep(StatsManager::kFastVisibleInterval);
+    machine_->manager.refreshNow();
+    machine_->dispatch.runMain();
+    machine_->store.clearWrites();
+}
+
+void RecordedPanel::close() {
+    machine_->view.disappear();
+    machine_->dispatch.runMain();
+}
+
+void RecordedPanel::open() {
+    machine_->view.appear();
+    machine_->dispatch.runMain();
+}
+
+const std::string& RecordedPanel::root() const {
+    return machine_->tree.root();
+}
+
 void RecordedPanel::show(MenuTab tab) {
     if (tab == MenuTab::home) {
         machine_->view.perform(PanelAction::goBack);

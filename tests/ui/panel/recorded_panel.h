@@ -4,6 +4,7 @@
 
 #include <map>
 #include <memory>
+#include <string>
 #include <string_view>
 
 #include "ui/panel/menu_bar_view.h"
@@ -24,6 +25,14 @@ class RecordedPanel {
 
     /// From now on hardly any memory and little of the disk is left.
     void fill();
+
+    /// Runs one refresh of everything, over the files as they are.
+    void refresh();
+    // The panel goes off the screen, and comes back.
+    void close();
+    void open();
+    /// The folder of the copy, whose files a test may change.
+    const std::string& root() const;
 
     /// Turns to another page, as the panel's buttons do.
     void show(MenuTab tab);
