@@ -50,8 +50,8 @@
 #include "platform/linux/settings/patient_login_service.h"
 #include "platform/linux/volumes/linux_volumes.h"
 #include "platform/platform.h"
-#include "platform/qt/font_memory.h"
 #include "platform/qt/toolkit_files.h"
+#include "platform/qt/toolkit_memory.h"
 #include "ui/panel/menu_bar_view.h"
 #include "ui/qt/accessible_application.h"
 #include "ui/qt/panel_placement.h"
@@ -170,6 +170,7 @@ qt::SettingsContentEnvironment settingsEnvironment(platform::LinuxStatusItem& it
 
 void giveBackMemory() {
     qt::freeUnusedFonts();
+    qt::freeUnusedPictures();
     platform::giveBackFreedMemory();
 }
 

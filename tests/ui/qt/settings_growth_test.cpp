@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <malloc.h>
 
-#include "platform/qt/font_memory.h"
+#include "platform/qt/toolkit_memory.h"
 #include "platform/testing/manual_dispatch.h"
 #include "platform/testing/memory_user_defaults.h"
 #include "platform/testing/scripted_keyboard_layout.h"

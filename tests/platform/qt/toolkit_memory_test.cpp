@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "platform/qt/font_memory.h"
+#include "platform/qt/toolkit_memory.h"
 
 #include <QFont>
 #include <QFontMetricsF>
 #include <QImage>
 #include <QPainter>
+#include <QPixmap>
+#include <QPixmapCache>
 #include <QtGui/private/qfont_p.h>
+#include <QtGui/private/qfontengine_p.h>
 #include <gtest/gtest.h>
 
 namespace tarnwick::qt {
@@ -27,6 +30,22 @@ TEST(UnusedFonts, AreLetGoOf) {
     EXPECT_EQ(QFontCache::instance()->engineDataCache.size(), 0);
 }
 
+TEST(UnusedFonts, AreLetGoOfHoweverLongAFontLives) {
+    const QFont font(QString(), 23);
+    for (int round = 0; round < 3; ++round) {
+        drawn(font);
+        // What draws the letters, with a count of those who use it.
+        QFontEngine* const engine = QFontPrivate::get(font)->engineForScript(QChar::Script_Latin);
+        engine->ref.ref();
+        freeUnusedFonts();
+        const bool isLast = !engine->ref.deref();
+        EXPECT_TRUE(isLast) << "in round " << round;
+        if (isLast) {
+            delete engine;
+        }
+    }
+}
+
 TEST(UnusedFonts, AreLoadedAgainWhenTheyAreUsed) {
     const QFont font(QString(), 17);
     const QImage before = drawn(font);
@@ -44,6 +63,16 @@ TEST(UnusedFonts, MayBeLetGoOfWhileOneIsInUse) {
     freeUnusedFonts();
     freeUnusedFonts();
     EXPECT_EQ(metrics.horizontalAdvance("Memory"), width);
+}
+
+TEST(UnusedPictures, AreLetGoOf) {
+    const QPixmapCache::Key key = QPixmapCache::insert(QPixmap(8, 8));
+    QPixmap kept;
+    ASSERT_TRUE(QPixmapCache::find(key, &kept));
+    freeUnusedPictures();
+    EXPECT_FALSE(QPixmapCache::find(key, &kept));
+    // Whoever has one keeps it.
+    EXPECT_EQ(kept.size(), QSize(8, 8));
 }
 
 }  // namespace
