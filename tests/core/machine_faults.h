@@ -31,7 +31,9 @@ inline const std::vector<Fault> kFaults = {
      [](ScriptedMachine& machine) { machine.kernel.answers.logicalCPUCount.queue(std::nullopt); },
      {{"cpu", "50 of 0"}}},
     {"ProcessorTicks",
-     [](ScriptedMachine& machine) { machine.kernel.answers.hostProcessorInfo.queue({.result = 5}); },
+     [](ScriptedMachine& machine) {
+         machine.kernel.answers.hostProcessorInfo.queue({.result = 5});
+     },
      {{"cpu", "0 of 2"}}},
     {"MemorySize",
      [](ScriptedMachine& machine) { machine.kernel.answers.memorySize.queue(std::nullopt); },
@@ -46,7 +48,9 @@ inline const std::vector<Fault> kFaults = {
      [](ScriptedMachine& machine) { machine.kernel.answers.bootTime.queue(std::nullopt); },
      {{"uptime", "0"}}},
     {"Interfaces",
-     [](ScriptedMachine& machine) { machine.network.answers.interfaceCounters.queue(std::nullopt); },
+     [](ScriptedMachine& machine) {
+         machine.network.answers.interfaceCounters.queue(std::nullopt);
+     },
      {{"network", "none"}}},
     {"VolumeValues",
      [](ScriptedMachine& machine) {

@@ -44,8 +44,8 @@ class ScriptedMachine {
         network.answers.interfaceCounters.compute([this] {
             return InterfaceTable{{2, {.received = 1000 * moment, .sent = 10 * moment}}};
         });
-        volumes.answers.resourceValues.set(VolumeResourceValues{
-            .name = "Disk", .totalCapacity = 100, .availableCapacity = 25});
+        volumes.answers.resourceValues.set(
+            VolumeResourceValues{.name = "Disk", .totalCapacity = 100, .availableCapacity = 25});
         plugCard(true);
         plugBattery(true);
         power.answers.cycleCount.set(12);
@@ -62,10 +62,9 @@ class ScriptedMachine {
     void plugCard(bool isThere) {
         MatchingServices cards;
         if (isThere) {
-            cards.services = {
-                {{"PerformanceStatistics",
-                  PropertyDictionary{{"Device Utilization %", std::int64_t{40}}}},
-                 {"model", std::string("Card")}}};
+            cards.services = {{{"PerformanceStatistics",
+                                PropertyDictionary{{"Device Utilization %", std::int64_t{40}}}},
+                               {"model", std::string("Card")}}};
         }
         accelerators.answers.matchingServices.set(std::move(cards));
     }
@@ -153,8 +152,7 @@ class ScriptedMachine {
                                                             .compressor_page_count = 50,
                                                             .external_page_count = 150,
                                                             .internal_page_count = 300}});
-        kernel.answers.swapUsage.set(
-            SwapUsage{.total = 1000, .available = 600, .used = 400});
+        kernel.answers.swapUsage.set(SwapUsage{.total = 1000, .available = 600, .used = 400});
         table.processes = {
             {.identifier = 7,
              .command = "busy",

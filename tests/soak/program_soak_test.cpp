@@ -181,21 +181,20 @@ class SoakedProgram {
     platform::StatusItemNotice notice;
     /// Of the settings window, while there is one.
     SettingsContent* content = nullptr;
-    TarnwickApp app{
-        {item, windows,
-         [this](UserSettings& settings) {
-             auto made = std::make_unique<SettingsContent>(
-                 settings, SettingsViewEnvironment{.dispatch = machine.dispatch,
-                                                   .keyboardLayout = layout,
-                                                   .itemNotice = &notice});
-             content = made.get();
-             return made;
-         }},
-        {machine.settings, machine.battery,
-         StatsManagerEnvironment{machine.dispatch, countedSources(),
-                                 [this] { return machine.kernel.wallClockSeconds(); },
-                                 platform::Logger()},
-         hotKeys, platform::Logger()}};
+    TarnwickApp app{{item, windows,
+                     [this](UserSettings& settings) {
+                         auto made = std::make_unique<SettingsContent>(
+                             settings, SettingsViewEnvironment{.dispatch = machine.dispatch,
+                                                               .keyboardLayout = layout,
+                                                               .itemNotice = &notice});
+                         content = made.get();
+                         return made;
+                     }},
+                    {machine.settings, machine.battery,
+                     StatsManagerEnvironment{machine.dispatch, countedSources(),
+                                             [this] { return machine.kernel.wallClockSeconds(); },
+                                             platform::Logger()},
+                     hotKeys, platform::Logger()}};
     MenuBarView panel{app.statsManager(),
                       {.showSettings = [] {}, .openActivityMonitor = [] {}, .quit = [] {}},
                       {machine.dispatch, formatter}};

@@ -83,8 +83,7 @@ TEST_P(RecordedSoak, HoldsNotOneByteOrDescriptorMoreHoweverLongItRuns) {
                 GetParam().c_str(), static_cast<long long>(refreshes));
 }
 
-INSTANTIATE_TEST_SUITE_P(Machines, RecordedSoak,
-                         ::testing::ValuesIn(kMachines),
+INSTANTIATE_TEST_SUITE_P(Machines, RecordedSoak, ::testing::ValuesIn(kMachines),
                          [](const auto& machine) {
                              std::string name = machine.param;
                              std::erase(name, '-');
