@@ -1,0 +1,108 @@
+# SPDX-License-Identifier: MIT
+"""What script/soak takes as growth, as a hang and as a crash, and what it says before it starts."""
+
+import os
+import pathlib
+import subprocess
+import sys
+import unittest
+
+SCRIPT = pathlib.Path(os.environ["TARNWICK_SCRIPTS"]) / "soak"
+sys.path.insert(0, str(SCRIPT.parent / "lib"))
+
+import failed_calls  # noqa: E402
+from soak_growth import MEMORY_LIMIT, Sample, growth  # noqa: E402
+
+
+def samples(memory=(), descriptors=(), threads=()):
+    count = max(len(memory), len(descriptors), len(threads))
+
+    def filled(values, usual):
+        return list(values) or [usual] * count
+
+    return [Sample(*each, 60) for each in zip(filled(memory, 4000), filled(descriptors, 30),
+                                              filled(threads, 7))]
+
+
+class Growth(unittest.TestCase):
+    def test_is_none_while_all_stays(self):
+        self.assertIsNone(growth(samples(memory=[4000] * 9)))
+        self.assertIsNone(growth(samples(memory=[4000])))
+
+    def test_is_none_where_memory_settles_below_the_limit(self):
+        self.assertIsNone(growth(samples(memory=[4000] * 3 + [4000 + MEMORY_LIMIT] * 6)))
+
+    def test_is_none_where_something_comes_and_goes(self):
+        self.assertIsNone(growth(samples(threads=[7, 7, 7, 9, 9, 9, 9, 7, 9])))
+        self.assertIsNone(growth(samples(descriptors=[30, 30, 30, 40, 40, 40, 30, 40, 40])))
+
+    def test_is_told_in_a_line(self):
+        for grown, word in ((samples(memory=[4000] * 3 + [5000] * 6), "4,000 kB"),
+                            (samples(descriptors=range(30, 39)), "32 descriptors"),
+                            (samples(threads=[7, 7, 7, 8, 8, 8, 8, 8, 8]), "7 threads")):
+            line = growth(grown)
+            self.assertIn(word, line)
+            self.assertNotIn("\n", line)
+
+
+class FailedCalls(unittest.TestCase):
+    def test_each_call_fails_at_several_times_and_none_later_than_it_is_made(self):
+        points = failed_calls.plan({"openat": 100, "socket": 2, "mmap": 2, "exit_group": 1})
+        # The loader itself makes the first call for memory.
+        self.assertEqual(sorted(points), [("mmap", 2)] + [("openat", number) for number in
+                                          (1, 2, 3, 25, 50, 75, 100)]
+                         + [("socket", 1), ("socket", 2)])
+
+    def test_the_counts_are_those_of_the_tracer(self):
+        self.assertEqual(failed_calls.counted("""\
+% time     seconds  usecs/call     calls    errors syscall
+------ ----------- ----------- --------- --------- ----------------
+ 61.20    0.000820           3       261        17 openat
+ 38.80    0.000520           2       240           read
+------ ----------- ----------- --------- --------- ----------------
+100.00    0.001340           2       501        17 total
+"""), {"openat": 261, "read": 240})
+
+    def test_what_became_of_a_start_is_told_apart(self):
+        line = "tarnwick: the session bus does not answer\n"
+        loader = "tarnwick: error while loading shared libraries: libQt6Core.so.6: EIO\n"
+        toolkit = "This application failed: no Qt platform plugin could be initialized.\n"
+        for found, outcome in (((True, 0, ""), failed_calls.STARTED),
+                               ((False, 1, line), failed_calls.SAID),
+                               ((False, 0, ""), failed_calls.LATE),
+                               ((False, -15, ""), failed_calls.LATE),
+                               ((True, -15, ""), failed_calls.CRASH),
+                               ((False, 127, loader), failed_calls.FOREIGN),
+                               ((False, -6, "Fatal glibc error: no entropy\n"),
+                                failed_calls.FOREIGN),
+                               ((False, -6, toolkit), failed_calls.FOREIGN),
+                               ((False, 0, "The X11 connection broke\n"), failed_calls.FOREIGN),
+                               ((True, None, ""), failed_calls.HANG),
+                               ((False, None, line), failed_calls.HANG),
+                               ((False, -6, line), failed_calls.CRASH),
+                               ((True, -11, ""), failed_calls.CRASH),
+                               ((False, 1, ""), failed_calls.CRASH)):
+            self.assertEqual(failed_calls.judged(*found), outcome, found)
+
+
+class Options(unittest.TestCase):
+    def test_are_told_at_once(self):
+        # Without these two nothing could be installed or built.
+        found = subprocess.run(
+            ["/bin/bash", "-c", 'apt-get() { exit 9; }; cmake() { exit 9; }; '
+             'export -f apt-get cmake; exec "$0" --minutes 3 --help', SCRIPT],
+            capture_output=True, text=True, timeout=60)
+        self.assertEqual((found.returncode, found.stderr), (0, ""))
+        for option in ("--refreshes", "--kills", "--minutes", "--failed-calls", "--starts"):
+            self.assertIn(option, found.stdout)
+        self.assertNotIn("BASH_SOURCE", found.stdout)
+
+    def test_that_are_wrong_are_refused_at_once(self):
+        for options in (["--minutes"], ["--minutes", "x"], ["--kills", "-1"], ["--bogus"]):
+            found = subprocess.run([SCRIPT, *options], capture_output=True, text=True, timeout=60)
+            self.assertEqual(found.returncode, 1, options)
+            self.assertEqual(len(found.stderr.splitlines()), 1, found.stderr)
+
+
+if __name__ == "__main__":
+    unittest.main()
