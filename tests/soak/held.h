@@ -28,7 +28,7 @@ inline constexpr std::size_t kHeapRounding = 32 * 1024;
 void PrintTo(const Held& held, std::ostream* out);
 
 /// After so many cycles every history and every table of the program has its final size.
-inline constexpr int kWarmUpCycles = 4;
+inline constexpr int kWarmUpCycles = 3;
 
 /// How many fast refreshes each test here runs at least: `--refreshes=` of the command line.
 std::int64_t wantedRefreshes();

@@ -12,7 +12,7 @@
 namespace tarnwick::testing {
 namespace {
 
-std::int64_t wanted = 2000;
+std::int64_t wanted = 1000;
 
 }  // namespace
 
