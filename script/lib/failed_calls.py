@@ -7,7 +7,9 @@ times between. The program shall show its item, or say why not and end with 1.
 
 import argparse
 import collections
+import os
 import random
+import re
 import signal
 import subprocess
 import sys
@@ -85,6 +87,15 @@ def judged(has_item, status, output):
     return SAID if status == 1 and output.strip() else CRASH
 
 
+def is_own(trace, path):
+    """Whether a crash, traced by strace, is in code that the program's own code had called: in a
+    function of its own below main()."""
+    own = os.path.realpath(path)
+    frames = re.findall(r"^ > (\S+?)\(([^+)]*)", trace.partition("--- SIG")[2], re.MULTILINE)
+    return not frames or any(file == own and name not in ("main", "_start", "")
+                             for file, name in frames)
+
+
 def ended(program):
     """Ends a program; its status, or None where it had to be killed."""
     if program.runs():
@@ -101,9 +112,12 @@ def one_start(desktop, path, number, point):
     call, when = point
     error = error_for(call)
     log = f"start{number}"
-    program = Program(desktop, ["strace", "-D", "-f", "-qq", "-o", "/dev/null", "-e", "signal=none",
-                                "-e", "trace=" + call, "-e",
-                                f"inject={call}:error={error}:when={when}", path], log).start()
+    trace = desktop.path(f"trace{number}")
+    program = Program(desktop, ["strace", "-D", "-f", "-qq", "-k", "-o", trace,
+                                "-e", "signal=SIGSEGV,SIGABRT,SIGBUS,SIGFPE,SIGILL",
+                                "-e", "trace=" + call,
+                                "-e", f"inject={call}:error={error}:when={when}", path],
+                      log).start()
     end = time.monotonic() + _ITEM
     has_item = False
     while program.runs() and not has_item and time.monotonic() < end:
@@ -111,6 +125,10 @@ def one_start(desktop, path, number, point):
         time.sleep(0.05)
     status = ended(program)
     outcome = judged(has_item, status, desktop.log(log))
+    with open(trace, encoding="utf-8", errors="replace") as file:
+        if outcome == CRASH and status < 0 and not is_own(file.read(), path):
+            outcome = FOREIGN
+    os.remove(trace)
     if outcome not in (STARTED, SAID):
         print(f"{call} {when} {error}: {outcome}, status {status}: "
               f"{desktop.log(log).strip()[-200:]}", flush=True)

@@ -84,6 +84,21 @@ class FailedCalls(unittest.TestCase):
                                ((False, 1, ""), failed_calls.CRASH)):
             self.assertEqual(failed_calls.judged(*found), outcome, found)
 
+    def test_a_crash_of_the_toolkit_is_not_the_programs(self):
+        def is_own(*frames):
+            return failed_calls.is_own("1 recvmsg(3) = -1 EINVAL (INJECTED)\n > /p/tarnwick(ask+1)\n"
+                                       "1 --- SIGSEGV {si_signo=SIGSEGV} ---\n"
+                                       + "".join(f" > {frame} [0x1]\n" for frame in frames),
+                                       "/p/tarnwick")
+
+        start = ("/lib/libc.so.6(__libc_start_main+0x8)", "/p/tarnwick(_start+0x2)")
+        self.assertFalse(is_own("/lib/libQt6XcbQpa.so.6(screens()+0x12)",
+                                "/p/tarnwick(main+0x3)", *start))
+        self.assertTrue(is_own("/lib/libQt6Gui.so.6(draw()+0x12)", "/p/tarnwick(paint()+0x3)",
+                               "/p/tarnwick(main+0x3)", *start))
+        # Without a trace nobody else can be blamed.
+        self.assertTrue(is_own())
+
 
 class Options(unittest.TestCase):
     def test_are_told_at_once(self):
