@@ -77,12 +77,12 @@ def judged(has_item, status, output):
         return HANG
     if status == _LOADER_STATUS or _C_LIBRARY in output:
         return FOREIGN
-    if has_item and status == 0:
+    # Where it cannot serve the signal, the signal itself ends it.
+    if has_item and status in (0, -signal.SIGTERM):
         return STARTED
     if status <= 0 and any(words in output for words in _TOOLKIT):
         return FOREIGN
-    # Before it serves the signal, the signal itself ends it.
-    if not has_item and status in (0, -signal.SIGTERM):
+    if status in (0, -signal.SIGTERM):
         return LATE
     return SAID if status == 1 and output.strip() else CRASH
 
@@ -97,15 +97,20 @@ def is_own(trace, path):
 
 
 def ended(program):
-    """Ends a program; its status, or None where it had to be killed."""
-    if program.runs():
-        program.process.terminate()
-    try:
-        return program.process.wait(_END)
-    except subprocess.TimeoutExpired:
-        program.process.kill()
-        program.process.wait()
-        return None
+    """Ends a program; its status, or None where it had to be killed.
+
+    It is told twice, because the call that fails may be the one that hears of the first time.
+    """
+    for _ in range(2):
+        if program.runs():
+            program.process.terminate()
+        try:
+            return program.process.wait(_END)
+        except subprocess.TimeoutExpired:
+            continue
+    program.process.kill()
+    program.process.wait()
+    return None
 
 
 def one_start(desktop, path, number, point):

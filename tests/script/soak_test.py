@@ -71,7 +71,7 @@ class FailedCalls(unittest.TestCase):
                                ((False, 1, line), failed_calls.SAID),
                                ((False, 0, ""), failed_calls.LATE),
                                ((False, -15, ""), failed_calls.LATE),
-                               ((True, -15, ""), failed_calls.CRASH),
+                               ((True, -15, ""), failed_calls.STARTED),
                                ((False, 127, loader), failed_calls.FOREIGN),
                                ((False, -6, "Fatal glibc error: no entropy\n"),
                                 failed_calls.FOREIGN),
