@@ -375,6 +375,7 @@ int main(int argc, char* argv[]) {
         std::fputs(commandLine.text->c_str(), stdout);
         return EXIT_SUCCESS;
     }
+    platform::shareOneHeap();
     if (!hasDisplay()) {
         platform::notice("there is no display: neither DISPLAY nor WAYLAND_DISPLAY is set");
         return EXIT_FAILURE;

@@ -12,6 +12,10 @@ void giveBackFreedMemory() {
     ::malloc_trim(0);
 }
 
+void shareOneHeap() {
+    ::mallopt(M_ARENA_MAX, 1);
+}
+
 std::optional<std::size_t> raiseDescriptorLimit() {
     rlimit limit{};
     if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= kWantedDescriptors) {

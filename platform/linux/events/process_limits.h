@@ -11,6 +11,11 @@ namespace tarnwick::platform {
 /// much memory was freed that will not be needed soon. Any thread.
 void giveBackFreedMemory();
 
+/// Lets all threads share one heap. With one for each thread, as is usual, the rests of many heaps
+/// stay in memory, because no other thread can use them; the program's threads allocate too little
+/// to wait for each other. Call it before the first thread starts.
+void shareOneHeap();
+
 /// Enough to keep one open for each of 8,000 processes. The kernel needs 4.5 kB for each.
 inline constexpr std::size_t kWantedDescriptors = 16'384;
 
