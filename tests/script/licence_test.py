@@ -7,13 +7,15 @@ import subprocess
 import unittest
 
 ROOT = pathlib.Path(os.environ["TARNWICK_SCRIPTS"]).parent
-SOURCES = {".cpp", ".h", ".mm", ".py", ".cmake", ".sh", ".svg", ".desktop", ".1"}
+SOURCES = {".cpp", ".h", ".mm", ".py", ".cmake", ".sh", ".svg", ".desktop", ".1", ".in", ".install",
+           ".xml", ".yml", ".spec", ".timer", ".fish", ".bash", ".zsh", ".txt"}
+NAMES = {"CMakeLists.txt", "control", "lintian-overrides", "rules", "PKGBUILD"}
 # Inputs of fuzzers and recorded machines are data.
-DATA = ("fuzz/corpus/", "tests/fixtures/")
+DATA = ("fuzz/corpus/", "tests/fixtures/", "tests/golden/")
 
 
 def is_source(path):
-    return path.suffix in SOURCES or path.name == "CMakeLists.txt" or \
+    return path.suffix in SOURCES or path.name in NAMES or \
         path.read_bytes()[:2] == b"#!"
 
 
