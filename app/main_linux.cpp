@@ -343,6 +343,15 @@ void Program::quit() {
     application_.quit();
 }
 
+/// Returns the exit status.
+int print(const std::string& text) {
+    if (std::fputs(text.c_str(), stdout) == EOF || std::fflush(stdout) == EOF) {
+        platform::notice("the output cannot be written");
+        return EXIT_FAILURE;
+    }
+    return EXIT_SUCCESS;
+}
+
 int run(QApplication& application, const platform::StartConditions& conditions,
         std::optional<platform::Request> request) {
     const QDBusConnection bus = platform::sessionBus();
@@ -372,8 +381,7 @@ int main(int argc, char* argv[]) {
     const platform::CommandLine commandLine =
         platform::parseCommandLine(argc, argv, TARNWICK_VERSION);
     if (commandLine.text) {
-        std::fputs(commandLine.text->c_str(), stdout);
-        return EXIT_SUCCESS;
+        return print(*commandLine.text);
     }
     platform::shareOneHeap();
     if (!hasDisplay()) {

@@ -4,6 +4,7 @@
 import fcntl
 import os
 import signal
+import subprocess
 import time
 
 from desktop_test_case import ENDS_WITHIN, DesktopTestCase, main
@@ -13,6 +14,14 @@ A_WHILE = 1.5
 
 
 class StartTest(DesktopTestCase):
+    def test_says_that_its_text_cannot_be_written(self):
+        for option in ("--help", "--version"):
+            with open("/dev/full", "wb") as full:
+                ended = subprocess.run([os.environ["TARNWICK"], option], stdout=full, text=True,
+                                       stderr=subprocess.PIPE, check=False, timeout=ENDS_WITHIN)
+            self.assertEqual(ended.returncode, 1, option)
+            self.assertEqual(ended.stderr, "tarnwick: the output cannot be written\n")
+
     def test_second_start_opens_the_panel_of_the_first(self):
         self.open_desktop()
         first = self.start_known_to_user()
