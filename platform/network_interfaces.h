@@ -34,6 +34,9 @@ class NetworkInterfaces {
     /// Every interface that is up and is not a loopback; empty when there is none. All entries
     /// belong to one reading. Absent when no source worked. Any thread.
     virtual std::optional<InterfaceTable> interfaceCounters() = 0;
+    /// Whether interfaceCounters() may wait for something else than the kernel, perhaps for ever.
+    /// Does not wait itself. Any thread.
+    virtual bool mayHang() const { return false; }
 };
 
 /// Bits of an interface's flags, the same on every system.

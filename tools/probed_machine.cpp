@@ -154,6 +154,7 @@ struct ProbedMachine::Samplers {
     TimedSource<std::string> names{workers, platform::kSourcePatience};
     TimedSource<ThresholdReading> settings{workers, platform::kSourcePatience};
     TimedSource<std::int64_t> zones{workers, platform::kSensorPatience};
+    TimedSource<NetworkInfo> traffic{workers, platform::kSensorPatience};
     bool isBatterySilent = false;
     std::optional<StorageInfo> lastVolume{};
     double volumeReadAt = 0;
@@ -166,6 +167,12 @@ struct ProbedMachine::Samplers {
             volumeReadAt = now;
         }
         return lastVolume ? std::optional(std::vector{*lastVolume}) : std::nullopt;
+    }
+    NetworkInfo readTraffic() {
+        return machine.networkInterfaces->mayHang()
+                   ? traffic.read([this] { return network.readNetworkInfo(); })
+                         .value_or(NetworkInfo())
+                   : network.readNetworkInfo();
     }
     std::optional<BatteryInfo> readBattery() {
         const auto answer = supplies.read([this] { return readPowerSources(powerSources); });
@@ -196,7 +203,7 @@ MachineSample ProbedMachine::read() {
         sample.gpus.push_back(cardSample(card, sample.gpus.size()));
     }
     sample.memory = from.memory.readMemoryInfo();
-    sample.network = from.network.readNetworkInfo();
+    sample.network = from.readTraffic();
     sample.storage = from.readVolume();
     // As in the desktop program: health is asked for rarely, and so is a battery that is not there.
     from.battery.currentBatteryInfo(isFirst_);

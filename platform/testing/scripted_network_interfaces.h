@@ -2,6 +2,7 @@
 // Network interfaces with answers from a test.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <mutex>
@@ -28,6 +29,9 @@ class ScriptedNetworkInterfaces final : public NetworkInterfaces {
     void clearCalls() { calls_.clear(); }
 
     std::optional<InterfaceTable> interfaceCounters() override;
+    bool mayHang() const override { return hangs; }
+
+    std::atomic<bool> hangs = false;
 
  private:
     CallRecord calls_;

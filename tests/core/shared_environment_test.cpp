@@ -106,6 +106,31 @@ TEST(MetricSources, AreAbsentOrUnknownWhereNoAnswerComes) {
     EXPECT_EQ(sources.readThermalState(), 1);
 }
 
+TEST(MetricSources, AskAWorkerForTheNetworkOnlyWhereItMayHang) {
+    Machine& machine = Machine::installed();
+    machine.workers.waits.clear();
+    machine.workers.hangs = true;
+    const MetricSources sources = MetricSources::shared();
+    EXPECT_EQ(sources.readNetworkInfo().totalReceivedBytes, 600u);
+    EXPECT_TRUE(machine.workers.waits.empty());
+
+    machine.networkInterfaces.hangs = true;
+    machine.workers.hangs = false;
+    EXPECT_EQ(sources.readNetworkInfo().totalReceivedBytes, 600u);
+    machine.workers.hangs = true;
+    // The last figures stand for three refreshes.
+    for (int refresh = 0; refresh < 3; ++refresh) {
+        EXPECT_EQ(sources.readNetworkInfo().totalReceivedBytes, 600u);
+    }
+    EXPECT_EQ(sources.readNetworkInfo().totalReceivedBytes, 0u);
+    EXPECT_EQ(machine.workers.waits, (std::vector<double>{0.25}));
+
+    machine.workers.hangs = false;
+    machine.workers.comeBack();
+    EXPECT_EQ(sources.readNetworkInfo().totalReceivedBytes, 600u);
+    machine.networkInterfaces.hangs = false;
+}
+
 TEST(MetricSources, KeepWhatRatesAreCountedFrom) {
     Machine& machine = Machine::installed();
     const auto processors = [&machine](const std::array<std::uint32_t, 4>& ticks) {

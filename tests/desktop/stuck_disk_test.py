@@ -3,6 +3,7 @@
 
 import contextlib
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -21,8 +22,11 @@ set -e
 numbers=$1
 shift 2
 while [ "$1" != -- ]; do
-    bindfs -f "$1" "$1" & echo $! >>"$numbers"
-    until mountpoint -q "$1"; do sleep 0.05; done
+    folder=$1
+    # A link to a folder of each process; the program will be this one.
+    [ "$1" != /proc/net ] || folder=/proc/$$/net
+    bindfs -f "$folder" "$folder" & echo $! >>"$numbers"
+    until mountpoint -q "$folder"; do sleep 0.05; done
     shift
 done
 shift
@@ -84,6 +88,13 @@ class StuckDiskTest(DesktopTestCase):
 
             self.until(switched, "the switch is pressed")
 
+    def lists_processes(self, program):
+        with self.desktop.accessibility_bus() as bus, contextlib.suppress(GLib.Error):
+            root = bus.program(program.pid)
+            return root is not None and any(re.fullmatch(r"[^,]+, [0-9.]+%", each.name)
+                                            for each in root.descendants())
+        return False
+
     def assert_item_and_panel(self, program):
         item = program.wait_for_item()
         self.until(lambda: self.desktop.bus.item_property(item, "Title"), "the item answers")
@@ -118,6 +129,20 @@ class StuckDiskTest(DesktopTestCase):
         self.stop(program, self.servers)
         self.assert_item_and_panel(program)
         self.assert_quits(program)
+
+    def check_network(self, folder):
+        program = self.start_on([folder])
+        self.stop(program, self.servers)
+        self.assert_item_and_panel(program)
+        # Only a refresh that comes to its end while the panel is open lists processes.
+        self.until(lambda: self.lists_processes(program), "the other figures are fresh")
+        self.assert_quits(program)
+
+    def test_network_counters(self):
+        self.check_network("/proc/net")
+
+    def test_network_links(self):
+        self.check_network("/sys/class/net")
 
 
 main()

@@ -4,6 +4,8 @@
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
+#include <linux/magic.h>
+#include <sys/vfs.h>
 #include <unistd.h>
 #include <utility>
 
@@ -45,6 +47,11 @@ void FileDescriptor::close() {
     }
 }
 
+bool FileDescriptor::isServed() const {
+    struct statfs system {};
+    return ::fstatfs(descriptor_, &system) == 0 && system.f_type == FUSE_SUPER_MAGIC;
+}
+
 KeptFile::KeptFile(std::string path, std::size_t expectedSize, Delivery delivery)
     : path_(std::move(path)), delivery_(delivery), buffer_(expectedSize) {}
 
@@ -56,10 +63,13 @@ std::optional<std::string_view> KeptFile::read() {
             error_ = errno;
             return std::nullopt;
         }
+        isServed_ = file_.isServed();
         size = readFromStart();
     }
-    if (size < 0) {
+    if (size < 0 || isServed_) {
         file_.close();
+    }
+    if (size < 0) {
         return std::nullopt;
     }
     return std::string_view(buffer_.data(), static_cast<std::size_t>(size));

@@ -26,6 +26,10 @@ class FileDescriptor {
 
     bool isOpen() const { return descriptor_ >= 0; }
     int get() const { return descriptor_; }
+    /// Whether a program serves the file in place of the kernel, as container managers do with
+    /// parts of /proc. Then reading waits for that program, and so does closing a file: while it
+    /// hangs, a process that has one open cannot even end.
+    bool isServed() const;
     void close();
 
  private:
@@ -52,6 +56,9 @@ class KeptFile {
     /// file that is delivered whole usually takes one system call.
     std::optional<std::string_view> read();
 
+    /// As FileDescriptor::isServed(), when it was last opened. Such a file is not kept open.
+    bool isServed() const { return isServed_; }
+
     /// The system's error code of the last read that failed; 0 before any.
     int error() const { return error_; }
 
@@ -62,6 +69,7 @@ class KeptFile {
     std::string path_;
     Delivery delivery_ = Delivery::whole;
     FileDescriptor file_;
+    bool isServed_ = false;
     std::vector<char> buffer_;
     int error_ = 0;
 };

@@ -97,8 +97,10 @@ std::optional<InterfaceTable> LinuxNetworkInterfaces::interfaceCounters() {
     const auto text = list_.read();
     const auto devices = text ? parseNetworkDevices(*text) : std::nullopt;
     if (!devices || !follow(*devices)) {
+        mayHang_ = true;
         return std::nullopt;
     }
+    mayHang_ = list_.isServed() || isFolderServed_;
     const double age = sinceBoot_() - chosenAt_;
     if (readFlags() || age < 0 || age >= kLongestChoice) {
         choose();
@@ -193,7 +195,8 @@ bool LinuxNetworkInterfaces::follow(const std::vector<NetworkDevice>& devices) {
     if (!folder_.isOpen()) {
         return false;
     }
-    mostKept_ = quarterOfDescriptors();
+    isFolderServed_ = folder_.isServed();
+    mostKept_ = isFolderServed_ ? 0 : quarterOfDescriptors();
     links_.reserve(devices.size());
     for (const NetworkDevice& device : devices) {
         links_.push_back({.name = std::string(device.name)});

@@ -2,6 +2,7 @@
 // Byte counters of the network interfaces of a Linux machine.
 #pragma once
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -35,6 +36,8 @@ class LinuxNetworkInterfaces final : public NetworkInterfaces {
     /// left out, and so is one whose counters cannot be true, which is logged once. Absent when the
     /// list of interfaces cannot be read or is damaged, or when there is no folder of interfaces.
     std::optional<InterfaceTable> interfaceCounters() override;
+    /// False once a reading has found that no other program serves the list or the folder.
+    bool mayHang() const override { return mayHang_; }
 
  private:
     struct Link {
@@ -69,11 +72,14 @@ class LinuxNetworkInterfaces final : public NetworkInterfaces {
     // All of these are guarded by lock_.
     KeptFile list_;
     FileDescriptor folder_;
+    bool isFolderServed_ = false;
     /// In the order of the list.
     std::vector<Link> links_;
     /// Greatest number of links with flags that stay open.
     std::size_t mostKept_ = 0;
     double chosenAt_ = 0;
+
+    std::atomic<bool> mayHang_ = true;
 };
 
 }  // namespace tarnwick::platform

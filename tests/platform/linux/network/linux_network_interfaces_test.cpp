@@ -35,6 +35,19 @@ TEST(LinuxNetworkInterfaces, TheLaptopHasAWirelessInterfaceBelowItsTunnel) {
                 Optional(InterfaceTable{{3, {18'734'092'881, 1'906'447'215, false}}}));
 }
 
+TEST(LinuxNetworkInterfaces, MayHangUntilAReadingHasSeenThatNoProgramServesTheFiles) {
+    MachineTree tree;
+    LinuxNetworkInterfaces interfaces(tree.root());
+    EXPECT_TRUE(interfaces.mayHang());
+    EXPECT_FALSE(interfaces.interfaceCounters());
+    EXPECT_TRUE(interfaces.mayHang());
+
+    LinuxNetworkInterfaces recordedFiles(recordedMachine("laptop"));
+    EXPECT_TRUE(recordedFiles.mayHang());
+    ASSERT_TRUE(recordedFiles.interfaceCounters());
+    EXPECT_FALSE(recordedFiles.mayHang());
+}
+
 TEST(LinuxNetworkInterfaces, TheWorkstationHasACableBesideItsGuests) {
     EXPECT_THAT(recorded("workstation"),
                 Optional(InterfaceTable{{2, {1'204'877'310'554, 96'620'448'817, false}}}));
