@@ -2,6 +2,7 @@
 #include "platform/linux/desktop/keyboard/portal_hot_keys.h"
 
 #include <QMetaObject>
+#include <QPointer>
 #include <array>
 #include <string>
 #include <utility>
@@ -142,11 +143,15 @@ void PortalHotKeys::stateChanged() {
 }
 
 void PortalHotKeys::noticeRefusal() {
-    if (options_.notice && options_.isInstalled && !hasNoticed_ && !options_.isInstalled()) {
-        hasNoticed_ = true;
-        options_.notice(
-            "this desktop gives the shortcut to installed programs only: install Tarnwick");
+    if (!options_.notice || !options_.findEntry) {
+        return;
     }
+    options_.findEntry([self = QPointer(this)](bool isInstalled) {
+        if (self && !isInstalled && !std::exchange(self->hasNoticed_, true)) {
+            self->options_.notice(
+                "this desktop gives the shortcut to installed programs only: install Tarnwick");
+        }
+    });
 }
 
 void PortalHotKeys::pressed() {

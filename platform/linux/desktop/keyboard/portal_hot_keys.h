@@ -55,9 +55,9 @@ class PortalHotKeys final : public QObject, public HotKeys {
         std::chrono::milliseconds patience = std::chrono::seconds(1);
         /// Prints one line for the user.
         std::function<void(std::string_view)> notice{};
-        /// Whether the portal can find the program's desktop entry. Asked when the portal gives
-        /// nothing; absent if that is not known.
-        std::function<bool()> isInstalled{};
+        /// Tells later, on the main thread, whether the portal can find the program's desktop
+        /// entry. Asked when the portal gives nothing; empty if that cannot be known.
+        std::function<void(std::function<void(bool isInstalled)> found)> findEntry{};
         /// The command that prints the settings of GNOME.
         QStringList gnomeSettings{"gsettings", "list-recursively"};
     };

@@ -5,7 +5,9 @@
 #include <QAbstractNativeEventFilter>
 #include <QGuiApplication>
 #include <QStandardPaths>
+#include <functional>
 #include <qpa/qplatformnativeinterface.h>
+#include <utility>
 
 #include "platform/linux/desktop/keyboard/portal_hot_keys.h"
 #include "platform/linux/desktop/keyboard/wayland_keyboard_layout.h"
@@ -47,10 +49,13 @@ class IdlingLayout final : public WaylandKeyboardLayout {
     QMetaObject::Connection idle_;
 };
 
-bool hasDesktopEntry() {
-    return !QStandardPaths::locate(QStandardPaths::ApplicationsLocation,
-                                   QString(kIdentifier) + ".desktop")
-                .isEmpty();
+/// In the background: a folder of applications may lie on a disk that hangs.
+void findDesktopEntry(Dispatch& dispatch, std::function<void(bool isThere)> found) {
+    dispatch.detached([&dispatch, found = std::move(found)] {
+        const QString entry = QStandardPaths::locate(QStandardPaths::ApplicationsLocation,
+                                                     QString(kIdentifier) + ".desktop");
+        dispatch.async([found, isThere = !entry.isEmpty()] { found(isThere); });
+    });
 }
 
 bool isWaylandPlatform() {
@@ -77,7 +82,10 @@ std::unique_ptr<HotKeys> makeHotKeys(QDBusConnection bus, KeysymLayout& layout,
     // of the compositor: there only the portal can tell.
     if (isUnderCompositor()) {
         return std::make_unique<PortalHotKeys>(
-            bus, layout, PortalHotKeys::Options{.notice = notice, .isInstalled = hasDesktopEntry});
+            bus, layout,
+            PortalHotKeys::Options{.notice = notice, .findEntry = [&dispatch](auto found) {
+                                       findDesktopEntry(dispatch, std::move(found));
+                                   }});
     }
     if (xcb_connection_t* connection = x11::connection()) {
         return std::make_unique<FilteringHotKeys>(connection, dispatch);

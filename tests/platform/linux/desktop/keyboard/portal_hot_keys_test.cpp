@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/desktop/keyboard/portal_hot_keys.h"
 
+#include <QTimer>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <map>
@@ -46,7 +47,12 @@ class PortalKeys : public ::testing::Test {
             PortalHotKeys::Options{
                 .patience = patience,
                 .notice = [this](std::string_view line) { notices_.emplace_back(line); },
-                .isInstalled = [this] { return isInstalled_; },
+                .findEntry =
+                    [this](auto found) {
+                        // Later, as from another thread.
+                        QTimer::singleShot(
+                            0, [this, found = std::move(found)] { found(isInstalled_); });
+                    },
                 .gnomeSettings = {"/bin/echo", gnomeSettings_}});
         auto result = keys_->installEventHandler([this](const HotKeyEvent* event) {
             HotKeyID id;
