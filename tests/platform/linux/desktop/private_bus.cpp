@@ -7,6 +7,8 @@
 #include <QDeadlineTimer>
 #include <QFile>
 #include <QTimer>
+#include <csignal>
+#include <sys/prctl.h>
 
 namespace tarnwick::platform::testing {
 namespace {
@@ -58,6 +60,8 @@ PrivateBus::PrivateBus() {
         configuration.close();
     }
     daemon_.setProcessChannelMode(QProcess::SeparateChannels);
+    // Also where a test crashes.
+    daemon_.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); });
     daemon_.start("dbus-daemon", {"--config-file=" + configuration.fileName(), "--nofork",
                                   "--nopidfile", "--print-address=1"});
     while (!daemon_.canReadLine() && daemon_.waitForReadyRead(kLimitMilliseconds)) {

@@ -9,6 +9,8 @@
 #include <QList>
 #include <QMap>
 #include <QStringList>
+#include <random>
+#include <utility>
 
 #include "platform/linux/desktop/keyboard/portal_types.h"
 #include "platform/linux/desktop/tray/dbus_types.h"
@@ -34,7 +36,11 @@ QString signatureOf(const QVariantList& body) {
     return argument.currentSignature();
 }
 
-RandomBodies::RandomBodies() : random_(kSeed) {
+RandomBodies::RandomBodies()
+    : RandomBodies(
+          [random = std::mt19937(kSeed)]() mutable { return static_cast<unsigned>(random()); }) {}
+
+RandomBodies::RandomBodies(Source source) : random_(std::move(source)) {
     registerBusTypes();
     registerPortalTypes();
     qDBusRegisterMetaType<QList<QVariantMap>>();

@@ -5,7 +5,7 @@
 #include <QString>
 #include <QVariant>
 #include <QVariantList>
-#include <random>
+#include <functional>
 
 namespace tarnwick::platform::testing {
 
@@ -13,10 +13,15 @@ namespace tarnwick::platform::testing {
 QString signatureOf(const QVariantList& body);
 
 /// Arguments of messages: basic types, arrays, dictionaries, variants and structures, nested in
-/// each other. The sequence is the same in every run.
+/// each other.
 class RandomBodies final {
  public:
+    /// Any numbers; what is made depends on nothing else.
+    using Source = std::function<unsigned()>;
+
+    /// The same sequence in every run.
     RandomBodies();
+    explicit RandomBodies(Source source);
 
     /// Either random arguments, perhaps none; or the arguments of `truth` with one of them
     /// inserted, removed or replaced, or with other contents in its variants and dictionaries.
@@ -32,7 +37,7 @@ class RandomBodies final {
     /// The value with other contents in its variants and dictionaries. Its signature stays.
     QVariant withOtherContent(const QVariant& value);
 
-    std::mt19937 random_;
+    Source random_;
 };
 
 }  // namespace tarnwick::platform::testing
