@@ -138,10 +138,7 @@ QList<Message> signalsOfServices() {
          keys,
          "Activated",
          {path(kSession), "panel-LOGO-l", qulonglong{1}, QVariantMap()}},
-        {kPortal,
-         keys,
-         "ShortcutsChanged",
-         {path(kSession), QVariant::fromValue(shortcuts())}},
+        {kPortal, keys, "ShortcutsChanged", {path(kSession), QVariant::fromValue(shortcuts())}},
         {kSession, "org.freedesktop.portal.Session", "Closed", {QVariantMap()}},
         {"/kglobalaccel",
          "org.kde.KGlobalAccel",
@@ -174,13 +171,14 @@ class Liar final : public QDBusVirtualObject {
     bool handleMessage(const QDBusMessage& call, const QDBusConnection&) override {
         const QVariantList truth = truthFor(call);
         bus_.send(call.createReply(lieOr(truth)));
-        if (!truth.isEmpty() && truth.first().metaType() == QMetaType::fromType<QDBusObjectPath>()) {
+        if (!truth.isEmpty() &&
+            truth.first().metaType() == QMetaType::fromType<QDBusObjectPath>()) {
             QDBusMessage response = QDBusMessage::createTargetedSignal(
                 call.service(), truth.first().value<QDBusObjectPath>().path(),
                 "org.freedesktop.portal.Request", "Response");
-            response.setArguments(lieOr(
-                {0U, QVariantMap{{"session_handle", QString(kSession)},
-                                 {"shortcuts", QVariant::fromValue(shortcuts())}}}));
+            response.setArguments(
+                lieOr({0U, QVariantMap{{"session_handle", QString(kSession)},
+                                       {"shortcuts", QVariant::fromValue(shortcuts())}}}));
             bus_.send(response);
         }
         return true;
@@ -202,8 +200,8 @@ class Liar final : public QDBusVirtualObject {
             return {true};
         }
         if (call.interface() == "org.freedesktop.portal.GlobalShortcuts") {
-            const auto options = qdbus_cast<QVariantMap>(call.arguments().value(
-                call.arguments().size() - 1));
+            const auto options =
+                qdbus_cast<QVariantMap>(call.arguments().value(call.arguments().size() - 1));
             return {path("/org/freedesktop/portal/desktop/request/" +
                          call.service().mid(1).replace('.', '_') + '/' +
                          options.value("handle_token").toString())};
@@ -248,9 +246,9 @@ struct Program {
         require(instance.claim() == SingleInstance::Claim::first);
         instance.setPerform([this](Request, const QString&) { ++actions; });
         registration.start({});
-        handler = keys.installEventHandler([](const HotKeyEvent*) {
-                          return hot_key_status::kSuccess;
-                      }).handle;
+        handler =
+            keys.installEventHandler([](const HotKeyEvent*) { return hot_key_status::kSuccess; })
+                .handle;
         keys.setRegistrationChanged([this] { addKeys(); });
         addKeys();
     }
@@ -281,8 +279,8 @@ struct Program {
     HighContrast contrast{bus, {}};
     ReducedMotion motion{bus, {}};
     SleepSignals sleep{bus, [this] { ++woken; }};
-    NotifierRegistration registration{bus, [](unsigned) { return "a host"; },
-                                      {.first = 1, .longest = 1}};
+    NotifierRegistration registration{
+        bus, [](unsigned) { return "a host"; }, {.first = 1, .longest = 1}};
     PortalHotKeys keys;
     std::unique_ptr<HotKeyHandle> handler;
     std::unique_ptr<HotKeyHandle> handle;
@@ -345,14 +343,14 @@ class Run final {
                                                                   of.path, of.interface, of.member);
         const QVariantList body = bodies_.next(of.body);
         message.setArguments(body);
-        wakings_ += of.member == kWoke.member && &from == &around_.service &&
-                    signatureOf(body) == "b";
+        wakings_ +=
+            of.member == kWoke.member && &from == &around_.service && signatureOf(body) == "b";
         from.send(message);
     }
     /// Calls that go through the program's event loop, behind all that was sent before.
     void settle() {
-        QDBusMessage layout = QDBusMessage::createMethodCall(
-            around_.bus.baseService(), kMenuPath, DBusMenu::kInterface, "GetLayout");
+        QDBusMessage layout = QDBusMessage::createMethodCall(around_.bus.baseService(), kMenuPath,
+                                                             DBusMenu::kInterface, "GetLayout");
         layout.setArguments({0, -1, QStringList()});
         for (const QDBusConnection& each : {around_.service, around_.stranger}) {
             require(ask(each, layout).signature() == "u(ia{sv}av)");

@@ -115,6 +115,7 @@ TEST_F(HostileSignals, ChangeNoSetting) {
     ScriptedSettingsPortal portal(service_);
     portal.begin();
     const ColorScheme scheme(bus_, {});
+    const HighContrast contrast(bus_, {});
     const ReducedMotion motion(bus_, {});
     settle();
     const auto changed = [](const char* space, const char* key, const QVariant& value) {
@@ -125,7 +126,10 @@ TEST_F(HostileSignals, ChangeNoSetting) {
     };
     const TrueSignal turnedDark = changed("org.freedesktop.appearance", "color-scheme", 1U);
     const TrueSignal settings[] = {
-        turnedDark, changed("org.freedesktop.appearance", "reduced-motion", 1U),
+        turnedDark,
+        changed("org.freedesktop.appearance", "contrast", 1U),
+        changed("org.gnome.desktop.a11y.interface", "high-contrast", true),
+        changed("org.freedesktop.appearance", "reduced-motion", 1U),
         changed("org.gnome.desktop.interface", "enable-animations", false),
         changed("org.kde.kdeglobals.KDE", "AnimationDurationFactor", "0")};
     for (const TrueSignal& each : settings) {
@@ -133,6 +137,7 @@ TEST_F(HostileSignals, ChangeNoSetting) {
         sendIllFormed(each);
     }
     EXPECT_FALSE(scheme.dark());
+    EXPECT_FALSE(contrast.isHigh());
     EXPECT_FALSE(motion.isReduced());
     for (const TrueSignal& each : settings) {
         sendWellFormed(each);
@@ -140,6 +145,7 @@ TEST_F(HostileSignals, ChangeNoSetting) {
     }
     settle();
     EXPECT_TRUE(scheme.dark());
+    EXPECT_TRUE(contrast.isHigh());
     EXPECT_TRUE(motion.isReduced());
 }
 
@@ -287,6 +293,26 @@ TEST_F(HostileShortcutSignals, OfThePortalWithAnythingInTheirVariantsAreSurvived
         settle();
         EXPECT_EQ(presses_, before + 1);
     }
+}
+
+TEST_F(HostileShortcutSignals, DoNotStandForPlasma) {
+    // Plasma's service is there.
+    portal_.areKeysFree = true;
+    portal_.end();
+    portal_.begin();
+    add();
+    ASSERT_TRUE(waitUntil([&] { return handle_ != nullptr; }));
+    const TrueSignal changed{"/kglobalaccel",
+                             "org.kde.KGlobalAccel",
+                             "yourShortcutsChanged",
+                             {QStringList{"org.tarnwick.Tarnwick", portal_.bound.last().id, "", ""},
+                              QVariant::fromValue(QList<PlasmaKeys>())}};
+    forge(changed);
+    sendIllFormed(changed);
+    EXPECT_FALSE(portal_.calls.contains("ListShortcuts"));
+    send(service_, changed, changed.body);
+    settle();
+    EXPECT_TRUE(portal_.calls.contains("ListShortcuts"));
 }
 
 TEST_F(HostileShortcutSignals, DoNotDecideForTheUser) {
