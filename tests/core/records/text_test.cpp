@@ -59,7 +59,8 @@ class GermanNumbers {
         std::ofstream(folder_ + "/source")
             << "LC_NUMERIC\ndecimal_point \",\"\nthousands_sep \".\"\n"
                "grouping 3\nEND LC_NUMERIC\n";
-        // Complains about all that the source does not tell, and still writes what it tells.
+        // Complains about all that the source does not tell, and still writes what it tells. The
+        // package locales has the character map that it reads.
         const std::string command = "localedef --no-archive -c -i " + folder_ + "/source " +
                                     folder_ + "/comma >/dev/null 2>&1";
         EXPECT_NE(std::system(command.c_str()), -1);
