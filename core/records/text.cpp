@@ -64,7 +64,8 @@ std::string fixedText(double value, int decimals) {
     // stream, which makes a locale each time.
     std::array<char, kLongestFixedText> buffer{};
     const int length = std::snprintf(buffer.data(), buffer.size(), "%.*f", decimals, value);
-    std::string text(buffer.data(), static_cast<std::size_t>(std::max(length, 0)));
+    const auto most = static_cast<int>(buffer.size()) - 1;
+    std::string text(buffer.data(), static_cast<std::size_t>(std::clamp(length, 0, most)));
     // The session's language may have another point, of one byte or more.
     if (const std::size_t point = text.find_first_not_of("-0123456789");
         decimals > 0 && std::isfinite(value) && point != std::string::npos) {

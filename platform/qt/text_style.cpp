@@ -34,6 +34,12 @@ TextStyle::TextStyle(const QFont& font)
     digitsDiffer_ = digitCell_ - narrowest > kAdvanceTolerance;
 }
 
+TextStyle TextStyle::scaled(qreal share) const {
+    QFont font = font_;
+    font.setPointSizeF(font.pointSizeF() * share);
+    return TextStyle(font);
+}
+
 // Right-to-left text is left whole: its parts do not follow each other from left to right.
 bool TextStyle::usesCells(const QString& text) const {
     return digitsDiffer_ && std::any_of(text.begin(), text.end(), isDigit) && !text.isRightToLeft();

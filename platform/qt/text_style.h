@@ -25,6 +25,8 @@ class TextStyle {
     explicit TextStyle(const QFont& font);
 
     const QFont& font() const { return font_; }
+    /// The same at a share of its size, above 0.
+    TextStyle scaled(qreal share) const;
     /// Height of a line, whole pixels.
     int lineHeight() const { return ascent_ + descent_; }
     /// From the top of a line to its baseline, whole pixels.

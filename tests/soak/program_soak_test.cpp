@@ -214,8 +214,6 @@ TEST(ProgramSoak, HoldsNotOneByteMoreHoweverLongItRuns) {
     }
     // All of it has happened.
     EXPECT_GT(program.pages, program.panels);
-    EXPECT_GT(program.settingsWindows, 0);
-    EXPECT_GT(program.hostsLost, 0);
     EXPECT_GT(program.toggles, 0);
     EXPECT_GT(program.refusals, 0);
     EXPECT_GT(program.batteriesSeen, 0);

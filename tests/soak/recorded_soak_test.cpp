@@ -33,13 +33,16 @@ std::vector<std::filesystem::path> pluggable(const std::filesystem::path& root) 
     return found;
 }
 
-/// Takes the folders away, or puts them back.
-void plug(const std::vector<std::filesystem::path>& folders, bool isThere) {
+/// Takes the folders away, or puts them back; how many of them there were.
+int plug(const std::vector<std::filesystem::path>& folders, bool isThere) {
+    int moved = 0;
     for (const std::filesystem::path& folder : folders) {
         const std::filesystem::path away = folder.native() + " away";
         std::error_code notThere;
         std::filesystem::rename(isThere ? away : folder, isThere ? folder : away, notThere);
+        moved += notThere ? 0 : 1;
     }
+    return moved;
 }
 
 /// The number of refreshes.
@@ -68,6 +71,8 @@ TEST_P(RecordedSoak, HoldsNotOneByteOrDescriptorMoreHoweverLongItRuns) {
     RecordedPanel panel(GetParam());
     panel.close();
     const std::vector<std::filesystem::path> folders = pluggable(panel.root());
+    ASSERT_GT(plug(folders, false), 0) << "nothing comes and goes";
+    plug(folders, true);
     for (int warmUp = 0; warmUp < kWarmUpCycles; ++warmUp) {
         cycle(panel, folders);
     }

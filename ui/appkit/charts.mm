@@ -29,8 +29,8 @@ namespace grid = tarnwick::appkit::grid;
 - (void)setBar:(const tarnwick::UsageBar&)bar {
     const double next = bar.fraction();
     const CGFloat step = std::abs(next - _fraction->value()) * self.bounds.size.width;
-    if (_isBegun && step >= grid::kLeastBarStep) {
-        _fraction->moveTo(next);
+    if (_isBegun && step >= tarnwick::Motion::kLeastStep) {
+        _fraction->moveTo(next, tarnwick::Motion::kLeastRest / self.bounds.size.width);
     } else {
         _fraction->jumpTo(next);
     }

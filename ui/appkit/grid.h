@@ -28,8 +28,6 @@ inline constexpr double kBarHeight = 6;
 inline constexpr double kBarCorner = 3;
 /// Between a bar and its label.
 inline constexpr double kBarGap = 6;
-/// Shorter steps of a bar are too small to be seen as a movement.
-inline constexpr double kLeastBarStep = 2;
 /// How far a line may reach beyond its points at a peak.
 inline constexpr double kLineOverhang = SparklineView::kLineWidth / 2 * SparklineView::kMiterLimit;
 /// Side of the area that a press must hit, for a button without border and title.

@@ -13,7 +13,8 @@
 namespace tarnwick::appkit {
 
 /// A borderless floating panel under the status item. It closes on a press elsewhere, on Command-W,
-/// when another application comes to the front and when the screens sleep. Escape leads back from a
+/// when another application comes to the front, when the screens sleep and when another user takes
+/// over. Escape leads back from a
 /// detail page, and closes the panel on the home page.
 ///
 /// Makes its views when it opens and frees them when it closes. Between the two the view knows that

@@ -19,6 +19,10 @@ class Motion {
     // Seconds. A movement ends with its sixth frame, well within a fifth of a second.
     static constexpr double kDuration = 0.175;
     static constexpr double kFrame = 0.03;
+    // Logical pixels of a bar. Shorter steps are too small to be seen as a movement, and so is the
+    // rest of a longer one: each frame wakes this program and the display server.
+    static constexpr double kLeastStep = 4;
+    static constexpr double kLeastRest = 1;
     /// How long a symbol takes to turn once.
     static constexpr double kTurn = 0.6;
 

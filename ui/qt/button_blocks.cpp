@@ -18,12 +18,6 @@ constexpr int kSummaryGap = 2;
 /// The summary is drawn at most so much smaller than other captions.
 constexpr qreal kSmallestSummary = 0.85;
 
-TextStyle scaled(const TextStyle& style, qreal share) {
-    QFont font = style.font();
-    font.setPointSizeF(font.pointSizeF() * share);
-    return TextStyle(font);
-}
-
 struct SummaryRoom {
     /// Size of the summary's font, as a share of that of other captions.
     qreal share;
@@ -43,7 +37,7 @@ SummaryRoom measuredRoom(const TextStyle& caption, int width) {
     };
     constexpr qreal step = 0.01;
     for (qreal share = std::min(1.0, width / widest); share >= kSmallestSummary; share -= step) {
-        if (fits(scaled(caption, share))) {
+        if (fits(caption.scaled(share))) {
             return {share, 1};
         }
     }

@@ -169,9 +169,7 @@ const TextStyle& Theme::style(FontRole role, qreal share) const {
     if (found != scaledStyles_.end()) {
         return found->second;
     }
-    QFont font = whole.font();
-    font.setPointSizeF(font.pointSizeF() * share);
-    return scaledStyles_.emplace(std::pair(role, share), TextStyle(font)).first->second;
+    return scaledStyles_.emplace(std::pair(role, share), whole.scaled(share)).first->second;
 }
 
 int Theme::scaled(int length) const {

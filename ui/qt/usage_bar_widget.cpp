@@ -17,11 +17,6 @@ namespace tarnwick::qt {
 
 namespace {
 
-// Logical pixels. Shorter steps are too small to be seen as a movement, and so is the rest of a
-// longer one: each frame wakes this program and the display server.
-constexpr double kLeastStep = 4;
-constexpr double kLeastRest = 1;
-
 void paintBar(QPainter& painter, double fraction, const QColor& color, const Theme& theme,
               const QRectF& place) {
     const QRectF rect = onPixelRows(painter, place);
@@ -51,9 +46,9 @@ UsageBarWidget::UsageBarWidget(const Theme& theme, std::shared_ptr<Motion> motio
 
 void UsageBarWidget::valueChanged() {
     const double next = value().fraction();
-    const bool isStep = std::abs(next - fraction_.value()) * width() >= kLeastStep;
+    const bool isStep = std::abs(next - fraction_.value()) * width() >= Motion::kLeastStep;
     if (std::exchange(isBegun_, true) && isStep) {
-        fraction_.moveTo(next, kLeastRest / width());
+        fraction_.moveTo(next, Motion::kLeastRest / width());
     } else {
         fraction_.jumpTo(next);
     }

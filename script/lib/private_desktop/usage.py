@@ -84,4 +84,5 @@ def rates(before, after, seconds):
         wake_ups += end.wake_ups - start.wake_ups
         pre_emptions += end.pre_emptions - start.pre_emptions
         time += end.processor_time - start.processor_time
-    return Rates((wake_ups + pre_emptions) / seconds, wake_ups / seconds, time / (seconds * 1e9) * 100, len(before.keys() - after))
+    return Rates((wake_ups + pre_emptions) / seconds, wake_ups / seconds,
+                 time / (seconds * 1e9) * 100, len(before.keys() - after))

@@ -53,7 +53,6 @@ TEST(AppKitGrid, MeasuresTheBlocksOfThePanel) {
         {"usage bar: height", grid::kBarHeight, 6},
         {"usage bar: corner", grid::kBarCorner, 3},
         {"usage bar: between bar and label", grid::kBarGap, 6},
-        {"usage bar: least step that moves", grid::kLeastBarStep, 2},
         {"trend: between texts and line", TrendRow::kSpacing, 10},
         {"trend: between title and value", TrendRow::kTextSpacing, 2},
         {"trend: width of the line", TrendRow::kSparklineWidth, 120},

@@ -143,11 +143,12 @@ void PortalHotKeys::stateChanged() {
 }
 
 void PortalHotKeys::noticeRefusal() {
-    if (!options_.notice || !options_.findEntry) {
+    // Told once, so one look is enough; a folder that hangs must not keep one thread after another.
+    if (!options_.notice || !options_.findEntry || std::exchange(isLookedFor_, true)) {
         return;
     }
     options_.findEntry([self = QPointer(this)](bool isInstalled) {
-        if (self && !isInstalled && !std::exchange(self->hasNoticed_, true)) {
+        if (self && !isInstalled) {
             self->options_.notice(
                 "this desktop gives the shortcut to installed programs only: install Tarnwick");
         }

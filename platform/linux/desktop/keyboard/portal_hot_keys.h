@@ -118,7 +118,7 @@ class PortalHotKeys final : public QObject, public HotKeys {
     bool awaitsPortal_ = false;
     /// A press arrived before the caller knew of the keys. The next registration delivers it.
     bool hasPress_ = false;
-    bool hasNoticed_ = false;
+    bool isLookedFor_ = false;
     /// Number of the handle that holds the hot key; 0 when none does.
     int holder_ = 0;
     int handles_ = 0;
