@@ -24,7 +24,7 @@ constexpr std::size_t kAnswers = 9;
 
 /// Mostly success, which lets the conversation go on.
 int resultIn(std::uint8_t byte, unsigned bit) {
-    return ((byte >> bit) & 1U) != 0 ? byte : 0;
+    return ((byte >> bit) & 1) != 0 ? byte : 0;
 }
 
 void check(GpuSource& source, double now, const std::string& name) {
