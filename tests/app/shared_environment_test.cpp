@@ -11,6 +11,7 @@
 #include "platform/testing/scripted_hot_keys.h"
 #include "platform/testing/scripted_kernel.h"
 #include "platform/testing/scripted_login_service.h"
+#include "platform/testing/scripted_network_interfaces.h"
 #include "platform/testing/scripted_power_sources.h"
 #include "platform/testing/scripted_status_item.h"
 #include "platform/testing/scripted_volumes.h"
@@ -31,6 +32,7 @@ class UnheatedMachine final : public platform::ProcessInfo {
 struct Machine {
     platform::testing::ScriptedKernel kernel;
     platform::testing::ScriptedVolumes volumes;
+    platform::testing::ScriptedNetworkInterfaces networkInterfaces;
     platform::testing::ScriptedPowerSources powerSources;
     platform::testing::MemoryUserDefaults store;
     platform::testing::ScriptedLoginService loginService;
@@ -44,6 +46,7 @@ TEST(SharedTarnwickAppEnvironment, IsTheCurrentPlatformWithTheSharedSettingsAndB
     platform::Platform platform;
     platform.kernel = &machine.kernel;
     platform.volumes = &machine.volumes;
+    platform.networkInterfaces = &machine.networkInterfaces;
     platform.powerSources = &machine.powerSources;
     platform.batteryHealth = &machine.powerSources;
     platform.userDefaults = &machine.store;
