@@ -2,8 +2,10 @@
 // On a machine of no system in particular.
 #include "tools/probed_machine.h"
 
+#include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <utility>
 #include <vector>
 
 #include "platform/testing/scripted_accelerators.h"
@@ -12,6 +14,7 @@
 #include "platform/testing/scripted_power_sources.h"
 #include "platform/testing/scripted_process_table.h"
 #include "platform/testing/scripted_volumes.h"
+#include "platform/timed_source.h"
 
 namespace tarnwick::probe {
 namespace {
@@ -96,6 +99,20 @@ TEST(ProbedMachine, WaitsForTheHealthAsLongAsItsSourceAsks) {
     static auto& machine = *new ProbedMachine(scripted.sources(), Options{});
     machine.read();
     EXPECT_THAT(scripted.workers.waits, Contains(SlowHealth::kSeconds));
+}
+
+TEST(ProbedMachine, AsksAWorkerForTheNetworkOnlyWhereItMayHang) {
+    static auto& scripted = *new ScriptedMachine;
+    static auto& machine = *new ProbedMachine(scripted.sources(), Options{});
+    const auto waitsForSensors = [] {
+        const auto waits = std::exchange(scripted.workers.waits, {});
+        return std::ranges::count(waits, platform::kSensorPatience);
+    };
+    machine.read();
+    const auto before = waitsForSensors();
+    scripted.networkInterfaces.hangs = true;
+    machine.read();
+    EXPECT_EQ(waitsForSensors(), before + 1);
 }
 
 TEST(ProbedMachine, EndsItsSources) {
