@@ -2,9 +2,7 @@
 // Marks the button that has the keyboard's focus.
 #pragma once
 
-#include <QWidget>
-
-#include "ui/qt/theme.h"
+#include "ui/qt/ring_widget.h"
 
 namespace tarnwick::qt {
 
@@ -12,7 +10,7 @@ class ButtonWidget;
 
 /// A ring around the focused button: outside its edges, above its siblings. Visible only if a key
 /// gave the focus.
-class FocusRing final : public QWidget {
+class FocusRing final : public RingWidget {
     Q_OBJECT
 
  public:
@@ -21,15 +19,9 @@ class FocusRing final : public QWidget {
     /// Moves to the place of the focused button.
     void follow();
 
- protected:
-    void paintEvent(QPaintEvent* event) override;
-
  private:
     /// The button of the parent that shows its focus; null without one.
     const ButtonWidget* focusedButton() const;
-
-    const Theme& theme_;
-    int corner_ = 0;
 };
 
 }  // namespace tarnwick::qt

@@ -2,9 +2,6 @@
 #include "ui/qt/settings_focus_ring.h"
 
 #include <QFocusEvent>
-#include <QPainter>
-
-#include "ui/qt/grid.h"
 
 namespace tarnwick::qt {
 
@@ -18,11 +15,7 @@ bool isByKey(Qt::FocusReason reason) {
 }  // namespace
 
 SettingsFocusRing::SettingsFocusRing(const Theme& theme, QWidget* parent)
-    : QWidget(parent), theme_(theme) {
-    setObjectName("focusRing");
-    setAttribute(Qt::WA_TransparentForMouseEvents);
-    hide();
-}
+    : RingWidget(theme, parent) {}
 
 void SettingsFocusRing::watchControls() {
     for (QWidget* widget : parentWidget()->findChildren<QWidget*>()) {
@@ -70,23 +63,9 @@ void SettingsFocusRing::follow() {
         hide();
         return;
     }
-    constexpr int margin = grid::kFocusGap + grid::kFocusRing;
     const QRect rect = shape->focusRect();
-    corner_ = shape->focusCorner() + margin;
-    setGeometry(QRect(control_->mapTo(parentWidget(), rect.topLeft()), rect.size())
-                    .adjusted(-margin, -margin, margin, margin));
-    raise();
-    show();
-    update();
-}
-
-void SettingsFocusRing::paintEvent(QPaintEvent*) {
-    QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(QPen(theme_.color(ColorRole::accent), grid::kFocusRing));
-    constexpr qreal inset = grid::kFocusRing / 2.0;
-    const qreal radius = corner_ - inset;
-    painter.drawRoundedRect(QRectF(rect()).adjusted(inset, inset, -inset, -inset), radius, radius);
+    surround(QRect(control_->mapTo(parentWidget(), rect.topLeft()), rect.size()),
+             shape->focusCorner());
 }
 
 }  // namespace tarnwick::qt

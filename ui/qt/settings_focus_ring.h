@@ -3,9 +3,8 @@
 #pragma once
 
 #include <QPointer>
-#include <QWidget>
 
-#include "ui/qt/theme.h"
+#include "ui/qt/ring_widget.h"
 
 namespace tarnwick::qt {
 
@@ -22,7 +21,7 @@ class FocusShape {
 
 /// A ring around the focused control among all descendants of its parent, drawn above them. Visible
 /// only if a key gave the focus.
-class SettingsFocusRing final : public QWidget {
+class SettingsFocusRing final : public RingWidget {
     Q_OBJECT
 
  public:
@@ -33,14 +32,11 @@ class SettingsFocusRing final : public QWidget {
 
  protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
-    void paintEvent(QPaintEvent* event) override;
 
  private:
     void follow();
 
-    const Theme& theme_;
     QPointer<QWidget> control_;
-    qreal corner_ = 0;
 };
 
 }  // namespace tarnwick::qt
