@@ -23,11 +23,14 @@ class TimedSource {
     /// For so many readings in a row the last record stands for one that did not come.
     static constexpr int kReadingsWithoutAnswer = 3;
 
-    /// `patience` is in seconds. Requires: `workers` outlives this object.
-    TimedSource(Workers& workers, double patience) : workers_(workers), patience_(patience) {}
+    /// `patience` is in seconds. With no `readingsWithoutAnswer` only what comes in time counts,
+    /// for who has to know whether an answer came. Requires: `workers` outlives this object.
+    TimedSource(Workers& workers, double patience,
+                int readingsWithoutAnswer = kReadingsWithoutAnswer)
+        : workers_(workers), patience_(patience), readingsWithoutAnswer_(readingsWithoutAnswer) {}
 
     /// What `ask` returns. If it does not return in time or cannot be started: the last record, for
-    /// up to kReadingsWithoutAnswer readings in a row; then absent, as where there is none. While
+    /// up to `readingsWithoutAnswer` readings in a row; then absent, as where there is none. While
     /// it has not returned, it is not asked again and no longer waited for. What comes late counts
     /// as the last record. What `ask` uses must live until it returns, which may be never.
     std::optional<Record> read(std::function<Record()> ask) {
@@ -52,7 +55,7 @@ class TimedSource {
                 return last_;
             }
         }
-        if (missed_ == kReadingsWithoutAnswer) {
+        if (missed_ == readingsWithoutAnswer_) {
             last_.reset();
         } else {
             ++missed_;
@@ -80,6 +83,7 @@ class TimedSource {
 
     Workers& workers_;
     const double patience_;
+    const int readingsWithoutAnswer_;
     std::mutex lock_;
     // Guarded by lock_.
     /// Where the worker that is out will leave its record; null while none is out.

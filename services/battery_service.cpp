@@ -61,8 +61,9 @@ platform::UserDefaults& BatteryService::standardDefaults() {
 BatteryService::ReadHealth BatteryService::systemHealth() {
     using Reading = std::optional<HealthReading>;
     auto& health = *platform::current().batteryHealth;
+    // An attempt without an answer has failed: no earlier reading stands for it.
     const auto source = std::make_shared<platform::TimedSource<Reading>>(
-        *platform::current().workers, health.longestReading());
+        *platform::current().workers, health.longestReading(), 0);
     return [&health, source] {
         return source->read([&health] { return health.readHealth(); }).value_or(std::nullopt);
     };

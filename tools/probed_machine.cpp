@@ -150,7 +150,7 @@ struct ProbedMachine::Samplers {
     // The sources that may hang.
     TimedSource<StorageInfo> volume{workers, platform::kSourcePatience};
     TimedSource<std::optional<BatteryInfo>> supplies{workers, platform::kSourcePatience};
-    TimedSource<std::optional<HealthReading>> health{workers, batteryHealth.longestReading()};
+    TimedSource<std::optional<HealthReading>> health{workers, batteryHealth.longestReading(), 0};
     TimedSource<std::string> names{workers, platform::kSourcePatience};
     TimedSource<ThresholdReading> settings{workers, platform::kSourcePatience};
     TimedSource<std::int64_t> zones{workers, platform::kSensorPatience};

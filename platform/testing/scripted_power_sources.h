@@ -24,6 +24,9 @@ class ScriptedPowerSources final : public PowerSources, public BatteryHealth {
         Answers<std::optional<HealthReading>> readHealth{std::nullopt};
     } answers;
 
+    /// What longestReading() tells.
+    double healthTakes = kSourcePatience;
+
     /// Names of the operations called since the start or the last clearCalls(), in order.
     std::vector<std::string> calls() const { return calls_.all(); }
     void clearCalls() { calls_.clear(); }
@@ -32,6 +35,7 @@ class ScriptedPowerSources final : public PowerSources, public BatteryHealth {
     std::optional<std::int64_t> cycleCount() override;
     std::string identity() override;
     std::optional<HealthReading> readHealth() override;
+    double longestReading() const override { return healthTakes; }
 
  private:
     CallRecord calls_;

@@ -50,6 +50,21 @@ TEST_F(TimedSourceTest, WithoutAnyRecordNothingStands) {
     EXPECT_EQ(read(), std::nullopt);
 }
 
+TEST_F(TimedSourceTest, WithNoReadingsToStandForOnlyWhatComesInTimeCounts) {
+    source = std::make_unique<TimedSource<int>>(workers, 0.25, 0);
+    EXPECT_EQ(read(), 1);
+    workers.hangs = true;
+    EXPECT_EQ(read(), std::nullopt);
+    workers.comeBack();
+    // What came late is none, either.
+    EXPECT_EQ(read(), std::nullopt);
+    workers.hangs = false;
+    workers.comeBack();
+    EXPECT_EQ(read(), 1);
+    workers.refuses = true;
+    EXPECT_EQ(read(), std::nullopt);
+}
+
 TEST_F(TimedSourceTest, IsWaitedForOnceAndNeverAskedByTwo) {
     workers.hangs = true;
     for (int reading = 0; reading < 100; ++reading) {

@@ -30,7 +30,11 @@ namespace {
 /// Workers whose work comes back at once or, while they hang, when the test lets it.
 class HangingWorkers final : public platform::Workers {
  public:
+    /// How long each piece of work was, or would have been, waited for.
+    std::vector<double> waits{};
+
     Outcome run(std::function<void()> work, double seconds) override {
+        waits.push_back(seconds);
         if (!hangs_) {
             return platform::noWorkers().run(std::move(work), seconds);
         }
@@ -63,6 +67,7 @@ struct Machine {
     static Machine& installed() {
         static Machine& machine = *[] {
             auto* made = new Machine;
+            made->powerSources.healthTakes = 4;
             platform::Platform platform;
             platform.kernel = &made->kernel;
             platform.networkInterfaces = &made->networkInterfaces;
@@ -180,6 +185,36 @@ TEST(SharedServices, TheBatteryServiceWaitsForNoQuestionToADriverThatHangs) {
     EXPECT_THAT(machine.powerSources.calls(), testing::IsEmpty());
     machine.workers.comeBack();
     EXPECT_THAT(machine.powerSources.calls(), testing::Contains("descriptions"));
+}
+
+TEST(SharedServices, TheBatteryServiceWaitsAsLongAsEachSourceMayTake) {
+    Machine& machine = Machine::installed();
+    machine.powerSources.answers.descriptions.set(std::vector{
+        platform::PowerSourceDescription{.type = "InternalBattery", .currentCapacity = 63}});
+    machine.workers.waits.clear();
+    BatteryService::shared()->currentBatteryInfo(true);
+    // What it does now, and which one it is.
+    EXPECT_THAT(machine.workers.waits, testing::ElementsAre(1, 1));
+    machine.workers.waits.clear();
+    BatteryService::shared()->batteryInfoWithHealth(true);
+    EXPECT_THAT(machine.workers.waits, testing::ElementsAre(machine.powerSources.healthTakes));
+}
+
+TEST(SharedServices, AHealthThatDoesNotAnswerIsAFailedAttempt) {
+    Machine& machine = Machine::installed();
+    machine.powerSources.answers.descriptions.set(std::vector{
+        platform::PowerSourceDescription{.type = "InternalBattery", .currentCapacity = 63}});
+    machine.powerSources.answers.readHealth.set(HealthReading{.health = 87, .condition = "Fair"});
+    BatteryService service;
+    service.currentBatteryInfo(true);
+    EXPECT_EQ(service.batteryInfoWithHealth(true).health, 87);
+    EXPECT_EQ(machine.store.boolean("battery.lastAttemptFailed"), false);
+    machine.workers.hang();
+    EXPECT_EQ(service.batteryInfoWithHealth(true).health, 87);
+    EXPECT_EQ(machine.store.boolean("battery.lastAttemptFailed"), true);
+    machine.workers.comeBack();
+    service.batteryInfoWithHealth(true);
+    EXPECT_EQ(machine.store.boolean("battery.lastAttemptFailed"), false);
 }
 
 TEST(SharedServices, TheBatteryServicePausesOnTheMonotonicClock) {
