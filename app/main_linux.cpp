@@ -117,7 +117,7 @@ class Machine {
             .processInfo = new platform::LinuxProcessInfo(),
             .powerSources = powerSources,
             .batteryHealth = powerSources,
-            .processTable = new platform::LinuxProcessTable(),
+            .processTable = new platform::LinuxProcessTable("/", workers_),
             .userDefaults = &userDefaults_,
             .loginService = new platform::PatientLoginService(
                 std::make_shared<platform::AutostartLoginService>(runningProgram(), environment),

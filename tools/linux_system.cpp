@@ -63,7 +63,7 @@ std::variant<Sources, UsageError> makeSources(const Options& options) {
                     .processInfo = new platform::LinuxProcessInfo(root),
                     .powerSources = powerSources,
                     .batteryHealth = powerSources,
-                    .processTable = new platform::LinuxProcessTable(root),
+                    .processTable = new platform::LinuxProcessTable(root, *workers),
                     .workers = workers},
         .end = [threads] { threads->reset(); },
     };

@@ -117,12 +117,16 @@ bool listProcessIdentifiers(const std::string& folder, std::vector<std::int32_t>
     return isWhole;
 }
 
-LinuxProcessTable::LinuxProcessTable(std::string root)
+LinuxProcessTable::LinuxProcessTable(std::string root, Workers& workers)
     : LinuxProcessTable(std::move(root),
-                        applicationSources([](const char* name) { return std::getenv(name); })) {}
+                        applicationSources([](const char* name) { return std::getenv(name); }),
+                        workers) {}
 
-LinuxProcessTable::LinuxProcessTable(std::string root, ApplicationSources applications)
-    : root_(std::move(root)), sources_(std::move(applications)) {}
+LinuxProcessTable::LinuxProcessTable(std::string root, ApplicationSources applications,
+                                     Workers& workers)
+    : root_(std::move(root)),
+      sources_(std::move(applications)),
+      folders_(workers, kSensorPatience, 0) {}
 
 ProcessListing LinuxProcessTable::forEachProcess(const Visit& visit) {
     const std::lock_guard guard(walkLock_);
@@ -163,14 +167,7 @@ std::optional<RunningApplication> LinuxProcessTable::runningApplication(std::int
     }
     const std::lock_guard guard(entriesLock_);
     for (const std::string& name : unit->entries) {
-        const auto [known, isNew] = entries_.try_emplace(name);
-        std::optional<DesktopEntry>& entry = known->second;
-        if (isNew) {
-            if (const auto text = desktopEntryFile(root_, sources_.dataFolders, name)) {
-                entry = parseDesktopEntry(*text, sources_.localeSuffixes);
-            }
-        }
-        if (entry) {
+        if (const std::optional<DesktopEntry> entry = entryNamed(name)) {
             return RunningApplication{
                 .activationPolicy = entry->isShown ? RunningApplication::kRegularPolicy
                                                    : RunningApplication::kAccessoryPolicy,
@@ -178,6 +175,21 @@ std::optional<RunningApplication> LinuxProcessTable::runningApplication(std::int
         }
     }
     return std::nullopt;
+}
+
+std::optional<DesktopEntry> LinuxProcessTable::entryNamed(const std::string& name) {
+    if (const auto known = entries_.find(name); known != entries_.end()) {
+        return known->second;
+    }
+    // Copies, because a worker that hangs may outlive this object.
+    const auto answer = folders_.read([root = root_, sources = sources_, name] {
+        const auto text = desktopEntryFile(root, sources.dataFolders, name);
+        return text ? parseDesktopEntry(*text, sources.localeSuffixes) : std::nullopt;
+    });
+    if (!answer) {
+        return std::nullopt;
+    }
+    return entries_[name] = *answer;
 }
 
 bool LinuxProcessTable::isOfFirstProgram(std::int32_t identifier, const std::string& group) {

@@ -14,6 +14,7 @@
 #include "platform/linux/files/kept_file.h"
 #include "platform/testing/recording_log.h"
 #include "platform/testing/scripted_kernel.h"
+#include "platform/testing/scripted_workers.h"
 #include "services/application_name.h"
 #include "services/process_service.h"
 #include "tests/platform/linux/child_process.h"
@@ -325,6 +326,27 @@ TEST_F(LinuxProcessTableTest, EntriesAreForgottenWithTheCaches) {
     table.releaseCaches();
     EXPECT_EQ(table.runningApplication(7)->localizedName, "New");
     EXPECT_EQ(table.runningApplication(8)->localizedName, "B");
+}
+
+TEST_F(LinuxProcessTableTest, EntriesOnADiskThatHangsHoldNothingUp) {
+    install("a", "Name=A\n");
+    install("b", "Name=B\n");
+    runIn(7, "app-a-1.scope");
+    runIn(8, "app-b-1.scope");
+    testing::ScriptedWorkers workers;
+    LinuxProcessTable patient(tree.root(), {.dataFolders = {"/usr/share"}, .localeSuffixes = {}},
+                              workers);
+    EXPECT_EQ(patient.runningApplication(7)->localizedName, "A");
+    workers.hangs = true;
+    for (int refresh = 0; refresh < 5; ++refresh) {
+        EXPECT_FALSE(patient.runningApplication(8));
+        // What is known needs no disk.
+        EXPECT_EQ(patient.runningApplication(7)->localizedName, "A");
+    }
+    EXPECT_THAT(workers.waits, ElementsAre(kSensorPatience));
+    workers.hangs = false;
+    workers.comeBack();
+    EXPECT_EQ(patient.runningApplication(8)->localizedName, "B");
 }
 
 TEST_F(LinuxProcessTableTest, AnApplicationThatTheUserRemovedIsNone) {
