@@ -31,8 +31,9 @@ class NetworkInterfaces {
  public:
     virtual ~NetworkInterfaces() = default;
 
-    /// Every interface that is up and is not a loopback; empty when there is none. All entries
-    /// belong to one reading. Absent when no source worked. Any thread.
+    /// Every interface that is up and is not a loopback; empty when there is none. Linux leaves out
+    /// those whose bytes go through another one. All entries belong to one reading. Absent when no
+    /// source worked. Any thread.
     virtual std::optional<InterfaceTable> interfaceCounters() = 0;
     /// Whether interfaceCounters() may wait for something else than the kernel, perhaps for ever.
     /// Does not wait itself. Any thread.

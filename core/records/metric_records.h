@@ -152,7 +152,7 @@ struct BatteryInfo {
     bool hasPercentage = true;
 };
 
-/// The sum of all network interfaces that are up, without loopback.
+/// The sum of the network interfaces that are up and count, never of the loopback.
 struct NetworkInfo {
     /// Receive rate over the last interval, bytes per second.
     double downloadBytesPerSecond = 0;
