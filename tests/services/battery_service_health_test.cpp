@@ -285,6 +285,8 @@ TEST_F(BatteryHealthCache, WithoutAConditionInTheStoreTheHealthIsDue) {
 
 TEST_F(BatteryHealthCache, WithoutADateInTheStoreTheHealthIsDue) {
     store->set(kConditionKey, std::string("Normal"));
+    // Also for a board whose clock begins in 1970 at each start.
+    wallTime = 100;
     restart();
     see(makeBattery(63));
     EXPECT_TRUE(isHealthDue());
