@@ -16,6 +16,17 @@ void AppDelegate::applicationDidFinishLaunching() {
 }
 
 void AppDelegate::present(const std::shared_ptr<Presentation>& presentation) {
+    if (!presentation->settings.isLoaded()) {
+        presentation->untilLoaded =
+            presentation->settings.objectWillChange([weak = std::weak_ptr(presentation)] {
+                const auto self = weak.lock();
+                if (self && self->settings.isLoaded()) {
+                    self->dispatch.async([self] { present(self); });
+                }
+            });
+        return;
+    }
+    presentation->untilLoaded.cancel();
     if (!presentation->settings.presentInitialSettingsIfNeeded()) {
         return;
     }

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 
+#include "core/records/published.h"
 #include "platform/dispatch.h"
 #include "settings/user_settings.h"
 
@@ -23,7 +24,8 @@ class AppDelegate {
     AppDelegate(UserSettings& settings, platform::Dispatch& dispatch,
                 std::function<void()> showSettingsWindow, std::function<bool()> toggleMenuBarPanel);
 
-    /// Queues the first-launch presentation, so that it runs after the item is up.
+    /// Queues the first-launch presentation, so that it runs after the item is up. It waits for
+    /// settings that are not loaded yet: a user who is known would be greeted as a new one.
     void applicationDidFinishLaunching();
 
     /// Call this when the user opened the panel in another way. The greeting then no longer toggles
@@ -38,6 +40,8 @@ class AppDelegate {
         std::function<void()> showSettingsWindow;
         std::function<bool()> toggleMenuBarPanel;
         bool leavesPanelAlone = false;
+        /// While the settings are waited for.
+        Subscription untilLoaded{};
     };
 
     static void present(const std::shared_ptr<Presentation>& presentation);

@@ -41,6 +41,9 @@ class UserDefaults {
     /// Whether all that is stored is known. False while the store cannot be read: what it holds
     /// then comes as an external change.
     virtual bool isComplete() { return true; }
+    /// Whether the store has been asked and has answered, be it that it cannot be read. Until then
+    /// every value is absent; the answer comes as an external change.
+    virtual bool hasAnswered() { return true; }
     /// Each is absent when there is no value or it has another type.
     std::optional<bool> boolean(std::string_view key);
     std::optional<std::int64_t> integer(std::string_view key);

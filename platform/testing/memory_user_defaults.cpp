@@ -18,6 +18,20 @@ void MemoryUserDefaults::set(std::string_view key, const DefaultsValue& value) {
     writes_.emplace_back(key, value);
 }
 
+bool MemoryUserDefaults::contains(std::string_view key) {
+    return !isComplete() || object(key).has_value();
+}
+
+bool MemoryUserDefaults::isComplete() {
+    const std::lock_guard guard(lock_);
+    return !isSlow_;
+}
+
+void MemoryUserDefaults::beSlow() {
+    const std::lock_guard guard(lock_);
+    isSlow_ = true;
+}
+
 MemoryUserDefaults::Values MemoryUserDefaults::values() const {
     const std::lock_guard guard(lock_);
     return values_;
@@ -36,6 +50,7 @@ void MemoryUserDefaults::clearWrites() {
 void MemoryUserDefaults::changeFromOutside(const Values& values) {
     {
         const std::lock_guard guard(lock_);
+        isSlow_ = false;
         for (const auto& [key, value] : values) {
             values_.insert_or_assign(key, value);
         }

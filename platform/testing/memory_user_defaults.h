@@ -26,6 +26,9 @@ class MemoryUserDefaults final : public UserDefaults {
 
     std::optional<DefaultsValue> object(std::string_view key) override;
     void set(std::string_view key, const DefaultsValue& value) override;
+    bool contains(std::string_view key) override;
+    bool isComplete() override;
+    bool hasAnswered() override { return isComplete(); }
     Subscription onExternalChange(std::function<void()> observer) override {
         return external_.observe(std::move(observer));
     }
@@ -36,6 +39,8 @@ class MemoryUserDefaults final : public UserDefaults {
     /// nothing.
     std::vector<Write> writes() const;
     void clearWrites();
+    /// From here on like a store on a slow disk: what it holds comes with changeFromOutside().
+    void beSlow();
     /// As somebody else would, in the store itself; announced when all is in there. Main thread.
     void changeFromOutside(const Values& values);
     /// As if `key` had never been stored.
@@ -45,6 +50,7 @@ class MemoryUserDefaults final : public UserDefaults {
     mutable std::mutex lock_;
     Values values_;
     std::vector<Write> writes_;
+    bool isSlow_ = false;
     Announcer external_;
 };
 

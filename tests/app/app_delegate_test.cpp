@@ -20,9 +20,10 @@ using testing::ElementsAre;
 
 class AppDelegateTest : public testing::Test {
  protected:
-    AppDelegate makeDelegate() {
+    AppDelegate makeDelegate() { return makeDelegate(settings); }
+    AppDelegate makeDelegate(UserSettings& of) {
         return AppDelegate(
-            settings, dispatch, [this] { steps.push_back("settings"); },
+            of, dispatch, [this] { steps.push_back("settings"); },
             [this] {
                 steps.push_back("panel");
                 attemptTimes.push_back(dispatch.now());
@@ -53,6 +54,54 @@ TEST_F(AppDelegateTest, SecondLaunchOpensNeither) {
     settings.setHasPresentedInitialSettings(true);
     AppDelegate delegate = makeDelegate();
     delegate.applicationDidFinishLaunching();
+    dispatch.advance(10);
+    EXPECT_THAT(steps, ElementsAre());
+}
+
+TEST_F(AppDelegateTest, SecondLaunchOpensNeitherWhereTheSettingsComeLate) {
+    MemoryUserDefaults slow;
+    slow.beSlow();
+    UserSettings late(slow, loginService);
+    AppDelegate delegate = makeDelegate(late);
+    delegate.applicationDidFinishLaunching();
+    dispatch.advance(10);
+    // Of itself a change says nothing of what is stored.
+    late.setShortcutRegistrationState(RegistrationState::failed);
+    dispatch.advance(10);
+    EXPECT_THAT(slow.writes(), ElementsAre());
+    slow.changeFromOutside({{"settings.hasPresentedInitialSettings", true}});
+    dispatch.advance(10);
+    EXPECT_THAT(steps, ElementsAre());
+}
+
+TEST_F(AppDelegateTest, FirstLaunchWaitsForSettingsThatComeLateAndStoresNoShortcut) {
+    MemoryUserDefaults slow;
+    slow.beSlow();
+    UserSettings late(slow, loginService);
+    AppDelegate delegate = makeDelegate(late);
+    delegate.applicationDidFinishLaunching();
+    dispatch.advance(10);
+    EXPECT_THAT(steps, ElementsAre());
+    slow.changeFromOutside({});
+    dispatch.advance(10);
+    EXPECT_THAT(steps, ElementsAre("settings", "panel"));
+    EXPECT_EQ(slow.text("settings.menuBarDisplayMode"), "advanced");
+    EXPECT_FALSE(slow.contains("settings.shortcutKeyCode"));
+    late.setCPUHigh(91);
+    dispatch.advance(10);
+    EXPECT_THAT(steps, ElementsAre("settings", "panel"));
+}
+
+TEST_F(AppDelegateTest, ADelegateThatIsGoneWaitsForNoSettings) {
+    MemoryUserDefaults slow;
+    slow.beSlow();
+    UserSettings late(slow, loginService);
+    {
+        AppDelegate delegate = makeDelegate(late);
+        delegate.applicationDidFinishLaunching();
+        dispatch.runMain();
+    }
+    slow.changeFromOutside({});
     dispatch.advance(10);
     EXPECT_THAT(steps, ElementsAre());
 }

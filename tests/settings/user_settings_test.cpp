@@ -497,6 +497,23 @@ TEST_F(UserSettingsTest, AFirstLaunchFlagThatIsFalseOrIllTypedMigratesNothing) {
     }
 }
 
+TEST_F(UserSettingsTest, AStoreThatComesLateIsMigratedThenAndOnce) {
+    store.beSlow();
+    const UserSettings settings(store, service);
+    EXPECT_FALSE(settings.isLoaded());
+    service.setStatus(platform::LoginServiceStatus::enabled);
+    store.changeFromOutside({{"settings.hasPresentedInitialSettings", true}});
+    EXPECT_TRUE(settings.isLoaded());
+    EXPECT_THAT(
+        store.writes(),
+        ElementsAre(Pair("settings.shortcutKeyCode", DefaultsValue(std::int64_t{37})),
+                    Pair("settings.shortcutModifiers", DefaultsValue(std::int64_t{1048576})),
+                    Pair("settings.launchOnLogin", DefaultsValue(true))));
+    store.remove("settings.shortcutKeyCode");
+    store.changeFromOutside({{"settings.cpuHighThreshold", 70.0}});
+    EXPECT_EQ(settings.shortcutKeyCode(), -1);
+}
+
 TEST_F(UserSettingsTest, TheMigrationComesBeforeTheLoginItem) {
     store.set("settings.hasPresentedInitialSettings", true);
     service.setStatus(platform::LoginServiceStatus::enabled);

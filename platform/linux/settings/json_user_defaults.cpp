@@ -42,6 +42,11 @@ bool JsonUserDefaults::isComplete() {
     return isKnown_;
 }
 
+bool JsonUserDefaults::hasAnswered() {
+    const std::lock_guard guard(channel_->lock);
+    return hasAnswered_;
+}
+
 std::optional<Date> JsonUserDefaults::date(std::string_view key) {
     const auto seconds = number(key);
     return seconds ? std::optional(Date{*seconds}) : std::nullopt;
@@ -116,7 +121,7 @@ void JsonUserDefaults::takeOutcome() {
     isRunning_ = false;
     fileName_ = outcome.fileName;
     suspect_ = outcome.suspect.value_or(FileStamp{});
-    const bool isFirst = outcome.contents && !isKnown_;
+    const bool isFirst = !std::exchange(hasAnswered_, true) || (outcome.contents && !isKnown_);
     if (outcome.contents) {
         isKnown_ = true;
         base_ = *outcome.contents;

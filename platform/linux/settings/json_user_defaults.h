@@ -54,6 +54,7 @@ class JsonUserDefaults final : public UserDefaults {
     bool contains(std::string_view key) override;
     /// False until the file has been read; there may be something under every key then.
     bool isComplete() override;
+    bool hasAnswered() override;
     std::optional<Date> date(std::string_view key) override;
     [[nodiscard]] Subscription onExternalChange(std::function<void()> observer) override;
 
@@ -103,6 +104,8 @@ class JsonUserDefaults final : public UserDefaults {
     SettingsValues fresh_;
     /// The file has been read, or there was none.
     bool isKnown_ = false;
+    /// An exchange has come to its end.
+    bool hasAnswered_ = false;
     bool isTurnQueued_ = false;
     bool isRunning_ = false;
     /// What came too late for the exchange that is running.

@@ -386,6 +386,21 @@ TEST_F(JsonUserDefaultsPlace, WhatIsSetAfterAnEditWinsThoughAnEarlierValueYielde
     EXPECT_EQ(contentsOf(file), "{\n  \"a\": 11\n}\n");
 }
 
+TEST_F(JsonUserDefaultsPlace, ThatItCannotBeReadIsAnAnswer) {
+    std::filesystem::create_directory(file);
+    const auto store = begin();
+    int announced = 0;
+    const auto observation = store->onExternalChange([&] { ++announced; });
+    EXPECT_FALSE(store->hasAnswered());
+    dispatch.runMain();
+    EXPECT_TRUE(store->hasAnswered());
+    EXPECT_FALSE(store->isComplete());
+    EXPECT_EQ(announced, 1);
+    store->set("key", true);
+    dispatch.runMain();
+    EXPECT_EQ(announced, 1);
+}
+
 TEST_F(JsonUserDefaultsPlace, WithoutAThreadItIsReadAndWrittenWithTheNextSet) {
     putContents(file, R"({"old": 1})");
     dispatch.refuseDetached(true);
