@@ -147,6 +147,10 @@ class Fronts(unittest.TestCase):
                 with self.subTest(front=front, decision=name):
                     self.assertTrue(re.search(rf"\b{name}\b", text), "is not asked for")
 
+    def test_appkit_has_every_mark_of_a_level_before_its_figure(self):
+        marks = re.findall(r"@\[ _mark, (\w+) \]|@\[ \w+, (_mark) \]", source("appkit"))
+        self.assertEqual(sorted(marks), [("_trailing", ""), ("_value", "")])
+
     def test_appkit_takes_a_press_anywhere_on_the_card_of_a_switch(self):
         card = (ROOT / "ui/appkit/switch_card.mm").read_text()
         for needed in ("hitTest:", "mouseUp:", "performClick:"):

@@ -68,7 +68,7 @@ using tarnwick::UsageBar;
                         owner:self
                      userData:nullptr];
         NSStackView* texts = [[NSStackView alloc] initWithFrame:NSZeroRect];
-        makeColumn(texts, @[ _title, blockRow(@[ _value, _mark ], @[], grid::kMarkGap) ],
+        makeColumn(texts, @[ _title, blockRow(@[ _mark, _value ], @[], grid::kMarkGap) ],
                    TrendRow::kTextSpacing);
         self.orientation = NSUserInterfaceLayoutOrientationHorizontal;
         self.alignment = NSLayoutAttributeCenterY;
