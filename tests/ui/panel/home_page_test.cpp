@@ -483,9 +483,11 @@ TEST_F(HomePage, TopCPUAppsAreAbsentJustBelowTheHighThreshold) {
     EXPECT_FALSE(contains(page, "topCPU"));
 }
 
-TEST_F(HomePage, TopCPUAppsAreAbsentForAUsageThatIsNoNumber) {
+TEST_F(HomePage, TopCPUAppsGoByTheUsageBeforeItIsClamped) {
     in.cpuInfo.usagePercentage = kNaN;
     EXPECT_FALSE(contains(build(), "topCPU"));
+    in.cpuInfo.usagePercentage = kInfinity;
+    EXPECT_TRUE(contains(build(), "topCPU"));
 }
 
 TEST_F(HomePage, TopCPUAppsAreThereBeforeAnyProcessIs) {

@@ -131,6 +131,32 @@ TEST_F(PanelDrawing, ATrendHasItsValueTwoPointsBelowItsTitleAtTheLeft) {
     EXPECT_EQ(startOfValue - endOfTitle, 2);
 }
 
+TEST_F(PanelDrawing, ALevelHasItsMarkBeforeItsFigureInBarsAndTrends) {
+    const auto isMarked = [this](const QImage& seen, std::string_view mark, Tint tint, int x) {
+        for (int y = 0; y + grid::kMarkSize <= seen.height(); ++y) {
+            if (showsSymbol(seen, mark, theme.color(tint), QPoint(x, y), grid::kMarkSize,
+                            ground())) {
+                return true;
+            }
+        }
+        return false;
+    };
+    constexpr int room = grid::kMarkSize + grid::kMarkGap;
+    for (const auto& [tint, mark] : {std::pair{Tint::yellow, "info.circle.fill"},
+                                     {Tint::red, "exclamationmark.triangle.fill"}}) {
+        show({{"bar", 0, UsageBar{"CPU", "cpu", 91, "91.0%", tint}},
+              {"trend", 12, TrendRow{"CPU", "91%", {1, 2, 3}, tint}}});
+        const QImage trend = picture(find("trend"));
+        EXPECT_TRUE(isMarked(trend, mark, tint, 0)) << mark;
+        EXPECT_TRUE(baseline(trend, FontRole::captionMedium, ColorRole::text, "91%", room)) << mark;
+        const QImage bar = picture(find("bar"));
+        const qreal figure = bar.width() - theme.style(FontRole::caption).width("91.0%");
+        EXPECT_TRUE(isMarked(bar, mark, tint, static_cast<int>(figure - room))) << mark;
+        EXPECT_TRUE(showsSymbol(bar, "cpu", theme.color(ColorRole::text), QPoint(0, 0),
+                                grid::kSymbolSize, ground()));
+    }
+}
+
 TEST_F(PanelDrawing, EveryButtonShowsItsSymbol) {
     show(home);
     for (const auto& [name, symbol] :

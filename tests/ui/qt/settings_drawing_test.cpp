@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <set>
 
 #include "tests/ui/qt/drawn.h"
 #include "tests/ui/qt/pointer.h"
 #include "tests/ui/qt/settings_widget_fixture.h"
+#include "ui/qt/settings_buttons.h"
 #include "ui/qt/settings_cards.h"
 #include "ui/qt/settings_label.h"
 #include "ui/qt/settings_mode_card.h"
@@ -107,6 +109,82 @@ TEST_F(SettingsDrawing, TheSelectedModeHasAFilledRadioInTheAccentColour) {
     expectSelected("mode.advanced", "mode.iconOnly");
 }
 
+TEST_F(SettingsDrawing, EachModeHasAStripThatShowsTheItemInIt) {
+    struct Strip {
+        const char* card;
+        const char* symbol;
+        Tint tint;
+        const char* text;
+    };
+    for (const bool isDark : {false, true}) {
+        theme.setDark(isDark);
+        catchUp();
+        const TextStyle& style = theme.style(FontRole::subheadlineMedium);
+        for (const Strip& each :
+             {Strip{"mode.iconOnly", "checkmark.circle.fill", Tint::green, ""},
+              Strip{"mode.advanced", "info.circle.fill", Tint::yellow, "RAM 80%"}}) {
+            SCOPED_TRACE(each.card);
+            auto* strip = find(each.card)->findChild<DisplayModePreviewWidget*>();
+            ASSERT_NE(strip, nullptr);
+            const QImage seen = picture(strip);
+            const QColor ground = seen.pixelColor(20, 4);
+            const QString text = each.text;
+            const int size = theme.scaled(15);
+            const int x = static_cast<int>(
+                (strip->width() - size - (text.isEmpty() ? 0 : 6 + style.width(text))) / 2);
+            EXPECT_TRUE(showsSymbol(seen, each.symbol, theme.color(each.tint),
+                                    QPoint(x, (strip->height() - size) / 2), size, ground));
+            EXPECT_EQ(baselineOf(seen, style, theme.color(ColorRole::text), "RAM 80%", x + size + 6,
+                                 ground)
+                          .has_value(),
+                      !text.isEmpty());
+        }
+    }
+}
+
+TEST_F(SettingsDrawing, TitlesOfCardsAreHeadlinesAndWhatExplainsThemAreCaptions) {
+    const std::set<std::string> headlines = {
+        "Icon Only",          "Advanced",
+        "Launch on login",    "Global Shortcut",
+        "CPU Usage",          "GPU Usage",
+        "Memory Usage",       "Storage Usage",
+        "Tarnwick",           "Remind restart after a week",
+        "Private by design",  "Quietly in the background",
+        "Resource conscious",
+    };
+    std::set<std::string> found;
+    for (const TabItem& item : kTabs) {
+        select(item.tab);
+        for (const SettingsLabel* label : visible<SettingsLabel>()) {
+            const std::string text = label->accessibleName().toStdString();
+            if (headlines.contains(text)) {
+                found.insert(text);
+                EXPECT_EQ(label->font(), theme.style(FontRole::headline).font()) << text;
+            } else if (text.ends_with('.')) {
+                EXPECT_EQ(label->font(), theme.style(FontRole::caption).font()) << text;
+            }
+        }
+    }
+    EXPECT_EQ(found, headlines);
+}
+
+TEST_F(SettingsDrawing, ResetAndClearHaveABorderAndLinksHaveNone) {
+    storeShortcut(37, kCommand);
+    const auto hasBorder = [this](QWidget* button) {
+        const QImage seen = picture(button);
+        const QColor ground = theme.color(ColorRole::card);
+        return seen.pixelColor(seen.width() / 2, 0) != ground &&
+               seen.pixelColor(0, seen.height() / 2) != ground;
+    };
+    EXPECT_TRUE(hasBorder(find("clear")));
+    select(Tab::customize);
+    EXPECT_TRUE(hasBorder(find("reset")));
+    select(Tab::about);
+    for (SettingsButton* link : visible<SettingsButton>()) {
+        EXPECT_FALSE(hasBorder(link));
+    }
+}
+
 TEST_F(SettingsDrawing, EveryTabHasItsSymbolAboveItsLabel) {
     for (const TabItem& item : kTabs) {
         select(item.tab);
@@ -157,6 +235,30 @@ TEST_F(SettingsDrawing, ItemsOfTheGeneralTabStandTwelvePointsApart) {
     EXPECT_THAT(headings(), ElementsAre("Appearance", "System"));
     expectAbove("Appearance", find("mode.iconOnly"));
     expectAbove("System", find("switch")->parentWidget());
+}
+
+TEST_F(SettingsDrawing, ANoticeAboutTheItemTakesRoomOnlyWhileThereIsOne) {
+    platform::StatusItemNotice notice;
+    widget.reset();
+    SettingsViewEnvironment environment{dispatch, layout};
+    environment.itemNotice = &notice;
+    widget = std::make_unique<SettingsWidget>(settings, theme, environment, KeyCodes());
+    widget->setFixedSize(520, 500);
+    widget->show();
+    catchUp();
+    const auto card = [this] { return visible<NoticeCardWidget>(); };
+    EXPECT_TRUE(card().isEmpty());
+    const int top = find("mode.iconOnly")->y();
+    notice.text.set("no tray");
+    catchUp();
+    ASSERT_EQ(card().size(), 1);
+    EXPECT_TRUE(shows(symbols(card()[0]).at(0), "exclamationmark.triangle.fill", Tint::orange));
+    EXPECT_GT(find("mode.iconOnly")->y(), top);
+    notice.text.set({});
+    catchUp();
+    EXPECT_TRUE(card().isEmpty());
+    EXPECT_EQ(find("mode.iconOnly")->y(), top);
+    widget.reset();
 }
 
 TEST_F(SettingsDrawing, SectionsOfTheCustomizeTabStandFurtherApart) {
