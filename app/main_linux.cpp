@@ -159,7 +159,9 @@ qt::SettingsContentEnvironment settingsEnvironment(platform::LinuxStatusItem& it
                      .program = {TARNWICK_VERSION, TARNWICK_BUILD_VERSION},
                      .openAddress =
                          [](const std::string& address) {
-                             QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
+                             qt::afterFoldersOfPrograms(*platform::current().dispatch, [address] {
+                                 QDesktopServices::openUrl(QUrl(QString::fromStdString(address)));
+                             });
                          },
                      .itemNotice = &item.notice(),
                      .shortcutTip = kShortcutTip,
@@ -200,6 +202,8 @@ class Program {
     platform::StatusItemActions itemActions();
     /// At the item or, where its place is not known, in a corner.
     QRect panelAnchor() const;
+    /// Calls `window`, which shows one, now or as soon as the files that it needs answer.
+    void show(const std::function<void()>& window);
     void openPanel();
     void perform(platform::Request request);
     void quit();
@@ -216,6 +220,7 @@ class Program {
     TarnwickApp app_;
     MenuBarView view_;
     qt::PanelWindow panel_;
+    qt::FirstWindows firstWindows_;
     platform::ActivityMonitor activityMonitor_;
     const platform::ReducedMotion reducedMotion_;
     const platform::SleepSignals sleepSignals_;
@@ -241,6 +246,7 @@ Program::Program(QApplication& application, const platform::StartConditions& con
                               }}),
       view_(app_.statsManager(), panelTargets()),
       panel_(view_, theme_, *platform::current().dispatch),
+      firstWindows_(*platform::current().dispatch),
       // An open panel would lie over the monitor and hold the pointer.
       activityMonitor_(conditions, *platform::current().dispatch, [this] { panel_.close(); }),
       reducedMotion_(bus, [this](bool isReduced) { panel_.setMotionReduced(isReduced); }),
@@ -248,7 +254,7 @@ Program::Program(QApplication& application, const platform::StartConditions& con
     item_.setActions(itemActions());
     instance_.setPerform([this](platform::Request request, const QString& activationToken) {
         item_.keepActivationToken(activationToken);
-        perform(request);
+        show([this, request] { perform(request); });
         item_.giveActivationTokenBack();
     });
     QObject::connect(&panel_, &qt::PanelWindow::widgetsFreed, giveBackMemory);
@@ -295,15 +301,17 @@ PanelTargets Program::panelTargets() {
 }
 
 platform::StatusItemActions Program::itemActions() {
-    return {.click =
-                [this] {
-                    app_.appDelegate().panelWasAskedFor();
-                    panel_.click(panelAnchor());
-                },
-            .toggle = [this] { panel_.toggle(panelAnchor()); },
+    const auto shown = [this](std::function<void()> window) {
+        return [this, window = std::move(window)] { show(window); };
+    };
+    return {.click = shown([this] {
+                app_.appDelegate().panelWasAskedFor();
+                panel_.click(panelAnchor());
+            }),
+            .toggle = shown([this] { panel_.toggle(panelAnchor()); }),
             .refresh = [this] { app_.statsManager().refreshNow(); },
-            .openPanel = [this] { openPanel(); },
-            .showSettings = [this] { app_.showSettingsWindow(); },
+            .openPanel = shown([this] { openPanel(); }),
+            .showSettings = shown([this] { app_.showSettingsWindow(); }),
             .quit = [this] { quit(); }};
 }
 
@@ -314,6 +322,19 @@ QRect Program::panelAnchor() const {
     const QScreen* screen = QGuiApplication::primaryScreen();
     return qt::cornerAnchor(screen->geometry(), screen->availableGeometry(),
                             item_.isUsuallyAtTheBottom());
+}
+
+void Program::show(const std::function<void()>& window) {
+    if (firstWindows_.areRead()) {
+        window();
+        return;
+    }
+    // The permission to come to the front waits with the window.
+    firstWindows_.show([this, window, token = item_.takeActivationToken()] {
+        item_.keepActivationToken(token);
+        window();
+        item_.giveActivationTokenBack();
+    });
 }
 
 void Program::openPanel() {

@@ -38,10 +38,10 @@ _TRY = 'bindfs "$1" "$1" && umount "$1"'
 
 
 class StuckDiskTest(DesktopTestCase):
-    def start_on(self, folders, machine=""):
+    def start_on(self, folders, machine="", **options):
         """The program, known to its user, with a server for each folder; on a recorded machine.
 
-        The servers are listed in `servers`.
+        `options` are those of the desktop. The servers are listed in `servers`.
         """
         for tool in ("bindfs", "fusermount3"):
             if shutil.which(tool) is None or not os.path.exists("/dev/fuse"):
@@ -51,7 +51,9 @@ class StuckDiskTest(DesktopTestCase):
                                    capture_output=True)
         if tried.returncode:
             self.skipTest("this machine lacks the right to mount file systems")
-        self.open_desktop(accessibility=True)
+        self.open_desktop(accessibility=True, **options)
+        # As the home of many users, it holds programs, too.
+        self.desktop.env["PATH"] = self.desktop.path("home/bin") + ":" + self.desktop.env["PATH"]
         first = self.program("first").start()
         self.until(lambda: self.is_in_store("settings.hasPresentedInitialSettings"),
                    "the greeting is over")
@@ -74,19 +76,19 @@ class StuckDiskTest(DesktopTestCase):
         for server in servers:
             os.kill(server, signal.SIGSTOP)
 
-    def switch_login(self, program):
-        """Presses the switch that changes a file below the home."""
+    def use(self, program, role, name, action):
+        """Uses a control of the settings window, which is open."""
         with self.desktop.accessibility_bus() as bus:
-            def switched():
+            def used():
                 with contextlib.suppress(GLib.Error):
                     root = bus.program(program.pid)
-                    switch = root and root.find("check box", "Launch on login")
-                    if switch:
-                        switch.do("Toggle")
+                    control = root and root.find(role, name)
+                    if control:
+                        control.do(action)
                         return True
                 return False
 
-            self.until(switched, "the switch is pressed")
+            self.until(used, f"{name} is pressed")
 
     def lists_processes(self, program):
         with self.desktop.accessibility_bus() as bus, contextlib.suppress(GLib.Error):
@@ -95,9 +97,12 @@ class StuckDiskTest(DesktopTestCase):
                                             for each in root.descendants())
         return False
 
-    def assert_item_and_panel(self, program):
+    def assert_item(self, program):
         item = program.wait_for_item()
         self.until(lambda: self.desktop.bus.item_property(item, "Title"), "the item answers")
+
+    def assert_item_and_panel(self, program):
+        self.assert_item(program)
         program.open_panel()
         self.assert_open(program)
         self.wait_for_refresh(program)
@@ -113,8 +118,33 @@ class StuckDiskTest(DesktopTestCase):
         self.stop(program, self.servers)
         self.assert_item_and_panel(program)
         self.choose_settings(program)
-        self.switch_login(program)
+        # This changes a file below the home, and this looks for a browser.
+        self.use(program, "check box", "Launch on login", "Toggle")
+        self.use(program, "page tab", "About", "Press")
+        self.use(program, "link", "Learn More", "Press")
         self.wait_for_refresh(program)
+        self.assert_item_and_panel(program)
+        self.assert_quits(program)
+
+    def test_home_under_a_compositor(self):
+        # The toolkit reads below the home when the first window is shown.
+        program = self.start_on([], host="waybar")
+        self.stop(program, self.servers)
+        program.click_item()
+        # Both are asked for behind the click.
+        self.assert_item(program)
+        self.wait_for_refresh(program)
+        self.assertIsNone(program.panel())
+        for server in self.servers:
+            os.kill(server, signal.SIGCONT)
+        # The user has gone on since then.
+        self.wait_until_calm(program)
+        self.assertIsNone(program.panel())
+        panel = program.open_panel()
+        self.assert_open(program)
+        self.desktop.screen.move_pointer(panel.centre)
+        program.close_panel()
+        self.stop(program, self.servers)
         self.assert_item_and_panel(program)
         self.assert_quits(program)
 

@@ -167,10 +167,15 @@ void LinuxStatusItem::keepActivationToken(const QString& token) {
     activationToken_.start();
 }
 
-void LinuxStatusItem::giveActivationTokenBack() {
+QString LinuxStatusItem::takeActivationToken() {
     activationToken_.stop();
-    const QByteArray token = qgetenv(kActivationToken);
+    const QString token = qEnvironmentVariable(kActivationToken);
     qunsetenv(kActivationToken);
+    return token;
+}
+
+void LinuxStatusItem::giveActivationTokenBack() {
+    const QByteArray token = takeActivationToken().toUtf8();
     if (!token.isEmpty() && options_.giveTokenBack) {
         options_.giveTokenBack(token);
     }

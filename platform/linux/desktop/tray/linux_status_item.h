@@ -106,6 +106,9 @@ class LinuxStatusItem final : public QObject, public StatusItem {
     /// Keeps the compositor's permission to come to the front for the next window that is opened;
     /// an empty one changes nothing.
     void keepActivationToken(const QString& token);
+    /// For a window that is opened later; empty where there is none. keepActivationToken() takes it
+    /// again.
+    QString takeActivationToken();
     /// Gives it back to the compositor if no window has used it.
     void giveActivationTokenBack();
 
