@@ -161,6 +161,7 @@ class BusTest(DesktopTestCase):
 
     def test_a_client_sets_nothing_and_starts_nothing(self):
         self.start()
+        self.until(lambda: self.is_in_store("settings.shortcutKeyCode"), "the start is stored")
         before = self.settings()
         for path, interface, _ in self.introspected():
             for name in ("Title", "Status", "Version", "nothing"):
