@@ -2,6 +2,7 @@
 """The button that opens the desktop's own system monitor."""
 
 import contextlib
+import glob
 import os
 import resource
 import signal
@@ -37,8 +38,9 @@ Type=Application
 Name={name}
 Exec={program}
 """
-
-
+# They are looked at whatever the environment says.
+_OF_SANDBOXES = ("/var/lib/flatpak/exports/share/applications/*.desktop",
+                 "/var/lib/snapd/desktop/applications/*.desktop")
 # Open files; fewer than the program wants for itself.
 _LIMIT = 1000
 
@@ -151,12 +153,15 @@ class ActivityMonitorTest(DesktopTestCase):
         self.assertEqual(program.output(), "")
 
     def test_opens_another_where_the_desktop_has_none(self):
-        other = self.install("xfce4-taskmanager")
-        program = self.start("GNOME")
+        # The first of those that are not this desktop's own.
+        other = self.install("io.elementary.monitor")
+        program = self.start("LXDE")
         self.press_button(program)
         os.kill(int(self.told(other)[0].split()[1]), signal.SIGKILL)
 
     def test_does_nothing_where_none_is_installed(self):
+        if any(map(glob.glob, _OF_SANDBOXES)):
+            self.skipTest("this machine lacks a way to hide the applications of its sandboxes")
         program = self.start("GNOME")
         self.press_button(program)
         time.sleep(0.5)

@@ -71,8 +71,11 @@ TEST(ProbeFormats, JudgesByTheThresholdsOfTheUser) {
         return runShell(command + " 2>&1").output.find(line) != std::string::npos;
     };
     EXPECT_TRUE(says(mine + "--format prometheus", high));
-    // More than 2 % of any machine's memory are in use.
-    EXPECT_EQ(lines(runShell(mine).output).at(0)["summary"]["severity"], 2);
+    // An idle machine with much memory uses less than one percent of it.
+    const nlohmann::json sample = lines(runShell(mine).output).at(0);
+    const double percent =
+        100 * sample["memory"]["used"].get<double>() / sample["memory"]["total"].get<double>();
+    EXPECT_GE(sample["summary"]["severity"], percent >= 2 ? 2 : percent >= 1 ? 1 : 0);
     EXPECT_FALSE(says(mine + "--format prometheus --root " + recordedMachine("laptop"), high));
     const std::string named = " --thresholds " + home.root() + "/tarnwick/settings.json";
     EXPECT_TRUE(

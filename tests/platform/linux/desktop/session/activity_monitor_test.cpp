@@ -18,20 +18,20 @@ namespace {
 using testing::ManualDispatch;
 using testing::waitUntil;
 
-/// A machine whose only system monitor writes down the token that it is started with.
+/// A session whose own system monitor, which comes before any other that the machine may have,
+/// writes down the token that it is started with.
 class ActivityMonitorTest : public ::testing::Test {
  protected:
     void SetUp() override {
-        write("applications/btop.desktop",
+        write("applications/mate-system-monitor.desktop",
               "[Desktop Entry]\nType=Application\nName=Monitor\nExec=" + path("monitor") + "\n");
         write("monitor", "#!/bin/sh\necho \"token:$XDG_ACTIVATION_TOKEN\" >'" + path("written") +
                              ".part'\nmv '" + path("written") + ".part' '" + path("written") +
                              "'\n");
         QFile::setPermissions(path("monitor"), QFile::ReadOwner | QFile::ExeOwner);
-        for (const char* name : {"XDG_DATA_HOME", "XDG_DATA_DIRS"}) {
-            kept_.insert(name, qgetenv(name));
-            qputenv(name, folder_.path().toUtf8());
-        }
+        change("XDG_DATA_HOME", folder_.path());
+        change("XDG_DATA_DIRS", folder_.path());
+        change("XDG_CURRENT_DESKTOP", "MATE");
     }
     void TearDown() override {
         for (auto each = kept_.begin(); each != kept_.end(); ++each) {
@@ -43,6 +43,10 @@ class ActivityMonitorTest : public ::testing::Test {
         }
     }
 
+    void change(const char* variable, const QString& value) {
+        kept_.insert(variable, qgetenv(variable));
+        qputenv(variable, value.toUtf8());
+    }
     QString path(const QString& name) const { return folder_.filePath(name); }
     void write(const QString& name, const QString& text) const {
         QDir().mkpath(QFileInfo(path(name)).path());
