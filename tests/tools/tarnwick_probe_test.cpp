@@ -305,6 +305,16 @@ TEST(Probe, ASourceThatHangsHoldsUpNoOther) {
     EXPECT_EQ(sample["storage"][0]["name"], "home");
 }
 
+TEST(Probe, EntriesOfApplicationsThatHangHoldUpNothing) {
+    if (*SANITIZED != '\0') {
+        GTEST_SKIP() << "the sanitizers want to be loaded first";
+    }
+    const MachineTree tree("developer");
+    const Outcome result = runStuck(tree, "/usr/share/applications", "", "--limit 9");
+    EXPECT_EQ(result.status, 0) << result.output;
+    EXPECT_EQ(lines(result.output).at(0)["topMemoryProcesses"].size(), 9U);
+}
+
 TEST(Probe, ABatteryThatBeginsToHangHoldsUpNothing) {
     if (*SANITIZED != '\0') {
         GTEST_SKIP() << "the sanitizers want to be loaded first";

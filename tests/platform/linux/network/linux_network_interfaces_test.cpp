@@ -48,6 +48,17 @@ TEST(LinuxNetworkInterfaces, MayHangUntilAReadingHasSeenThatNoProgramServesTheFi
     EXPECT_FALSE(recordedFiles.mayHang());
 }
 
+TEST(LinuxNetworkInterfaces, MayHangAgainAfterAReadingThatFailed) {
+    MachineTree tree("laptop");
+    LinuxNetworkInterfaces interfaces(tree.root());
+    ASSERT_TRUE(interfaces.interfaceCounters());
+    ASSERT_FALSE(interfaces.mayHang());
+    // The one that comes in its place may be served by a program.
+    tree.truncate("proc/net/dev", 10);
+    EXPECT_FALSE(interfaces.interfaceCounters());
+    EXPECT_TRUE(interfaces.mayHang());
+}
+
 TEST(LinuxNetworkInterfaces, TheWorkstationHasACableBesideItsGuests) {
     EXPECT_THAT(recorded("workstation"),
                 Optional(InterfaceTable{{2, {1'204'877'310'554, 96'620'448'817, false}}}));
