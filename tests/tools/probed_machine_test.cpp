@@ -27,7 +27,12 @@ class SlowHealth final : public platform::BatteryHealth {
  public:
     static constexpr double kSeconds = 4;
 
-    std::optional<platform::HealthReading> readHealth() override { return std::nullopt; }
+    int readings = 0;
+
+    std::optional<platform::HealthReading> readHealth() override {
+        ++readings;
+        return platform::HealthReading{.health = 90};
+    }
     double longestReading() const override { return kSeconds; }
 };
 
@@ -41,9 +46,14 @@ class SteadyProcessInfo final : public platform::ProcessInfo {
 class PatientWorkers final : public platform::Workers {
  public:
     std::vector<double> waits{};
+    /// While true, no thread can be started.
+    bool refuses = false;
 
     Outcome run(std::function<void()> work, double seconds) override {
         waits.push_back(seconds);
+        if (refuses) {
+            return Outcome::refused;
+        }
         work();
         return Outcome::ended;
     }
@@ -99,6 +109,20 @@ TEST(ProbedMachine, WaitsForTheHealthAsLongAsItsSourceAsks) {
     static auto& machine = *new ProbedMachine(scripted.sources(), Options{});
     machine.read();
     EXPECT_THAT(scripted.workers.waits, Contains(SlowHealth::kSeconds));
+}
+
+TEST(ProbedMachine, AsksForTheHealthAgainSoonAfterAnAttemptWithoutAnAnswer) {
+    static auto& scripted = *new ScriptedMachine;
+    static auto& machine = *new ProbedMachine(scripted.sources(), Options{});
+    machine.read();
+    scripted.kernel.advance(86'400);
+    scripted.workers.refuses = true;
+    machine.read();
+    scripted.workers.refuses = false;
+    EXPECT_EQ(scripted.batteryHealth.readings, 1);
+    scripted.kernel.advance(300);
+    machine.read();
+    EXPECT_EQ(scripted.batteryHealth.readings, 2);
 }
 
 TEST(ProbedMachine, AsksAWorkerForTheNetworkOnlyWhereItMayHang) {
