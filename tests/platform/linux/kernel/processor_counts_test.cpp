@@ -52,9 +52,9 @@ TEST(ProcessorCounts, AllBeginAtZeroAgainWhereOneWouldWrap) {
     counts.words({{0, {}}, {1, {}}});
     EXPECT_THAT(counts.words({{0, {5, 0, 0, most}}, {1, {6, 0, 0, 7}}}),
                 ElementsAre(5, 0, most, 0, 6, 0, 7, 0));
-    EXPECT_THAT(counts.words({{0, {6, 0, 0, most + 200ULL}}, {1, {6, 0, 0, 207}}}),
+    EXPECT_THAT(counts.words({{0, {6, 0, 0, most + 1ULL}}, {1, {6, 0, 0, 207}}}),
                 ElementsAre(0, 0, 0, 0, 0, 0, 0, 0));
-    EXPECT_THAT(counts.words({{0, {7, 0, 0, most + 399ULL}}, {1, {8, 0, 0, 407}}}),
+    EXPECT_THAT(counts.words({{0, {7, 0, 0, most + 200ULL}}, {1, {8, 0, 0, 407}}}),
                 ElementsAre(1, 0, 199, 0, 2, 0, 200, 0));
 }
 
