@@ -121,7 +121,7 @@ class Machine {
             .userDefaults = &userDefaults_,
             .loginService = new platform::PatientLoginService(
                 std::make_shared<platform::AutostartLoginService>(runningProgram(), environment),
-                workers_),
+                workers_, dispatch_),
             .hotKeys = platform::makeHotKeys(bus, *keyboardLayout, dispatch_).release(),
             .keyboardLayout = keyboardLayout,
             .byteCountFormatter = new platform::PlainByteCountFormatter(),

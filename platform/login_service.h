@@ -2,8 +2,11 @@
 // Whether the system starts the program when the user logs in.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
+
+#include "core/records/published.h"
 
 namespace tarnwick::platform {
 
@@ -12,7 +15,7 @@ enum class LoginServiceStatus {
     enabled = 1,
     requiresApproval = 2,
     notFound = 3,
-    /// The system does not answer now.
+    /// The system does not answer now. It may answer later, see onLateAnswer().
     unanswered = 4,
 };
 
@@ -30,6 +33,13 @@ class LoginService {
     virtual std::optional<LoginServiceError> registerService() = 0;
     /// Returns an error, or nothing on success.
     virtual std::optional<LoginServiceError> unregisterService() = 0;
+
+    /// Calls `observer` when the system has answered a call that had ended without an answer:
+    /// status() then tells what is so now. Never where every call is answered.
+    [[nodiscard]] virtual Subscription onLateAnswer(
+        [[maybe_unused]] std::function<void()> observer) {
+        return Subscription();
+    }
 };
 
 /// For a system that cannot start programs at login: never registered; both operations return an

@@ -78,6 +78,7 @@ UserSettings::UserSettings(platform::UserDefaults& store, platform::LoginService
     : store_(store), loginService_(loginService), logger_(logger) {
     settle();
     storeSubscription_ = store_.onExternalChange([this] { storeDidChange(); });
+    loginSubscription_ = loginService_.onLateAnswer([this] { syncLoginItemState(); });
 }
 
 UserSettings& UserSettings::shared() {

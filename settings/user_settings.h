@@ -125,7 +125,8 @@ class UserSettings final : public ObservableObject {
     /// stores `advanced`.
     bool presentInitialSettingsIfNeeded();
 
-    /// Sets the start-at-login preference to what the system will do.
+    /// Sets the start-at-login preference to what the system will do. Where the system does not
+    /// answer, once it has answered.
     void syncLoginItemState();
     /// Registers or unregisters the program as the preference says. If the system refuses, resets
     /// the preference to the system's state.
@@ -147,6 +148,7 @@ class UserSettings final : public ObservableObject {
     bool settledLaunchOnLogin_ = false;
     bool isSettled_ = false;
     Subscription storeSubscription_;
+    Subscription loginSubscription_;
 };
 
 }  // namespace tarnwick

@@ -2,10 +2,12 @@
 // A login service with answers from a test.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <utility>
 #include <vector>
 
+#include "core/records/published.h"
 #include "platform/login_service.h"
 
 namespace tarnwick::platform::testing {
@@ -31,6 +33,14 @@ class ScriptedLoginService final : public LoginService {
     LoginServiceStatus status() override;
     std::optional<LoginServiceError> registerService() override;
     std::optional<LoginServiceError> unregisterService() override;
+    [[nodiscard]] Subscription onLateAnswer(std::function<void()> observer) override {
+        return late_.observe(std::move(observer));
+    }
+    /// The system answers at last: its status is this one now.
+    void answerLate(LoginServiceStatus status) {
+        status_ = status;
+        late_.announce();
+    }
 
     /// Every call so far, in order.
     const std::vector<Call>& calls() const { return calls_; }
@@ -41,6 +51,7 @@ class ScriptedLoginService final : public LoginService {
     std::optional<LoginServiceError> registerError_;
     std::optional<LoginServiceError> unregisterError_;
     std::vector<Call> calls_;
+    Announcer late_;
 };
 
 }  // namespace tarnwick::platform::testing

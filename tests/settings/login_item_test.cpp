@@ -66,6 +66,23 @@ TEST_F(LoginItem, ASystemThatDoesNotAnswerLeavesThePreference) {
     EXPECT_TRUE(log.lines().empty());
 }
 
+TEST_F(LoginItem, AnAnswerThatComesLateIsSyncedThen) {
+    service.setStatus(LoginServiceStatus::unanswered);
+    store.set(kKey, true);
+    UserSettings settings(store, service, platform::Logger(log));
+    service.answerLate(LoginServiceStatus::notRegistered);
+    EXPECT_FALSE(settings.launchOnLogin());
+    EXPECT_THAT(log.lines(), ElementsAre(Pair(LogLevel::info, "Synced login item state: 0")));
+    // As after a change whose failure comes late.
+    settings.setLaunchOnLogin(true);
+    service.setStatus(LoginServiceStatus::unanswered);
+    service.setRegisterError(LoginServiceError{"later"});
+    settings.updateLoginItem();
+    EXPECT_TRUE(settings.launchOnLogin());
+    service.answerLate(LoginServiceStatus::notRegistered);
+    EXPECT_FALSE(settings.launchOnLogin());
+}
+
 TEST_F(LoginItem, EnabledElsewhereTurnsThePreferenceOnAtLaunch) {
     store.set(kKey, false);
     service.setStatus(LoginServiceStatus::enabled);

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/linux/settings/patient_login_service.h"
 
+#include <atomic>
+#include <type_traits>
 #include <utility>
 
 namespace tarnwick::platform {
@@ -14,10 +16,22 @@ LoginServiceError lateError() {
 
 }  // namespace
 
-PatientLoginService::PatientLoginService(std::shared_ptr<LoginService> service, Workers& workers)
-    : service_(std::move(service)), workers_(workers) {}
+/// Shared with a worker that may come back when nobody waits any more.
+template <class Answer>
+struct PatientLoginService::Question {
+    std::optional<Answer> answer{};
+    std::atomic<bool> isBack{false};
+    std::atomic<bool> isLate{false};
+};
+
+PatientLoginService::PatientLoginService(std::shared_ptr<LoginService> service, Workers& workers,
+                                         Dispatch& dispatch)
+    : service_(std::move(service)), workers_(workers), dispatch_(dispatch) {}
 
 LoginServiceStatus PatientLoginService::status() {
+    if (lateStatus_) {
+        return *lateStatus_;
+    }
     return ask<LoginServiceStatus>([](LoginService& service) { return service.status(); })
         .value_or(LoginServiceStatus::unanswered);
 }
@@ -34,21 +48,49 @@ Change PatientLoginService::unregisterService() {
 
 template <class Answer>
 std::optional<Answer> PatientLoginService::ask(std::function<Answer(LoginService&)> question) {
-    if (!isBack_->load()) {
+    if (!isBack_()) {
         return std::nullopt;
     }
-    const auto isBack = std::make_shared<std::atomic<bool>>(false);
-    const auto answer = std::make_shared<std::optional<Answer>>();
+    const auto asked = std::make_shared<Question<Answer>>();
+    const auto tell = [asked, &dispatch = dispatch_, weak = std::weak_ptr(self_)] {
+        dispatch.async([asked, weak] {
+            const auto self = weak.lock();
+            if (!self) {
+                return;
+            }
+            if constexpr (std::is_same_v<Answer, LoginServiceStatus>) {
+                (*self)->tellLate(asked->answer);
+            } else {
+                (*self)->tellLate(std::nullopt);
+            }
+        });
+    };
     const Workers::Outcome outcome = workers_.run(
-        [service = service_, isBack, answer, question = std::move(question)] {
-            *answer = question(*service);
-            isBack->store(true);
+        [service = service_, asked, tell, question = std::move(question)] {
+            asked->answer = question(*service);
+            asked->isBack = true;
+            if (asked->isLate) {
+                tell();
+            }
         },
         kPatience);
     if (outcome != Workers::Outcome::refused) {
-        isBack_ = isBack;
+        isBack_ = [asked] { return asked->isBack.load(); };
     }
-    return outcome == Workers::Outcome::ended ? *answer : std::nullopt;
+    if (outcome == Workers::Outcome::late) {
+        asked->isLate = true;
+        // It may have come back in between. To tell twice does no harm.
+        if (asked->isBack) {
+            tell();
+        }
+    }
+    return outcome == Workers::Outcome::ended ? asked->answer : std::nullopt;
+}
+
+void PatientLoginService::tellLate(std::optional<LoginServiceStatus> status) {
+    lateStatus_ = status;
+    late_.announce();
+    lateStatus_.reset();
 }
 
 }  // namespace tarnwick::platform

@@ -5,12 +5,14 @@
 #include <memory>
 #include <vector>
 
+#include "platform/testing/manual_dispatch.h"
 #include "platform/testing/scripted_login_service.h"
 #include "platform/testing/scripted_workers.h"
 
 namespace tarnwick::platform {
 namespace {
 
+using testing::ManualDispatch;
 using testing::ScriptedLoginService;
 using testing::ScriptedWorkers;
 using Call = ScriptedLoginService::Call;
@@ -20,7 +22,8 @@ class PatientLogin : public ::testing::Test {
     std::shared_ptr<ScriptedLoginService> inner =
         std::make_shared<ScriptedLoginService>(LoginServiceStatus::enabled);
     ScriptedWorkers workers;
-    PatientLoginService service{inner, workers};
+    ManualDispatch dispatch;
+    PatientLoginService service{inner, workers, dispatch};
 };
 
 TEST_F(PatientLogin, PassesOnWhatComesInTime) {
@@ -57,6 +60,44 @@ TEST_F(PatientLogin, AsksAgainOnceTheWorkerIsBack) {
     workers.comeBack();
     EXPECT_EQ(inner->calls(), std::vector{Call::unregisterService});
     EXPECT_EQ(service.status(), LoginServiceStatus::notRegistered);
+}
+
+TEST_F(PatientLogin, TellsOfALateAnswerAndWhatItWasWithoutAskingAgain) {
+    std::vector<LoginServiceStatus> told;
+    const auto observation = service.onLateAnswer([&] { told.push_back(service.status()); });
+    workers.hangs = true;
+    service.status();
+    workers.comeBack();
+    EXPECT_TRUE(told.empty());
+    dispatch.runMain();
+    EXPECT_EQ(told, std::vector{LoginServiceStatus::enabled});
+    EXPECT_EQ(inner->calls(), std::vector{Call::status});
+    // After a change nothing is known, so the status is asked for: late, too, and told once more.
+    EXPECT_TRUE(service.unregisterService());
+    workers.comeBack();
+    dispatch.runMain();
+    workers.comeBack();
+    dispatch.runMain();
+    EXPECT_EQ(told, (std::vector{LoginServiceStatus::enabled, LoginServiceStatus::unanswered,
+                                 LoginServiceStatus::notRegistered}));
+    workers.comeBack();
+    dispatch.runMain();
+    EXPECT_EQ(told.size(), 3U);
+}
+
+TEST_F(PatientLogin, TellsNothingOfWhatComesInTimeOrOnceItHasGone) {
+    int told = 0;
+    auto late = std::make_unique<PatientLoginService>(inner, workers, dispatch);
+    const auto observation = late->onLateAnswer([&] { ++told; });
+    late->status();
+    late->unregisterService();
+    dispatch.runMain();
+    workers.hangs = true;
+    late->status();
+    late.reset();
+    workers.comeBack();
+    dispatch.runMain();
+    EXPECT_EQ(told, 0);
 }
 
 TEST_F(PatientLogin, WithoutAThreadThereIsNoAnswerAndTheNextQuestionIsAsked) {
