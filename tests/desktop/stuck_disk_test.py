@@ -33,15 +33,18 @@ shift
 exec "$@"
 """
 
+# Stops these programs before the command begins.
+_STOPPED = ["sh", "-c", 'kill -STOP $(cat "$0"); exec "$@"']
 # Whether such a server can be had; it ends with its folder.
 _TRY = 'bindfs "$1" "$1" && umount "$1"'
 
 
 class StuckDiskTest(DesktopTestCase):
-    def start_on(self, folders, machine="", **options):
+    def start_on(self, folders, machine="", is_stopped=False, **options):
         """The program, known to its user, with a server for each folder; on a recorded machine.
 
-        `options` are those of the desktop. The servers are listed in `servers`.
+        Names of folders may be those of the desktop. `options` are those of the desktop. The
+        servers are listed in `servers`; they may be stopped from the beginning.
         """
         for tool in ("bindfs", "fusermount3"):
             if shutil.which(tool) is None or not os.path.exists("/dev/fuse"):
@@ -58,11 +61,12 @@ class StuckDiskTest(DesktopTestCase):
         self.until(lambda: self.is_in_store("settings.hasPresentedInitialSettings"),
                    "the greeting is over")
         self.assertEqual(first.end(), 0, first.output())
-        folders = folders or [self.desktop.path("home")]
+        folders = [self.desktop.path(each) for each in folders or ["home"]]
         numbers = self.desktop.path("servers")
+        stopped = [*_STOPPED, numbers] if is_stopped else []
         program = self.program(before=["unshare", "-m", "sh", "-c", _START, "sh", numbers,
                                        machine and os.path.join(_FIXTURES, machine, "sys"),
-                                       *folders, "--"]).start()
+                                       *folders, "--", *stopped]).start()
         program.wait_for_tray()
         with open(numbers, encoding="ascii") as file:
             self.servers = [int(line) for line in file]
@@ -146,6 +150,17 @@ class StuckDiskTest(DesktopTestCase):
         program.close_panel()
         self.stop(program, self.servers)
         self.assert_item_and_panel(program)
+        self.assert_quits(program)
+
+    def test_settings_that_come_late(self):
+        program = self.start_on(["home/.config/tarnwick"], is_stopped=True)
+        self.assertFalse(program.wait_for_greeting())
+        for server in self.servers:
+            os.kill(server, signal.SIGCONT)
+        # What a known user has from the second start on.
+        self.until(lambda: self.stored().get("settings.shortcutKeyCode") == 37,
+                   "the settings are taken over")
+        self.assertFalse(program.wait_for_greeting())
         self.assert_quits(program)
 
     def test_sensors(self):
