@@ -27,6 +27,18 @@ REFRESH_BYTES = 1000
 # Seconds in which a running refresh reads something, even on a busy machine.
 _CALM = 1.0
 _GREETING_ATTEMPTS = 5
+# kB; the text has the same length whatever the figures are.
+_MEMORY = 16_000_000
+_MEMINFO = f"""\
+MemTotal:       {_MEMORY:8d} kB
+MemFree:        {{free:8d}} kB
+MemAvailable:   {{free:8d}} kB
+Buffers:               0 kB
+Cached:                0 kB
+SwapTotal:             0 kB
+SwapFree:              0 kB
+AnonPages:      {{used:8d}} kB
+"""
 
 
 class DesktopTestCase(unittest.TestCase):
@@ -93,12 +105,22 @@ class DesktopTestCase(unittest.TestCase):
         except Timeout:
             self.fail(f"{what} is {found[0]!r} instead of {expected!r}")
 
-    @contextlib.contextmanager
-    def memory_in_use(self, share):
-        """Keeps this share of the machine's memory in use, in addition to what others use."""
-        held = b"x" * round(os.sysconf("SC_PHYS_PAGES") * os.sysconf("SC_PAGE_SIZE") * share)
-        yield
-        del held
+    def with_memory_in_use(self, share):
+        """The changes of the environment for a program that finds this share of the memory in use.
+
+        Whatever the machine has and others use; set_memory_in_use() changes it.
+        """
+        os.makedirs(self.desktop.path("machine/proc"))
+        self.set_memory_in_use(share)
+        return {"LD_PRELOAD": os.environ["TARNWICK_STUCK_LIBRARY"],
+                "TARNWICK_OTHER_FILES": self.desktop.path("machine")}
+
+    def set_memory_in_use(self, share):
+        used = round(_MEMORY * share)
+        file = os.open(self.desktop.path("machine/proc/meminfo"), os.O_WRONLY | os.O_CREAT, 0o600)
+        # In its place, because the program keeps the file open.
+        os.pwrite(file, _MEMINFO.format(used=used, free=_MEMORY - used).encode(), 0)
+        os.close(file)
 
     def press(self, program, name):
         """Presses a button of an open window as a screen reader does; the desktop has one."""

@@ -22,8 +22,7 @@ _HAIRLINE = 2
 _SETTLED = 0.5
 # For how long a hand holds the button in a click, seconds: usually, and when it is slow.
 _SLOW = (0.15, 0.6)
-# Memory is above its upper threshold with what these tests hold, and the rest hardly ever, so that
-# the text tells of that.
+# Memory is above its upper threshold, and the rest hardly ever, so that the text tells of that.
 _THRESHOLDS = {
     "settings.cpuModerateThreshold": 99.0,
     "settings.cpuHighThreshold": 100.0,
@@ -34,9 +33,8 @@ _THRESHOLDS = {
     "settings.storageModerateThreshold": 99.0,
     "settings.storageCriticalThreshold": 100.0,
 }
-# Of the machine's memory: what is held all the time, since an idle machine may use less than one
-# percent, and so much more that every whole percentage changes.
-_HELD = 0.04
+# Of the memory: what is in use, and then so much more that every whole percentage changes.
+_USED = 0.3
 _MORE = 0.015
 # The least that counts as seen: so much stronger is a colour's strongest part than its weakest, or
 # a letter than its ground; of so many pixels.
@@ -68,8 +66,7 @@ class HostsTest(DesktopTestCase):
         # The digits of the clock beside the small icons differ in width.
         self.slack = 2 if is_wide else 8
         self.open_desktop(host=host)
-        self.enterContext(self.memory_in_use(_HELD))
-        self.started = self.start_known_to_user(_THRESHOLDS)
+        self.started = self.start_known_to_user(_THRESHOLDS, **self.with_memory_in_use(_USED))
         self.check_item(is_wide)
         self.check_menu()
         self.check_menu_of_panel()
@@ -313,13 +310,13 @@ class HostsTest(DesktopTestCase):
 
         before = self.until(title, "the item has a title")
         self.assertIn(" RAM ", before)
-        with self.memory_in_use(_MORE):
-            self.until(lambda: title() not in (None, before), "the text follows the machine")
-            self.settle()
-            self.check_stays_in_place()
-            if is_wide:
-                self.until(self.shows_text, "the text is beside the icon")
-                self.keep("text")
+        self.set_memory_in_use(_USED + _MORE)
+        self.until(lambda: title() not in (None, before), "the text follows the machine")
+        self.settle()
+        self.check_stays_in_place()
+        if is_wide:
+            self.until(self.shows_text, "the text is beside the icon")
+            self.keep("text")
 
 
 main()

@@ -136,10 +136,12 @@ class PanelTest(DesktopTestCase):
         self.assertGreaterEqual(panel.x + panel.width, item[0])
 
     def test_shows_new_figures_while_open(self):
-        program = self.start_known_to_user()
+        program = self.start_known_to_user(**self.with_memory_in_use(0.3))
         program.open_panel()
         self.desktop.screen.move_pointer(self.desktop.nowhere)
+        self.wait_for_refresh(program)
         before = self.until(program.panel_picture, "the panel is open and drawn").tobytes()
+        self.set_memory_in_use(0.6)
 
         def has_changed():
             picture = program.panel_picture()

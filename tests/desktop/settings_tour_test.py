@@ -4,8 +4,7 @@
 import re
 
 from desktop_test_case import main
-from settings_tour_case import (HELD, HIGH_MEMORY, RECORDER, THRESHOLDS, SettingsTourCase,
-                                least_of)
+from settings_tour_case import HIGH_MEMORY, RECORDER, THRESHOLDS, SettingsTourCase, least_of
 
 ACTIVE = "Shortcut active: "
 CONFLICT = "This shortcut is already in use. Choose a different combination."
@@ -70,7 +69,6 @@ class SettingsTourTest(SettingsTourCase):
         self.assert_not_said(TOO_MANY)
 
     def test_mouse_changes_everything(self):
-        self.enterContext(self.memory_in_use(HELD))
         # This host shows a text beside the icon.
         self.start_tour("mate-panel", HIGH_MEMORY)
         self.assert_state("radio button", "Advanced", "checked")
@@ -282,7 +280,6 @@ class SettingsTourTest(SettingsTourCase):
         move("high", "Down", 6, 94)
 
     def test_assistive_technology_alone_changes_everything(self):
-        self.enterContext(self.memory_in_use(HELD))
         self.start_tour(numbers=HIGH_MEMORY)
         self.keep_tree("General")
         self.control("radio button", "Icon Only").do("Press")

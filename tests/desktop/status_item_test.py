@@ -93,12 +93,12 @@ class StatusItemTest(DesktopTestCase):
     def test_follows_the_settings_file_while_it_runs(self):
         # This host shows the text in the item's picture.
         self.open_desktop(host="mate-panel")
-        self.enterContext(self.memory_in_use(0.04))
         program = self.start_known_to_user(
             {f"settings.{metric}{kind}Threshold": percent
              for metric, high in (("cpu", "High"), ("gpu", "High"), ("memory", "High"),
                                   ("storage", "Critical"))
-             for kind, percent in (("Moderate", 99), (high, 100))})
+             for kind, percent in (("Moderate", 99), (high, 100))},
+            **self.with_memory_in_use(0.3))
         item = program.wait_for_item()
 
         def pictures():

@@ -1,14 +1,19 @@
 // SPDX-License-Identifier: MIT
-// Preloaded into a program: files that hang as those of a dead disk or driver do.
+// Preloaded into a program: files that hang as those of a dead disk or driver do, and files of
+// another machine.
 //
 // TARNWICK_STUCK_FILES lists the beginnings of paths, with colons between them, and
 // TARNWICK_STUCK_VOLUMES more of them. While the file that TARNWICK_STUCK_WHILE names exists,
 // whoever opens one of the former or asks for the file system of one of the latter waits.
+//
+// TARNWICK_OTHER_FILES names a folder. A file that lies in it under its whole path is opened in the
+// place of the machine's own.
 #include <cstdarg>
 #include <cstdlib>
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <string>
 #include <string_view>
 #include <sys/statvfs.h>
 #include <unistd.h>
@@ -43,6 +48,12 @@ void waitWhileStuck(const char* path, const char* variable = "TARNWICK_STUCK_FIL
     }
 }
 
+std::string placeOf(const char* path) {
+    const char* const folder = std::getenv("TARNWICK_OTHER_FILES");
+    const std::string other = folder != nullptr ? std::string(folder) + path : "";
+    return !other.empty() && ::access(other.c_str(), F_OK) == 0 ? other : path;
+}
+
 mode_t modeOf(int flags, va_list arguments) {
     return (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
 }
@@ -57,7 +68,7 @@ int open(const char* path, int flags, ...) {
     const mode_t mode = modeOf(flags, arguments);
     va_end(arguments);
     waitWhileStuck(path);
-    return next<int (*)(const char*, int, mode_t)>("open")(path, flags, mode);
+    return next<int (*)(const char*, int, mode_t)>("open")(placeOf(path).c_str(), flags, mode);
 }
 
 int openat(int folder, const char* path, int flags, ...) {
