@@ -151,6 +151,10 @@ class Fronts(unittest.TestCase):
         marks = re.findall(r"@\[ _mark, (\w+) \]|@\[ \w+, (_mark) \]", source("appkit"))
         self.assertEqual(sorted(marks), [("_trailing", ""), ("_value", "")])
 
+    def test_appkit_lets_a_held_list_go_without_waiting_for_new_figures(self):
+        rows = (ROOT / "ui/appkit/process_list_view.mm").read_text()
+        self.assertRegex(rows, r"@selector\(letGo\) withObject:nil afterDelay:tarnwick::kLongestHold")
+
     def test_appkit_takes_a_press_anywhere_on_the_card_of_a_switch(self):
         card = (ROOT / "ui/appkit/switch_card.mm").read_text()
         for needed in ("hitTest:", "mouseUp:", "performClick:"):

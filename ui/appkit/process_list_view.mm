@@ -28,10 +28,8 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     std::vector<tarnwick::ProcessRow> _rows;
     /// From top to bottom, as shown.
     ProcessSlots _order;
-    /// Whether the pointer has moved over the rows, and when it began to hold them: seconds since
-    /// the system started.
+    /// Whether the pointer has moved over the rows.
     BOOL _isHeld;
-    NSTimeInterval _heldSince;
 }
 
 - (instancetype)initWithHeightChanged:(std::function<void()>)heightChanged {
@@ -67,8 +65,7 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
     }
     const ProcessSlots latest = [self latestOrder];
     // isUnderPointer, because a resting pointer sends no event when the list moves away from it.
-    _isHeld = _isHeld && [self isUnderPointer] &&
-              NSProcessInfo.processInfo.systemUptime - _heldSince < tarnwick::kLongestHold;
+    _isHeld = _isHeld && [self isUnderPointer];
     _order =
         _isHeld && !latest.empty() ? tarnwick::heldOrder(_order, [self latestProcesses]) : latest;
     [self showRows];
@@ -97,14 +94,26 @@ NSString* spokenRow(const tarnwick::appkit::RowContent& row) {
 }
 
 - (void)mouseMoved:(NSEvent*)event {
+    (void)event;
     if (!_isHeld) {
         _isHeld = YES;
-        _heldSince = event.timestamp;
+        [self forgetEndOfHold];
+        [self performSelector:@selector(letGo) withObject:nil afterDelay:tarnwick::kLongestHold];
     }
 }
 
 - (void)mouseExited:(NSEvent*)event {
     (void)event;
+    [self letGo];
+}
+
+- (void)forgetEndOfHold {
+    [NSObject cancelPreviousPerformRequestsWithTarget:self selector:@selector(letGo) object:nil];
+}
+
+/// Shows the latest order. A pointer that moves on holds that again.
+- (void)letGo {
+    [self forgetEndOfHold];
     _isHeld = NO;
     ProcessSlots latest = [self latestOrder];
     if (_order == latest) {
