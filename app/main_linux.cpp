@@ -15,10 +15,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "app/tarnwick_app.h"
 #include "platform/byte_count_text.h"
