@@ -120,6 +120,8 @@ class Program:
 
     def close_panel(self):
         """Closes the panel by a click on an empty place."""
+        # It is on the screen before it holds the pointer, and drawn after that.
+        until(self.panel_picture, "the panel is drawn")
         self.desktop.screen.click(self.desktop.nowhere)
         until(lambda: self.panel() is None, "the panel closes after a click outside")
         time.sleep(_SAME_CLICK)
@@ -172,10 +174,15 @@ def icon_colour(pictures):
 
 
 def is_drawn(picture):
-    """Whether a picture shows something: one or a few even colours count as nothing."""
-    colours = picture.getcolors(picture.width * picture.height)
+    """Whether a picture shows a panel: letters and bars on an even ground.
+
+    One or a few even colours count as nothing. So does the gradient of the screen, which shows
+    through a window until that is painted.
+    """
+    size = picture.width * picture.height
+    colours = picture.getcolors(size)
     ground = max(count for count, _ in colours)
-    return len(colours) >= 32 and ground < 0.99 * picture.width * picture.height
+    return len(colours) >= 32 and 0.3 * size < ground < 0.99 * size
 
 
 def _middle_of(picture, colour):
