@@ -56,7 +56,7 @@ void activate(xcb_window_t window) {
     xcb_flush(server);
 }
 
-bool grabPointer(xcb_window_t window) {
+bool isPointerFree(xcb_window_t window) {
     xcb_connection_t* server = connection();
     if (server == nullptr) {
         return false;
@@ -67,7 +67,12 @@ bool grabPointer(xcb_window_t window) {
             server, 1, window, XCB_EVENT_MASK_BUTTON_PRESS | XCB_EVENT_MASK_BUTTON_RELEASE,
             XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC, XCB_NONE, XCB_NONE, XCB_CURRENT_TIME),
         nullptr));
-    return reply != nullptr && reply->status == XCB_GRAB_STATUS_SUCCESS;
+    if (reply == nullptr || reply->status != XCB_GRAB_STATUS_SUCCESS) {
+        return false;
+    }
+    xcb_ungrab_pointer(server, XCB_CURRENT_TIME);
+    xcb_flush(server);
+    return true;
 }
 
 }  // namespace tarnwick::x11

@@ -33,8 +33,8 @@ xcb_window_t selectionOwner(xcb_connection_t* connection, const std::string& sel
 /// user is working with another program. Does nothing without an X server.
 void activate(xcb_window_t window);
 
-/// Grabs the pointer for a window. False without an X server, and while another program holds the
-/// pointer. The server releases the pointer when the window is hidden.
-bool grabPointer(xcb_window_t window);
+/// Whether the pointer could be grabbed for a visible window. False without an X server, and while
+/// any program holds the pointer, this one included.
+bool isPointerFree(xcb_window_t window);
 
 }  // namespace tarnwick::x11

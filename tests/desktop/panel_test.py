@@ -14,6 +14,8 @@ from desktop_test_case import (DARK, LIGHT, REFRESH_BYTES, DesktopTestCase, byte
 # The picture shows the panel with so many pixels on its left and below it.
 _README_PICTURE = pathlib.Path(__file__).parents[2] / "docs/screenshot.png"
 _README_MARGIN = 24
+# A request of the X protocol.
+_GRAB_POINTER = 26
 # Pixels: the buttons at the foot of the home page, without the rounded corners.
 _FOOT = 50
 
@@ -90,6 +92,16 @@ class PanelTest(DesktopTestCase):
         time.sleep(0.5)
         program.open_panel()
         self.assert_open(program)
+
+    def test_asks_once_for_a_pointer_that_nobody_holds(self):
+        self.start_known_to_user()
+        with self.desktop.screen.counted_requests(_GRAB_POINTER) as asked:
+            second = self.program("second").start()
+            self.until(lambda: not second.runs(), "the second start ends")
+            self.until(asked, "the panel asks for the pointer")
+            # By then it would have asked three times more.
+            time.sleep(0.5)
+            self.assertEqual(asked(), 1)
 
     def test_click_outside_closes_also_when_a_menu_was_open_as_it_opened(self):
         program = self.start_known_to_user()

@@ -116,13 +116,15 @@ void PanelPopup::popUp(const QRect& anchor) {
 
 // The toolkit grabs pointer and keyboard once, when the pop-up opens. That fails while another
 // program holds them: a tray host until the button is released, or a menu until it closes. The
-// toolkit does not notice a failed grab of the pointer, so this grabs it first.
+// toolkit does not notice a failed grab of the pointer, so this asks the server, which counts the
+// toolkit's own grab as another one.
 void PanelPopup::takeInput(int attempt) {
     if (!isVisible()) {
         return;
     }
     QWindow* window = windowHandle();
-    const bool hasPointer = x11::grabPointer(static_cast<xcb_window_t>(winId()));
+    window->setMouseGrabEnabled(false);
+    const bool hasPointer = x11::isPointerFree(static_cast<xcb_window_t>(winId()));
     window->setMouseGrabEnabled(true);
     const bool hasKeyboard = window->setKeyboardGrabEnabled(true);
     if ((!hasPointer || !hasKeyboard) && attempt < kInputAttempts) {

@@ -3,11 +3,12 @@
 
 import contextlib
 import dataclasses
+import threading
 import time
 
 from PIL import Image
 from Xlib import X, XK, Xatom, display, error
-from Xlib.ext import res, xtest
+from Xlib.ext import record, res, xtest
 
 _GONE = (error.BadWindow, error.BadDrawable, error.BadMatch, error.BadAccess)
 
@@ -227,6 +228,32 @@ class Screen:
     def release_pointer(self):
         self._display.ungrab_pointer(X.CurrentTime)
         self._display.sync()
+
+    @contextlib.contextmanager
+    def counted_requests(self, number):
+        """Counts the requests with this number of the core protocol that programs make meanwhile.
+
+        Gives a function that says how many there have been.
+        """
+        made = []
+        # The connection that listens can do nothing else.
+        listener = display.Display(self._display.get_display_name())
+        no_range = (0, 0)
+        context = listener.record_create_context(0, [record.AllClients], [{
+            "core_requests": (number, number), "core_replies": no_range,
+            "ext_requests": (0, 0, 0, 0), "ext_replies": (0, 0, 0, 0),
+            "delivered_events": no_range, "device_events": no_range, "errors": no_range,
+            "client_started": False, "client_died": False}])
+        thread = threading.Thread(target=listener.record_enable_context, args=(
+            context, lambda each: made.append(each) if each.category == record.FromClient else None))
+        thread.start()
+        try:
+            yield lambda: len(made)
+        finally:
+            self._display.record_disable_context(context)
+            self._display.sync()
+            thread.join()
+            listener.close()
 
     def picture(self, box=None):
         """A picture of the whole screen or of (left, top, right, bottom)."""
