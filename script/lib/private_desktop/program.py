@@ -90,7 +90,10 @@ class Program:
         """Where the item can be clicked, or None while it is not on the screen."""
         docked = self.docked_window()
         if docked is not None:
-            return docked.centre
+            # The tray shows the window before the program knows; a click meanwhile is lost.
+            picture = self.desktop.screen.picture(docked.box)
+            painted = sum(max(pixel) - min(pixel) >= _SATURATED for pixel in picture.getdata())
+            return docked.centre if painted >= _FEWEST_PIXELS else None
         item = self.desktop.bus.item_of(self.pid) if self.desktop.bus else None
         colour = item and icon_colour(self.desktop.bus.item_property(item, "IconPixmap"))
         if not colour:
