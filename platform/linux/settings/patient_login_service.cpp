@@ -48,14 +48,15 @@ Change PatientLoginService::unregisterService() {
 
 template <class Answer>
 std::optional<Answer> PatientLoginService::ask(std::function<Answer(LoginService&)> question) {
-    if (!isBack_()) {
+    if (!*isBack_) {
         return std::nullopt;
     }
     const auto asked = std::make_shared<Question<Answer>>();
     const auto tell = [asked, &dispatch = dispatch_, weak = std::weak_ptr(self_)] {
         dispatch.async([asked, weak] {
             const auto self = weak.lock();
-            if (!self) {
+            // What is asked later tells more, and may have changed what this answer says.
+            if (!self || (*self)->isBack_.get() != &asked->isBack) {
                 return;
             }
             if constexpr (std::is_same_v<Answer, LoginServiceStatus>) {
@@ -75,7 +76,7 @@ std::optional<Answer> PatientLoginService::ask(std::function<Answer(LoginService
         },
         kPatience);
     if (outcome != Workers::Outcome::refused) {
-        isBack_ = [asked] { return asked->isBack.load(); };
+        isBack_ = std::shared_ptr<const std::atomic<bool>>(asked, &asked->isBack);
     }
     if (outcome == Workers::Outcome::late) {
         asked->isLate = true;

@@ -2,6 +2,7 @@
 // A login service on a disk that may hang.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -18,7 +19,7 @@ namespace tarnwick::platform {
 ///
 /// While a question is under way, nothing else is asked: the status is `unanswered`, and a change
 /// is an error. A change whose answer came too late may still be made; observers of late answers
-/// are told then.
+/// are told then, unless something else has been asked by that time.
 class PatientLoginService final : public LoginService {
  public:
     /// Seconds; less than what people notice.
@@ -48,8 +49,8 @@ class PatientLoginService final : public LoginService {
     const std::shared_ptr<LoginService> service_;
     Workers& workers_;
     Dispatch& dispatch_;
-    /// Whether the last worker is back.
-    std::function<bool()> isBack_ = [] { return true; };
+    /// Whether the last worker is back; names the last question, too.
+    std::shared_ptr<const std::atomic<bool>> isBack_ = std::make_shared<std::atomic<bool>>(true);
     Announcer late_;
     /// The late answer while it is told, so that a slow disk is not asked again and again.
     std::optional<LoginServiceStatus> lateStatus_;

@@ -85,6 +85,19 @@ TEST_F(PatientLogin, TellsOfALateAnswerAndWhatItWasWithoutAskingAgain) {
     EXPECT_EQ(told.size(), 3U);
 }
 
+TEST_F(PatientLogin, TellsNothingThatIsOlderThanALaterAnswer) {
+    std::vector<LoginServiceStatus> told;
+    const auto observation = service.onLateAnswer([&] { told.push_back(service.status()); });
+    workers.hangs = true;
+    service.status();
+    workers.comeBack();
+    workers.hangs = false;
+    // Before the main queue comes to the late answer.
+    EXPECT_FALSE(service.unregisterService());
+    dispatch.runMain();
+    EXPECT_EQ(told, std::vector<LoginServiceStatus>{});
+}
+
 TEST_F(PatientLogin, TellsNothingOfWhatComesInTimeOrOnceItHasGone) {
     int told = 0;
     auto late = std::make_unique<PatientLoginService>(inner, workers, dispatch);
