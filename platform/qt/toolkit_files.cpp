@@ -13,7 +13,7 @@
 namespace tarnwick::qt {
 namespace {
 
-/// Seconds after which the user has gone on and expects no window any more.
+/// Seconds after which the user has gone on and expects no window, and no page, any more.
 constexpr double kPatience = 3;
 
 }  // namespace
@@ -75,9 +75,13 @@ bool FirstWindows::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void afterFoldersOfPrograms(platform::Dispatch& dispatch, std::function<void()> open) {
-    dispatch.detached([&dispatch, open = std::move(open)]() mutable {
+    dispatch.detached([&dispatch, open = std::move(open), begin = dispatch.now()]() mutable {
         QStandardPaths::findExecutable("xdg-open");
-        dispatch.async(std::move(open));
+        dispatch.async([&dispatch, open = std::move(open), begin] {
+            if (dispatch.now() - begin < kPatience) {
+                open();
+            }
+        });
     });
 }
 

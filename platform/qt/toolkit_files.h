@@ -44,7 +44,8 @@ class FirstWindows final : public QObject {
 };
 
 /// Calls `open` on a later turn, once the folders of programs have answered: the toolkit looks for
-/// the one that opens an address there, and some of them lie below the home.
+/// the one that opens an address there, and some of them lie below the home. Never, where they take
+/// seconds to answer. Requires: `dispatch` lives as long as the process.
 void afterFoldersOfPrograms(platform::Dispatch& dispatch, std::function<void()> open);
 
 }  // namespace tarnwick::qt
