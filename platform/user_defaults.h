@@ -42,7 +42,7 @@ class UserDefaults {
     /// then comes as an external change.
     virtual bool isComplete() { return true; }
     /// Whether the store has been asked and has answered, be it that it cannot be read. Until then
-    /// every value is absent; the answer comes as an external change.
+    /// only what has been set since the start is there; the answer comes as an external change.
     virtual bool hasAnswered() { return true; }
     /// Each is absent when there is no value or it has another type.
     std::optional<bool> boolean(std::string_view key);
@@ -52,8 +52,9 @@ class UserDefaults {
     /// Integers are numbers, too.
     std::optional<double> number(std::string_view key);
 
-    /// Calls `observer` when somebody else has changed values, which readers find by then, and when
-    /// the store becomes complete. Never where the system cannot tell. Main thread.
+    /// Calls `observer` when somebody else has changed values, which readers find by then, when the
+    /// store first answers, and when it becomes complete. Never where the system cannot tell. Main
+    /// thread.
     [[nodiscard]] virtual Subscription onExternalChange(std::function<void()> observer);
 };
 

@@ -115,7 +115,8 @@ class UserSettings final : public ObservableObject {
     void setRecordingShortcut(bool isRecording);
 
     /// False until the store has answered for the first time, which is announced. Until then every
-    /// property reads as its default, also in a store that holds something else.
+    /// property that has not been set since the start reads as its default, also in a store that
+    /// holds something else.
     bool isLoaded() const { return store_.hasAnswered(); }
 
     /// Whether the settings window of the first launch has been shown; stays true from then on.
