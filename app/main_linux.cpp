@@ -327,7 +327,8 @@ QRect Program::panelAnchor() const {
 }
 
 void Program::show(const std::function<void()>& window) {
-    if (firstWindows_.areRead()) {
+    // An open panel has had what the first window needs; to close it must not wait.
+    if (firstWindows_.areRead() || panel_.isOpen()) {
         window();
         return;
     }
