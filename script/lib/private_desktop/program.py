@@ -117,13 +117,14 @@ class Program:
             return False
 
     def open_panel(self):
-        """Opens the closed panel by a click on the item; the panel."""
+        """Opens the closed panel by a click on the item; the panel, which has the input by then."""
         self.click_item()
-        return until(self.panel, "the panel opens after a click on the item")
+        until(self.panel_picture, "the panel opens after a click on the item")
+        return self.panel()
 
     def close_panel(self):
         """Closes the panel by a click on an empty place."""
-        # It is on the screen before it holds the pointer, and drawn after that.
+        # It is on the screen before it has the input, and drawn after that.
         until(self.panel_picture, "the panel is drawn")
         self.desktop.screen.click(self.desktop.nowhere)
         until(lambda: self.panel() is None, "the panel closes after a click outside")
